@@ -1,0 +1,13 @@
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <Carbon/AEObjects.h>
+#include <Carbon/AppleEvents.h>
+#include <Carbon/Dialogs.h>
+#include <Carbon/Files.h>
+#include <Carbon/Finder.h>
+#include <Carbon/MacErrors.h>
+#include <Carbon/MacMemory.h>
+#include <Carbon/Multiprocessing.h>
+#include <Carbon/Processes.h>

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <MacTypes.h>
+
+MACPLATFORM_C_BEGIN
+
+/// Processors of the machine, at least 1.
+ItemCount MPProcessors(void);
+
+MACPLATFORM_C_END

@@ -1,0 +1,29 @@
+#pragma once
+
+/// Who answers the alerts.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#pragma GCC visibility push(default)
+namespace macplatform {
+
+struct Alert {
+    enum class Kind { Message, Stop };
+    Kind kind = Kind::Message;
+    std::string message; ///< UTF-8; empty for a stop alert, whose text lies in a resource.
+    std::vector<std::string>
+        buttons;      ///< In the order in which they were added; the platform's one "OK" when none was.
+    int resource = 0; ///< The number of a stop alert.
+};
+
+/// The answer is the place of the chosen button, from 0; -1 when the alert could not be shown.
+using AlertPresenter = std::function<int(const Alert&)>;
+
+/// Replaces the presenter; an empty one restores the first one, which shows nothing and chooses the first
+/// button of a message, and answers -1 for a stop alert.
+void SetAlertPresenter(AlertPresenter presenter);
+
+} // namespace macplatform
+#pragma GCC visibility pop

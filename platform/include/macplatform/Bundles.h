@@ -1,0 +1,35 @@
+#pragma once
+
+/// Why a plug-in gave no instance.
+
+#include <string>
+
+#pragma GCC visibility push(default)
+namespace macplatform {
+
+enum class BundleFault {
+    None,
+    NoBundle,          ///< No such folder, or no property list in it.
+    BrokenList,        ///< The property list cannot be read.
+    MissingKey,        ///< The property list lacks a key or has it in a wrong form.
+    NoExecutable,      ///< The file that the property list names is missing.
+    WrongArchitecture, ///< It was made for another processor or system.
+    CannotLoad,        ///< The dynamic linker refused it.
+    SymbolMissing,     ///< The factory function is not exported.
+    FactoryRefused,    ///< The factory function answered null.
+};
+
+struct BundleFailure {
+    BundleFault fault = BundleFault::None;
+    std::string text; ///< One line that names the thing and its path.
+};
+
+/// About the last CFPlugInCreate or CFPlugInInstanceCreate of this process.
+const BundleFailure& LastBundleFailure();
+
+/// The address of an exported symbol of the plug-in that `CFPlugInCreate` answered, its code loaded if need
+/// be; null when there is none, and then LastBundleFailure tells why.
+void* BundleSymbol(const void* plugIn, const std::string& name);
+
+} // namespace macplatform
+#pragma GCC visibility pop

@@ -1,0 +1,42 @@
+#pragma once
+
+/// What the platform is asked to do, in order, and what it is made to refuse.
+///
+/// While an observer is set, each platform call (those of `CoreFoundation/`, `Carbon/`, `objc/`, `mach/`,
+/// `sys/`, and path calls of the C library that fall on the startup volume) is told to it after it is done.
+/// Calls that the platform makes of itself on the way are not told.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#pragma GCC visibility push(default)
+namespace macplatform {
+
+struct JournalEntry {
+    std::string call;                   ///< The function's name; for objc_msgSend the whole message.
+    std::vector<std::string> arguments; ///< As a person would write them: texts in quotation marks.
+    std::string result;                 ///< Empty for a call without result.
+};
+
+using JournalObserver = std::function<void(const JournalEntry&)>;
+
+/// Replaces the observer; an empty one ends the telling. The observer must not throw.
+void SetJournalObserver(JournalObserver observer);
+
+/// A failure that is ordered: the call of this name fails once, after `skip` more calls of it, in the way of
+/// its kind: null for a function that makes an object, false for one that answers yes or no, `code` as the
+/// result code of the Carbon calls, and `code` as errno for those of the C library. It then has no other
+/// effect.
+struct OrderedFault {
+    std::string call;
+    long code = 0;
+    unsigned skip = 0;
+};
+void OrderFault(const OrderedFault& fault);
+
+/// Takes back every fault that has not happened yet; answers how many those were.
+std::size_t CancelFaults();
+
+} // namespace macplatform
+#pragma GCC visibility pop

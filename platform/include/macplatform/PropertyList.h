@@ -1,0 +1,45 @@
+#pragma once
+
+/// Property lists, XML or binary, read from and written to memory.
+///
+/// A file is refused, with the reason, when it is no property list, is nested deeper than 512 levels or is
+/// larger than 64 MiB. Old-style text lists are not read.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#pragma GCC visibility push(default)
+namespace macplatform {
+
+enum class PropertyListFormat { Xml, Binary };
+
+/// One value, taken out of its list: a copy that owns what it holds.
+struct PropertyValue {
+    enum class Kind { None, Boolean, Integer, Real, Text, Data, Date, Uid, Array, Dictionary };
+    Kind kind = Kind::None;
+    std::string text;         ///< The text; for scalars as a person would write them; data in hexadecimal.
+    std::int64_t integer = 0; ///< Boolean and Integer.
+    std::vector<PropertyValue> items;  ///< Array.
+    std::vector<std::string> keys;     ///< Dictionary, in the order of the file...
+    std::vector<PropertyValue> values; ///< ...with the value of each key at the same place.
+
+    const PropertyValue* Find(const std::string& key) const; ///< Null when there is no such key.
+    const char* KindName() const; ///< "string", "integer", ... as the XML form names it.
+    std::string Describe() const; ///< One line; texts in quotation marks.
+};
+bool operator==(const PropertyValue& left, const PropertyValue& right);
+inline bool operator!=(const PropertyValue& left, const PropertyValue& right) { return !(left == right); }
+
+struct PropertyListFile {
+    PropertyValue root;
+    PropertyListFormat format = PropertyListFormat::Binary;
+    std::string error;   ///< Empty, or why the file could not be read, as one line without the path.
+    int errorNumber = 0; ///< errno where the system refused; ENOENT for a file that is not there.
+};
+
+/// Reads a file of this machine (not of the startup volume).
+PropertyListFile ReadPropertyList(const std::string& path);
+
+} // namespace macplatform
+#pragma GCC visibility pop

@@ -1,0 +1,155 @@
+#pragma once
+
+/// Owning pointers whose counts are plain integers: a handle and its copies belong to one thread at a time.
+
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <utility>
+
+/// Deletes an object of a complete type; an incomplete one does not compile.
+template <typename T>
+void checked_delete(T* p) {
+    static_assert(sizeof(T) > 0, "the type must be complete where its object is deleted");
+    delete p;
+}
+
+template <typename T>
+void checked_array_delete(T* p) {
+    static_assert(sizeof(T) > 0, "the type must be complete where its objects are deleted");
+    delete[] p;
+}
+
+namespace smart_ptr_detail {
+
+struct use_counter {
+    unsigned int uses;
+    void (*delete_block)(
+        use_counter*); ///< For a counter in one block with its object; null for one by itself.
+};
+
+/// What every null handle points at; its count is never changed, so that null handles allocate nothing.
+inline use_counter null_counter = {1, nullptr};
+
+/// Shared ownership of what `Delete` frees.
+template <typename T, void (*Delete)(T*)>
+class shared_handle {
+public:
+    shared_handle() noexcept = default;
+    /// Takes `p` over, also when the counter cannot be allocated (`p` is then freed).
+    explicit shared_handle(T* p) {
+        if (!p) return;
+        std::unique_ptr<T, void (*)(T*)> guard(p, Delete);
+        counter = new use_counter{1, nullptr};
+        object = guard.release();
+    }
+    shared_handle(const shared_handle& other) noexcept : object(other.object), counter(other.counter) {
+        if (object) ++counter->uses;
+    }
+    shared_handle(shared_handle&& other) noexcept : object(other.object), counter(other.counter) {
+        other.object = nullptr;
+        other.counter = &null_counter;
+    }
+    shared_handle& operator=(shared_handle other) noexcept {
+        swap(other);
+        return *this;
+    }
+    ~shared_handle() {
+        if (object && --counter->uses == 0) destroy();
+    }
+
+    void swap(shared_handle& other) noexcept {
+        std::swap(object, other.object);
+        std::swap(counter, other.counter);
+    }
+
+    /// Lets go of the present object and takes `p` over; nothing happens when `p` is the present object.
+    void reset(T* p = nullptr) {
+        if (p != object) shared_handle(p).swap(*this);
+    }
+
+    T* get() const noexcept { return object; }
+    /// Handles on the object; 1 for a null handle.
+    unsigned int use_count() const noexcept { return counter->uses; }
+    explicit operator bool() const noexcept { return object != nullptr; }
+
+protected:
+    /// Counter and object in one block.
+    struct block : use_counter {
+        template <typename... Arguments>
+        explicit block(Arguments&&... arguments)
+            : use_counter{1, &delete_this}, value(std::forward<Arguments>(arguments)...) {}
+        static void delete_this(use_counter* counter) { delete static_cast<block*>(counter); }
+        T value;
+    };
+    explicit shared_handle(block* b) noexcept : object(&b->value), counter(b) {}
+
+private:
+    void destroy() {
+        if (counter->delete_block) {
+            counter->delete_block(counter);
+            return;
+        }
+        Delete(object);
+        delete counter;
+    }
+
+    T* object = nullptr;
+    use_counter* counter = &null_counter;
+};
+
+} // namespace smart_ptr_detail
+
+/// Shared ownership of one object.
+template <typename T>
+class shared_ptr : public smart_ptr_detail::shared_handle<T, &checked_delete<T>> {
+    using base = smart_ptr_detail::shared_handle<T, &checked_delete<T>>;
+
+public:
+    using base::base;
+    shared_ptr() noexcept = default;
+
+    /// A new object and its counter in one allocation.
+    template <typename... Arguments>
+    static shared_ptr make(Arguments&&... arguments) {
+        return shared_ptr(new typename base::block(std::forward<Arguments>(arguments)...));
+    }
+
+    T& operator*() const noexcept { return *this->get(); }
+    T* operator->() const noexcept { return this->get(); }
+
+private:
+    explicit shared_ptr(typename base::block* b) noexcept : base(b) {}
+};
+
+/// Shared ownership of an array made with `new[]`.
+template <typename T>
+class shared_array : public smart_ptr_detail::shared_handle<T, &checked_array_delete<T>> {
+public:
+    using smart_ptr_detail::shared_handle<T, &checked_array_delete<T>>::shared_handle;
+    shared_array() noexcept = default;
+
+    T& operator[](std::size_t index) const noexcept { return this->get()[index]; }
+};
+
+/// Sole ownership of an array made with `new[]`.
+template <typename T>
+class scoped_array {
+public:
+    explicit scoped_array(T* p = nullptr) noexcept : array(p) {}
+    scoped_array(const scoped_array&) = delete;
+    scoped_array& operator=(const scoped_array&) = delete;
+    ~scoped_array() { checked_array_delete(array); }
+
+    void reset(T* p = nullptr) {
+        if (p == array) return;
+        checked_array_delete(array);
+        array = p;
+    }
+    T* get() const noexcept { return array; }
+    T& operator[](std::size_t index) const noexcept { return array[index]; }
+    explicit operator bool() const noexcept { return array != nullptr; }
+
+private:
+    T* array;
+};

@@ -1,0 +1,165 @@
+#pragma once
+
+#include <Kelbase/common/common_char.h>
+#include <Kelbase/common/common_checked_types.h>
+#include <Kelbase/common/common_smart_ptr.h>
+
+#include <string>
+#include <vector>
+
+/// UTF-8 text, shared on copy.
+///
+/// A `String` is a handle on bytes that it shares with its copies; every edit gives the edited one bytes of
+/// its own, so that the others keep the old text. There are two empty states, no text at all (null) and zero
+/// bytes; both read as
+/// "", are equal and have length 0. Positions and lengths are byte counts. NUL bytes may stand in the text:
+/// they count in `GetLength` and end every comparison and every C string taken from it.
+///
+/// The bytes are not checked to be UTF-8. Copies of one text belong to one thread at a time: the count is not
+/// locked. Running out of memory throws `std::bad_alloc` and leaves the `String` as it was; so does a text of
+/// 4 GiB or more
+/// (`std::length_error`). Nothing else here fails.
+class String {
+public:
+    String() = default;
+    String(const char* s);                 ///< Up to the NUL; null gives null.
+    String(const char* s, unsigned int n); ///< Up to the NUL, `n` bytes at most; null gives null.
+    String(char c);                        ///< One byte, also when it is 0.
+    /// From UTF-16, ended by a 0 unit. `encoding` 2 cuts the text to what Mac Roman can hold, any other value
+    /// means UTF-8. Null from null, from 100,000 units or more, and when a character cannot be converted.
+    String(const unsigned short* s, unsigned int encoding);
+
+    String& operator=(const char* s);
+
+    // Reading
+
+    unsigned int GetLength() const;
+    /// The bytes as they are stored, ended by a NUL; valid until this `String` changes. Never null.
+    const char* Latin1() const;
+    /// UTF-16 units ended by 0. A null array when the bytes are not valid in the encoding (2 Mac Roman, else
+    /// UTF-8) or make more than 100,000 units.
+    shared_array<unsigned short> Unicode(unsigned int encoding) const;
+    static String GetPlatformLinefeed();
+
+    // Appending
+
+    String& operator+=(const String& r); ///< Shares `r` when this one is empty.
+    String& operator+=(char c);
+
+    // Placeholders: "%" and one digit. The lowest digit is replaced, its leftmost one first, one a call; a
+    // template without a placeholder gets the argument at its end. See `Number` for base, width, precision
+    // and format.
+
+    String Arg(const String& a) const;
+    String Arg(char c) const;
+    String Arg(const Char& c) const;
+    /// In base 16 an `int` or a `long` that fits 32 bits is written as its unsigned bits: -1 gives
+    /// "FFFFFFFF".
+    String Arg(int v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
+    String Arg(long v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
+    /// Keeps its sign in every base.
+    String Arg(short v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
+    String Arg(unsigned short v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
+    String Arg(unsigned int v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
+    String Arg(unsigned long v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
+    String Arg(long long v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
+    String Arg(unsigned long long v, unsigned int base = 10,
+               const checked_value<unsigned int>& width = {}) const;
+    String Arg(double v, unsigned int precision = 0xFFFFFFFF,
+               const checked_value<unsigned int>& format = {}) const;
+    String Arg(float v, unsigned int precision = 0xFFFFFFFF,
+               const checked_value<unsigned int>& format = {}) const;
+
+    // Numbers to text
+
+    /// Bases 2 to 36, any other is 10; upper-case digits. `width` pads with "0" on the left and does not
+    /// count the sign. The smallest `int` with a width is written as two pieces, each padded by itself.
+    static String Number(int v, unsigned int base = 10, const checked_value<unsigned int>& width = {});
+    static String Number(long v, unsigned int base = 10, const checked_value<unsigned int>& width = {});
+    static String Number(unsigned int v, unsigned int base = 10,
+                         const checked_value<unsigned int>& width = {});
+    static String Number(unsigned long v, unsigned int base = 10,
+                         const checked_value<unsigned int>& width = {});
+    /// Base 16 (of the bits, unsigned) or decimal; no other base.
+    static String Number(long long v, unsigned int base = 10, const checked_value<unsigned int>& width = {});
+    static String Number(unsigned long long v, unsigned int base = 10,
+                         const checked_value<unsigned int>& width = {});
+    /// As printf writes it: `format` is one of the letters f F e E g G, anything else is f. `precision` is
+    /// cut to 99; 0xFFFFFFFF means the default of 6. At most 1023 characters.
+    static String Number(double v, unsigned int precision = 0xFFFFFFFF,
+                         const checked_value<unsigned int>& format = {});
+    static String Number(float v, unsigned int precision = 0xFFFFFFFF,
+                         const checked_value<unsigned int>& format = {});
+
+    // Text to numbers. The whole text, less the white space around it, must be one number; otherwise the
+    // result is 0 and
+    // `*ok` false. "." and "," are both decimal separators; full-width digits and signs are read. No base
+    // prefixes.
+
+    short ToShort(bool* ok = nullptr, unsigned int base = 10) const;
+    unsigned short ToUShort(bool* ok = nullptr, unsigned int base = 10) const;
+    int ToInt(bool* ok = nullptr, unsigned int base = 10) const;
+    unsigned int ToUInt(bool* ok = nullptr, unsigned int base = 10) const;
+    long long ToInt64(bool* ok = nullptr, unsigned int base = 10) const;
+    unsigned long long ToUInt64(bool* ok = nullptr, unsigned int base = 10) const;
+    double ToDouble(bool* ok = nullptr) const;
+    float ToFloat(bool* ok = nullptr) const;
+
+    // Searching. Without `caseSensitive`, "A"-"Z" and "a"-"z" are the same; no other letters fold.
+
+    /// First position at or after `start`; absent also when `start` is at or past the end.
+    checked_value<unsigned int> Find(char c, unsigned int start = 0, bool caseSensitive = true) const;
+    checked_value<unsigned int> Find(const char* s, unsigned int start = 0, bool caseSensitive = true) const;
+    /// Last position at or before `start` (absent: the last byte); absent also when `start` is at or past the
+    /// end.
+    checked_value<unsigned int> FindRev(char c, const checked_value<unsigned int>& start = {},
+                                        bool caseSensitive = true) const;
+    bool BeginsWith(const String& p, bool caseSensitive = true) const;
+    bool EndsWith(const String& p, bool caseSensitive = true) const;
+
+    // Slices
+
+    String Left(unsigned int n) const;
+    String Right(unsigned int n) const;
+    /// From `start`, at most `n` bytes (absent: to the end); null when `start` is at or past the end.
+    String Mid(unsigned int start, const checked_value<unsigned int>& n = {}) const;
+
+    // Editing in place: these change this `String` and answer it
+
+    String& Insert(unsigned int pos, const String& s); ///< At or past the end it appends.
+    String& Remove(unsigned int pos, const checked_value<unsigned int>& n = {});
+    String& Truncate(unsigned int n); ///< As `Resize(n, true)` when that is shorter; else nothing.
+    /// Exactly `n` bytes, new ones NUL. With `keepWholeCharacters` a UTF-8 sequence that is cut off at the
+    /// end becomes NUL bytes, which still count in the length.
+    String& Resize(unsigned int n, bool keepWholeCharacters);
+
+    // Edited copies
+
+    String ReplaceChar(const Char& from, const Char& to) const;
+    String Replace(const String& from, const String& to) const; ///< Every occurrence, left to right.
+    String ToUpper() const;
+    String ToLower() const;
+    String StripWhiteSpace() const;
+    String SimplifyWhiteSpace() const; ///< Stripped, and every run of white space made one blank.
+
+    // Lists
+
+    /// Empties `out` and fills it with what stands between the separators: one element at least.
+    void Split(char sep, std::vector<String>& out) const;
+    static String Join(const String& sep, const std::vector<String>& parts);
+
+private:
+    // The text and its count in one block; null for no text.
+    shared_ptr<std::string> text;
+};
+
+String operator+(const String& a, const String& b);
+String operator+(const String& a, const char* b); ///< Null adds nothing.
+
+// By the bytes up to the first NUL, as unsigned numbers. A null character pointer ranks above every String.
+bool operator==(const String& l, const String& r);
+bool operator<(const String& l, const String& r);
+bool operator<=(const String& l, const String& r);
+bool operator==(const String& l, const char* r);
+bool operator<(const String& l, const char* r);
+bool operator<=(const String& l, const char* r);

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+
+/// A fresh folder that goes away with the object, with what it holds.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "kelbase.XXXXXX").string();
+        if (!mkdtemp(name.data())) throw std::runtime_error("no temporary folder: " + name);
+        folder = name;
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    }
+
+    const std::filesystem::path& Path() const { return folder; }
+    std::filesystem::path operator/(const std::string& name) const { return folder / name; }
+
+    /// Writes a file of these bytes, its folders made on the way; answers its path.
+    std::string Write(const std::string& name, const std::string& bytes = {}) const {
+        const std::filesystem::path path = folder / name;
+        std::filesystem::create_directories(path.parent_path());
+        std::ofstream(path, std::ios::binary) << bytes;
+        return path.string();
+    }
+
+private:
+    std::filesystem::path folder;
+};
+
+/// All bytes of a file; empty when it cannot be read.
+inline std::string ReadBytes(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
