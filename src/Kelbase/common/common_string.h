@@ -33,9 +33,9 @@ public:
 
     // Reading
 
-    unsigned int GetLength() const;
+    unsigned int GetLength() const { return text ? static_cast<unsigned int>(text->size()) : 0; }
     /// The bytes as they are stored, ended by a NUL; valid until this `String` changes. Never null.
-    const char* Latin1() const;
+    const char* Latin1() const { return text ? text->c_str() : ""; }
     /// UTF-16 units ended by 0. A null array when the bytes are not valid in the encoding (2 Mac Roman, else
     /// UTF-8) or make more than 100,000 units.
     shared_array<unsigned short> Unicode(unsigned int encoding) const;
@@ -132,6 +132,8 @@ public:
     /// Exactly `n` bytes, new ones NUL. With `keepWholeCharacters` a UTF-8 sequence that is cut off at the
     /// end becomes NUL bytes, which still count in the length.
     String& Resize(unsigned int n, bool keepWholeCharacters);
+    /// Bytes of its own: a copy, grown by NUL bytes to `n` + 1 where `n` is not below the length.
+    String& detachAndExtend(unsigned int n);
 
     // Edited copies
 
@@ -149,6 +151,9 @@ public:
     static String Join(const String& sep, const std::vector<String>& parts);
 
 private:
+    explicit String(std::string&& bytes);
+    std::string& OwnText(); ///< Bytes that no other String shares.
+
     // The text and its count in one block; null for no text.
     shared_ptr<std::string> text;
 };
