@@ -1,0 +1,197 @@
+#include <macplatform/StartupVolume.h>
+
+#include "PlatformCall.h"
+#include "VolumePath.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace macplatform {
+
+namespace {
+
+bool volumeIsSet = false;
+
+/// Never destroyed: path calls are made until the very end of the process.
+std::string& Folder() {
+    static auto& folder = *new std::string;
+    return folder;
+}
+
+/// The part of `rest` up to its first "/", which is taken off it.
+std::string_view TakeComponent(std::string_view& rest) {
+    const std::string_view name = rest.substr(0, rest.find('/'));
+    rest.remove_prefix(name.size());
+    return name;
+}
+
+void SkipSlashes(std::string_view& rest) {
+    rest.remove_prefix(std::min(rest.find_first_not_of('/'), rest.size()));
+}
+
+bool IsVolumeName(std::string_view name) {
+    static constexpr std::array<std::string_view, 5> names = {"Library", "Applications", "Users", "System",
+                                                              "Volumes"};
+    for (const auto& known : names) {
+        if (name == known) return true;
+    }
+    return false;
+}
+
+/// The first component that is not ".".
+std::string_view FirstComponent(std::string_view path) {
+    std::string_view name = ".";
+    while (name == ".") {
+        SkipSlashes(path);
+        name = TakeComponent(path);
+    }
+    return name;
+}
+
+/// Without ".", and without ".." together with the name before it.
+std::string LexicallyClean(std::string_view path) {
+    std::vector<std::string_view> names;
+    const bool asFolder = !path.empty() && path.back() == '/';
+    for (SkipSlashes(path); !path.empty(); SkipSlashes(path)) {
+        const auto name = TakeComponent(path);
+        if (name == "..") {
+            if (!names.empty()) names.pop_back();
+        } else if (name != ".") {
+            names.push_back(name);
+        }
+    }
+    std::string cleaned;
+    for (const auto& name : names) (cleaned += '/') += name;
+    return asFolder ? cleaned + '/' : cleaned;
+}
+
+/// One path on its way through the volume, as a process confined to it would walk.
+class Walk {
+public:
+    Walk(std::string path, LastLink lastLink) : rest(std::move(path)), last(lastLink) {}
+
+    /// The path on this machine; empty with errno.
+    std::string Run() {
+        while (errorNumber == 0 && !rest.empty()) Step();
+        if (errorNumber != 0) {
+            errno = errorNumber;
+            return {};
+        }
+        return Folder() + reached + (asFolder ? "/" : "");
+    }
+
+private:
+    void Step() {
+        std::string_view view = rest;
+        SkipSlashes(view);
+        const std::string name(TakeComponent(view));
+        rest.erase(0, rest.size() - view.size());
+        asFolder = name.empty() || name == "." || !rest.empty();
+        if (name == "..") {
+            errorNumber = deadEnd;
+            reached.resize(reached.empty() ? 0 : reached.rfind('/'));
+        } else if (!name.empty() && name != ".") {
+            Enter(name);
+        }
+    }
+
+    void Enter(const std::string& name) {
+        const std::string parent = reached;
+        (reached += '/') += name;
+        if (deadEnd != 0) return;
+        struct stat item {};
+        if (lstat((Folder() + reached).c_str(), &item) != 0) {
+            (errno == ENOENT ? deadEnd : errorNumber) = errno;
+        } else if (S_ISLNK(item.st_mode) && (last == LastLink::Follow || asFolder)) {
+            Follow(parent);
+        } else if (!S_ISDIR(item.st_mode)) {
+            deadEnd = ENOTDIR;
+        }
+    }
+
+    void Follow(const std::string& parent) {
+        std::array<char, PATH_MAX> target;
+        const ssize_t length = readlink((Folder() + reached).c_str(), target.data(), target.size());
+        if (length < 0 || ++links > 40) {
+            errorNumber = length < 0 ? errno : ELOOP;
+            return;
+        }
+        reached = target[0] == '/' ? "" : parent;
+        rest.insert(0, target.data(), static_cast<std::size_t>(length));
+        if (rest.size() >= PATH_MAX) errorNumber = ENAMETOOLONG;
+    }
+
+    std::string rest;    ///< Still to walk.
+    std::string reached; ///< Walked so far, from the volume's root: empty or "/a/b".
+    LastLink last;
+    bool asFolder = false; ///< What was reached is asked for as a folder.
+    int links = 0;
+    int deadEnd = 0; ///< errno of going on from what was reached, which is missing or no folder.
+    int errorNumber = 0;
+};
+
+} // namespace
+
+bool StartupVolumeIsSet() { return volumeIsSet; }
+
+bool LiesInStartupVolume(std::string_view path) {
+    const std::string& folder = Folder();
+    return volumeIsSet && path.substr(0, folder.size()) == folder &&
+           (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+bool IsOnStartupVolume(std::string_view path) {
+    if (!volumeIsSet || path.empty() || path.front() != '/' || LiesInStartupVolume(path)) return false;
+    return IsVolumeName(FirstComponent(path)) ||
+           (path.find("/..") != path.npos && IsVolumeName(FirstComponent(LexicallyClean(path))));
+}
+
+bool SetStartupVolume(const std::string& folder) {
+    const PlatformInside inside;
+    if (folder.empty()) {
+        volumeIsSet = false;
+        Folder().clear();
+        return true;
+    }
+    const std::unique_ptr<char, decltype(&std::free)> absolute(realpath(folder.c_str(), nullptr), &std::free);
+    struct stat item {};
+    if (!absolute || stat(absolute.get(), &item) != 0) return false;
+    if (!S_ISDIR(item.st_mode)) {
+        errno = ENOTDIR;
+        return false;
+    }
+    Folder() = absolute.get();
+    if (Folder() == "/") Folder().clear(); // which is what "no volume" means
+    volumeIsSet = !Folder().empty();
+    return true;
+}
+
+const std::string& StartupVolume() { return Folder(); }
+
+std::string HostPath(const std::string& macPath, LastLink lastLink) {
+    const PlatformInside inside;
+    if (macPath.size() >= PATH_MAX || macPath.find('\0') != macPath.npos) {
+        errno = macPath.size() >= PATH_MAX ? ENAMETOOLONG : EINVAL;
+        return {};
+    }
+    if (!IsOnStartupVolume(macPath)) return macPath;
+    // A ".." before the first name of the volume is this machine's, whose folders need not exist on the
+    // volume.
+    const bool startsOnVolume = IsVolumeName(FirstComponent(macPath));
+    return Walk(startsOnVolume ? macPath : LexicallyClean(macPath), lastLink).Run();
+}
+
+std::string MacPath(const std::string& hostPath) {
+    if (!LiesInStartupVolume(hostPath)) return hostPath;
+    const std::string path = hostPath.substr(Folder().size());
+    return path.empty() ? "/" : path;
+}
+
+} // namespace macplatform
