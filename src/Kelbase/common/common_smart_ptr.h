@@ -85,7 +85,8 @@ protected:
     explicit shared_handle(block* b) noexcept : object(&b->value), counter(b) {}
 
 private:
-    void destroy() {
+    /// Not inlined, so that what stands around every handle stays small.
+    [[gnu::noinline]] void destroy() {
         if (counter->delete_block) {
             counter->delete_block(counter);
             return;
