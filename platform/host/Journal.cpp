@@ -3,6 +3,7 @@
 #include "PlatformCall.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 namespace macplatform {
@@ -62,7 +63,9 @@ PlatformCall::PlatformCall(const char* functionName)
 
 PlatformCall::~PlatformCall() {
     // The observer's own platform calls are not told either: the depth goes down after it is done.
+    const int errorNumber = errno; // part of the result of some calls
     if (told) Observer()({name, std::move(arguments), std::move(result)});
+    errno = errorNumber;
     --callDepth;
 }
 

@@ -1,0 +1,79 @@
+#include <Carbon/MacErrors.h>
+#include <Carbon/MacMemory.h>
+
+#include "LiveRegistry.h"
+#include "PlatformCall.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+using namespace macplatform;
+
+namespace {
+
+/// Stands before the bytes that the caller gets.
+struct alignas(16) Block : LiveThing {
+    static constexpr std::uint64_t living = 0x4B4C42656D6F4D21;
+    explicit Block(Size bytes) : size(bytes) {}
+
+    volatile std::uint64_t mark = living; ///< Volatile: its last value is read by a wrong second DisposePtr.
+    Size size;
+};
+
+thread_local OSErr lastResult = noErr;
+
+std::string Describe(const LiveThing& thing) {
+    return "memory block of " + std::to_string(static_cast<const Block&>(thing).size) + " bytes";
+}
+
+Ptr MakeBlock(Size size) {
+    constexpr auto most = std::numeric_limits<Size>::max() - static_cast<Size>(sizeof(Block));
+    if (size < 0 || size > most) return nullptr;
+    void* const memory = std::malloc(sizeof(Block) + static_cast<std::size_t>(size));
+    if (!memory) return nullptr;
+    auto* const block = new (memory) Block(size);
+    block->Enlist(Describe);
+    return reinterpret_cast<Ptr>(block + 1);
+}
+
+void Free(Ptr pointer) {
+    auto* const block = reinterpret_cast<Block*>(pointer) - 1;
+    if (reinterpret_cast<std::uintptr_t>(pointer) % alignof(Block) != 0 || block->mark != Block::living) {
+        std::fprintf(stderr, "DisposePtr: %p is no block of NewPtr, or was disposed of already\n",
+                     static_cast<void*>(pointer));
+        std::abort();
+    }
+    block->Delist();
+    block->mark = 0;
+    std::free(block);
+}
+
+} // namespace
+
+Ptr NewPtr(Size size) try {
+    PlatformCall call("NewPtr");
+    if (call.IsTold()) call.SetArguments({std::to_string(size)});
+    const Ptr block = call.TakeFault() ? nullptr : MakeBlock(size);
+    lastResult = block ? OSErr{noErr} : OSErr{memFullErr};
+    return call.Result(block, block ? "a block" : "NULL");
+} catch (const std::bad_alloc&) {
+    lastResult = memFullErr;
+    return nullptr;
+}
+
+void DisposePtr(Ptr pointer) try {
+    PlatformCall call("DisposePtr");
+    lastResult = noErr;
+    if (pointer) Free(pointer);
+    if (call.IsTold()) call.SetArguments({pointer ? "a block" : "NULL"});
+} catch (const std::bad_alloc&) {
+    // The block is gone; only the telling failed.
+}
+
+OSErr MemError() {
+    PlatformCall call("MemError");
+    return call.Result(lastResult);
+}

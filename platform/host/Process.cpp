@@ -1,0 +1,89 @@
+#include <Carbon/MacErrors.h>
+#include <Carbon/Multiprocessing.h>
+#include <Carbon/Processes.h>
+#include <macplatform/ProcessIdentity.h>
+
+#include "PlatformCall.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstring>
+#include <new>
+#include <unistd.h>
+
+using macplatform::PlatformCall;
+
+namespace {
+
+std::string& GivenName() {
+    static std::string name;
+    return name;
+}
+
+std::optional<unsigned>& GivenProcessorCount() {
+    static std::optional<unsigned> count;
+    return count;
+}
+
+std::string ProcessName() {
+    if (!GivenName().empty()) return GivenName();
+    std::array<char, PATH_MAX> path;
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    const std::string executable(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+    return executable.substr(executable.rfind('/') + 1);
+}
+
+void WritePascalString(const std::string& text, std::size_t most, unsigned char* buffer) {
+    const std::size_t length = std::min(text.size(), most);
+    buffer[0] = static_cast<unsigned char>(length);
+    std::memcpy(buffer + 1, text.data(), length);
+}
+
+/// The caller's record may be an older and shorter one: nothing behind its length is read or written.
+void Describe(ProcessInfoRec& callers) {
+    ProcessInfoRec record{};
+    const std::size_t known = std::min<std::size_t>(callers.processInfoLength, sizeof record);
+    std::memcpy(&record, &callers, known);
+
+    const std::string name = ProcessName();
+    if (record.processName) WritePascalString(name, 255, record.processName);
+    if (record.processAppSpec) {
+        *record.processAppSpec = {};
+        WritePascalString(name, sizeof record.processAppSpec->name - 1, record.processAppSpec->name);
+    }
+    ProcessInfoRec filled{};
+    filled.processInfoLength = record.processInfoLength;
+    filled.processName = record.processName;
+    filled.processNumber = {0, kCurrentProcess};
+    filled.processType = 'APPL';
+    filled.processSignature = FourCharCode{0x3F3F3F3F}; // four question marks: an application without one
+    filled.processAppSpec = record.processAppSpec;
+    std::memcpy(&callers, &filled, known);
+}
+
+} // namespace
+
+void macplatform::SetProcessName(const std::string& name) { GivenName() = name; }
+void macplatform::SetProcessorCount(std::optional<unsigned> count) { GivenProcessorCount() = count; }
+
+OSErr GetProcessInformation(const ProcessSerialNumber* process, ProcessInfoRec* info) try {
+    PlatformCall call("GetProcessInformation");
+    if (const auto code = call.TakeFault()) return call.Result(static_cast<OSErr>(*code));
+    if (!process || !info || info->processInfoLength < sizeof info->processInfoLength)
+        return call.Result(paramErr);
+    if (call.IsTold()) call.SetArguments({std::to_string(process->lowLongOfPSN)});
+    if (process->highLongOfPSN != 0 || process->lowLongOfPSN != kCurrentProcess)
+        return call.Result(procNotFound);
+    Describe(*info);
+    return call.Result(OSErr{noErr});
+} catch (const std::bad_alloc&) {
+    return memFullErr;
+}
+
+ItemCount MPProcessors() {
+    PlatformCall call("MPProcessors");
+    const long count =
+        GivenProcessorCount() ? static_cast<long>(*GivenProcessorCount()) : sysconf(_SC_NPROCESSORS_CONF);
+    return call.Result(static_cast<ItemCount>(std::max(count, 1L)));
+}

@@ -1,0 +1,130 @@
+#include <Carbon/MacErrors.h>
+#include <Carbon/MacMemory.h>
+#include <Carbon/Multiprocessing.h>
+#include <Carbon/Processes.h>
+#include <mach/mach_time.h>
+#include <macplatform/Journal.h>
+#include <macplatform/LiveObjects.h>
+#include <macplatform/ProcessIdentity.h>
+#include <sys/sysctl.h>
+
+#include <cerrno>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+
+using namespace macplatform;
+
+namespace {
+
+constexpr ProcessSerialNumber thisProcess{0, kCurrentProcess};
+
+TEST(Process, HasTheExecutablesName) {
+    unsigned char name[256] = {};
+    FSSpec file;
+    ProcessInfoRec info{};
+    info.processInfoLength = sizeof info;
+    info.processName = name;
+    info.processAppSpec = &file;
+    ASSERT_EQ(GetProcessInformation(&thisProcess, &info), noErr);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(name + 1), name[0]), "platform_services_test");
+    EXPECT_EQ(std::memcmp(file.name, name, name[0] + 1U), 0);
+    EXPECT_EQ(info.processType, FourCharCode{'APPL'});
+
+    SetProcessName(std::string(300, 'x'));
+    EXPECT_EQ(GetProcessInformation(&thisProcess, &info), noErr);
+    EXPECT_EQ(name[0], 255);
+    EXPECT_EQ(file.name[0], 63);
+    SetProcessName("");
+}
+
+TEST(Process, WritesNothingBehindAShorterRecord) {
+    ProcessInfoRec info;
+    std::memset(&info, 0x55, sizeof info);
+    info.processInfoLength = offsetof(ProcessInfoRec, processType);
+    info.processName = nullptr;
+    EXPECT_EQ(GetProcessInformation(&thisProcess, &info), noErr);
+    EXPECT_EQ(info.processNumber.lowLongOfPSN, kCurrentProcess);
+    EXPECT_EQ(info.processType, 0x55555555U);
+
+    const ProcessSerialNumber other{0, 77};
+    EXPECT_EQ(GetProcessInformation(&other, &info), procNotFound);
+    EXPECT_EQ(GetProcessInformation(&thisProcess, nullptr), paramErr);
+}
+
+TEST(Sysctl, AnswersTheFrequencyAsEightBytes) {
+    int mib[4] = {};
+    std::size_t count = 4;
+    SetCpuFrequency(2'400'000'000U);
+    ASSERT_EQ(sysctlnametomib("hw.cpufrequency", mib, &count), 0);
+    std::uint64_t hertz = 0;
+    std::size_t size = 4;
+    EXPECT_EQ(sysctl(mib, 2, &hertz, &size, nullptr, 0), -1);
+    EXPECT_EQ(errno, ENOMEM);
+    size = sizeof hertz;
+    EXPECT_EQ(sysctl(mib, static_cast<unsigned>(count), &hertz, &size, nullptr, 0), 0);
+    EXPECT_EQ(hertz, 2'400'000'000U);
+    EXPECT_EQ(size, 8U);
+
+    SetCpuFrequency(0);
+    EXPECT_EQ(sysctlnametomib("hw.cpufrequency", mib, &count), -1);
+    EXPECT_EQ(errno, ENOENT);
+    SetCpuFrequency({});
+    EXPECT_EQ(sysctlnametomib("hw.unheard", mib, &count), -1);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST(Sysctl, KeepsErrnoWhateverTheObserverDoes) {
+    SetJournalObserver([](const JournalEntry&) { errno = EDOM; });
+    OrderFault({"sysctlnametomib", EIO});
+    EXPECT_EQ(sysctlnametomib("hw.cpufrequency", nullptr, nullptr), -1);
+    EXPECT_EQ(errno, EIO);
+    SetJournalObserver({});
+}
+
+TEST(Machine, CountsProcessorsAndNanoseconds) {
+    SetProcessorCount(7);
+    EXPECT_EQ(MPProcessors(), 7U);
+    SetProcessorCount({});
+    EXPECT_GE(MPProcessors(), 1U);
+
+    mach_timebase_info_data_t base{};
+    EXPECT_EQ(mach_timebase_info(&base), 0);
+    EXPECT_EQ(base.numer, base.denom);
+    const std::uint64_t before = mach_absolute_time();
+    EXPECT_LE(before, mach_absolute_time());
+}
+
+TEST(Memory, GivesAlignedBlocksThatAreListedUntilDisposed) {
+    const std::size_t before = LiveObjectCount();
+    const Ptr empty = NewPtr(0);
+    const Ptr block = NewPtr(100);
+    ASSERT_TRUE(empty && block);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % 16, 0U);
+    std::memset(block, 0x7F, 100);
+    EXPECT_EQ(LiveObjectCount(), before + 2);
+    EXPECT_EQ(DescribeLiveObjects().back(), "memory block of 100 bytes");
+    DisposePtr(block);
+    DisposePtr(empty);
+    DisposePtr(nullptr);
+    EXPECT_EQ(LiveObjectCount(), before);
+}
+
+TEST(Memory, TellsTheFailureOfTheLastCall) {
+    EXPECT_EQ(NewPtr(-1), nullptr);
+    EXPECT_EQ(MemError(), memFullErr);
+    EXPECT_EQ(NewPtr(std::numeric_limits<Size>::max()), nullptr);
+    EXPECT_EQ(MemError(), memFullErr);
+    OrderFault({"NewPtr", memFullErr});
+    EXPECT_EQ(NewPtr(8), nullptr);
+    EXPECT_EQ(MemError(), memFullErr);
+    DisposePtr(NewPtr(8));
+    EXPECT_EQ(MemError(), noErr);
+}
+
+TEST(MemoryDeathTest, EndsTheProcessOnAStrangePointer) {
+    alignas(16) char strange[64] = {};
+    EXPECT_DEATH(DisposePtr(strange + 48), "no block of NewPtr");
+}
+
+} // namespace
