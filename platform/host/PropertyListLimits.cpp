@@ -1,0 +1,174 @@
+#include "PropertyListLimits.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+namespace macplatform {
+
+namespace {
+
+constexpr std::uint64_t maxValues = 8 * 1024 * 1024;
+const char tooDeep[] = "it is nested too deeply";
+const char damaged[] = "its binary form is damaged";
+
+/// Past the end of a comment, section or instruction that begins at `at`; `at` itself when none does.
+std::size_t SkipMarkup(const std::string& xml, std::size_t at) {
+    static const struct {
+        const char *open, *close;
+    } kinds[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!DOCTYPE", ">"}};
+    for (const auto& kind : kinds) {
+        if (xml.compare(at, std::strlen(kind.open), kind.open) != 0) continue;
+        const std::size_t end = xml.find(kind.close, at + std::strlen(kind.open));
+        return end == std::string::npos ? xml.size() : end + std::strlen(kind.close);
+    }
+    return at;
+}
+
+/// Elements that are open at once, whatever their names.
+std::string XmlDanger(const std::string& xml) {
+    unsigned depth = 0;
+    for (std::size_t at = xml.find('<'); at != std::string::npos; at = xml.find('<', at)) {
+        const std::size_t next = SkipMarkup(xml, at);
+        if (next != at) {
+            at = next;
+            continue;
+        }
+        const std::size_t end = xml.find('>', at);
+        if (end == std::string::npos) return {}; // the parser refuses it
+        if (xml[at + 1] == '/') {
+            depth -= depth > 0 ? 1 : 0;
+        } else if (xml[end - 1] != '/' &&
+                   ++depth > maxPropertyListDepth + 2) { // <plist> and the value itself
+            return tooDeep;
+        }
+        at = end;
+    }
+    return {};
+}
+
+/// The object table of a binary list, looked at without making anything of it.
+class BinaryList {
+public:
+    explicit BinaryList(const std::string& source) : bytes(source) {}
+
+    std::string Danger() {
+        if (!ReadTrailer()) return damaged;
+        values.assign(objectCount, 0);
+        depths.assign(objectCount, 0);
+        state.assign(objectCount, Unseen);
+        return Walk();
+    }
+
+private:
+    enum State : unsigned char { Unseen, Open, Done };
+    struct Container {
+        std::uint64_t object;
+        std::vector<std::uint64_t> children;
+        std::size_t next = 0;
+    };
+
+    std::uint64_t Number(std::size_t at, unsigned width) const {
+        std::uint64_t value = 0;
+        for (unsigned i = 0; i < width; ++i) value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
+        return value;
+    }
+
+    bool ReadTrailer() {
+        if (bytes.size() < 8 + 32) return false;
+        const std::size_t trailer = bytes.size() - 32;
+        offsetWidth = static_cast<unsigned char>(bytes[trailer + 6]);
+        referenceWidth = static_cast<unsigned char>(bytes[trailer + 7]);
+        objectCount = Number(trailer + 8, 8);
+        root = Number(trailer + 16, 8);
+        table = Number(trailer + 24, 8);
+        return offsetWidth >= 1 && offsetWidth <= 8 && referenceWidth >= 1 && referenceWidth <= 8 &&
+               objectCount >= 1 && root < objectCount && table >= 8 && table <= trailer &&
+               objectCount <= (trailer - table) / offsetWidth;
+    }
+
+    /// The references of an array, set or dictionary; none for a scalar; nothing when they lie outside.
+    std::optional<std::vector<std::uint64_t>> Children(std::uint64_t object) const {
+        const std::uint64_t at = Number(table + object * offsetWidth, offsetWidth);
+        if (at < 8 || at >= table) return std::nullopt;
+        const unsigned kind = static_cast<unsigned char>(bytes[at]) >> 4;
+        if (kind != 0xA && kind != 0xC && kind != 0xD) return std::vector<std::uint64_t>();
+        std::uint64_t first = at + 1, count = static_cast<unsigned char>(bytes[at]) & 0x0F;
+        if (count == 0x0F) {
+            if (first >= table || (static_cast<unsigned char>(bytes[first]) & 0xF0) != 0x10)
+                return std::nullopt;
+            const unsigned shift = static_cast<unsigned char>(bytes[first]) & 0x0F;
+            if (shift > 3 || first + 1 + (1u << shift) > table) return std::nullopt;
+            count = Number(first + 1, 1u << shift);
+            first += 1 + (1u << shift);
+        }
+        if (count > (table - first) / referenceWidth / (kind == 0xD ? 2 : 1)) return std::nullopt;
+        std::vector<std::uint64_t> children(kind == 0xD ? count * 2 : count);
+        for (std::size_t i = 0; i < children.size(); ++i) {
+            children[i] = Number(first + i * referenceWidth, referenceWidth);
+            if (children[i] >= objectCount) return std::nullopt;
+        }
+        return children;
+    }
+
+    /// Enters an object: a container goes onto the stack, a scalar is done at once. False when it is damaged.
+    bool Enter(std::uint64_t object) {
+        auto children = Children(object);
+        if (!children) return false;
+        state[object] = Open;
+        stack.push_back({object, std::move(*children)});
+        return true;
+    }
+
+    /// Depth first, each object once; what comes out of a shared one counts each time it is referred to.
+    std::string Walk() {
+        if (!Enter(root)) return damaged;
+        while (!stack.empty()) {
+            Container& top = stack.back();
+            if (top.next == top.children.size()) {
+                Leave();
+                if (depths[root] > maxPropertyListDepth || stack.size() > maxPropertyListDepth)
+                    return tooDeep;
+                continue;
+            }
+            const std::uint64_t child = top.children[top.next];
+            if (state[child] == Open) return "an object in it holds itself";
+            if (state[child] == Unseen) {
+                if (stack.size() > maxPropertyListDepth) return tooDeep;
+                if (!Enter(child)) return damaged;
+                continue;
+            }
+            ++top.next;
+            if ((values[top.object] += values[child]) > maxValues) return "it holds too many values";
+            depths[top.object] = std::max(depths[top.object], depths[child]);
+        }
+        return depths[root] > maxPropertyListDepth ? tooDeep : std::string();
+    }
+
+    void Leave() {
+        const Container& top = stack.back();
+        state[top.object] = Done;
+        ++values[top.object];
+        if (!top.children.empty()) ++depths[top.object];
+        stack.pop_back();
+    }
+
+    const std::string& bytes;
+    unsigned offsetWidth = 0, referenceWidth = 0;
+    std::uint64_t objectCount = 0, root = 0, table = 0;
+    std::vector<std::uint64_t> values; ///< That come out of each object, itself included.
+    std::vector<unsigned> depths;
+    std::vector<State> state;
+    std::vector<Container> stack;
+};
+
+} // namespace
+
+std::string PropertyListDanger(const std::string& bytes) {
+    if (bytes.size() > maxPropertyListBytes) return "it is larger than 64 MiB";
+    return bytes.compare(0, 8, "bplist00") == 0 ? BinaryList(bytes).Danger() : XmlDanger(bytes);
+}
+
+} // namespace macplatform

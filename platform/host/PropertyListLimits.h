@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace macplatform {
+
+constexpr std::size_t maxPropertyListBytes = 64 * 1024 * 1024;
+constexpr unsigned maxPropertyListDepth = 512;
+
+/// Why the parser, which works by recursion and takes shared objects apart, must not see these bytes; empty
+/// when it may. Checks nesting, cycles and the number of values that come out, and of the binary form that
+/// every offset and reference lies inside the bytes.
+std::string PropertyListDanger(const std::string& bytes);
+
+} // namespace macplatform

@@ -1,0 +1,164 @@
+#include "PropertyListTree.h"
+
+#include "PropertyListLimits.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <limits>
+
+namespace macplatform {
+
+namespace {
+
+struct FreeBlock {
+    void operator()(void* block) const { std::free(block); }
+};
+using Block = std::unique_ptr<char, FreeBlock>;
+
+std::string Shown(const char* pattern, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, pattern, value);
+    return text;
+}
+
+std::string DateText(plist_t node) {
+    constexpr std::int64_t secondsFrom1970To2001 = 978307200;
+    std::int32_t seconds = 0, microseconds = 0;
+    plist_get_date_val(node, &seconds, &microseconds);
+    const auto time = static_cast<time_t>(seconds + secondsFrom1970To2001);
+    tm parts{};
+    char text[32] = "";
+    if (gmtime_r(&time, &parts)) std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
+    return text;
+}
+
+std::string HexText(plist_t node) {
+    static const char digits[] = "0123456789abcdef";
+    std::uint64_t length = 0;
+    const char* const data = plist_get_data_ptr(node, &length);
+    std::string text;
+    for (std::uint64_t i = 0; data && i < length; ++i) {
+        const auto byte = static_cast<unsigned char>(data[i]);
+        (text += digits[byte >> 4]) += digits[byte & 15];
+    }
+    return text;
+}
+
+void TakeInteger(plist_t node, PropertyValue& value) {
+    std::uint64_t bits = 0;
+    plist_get_uint_val(node, &bits);
+    value.integer = static_cast<std::int64_t>(bits);
+    value.text = std::to_string(value.integer); // the parser has no sign: above 2^63 it cannot be told
+}
+
+void TakeString(plist_t node, PropertyValue& value) {
+    std::uint64_t length = 0;
+    if (const char* const text = plist_get_string_ptr(node, &length)) {
+        value.text.assign(text, static_cast<std::size_t>(length));
+    }
+}
+
+void TakeItems(plist_t node, PropertyValue& value) {
+    plist_array_iter iterator = nullptr;
+    plist_array_new_iter(node, &iterator);
+    const std::unique_ptr<void, FreeBlock> guard(iterator);
+    for (plist_t item = nullptr; plist_array_next_item(node, iterator, &item), item; item = nullptr) {
+        value.items.push_back(ValueOf(item));
+    }
+}
+
+void TakeEntries(plist_t node, PropertyValue& value) {
+    plist_dict_iter iterator = nullptr;
+    plist_dict_new_iter(node, &iterator);
+    const std::unique_ptr<void, FreeBlock> guard(iterator);
+    for (;;) {
+        char* key = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(node, iterator, &key, &item);
+        const Block owned(key);
+        if (!item) return;
+        value.keys.emplace_back(key ? key : "");
+        value.values.push_back(ValueOf(item));
+    }
+}
+
+} // namespace
+
+PropertyListFormat FormatOf(const std::string& bytes) {
+    return bytes.compare(0, 6, "bplist") == 0 ? PropertyListFormat::Binary : PropertyListFormat::Xml;
+}
+
+PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error) {
+    error = PropertyListDanger(bytes);
+    if (!error.empty()) return nullptr;
+    plist_t tree = nullptr; // the parser reads what stands here
+    plist_from_memory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &tree);
+    if (!tree) error = bytes.empty() ? "the file is empty" : "it is not a property list";
+    return PropertyListTree(tree);
+}
+
+std::string WritePropertyList(plist_t tree, PropertyListFormat format) {
+    char* text = nullptr;
+    std::uint32_t length = 0;
+    if (format == PropertyListFormat::Binary) {
+        plist_to_bin(tree, &text, &length);
+    } else {
+        plist_to_xml(tree, &text, &length);
+    }
+    const Block owned(text);
+    return text ? std::string(text, length) : std::string();
+}
+
+PropertyValue ValueOf(plist_t node) {
+    using Kind = PropertyValue::Kind;
+    PropertyValue value;
+    const auto made = [&value](Kind kind) -> PropertyValue& {
+        value.kind = kind;
+        return value;
+    };
+    switch (plist_get_node_type(node)) {
+    case PLIST_BOOLEAN: {
+        std::uint8_t truth = 0;
+        plist_get_bool_val(node, &truth);
+        made(Kind::Boolean).integer = truth ? 1 : 0;
+        value.text = truth ? "true" : "false";
+        break;
+    }
+    case PLIST_UINT:
+        TakeInteger(node, made(Kind::Integer));
+        break;
+    case PLIST_REAL: {
+        double real = 0;
+        plist_get_real_val(node, &real);
+        made(Kind::Real).text = Shown("%.17g", real);
+        break;
+    }
+    case PLIST_STRING:
+        TakeString(node, made(Kind::Text));
+        break;
+    case PLIST_DATA:
+        made(Kind::Data).text = HexText(node);
+        break;
+    case PLIST_DATE:
+        made(Kind::Date).text = DateText(node);
+        break;
+    case PLIST_UID: {
+        std::uint64_t uid = 0;
+        plist_get_uid_val(node, &uid);
+        made(Kind::Uid).text = std::to_string(uid);
+        break;
+    }
+    case PLIST_ARRAY:
+        TakeItems(node, made(Kind::Array));
+        break;
+    case PLIST_DICT:
+        TakeEntries(node, made(Kind::Dictionary));
+        break;
+    default:
+        break;
+    }
+    return value;
+}
+
+} // namespace macplatform

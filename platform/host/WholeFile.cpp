@@ -1,0 +1,56 @@
+#include "WholeFile.h"
+
+#include "PlatformCall.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace macplatform {
+
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int d) : descriptor(d) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (descriptor >= 0) close(descriptor);
+    }
+    int Get() const { return descriptor; }
+
+private:
+    int descriptor;
+};
+
+int CheckKind(int descriptor, std::size_t limit) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) return errno;
+    if (S_ISDIR(status.st_mode)) return EISDIR;
+    if (!S_ISREG(status.st_mode)) return EINVAL;
+    return static_cast<unsigned long long>(status.st_size) > limit ? EFBIG : 0;
+}
+
+} // namespace
+
+int ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes) {
+    const PlatformInside inside;
+    bytes.clear();
+    // Without waiting: a pipe in the file's place would wait for a writer for ever.
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (file.Get() < 0) return errno;
+    if (const int refused = CheckKind(file.Get(), limit)) return refused;
+    char block[64 * 1024];
+    for (;;) {
+        const ssize_t got = read(file.Get(), block, sizeof block);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return errno;
+        if (got == 0) return 0;
+        if (bytes.size() + static_cast<std::size_t>(got) > limit) return EFBIG; // it grows while it is read
+        bytes.append(block, static_cast<std::size_t>(got));
+    }
+}
+
+} // namespace macplatform

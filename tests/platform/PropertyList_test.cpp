@@ -1,0 +1,102 @@
+#include <macplatform/PropertyList.h>
+
+#include "TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <sys/stat.h>
+
+using macplatform::PropertyListFormat;
+using macplatform::PropertyValue;
+using macplatform::ReadPropertyList;
+
+namespace {
+
+const char oneOfEach[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0"><dict>
+<key>text</key><string>caf&#233; &lt;1&gt;</string><key>integer</key><integer>-5</integer>
+<key>real</key><real>0.5</real><key>yes</key><true/><key>data</key><data>CgsM</data>
+<key>date</key><date>2011-02-03T04:05:06Z</date><key>array</key><array><string/><dict/></array>
+</dict></plist>)";
+
+/// A binary list from its objects, with one-byte offsets and references; the first object is the root.
+std::string Binary(const std::vector<std::string>& objects) {
+    std::string bytes = "bplist00", table;
+    for (const std::string& object : objects) {
+        table += static_cast<char>(bytes.size());
+        bytes += object;
+    }
+    const auto tableAt = static_cast<char>(bytes.size());
+    bytes += table + std::string(6, '\0') + "\x01\x01" + std::string(7, '\0') +
+             static_cast<char>(objects.size()) + std::string(8, '\0') + std::string(7, '\0') + tableAt;
+    return bytes;
+}
+
+} // namespace
+
+TEST(PropertyList, ReadsBothFormatsAlike) {
+    const TemporaryFolder folder;
+    const std::string xml = folder.Write("list.plist", oneOfEach);
+    const std::string binary = (folder / "binary.plist").string();
+    ASSERT_EQ(std::system(("plistutil -f bin -i '" + xml + "' -o '" + binary + "'").c_str()), 0);
+
+    const auto fromXml = ReadPropertyList(xml), fromBinary = ReadPropertyList(binary);
+    EXPECT_EQ(fromXml.error, "");
+    EXPECT_EQ(fromXml.format, PropertyListFormat::Xml);
+    EXPECT_EQ(fromBinary.format, PropertyListFormat::Binary);
+    EXPECT_EQ(fromXml.root, fromBinary.root);
+    EXPECT_EQ(
+        fromXml.root.Describe(),
+        "{\"text\": \"caf\xC3\xA9 <1>\", \"integer\": -5, \"real\": 0.5, \"yes\": true, \"data\": <0a0b0c>, "
+        "\"date\": 2011-02-03T04:05:06Z, \"array\": [\"\", {}]}");
+    EXPECT_EQ(fromXml.root.Find("integer")->integer, -5);
+    EXPECT_STREQ(fromXml.root.Find("text")->KindName(), "string");
+    EXPECT_EQ(fromXml.root.Find("none"), nullptr);
+}
+
+TEST(PropertyList, RefusesWhatIsNone) {
+    const TemporaryFolder folder;
+    for (const std::string text :
+         {"", "UpdatesEnabled", "bplist00", "{ old = style; }", "<plist><dict><key>a", "<"}) {
+        const auto list = ReadPropertyList(folder.Write("bad.plist", text));
+        EXPECT_NE(list.error, "") << text;
+        EXPECT_EQ(list.root.kind, PropertyValue::Kind::None);
+    }
+    EXPECT_EQ(ReadPropertyList((folder / "missing").string()).errorNumber, ENOENT);
+    EXPECT_EQ(ReadPropertyList(folder.Path().string()).errorNumber, EISDIR);
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(ReadPropertyList((folder / "pipe").string()).errorNumber, EINVAL)
+        << "nobody waits for a writer";
+}
+
+TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
+    const TemporaryFolder folder;
+    const auto errorOf = [&folder](const std::string& bytes) {
+        return ReadPropertyList(folder.Write("hostile.plist", bytes)).error;
+    };
+    std::string deep, hidden;
+    for (int i = 0; i < 100000; ++i) deep += "<array>";
+    for (int i = 0; i < 100000; ++i) hidden += "<array><!-- </array> --><![CDATA[</array>]]>";
+    EXPECT_EQ(errorOf("<plist>" + deep), "it is nested too deeply");
+    EXPECT_EQ(errorOf("<plist>" + hidden), "it is nested too deeply");
+
+    EXPECT_EQ(errorOf(Binary({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
+    EXPECT_EQ(errorOf(Binary({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
+              "an object in it holds itself");
+    EXPECT_EQ(errorOf(Binary({"\xA1\x09", "\x09"})), "its binary form is damaged");
+    std::vector<std::string> doubling;
+    for (char i = 1; i <= 30; ++i) doubling.push_back(std::string("\xA2") + i + i);
+    doubling.push_back("\x09");
+    EXPECT_EQ(errorOf(Binary(doubling)), "it holds too many values");
+
+    const std::string whole = Binary({"\xD1\x01\x02",
+                                      "\x51"
+                                      "k",
+                                      "\xA2\x03\x03", "\x10\x07"});
+    EXPECT_EQ(errorOf(whole), "");
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        EXPECT_NE(errorOf(whole.substr(0, length)), "") << length;
+    }
+}
