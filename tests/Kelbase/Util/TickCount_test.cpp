@@ -1,0 +1,86 @@
+#include <Kelbase/Util/TickCount.h>
+
+#include <CoreFoundation/CFDate.h>
+#include <ctime>
+#include <gtest/gtest.h>
+#include <limits>
+#include <mach/mach_time.h>
+#include <macplatform/Journal.h>
+#include <macplatform/ProcessIdentity.h>
+
+// Clocks that stand still, in the place of the platform's.
+
+static CFAbsoluteTime now;
+static std::uint64_t ticks;
+static mach_timebase_info_data_t timeBase;
+
+CFAbsoluteTime CFAbsoluteTimeGetCurrent() { return now; }
+std::uint64_t mach_absolute_time() { return ticks; }
+kern_return_t mach_timebase_info(mach_timebase_info_t base) {
+    *base = timeBase;
+    return 0;
+}
+
+namespace {
+
+TEST(TickCount, RoundsHalfAwayFromZeroAndWraps) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const struct {
+        double seconds;
+        unsigned int millis;
+    } rows[] = {
+        {0.0, 0},
+        {0.0004, 0},
+        {0.0625, 63},
+        {4294967.295, 4294967295U},
+        {4294967.296, 0},
+        {800000000.125, 1136083069U},
+        {-0.0004, 0},
+        {-0.0625, 4294967233U},
+        {-1.0, 4294966296U},
+        // no clock shows these; they have no place in 64 bits
+        {1e30, 0},
+        {-1e30, 0},
+        {infinity, 0},
+        {std::numeric_limits<double>::quiet_NaN(), 0},
+        // 2^63 milliseconds still have one
+        {9223372036854775.808, 0},
+    };
+    for (const auto& row : rows) {
+        now = row.seconds;
+        EXPECT_EQ(Util::GetTickCountMillis(), row.millis) << row.seconds;
+    }
+}
+
+TEST(TickCount, SecondsAreTheStandardLibrarys) {
+    const std::time_t before = std::time(nullptr);
+    const int seconds = Util::GetTimeSeconds();
+    EXPECT_GE(seconds, static_cast<int>(before));
+    EXPECT_LE(seconds, static_cast<int>(std::time(nullptr)));
+}
+
+TEST(TickCount, CyclesFollowTheTimeBaseOfEachCall) {
+    ticks = 3000000000U;
+    timeBase = {1, 1};
+    EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 3.0);
+    timeBase = {125, 3};
+    EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 125.0);
+    ticks = std::numeric_limits<std::uint64_t>::max();
+    timeBase = {4294967295U, 1};
+    EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 7.922816249581759e19);
+}
+
+TEST(TickCount, FrequencyIsTheLow32BitsOrNothing) {
+    macplatform::SetCpuFrequency(2400000000U);
+    EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 2400000000.0);
+    macplatform::SetCpuFrequency(5000000000U);
+    EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 705032704.0);
+    macplatform::OrderFault({"sysctl", 12});
+    EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
+    EXPECT_EQ(macplatform::CancelFaults(), 0U);
+    macplatform::SetCpuFrequency(0);
+    EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
+    macplatform::SetCpuFrequency(std::nullopt);
+}
+
+} // namespace
