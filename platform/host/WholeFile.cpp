@@ -1,29 +1,15 @@
 #include "WholeFile.h"
 
+#include "Descriptor.h"
 #include "PlatformCall.h"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace macplatform {
 
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int d) : descriptor(d) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (descriptor >= 0) close(descriptor);
-    }
-    int Get() const { return descriptor; }
-
-private:
-    int descriptor;
-};
 
 int CheckKind(int descriptor, std::size_t limit) {
     struct stat status {};
@@ -40,7 +26,7 @@ int ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes
     bytes.clear();
     // Without waiting: a pipe in the file's place would wait for a writer for ever.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (file.Get() < 0) return errno;
+    if (!file) return errno;
     if (const int refused = CheckKind(file.Get(), limit)) return refused;
     char block[64 * 1024];
     for (;;) {
