@@ -1,0 +1,181 @@
+#include <CoreFoundation/CFBase.h>
+
+#include "CFObject.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+
+namespace macplatform {
+
+namespace {
+
+constexpr unsigned char poison = 0xDB;
+constexpr std::uint32_t poisonedMagic = 0xDBDBDBDB;
+
+/// Freed blocks, held back so that a use after the end meets the poison and not somebody's new data.
+class Quarantine {
+public:
+    /// Never destroyed: static objects of the caller may release what they hold at exit.
+    static Quarantine& Get() {
+        static Quarantine& quarantine = *new Quarantine;
+        return quarantine;
+    }
+
+    void TakeIn(void* block, std::size_t size) {
+        std::memset(block, poison, size);
+        void* oldest = nullptr;
+        {
+            const std::lock_guard lock(mutex);
+            oldest = std::exchange(blocks[place], block);
+            place = (place + 1) % blocks.size();
+        }
+        std::free(oldest);
+    }
+
+private:
+    std::mutex mutex;
+    std::array<void*, 256> blocks{};
+    std::size_t place = 0;
+};
+
+void Free(Object& object) noexcept {
+    object.Delist();
+    if (object.type->finalise) object.type->finalise(object);
+    Quarantine::Get().TakeIn(&object, object.size);
+}
+
+std::string DescribeLive(const LiveThing& thing) {
+    const auto& object = static_cast<const Object&>(thing);
+    const std::int32_t count = object.references;
+    return std::string(object.type->kind) + ' ' + object.type->describe(object) + ", " +
+           std::to_string(count) + (count == 1 ? " reference" : " references");
+}
+
+std::string AddressText(CFTypeRef object) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%p", object);
+    return text;
+}
+
+} // namespace
+
+void Misuse(const char* function, const std::string& whatIsWrong) {
+    std::fprintf(stderr, "macplatform: %s: %s\n", function, whatIsWrong.c_str());
+    std::abort();
+}
+
+Object& CheckedObject(CFTypeRef reference, const char* function) {
+    if (!reference) Misuse(function, "the object is NULL");
+    if (reinterpret_cast<std::uintptr_t>(reference) % alignof(Object) != 0) {
+        Misuse(function, "there is no object at " + AddressText(reference));
+    }
+    auto& object = *static_cast<Object*>(const_cast<void*>(reference));
+    if (object.magic == Object::liveMagic) return object;
+    Misuse(function, object.magic == poisonedMagic
+                         ? "the object at " + AddressText(reference) + " was freed before: released too often"
+                         : "there is no object at " + AddressText(reference));
+}
+
+Object& CheckedObject(CFTypeRef reference, const char* function, const ObjectClass& kind) {
+    Object& object = CheckedObject(reference, function);
+    if (object.type != &kind) {
+        Misuse(function, std::string("a ") + kind.kind + " is wanted, not the " + object.type->kind + ' ' +
+                             Describe(reference));
+    }
+    return object;
+}
+
+void Introduce(Object& object, std::size_t size) noexcept {
+    object.references = 1;
+    object.size = size;
+    object.Enlist(&DescribeLive);
+}
+
+bool TryRetain(const Object& object) noexcept {
+    std::int32_t count = object.references;
+    while (count != 0 && count != Object::immortal) {
+        if (object.references.compare_exchange_weak(count, count + 1)) return true;
+    }
+    return count != 0;
+}
+
+void Retain(const Object& object) noexcept { TryRetain(object); }
+
+void Release(Object& object) noexcept {
+    std::int32_t count = object.references;
+    do {
+        if (count == Object::immortal) return;
+        if (count <= 0) Misuse("CFRelease", "the object has no reference left");
+    } while (!object.references.compare_exchange_weak(count, count - 1));
+    if (count == 1) Free(object);
+}
+
+void MakeImmortal(Object& object) noexcept {
+    object.references = Object::immortal;
+    object.Delist();
+}
+
+std::string Describe(CFTypeRef reference) {
+    if (!reference) return "NULL";
+    const Object& object = CheckedObject(reference, "Describe");
+    return object.type->describe(object);
+}
+
+} // namespace macplatform
+
+using namespace macplatform;
+
+struct __CFAllocator : Object {
+    using Object::Object;
+};
+
+namespace {
+const ObjectClass allocatorClass = {2, "allocator",
+                                    [](const Object&) -> std::string { return "kCFAllocatorSystemDefault"; },
+                                    nullptr, nullptr};
+constexpr __CFAllocator systemDefault(allocatorClass);
+} // namespace
+
+const CFAllocatorRef kCFAllocatorDefault = nullptr;
+const CFAllocatorRef kCFAllocatorSystemDefault = &systemDefault;
+
+CFTypeRef CFRetain(CFTypeRef object) {
+    PlatformCall call("CFRetain");
+    Retain(CheckedObject(object, "CFRetain"));
+    Tell(call, object);
+    return ObjectResult(call, object);
+}
+
+void CFRelease(CFTypeRef object) {
+    PlatformCall call("CFRelease");
+    Object& checked = CheckedObject(object, "CFRelease");
+    Tell(call, object);
+    Release(checked);
+}
+
+CFIndex CFGetRetainCount(CFTypeRef object) {
+    PlatformCall call("CFGetRetainCount");
+    const Object& checked = CheckedObject(object, "CFGetRetainCount");
+    Tell(call, object);
+    return call.Result(static_cast<CFIndex>(checked.references));
+}
+
+CFTypeID CFGetTypeID(CFTypeRef object) {
+    PlatformCall call("CFGetTypeID");
+    const Object& checked = CheckedObject(object, "CFGetTypeID");
+    Tell(call, object);
+    return call.Result(checked.type->id);
+}
+
+Boolean CFEqual(CFTypeRef left, CFTypeRef right) {
+    PlatformCall call("CFEqual");
+    const Object& one = CheckedObject(left, "CFEqual");
+    const Object& other = CheckedObject(right, "CFEqual");
+    Tell(call, left, right);
+    if (call.TakeFault()) return call.Result(Boolean{false});
+    const bool equal =
+        left == right || (one.type == other.type && one.type->equal && one.type->equal(one, other));
+    return call.Result(Boolean{equal});
+}

@@ -1,0 +1,178 @@
+#include <CoreFoundation/CFString.h>
+
+#include <gmock/gmock.h>
+
+#include <iterator>
+#include <string>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::Optional;
+
+namespace {
+
+using Units = std::vector<UniChar>;
+const auto refused = std::nullopt;
+
+/// The units of a string, which is released; nothing for null.
+std::optional<Units> TakeUnits(CFStringRef string) {
+    if (!string) return std::nullopt;
+    Units units(static_cast<std::size_t>(CFStringGetLength(string)));
+    CFStringGetCharacters(string, CFRangeMake(0, CFStringGetLength(string)), units.data());
+    CFRelease(string);
+    return units;
+}
+
+std::optional<Units> Decoded(const std::string& bytes, CFStringEncoding encoding) {
+    return TakeUnits(CFStringCreateWithCString(kCFAllocatorDefault, bytes.c_str(), encoding));
+}
+
+std::optional<std::string> Encoded(const Units& units, CFStringEncoding encoding) {
+    const CFStringRef string =
+        CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), static_cast<CFIndex>(units.size()));
+    char buffer[64] = "rubbish";
+    const bool done = CFStringGetCString(string, buffer, sizeof buffer, encoding);
+    CFRelease(string);
+    if (!done) {
+        EXPECT_STREQ(buffer, "");
+        return std::nullopt;
+    }
+    return std::string(buffer);
+}
+
+TEST(String, IsDecodedFromUtf8Strictly) {
+    const struct {
+        const char* name;
+        const char* bytes;
+        std::optional<Units> units;
+    } rows[] = {
+        {"Ascii", "a\x7F", Units{'a', 0x7F}},
+        {"LowestOfTwoThreeFour", "\xC2\x80\xE0\xA0\x80\xF0\x90\x80\x80", Units{0x80, 0x800, 0xD800, 0xDC00}},
+        {"HighestOfTwoThreeFour", "\xDF\xBF\xEF\xBF\xBF\xF4\x8F\xBF\xBF",
+         Units{0x7FF, 0xFFFF, 0xDBFF, 0xDFFF}},
+        {"AroundTheSurrogates", "\xED\x9F\xBF\xEE\x80\x80", Units{0xD7FF, 0xE000}},
+        {"Noncharacter", "\xEF\xBF\xBE", Units{0xFFFE}},
+        {"OverlongOfTwo", "\xC1\xBF", refused},
+        {"OverlongOfThree", "\xE0\x9F\xBF", refused},
+        {"OverlongOfFour", "\xF0\x8F\xBF\xBF", refused},
+        {"FirstSurrogate", "\xED\xA0\x80", refused},
+        {"SurrogatePair", "\xED\xA0\x80\xED\xB0\x80", refused},
+        {"AboveTheLast", "\xF4\x90\x80\x80", refused},
+        {"LeadF5", "\xF5\x80\x80\x80", refused},
+        {"FiveBytes", "\xF8\x88\x80\x80\x80", refused},
+        {"CutOffTwo", "a\xC3", refused},
+        {"CutOffThree", "a\xE2\x82", refused},
+        {"CutOffFour", "a\xF0\x90\x80", refused},
+        {"WrongContinuation", "\xE2\x82(", refused},
+        {"LeadAsContinuation", "\xC3\xC3", refused},
+        {"StrayContinuation", "a\x80", refused},
+        {"LoneA9",
+         "\xA9"
+         "2\xA9",
+         Units{0xFFFD, '2', 0xFFFD}},
+        {"A9AsContinuation", "\xC2\xA9", Units{0xA9}},
+        {"LeadingByteOrderMark", "\xEF\xBB\xBFx", Units{'x'}},
+        {"ByteOrderMarkAlone", "\xEF\xBB\xBF", Units{}},
+        {"SecondByteOrderMark", "\xEF\xBB\xBF\xEF\xBB\xBF", Units{0xFEFF}},
+        {"Empty", "", Units{}},
+    };
+    for (const auto& row : rows) EXPECT_EQ(Decoded(row.bytes, kCFStringEncodingUTF8), row.units) << row.name;
+}
+
+TEST(String, IsEncodedOnlyWhenEveryCharacterHasAForm) {
+    const CFStringEncoding utf8 = kCFStringEncodingUTF8;
+    const CFStringEncoding roman = kCFStringEncodingMacRoman;
+    const struct {
+        const char* name;
+        Units units;
+        CFStringEncoding encoding;
+        std::optional<std::string> bytes;
+    } rows[] = {
+        {"Utf8OfEachLength",
+         {'a', 0xE9, 0x20AC, 0xD834, 0xDD1E},
+         utf8,
+         "a\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E"},
+        {"LoneHighSurrogate", {'a', 0xD834}, utf8, refused},
+        {"LoneLowSurrogate", {0xDD1E, 'a'}, utf8, refused},
+        {"SurrogatesInWrongOrder", {0xDD1E, 0xD834}, utf8, refused},
+        {"RomanWithoutForm", {0x0394}, roman, refused},
+        {"RomanOldCurrencySign", {0xA4}, roman, refused},
+        {"RomanOmegaAndOhm", {0x03A9, 0x2126}, roman, "\xBD\xBD"},
+        {"RomanComposed", {'e', 0x301, 'C', 0x327, '=', 0x338, 'y', 0x308}, roman, "\x8E\x82\xAD\xD8"},
+        {"RomanMarkOnWrongLetter", {'x', 0x301}, roman, refused},
+        {"RomanSecondMark", {'e', 0x301, 0x301}, roman, refused},
+        {"RomanMarkAlone", {0x301}, roman, refused},
+        {"RomanSurrogatePair", {0xD834, 0xDD1E}, roman, refused},
+        {"Ascii", {'~', 0x7F}, kCFStringEncodingASCII, "~\x7F"},
+        {"AsciiAbove", {0x80}, kCFStringEncodingASCII, refused},
+        {"UnknownEncoding", {'a'}, 0xFFFFFFFF, refused},
+        {"EmbeddedNulEndsTheCString", {'a', 0, 'b'}, utf8, "a"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(Encoded(row.units, row.encoding), row.bytes) << row.name;
+}
+
+TEST(String, HoldsAllOfMacRoman) {
+    unsigned char all[256] = {255};
+    for (unsigned i = 1; i < 256; ++i) all[i] = static_cast<unsigned char>(i);
+    const auto units =
+        TakeUnits(CFStringCreateWithPascalString(kCFAllocatorDefault, all, kCFStringEncodingMacRoman));
+    ASSERT_TRUE(units);
+    EXPECT_EQ(units->size(), 255U);
+    const auto at = [&](unsigned byte) { return (*units)[byte - 1]; };
+    EXPECT_EQ(at(0x7F), 0x7F);
+    EXPECT_EQ(at(0x80), 0x00C4);
+    EXPECT_EQ(at(0xC6), 0x2206);
+    EXPECT_EQ(at(0xCA), 0x00A0);
+    EXPECT_EQ(at(0xDB), 0x20AC);
+    EXPECT_EQ(at(0xF0), 0xF8FF);
+    EXPECT_EQ(at(0xFF), 0x02C7);
+    for (unsigned i = 1; i < 256; ++i) {
+        EXPECT_EQ(Encoded({at(i)}, kCFStringEncodingMacRoman), std::string(1, static_cast<char>(i))) << i;
+    }
+    EXPECT_THAT(Decoded("\x80\xFF", kCFStringEncodingASCII), Optional(ElementsAre(0x80, 0xFF)));
+}
+
+TEST(String, GivesTheCStringWhenItFitsWithItsNul) {
+    const CFStringRef text = CFSTR("abc");
+    char buffer[8] = "zzzzzzz";
+    EXPECT_FALSE(CFStringGetCString(text, buffer, 0, kCFStringEncodingUTF8));
+    EXPECT_STREQ(buffer, "zzzzzzz");
+    EXPECT_FALSE(CFStringGetCString(text, buffer, 1, kCFStringEncodingUTF8));
+    EXPECT_EQ(std::string(buffer, 7), std::string("\0zzzzzz", 7));
+    EXPECT_FALSE(CFStringGetCString(text, buffer, 3, kCFStringEncodingUTF8));
+    EXPECT_EQ(std::string(buffer, 7), std::string("\0zzzzzz", 7));
+    EXPECT_TRUE(CFStringGetCString(text, buffer, 4, kCFStringEncodingUTF8));
+    EXPECT_EQ(std::string(buffer, 7), std::string("abc\0zzz", 7));
+    EXPECT_TRUE(CFStringGetCString(CFSTR(""), buffer, 1, kCFStringEncodingUTF8));
+    EXPECT_STREQ(buffer, "");
+}
+
+TEST(String, KeepsAnyUnitsAndGivesARangeOfThem) {
+    const Units units = {0xDC00, 0, 0xFFFF, 'x'};
+    const CFStringRef text = CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), 4);
+    UniChar part[4] = {1, 1, 1, 1};
+    CFStringGetCharacters(text, CFRangeMake(1, 2), part);
+    EXPECT_THAT(part, ElementsAre(0, 0xFFFF, 1, 1));
+    CFStringGetCharacters(text, CFRangeMake(4, 0), part);
+    EXPECT_DEATH(CFStringGetCharacters(text, CFRangeMake(3, 2), part), "the range .3, 2. lies outside");
+    EXPECT_EQ(TakeUnits(text), units);
+    EXPECT_EQ(CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), -1), nullptr);
+}
+
+TEST(String, EqualsByItsUnits) {
+    const CFStringRef one = CFStringCreateWithCString(kCFAllocatorDefault, "abc", kCFStringEncodingMacRoman);
+    EXPECT_NE(one, CFSTR("abc"));
+    EXPECT_TRUE(CFEqual(one, CFSTR("abc")));
+    EXPECT_FALSE(CFEqual(one, CFSTR("abd")));
+    EXPECT_FALSE(CFEqual(one, CFSTR("abcd")));
+    EXPECT_FALSE(CFEqual(one, kCFAllocatorSystemDefault));
+    EXPECT_EQ(CFGetTypeID(one), CFStringGetTypeID());
+    EXPECT_EQ(CFSTR("abc"), CFSTR("abc"));
+    CFRelease(one);
+}
+
+TEST(String, RefusesLiteralsThatAreNotAscii) {
+    EXPECT_DEATH(CFSTR("\xC3\xA9"), "CFSTR: the text is not ASCII");
+}
+
+} // namespace
