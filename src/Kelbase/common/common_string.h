@@ -4,24 +4,26 @@
 #include <Kelbase/common/common_checked_types.h>
 #include <Kelbase/common/common_smart_ptr.h>
 
+#include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// UTF-8 text, shared on copy.
 ///
-/// A `String` is a handle on bytes that it shares with its copies; every edit gives the edited one bytes of
-/// its own, so that the others keep the old text. There are two empty states, no text at all (null) and zero
-/// bytes; both read as
-/// "", are equal and have length 0. Positions and lengths are byte counts. NUL bytes may stand in the text:
-/// they count in `GetLength` and end every comparison and every C string taken from it.
+/// A `String` is a handle on bytes that it shares with its copies; an edit never reaches the copies, they
+/// keep the old text. There are two empty states, no text at all (null) and zero bytes; both read as "", are
+/// equal and have length 0. Positions and lengths are byte counts. NUL bytes may stand in the text: they
+/// count in `GetLength` and end every comparison and every C string taken from it.
 ///
 /// The bytes are not checked to be UTF-8. Copies of one text belong to one thread at a time: the count is not
 /// locked. Running out of memory throws `std::bad_alloc` and leaves the `String` as it was; so does a text of
-/// 4 GiB or more
-/// (`std::length_error`). Nothing else here fails.
+/// 4 GiB or more (`std::length_error`; in a 32-bit process from 2 GiB on). Nothing else here fails.
 class String {
 public:
-    String() = default;
+    String() noexcept = default;
+    String(const String&) noexcept = default;
+    String(String&&) noexcept = default;   ///< The source becomes null.
     String(const char* s);                 ///< Up to the NUL; null gives null.
     String(const char* s, unsigned int n); ///< Up to the NUL, `n` bytes at most; null gives null.
     String(char c);                        ///< One byte, also when it is 0.
@@ -29,6 +31,8 @@ public:
     /// means UTF-8. Null from null, from 100,000 units or more, and when a character cannot be converted.
     String(const unsigned short* s, unsigned int encoding);
 
+    String& operator=(const String&) noexcept = default;
+    String& operator=(String&&) noexcept = default;
     String& operator=(const char* s);
 
     // Reading
@@ -92,9 +96,8 @@ public:
                          const checked_value<unsigned int>& format = {});
 
     // Text to numbers. The whole text, less the white space around it, must be one number; otherwise the
-    // result is 0 and
-    // `*ok` false. "." and "," are both decimal separators; full-width digits and signs are read. No base
-    // prefixes.
+    // result is 0 and `*ok` false. "." and "," are both decimal separators; full-width digits and signs are
+    // read. Bases up to 36, letters in either case and no prefix; base 0 and those above 36 read nothing.
 
     short ToShort(bool* ok = nullptr, unsigned int base = 10) const;
     unsigned short ToUShort(bool* ok = nullptr, unsigned int base = 10) const;
@@ -110,8 +113,7 @@ public:
     /// First position at or after `start`; absent also when `start` is at or past the end.
     checked_value<unsigned int> Find(char c, unsigned int start = 0, bool caseSensitive = true) const;
     checked_value<unsigned int> Find(const char* s, unsigned int start = 0, bool caseSensitive = true) const;
-    /// Last position at or before `start` (absent: the last byte); absent also when `start` is at or past the
-    /// end.
+    /// Last position at or before `start` (absent: the last byte); absent also when `start` is past the end.
     checked_value<unsigned int> FindRev(char c, const checked_value<unsigned int>& start = {},
                                         bool caseSensitive = true) const;
     bool BeginsWith(const String& p, bool caseSensitive = true) const;
@@ -132,7 +134,8 @@ public:
     /// Exactly `n` bytes, new ones NUL. With `keepWholeCharacters` a UTF-8 sequence that is cut off at the
     /// end becomes NUL bytes, which still count in the length.
     String& Resize(unsigned int n, bool keepWholeCharacters);
-    /// Bytes of its own: a copy, grown by NUL bytes to `n` + 1 where `n` is not below the length.
+    /// Gives this `String` bytes that no other shares, grown by NUL bytes to `n` + 1 unless `n` is below the
+    /// length.
     String& detachAndExtend(unsigned int n);
 
     // Edited copies
@@ -152,19 +155,25 @@ public:
 
 private:
     explicit String(std::string&& bytes);
-    std::string& OwnText(); ///< Bytes that no other String shares.
+    explicit String(std::string_view bytes);
+
+    std::string_view Bytes() const { return text ? std::string_view(*text) : std::string_view(); }
+    /// Nobody else sees the text: it may be edited in place.
+    bool IsSoleHolder() const { return text && text.use_count() == 1; }
 
     // The text and its count in one block; null for no text.
     shared_ptr<std::string> text;
 };
 
-String operator+(const String& a, const String& b);
-String operator+(const String& a, const char* b); ///< Null adds nothing.
+String operator+(String a, const String& b);
+String operator+(String a, const char* b); ///< Null adds nothing.
 
 // By the bytes up to the first NUL, as unsigned numbers. A null character pointer ranks above every String.
-bool operator==(const String& l, const String& r);
-bool operator<(const String& l, const String& r);
-bool operator<=(const String& l, const String& r);
-bool operator==(const String& l, const char* r);
-bool operator<(const String& l, const char* r);
-bool operator<=(const String& l, const char* r);
+inline bool operator==(const String& l, const String& r) {
+    return l.Latin1() == r.Latin1() || std::strcmp(l.Latin1(), r.Latin1()) == 0;
+}
+inline bool operator<(const String& l, const String& r) { return std::strcmp(l.Latin1(), r.Latin1()) < 0; }
+inline bool operator<=(const String& l, const String& r) { return std::strcmp(l.Latin1(), r.Latin1()) <= 0; }
+inline bool operator==(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) == 0; }
+inline bool operator<(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) < 0; }
+inline bool operator<=(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) <= 0; }

@@ -1,9 +1,14 @@
 #include <Kelbase/common/common_string.h>
 
+#include <Kelbase/common/common_string_decimal.h>
+#include <Kelbase/common/common_string_length.h>
+
+#include <algorithm>
 #include <climits>
 #include <cstdio>
-#include <limits>
-#include <type_traits>
+#include <utility>
+
+char g_chDecimalPoint = '.';
 
 namespace {
 
@@ -12,69 +17,66 @@ using Width = checked_value<unsigned int>;
 constexpr char digitAlphabet[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 constexpr unsigned int noPrecision = 0xFFFFFFFF;
 
-std::string paddedDigits(std::string digits, const Width& width) {
-    const unsigned int wanted = width;
-    if (digits.size() < wanted) digits.insert(0, wanted - digits.size(), '0');
-    return digits;
-}
+unsigned int usableBase(unsigned int base) { return base < 2 || base > 36 ? 10 : base; }
 
-template <typename U>
-std::string formatMagnitude(U v, unsigned int base, const Width& width) {
-    if (base < 2 || base > 36) base = 10;
-    char digits[sizeof(U) * CHAR_BIT];
+/// The digits of a number, "0" before them up to `width` and the sign before all.
+std::string formatMagnitude(unsigned long long v, bool minus, unsigned int base, const Width& width) {
+    char digits[sizeof v * CHAR_BIT];
     char* const end = digits + sizeof digits;
     char* first = end;
     do {
         *--first = digitAlphabet[v % base];
         v /= base;
     } while (v != 0);
-    return paddedDigits(std::string(first, end), width);
+    const auto count = end - first;
+    const unsigned long long padded = std::max<unsigned long long>(width, static_cast<std::size_t>(count));
+    std::string text(checkedLength(padded + minus), '0');
+    if (minus) text.front() = '-';
+    std::copy(first, end, text.end() - count);
+    return text;
 }
 
-String formatInteger(unsigned int v, unsigned int base, const Width& width) {
-    return String(formatMagnitude(v, base, width).c_str());
+std::string formatInteger(unsigned int v, unsigned int base, const Width& width) {
+    return formatMagnitude(v, false, usableBase(base), width);
 }
 
-String formatInteger(int v, unsigned int base, const Width& width) {
-    if (v >= 0) return formatInteger(static_cast<unsigned int>(v), base, width);
-    const unsigned int magnitude = 0u - static_cast<unsigned int>(v);
-    if (v != INT_MIN) return String(("-" + formatMagnitude(magnitude, base, width)).c_str());
+std::string formatInteger(int v, unsigned int base, const Width& width) {
+    base = usableBase(base);
+    const unsigned int magnitude = v < 0 ? 0u - static_cast<unsigned int>(v) : static_cast<unsigned int>(v);
+    if (v != INT_MIN) return formatMagnitude(magnitude, v < 0, base, width);
     // The one value without a positive twin is written in two pieces, and a width pads each.
-    if (base < 2 || base > 36) base = 10;
-    return String(("-" + formatMagnitude(magnitude / base, base, width) +
-                   formatMagnitude(magnitude % base, base, width))
-                      .c_str());
+    checkedLength(2ull * width + 1);
+    return formatMagnitude(magnitude / base, true, base, width)
+        .append(formatMagnitude(magnitude % base, false, base, width));
 }
 
-String formatInteger(unsigned long long v, unsigned int base, const Width& width) {
-    return String(formatMagnitude(v, base == 16 ? 16 : 10, width).c_str());
+std::string formatInteger(unsigned long long v, unsigned int base, const Width& width) {
+    return formatMagnitude(v, false, base == 16 ? 16 : 10, width);
 }
 
-String formatInteger(long long v, unsigned int base, const Width& width) {
+std::string formatInteger(long long v, unsigned int base, const Width& width) {
     const auto bits = static_cast<unsigned long long>(v);
-    if (v >= 0 || base == 16) return formatInteger(bits, base, width);
-    return String(("-" + formatMagnitude(0ull - bits, 10, width)).c_str());
+    return v < 0 && base != 16 ? formatMagnitude(0 - bits, true, 10, width)
+                               : formatInteger(bits, base, width);
 }
 
-/// A `long` counts as 32 bits wide wherever its value fits them; a wider one is written whole.
-template <typename Narrow, typename Long>
-bool fits(Long v) {
-    return v >= std::numeric_limits<Narrow>::min() && v <= std::numeric_limits<Narrow>::max();
+// A `long` counts as 32 bits wide wherever its value fits them; a wider one is written whole.
+
+bool fitsInt(long v) { return v >= INT_MIN && v <= INT_MAX; }
+
+std::string formatInteger(unsigned long v, unsigned int base, const Width& width) {
+    return formatMagnitude(v, false, usableBase(base), width);
 }
 
-String formatWide(unsigned long v, unsigned int base, const Width& width) {
-    return String(formatMagnitude(v, base, width).c_str());
-}
-
-String formatWide(long v, unsigned int base, const Width& width) {
+std::string formatInteger(long v, unsigned int base, const Width& width) {
+    if (fitsInt(v)) return formatInteger(static_cast<int>(v), base, width);
     const auto bits = static_cast<unsigned long>(v);
-    if (v >= 0) return formatWide(bits, base, width);
-    return String(("-" + formatMagnitude(0ul - bits, base, width)).c_str());
+    return formatMagnitude(v < 0 ? 0 - bits : bits, v < 0, usableBase(base), width);
 }
 
 String formatFloat(double value, unsigned int precision, const checked_value<unsigned int>& format) {
     char letter = 'f';
-    for (const char known : {'f', 'F', 'e', 'E', 'g', 'G'}) {
+    for (const char known : {'F', 'e', 'E', 'g', 'G'}) {
         if (format.IsGiven() && format == static_cast<unsigned int>(known)) letter = known;
     }
     char text[1024];
@@ -85,7 +87,8 @@ String formatFloat(double value, unsigned int precision, const checked_value<uns
         const char pattern[] = {'%', '.', '*', letter, '\0'};
         std::snprintf(text, sizeof text, pattern, precision < 99 ? static_cast<int>(precision) : 99, value);
     }
-    return String(text);
+    if (g_chDecimalPoint == '.') return String(text);
+    return String(text).StripWhiteSpace().ReplaceChar('.', g_chDecimalPoint);
 }
 
 /// Position of the placeholder to fill: the lowest digit, and of equal ones the first.
@@ -106,11 +109,10 @@ checked_value<unsigned int> findPlaceholder(const char* s, unsigned int length) 
 String String::Arg(const String& a) const {
     const auto place = findPlaceholder(Latin1(), GetLength());
     if (!place.IsGiven()) return *this + a;
+    const std::string_view bytes = Bytes();
     std::string filled;
-    filled.reserve(text->size() - 2 + a.GetLength());
-    filled.append(*text, 0, place);
-    if (a.text) filled.append(*a.text);
-    filled.append(*text, place + 2, std::string::npos);
+    filled.reserve(checkedLength(bytes.size() - 2ull + a.GetLength()));
+    filled.append(bytes.substr(0, place)).append(a.Bytes()).append(bytes.substr(place + std::size_t{2}));
     return String(std::move(filled));
 }
 
@@ -121,14 +123,14 @@ String String::Arg(int v, unsigned int base, const Width& width) const {
     return base == 16 ? Arg(static_cast<unsigned int>(v), base, width) : Arg(Number(v, base, width));
 }
 String String::Arg(long v, unsigned int base, const Width& width) const {
-    if (fits<int>(v)) return Arg(static_cast<int>(v), base, width);
+    if (fitsInt(v)) return Arg(static_cast<int>(v), base, width);
     return base == 16 ? Arg(static_cast<unsigned long>(v), base, width) : Arg(Number(v, base, width));
 }
 String String::Arg(short v, unsigned int base, const Width& width) const {
-    return Arg(formatInteger(int{v}, base, width));
+    return Arg(Number(int{v}, base, width));
 }
 String String::Arg(unsigned short v, unsigned int base, const Width& width) const {
-    return Arg(formatInteger(int{v}, base, width));
+    return Arg(Number(int{v}, base, width));
 }
 String String::Arg(unsigned int v, unsigned int base, const Width& width) const {
     return Arg(Number(v, base, width));
@@ -146,24 +148,26 @@ String String::Arg(double v, unsigned int precision, const checked_value<unsigne
     return Arg(formatFloat(v, precision, format));
 }
 String String::Arg(float v, unsigned int precision, const checked_value<unsigned int>& format) const {
-    return Arg(formatFloat(double{v}, precision, format));
+    return Arg(double{v}, precision, format);
 }
 
-String String::Number(int v, unsigned int base, const Width& width) { return formatInteger(v, base, width); }
+String String::Number(int v, unsigned int base, const Width& width) {
+    return String(formatInteger(v, base, width));
+}
 String String::Number(unsigned int v, unsigned int base, const Width& width) {
-    return formatInteger(v, base, width);
+    return String(formatInteger(v, base, width));
 }
 String String::Number(long v, unsigned int base, const Width& width) {
-    return fits<int>(v) ? formatInteger(static_cast<int>(v), base, width) : formatWide(v, base, width);
+    return String(formatInteger(v, base, width));
 }
 String String::Number(unsigned long v, unsigned int base, const Width& width) {
-    return formatWide(v, base, width);
+    return String(formatInteger(v, base, width));
 }
 String String::Number(long long v, unsigned int base, const Width& width) {
-    return formatInteger(v, base, width);
+    return String(formatInteger(v, base, width));
 }
 String String::Number(unsigned long long v, unsigned int base, const Width& width) {
-    return formatInteger(v, base, width);
+    return String(formatInteger(v, base, width));
 }
 String String::Number(double v, unsigned int precision, const checked_value<unsigned int>& format) {
     return formatFloat(v, precision, format);

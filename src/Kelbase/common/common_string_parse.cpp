@@ -1,5 +1,7 @@
 #include <Kelbase/common/common_string.h>
 
+#include <Kelbase/common/common_string_decimal.h>
+
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -41,7 +43,7 @@ String normalizeNumberString(const String& s) {
     if (s.GetLength() == 0) return s;
     const char decimalPoint = localeDecimalPoint();
     String t = s;
-    for (const char separator : {'.', ','}) {
+    for (const char separator : {'.', ',', g_chDecimalPoint}) {
         if (separator != decimalPoint) t = t.StripWhiteSpace().ReplaceChar(separator, decimalPoint);
     }
     if (isAscii(t)) return t;
@@ -52,6 +54,7 @@ String normalizeNumberString(const String& s) {
     return String(units.get(), 1);
 }
 
+/// For a base up to 36: above it, bytes that are no letters would count.
 bool checkCharInBase(const Char& c, unsigned int base) {
     const int byte = static_cast<char>(c);
     if (base <= 10) return c.IsDigit() && static_cast<unsigned int>(byte - '0') < base;
@@ -89,7 +92,7 @@ void skipSpace(const char*& p, unsigned int& remaining) {
 /// Sign, digits and nothing else but white space around them. `minus` is null where "-" is no sign.
 template <typename U>
 bool parseMagnitude(const String& s, unsigned int base, U& magnitude, bool* minus) {
-    if (base < 2 || base > 36) return false;
+    if (base > 36) return false;
     const String t = normalizeNumberString(s);
     const char* p = t.Latin1();
     unsigned int remaining = t.GetLength();
@@ -106,44 +109,42 @@ bool parseMagnitude(const String& s, unsigned int base, U& magnitude, bool* minu
     return fits && remaining == 0;
 }
 
-template <typename T>
-T settle(bool* ok, bool good, T value) {
-    if (ok) *ok = good;
-    return good ? value : T(0);
-}
-
 template <typename U>
 U toUInt(bool* ok, unsigned int base, const String& s) {
+    if (ok) *ok = false;
     U value = 0;
-    const bool good = parseMagnitude<U>(s, base, value, nullptr);
-    return settle(ok, good, value);
+    if (!parseMagnitude<U>(s, base, value, nullptr)) return 0;
+    if (ok) *ok = true;
+    return value;
 }
 
 // Each width has accepted ranges of its own, which callers have come to rely on.
 
 int fromMagnitude(unsigned int magnitude, bool minus, bool& good) {
-    good = good && magnitude <= 2147483647u + (minus ? 1u : 0u);
+    good = magnitude <= 2147483647u + (minus ? 1u : 0u);
     return static_cast<int>(minus ? 0u - magnitude : magnitude);
 }
 
 short fromMagnitude(unsigned short magnitude, bool minus, bool& good) {
-    good = good && (minus || magnitude <= 32767); // behind "-" any 16 bits are taken, and cut
+    good = minus || magnitude <= 32767; // behind "-" any 16 bits are taken, and cut
     return static_cast<short>(minus ? -magnitude : magnitude);
 }
 
 long long fromMagnitude(unsigned long long magnitude, bool minus, bool& good) {
-    good = good && magnitude <= (minus ? 0u : 4294967295u); // 32 bits, sign-extended
-    const long long value = static_cast<int>(static_cast<unsigned int>(magnitude));
-    return minus ? -value : value;
+    good = magnitude <= (minus ? 0u : 4294967295u); // 32 bits, sign-extended
+    return static_cast<int>(static_cast<unsigned int>(magnitude));
 }
 
 template <typename U, typename S>
 S toInt(bool* ok, unsigned int base, const String& s) {
+    if (ok) *ok = false;
     U magnitude = 0;
     bool minus = false;
-    bool good = parseMagnitude<U>(s, base, magnitude, &minus);
+    if (!parseMagnitude<U>(s, base, magnitude, &minus)) return 0;
+    bool good = false;
     const S value = fromMagnitude(magnitude, minus, good);
-    return settle(ok, good, value);
+    if (ok) *ok = good;
+    return good ? value : S{0};
 }
 
 } // namespace
@@ -166,11 +167,15 @@ unsigned long long String::ToUInt64(bool* ok, unsigned int base) const {
 }
 
 double String::ToDouble(bool* ok) const {
+    if (ok) *ok = false;
     const String t = normalizeNumberString(*this);
     char* end = nullptr;
     const double value = std::strtod(t.Latin1(), &end);
-    const bool whole = t.GetLength() > 0 && end == t.Latin1() + t.GetLength();
-    return settle(ok, whole, value);
+    if (t.GetLength() == 0 || end != t.Latin1() + t.GetLength()) return 0.0;
+    if (ok) *ok = true;
+    return value;
 }
 
+// What is too large for a float becomes infinite, as IEEE 754 has it, and is not undefined.
+static_assert(std::numeric_limits<float>::is_iec559);
 float String::ToFloat(bool* ok) const { return static_cast<float>(ToDouble(ok)); }

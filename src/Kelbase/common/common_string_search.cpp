@@ -1,60 +1,80 @@
 #include <Kelbase/common/common_string.h>
 
-#include <cstring>
+#include <cstddef>
 
 namespace {
 
-char folded(char c, bool caseSensitive) { return caseSensitive ? Char(c) : Char(c).ToLower(); }
+using Position = checked_value<unsigned int>;
 
-/// As strstr, without regard to the case of ASCII letters; `s` and `wanted` end with a NUL.
-const char* findFolded(const char* s, const char* wanted) {
-    const std::size_t length = std::strlen(wanted);
-    for (const char* const end = s + std::strlen(s); length <= static_cast<std::size_t>(end - s); ++s) {
-        std::size_t same = 0;
-        while (same < length && folded(s[same], false) == folded(wanted[same], false)) ++same;
-        if (same == length) return s;
+Position positionAt(std::size_t i) { return Position(static_cast<unsigned int>(i)); }
+
+char folded(char c) { return Char(c).ToLower(); }
+
+/// Whether `part` stands at `s`, up to its NUL and without case.
+bool standsAt(const char* s, const char* part) {
+    for (; *part; ++s, ++part) {
+        if (folded(*s) != folded(*part)) return false;
     }
-    return nullptr;
+    return true;
 }
 
-bool sameText(const String& l, const String& r, bool caseSensitive) {
-    return caseSensitive ? l == r : l.ToLower() == r.ToLower();
+/// As strstr, with "A"-"Z" and "a"-"z" taken as the same.
+const char* findFolded(const char* s, const char* part) {
+    for (; *s; ++s) {
+        if (standsAt(s, part)) return s;
+    }
+    return *part ? nullptr : s;
+}
+
+/// Whether `n` bytes are equal, or all those before a NUL that both have.
+bool equalUpToNul(const char* a, const char* b, std::size_t n, bool caseSensitive) {
+    if (caseSensitive) return std::strncmp(a, b, n) == 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        if (folded(a[i]) != folded(b[i])) return false;
+        if (!a[i]) break;
+    }
+    return true;
 }
 
 } // namespace
 
 checked_value<unsigned int> String::Find(char c, unsigned int start, bool caseSensitive) const {
-    const unsigned int length = GetLength();
-    for (unsigned int i = start; i < length; ++i) {
-        if (folded((*text)[i], caseSensitive) == folded(c, caseSensitive)) return i;
+    const std::string_view bytes = Bytes();
+    if (start >= bytes.size()) return {};
+    if (caseSensitive) {
+        const std::size_t i = bytes.find(c, start);
+        return i == bytes.npos ? Position() : positionAt(i);
+    }
+    for (std::size_t i = start; i < bytes.size(); ++i) {
+        if (folded(bytes[i]) == folded(c)) return positionAt(i);
     }
     return {};
 }
 
 checked_value<unsigned int> String::Find(const char* s, unsigned int start, bool caseSensitive) const {
     if (!s || start >= GetLength()) return {};
-    const char* const first = Latin1();
-    const char* const found = caseSensitive ? std::strstr(first + start, s) : findFolded(first + start, s);
-    if (!found) return {};
-    return static_cast<unsigned int>(found - first);
+    const char* from = Latin1() + start;
+    const char* found = caseSensitive ? std::strstr(from, s) : findFolded(from, s);
+    return found ? positionAt(static_cast<std::size_t>(found - Latin1())) : Position();
 }
 
 checked_value<unsigned int> String::FindRev(char c, const checked_value<unsigned int>& start,
                                             bool caseSensitive) const {
-    const unsigned int length = GetLength();
-    if (length == 0) return {};
-    unsigned int i = start.IsGiven() ? static_cast<unsigned int>(start) : length - 1;
-    if (i >= length) return {};
-    for (++i; i > 0; --i) {
-        if (folded((*text)[i - 1], caseSensitive) == folded(c, caseSensitive)) return i - 1;
+    const std::string_view bytes = Bytes();
+    if (bytes.empty() || (start.IsGiven() && start >= bytes.size())) return {};
+    const std::size_t end = start.IsGiven() ? start + std::size_t{1} : bytes.size();
+    for (std::size_t i = end; i-- > 0;) {
+        if (bytes[i] == c || (!caseSensitive && folded(bytes[i]) == folded(c))) return positionAt(i);
     }
     return {};
 }
 
 bool String::BeginsWith(const String& p, bool caseSensitive) const {
-    return p.GetLength() <= GetLength() && sameText(Left(p.GetLength()), p, caseSensitive);
+    const unsigned int n = p.GetLength();
+    return n <= GetLength() && equalUpToNul(Latin1(), p.Latin1(), n, caseSensitive);
 }
 
 bool String::EndsWith(const String& p, bool caseSensitive) const {
-    return p.GetLength() <= GetLength() && sameText(Right(p.GetLength()), p, caseSensitive);
+    const unsigned int n = p.GetLength();
+    return n <= GetLength() && equalUpToNul(Latin1() + (GetLength() - n), p.Latin1(), n, caseSensitive);
 }

@@ -47,6 +47,12 @@ TEST(StringFind, TellsPrefixAndSuffix) {
     EXPECT_FALSE(String("abc").BeginsWith("abcd"));
     EXPECT_TRUE(String("abc").EndsWith("Bc", false));
     EXPECT_TRUE(String().EndsWith(""));
+    EXPECT_FALSE(String("aXb").EndsWith("yb", false));
+    String cut("a");
+    cut += '\0';
+    EXPECT_TRUE((cut + "b").BeginsWith(cut, false));
+    EXPECT_FALSE(cut.BeginsWith(cut + "b"));
+    EXPECT_TRUE((cut + "b").EndsWith(cut + "c")) << "compared up to the NUL";
 }
 
 TEST(StringEdit, SlicesAndChangesInPlace) {
