@@ -1,0 +1,44 @@
+#pragma once
+
+#include <Kelbase/common/common_exception_base.h>
+#include <Kelbase/common/common_path.h>
+
+namespace Util::Exception {
+
+/// A failed access to a file or a folder.
+class FileIO : public ::Exception::Base {
+public:
+    enum ErrorKind : unsigned int {
+        FileNotFound = 0,
+        OpenError = 1,
+        ReadError = 2,
+        WriteError = 3,
+        CloseError = 4,
+        RemoveError = 5,
+        RenameError = 6,
+        UnexpectedError = 7,
+    };
+
+    /// `errorNumber` is the `errno` of the failed call, 0 where none was recorded.
+    FileIO(const String& message, const FilePath& file, ErrorKind kind, int errorNumber);
+    FileIO(const String& message, const FolderPath& folder, ErrorKind kind, int errorNumber);
+    FileIO(const FileIO&) = default;
+    FileIO& operator=(const FileIO&) = default;
+    ~FileIO() override;
+
+    String ToString() const override;
+
+    String GetErrorDescription() const; ///< The kind in words.
+    FilePath GetFilePath() const { return filePath; }
+    FolderPath GetFolderPath() const { return folderPath; }
+    ErrorKind GetErrorKind() const { return kind; }
+    int GetErrorNumber() const { return errorNumber; }
+
+private:
+    FilePath filePath; // the one that does not apply stays empty
+    FolderPath folderPath;
+    ErrorKind kind;
+    int errorNumber;
+};
+
+} // namespace Util::Exception
