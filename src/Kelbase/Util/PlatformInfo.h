@@ -1,0 +1,38 @@
+#pragma once
+
+#include <Kelbase/common/common_string.h>
+
+#include <map>
+
+class FilePath;
+
+namespace Util {
+
+unsigned int GetNumLogicalProcessors();          ///< At least 1.
+unsigned long long GetTotalHeapAllocatedBytes(); ///< Always 0: this platform does not tell.
+
+/// The running process's name, for a plug-in that of the program which loaded it; empty when unknown.
+String GetCurrentProcessName();
+
+// Looking up return addresses in a linker's map file. This platform captures no stack and reads no map: the
+// calls are here so that one caller serves every platform.
+
+struct MapFileFunctionInfo {
+    String name;
+    unsigned int size = 0; ///< In bytes.
+};
+
+struct ReturnAddressInfo {
+    String function;
+    unsigned int offset = 0; ///< From the function's beginning, in bytes.
+};
+
+/// Ends the list at once: stores 0 in the first slot of `frames`.
+void GetCallStack(unsigned int, unsigned int* frames);
+/// False; `table`, functions by address, stays as it is.
+bool ParseMapFile(std::map<unsigned int, MapFileFunctionInfo>& table, const FilePath& file, unsigned int);
+/// False; `info` stays as it is.
+bool MapFileLookupReturnAddress(ReturnAddressInfo& info, unsigned int address,
+                                const std::map<unsigned int, MapFileFunctionInfo>& table);
+
+} // namespace Util
