@@ -1,0 +1,130 @@
+#include "BundleFolder.h"
+
+#include "Descriptor.h"
+#include "PlatformCall.h"
+
+#include <cerrno>
+#include <cstring>
+#include <elf.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace macplatform {
+
+namespace {
+constexpr unsigned char ownClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
+
+BundleFailure Failure(BundleFault fault, const std::string& text) { return {fault, text}; }
+
+bool IsFolder(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+std::string LastName(std::string path) {
+    while (path.size() > 1 && path.back() == '/') path.pop_back();
+    return path.substr(path.rfind('/') + 1);
+}
+
+/// The name of the executable: CFBundleExecutable, else the bundle's without its extension. Empty when it is
+/// not the name of a file in its folder.
+std::string ExecutableName(const BundleFolder& bundle) {
+    std::string name;
+    if (const PropertyValue* const named = bundle.info.Find("CFBundleExecutable")) {
+        name = named->text;
+    } else {
+        name = LastName(bundle.path);
+        name.erase(std::min(name.size(), name.rfind('.')));
+    }
+    const bool leaves = name.find('/') != std::string::npos || name.find('\0') != std::string::npos ||
+                        name == "." || name == "..";
+    return leaves ? std::string() : name;
+}
+
+const char* MachineName(unsigned machine, unsigned char fileClass) {
+    if (machine == EM_X86_64) return fileClass == ELFCLASS64 ? "x86-64" : "x86-64 with 32-bit pointers";
+    if (machine == EM_386) return "32-bit x86";
+    if (machine == EM_AARCH64) return "64-bit ARM";
+    return "another processor";
+}
+
+unsigned OwnMachine() {
+    Elf64_Ehdr own{}; // e_machine lies at the same place in both forms
+    const Descriptor self(open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
+    return self && read(self.Get(), &own, sizeof own) == static_cast<ssize_t>(sizeof own)
+               ? own.e_machine
+               : static_cast<unsigned>(EM_NONE);
+}
+
+bool IsMachO(const unsigned char* bytes) {
+    static const unsigned char magics[][4] = {{0xFE, 0xED, 0xFA, 0xCE},
+                                              {0xCE, 0xFA, 0xED, 0xFE},
+                                              {0xFE, 0xED, 0xFA, 0xCF},
+                                              {0xCF, 0xFA, 0xED, 0xFE},
+                                              {0xCA, 0xFE, 0xBA, 0xBE}};
+    for (const auto& magic : magics) {
+        if (std::memcmp(bytes, magic, sizeof magic) == 0) return true;
+    }
+    return false;
+}
+
+BundleFailure CheckHeader(const std::string& file, const Elf64_Ehdr& header, std::size_t length) {
+    if (length >= 4 && IsMachO(header.e_ident))
+        return Failure(BundleFault::WrongArchitecture, file + " is for the Mac");
+    if (length < sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) {
+        return Failure(BundleFault::WrongArchitecture, file + " is no program code");
+    }
+    const unsigned own = OwnMachine();
+    if (header.e_ident[EI_CLASS] == ownClass && header.e_machine == own) return {};
+    return Failure(BundleFault::WrongArchitecture,
+                   file + " is for " + MachineName(header.e_machine, header.e_ident[EI_CLASS]) +
+                       ", this process for " + MachineName(own, ownClass));
+}
+
+} // namespace
+
+BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
+    const PlatformInside inside;
+    if (!IsFolder(path))
+        return Failure(BundleFault::NoBundle, path + " is no bundle: there is no such folder");
+    const std::string listPath = path + "/Contents/Info.plist";
+    PropertyListFile list = ReadPropertyList(listPath);
+    if (list.errorNumber == ENOENT || list.errorNumber == ENOTDIR) {
+        return Failure(BundleFault::NoBundle, path + " is no bundle: it has no Contents/Info.plist");
+    }
+    if (!list.error.empty()) return Failure(BundleFault::BrokenList, listPath + ": " + list.error);
+    if (list.root.kind != PropertyValue::Kind::Dictionary) {
+        return Failure(BundleFault::BrokenList, listPath + ": it holds no dictionary");
+    }
+    bundle.path = path;
+    bundle.info = std::move(list.root);
+    const std::string name = ExecutableName(bundle);
+    if (name.empty())
+        return Failure(BundleFault::MissingKey, listPath + ": CFBundleExecutable is not the name of a file");
+    bundle.executable = path + "/Contents/Linux/" + name;
+    return {};
+}
+
+BundleFailure CheckExecutable(const BundleFolder& bundle) {
+    const PlatformInside inside;
+    const std::string& file = bundle.executable;
+    const Descriptor code(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!code) {
+        const int error = errno;
+        const std::string forMac = bundle.path + "/Contents/MacOS" + file.substr(file.rfind('/'));
+        if (error == ENOENT && access(forMac.c_str(), F_OK) == 0) {
+            return Failure(BundleFault::NoExecutable,
+                           file + " is missing: the bundle has code for the Mac alone");
+        }
+        return Failure(BundleFault::NoExecutable, file + ": " + std::strerror(error));
+    }
+    struct stat status {};
+    if (fstat(code.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return Failure(BundleFault::NoExecutable, file + " is no file");
+    }
+    Elf64_Ehdr header{};
+    const ssize_t length = read(code.Get(), &header, sizeof header);
+    return CheckHeader(file, header, length < 0 ? 0 : static_cast<std::size_t>(length));
+}
+
+} // namespace macplatform

@@ -1,0 +1,24 @@
+#pragma once
+
+/// A bundle's folder, as far as loading its code needs it.
+
+#include <macplatform/Bundles.h>
+#include <macplatform/PropertyList.h>
+
+#include <string>
+
+namespace macplatform {
+
+struct BundleFolder {
+    std::string path;
+    PropertyValue info;     ///< The dictionary of Contents/Info.plist.
+    std::string executable; ///< The file of the code for this system; whether it is there is not asked.
+};
+
+/// Reads the property list of the bundle at a path of this machine.
+BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle);
+
+/// Whether the executable is there and made for this processor, word size and system.
+BundleFailure CheckExecutable(const BundleFolder& bundle);
+
+} // namespace macplatform
