@@ -64,7 +64,7 @@ PlatformCall::PlatformCall(const char* functionName)
 PlatformCall::~PlatformCall() {
     // The observer's own platform calls are not told either: the depth goes down after it is done.
     const int errorNumber = errno; // part of the result of some calls
-    if (told) Observer()({name, std::move(arguments), std::move(result)});
+    if (told) Observer()({name, std::move(arguments), std::move(result), std::move(note)});
     errno = errorNumber;
     --callDepth;
 }

@@ -37,6 +37,11 @@ public:
     /// The code of a fault that was ordered for this call, which it uses up.
     std::optional<long> TakeFault();
 
+    /// Says why a call had no effect or failed, where its result does not tell.
+    void SetNote(std::string text) {
+        if (told) note = std::move(text);
+    }
+
     /// Notes the result and hands it on.
     template <typename T>
     T Result(T value) {
@@ -65,6 +70,7 @@ private:
     bool told;
     std::vector<std::string> arguments;
     std::string result;
+    std::string note;
 };
 
 /// While one lives, the platform works for itself: nothing is told, no fault happens, and paths are this
