@@ -55,14 +55,14 @@ std::string DescribeLive(const LiveThing& thing) {
 
 std::string AddressText(CFTypeRef object) {
     char text[32];
-    std::snprintf(text, sizeof text, "%p", object);
+    static_cast<void>(std::snprintf(text, sizeof text, "%p", object));
     return text;
 }
 
 } // namespace
 
 void Misuse(const char* function, const std::string& whatIsWrong) {
-    std::fprintf(stderr, "macplatform: %s: %s\n", function, whatIsWrong.c_str());
+    static_cast<void>(std::fprintf(stderr, "macplatform: %s: %s\n", function, whatIsWrong.c_str()));
     std::abort();
 }
 
@@ -115,6 +115,12 @@ void Release(Object& object) noexcept {
 void MakeImmortal(Object& object) noexcept {
     object.references = Object::immortal;
     object.Delist();
+}
+
+bool Equal(CFTypeRef left, CFTypeRef right) {
+    const Object& one = CheckedObject(left, "CFEqual");
+    const Object& other = CheckedObject(right, "CFEqual");
+    return &one == &other || (one.type == other.type && one.type->equal && one.type->equal(one, other));
 }
 
 std::string Describe(CFTypeRef reference) {
@@ -171,11 +177,7 @@ CFTypeID CFGetTypeID(CFTypeRef object) {
 
 Boolean CFEqual(CFTypeRef left, CFTypeRef right) {
     PlatformCall call("CFEqual");
-    const Object& one = CheckedObject(left, "CFEqual");
-    const Object& other = CheckedObject(right, "CFEqual");
+    const bool equal = Equal(left, right);
     Tell(call, left, right);
-    if (call.TakeFault()) return call.Result(Boolean{false});
-    const bool equal =
-        left == right || (one.type == other.type && one.type->equal && one.type->equal(one, other));
-    return call.Result(Boolean{equal});
+    return call.Result(Boolean{equal && !call.TakeFault()});
 }

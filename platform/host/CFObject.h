@@ -74,10 +74,13 @@ T* MakeObject(std::size_t extra, Arguments&&... arguments) {
     std::unique_ptr<void, decltype(&std::free)> block(std::malloc(sizeof(T) + extra), &std::free);
     if (!block) throw std::bad_alloc();
     T* const object = new (block.get()) T(std::forward<Arguments>(arguments)...);
-    block.release();
+    static_cast<void>(block.release());
     Introduce(*object, sizeof(T) + extra);
     return object;
 }
+
+/// Whether both are the same object, or of one kind whose objects are equal by their value.
+bool Equal(CFTypeRef left, CFTypeRef right);
 
 /// Lets go of a reference at the end of a scope.
 struct Releaser {

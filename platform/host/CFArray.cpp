@@ -1,0 +1,70 @@
+#include <CoreFoundation/CFArray.h>
+
+#include "CFArrayObject.h"
+
+#include <algorithm>
+
+using namespace macplatform;
+
+namespace macplatform {
+extern const ObjectClass arrayClass;
+}
+
+struct __CFArray : Object {
+    explicit __CFArray(std::vector<CFTypeRef> held) : Object(arrayClass), items(std::move(held)) {}
+    std::vector<CFTypeRef> items;
+};
+
+namespace {
+
+const __CFArray& ToArray(const Object& object) { return static_cast<const __CFArray&>(object); }
+
+std::string DescribeArray(const Object& object) {
+    std::string text;
+    for (const CFTypeRef item : ToArray(object).items) text += (text.empty() ? "" : ", ") + Describe(item);
+    return '(' + text + ')';
+}
+
+bool EqualArrays(const Object& left, const Object& right) {
+    const auto& ones = ToArray(left).items;
+    const auto& others = ToArray(right).items;
+    return std::equal(ones.begin(), ones.end(), others.begin(), others.end(), &Equal);
+}
+
+void FinaliseArray(Object& object) {
+    auto& array = static_cast<__CFArray&>(object);
+    for (const CFTypeRef item : array.items) Release(CheckedObject(item, "CFRelease"));
+    array.~__CFArray();
+}
+
+const std::vector<CFTypeRef>& CheckedItems(CFArrayRef array, const char* function) {
+    return ToArray(CheckedObject(array, function, arrayClass)).items;
+}
+
+} // namespace
+
+const ObjectClass macplatform::arrayClass = {4, "array", &DescribeArray, &EqualArrays, &FinaliseArray};
+
+CFArrayRef macplatform::NewArray(std::vector<CFTypeRef> items) {
+    const auto* array = MakeObject<__CFArray>(0, std::move(items));
+    for (const CFTypeRef item : array->items) Retain(CheckedObject(item, "CFRetain"));
+    return array;
+}
+
+CFIndex CFArrayGetCount(CFArrayRef array) {
+    PlatformCall call("CFArrayGetCount");
+    const auto& items = CheckedItems(array, "CFArrayGetCount");
+    Tell(call, array);
+    return call.Result(static_cast<CFIndex>(items.size()));
+}
+
+const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
+    PlatformCall call("CFArrayGetValueAtIndex");
+    const auto& items = CheckedItems(array, "CFArrayGetValueAtIndex");
+    Tell(call, array, index);
+    if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
+        Misuse("CFArrayGetValueAtIndex", "index " + std::to_string(index) + " lies outside of an array of " +
+                                             std::to_string(items.size()) + " items");
+    }
+    return ObjectResult(call, items[static_cast<std::size_t>(index)]);
+}

@@ -1,0 +1,173 @@
+#include <CoreFoundation/CFNumber.h>
+
+#include "CFNumberObject.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <optional>
+
+namespace macplatform {
+
+namespace {
+
+const NumberValue& ToValue(const Object& object) { return static_cast<const __CFNumber&>(object).value; }
+
+std::string DescribeNumber(const Object& object) {
+    const NumberValue& value = ToValue(object);
+    if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
+    char text[32];
+    static_cast<void>(std::snprintf(text, sizeof text, "%.17g", std::get<double>(value)));
+    return text;
+}
+
+template <typename To>
+bool Convert(std::int64_t whole, To& converted);
+template <typename To>
+bool Convert(double real, To& converted);
+
+bool EqualNumbers(const Object& left, const Object& right) {
+    const NumberValue& one = ToValue(left);
+    const NumberValue& other = ToValue(right);
+    if (one.index() == other.index()) return one == other;
+    const double real = std::get<double>(one.index() == 1 ? one : other);
+    const std::int64_t whole = std::get<std::int64_t>(one.index() == 0 ? one : other);
+    std::int64_t converted = 0;
+    return Convert(real, converted) && converted == whole;
+}
+
+/// The nearest value of the type, and whether it is the same number.
+template <typename To>
+bool Convert(std::int64_t whole, To& converted) {
+    if constexpr (std::is_floating_point_v<To>) {
+        converted = static_cast<To>(whole);
+        std::int64_t back = 0;
+        return Convert(static_cast<double>(converted), back) && back == whole;
+    } else {
+        using Limits = std::numeric_limits<To>;
+        const bool fits = whole >= Limits::min() && whole <= Limits::max();
+        converted = fits ? static_cast<To>(whole) : whole < 0 ? Limits::min() : Limits::max();
+        return fits;
+    }
+}
+
+template <typename To>
+bool Convert(double real, To& converted) {
+    using Limits = std::numeric_limits<To>;
+    if constexpr (std::is_same_v<To, double>) {
+        converted = real;
+        return true;
+    } else if constexpr (std::is_floating_point_v<To>) {
+        const bool overflows = std::isfinite(real) && std::abs(real) > static_cast<double>(Limits::max());
+        converted = overflows ? std::copysign(Limits::infinity(), static_cast<To>(std::copysign(1.0, real)))
+                              : static_cast<To>(real);
+        return std::isnan(real) || static_cast<double>(converted) == real;
+    } else {
+        // Powers of two, so exact as double: the lowest value, and the first one above the highest.
+        const double lowest = static_cast<double>(Limits::min());
+        if (std::isnan(real) || real < lowest || real >= -lowest) {
+            converted = std::isnan(real) ? To{0} : real < 0 ? Limits::min() : Limits::max();
+            return false;
+        }
+        converted = static_cast<To>(real);
+        return static_cast<double>(converted) == real;
+    }
+}
+
+/// Calls `use` with a null pointer of the C type that the number type stands for; false for an unknown one.
+template <typename Use>
+bool WithCType(CFNumberType type, Use use) {
+    switch (type) {
+    case kCFNumberSInt8Type:
+    case kCFNumberCharType:
+        return use(static_cast<std::int8_t*>(nullptr));
+    case kCFNumberSInt16Type:
+    case kCFNumberShortType:
+        return use(static_cast<std::int16_t*>(nullptr));
+    case kCFNumberSInt32Type:
+    case kCFNumberIntType:
+        return use(static_cast<std::int32_t*>(nullptr));
+    case kCFNumberSInt64Type:
+    case kCFNumberLongLongType:
+        return use(static_cast<std::int64_t*>(nullptr));
+    case kCFNumberLongType:
+    case kCFNumberCFIndexType:
+        return use(static_cast<long*>(nullptr));
+    case kCFNumberFloat32Type:
+    case kCFNumberFloatType:
+        return use(static_cast<float*>(nullptr));
+    case kCFNumberFloat64Type:
+    case kCFNumberDoubleType:
+        return use(static_cast<double*>(nullptr));
+    }
+    return false;
+}
+
+std::optional<NumberValue> ReadValue(CFNumberType type, const void* from) {
+    NumberValue value;
+    const bool known = WithCType(type, [&](auto* typed) {
+        std::remove_pointer_t<decltype(typed)> read;
+        std::memcpy(&read, from, sizeof read);
+        if constexpr (std::is_floating_point_v<decltype(read)>) {
+            value = static_cast<double>(read);
+        } else {
+            value = static_cast<std::int64_t>(read);
+        }
+        return true;
+    });
+    return known ? std::optional(value) : std::nullopt;
+}
+
+bool WriteValue(const NumberValue& value, CFNumberType type, void* to) {
+    return WithCType(type, [&](auto* typed) {
+        std::remove_pointer_t<decltype(typed)> converted{};
+        const bool same = std::visit([&](auto held) { return Convert(held, converted); }, value);
+        std::memcpy(to, &converted, sizeof converted);
+        return same;
+    });
+}
+
+std::string TypeName(CFNumberType type) {
+    static const char* const names[] = {"SInt8",    "SInt16", "SInt32", "SInt64", "Float32",
+                                        "Float64",  "Char",   "Short",  "Int",    "Long",
+                                        "LongLong", "Float",  "Double", "CFIndex"};
+    if (type < kCFNumberSInt8Type || type > kCFNumberCFIndexType) return std::to_string(type);
+    return std::string("kCFNumber") + names[type - kCFNumberSInt8Type] + "Type";
+}
+
+} // namespace
+
+const ObjectClass numberClass = {10, "number", &DescribeNumber, &EqualNumbers, nullptr};
+
+} // namespace macplatform
+
+using namespace macplatform;
+
+CFTypeID CFNumberGetTypeID() {
+    PlatformCall call("CFNumberGetTypeID");
+    return call.Result(numberClass.id);
+}
+
+CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* from) try {
+    PlatformCall call("CFNumberCreate");
+    if (!from) Misuse("CFNumberCreate", "the value is NULL");
+    const auto value = ReadValue(type, from);
+    const CFNumberRef number = call.TakeFault() || !value ? nullptr : MakeObject<__CFNumber>(0, *value);
+    if (call.IsTold()) {
+        const std::string text = value ? DescribeNumber(__CFNumber(*value)) : "?";
+        Tell(call, allocator, TypeName(type), text);
+    }
+    return ObjectResult(call, number);
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* to) {
+    PlatformCall call("CFNumberGetValue");
+    const NumberValue& value = ToValue(CheckedObject(number, "CFNumberGetValue", numberClass));
+    if (call.IsTold()) Tell(call, number, TypeName(type), std::string("buffer"));
+    if (!to) Misuse("CFNumberGetValue", "the buffer is NULL");
+    if (call.TakeFault()) return call.Result(Boolean{false});
+    return call.Result(Boolean{WriteValue(value, type, to)});
+}

@@ -1,0 +1,143 @@
+#include <CoreFoundation/CFUUID.h>
+
+#include "CFUUIDObject.h"
+
+#include <cstring>
+#include <map>
+#include <mutex>
+
+using namespace macplatform;
+
+namespace macplatform {
+extern const ObjectClass uuidClass;
+}
+
+struct __CFUUID : Object {
+    explicit __CFUUID(const UuidBytes& held) : Object(uuidClass), bytes(held) {}
+    UuidBytes bytes;
+};
+
+namespace {
+
+/// The UUIDs that there are: the same bytes are the same object, so that callers may compare references.
+class UuidTable {
+public:
+    /// Never destroyed: static objects of the caller may release what they hold at exit.
+    static UuidTable& Get() {
+        static UuidTable& table = *new UuidTable;
+        return table;
+    }
+
+    /// With one reference for the caller.
+    __CFUUID& Take(const UuidBytes& bytes) {
+        const std::lock_guard lock(mutex);
+        const auto place = uuids.emplace(bytes, nullptr).first;
+        // One that is at its end in another thread is replaced; it then leaves the new one alone.
+        if (place->second && TryRetain(*place->second)) return *place->second;
+        try {
+            return *(place->second = MakeObject<__CFUUID>(0, bytes));
+        } catch (...) {
+            if (!place->second) uuids.erase(place);
+            throw;
+        }
+    }
+
+    void Forget(const __CFUUID& uuid) {
+        const std::lock_guard lock(mutex);
+        const auto place = uuids.find(uuid.bytes);
+        if (place != uuids.end() && place->second == &uuid) uuids.erase(place);
+    }
+
+private:
+    std::mutex mutex;
+    std::map<UuidBytes, __CFUUID*> uuids;
+};
+
+const __CFUUID& ToUuid(const Object& object) { return static_cast<const __CFUUID&>(object); }
+
+std::string DescribeUuid(const Object& object) { return UuidText(ToUuid(object).bytes); }
+
+bool EqualUuids(const Object& left, const Object& right) { return ToUuid(left).bytes == ToUuid(right).bytes; }
+
+void FinaliseUuid(Object& object) { UuidTable::Get().Forget(ToUuid(object)); }
+
+int DigitValue(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    return -1;
+}
+
+bool IsGroupStart(std::size_t byteIndex) {
+    return byteIndex == 4 || byteIndex == 6 || byteIndex == 8 || byteIndex == 10;
+}
+
+} // namespace
+
+const ObjectClass macplatform::uuidClass = {17, "UUID", &DescribeUuid, &EqualUuids, &FinaliseUuid};
+
+std::string macplatform::UuidText(const UuidBytes& bytes) {
+    static const char digits[] = "0123456789ABCDEF";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (IsGroupStart(i)) text += '-';
+        (text += digits[bytes[i] >> 4]) += digits[bytes[i] & 15];
+    }
+    return text;
+}
+
+std::optional<UuidBytes> macplatform::ParseUuid(std::string_view text) {
+    UuidBytes bytes{};
+    if (text.size() != 36) return std::nullopt;
+    for (std::size_t i = 0, at = 0; i < bytes.size(); ++i, at += 2) {
+        if (IsGroupStart(i) && text[at++] != '-') return std::nullopt;
+        const int high = DigitValue(text[at]);
+        const int low = DigitValue(text[at + 1]);
+        if (high < 0 || low < 0) return std::nullopt;
+        bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
+    }
+    return bytes;
+}
+
+const UuidBytes& macplatform::BytesOf(CFUUIDRef uuid, const char* function) {
+    return ToUuid(CheckedObject(uuid, function, uuidClass)).bytes;
+}
+
+CFUUIDRef macplatform::NewUuid(const UuidBytes& bytes) { return &UuidTable::Get().Take(bytes); }
+
+CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef allocator, CFUUIDBytes given) try {
+    PlatformCall call("CFUUIDCreateFromUUIDBytes");
+    UuidBytes bytes;
+    static_assert(sizeof given == sizeof bytes);
+    std::memcpy(bytes.data(), &given, sizeof given);
+    if (call.IsTold()) Tell(call, allocator, UuidText(bytes));
+    return ObjectResult(call, call.TakeFault() ? nullptr : NewUuid(bytes));
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
+CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid) {
+    PlatformCall call("CFUUIDGetUUIDBytes");
+    const UuidBytes& bytes = BytesOf(uuid, "CFUUIDGetUUIDBytes");
+    Tell(call, uuid);
+    CFUUIDBytes result;
+    std::memcpy(&result, bytes.data(), sizeof result);
+    if (call.IsTold()) call.Result(0, UuidText(bytes));
+    return result;
+}
+
+CFUUIDRef CFUUIDGetConstantUUIDWithBytes(CFAllocatorRef allocator, UInt8 byte0, UInt8 byte1, UInt8 byte2,
+                                         UInt8 byte3, UInt8 byte4, UInt8 byte5, UInt8 byte6, UInt8 byte7,
+                                         UInt8 byte8, UInt8 byte9, UInt8 byte10, UInt8 byte11, UInt8 byte12,
+                                         UInt8 byte13, UInt8 byte14, UInt8 byte15) try {
+    PlatformCall call("CFUUIDGetConstantUUIDWithBytes");
+    const UuidBytes bytes = {byte0, byte1, byte2,  byte3,  byte4,  byte5,  byte6,  byte7,
+                             byte8, byte9, byte10, byte11, byte12, byte13, byte14, byte15};
+    if (call.IsTold()) Tell(call, allocator, UuidText(bytes));
+    if (call.TakeFault()) return ObjectResult(call, CFUUIDRef{});
+    __CFUUID& uuid = UuidTable::Get().Take(bytes);
+    MakeImmortal(uuid);
+    return ObjectResult(call, CFUUIDRef{&uuid});
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
