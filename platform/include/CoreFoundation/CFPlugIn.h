@@ -14,7 +14,8 @@ using CFPlugInFactoryFunction = void* (*)(CFAllocatorRef, CFUUIDRef type);
 MACPLATFORM_C_BEGIN
 
 /// Reads the bundle's property list and registers its factories and types; loads no code yet. Null when
-/// there is no such folder. The same folder again gives the same object with one more reference.
+/// there is no bundle or its list cannot be read. The same folder again gives the same object with one more
+/// reference. Code that was loaded stays loaded to the end of the process.
 CFPlugInRef CFPlugInCreate(CFAllocatorRef, CFURLRef);
 /// An array of CFUUIDRef that the caller releases; null when nobody registered the type, empty when only
 /// other plug-ins have it.

@@ -1,0 +1,219 @@
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <macplatform/Journal.h>
+#include <macplatform/LiveObjects.h>
+#include <macplatform/PropertyList.h>
+#include <macplatform/StartupVolume.h>
+
+#include "TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using macplatform::PropertyListFormat;
+using macplatform::PropertyValue;
+
+namespace {
+
+const char domain[] = "com.example.app";
+
+/// Sets a text (null removes the key) for any user on the current host.
+void Set(const char* key, const char* value) {
+    const CFStringRef k = CFStringCreateWithCString(nullptr, key, kCFStringEncodingUTF8);
+    const CFStringRef v = value ? CFStringCreateWithCString(nullptr, value, kCFStringEncodingUTF8) : nullptr;
+    CFPreferencesSetValue(k, v, CFSTR("com.example.app"), kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
+    CFRelease(k);
+    if (v) CFRelease(v);
+}
+
+void SetNumber(const char* key, int value) {
+    const CFStringRef k = CFStringCreateWithCString(nullptr, key, kCFStringEncodingUTF8);
+    const CFNumberRef v = CFNumberCreate(nullptr, kCFNumberIntType, &value);
+    CFPreferencesSetValue(k, v, CFSTR("com.example.app"), kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
+    CFRelease(k);
+    CFRelease(v);
+}
+
+bool Synchronise(CFStringRef ofDomain = CFSTR("com.example.app")) {
+    return CFPreferencesSynchronize(ofDomain, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
+}
+
+class Preferences : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(macplatform::SetStartupVolume(volume.Path().string())); }
+    void TearDown() override {
+        Discard();
+        macplatform::SetStartupVolume("");
+    }
+
+    /// Brings values that a test left waiting to an end: they go into a volume of their own.
+    static void Discard() {
+        const TemporaryFolder elsewhere;
+        macplatform::SetStartupVolume(elsewhere.Path().string());
+        Synchronise();
+    }
+
+    std::filesystem::path File() const { return volume / "Library/Preferences/com.example.app.plist"; }
+    PropertyValue Stored() const { return macplatform::ReadPropertyList(File().string()).root; }
+    /// What another reader makes of the file.
+    std::string Python() const {
+        const std::string out = (volume / "python.txt").string();
+        const std::string command =
+            "/usr/bin/python3 -c 'import plistlib,sys; print(plistlib.load(open(sys.argv[1],\"rb\")))' '" +
+            File().string() + "' > '" + out + "'";
+        return std::system(command.c_str()) == 0 ? ReadBytes(out) : "refused";
+    }
+
+    TemporaryFolder volume;
+};
+
+} // namespace
+
+TEST_F(Preferences, WaitForTheSynchronisation) {
+    Set("Lang", "ja");
+    SetNumber("UpdateInterval", 2);
+    EXPECT_FALSE(std::filesystem::exists(File()));
+    EXPECT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'Lang': 'ja', 'UpdateInterval': 2}\n");
+    EXPECT_EQ(ReadBytes(File()).substr(0, 8), "bplist00");
+    struct stat status {};
+    ASSERT_EQ(stat(File().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0644u);
+}
+
+TEST_F(Preferences, KeepEverythingElseInItsFormat) {
+    const char before[] =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
+        "<key>z</key><real>0.1</real><key>UpdateInterval</key><integer>0</integer>"
+        "<key>a</key><array><date>2011-02-03T04:05:06Z</date><data>AAEC</data><true/></array>"
+        "<key>n</key><integer>-9000000000</integer></dict></plist>";
+    for (const bool binary : {false, true}) {
+        volume.Write("Library/Preferences/com.example.app.plist", before);
+        if (binary) {
+            const std::string path = "'" + File().string() + "'";
+            ASSERT_EQ(std::system(("plistutil -f bin -i " + path + " -o " + path).c_str()), 0);
+        }
+        SetNumber("UpdateInterval", 2);
+        Set("InstalledProducts/Korvane Restora/CurrentVersion", "1.73");
+        EXPECT_TRUE(Synchronise());
+        EXPECT_EQ(ReadBytes(File()).substr(0, 5), binary ? "bplis" : "<?xml");
+        EXPECT_EQ(Stored().Describe(),
+                  "{\"z\": 0.10000000000000001, \"UpdateInterval\": 2, \"a\": [2011-02-03T04:05:06Z, "
+                  "<000102>, true], \"n\": -9000000000, "
+                  "\"InstalledProducts/Korvane Restora/CurrentVersion\": \"1.73\"}");
+    }
+}
+
+TEST_F(Preferences, WriteNothingWhereNothingChanges) {
+    Set("Lang", "ja");
+    ASSERT_TRUE(Synchronise());
+    struct stat before {
+    }, after{};
+    ASSERT_EQ(stat(File().c_str(), &before), 0);
+    Set("Lang", "ja");
+    Set("Missing", nullptr);
+    EXPECT_TRUE(Synchronise());
+    ASSERT_EQ(stat(File().c_str(), &after), 0);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    Set("Lang", nullptr);
+    EXPECT_TRUE(Synchronise());
+    EXPECT_FALSE(std::filesystem::exists(File())) << "no key is left";
+}
+
+TEST_F(Preferences, LeaveAloneWhatTheyCannotRead) {
+    for (const std::string content : {"rubbish", "", "<plist><array/></plist>", "bplist00\x01\x02"}) {
+        volume.Write("Library/Preferences/com.example.app.plist", content);
+        Set("Lang", "ja");
+        EXPECT_FALSE(Synchronise()) << content;
+        EXPECT_EQ(ReadBytes(File()), content);
+    }
+    std::filesystem::remove(File());
+    EXPECT_TRUE(Synchronise()) << "the value went on waiting";
+    EXPECT_EQ(Stored().Find("Lang")->text, "ja");
+
+    std::filesystem::remove(File());
+    std::filesystem::create_symlink("nowhere", File());
+    Set("Lang", "de");
+    EXPECT_FALSE(Synchronise());
+    EXPECT_TRUE(std::filesystem::is_symlink(File())) << "a dangling link";
+    std::filesystem::remove(File());
+    std::filesystem::create_directory(File());
+    EXPECT_FALSE(Synchronise());
+    EXPECT_TRUE(std::filesystem::is_directory(File()));
+}
+
+TEST_F(Preferences, RefuseNamesThatLeaveTheirFolder) {
+    for (const CFStringRef bad : {CFSTR("../../x"), CFSTR("a/b"), CFSTR("")}) {
+        CFPreferencesSetValue(CFSTR("k"), CFSTR("v"), bad, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
+        EXPECT_FALSE(Synchronise(bad));
+    }
+    EXPECT_FALSE(
+        CFPreferencesSynchronize(CFSTR("com.example.app"), kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
+    // The constants are known as objects: a text like theirs is somebody's name.
+    EXPECT_FALSE(CFPreferencesSynchronize(CFSTR("com.example.app"), CFSTR("kCFPreferencesAnyUser"),
+                                          kCFPreferencesCurrentHost));
+    EXPECT_TRUE(std::filesystem::is_empty(volume.Path()));
+}
+
+TEST_F(Preferences, WaitForALockAndRemoveLeftovers) {
+    const std::string leftover = volume.Write("Library/Preferences/.cf#1-0", "half a file");
+    const int folder = open((volume / "Library/Preferences").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(flock(folder, LOCK_EX), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        close(folder); // or this process would hold the lock too
+        Set("Lang", "ja");
+        _exit(Synchronise() ? 0 : 1);
+    }
+    EXPECT_EQ(waitpid(child, nullptr, WNOHANG), 0) << "it waits";
+    close(folder);
+    int status = 1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_FALSE(std::filesystem::exists(leftover));
+    EXPECT_EQ(Stored().Find("Lang")->text, "ja");
+}
+
+TEST_F(Preferences, SurviveManyWritersAtOnce) {
+    constexpr int writers = 8, keys = 20;
+    for (int writer = 0; writer < writers; ++writer) {
+        if (fork() != 0) continue;
+        bool good = true;
+        for (int key = 0; key < keys; ++key) {
+            SetNumber(("w" + std::to_string(writer) + "-" + std::to_string(key)).c_str(), key);
+            good = Synchronise() && good;
+        }
+        _exit(good ? 0 : 1);
+    }
+    for (int writer = 0, status = 0; writer < writers; ++writer) {
+        ASSERT_GT(wait(&status), 0);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(Stored().keys.size(), static_cast<std::size_t>(writers * keys));
+}
+
+TEST_F(Preferences, FailAsOrderedAndSayWhy) {
+    std::vector<macplatform::JournalEntry> told;
+    macplatform::SetJournalObserver(
+        [&told](const macplatform::JournalEntry& entry) { told.push_back(entry); });
+    volume.Write("Library/Preferences/com.example.app.plist", "rubbish");
+    Set("Lang", "ja");
+    told.clear();
+    EXPECT_FALSE(Synchronise());
+    macplatform::SetJournalObserver({});
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_EQ(told[0].call, "CFPreferencesSynchronize");
+    EXPECT_EQ(told[0].result, "false");
+    EXPECT_EQ(told[0].note, File().string() + ": it is not a property list");
+
+    std::filesystem::remove(File());
+    macplatform::OrderFault({"CFPreferencesSynchronize"});
+    EXPECT_FALSE(Synchronise());
+    EXPECT_FALSE(std::filesystem::exists(File()));
+    EXPECT_TRUE(Synchronise());
+}
