@@ -1,0 +1,180 @@
+#include "Trash.h"
+
+#include "Descriptor.h"
+
+#include <macplatform/StartupVolume.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace macplatform {
+
+namespace {
+
+/// A Trash folder, and the folder that the paths in its records start at (empty: they are absolute).
+struct TrashFolder {
+    std::string path, top;
+};
+
+std::string FolderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+std::string Joined(const std::string& folder, const std::string& name) {
+    return folder.back() == '/' ? folder + name : folder + '/' + name;
+}
+
+bool IsInside(const std::string& path, const std::string& folder) {
+    return folder == "/" || path == folder || path.compare(0, folder.size() + 1, folder + '/') == 0;
+}
+
+bool DeviceOf(const std::string& path, dev_t& device) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return false;
+    device = status.st_dev;
+    return true;
+}
+
+/// The folders of the way are made; the last one, for the user alone.
+bool MakeFolders(const std::string& path) {
+    for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1)) {
+        mkdir(path.substr(0, slash).c_str(), 0700);
+    }
+    return mkdir(path.c_str(), 0700) == 0 || errno == EEXIST;
+}
+
+std::string HomeTrash() {
+    const char* const data = std::getenv("XDG_DATA_HOME");
+    if (data && *data == '/') return Joined(data, "Trash");
+    const char* const home = std::getenv("HOME");
+    return home && *home == '/' ? Joined(home, ".local/share/Trash") : std::string();
+}
+
+/// The highest folder of the path's file system.
+std::string TopOf(const std::string& path, dev_t device) {
+    std::string top = FolderOf(path);
+    for (dev_t above = 0; top != "/" && DeviceOf(FolderOf(top), above) && above == device;)
+        top = FolderOf(top);
+    return top;
+}
+
+/// The Trash of a whole file system: the administrator's common one where it is safe to use, else the user's
+/// own.
+TrashFolder TrashAtTop(const std::string& top) {
+    const std::string user = std::to_string(getuid()), common = Joined(top, ".Trash");
+    struct stat status {};
+    const bool usable =
+        lstat(common.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX);
+    if (usable && MakeFolders(Joined(common, user))) return {Joined(common, user), top};
+    return {Joined(top, ".Trash-" + user), top};
+}
+
+TrashFolder TrashFor(const std::string& path) {
+    const std::string& volume = StartupVolume();
+    if (!volume.empty() && IsInside(path, volume)) return TrashAtTop(volume);
+    dev_t own = 0, homes = 0;
+    const std::string home = HomeTrash();
+    if (!home.empty() && MakeFolders(home) && DeviceOf(FolderOf(path), own) && DeviceOf(home, homes) &&
+        own == homes) {
+        return {home, ""};
+    }
+    return TrashAtTop(TopOf(path, own));
+}
+
+bool MustStay(const std::string& path, const std::string& trash) {
+    const char* const home = std::getenv("HOME");
+    struct stat own {
+    }, above{};
+    const bool isMountPoint = lstat(path.c_str(), &own) == 0 && S_ISDIR(own.st_mode) &&
+                              stat(FolderOf(path).c_str(), &above) == 0 &&
+                              (own.st_dev != above.st_dev || own.st_ino == above.st_ino);
+    return isMountPoint || (home && path == home) || path == StartupVolume() || IsInside(trash, path) ||
+           IsInside(path, trash);
+}
+
+std::string PercentEncoded(const std::string& path) {
+    static const char hex[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char c : path) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                           c == '/' || c == '-' || c == '_' || c == '.' || c == '~';
+        if (plain) {
+            encoded += c;
+        } else {
+            ((encoded += '%') += hex[byte >> 4]) += hex[byte & 15];
+        }
+    }
+    return encoded;
+}
+
+std::string Record(const std::string& path, const TrashFolder& trash) {
+    const std::string shown =
+        trash.top.empty() ? path : path.substr(trash.top == "/" ? 1 : trash.top.size() + 1);
+    const time_t now = std::time(nullptr);
+    tm parts{};
+    localtime_r(&now, &parts);
+    char date[32] = "";
+    std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &parts);
+    return "[Trash Info]\nPath=" + PercentEncoded(shown) + "\nDeletionDate=" + date + "\n";
+}
+
+/// "photo.jpg", "photo.2.jpg", ...
+std::string NumberedName(const std::string& name, unsigned number) {
+    if (number == 1) return name;
+    const std::size_t dot = name.rfind('.');
+    const std::size_t cut = dot == std::string::npos || dot == 0 ? name.size() : dot;
+    return name.substr(0, cut) + '.' + std::to_string(number) + name.substr(cut);
+}
+
+/// Claims a name by making its record, which nobody else may have made. Empty, with errno, when that fails.
+std::string ClaimName(const std::string& path, const TrashFolder& trash) {
+    const std::string record = Record(path, trash);
+    for (unsigned number = 1; number < 100000; ++number) {
+        const std::string name = NumberedName(NameOf(path), number);
+        struct stat status {};
+        if (lstat((trash.path + "/files/" + name).c_str(), &status) == 0) continue;
+        const std::string info = trash.path + "/info/" + name + ".trashinfo";
+        const Descriptor file(open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        if (!file && errno == EEXIST) continue;
+        if (!file) return {};
+        if (write(file.Get(), record.data(), record.size()) == static_cast<ssize_t>(record.size()))
+            return name;
+        const int failed = errno;
+        unlink(info.c_str());
+        errno = failed;
+        return {};
+    }
+    errno = EEXIST;
+    return {};
+}
+
+} // namespace
+
+int MoveToTrash(const std::string& path) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) != 0) return errno;
+    const TrashFolder trash = TrashFor(path);
+    if (MustStay(path, trash.path)) return EBUSY;
+    if (!MakeFolders(trash.path + "/files") || !MakeFolders(trash.path + "/info")) return errno;
+    const std::string name = ClaimName(path, trash);
+    if (name.empty()) return errno;
+    if (rename(path.c_str(), (trash.path + "/files/" + name).c_str()) != 0) {
+        const int failed = errno;
+        unlink((trash.path + "/info/" + name + ".trashinfo").c_str());
+        return failed;
+    }
+    rename(Joined(FolderOf(path), "._" + NameOf(path)).c_str(), (trash.path + "/files/._" + name).c_str());
+    return 0;
+}
+
+} // namespace macplatform
