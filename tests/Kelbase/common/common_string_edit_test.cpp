@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <random>
 
 namespace {
@@ -103,46 +105,73 @@ TEST(StringEdit, SplitsAndJoins) {
     EXPECT_EQ(Bytes(String::Join(",", {})), "");
 }
 
-/// Random programs of edits, against the same edits of a plain byte string.
+namespace {
+
+/// What an edit may take: a position at most 2 past the end (and the same, at the end at most), a text of
+/// `n`.
+struct Choice {
+    unsigned int pos, n;
+    std::size_t at;
+    char letter;
+    std::string piece;
+};
+
+using Edit = void (*)(String& t, std::string& model, const Choice& c);
+
+/// One edit of a text, and the same of a plain byte string.
+const Edit edits[] = {
+    [](String& t, std::string& model, const Choice& c) { t += String(c.piece.c_str()), model += c.piece; },
+    [](String& t, std::string& model, const Choice& c) { t += c.letter, model += c.letter; },
+    [](String& t, std::string& model, const Choice& c) {
+        t.Insert(c.pos, c.piece.c_str()), model.insert(c.at, c.piece);
+    },
+    [](String& t, std::string& model, const Choice& c) {
+        if (model.size() < 500) t.Insert(c.pos, t), model.insert(c.at, std::string(model));
+    },
+    [](String& t, std::string& model, const Choice& c) { t.Remove(c.pos, c.n), model.erase(c.at, c.n); },
+    [](String& t, std::string& model, const Choice& c) { t.Truncate(c.pos), model.resize(c.at); },
+    [](String& t, std::string& model, const Choice& c) { t.Resize(c.n, true), model.resize(c.n); },
+    [](String& t, std::string& model, const Choice& c) {
+        t.detachAndExtend(c.pos), model.resize(std::max<std::size_t>(c.pos + 1, model.size()));
+    },
+    [](String& t, std::string&, const Choice& c) { t = t.Left(c.pos) + t.Mid(c.pos); },
+    [](String& t, std::string& model, const Choice& c) {
+        t = t.Mid(c.pos, c.n), model = model.substr(c.at, c.n);
+    },
+    [](String& t, std::string& model, const Choice& c) {
+        t = t.Right(c.pos), model.erase(0, model.size() - c.at);
+    },
+    [](String& t, std::string& model, const Choice&) {
+        t = t.Replace("ab", "c"); // one pass, so no new "ab" counts
+        for (std::size_t i = 0; (i = model.find("ab", i)) != model.npos; ++i) model.replace(i, 2, "c");
+    },
+    [](String& t, std::string& model, const Choice& c) {
+        t = t.ReplaceChar(c.letter, 'b'), std::replace(model.begin(), model.end(), c.letter, 'b');
+    },
+    [](String& t, std::string&, const Choice& c) {
+        std::vector<String> fields;
+        t.Split(c.letter, fields), t = String::Join(c.letter, fields);
+    },
+};
+
+} // namespace
+
 TEST(StringEdit, AgreesWithPlainByteStrings) {
     std::mt19937 random(20030);
-    const auto upTo = [&random](unsigned int n) { return static_cast<unsigned int>(random() % (n + 1)); };
+    const auto below = [&random](std::size_t n) { return static_cast<unsigned int>(random() % n); };
     for (int program = 0; program < 300; ++program) {
-        String s;
+        String text;
         std::string model;
-        for (int step = 0; step < 30; ++step) {
-            const String before = s;
-            const std::string modelBefore = model;
-            const auto pos = upTo(static_cast<unsigned int>(model.size()) + 2), n = upTo(4);
-            const std::string piece(n, static_cast<char>('a' + upTo(3)));
-            const std::size_t at = std::min<std::size_t>(pos, model.size());
-            switch (upTo(6)) {
-            case 0:
-                s += String(piece.c_str()), model += piece;
-                break;
-            case 1:
-                s.Insert(pos, piece.c_str()), model.insert(at, piece);
-                break;
-            case 2:
-                s.Remove(pos, n), model.erase(at, n);
-                break;
-            case 3:
-                s.Truncate(pos), model.resize(at);
-                break;
-            case 4:
-                s = s.Left(pos) + s.Mid(pos);
-                break;
-            case 5:
-                s = s.Mid(pos, n), model = model.substr(at, n);
-                break;
-            default:
-                s = s.Replace("ab", "c"); // one pass, so no new "ab" counts
-                for (std::size_t hit = 0; (hit = model.find("ab", hit)) != std::string::npos; ++hit) {
-                    model.replace(hit, 2, "c");
-                }
-            }
-            ASSERT_EQ(Bytes(s), model) << "program " << program << ", step " << step;
-            ASSERT_EQ(Bytes(before), modelBefore) << "a sharer changed";
+        for (int step = 0; step < 40; ++step) {
+            const bool shared = below(2); // a text that nobody shares is edited in place
+            const String sharer = shared ? text : String();
+            const std::string modelBefore = shared ? model : "";
+            const unsigned int pos = below(model.size() + 3), n = below(9), edit = below(std::size(edits));
+            const char letter = static_cast<char>('a' + below(3));
+            edits[edit](text, model,
+                        {pos, n, std::min<std::size_t>(pos, model.size()), letter, std::string(n, letter)});
+            ASSERT_EQ(Bytes(text), model) << "program " << program << ", step " << step << ", edit " << edit;
+            ASSERT_EQ(Bytes(sharer), modelBefore) << "a sharer changed by edit " << edit;
         }
     }
 }
