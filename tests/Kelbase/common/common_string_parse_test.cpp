@@ -1,0 +1,159 @@
+#include <Kelbase/common/common_string.h>
+
+#include "TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+TEST(StringParse, ReadsWholeTextOrNothing) {
+    struct Row {
+        const char* text;
+        unsigned int base;
+        bool ok;
+        int value;
+    };
+    const Row rows[] = {
+        {" 42 ", 10, true, 42},
+        {"4 2", 10, false, 0},
+        {"", 10, false, 0},
+        {"  ", 10, false, 0},
+        {"+7", 10, true, 7},
+        {"--7", 10, false, 0},
+        {"-", 10, false, 0},
+        {"ff", 16, true, 255},
+        {"FF", 16, true, 255},
+        {"0xff", 16, false, 0},
+        {"19", 8, false, 0},
+        {"zZ", 36, true, 1295},
+        {"2147483647", 10, true, INT_MAX},
+        {"2147483648", 10, false, 0},
+        {"-2147483648", 10, true, INT_MIN},
+        {"-2147483649", 10, false, 0},
+        {"4294967296", 10, false, 0},
+        {"1.0", 10, false, 0},
+        {"\xEF\xBC\x91\xEF\xBC\x92", 10, true, 12}, // full-width digits
+        {"\xE2\x88\x92"
+         "5",
+         10, true, -5}, // minus sign
+        {"5\xE9", 10, false, 0},
+        {"{", 36, false, 0},
+        {"0", 0, false, 0},
+        {"000", 1, true, 0}, // the one digit that base 1 has
+        {"1", 1, false, 0},
+        {"7", 37, false, 0},
+        {"7", UINT_MAX, false, 0},
+    };
+    for (const Row& row : rows) {
+        bool ok = !row.ok;
+        EXPECT_EQ(String(row.text).ToInt(&ok, row.base), row.value) << row.text;
+        EXPECT_EQ(ok, row.ok) << row.text << " in base " << row.base;
+    }
+}
+
+namespace {
+
+template <typename T>
+void ExpectParsed(T (String::*parse)(bool*, unsigned int) const, const char* text, bool good, T value) {
+    bool ok = !good;
+    EXPECT_EQ((String(text).*parse)(&ok, 10), value) << text;
+    EXPECT_EQ(ok, good) << text;
+}
+
+} // namespace
+
+TEST(StringParse, KeepsTheRangesOfEachWidth) {
+    ExpectParsed<short>(&String::ToShort, "32767", true, 32767);
+    ExpectParsed<short>(&String::ToShort, "32768", false, 0);
+    ExpectParsed<short>(&String::ToShort, "-32768", true, -32768);
+    ExpectParsed<short>(&String::ToShort, "-40000", true, 25536);
+    ExpectParsed<short>(&String::ToShort, "-65535", true, 1);
+    ExpectParsed<short>(&String::ToShort, "-65536", false, 0);
+    ExpectParsed<unsigned short>(&String::ToUShort, "65535", true, 65535);
+    ExpectParsed<unsigned short>(&String::ToUShort, "65536", false, 0);
+    ExpectParsed<unsigned int>(&String::ToUInt, "4294967295", true, UINT_MAX);
+    ExpectParsed<unsigned int>(&String::ToUInt, "4294967296", false, 0);
+    ExpectParsed<unsigned int>(&String::ToUInt, "-7", false, 0);
+    ExpectParsed<long long>(&String::ToInt64, "2147483648", true, INT_MIN);
+    ExpectParsed<long long>(&String::ToInt64, "3000000000", true, -1294967296);
+    ExpectParsed<long long>(&String::ToInt64, "4294967296", false, 0);
+    ExpectParsed<long long>(&String::ToInt64, "-0", true, 0);
+    ExpectParsed<long long>(&String::ToInt64, "-5", false, 0);
+    ExpectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551615", true, ULLONG_MAX);
+    ExpectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551616", false, 0);
+    EXPECT_EQ(String("7").ToInt(), 7) << "nobody need ask";
+}
+
+/// Numbers are read alike whether the locale's separator is "." or ",".
+class StringParseReal : public testing::TestWithParam<char> {
+protected:
+    void SetUp() override {
+        if (GetParam() == ',' && !EnterCommaLocale()) {
+            GTEST_SKIP() << "no locale with a decimal comma is installed, and localedef cannot make one";
+        }
+    }
+    void TearDown() override {
+        unsetenv("LOCPATH");
+        std::setlocale(LC_ALL, "C");
+    }
+
+private:
+    static bool EnterLocale(const char* name) {
+        return std::setlocale(LC_ALL, name) && std::string(std::localeconv()->decimal_point) == ",";
+    }
+    bool EnterCommaLocale() {
+        for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "es_ES.UTF-8", "ru_RU.UTF-8"}) {
+            if (EnterLocale(name)) return true;
+        }
+        const std::string make = "localedef -c -i de_DE -f UTF-8 " + (made / "de_DE.UTF-8").string();
+        if (std::system((make + " >/dev/null 2>&1").c_str()) == -1) return false;
+        setenv("LOCPATH", made.Path().c_str(), 1);
+        return EnterLocale("de_DE.UTF-8");
+    }
+
+    TemporaryFolder made;
+};
+
+TEST_P(StringParseReal, TakesPointAndComma) {
+    struct Row {
+        const char* text;
+        bool ok;
+        double value;
+    };
+    const Row rows[] = {
+        {"1,5", true, 1.5},
+        {"1.5", true, 1.5},
+        {" 2.5 ", true, 2.5},
+        {"1.000,5", false, 0},
+        {"1e3", true, 1000},
+        {"-0,25", true, -0.25},
+        {"", false, 0},
+        {"  ", false, 0},
+        {"1.5x", false, 0},
+        {"1.5 x", false, 0},
+        {"inf", true, INFINITY},
+        {"\xEF\xBC\x91\xE3\x80\x82\xEF\xBC\x92", true, 1.2}, // full-width digits, ideographic full stop
+        {"\xEF\xBC\x8D"
+         "1\xEF\xBC\x8E"
+         "5",
+         true, -1.5}, // full-width hyphen-minus and full stop
+        {"\xE9", false, 0},
+    };
+    for (const Row& row : rows) {
+        bool ok = !row.ok;
+        EXPECT_EQ(String(row.text).ToDouble(&ok), row.value) << row.text;
+        EXPECT_EQ(ok, row.ok) << row.text;
+    }
+    EXPECT_EQ(String("0,1").ToFloat(), 0.1f);
+    EXPECT_EQ(String("-1e300").ToFloat(), -INFINITY);
+    EXPECT_EQ(String("1,5").ToInt(), 0) << "no whole number";
+    EXPECT_EQ(String::Number(1.5, 1).Latin1()[1], GetParam()) << "written as printf does";
+}
+
+INSTANTIATE_TEST_SUITE_P(Separator, StringParseReal, testing::Values('.', ','), [](const auto& separator) {
+    return separator.param == ',' ? std::string("Comma") : std::string("Point");
+});
