@@ -1,0 +1,190 @@
+#include <Kelbase/Util/File.h>
+
+#include <Kelbase/Util/Exception/FailureSite.h>
+
+#include <cerrno>
+#include <limits>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Util {
+
+using Exception::FailureSite;
+using Exception::FileIO;
+using Exception::Throw;
+
+namespace {
+
+constexpr char sourceFile[] = "src/Kelbase/Util/File";
+
+constexpr FailureSite modeNotSet = {sourceFile, 128, FileIO::UnexpectedError,
+                                    "Error modifying file permissions"};
+constexpr FailureSite timeNotSet = {sourceFile, 148, FileIO::UnexpectedError, "Error setting file time"};
+constexpr FailureSite timeNotRead = {sourceFile, 179, FileIO::UnexpectedError, "Error getting file time"};
+constexpr FailureSite notOpened = {sourceFile, 288, FileIO::OpenError, "Error opening file"};
+constexpr FailureSite seekWhenClosed = {sourceFile, 329, FileIO::UnexpectedError,
+                                        "Attempt to seek to %1 when not open"};
+constexpr FailureSite seekFailed = {sourceFile, 345, FileIO::UnexpectedError, "Seek to %1 failed"};
+constexpr FailureSite closeFailed = {sourceFile, 397, FileIO::CloseError, "Close failed"};
+constexpr FailureSite removeFailed = {sourceFile, 422, FileIO::RemoveError, "Remove failed"};
+constexpr FailureSite readWhenClosed = {sourceFile, 577, FileIO::ReadError,
+                                        "Attempt to read %1 bytes when not open"};
+constexpr FailureSite shortTextRead = {sourceFile, 592, FileIO::ReadError,
+                                       "Attempt to read %1 bytes, only read %2 bytes"};
+constexpr FailureSite shortRead = {sourceFile, 608, FileIO::ReadError,
+                                   "Attempt to read %1 bytes, only read %2 bytes"};
+constexpr FailureSite writeWhenClosed = {sourceFile, 623, FileIO::WriteError,
+                                         "Attempt to write %1 bytes when not open"};
+constexpr FailureSite shortWrite = {sourceFile, 630, FileIO::WriteError,
+                                    "Attempt to write %1 bytes, only wrote %2 bytes"};
+
+const char* streamMode(unsigned int mode) {
+    const bool writable = mode & (File::Write | File::ReadWrite | File::Append);
+    const bool readable = mode & (File::Read | File::ReadWrite) || !writable;
+    const bool append = mode & File::Append;
+    const bool truncate = !(mode & File::Read) || mode & File::Truncate;
+    const bool text = mode & File::Text;
+    if (!writable) return text ? "rt" : "rb";
+    if (!readable) return append ? (text ? "at" : "ab") : (text ? "wt" : "wb");
+    if (truncate) return text ? "w+t" : "w+b";
+    if (append) return text ? "a+t" : "a+b";
+    return text ? "r+t" : "r+b";
+}
+
+} // namespace
+
+File::File(const FilePath& file) : path(file) {}
+
+File::~File() { Release(); }
+
+void File::Release() {
+    if (handle) static_cast<void>(std::fclose(handle));
+    handle = nullptr;
+    openMode = checked_value<unsigned int>();
+}
+
+void File::SetPath(const FilePath& file) {
+    Release();
+    path = file;
+}
+
+void File::Open(unsigned int mode) {
+    const String name = path.ToString();
+    std::FILE* stream = std::fopen(name.Latin1(), streamMode(mode));
+    if (!stream) Throw(notOpened, path, errno);
+    handle = stream;
+    openMode = mode;
+    last = Transfer::None;
+}
+
+void File::Close() {
+    if (!handle) return;
+    std::FILE* stream = handle;
+    handle = nullptr;
+    openMode = checked_value<unsigned int>();
+    if (std::fclose(stream) != 0) Throw(closeFailed, path, errno);
+}
+
+void File::Flush() {
+    if (!handle) return;
+    static_cast<void>(std::fflush(handle)); // `Close` tries again, and reports
+    if (last == Transfer::Write) last = Transfer::None;
+}
+
+checked_value<unsigned long long> File::At() const {
+    const off_t position = handle ? ftello(handle) : -1;
+    if (position == -1) return {};
+    return static_cast<unsigned long long>(position);
+}
+
+void File::At(unsigned long long position) {
+    if (!handle) Throw(seekWhenClosed, path, 0, position);
+    if (position > static_cast<unsigned long long>(std::numeric_limits<off_t>::max()))
+        Throw(seekFailed, path, EINVAL, position);
+    if (fseeko(handle, static_cast<off_t>(position), SEEK_SET) != 0) Throw(seekFailed, path, errno, position);
+    last = Transfer::None;
+}
+
+bool File::AtEnd() const { return handle && std::feof(handle); }
+
+checked_value<unsigned long long> File::Size() const {
+    if (IsNull()) return {};
+    struct stat status;
+    const int result = handle ? fstat(fileno(handle), &status) : stat(path.ToString().Latin1(), &status);
+    if (result != 0) return {};
+    return static_cast<unsigned long long>(status.st_size);
+}
+
+checked_value<unsigned long long> File::Remaining() const {
+    if (!handle) return {};
+    const checked_value<unsigned long long> size = Size();
+    const checked_value<unsigned long long> position = At();
+    if (!size.IsGiven() || !position.IsGiven()) return {};
+    return size > position ? size - position : 0ULL;
+}
+
+/// Makes a change between reading and writing legal, for which ISO C demands a flush or a positioning between
+/// the two, except for writing where a read met the end. What such a call reports, the transfer itself will
+/// meet.
+void File::Turn(Transfer next) {
+    if (last == Transfer::Write && next == Transfer::Read) static_cast<void>(std::fflush(handle));
+    if (last == Transfer::Read && next == Transfer::Write && !std::feof(handle)) fseeko(handle, 0, SEEK_CUR);
+    last = next;
+}
+
+void File::ReadBlock(char* buffer, unsigned int count) {
+    if (count == 0 || !buffer) return;
+    if (!handle) Throw(readWhenClosed, path, 0, count);
+    Turn(Transfer::Read);
+
+    const bool text = openMode & Text;
+    unsigned long long start = 0;
+    if (text) start = At();
+    errno = 0; // the end of the file sets none
+    const std::size_t delivered = std::fread(buffer, 1, count, handle);
+    const int errorNumber = errno;
+    if (text) {
+        const unsigned long long passed = At() - start;
+        if (passed != count) Throw(shortTextRead, path, errorNumber, count, passed);
+    } else if (delivered < count) {
+        Throw(shortRead, path, errorNumber, count, static_cast<unsigned int>(delivered));
+    }
+}
+
+void File::WriteBlock(const char* buffer, unsigned int count) {
+    if (count == 0 || !buffer) return;
+    if (!handle) Throw(writeWhenClosed, path, 0, count);
+    Turn(Transfer::Write);
+
+    const std::size_t written = std::fwrite(buffer, 1, count, handle);
+    if (written < count) Throw(shortWrite, path, errno, count, static_cast<unsigned int>(written));
+}
+
+bool File::Exists() const { return access(path.ToString().Latin1(), F_OK) == 0; }
+
+bool File::IsReadable() const { return access(path.ToString().Latin1(), R_OK) == 0; }
+
+bool File::IsWritable() const { return access(path.ToString().Latin1(), W_OK) == 0; }
+
+void File::SetMode(unsigned short permissions) {
+    if (chmod(path.ToString().Latin1(), static_cast<mode_t>(permissions)) == -1) Throw(modeNotSet, path, 0);
+}
+
+void File::SetTime(const FileTime& time) {
+    if (!WriteFileTime(path.ToString(), time)) Throw(timeNotSet, path, 0);
+}
+
+void File::GetTime(FileTime* time) {
+    FileTime read;
+    if (!ReadFileTime(path.ToString(), read)) Throw(timeNotRead, path, 0);
+    if (time) *time = read;
+}
+
+void File::Remove(bool throwOnFailure) {
+    Close();
+    const String name = path.ToString();
+    if (std::remove(name.Latin1()) != 0 && throwOnFailure) Throw(removeFailed, path, errno);
+}
+
+} // namespace Util
