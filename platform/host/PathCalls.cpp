@@ -1,0 +1,288 @@
+// Only path calls of the C library below. Each is found before the library's own, by programs that are linked
+// with the platform and by the bundles that they load; a path that falls on the startup volume is translated,
+// any other goes on as it is.
+//
+// Not covered: raw system calls, exec and dlopen, the tree walks that the library makes of itself (nftw,
+// glob), and getcwd, which answers the path on this machine.
+//
+// The functions have names of their own and take the library's by assembler labels: so they need not repeat
+// its exact declarations, and the forms for 32-bit and 64-bit file offsets stay apart whatever this file is
+// compiled with.
+
+#include "PathCall.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdint>
+#include <fcntl.h>
+
+using namespace macplatform;
+
+namespace {
+
+constexpr LastLink follow = LastLink::Follow, keep = LastLink::Keep;
+
+LastLink LinkOf(int flags) { return flags & AT_SYMLINK_NOFOLLOW ? keep : follow; }
+LastLink OpenLink(int flags) {
+    return (flags & O_NOFOLLOW) || ((flags & O_CREAT) && (flags & O_EXCL)) ? keep : follow;
+}
+
+} // namespace
+
+#pragma GCC visibility push(default)
+
+/// A call whose first argument is the path: result, what it answers on failure, library name, name in the
+/// journal, whether a link in last place is followed, further parameters, the same as arguments.
+#define PATH_CALL(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                      \
+    extern "C" RESULT Caught_##SYMBOL(const char* path PARAMETERS) __asm__(#SYMBOL);                         \
+    RESULT Caught_##SYMBOL(const char* path PARAMETERS) {                                                    \
+        static const auto next = NextDefinition<RESULT(const char* PARAMETERS)>(#SYMBOL);                    \
+        if (!FallsOnVolume(path)) return next(path __VA_ARGS__);                                             \
+        const auto make = [&](const char* hostPath) { return next(hostPath __VA_ARGS__); };                  \
+        return CallOnVolume<RESULT>(NAME, FAILURE, LINK, path, make, path __VA_ARGS__);                      \
+    }
+
+/// The same for calls that take the path behind an open folder, which an absolute path does not heed.
+#define PATH_CALL_AT(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                   \
+    extern "C" RESULT Caught_##SYMBOL(int folder, const char* path PARAMETERS) __asm__(#SYMBOL);             \
+    RESULT Caught_##SYMBOL(int folder, const char* path PARAMETERS) {                                        \
+        static const auto next = NextDefinition<RESULT(int, const char* PARAMETERS)>(#SYMBOL);               \
+        if (!FallsOnVolume(path)) return next(folder, path __VA_ARGS__);                                     \
+        const auto make = [&](const char* hostPath) { return next(folder, hostPath __VA_ARGS__); };          \
+        return CallOnVolume<RESULT>(NAME, FAILURE, LINK, path, make, path __VA_ARGS__);                      \
+    }
+
+#define COMMA ,
+
+// Opening. The mode of open counts only where a file may be made; reading it in any case is harmless on x86,
+// where arguments that were not given are whatever lies there, but not asked of the language: hence va_arg by
+// the flags.
+#define OPEN_CALL(SYMBOL)                                                                                    \
+    extern "C" int Caught_##SYMBOL(const char* path, int flags, ...) __asm__(#SYMBOL);                       \
+    int Caught_##SYMBOL(const char* path, int flags, ...) {                                                  \
+        static const auto next = NextDefinition<int(const char*, int, ...)>(#SYMBOL);                        \
+        unsigned mode = 0;                                                                                   \
+        if (flags & (O_CREAT | __O_TMPFILE)) {                                                               \
+            va_list rest;                                                                                    \
+            va_start(rest, flags);                                                                           \
+            mode = va_arg(rest, unsigned);                                                                   \
+            va_end(rest);                                                                                    \
+        }                                                                                                    \
+        if (!FallsOnVolume(path)) return next(path, flags, mode);                                            \
+        const auto make = [&](const char* hostPath) { return next(hostPath, flags, mode); };                 \
+        return CallOnVolume<int>("open", -1, OpenLink(flags), path, make, path, flags);                      \
+    }
+#define OPENAT_CALL(SYMBOL)                                                                                  \
+    extern "C" int Caught_##SYMBOL(int folder, const char* path, int flags, ...) __asm__(#SYMBOL);           \
+    int Caught_##SYMBOL(int folder, const char* path, int flags, ...) {                                      \
+        static const auto next = NextDefinition<int(int, const char*, int, ...)>(#SYMBOL);                   \
+        unsigned mode = 0;                                                                                   \
+        if (flags & (O_CREAT | __O_TMPFILE)) {                                                               \
+            va_list rest;                                                                                    \
+            va_start(rest, flags);                                                                           \
+            mode = va_arg(rest, unsigned);                                                                   \
+            va_end(rest);                                                                                    \
+        }                                                                                                    \
+        if (!FallsOnVolume(path)) return next(folder, path, flags, mode);                                    \
+        const auto make = [&](const char* hostPath) { return next(folder, hostPath, flags, mode); };         \
+        return CallOnVolume<int>("openat", -1, OpenLink(flags), path, make, path, flags);                    \
+    }
+OPEN_CALL(open)
+OPEN_CALL(open64)
+OPENAT_CALL(openat)
+OPENAT_CALL(openat64)
+PATH_CALL(int, -1, creat, "creat", follow, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, creat64, "creat", follow, COMMA unsigned mode, COMMA mode)
+PATH_CALL(void*, nullptr, fopen, "fopen", follow, COMMA const char* mode, COMMA mode)
+PATH_CALL(void*, nullptr, fopen64, "fopen", follow, COMMA const char* mode, COMMA mode)
+PATH_CALL(void*, nullptr, freopen, "freopen", follow, COMMA const char* mode COMMA void* file,
+          COMMA mode COMMA file)
+PATH_CALL(void*, nullptr, freopen64, "freopen", follow, COMMA const char* mode COMMA void* file,
+          COMMA mode COMMA file)
+PATH_CALL(void*, nullptr, opendir, "opendir", follow, , )
+
+// Asking.
+PATH_CALL(int, -1, stat, "stat", follow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, stat64, "stat", follow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, lstat, "lstat", keep, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, lstat64, "lstat", keep, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, fstatat, "fstatat", LinkOf(flags), COMMA void* status COMMA int flags,
+             COMMA status COMMA flags)
+PATH_CALL_AT(int, -1, fstatat64, "fstatat", LinkOf(flags), COMMA void* status COMMA int flags,
+             COMMA status COMMA flags)
+PATH_CALL_AT(int, -1, statx, "statx", LinkOf(flags), COMMA int flags COMMA unsigned mask COMMA void* status,
+             COMMA flags COMMA mask COMMA status)
+PATH_CALL(int, -1, statfs, "statfs", follow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, statfs64, "statfs", follow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, statvfs, "statvfs", follow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, statvfs64, "statvfs", follow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, access, "access", follow, COMMA int mode, COMMA mode)
+PATH_CALL(int, -1, euidaccess, "euidaccess", follow, COMMA int mode, COMMA mode)
+PATH_CALL(int, -1, eaccess, "eaccess", follow, COMMA int mode, COMMA mode)
+PATH_CALL_AT(int, -1, faccessat, "faccessat", LinkOf(flags), COMMA int mode COMMA int flags,
+             COMMA mode COMMA flags)
+PATH_CALL(ssize_t, -1, readlink, "readlink", keep, COMMA void* buffer COMMA std::size_t size,
+          COMMA buffer COMMA size)
+PATH_CALL_AT(ssize_t, -1, readlinkat, "readlinkat", keep, COMMA void* buffer COMMA std::size_t size,
+             COMMA buffer COMMA size)
+
+// Changing the tree.
+PATH_CALL(int, -1, mkdir, "mkdir", keep, COMMA unsigned mode, COMMA mode)
+PATH_CALL_AT(int, -1, mkdirat, "mkdirat", keep, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, mkfifo, "mkfifo", keep, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, mknod, "mknod", keep, COMMA unsigned mode COMMA dev_t device, COMMA mode COMMA device)
+PATH_CALL(int, -1, rmdir, "rmdir", keep, , )
+PATH_CALL(int, -1, unlink, "unlink", keep, , )
+PATH_CALL_AT(int, -1, unlinkat, "unlinkat", keep, COMMA int flags, COMMA flags)
+PATH_CALL(int, -1, remove, "remove", keep, , )
+PATH_CALL(int, -1, chdir, "chdir", follow, , )
+
+// Changing an item.
+PATH_CALL(int, -1, chmod, "chmod", follow, COMMA unsigned mode, COMMA mode)
+PATH_CALL_AT(int, -1, fchmodat, "fchmodat", LinkOf(flags), COMMA unsigned mode COMMA int flags,
+             COMMA mode COMMA flags)
+PATH_CALL(int, -1, chown, "chown", follow, COMMA unsigned user COMMA unsigned group, COMMA user COMMA group)
+PATH_CALL(int, -1, lchown, "lchown", keep, COMMA unsigned user COMMA unsigned group, COMMA user COMMA group)
+PATH_CALL_AT(int, -1, fchownat, "fchownat", LinkOf(flags),
+             COMMA unsigned user COMMA unsigned group COMMA int flags, COMMA user COMMA group COMMA flags)
+PATH_CALL(int, -1, utime, "utime", follow, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, utimes, "utimes", follow, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, lutimes, "lutimes", keep, COMMA const void* times, COMMA times)
+PATH_CALL_AT(int, -1, utimensat, "utimensat", LinkOf(flags), COMMA const void* times COMMA int flags,
+             COMMA times COMMA flags)
+PATH_CALL(int, -1, truncate, "truncate", follow, COMMA long length, COMMA length)
+PATH_CALL(int, -1, truncate64, "truncate", follow, COMMA std::int64_t length, COMMA length)
+PATH_CALL(ssize_t, -1, getxattr, "getxattr", follow,
+          COMMA const char* name COMMA void* value COMMA std::size_t size, COMMA name COMMA value COMMA size)
+PATH_CALL(ssize_t, -1, lgetxattr, "lgetxattr", keep,
+          COMMA const char* name COMMA void* value COMMA std::size_t size, COMMA name COMMA value COMMA size)
+PATH_CALL(int, -1, setxattr, "setxattr", follow,
+          COMMA const char* name COMMA const void* value COMMA std::size_t size COMMA int flags,
+          COMMA name COMMA value COMMA size COMMA flags)
+PATH_CALL(int, -1, lsetxattr, "lsetxattr", keep,
+          COMMA const char* name COMMA const void* value COMMA std::size_t size COMMA int flags,
+          COMMA name COMMA value COMMA size COMMA flags)
+PATH_CALL(ssize_t, -1, listxattr, "listxattr", follow, COMMA void* names COMMA std::size_t size,
+          COMMA names COMMA size)
+PATH_CALL(ssize_t, -1, llistxattr, "llistxattr", keep, COMMA void* names COMMA std::size_t size,
+          COMMA names COMMA size)
+PATH_CALL(int, -1, removexattr, "removexattr", follow, COMMA const char* name, COMMA name)
+PATH_CALL(int, -1, lremovexattr, "lremovexattr", keep, COMMA const char* name, COMMA name)
+
+// Calls of two paths, told with both. Either may fall on the volume.
+
+namespace {
+
+template <typename Make>
+int CallOfTwo(const char* name, const char* from, const char* to, Make make) {
+    const std::string hostFrom = HostPathOf(from, keep);
+    const int unresolved = errno;
+    const auto makeBoth = [&](const char* hostTo) {
+        if (!hostFrom.empty()) return make(hostFrom.c_str(), hostTo);
+        errno = unresolved;
+        return -1;
+    };
+    return CallOnVolume<int>(name, -1, keep, to, makeBoth, from, to);
+}
+
+bool EitherFalls(const char* from, const char* to) {
+    return from && to && (FallsOnVolume(from) || FallsOnVolume(to));
+}
+
+} // namespace
+
+extern "C" {
+int Caught_rename(const char* from, const char* to) __asm__("rename");
+int Caught_renameat(int fromFolder, const char* from, int toFolder, const char* to) __asm__("renameat");
+int Caught_renameat2(int fromFolder, const char* from, int toFolder, const char* to,
+                     unsigned flags) __asm__("renameat2");
+int Caught_link(const char* from, const char* to) __asm__("link");
+int Caught_symlink(const char* target, const char* path) __asm__("symlink");
+char* Caught_realpath(const char* path, char* resolved) __asm__("realpath");
+int Caught_mkstemp(char* path) __asm__("mkstemp");
+int Caught_mkstemp64(char* path) __asm__("mkstemp64");
+char* Caught_mkdtemp(char* path) __asm__("mkdtemp");
+}
+
+int Caught_rename(const char* from, const char* to) {
+    static const auto next = NextDefinition<int(const char*, const char*)>("rename");
+    return EitherFalls(from, to) ? CallOfTwo("rename", from, to, next) : next(from, to);
+}
+
+int Caught_renameat(int fromFolder, const char* from, int toFolder, const char* to) {
+    static const auto next = NextDefinition<int(int, const char*, int, const char*)>("renameat");
+    const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t); };
+    return EitherFalls(from, to) ? CallOfTwo("renameat", from, to, make) : make(from, to);
+}
+
+int Caught_renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) {
+    static const auto next = NextDefinition<int(int, const char*, int, const char*, unsigned)>("renameat2");
+    const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t, flags); };
+    return EitherFalls(from, to) ? CallOfTwo("renameat2", from, to, make) : make(from, to);
+}
+
+int Caught_link(const char* from, const char* to) {
+    static const auto next = NextDefinition<int(const char*, const char*)>("link");
+    return EitherFalls(from, to) ? CallOfTwo("link", from, to, next) : next(from, to);
+}
+
+/// A link's text stays as it is given: it is read again, on the volume, when the link is followed.
+int Caught_symlink(const char* target, const char* path) {
+    static const auto next = NextDefinition<int(const char*, const char*)>("symlink");
+    if (!FallsOnVolume(path)) return next(target, path);
+    const auto make = [&](const char* hostPath) { return next(target, hostPath); };
+    return CallOnVolume<int>("symlink", -1, keep, path, make, target, path);
+}
+
+/// Answers a path of the Mac again, so that what a bundle resolves stays on the volume.
+char* Caught_realpath(const char* path, char* resolved) {
+    static const auto next = NextDefinition<char*(const char*, char*)>("realpath");
+    if (!FallsOnVolume(path)) return next(path, resolved);
+    const auto make = [&](const char* hostPath) -> char* {
+        char* const answer = next(hostPath, resolved);
+        if (!answer || !LiesInStartupVolume(answer)) return answer;
+        const std::string onMac = std::string(answer).substr(StartupVolume().size());
+        std::strcpy(answer, onMac.empty() ? "/" : onMac.c_str()); // shorter than what stands there
+        return answer;
+    };
+    return CallOnVolume<char*>("realpath", nullptr, follow, path, make, path);
+}
+
+namespace {
+
+/// The name that is made up stands at the end of both paths.
+template <typename Result, typename Make>
+Result CallWithTemplate(const char* name, Result failure, char* path, Make make) {
+    return CallOnVolume<Result>(
+        name, failure, keep, path,
+        [&](const char* hostPath) {
+            std::string filled = hostPath;
+            const Result result = make(filled.data());
+            const std::size_t length = std::strlen(path), made = std::min(length, std::size_t{6});
+            if (result != failure)
+                std::memcpy(path + length - made, filled.data() + filled.size() - made, made);
+            return result;
+        },
+        path);
+}
+
+} // namespace
+
+int Caught_mkstemp(char* path) {
+    static const auto next = NextDefinition<int(char*)>("mkstemp");
+    return FallsOnVolume(path) ? CallWithTemplate("mkstemp", -1, path, next) : next(path);
+}
+
+int Caught_mkstemp64(char* path) {
+    static const auto next = NextDefinition<int(char*)>("mkstemp64");
+    return FallsOnVolume(path) ? CallWithTemplate("mkstemp", -1, path, next) : next(path);
+}
+
+char* Caught_mkdtemp(char* path) {
+    static const auto next = NextDefinition<char*(char*)>("mkdtemp");
+    if (!FallsOnVolume(path)) return next(path);
+    return CallWithTemplate<char*>("mkdtemp", nullptr, path,
+                                   [&](char* filled) { return next(filled) ? path : nullptr; });
+}
+
+#pragma GCC visibility pop

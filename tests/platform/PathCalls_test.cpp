@@ -1,0 +1,108 @@
+#include <macplatform/Journal.h>
+#include <macplatform/StartupVolume.h>
+
+#include "TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace {
+
+class PathCalls : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(macplatform::SetStartupVolume(volume.Path().string())); }
+    void TearDown() override { macplatform::SetStartupVolume(""); }
+    TemporaryFolder volume;
+};
+
+bool Exists(const char* path) { return access(path, F_OK) == 0; }
+
+} // namespace
+
+TEST_F(PathCalls, SeeTheVolume) {
+    volume.Write("Library/a.txt", "inside");
+    char text[8] = "";
+    std::FILE* const file = std::fopen("/Library/a.txt", "rb");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(std::fread(text, 1, 6, file), 6u);
+    std::fclose(file);
+    EXPECT_STREQ(text, "inside");
+    EXPECT_TRUE(std::filesystem::exists("/Library/a.txt")) << "the C++ library's calls too";
+    EXPECT_TRUE(Exists((volume / "Library/a.txt").c_str())) << "its path on this machine goes on working";
+    struct stat status {};
+    EXPECT_EQ(stat("/Library/a.txt", &status), 0);
+    EXPECT_EQ(status.st_size, 6);
+    EXPECT_FALSE(Exists("/Library/b.txt"));
+    EXPECT_TRUE(Exists("/usr/bin/env")) << "other paths are this machine's";
+}
+
+TEST_F(PathCalls, ChangeTheVolumeAlone) {
+    ASSERT_EQ(mkdir("/Applications", 0755), 0);
+    ASSERT_EQ(mkdir("/Library", 0755), 0);
+    const int file = open("/Applications/new", O_WRONLY | O_CREAT | O_EXCL, 0640);
+    ASSERT_GE(file, 0);
+    close(file);
+    struct stat status {};
+    ASSERT_EQ(stat((volume / "Applications/new").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_EQ(chmod("/Applications/new", 0600), 0);
+    EXPECT_EQ(rename("/Applications/new", "/Library/moved"), 0);
+    EXPECT_EQ(symlink("/Library/moved", "/Applications/link"), 0);
+    EXPECT_TRUE(Exists("/Applications/link")) << "an absolute link starts at the volume";
+    EXPECT_EQ(rename("/Library/moved", (volume / "out").c_str()), 0);
+    EXPECT_TRUE(std::filesystem::exists(volume / "out"));
+    EXPECT_EQ(unlink("/Applications/link"), 0);
+    char name[] = "/Library/tmpXXXXXX";
+    const int made = mkstemp(name);
+    ASSERT_GE(made, 0);
+    close(made);
+    EXPECT_TRUE(std::filesystem::exists(volume.Path().string() + name)) << name;
+    EXPECT_EQ(remove(name), 0);
+    EXPECT_EQ(setxattr("/Library", "user.test", "v", 1, 0), 0);
+    EXPECT_EQ(getxattr((volume / "Library").c_str(), "user.test", nullptr, 0), 1);
+}
+
+TEST_F(PathCalls, ListAndResolveOnTheVolume) {
+    volume.Write("Users/a/b.txt");
+    DIR* const folder = opendir("/Users/a");
+    ASSERT_TRUE(folder);
+    std::string names;
+    while (const dirent* const entry = readdir(folder)) {
+        if (entry->d_name[0] != '.') names += entry->d_name;
+    }
+    closedir(folder);
+    EXPECT_EQ(names, "b.txt");
+    char* const resolved = realpath("/Users/a/../a/b.txt", nullptr);
+    EXPECT_STREQ(resolved, "/Users/a/b.txt");
+    std::free(resolved);
+    std::filesystem::create_symlink("/etc/passwd", volume / "Users/out");
+    EXPECT_FALSE(Exists("/Users/out")) << "no link leads out";
+    EXPECT_FALSE(Exists("/Users/../../../../etc/passwd"));
+}
+
+TEST_F(PathCalls, AreToldAndFailAsOrdered) {
+    volume.Write("Library/a.txt");
+    std::vector<std::string> told;
+    macplatform::SetJournalObserver([&told](const macplatform::JournalEntry& entry) {
+        std::string line = entry.call + '(';
+        for (const auto& argument : entry.arguments) line += argument + ' ';
+        told.push_back(line + ") " + entry.result);
+        errno = 0; // what an observer does must not show
+    });
+    EXPECT_FALSE(Exists("/Library/none"));
+    EXPECT_EQ(errno, ENOENT);
+    macplatform::OrderFault({"fopen", EACCES, 0});
+    EXPECT_EQ(std::fopen("/Library/a.txt", "rb"), nullptr);
+    EXPECT_EQ(errno, EACCES);
+    EXPECT_TRUE(Exists("/etc/passwd"));
+    macplatform::SetJournalObserver({});
+    EXPECT_EQ(told, (std::vector<std::string>{"access(\"/Library/none\" 0 ) -1: No such file or directory",
+                                              "fopen(\"/Library/a.txt\" \"rb\" ) NULL: Permission denied"}));
+}
