@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstring>
 #include <optional>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace macplatform {
@@ -14,33 +16,37 @@ constexpr std::uint64_t maxValues = 8 * 1024 * 1024;
 const char tooDeep[] = "it is nested too deeply";
 const char damaged[] = "its binary form is damaged";
 
-/// Past the end of a comment, section or instruction that begins at `at`; `at` itself when none does.
-std::size_t SkipMarkup(const std::string& xml, std::size_t at) {
-    static const struct {
-        const char *open, *close;
-    } kinds[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!DOCTYPE", ">"}};
-    for (const auto& kind : kinds) {
-        if (xml.compare(at, std::strlen(kind.open), kind.open) != 0) continue;
-        const std::size_t end = xml.find(kind.close, at + std::strlen(kind.open));
-        return end == std::string::npos ? xml.size() : end + std::strlen(kind.close);
+bool Begins(const std::string& xml, std::size_t at, const char* mark) {
+    return xml.compare(at, std::strlen(mark), mark) == 0;
+}
+
+/// The last byte of the markup that begins at `at`; npos when it has none, or one that the parser, which
+/// looks for quotation marks and for document types with declarations, may see elsewhere.
+std::size_t MarkupEnd(const std::string& xml, std::size_t at) {
+    for (const auto& [open, close] : {std::pair("<!--", "-->"), std::pair("<![CDATA[", "]]>")}) {
+        if (!Begins(xml, at, open)) continue;
+        const std::size_t end = xml.find(close, at + std::strlen(open));
+        return end == std::string::npos ? end : end + 2;
     }
-    return at;
+    const std::size_t end = xml.find('>', at);
+    if (end == std::string::npos) return end;
+    const std::string_view text = std::string_view(xml).substr(at + 1, end - at - 1);
+    const bool isInstruction = !text.empty() && text.front() == '?';
+    const bool isClear = text.find_first_of("<[") == std::string_view::npos &&
+                         std::count(text.begin(), text.end(), '"') % 2 == 0 &&
+                         (!isInstruction || (text.size() > 1 && text.back() == '?'));
+    return isClear ? end : std::string::npos;
 }
 
 /// Elements that are open at once, whatever their names.
 std::string XmlDanger(const std::string& xml) {
     unsigned depth = 0;
     for (std::size_t at = xml.find('<'); at != std::string::npos; at = xml.find('<', at)) {
-        const std::size_t next = SkipMarkup(xml, at);
-        if (next != at) {
-            at = next;
-            continue;
-        }
-        const std::size_t end = xml.find('>', at);
-        if (end == std::string::npos) return {}; // the parser refuses it
-        if (xml[at + 1] == '/') {
+        const std::size_t end = MarkupEnd(xml, at);
+        if (end == std::string::npos) return "it is not a property list";
+        if (Begins(xml, at, "</")) {
             depth -= depth > 0 ? 1 : 0;
-        } else if (xml[end - 1] != '/' &&
+        } else if (!Begins(xml, at, "<!") && !Begins(xml, at, "<?") && xml[end - 1] != '/' &&
                    ++depth > maxPropertyListDepth + 2) { // <plist> and the value itself
             return tooDeep;
         }
