@@ -12,7 +12,7 @@ namespace macplatform {
 
 namespace {
 
-constexpr std::uint64_t maxValues = 8 * 1024 * 1024;
+constexpr std::size_t maxValues = 8 * 1024 * 1024;
 const char tooDeep[] = "it is nested too deeply";
 const char damaged[] = "its binary form is damaged";
 
@@ -71,15 +71,17 @@ public:
 private:
     enum State : unsigned char { Unseen, Open, Done };
     struct Container {
-        std::uint64_t object;
-        std::vector<std::uint64_t> children;
+        std::size_t object;
+        std::vector<std::size_t> children;
         std::size_t next = 0;
     };
 
-    std::uint64_t Number(std::size_t at, unsigned width) const {
+    /// A big-endian number; one that no offset or count in these bytes can be comes out as the largest.
+    std::size_t Number(std::size_t at, std::size_t width) const {
         std::uint64_t value = 0;
-        for (unsigned i = 0; i < width; ++i) value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
-        return value;
+        for (std::size_t i = 0; i < width; ++i)
+            value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
+        return value <= maxPropertyListBytes ? static_cast<std::size_t>(value) : maxPropertyListBytes + 1;
     }
 
     bool ReadTrailer() {
@@ -96,22 +98,22 @@ private:
     }
 
     /// The references of an array, set or dictionary; none for a scalar; nothing when they lie outside.
-    std::optional<std::vector<std::uint64_t>> Children(std::uint64_t object) const {
-        const std::uint64_t at = Number(table + object * offsetWidth, offsetWidth);
+    std::optional<std::vector<std::size_t>> Children(std::size_t object) const {
+        const std::size_t at = Number(table + object * offsetWidth, offsetWidth);
         if (at < 8 || at >= table) return std::nullopt;
         const unsigned kind = static_cast<unsigned char>(bytes[at]) >> 4;
-        if (kind != 0xA && kind != 0xC && kind != 0xD) return std::vector<std::uint64_t>();
-        std::uint64_t first = at + 1, count = static_cast<unsigned char>(bytes[at]) & 0x0F;
+        if (kind != 0xA && kind != 0xC && kind != 0xD) return std::vector<std::size_t>();
+        std::size_t first = at + 1, count = static_cast<unsigned char>(bytes[at]) & 0x0F;
         if (count == 0x0F) {
             if (first >= table || (static_cast<unsigned char>(bytes[first]) & 0xF0) != 0x10)
                 return std::nullopt;
-            const unsigned shift = static_cast<unsigned char>(bytes[first]) & 0x0F;
-            if (shift > 3 || first + 1 + (1u << shift) > table) return std::nullopt;
-            count = Number(first + 1, 1u << shift);
-            first += 1 + (1u << shift);
+            const std::size_t width = std::size_t{1} << (static_cast<unsigned char>(bytes[first]) & 0x0F);
+            if (width > 8 || first + 1 + width > table) return std::nullopt;
+            count = Number(first + 1, width);
+            first += 1 + width;
         }
         if (count > (table - first) / referenceWidth / (kind == 0xD ? 2 : 1)) return std::nullopt;
-        std::vector<std::uint64_t> children(kind == 0xD ? count * 2 : count);
+        std::vector<std::size_t> children(kind == 0xD ? count * 2 : count);
         for (std::size_t i = 0; i < children.size(); ++i) {
             children[i] = Number(first + i * referenceWidth, referenceWidth);
             if (children[i] >= objectCount) return std::nullopt;
@@ -120,7 +122,7 @@ private:
     }
 
     /// Enters an object: a container goes onto the stack, a scalar is done at once. False when it is damaged.
-    bool Enter(std::uint64_t object) {
+    bool Enter(std::size_t object) {
         auto children = Children(object);
         if (!children) return false;
         state[object] = Open;
@@ -139,7 +141,7 @@ private:
                     return tooDeep;
                 continue;
             }
-            const std::uint64_t child = top.children[top.next];
+            const std::size_t child = top.children[top.next];
             if (state[child] == Open) return "an object in it holds itself";
             if (state[child] == Unseen) {
                 if (stack.size() > maxPropertyListDepth) return tooDeep;
@@ -162,9 +164,9 @@ private:
     }
 
     const std::string& bytes;
-    unsigned offsetWidth = 0, referenceWidth = 0;
-    std::uint64_t objectCount = 0, root = 0, table = 0;
-    std::vector<std::uint64_t> values; ///< That come out of each object, itself included.
+    std::size_t offsetWidth = 0, referenceWidth = 0;
+    std::size_t objectCount = 0, root = 0, table = 0;
+    std::vector<std::size_t> values; ///< That come out of each object, itself included.
     std::vector<unsigned> depths;
     std::vector<State> state;
     std::vector<Container> stack;
