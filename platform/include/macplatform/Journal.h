@@ -14,10 +14,12 @@
 namespace macplatform {
 
 struct JournalEntry {
-    std::string call;                   ///< The function's name; for objc_msgSend the whole message.
-    std::vector<std::string> arguments; ///< As a person would write them: texts in quotation marks.
-    std::string result;                 ///< Empty for a call without result.
-    std::string note;                   ///< Why it failed or had no effect, where the result does not tell.
+    std::string call; ///< The function's name.
+    /// As a person would write them: texts in quotation marks; of objc_msgSend receiver, selector and
+    /// argument.
+    std::vector<std::string> arguments;
+    std::string result; ///< Empty for a call without result.
+    std::string note;   ///< Why it failed or had no effect, where the result does not tell.
 };
 
 using JournalObserver = std::function<void(const JournalEntry&)>;

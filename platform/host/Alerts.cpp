@@ -1,0 +1,48 @@
+#include <macplatform/Alerts.h>
+
+#include <Carbon/Dialogs.h>
+
+#include "AlertPresenter.h"
+#include "PlatformCall.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace macplatform {
+
+namespace {
+
+AlertPresenter& Presenter() {
+    static AlertPresenter presenter;
+    return presenter;
+}
+
+} // namespace
+
+void SetAlertPresenter(AlertPresenter presenter) { Presenter() = std::move(presenter); }
+
+int Present(Alert alert) {
+    if (alert.kind == Alert::Kind::Message && alert.buttons.empty()) alert.buttons = {"OK"};
+    if (!Presenter()) return alert.kind == Alert::Kind::Message ? 0 : -1;
+    const auto buttons = static_cast<int>(std::max<std::size_t>(alert.buttons.size(), 1));
+    const int answer = Presenter()(alert);
+    return answer >= 0 && answer < buttons ? answer : -1;
+}
+
+} // namespace macplatform
+
+DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) {
+    using namespace macplatform;
+    PlatformCall call("StopAlert");
+    if (call.IsTold()) call.SetArguments({std::to_string(alertID)});
+    constexpr DialogItemIndex notShown = -1;
+    if (call.TakeFault()) return call.Result(notShown);
+    Alert alert;
+    alert.kind = Alert::Kind::Stop;
+    alert.resource = alertID;
+    const int answer = Present(std::move(alert));
+    if (answer < 0) call.SetNote("not shown: no open resource file has this alert");
+    return call.Result(
+        static_cast<DialogItemIndex>(answer < 0 ? notShown : answer + 1)); // items count from 1
+}

@@ -1,0 +1,141 @@
+// Messages to NSAlert, the one class that this layer has. objc/message.h is not included: it declares
+// objc_msgSend without parameters, for callers to cast, and here it is defined with those that it takes.
+
+#include <objc/runtime.h>
+
+#include <CoreFoundation/CFString.h>
+
+#include "AlertPresenter.h"
+#include "CFStringObject.h"
+#include "LiveRegistry.h"
+#include "PlatformCall.h"
+#include "TextEncoding.h"
+
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <set>
+#include <string>
+
+using namespace macplatform;
+
+struct objc_object : LiveThing {
+    static constexpr std::uint32_t liveMagic = 0x0B7EC7C1;
+    std::uint32_t magic = liveMagic;
+    int references = 1;
+    bool isClass = false;
+    Alert alert;
+};
+
+namespace {
+
+constexpr std::intptr_t firstButton = 1000;
+constexpr std::intptr_t aborted = -1001; ///< NSRunAbortedResponse: nobody could answer.
+
+objc_object& AlertClass() {
+    static objc_object& alertClass = *new objc_object;
+    alertClass.isClass = true;
+    return alertClass;
+}
+
+std::string TextOf(const void* string, const char* message) {
+    const auto& object = CheckedObject(string, message, stringClass);
+    return ReadableUtf8(static_cast<const StringObject&>(object).units);
+}
+
+id MakeAlert() {
+    auto* const alert = new (std::nothrow) objc_object;
+    if (!alert) return nullptr;
+    alert->Enlist([](const LiveThing& thing) {
+        return "NSAlert " + Quoted(static_cast<const objc_object&>(thing).alert.message);
+    });
+    return alert;
+}
+
+void ReleaseAlert(objc_object& alert) {
+    if (--alert.references > 0) return;
+    alert.Delist();
+    alert.magic = 0;
+    delete &alert;
+}
+
+std::intptr_t RunModal(const objc_object& alert, PlatformCall& call) {
+    const int answer = Present(alert.alert);
+    if (answer >= 0) return firstButton + answer;
+    call.SetNote("not shown");
+    return aborted;
+}
+
+std::intptr_t Answer(id object) { return reinterpret_cast<std::intptr_t>(object); }
+
+std::intptr_t SendToClass(const std::string& message, PlatformCall& call) {
+    if (message == "alloc") return Answer(MakeAlert());
+    call.SetNote("NSAlert has no such class method here");
+    return 0;
+}
+
+std::intptr_t SendToAlert(objc_object& alert, const std::string& message, const void* argument,
+                          PlatformCall& call) {
+    if (message == "init" || message == "autorelease") return Answer(&alert);
+    if (message == "retain") {
+        ++alert.references;
+        return Answer(&alert);
+    }
+    if (message == "release") {
+        ReleaseAlert(alert);
+    } else if (message == "setMessageText:" && argument) {
+        alert.alert.message = TextOf(argument, "setMessageText:");
+    } else if (message == "addButtonWithTitle:" && argument) {
+        alert.alert.buttons.push_back(TextOf(argument, "addButtonWithTitle:"));
+    } else if (message == "runModal") {
+        return RunModal(alert, call);
+    } else {
+        call.SetNote("NSAlert has no such method here, or not with a nil argument");
+    }
+    return 0;
+}
+
+bool TakesArgument(const std::string& message) { return !message.empty() && message.back() == ':'; }
+
+void TellMessage(PlatformCall& call, const objc_object* receiver, const std::string& message,
+                 const void* argument) {
+    if (!call.IsTold()) return;
+    std::vector<std::string> texts = {receiver ? "NSAlert" : "nil", message};
+    if (TakesArgument(message)) texts.push_back(argument ? Quoted(TextOf(argument, "objc_msgSend")) : "nil");
+    call.SetArguments(std::move(texts));
+}
+
+} // namespace
+
+MACPLATFORM_C_BEGIN
+
+id objc_getClass(const char* name) {
+    PlatformCall call("objc_getClass");
+    if (call.IsTold()) call.SetArguments({Quoted(name)});
+    const bool known = name && std::strcmp(name, "NSAlert") == 0 && !call.TakeFault();
+    return call.Result(known ? &AlertClass() : id{nullptr}, known ? "NSAlert" : "nil");
+}
+
+SEL sel_registerName(const char* name) {
+    static auto& names = *new std::set<std::string>;
+    PlatformCall call("sel_registerName");
+    if (call.IsTold()) call.SetArguments({Quoted(name)});
+    const std::string& kept = *names.emplace(name ? name : "").first;
+    return call.Result(reinterpret_cast<SEL>(kept.c_str()), kept);
+}
+
+std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) {
+    PlatformCall call("objc_msgSend");
+    const std::string message = selector ? reinterpret_cast<const char*>(selector) : "";
+    TellMessage(call, receiver, message, argument);
+    if (!receiver || call.TakeFault()) return call.Result(std::intptr_t{0}, "nil");
+    if (receiver->magic != objc_object::liveMagic)
+        Misuse("objc_msgSend", message + " was sent to what is no object");
+    const std::intptr_t answer =
+        receiver->isClass ? SendToClass(message, call) : SendToAlert(*receiver, message, argument, call);
+    const bool isObject =
+        message == "alloc" || message == "init" || message == "retain" || message == "autorelease";
+    return call.Result(answer, isObject ? "NSAlert" : std::to_string(answer));
+}
+
+MACPLATFORM_C_END
