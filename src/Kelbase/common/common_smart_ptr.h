@@ -10,37 +10,40 @@
 /// Deletes an object of a complete type; an incomplete one does not compile.
 template <typename T>
 void checked_delete(T* p) {
-    static_assert(sizeof(T) > 0, "the type must be complete where its object is deleted");
+    static_assert(sizeof(T) != 0, "the type must be complete where its object is deleted");
     delete p;
 }
 
 template <typename T>
 void checked_array_delete(T* p) {
-    static_assert(sizeof(T) > 0, "the type must be complete where its objects are deleted");
+    static_assert(sizeof(T) != 0, "the type must be complete where its objects are deleted");
     delete[] p;
 }
 
 namespace smart_ptr_detail {
 
+template <typename T>
 struct use_counter {
     unsigned int uses;
-    void (*delete_block)(
-        use_counter*); ///< For a counter in one block with its object; null for one by itself.
+    void (*dispose)(use_counter*, T* object); ///< Frees the object and the counter.
 };
 
 /// What every null handle points at; its count is never changed, so that null handles allocate nothing.
-inline use_counter null_counter = {1, nullptr};
+template <typename T>
+inline use_counter<T> null_counter = {1, nullptr};
 
 /// Shared ownership of what `Delete` frees.
 template <typename T, void (*Delete)(T*)>
 class shared_handle {
+    using counter_type = use_counter<T>;
+
 public:
     shared_handle() noexcept = default;
     /// Takes `p` over, also when the counter cannot be allocated (`p` is then freed).
     explicit shared_handle(T* p) {
         if (!p) return;
         std::unique_ptr<T, void (*)(T*)> guard(p, Delete);
-        counter = new use_counter{1, nullptr};
+        counter = new counter_type{1, &dispose_both};
         object = guard.release();
     }
     shared_handle(const shared_handle& other) noexcept : object(other.object), counter(other.counter) {
@@ -48,14 +51,14 @@ public:
     }
     shared_handle(shared_handle&& other) noexcept : object(other.object), counter(other.counter) {
         other.object = nullptr;
-        other.counter = &null_counter;
+        other.counter = &null_counter<T>;
     }
     shared_handle& operator=(shared_handle other) noexcept {
         swap(other);
         return *this;
     }
     ~shared_handle() {
-        if (object && --counter->uses == 0) destroy();
+        if (object && --counter->uses == 0) counter->dispose(counter, object);
     }
 
     void swap(shared_handle& other) noexcept {
@@ -75,28 +78,23 @@ public:
 
 protected:
     /// Counter and object in one block.
-    struct block : use_counter {
+    struct block : counter_type {
         template <typename... Arguments>
         explicit block(Arguments&&... arguments)
-            : use_counter{1, &delete_this}, value(std::forward<Arguments>(arguments)...) {}
-        static void delete_this(use_counter* counter) { delete static_cast<block*>(counter); }
+            : counter_type{1, &dispose_block}, value(std::forward<Arguments>(arguments)...) {}
         T value;
     };
     explicit shared_handle(block* b) noexcept : object(&b->value), counter(b) {}
 
 private:
-    /// Not inlined, so that what stands around every handle stays small.
-    [[gnu::noinline]] void destroy() {
-        if (counter->delete_block) {
-            counter->delete_block(counter);
-            return;
-        }
+    static void dispose_both(counter_type* counter, T* object) {
         Delete(object);
         delete counter;
     }
+    static void dispose_block(counter_type* counter, T*) { delete static_cast<block*>(counter); }
 
     T* object = nullptr;
-    use_counter* counter = &null_counter;
+    counter_type* counter = &null_counter<T>;
 };
 
 } // namespace smart_ptr_detail
