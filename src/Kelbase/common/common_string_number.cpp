@@ -79,13 +79,14 @@ String formatFloat(double value, unsigned int precision, const checked_value<uns
     for (const char known : {'F', 'e', 'E', 'g', 'G'}) {
         if (format.IsGiven() && format == static_cast<unsigned int>(known)) letter = known;
     }
-    char text[1024];
+    char text[1024] = "";
     if (precision == noPrecision) {
         const char pattern[] = {'%', letter, '\0'};
-        std::snprintf(text, sizeof text, pattern, value);
+        static_cast<void>(std::snprintf(text, sizeof text, pattern, value));
     } else {
         const char pattern[] = {'%', '.', '*', letter, '\0'};
-        std::snprintf(text, sizeof text, pattern, precision < 99 ? static_cast<int>(precision) : 99, value);
+        const int digits = precision < 99 ? static_cast<int>(precision) : 99;
+        static_cast<void>(std::snprintf(text, sizeof text, pattern, digits, value));
     }
     if (g_chDecimalPoint == '.') return String(text);
     return String(text).StripWhiteSpace().ReplaceChar('.', g_chDecimalPoint);

@@ -56,7 +56,7 @@ String normalizeNumberString(const String& s) {
 
 /// For a base up to 36: above it, bytes that are no letters would count.
 bool checkCharInBase(const Char& c, unsigned int base) {
-    const int byte = static_cast<char>(c);
+    const char byte = c;
     if (base <= 10) return c.IsDigit() && static_cast<unsigned int>(byte - '0') < base;
     const int letters = static_cast<int>(base - 10);
     return c.IsDigit() || (byte > 0x60 && byte < 'a' + letters) || (byte >= 0x41 && byte < 'A' + letters);

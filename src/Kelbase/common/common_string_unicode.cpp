@@ -3,6 +3,7 @@
 #include <CoreFoundation/CFString.h>
 
 #include <memory>
+#include <type_traits>
 
 namespace {
 
@@ -12,7 +13,7 @@ constexpr CFIndex maxUnitsOut = 100000;
 struct Release {
     void operator()(CFStringRef string) const { CFRelease(string); }
 };
-using OwnedCFString = std::unique_ptr<const __CFString, Release>;
+using OwnedCFString = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Release>;
 
 CFStringEncoding platformEncoding(unsigned int encoding) {
     return encoding == 2 ? kCFStringEncodingMacRoman : kCFStringEncodingUTF8;

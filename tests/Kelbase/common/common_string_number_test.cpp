@@ -64,12 +64,12 @@ TEST(StringNumber, Writes64BitsInTwoBases) {
     EXPECT_EQ(Bytes(String::Number(255ull, 16)), "FF");
     EXPECT_EQ(Bytes(String::Number(LLONG_MIN)), "-9223372036854775808");
     EXPECT_EQ(Bytes(String::Number(ULLONG_MAX)), "18446744073709551615");
-    EXPECT_EQ(Bytes(String::Number(-5ll, 10, 3)), "-005");
+    EXPECT_EQ(Bytes(String::Number(-5LL, 10, 3)), "-005");
 }
 
 TEST(StringNumber, RefusesAWidthOf4GiBBeforeItAllocates) {
     EXPECT_THROW(String::Number(-5, 10, 0xFFFFFFFF), std::length_error);
-    EXPECT_THROW(String::Number(-5ll, 10, 0xFFFFFFFF), std::length_error);
+    EXPECT_THROW(String::Number(-5LL, 10, 0xFFFFFFFF), std::length_error);
     EXPECT_THROW(String::Number(INT_MIN, 10, 0x80000000), std::length_error) << "twice that";
 }
 
