@@ -1,0 +1,219 @@
+#include <Kelbase/Util/Dir.h>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <dirent.h>
+#include <limits.h>
+#include <sys/stat.h>
+
+namespace Util {
+
+namespace {
+
+bool sameLetter(char a, char b) { return Char(a).ToLower() == Char(b).ToLower(); }
+
+std::string_view view(const String& s) { return {s.Latin1(), s.GetLength()}; }
+
+class Pattern {
+public:
+    explicit Pattern(const String& pattern) {
+        const checked_value<unsigned int> star = pattern.Find('*');
+        prefix = star.IsGiven() ? pattern.Left(star) : pattern;
+        if (star.IsGiven()) suffix = pattern.Mid(star + 1);
+    }
+
+    /// Beginning and end may overlap in the name: "abc" fits "ab*bc".
+    bool Fits(std::string_view name) const {
+        const std::string_view first = view(prefix), last = view(suffix);
+        return name.size() >= first.size() && name.size() >= last.size() &&
+               std::equal(first.begin(), first.end(), name.begin(), sameLetter) &&
+               std::equal(last.rbegin(), last.rend(), name.rbegin(), sameLetter);
+    }
+
+private:
+    String prefix;
+    String suffix;
+};
+
+String join(const String& folder, const String& name) {
+    return folder.EndsWith("/") ? folder + name : folder + "/" + name;
+}
+
+/// Where a folder is opened, and where its entries are asked about.
+class Paths {
+public:
+    /// Entries are cleaned together with their folder: a name with a backslash is asked about elsewhere.
+    /// The empty path, which would be cleaned to "/", is opened as it is, in vain.
+    explicit Paths(const FolderPath& folder)
+        : opened(folder.IsEmpty() ? String() : folder.ToString()), cleaned(&folder) {
+        entry = view((folder + "x").ToString());
+        entry.pop_back();
+        prefixLength = entry.size();
+    }
+    explicit Paths(const String& folder) : opened(folder), entry(view(join(folder, ""))) {
+        prefixLength = entry.size();
+    }
+
+    const char* Opened() const { return opened.Latin1(); }
+
+    const std::string& Of(std::string_view name) {
+        if (IsReshaped(name))
+            return reshaped = view((*cleaned + String(std::string(name).c_str())).ToString());
+        entry.resize(prefixLength);
+        return entry += name;
+    }
+
+    /// Whether the path of the entry leads to what the opened folder calls by that name.
+    bool IsInOpened(std::string_view name) const {
+        return !IsReshaped(name) &&
+               (!cleaned || view(opened) == std::string_view(entry).substr(0, prefixLength));
+    }
+
+private:
+    bool IsReshaped(std::string_view name) const { return cleaned && name.find('\\') != name.npos; }
+
+    String opened;
+    const FolderPath* cleaned = nullptr;
+    std::string entry; // of the last name that was not reshaped
+    std::size_t prefixLength;
+    std::string reshaped;
+};
+
+/// Whether the folder's own record says that an entry is a regular file; absent where that is left to stat.
+std::optional<bool> isRecordedAsFile(const dirent& entry) {
+    switch (entry.d_type) {
+    case DT_REG:
+        return true;
+    case DT_DIR:
+    case DT_FIFO:
+    case DT_SOCK:
+    case DT_CHR:
+    case DT_BLK:
+        return false;
+    default:
+        return std::nullopt; // links count as what they lead to, and some volumes record nothing
+    }
+}
+
+std::optional<bool> isFile(const std::string& path) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    return S_ISREG(status.st_mode);
+}
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+
+enum class Wanted { Files, Folders, Everything };
+
+/// Adds the names of the entries that fit, and sorts the list.
+///
+/// The folder's record is believed once stat has reached an entry: where the folder may be read but not
+/// entered, or a path is too long, stat fails, and the entry is left out for that.
+void list(Paths paths, std::vector<String>& names, const Pattern& pattern, bool append, Wanted wanted) {
+    if (!append) names.clear();
+    const std::unique_ptr<DIR, CloseFolder> folder(opendir(paths.Opened()));
+    if (!folder) return;
+    bool entered = false;
+    while (const dirent* entry = readdir(folder.get())) {
+        const std::string_view name(entry->d_name);
+        if (name.empty() || name == "." || name == ".." || !pattern.Fits(name)) continue;
+
+        const std::string& path = paths.Of(name);
+        const bool recorded = paths.IsInOpened(name) && path.size() < PATH_MAX;
+        std::optional<bool> file;
+        if (recorded && entered) file = isRecordedAsFile(*entry);
+        if (!file) {
+            file = isFile(path);
+            if (!file) continue;
+            entered = entered || recorded;
+        }
+        if (wanted == Wanted::Everything || *file == (wanted == Wanted::Files))
+            names.emplace_back(entry->d_name);
+    }
+    std::sort(names.begin(), names.end());
+}
+
+/// A search for one file through a folder and what is below it.
+class Search {
+public:
+    Search(const String& name, bool searchSubfolders, unsigned int& examined)
+        : wanted(FilePath(name, true).GetFilename().ToLower()),
+          recursive(searchSubfolders),
+          count(examined) {}
+
+    FilePath In(const String& folder) {
+        if (recursive && !IsNew(folder)) return {};
+        {
+            std::vector<String> files;
+            Dir::GetFilenames(folder, files, "", false, false);
+            for (const String& file : files) {
+                if (IsOver() || (++count, IsOver())) return {};
+                if (file.ToLower() == wanted) return {join(folder, file), false};
+            }
+        }
+        return recursive ? Below(folder) : FilePath();
+    }
+
+private:
+    static constexpr unsigned int limit = 5000;
+
+    bool IsOver() const { return count > limit; }
+
+    FilePath Below(const String& folder) {
+        std::vector<String> subfolders;
+        Dir::GetFoldernames(folder, subfolders, "", false);
+        for (const String& subfolder : subfolders) {
+            if (IsOver()) break;
+            FilePath found = In(join(folder, subfolder));
+            if (!found.IsEmpty()) return found;
+        }
+        return {};
+    }
+
+    /// False for a folder that was searched before: a link may lead back up, and two links in each of forty
+    /// folders would lead to the last one in a million million ways.
+    bool IsNew(const String& folder) {
+        struct stat status;
+        return stat(folder.Latin1(), &status) == 0 && seen.emplace(status.st_dev, status.st_ino).second;
+    }
+
+    String wanted;
+    bool recursive;
+    unsigned int& count;
+    std::set<std::pair<dev_t, ino_t>> seen;
+};
+
+} // namespace
+
+void Dir::GetFilenames(std::vector<String>& names, const String& pattern, bool append,
+                       bool includeAll) const {
+    list(Paths(path), names, Pattern(pattern), append, includeAll ? Wanted::Everything : Wanted::Files);
+}
+
+void Dir::GetFoldernames(std::vector<String>& names, const String& pattern, bool append) const {
+    list(Paths(path), names, Pattern(pattern), append, Wanted::Folders);
+}
+
+void Dir::GetFilenames(const String& folder, std::vector<String>& names, const String& pattern, bool append,
+                       bool includeAll) {
+    list(Paths(folder), names, Pattern(pattern), append, includeAll ? Wanted::Everything : Wanted::Files);
+}
+
+void Dir::GetFoldernames(const String& folder, std::vector<String>& names, const String& pattern,
+                         bool append) {
+    list(Paths(folder), names, Pattern(pattern), append, Wanted::Folders);
+}
+
+FilePath Dir::FindFile(const String& folder, const String& name, bool recursive, unsigned int& count) {
+    return Search(name, recursive, count).In(folder);
+}
+
+} // namespace Util
