@@ -1,0 +1,130 @@
+#include <Kelbase/IPP/IPP_util.h>
+
+#include <Kelbase/IPP/IPP_forms.h>
+#include <Kelbase/Util/math_utils.h>
+
+#include <cstring>
+
+namespace {
+
+// The size in bytes of an array that exists fits a size_t, so the products below do not overflow. With a
+// count of 0 the block operations are not called: they may not be given null pointers.
+
+template <typename T>
+void copyElements(unsigned int count, const T* src, T* dst) {
+    if (count) std::memcpy(dst, src, std::size_t(count) * sizeof(T));
+}
+
+template <typename T>
+void moveElements(unsigned int count, const T* src, T* dst) {
+    if (count) std::memmove(dst, src, std::size_t(count) * sizeof(T));
+}
+
+template <typename T>
+void zeroElements(unsigned int count, T* dst) {
+    if (count) std::memset(dst, 0, std::size_t(count) * sizeof(T));
+}
+
+template <typename T>
+void setElements(unsigned int count, T* dst, T value) {
+    if (value == T(0)) {
+        zeroElements(count, dst);
+        return;
+    }
+    unsigned char pattern[8];
+    for (std::size_t i = 0; i < sizeof pattern; i += sizeof value)
+        std::memcpy(pattern + i, &value, sizeof value);
+    IPP::ChosenForm().fill(std::size_t(count) * sizeof(T), reinterpret_cast<unsigned char*>(dst), pattern);
+}
+
+/// 1 shifted left in 32 bits and read as a signed number, so that a shift of 31 gives -2^31.
+double shiftedOne(unsigned int shift) {
+    return shift % 32 == 31 ? -2147483648.0 : static_cast<double>(1u << shift % 32);
+}
+
+} // namespace
+
+void IPP::Copy(unsigned int count, const char* src, char* dst) { copyElements(count, src, dst); }
+void IPP::Copy(unsigned int count, const unsigned char* src, unsigned char* dst) {
+    copyElements(count, src, dst);
+}
+void IPP::Copy(unsigned int count, const short* src, short* dst) { copyElements(count, src, dst); }
+void IPP::Copy(unsigned int count, const int* src, int* dst) { copyElements(count, src, dst); }
+void IPP::Copy(unsigned int count, const unsigned int* src, unsigned int* dst) {
+    copyElements(count, src, dst);
+}
+void IPP::Copy(unsigned int count, const float* src, float* dst) { copyElements(count, src, dst); }
+void IPP::Copy(unsigned int count, const double* src, double* dst) { copyElements(count, src, dst); }
+
+void IPP::Move(unsigned int count, const unsigned char* src, unsigned char* dst) {
+    moveElements(count, src, dst);
+}
+void IPP::Move(unsigned int count, const short* src, short* dst) { moveElements(count, src, dst); }
+void IPP::Move(unsigned int count, const float* src, float* dst) { moveElements(count, src, dst); }
+void IPP::Move(unsigned int count, const double* src, double* dst) { moveElements(count, src, dst); }
+
+void IPP::Set(unsigned int count, unsigned char* dst, unsigned char value) {
+    if (count) std::memset(dst, value, count);
+}
+void IPP::Set(unsigned int count, short* dst, short value) { setElements(count, dst, value); }
+void IPP::Set(unsigned int count, int* dst, int value) { setElements(count, dst, value); }
+void IPP::Set(unsigned int count, unsigned int* dst, unsigned int value) { setElements(count, dst, value); }
+void IPP::Set(unsigned int count, float* dst, float value) { setElements(count, dst, value); }
+void IPP::Set(unsigned int count, double* dst, double value) { setElements(count, dst, value); }
+
+void IPP::Zero(unsigned int count, unsigned char* dst) { zeroElements(count, dst); }
+void IPP::Zero(unsigned int count, short* dst) { zeroElements(count, dst); }
+void IPP::Zero(unsigned int count, int* dst) { zeroElements(count, dst); }
+void IPP::Zero(unsigned int count, unsigned int* dst) { zeroElements(count, dst); }
+void IPP::Zero(unsigned int count, float* dst) { zeroElements(count, dst); }
+void IPP::Zero(unsigned int count, double* dst) { zeroElements(count, dst); }
+
+bool IPP::Equal(unsigned int count, const unsigned char* a, const unsigned char* b) {
+    return count == 0 || std::memcmp(a, b, count) == 0;
+}
+
+void IPP::Convert(unsigned int count, const unsigned char* src, float* dst) {
+    ChosenForm().charToFloat(count, src, dst);
+}
+
+void IPP::Convert(unsigned int count, const float* src, double* dst) {
+    ChosenForm().floatToDouble(count, src, dst);
+}
+
+void IPP::Convert(unsigned int count, const double* src, float* dst) {
+    ChosenForm().doubleToFloat(count, src, dst);
+}
+
+void IPP::Convert(unsigned int count, const short* src, float* dst, int scale) {
+    const double factor = 1 / shiftedOne(static_cast<unsigned int>(scale));
+    ChosenForm().shortToFloat(count, src, dst, static_cast<float>(factor));
+}
+
+void IPP::Convert(unsigned int count, const short* src, double* dst, int scale) {
+    ChosenForm().shortToDouble(count, src, dst, 1 / shiftedOne(static_cast<unsigned int>(scale)));
+}
+
+// The scale is widened before its sign is changed: the smallest int has no opposite.
+
+void IPP::Convert(unsigned int count, const int* src, float* dst, int scale) {
+    ChosenForm().intToFloat(count, src, dst, Util::PowerOfTwo(-static_cast<long long>(scale)));
+}
+
+void IPP::Convert(unsigned int count, const int* src, double* dst, int scale) {
+    ChosenForm().intToDouble(count, src, dst, Util::PowerOfTwoDouble(-static_cast<long long>(scale)));
+}
+
+void IPP::Convert(unsigned int count, const float* src, short* dst, int scale, bool round) {
+    const Form& form = ChosenForm();
+    const float factor = static_cast<float>(shiftedOne(0u - static_cast<unsigned int>(scale)));
+    (round ? form.floatToShortRounded : form.floatToShort)(count, src, dst, factor);
+}
+
+void IPP::Convert(unsigned int count, const float* src, int* dst, int scale, bool round) {
+    const Form& form = ChosenForm();
+    const float factor = Util::PowerOfTwo(-static_cast<long long>(scale));
+    (round ? form.floatToIntRounded : form.floatToInt)(count, src, dst, factor);
+}
+
+void IPP::Convert(unsigned int, const float*, unsigned char*, int, bool) {}
+void IPP::Convert(unsigned int, const double*, int*, int, bool) {}

@@ -1,0 +1,237 @@
+#include <Kelbase/IPP/IPP_forms.h>
+
+#include <Kelbase/IPP/IPP_blocks.h>
+
+#include <cpuid.h>
+#include <immintrin.h>
+
+// Compiled for AVX2 and FMA: nothing here may run before isSupported has said yes, and no inline function of
+// another header may be used, since the linker could keep this copy of it for everybody.
+
+namespace {
+
+/// The register sets that the operating system saves: bit 1 SSE, bit 2 AVX.
+unsigned int savedRegisters() {
+    unsigned int low, high;
+    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    return low;
+}
+
+bool isSupported() {
+    unsigned int eax, ebx, ecx, edx;
+    const unsigned int wanted = bit_FMA | bit_OSXSAVE | bit_AVX;
+    if (!__get_cpuid(1, &eax, &ebx, &ecx, &edx) || (ecx & wanted) != wanted) return false;
+    if ((savedRegisters() & 6) != 6) return false;
+    return __get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) && (ebx & bit_AVX2);
+}
+
+template <bool stream>
+void put(float* dst, __m256 v) {
+    stream ? _mm256_stream_ps(dst, v) : _mm256_storeu_ps(dst, v);
+}
+
+template <bool stream>
+void put(double* dst, __m256d v) {
+    stream ? _mm256_stream_pd(dst, v) : _mm256_storeu_pd(dst, v);
+}
+
+template <bool stream, typename Integer>
+void put(Integer* dst, __m256i v) {
+    __m256i* p = reinterpret_cast<__m256i*>(dst);
+    stream ? _mm256_stream_si256(p, v) : _mm256_storeu_si256(p, v);
+}
+
+/// 8, 16 and 32 bytes.
+template <typename Integer>
+__m128i getQuarter(const Integer* src) {
+    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src));
+}
+
+template <typename Integer>
+__m128i getHalf(const Integer* src) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(src));
+}
+
+template <typename Integer>
+__m256i get(const Integer* src) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src));
+}
+
+struct CharToFloat {
+    using Source = unsigned char;
+    using Target = float;
+    static constexpr unsigned int count = 8;
+
+    template <bool stream>
+    void Convert(const unsigned char* src, float* dst) const {
+        put<stream>(dst, _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(getQuarter(src))));
+    }
+};
+
+struct FloatToDouble {
+    using Source = float;
+    using Target = double;
+    static constexpr unsigned int count = 4;
+
+    template <bool stream>
+    void Convert(const float* src, double* dst) const {
+        put<stream>(dst, _mm256_cvtps_pd(_mm_loadu_ps(src)));
+    }
+};
+
+struct DoubleToFloat {
+    using Source = double;
+    using Target = float;
+    static constexpr unsigned int count = 8;
+
+    template <bool stream>
+    void Convert(const double* src, float* dst) const {
+        const __m128 low = _mm256_cvtpd_ps(_mm256_loadu_pd(src));
+        const __m128 high = _mm256_cvtpd_ps(_mm256_loadu_pd(src + 4));
+        put<stream>(dst, _mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1));
+    }
+};
+
+struct ShortToFloat {
+    using Source = short;
+    using Target = float;
+    static constexpr unsigned int count = 8;
+    __m256 factor;
+
+    explicit ShortToFloat(float f) : factor(_mm256_set1_ps(f)) {}
+
+    template <bool stream>
+    void Convert(const short* src, float* dst) const {
+        const __m256i ints = _mm256_cvtepi16_epi32(getHalf(src));
+        put<stream>(dst, _mm256_mul_ps(_mm256_cvtepi32_ps(ints), factor));
+    }
+};
+
+struct ShortToDouble {
+    using Source = short;
+    using Target = double;
+    static constexpr unsigned int count = 4;
+    __m256d factor;
+
+    explicit ShortToDouble(double f) : factor(_mm256_set1_pd(f)) {}
+
+    template <bool stream>
+    void Convert(const short* src, double* dst) const {
+        const __m128i ints = _mm_cvtepi16_epi32(getQuarter(src));
+        put<stream>(dst, _mm256_mul_pd(_mm256_cvtepi32_pd(ints), factor));
+    }
+};
+
+struct IntToFloat {
+    using Source = int;
+    using Target = float;
+    static constexpr unsigned int count = 8;
+    __m256 factor;
+
+    explicit IntToFloat(float f) : factor(_mm256_set1_ps(f)) {}
+
+    template <bool stream>
+    void Convert(const int* src, float* dst) const {
+        put<stream>(dst, _mm256_mul_ps(_mm256_cvtepi32_ps(get(src)), factor));
+    }
+};
+
+struct IntToDouble {
+    using Source = int;
+    using Target = double;
+    static constexpr unsigned int count = 4;
+    __m256d factor;
+
+    explicit IntToDouble(double f) : factor(_mm256_set1_pd(f)) {}
+
+    template <bool stream>
+    void Convert(const int* src, double* dst) const {
+        put<stream>(dst, _mm256_mul_pd(_mm256_cvtepi32_pd(getHalf(src)), factor));
+    }
+};
+
+/// Eight floats scaled to integers. Truncation gives the smallest int for NaN and whatever does not fit.
+///
+/// Product and sum may be fused, though the scalar form rounds in between: the factor is a power of two, 0 or
+/// infinity, so the product is exact, or overflows (and so does the sum), or is too small for a normal number
+/// (and half swallows it).
+template <bool round>
+struct ToInts {
+    __m256 factor;
+
+    explicit ToInts(float f) : factor(_mm256_set1_ps(f)) {}
+
+    __m256i operator()(const float* src) const {
+        const __m256 x = _mm256_loadu_ps(src);
+        if (!round) return _mm256_cvttps_epi32(_mm256_mul_ps(x, factor));
+        // -0.0 takes -0.5 here, not +0.5: either is truncated to 0.
+        const __m256 sign = _mm256_and_ps(x, _mm256_set1_ps(-0.0f));
+        return _mm256_cvttps_epi32(_mm256_fmadd_ps(x, factor, _mm256_or_ps(sign, _mm256_set1_ps(0.5f))));
+    }
+};
+
+template <bool round>
+struct FloatToShort : ToInts<round> {
+    using Source = float;
+    using Target = short;
+    static constexpr unsigned int count = 16;
+    using ToInts<round>::ToInts;
+
+    template <bool stream>
+    void Convert(const float* src, short* dst) const {
+        const __m256i packed = _mm256_packs_epi32((*this)(src), (*this)(src + 8)); // each lane by itself
+        put<stream>(dst, _mm256_permute4x64_epi64(packed, _MM_SHUFFLE(3, 1, 2, 0)));
+    }
+};
+
+template <bool round>
+struct FloatToInt : ToInts<round> {
+    using Source = float;
+    using Target = int;
+    static constexpr unsigned int count = 8;
+    using ToInts<round>::ToInts;
+
+    template <bool stream>
+    void Convert(const float* src, int* dst) const {
+        put<stream>(dst, (*this)(src));
+    }
+};
+
+template <typename Block, auto routine, typename... Factor>
+void convert(unsigned int count, const typename Block::Source* src, typename Block::Target* dst,
+             Factor... factor) {
+    if (count < Block::count)
+        (IPP::sse2Form.*routine)(count, src, dst, factor...);
+    else
+        IPP::convertArray<32>(count, src, dst, Block(factor...));
+}
+
+void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
+    if (bytes < 32) {
+        IPP::sse2Form.fill(bytes, dst, pattern);
+        return;
+    }
+    const __m256i v = _mm256_broadcastq_epi64(getQuarter(pattern));
+    const std::size_t last = bytes - 32;
+    for (std::size_t i = 0; i < last; i += 32) put<false>(dst + i, v);
+    put<false>(dst + last, v); // whole elements from the end, so in step with the pattern
+}
+
+} // namespace
+
+const IPP::Form IPP::avx2Form = {
+    "avx2",
+    isSupported,
+    fill,
+    convert<CharToFloat, &IPP::Form::charToFloat>,
+    convert<FloatToDouble, &IPP::Form::floatToDouble>,
+    convert<DoubleToFloat, &IPP::Form::doubleToFloat>,
+    convert<ShortToFloat, &IPP::Form::shortToFloat>,
+    convert<ShortToDouble, &IPP::Form::shortToDouble>,
+    convert<IntToFloat, &IPP::Form::intToFloat>,
+    convert<IntToDouble, &IPP::Form::intToDouble>,
+    convert<FloatToShort<false>, &IPP::Form::floatToShort>,
+    convert<FloatToShort<true>, &IPP::Form::floatToShortRounded>,
+    convert<FloatToInt<false>, &IPP::Form::floatToInt>,
+    convert<FloatToInt<true>, &IPP::Form::floatToIntRounded>,
+};

@@ -1,0 +1,74 @@
+#include <Kelbase/IPP/IPP_forms.h>
+
+#include <Kelbase/Util/math_utils.h>
+
+#include <cfloat>
+#include <cstring>
+#include <limits>
+
+// The reference of the other forms, and what they hand the arrays to that are shorter than one of their
+// blocks.
+
+namespace {
+
+static_assert(FLT_EVAL_METHOD == 0,
+              "each operation must round to its own type: build with SSE2, not the x87");
+static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559,
+              "overflow must give infinity");
+
+bool always() { return true; }
+
+void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
+    std::size_t done = 0;
+    for (; bytes - done >= 8; done += 8) std::memcpy(dst + done, pattern, 8);
+    for (; done < bytes; done += 2) std::memcpy(dst + done, pattern + done % 8, 2);
+}
+
+template <typename From, typename To>
+void widenOrNarrow(unsigned int count, const From* src, To* dst) {
+    for (unsigned int i = 0; i < count; ++i) dst[i] = static_cast<To>(src[i]);
+}
+
+template <typename From, typename To>
+void scale(unsigned int count, const From* src, To* dst, To factor) {
+    for (unsigned int i = 0; i < count; ++i) dst[i] = static_cast<To>(src[i]) * factor;
+}
+
+int toInt(float x, float factor) { return Util::TruncateToInt(x * factor); }
+
+/// The sign is that of the source: a negative factor turns the product's round.
+int toIntRounded(float x, float factor) {
+    return Util::TruncateToInt(x * factor + Util::HalfAwayFromZero(x));
+}
+
+template <int (*ToInt)(float, float)>
+void scaleToInt(unsigned int count, const float* src, int* dst, float factor) {
+    for (unsigned int i = 0; i < count; ++i) dst[i] = ToInt(src[i], factor);
+}
+
+template <int (*ToInt)(float, float)>
+void scaleToShort(unsigned int count, const float* src, short* dst, float factor) {
+    for (unsigned int i = 0; i < count; ++i) {
+        const int r = ToInt(src[i], factor);
+        dst[i] = static_cast<short>(r > 32767 ? 32767 : r < -32768 ? -32768 : r);
+    }
+}
+
+} // namespace
+
+const IPP::Form IPP::scalarForm = {
+    "scalar",
+    always,
+    fill,
+    widenOrNarrow<unsigned char, float>,
+    widenOrNarrow<float, double>,
+    widenOrNarrow<double, float>,
+    scale<short, float>,
+    scale<short, double>,
+    scale<int, float>,
+    scale<int, double>,
+    scaleToShort<toInt>,
+    scaleToShort<toIntRounded>,
+    scaleToInt<toInt>,
+    scaleToInt<toIntRounded>,
+};

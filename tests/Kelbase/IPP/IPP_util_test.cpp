@@ -1,0 +1,368 @@
+#include <Kelbase/IPP/IPP_util.h>
+
+#include <Kelbase/IPP/IPP_forms.h>
+#include <Kelbase/Util/math_utils.h>
+
+#include <gmock/gmock.h>
+
+#include <cfloat>
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+namespace {
+
+using IPP::Form;
+
+const float nan = std::numeric_limits<float>::quiet_NaN();
+const float infinity = std::numeric_limits<float>::infinity();
+const float denormal = std::numeric_limits<float>::denorm_min();
+
+/// Elements whose neighbours would show a store outside the array.
+template <typename T>
+std::vector<T> guarded(std::size_t size) {
+    std::vector<T> result(size);
+    std::memset(result.data(), 0xA5, size * sizeof(T));
+    return result;
+}
+
+template <typename T>
+testing::AssertionResult sameBytes(const std::vector<T>& a, const std::vector<T>& b) {
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (std::memcmp(&a[i], &b[i], sizeof(T)) != 0)
+            return testing::AssertionFailure() << "at " << i << ": " << +a[i] << ", not " << +b[i];
+    return testing::AssertionSuccess();
+}
+
+/// Each form but the scalar one, which is their reference. Its own answers are the literals further down: a
+/// single element always ends there.
+class WideForm : public testing::TestWithParam<const Form*> {
+protected:
+    void SetUp() override {
+        if (!GetParam()->isSupported()) GTEST_SKIP() << "this processor has no " << GetParam()->name;
+    }
+
+    /// Runs the form's routine beside the scalar one: all bytes must agree, the neighbours' too.
+    template <typename Source, typename Target, typename... Factor>
+    testing::AssertionResult AsScalar(void (*Form::*routine)(unsigned int, const Source*, Target*, Factor...),
+                                      const std::vector<Source>& source, Factor... factor) {
+        std::vector<Target> expected = guarded<Target>(source.size() + 2), actual = expected;
+        const unsigned int count = static_cast<unsigned int>(source.size());
+        (IPP::scalarForm.*routine)(count, source.data(), expected.data() + 1, factor...);
+        (GetParam()->*routine)(count, source.data(), actual.data() + 1, factor...);
+        return sameBytes(actual, expected);
+    }
+
+    /// Every count from 0 to 70 at every offset within a vector register.
+    template <typename Source, typename Target, typename... Factor>
+    void ExpectAsScalarAtEveryPlace(void (*Form::*routine)(unsigned int, const Source*, Target*, Factor...),
+                                    Factor... factor) {
+        std::vector<Source> source(70 + 32 / sizeof(Source));
+        std::iota(source.begin(), source.end(), Source(3));
+        for (unsigned int count = 0; count <= 70; ++count)
+            for (std::size_t from = 0; from < 32 / sizeof(Source); ++from)
+                for (std::size_t to = 0; to < 32 / sizeof(Target); ++to) {
+                    std::vector<Target> expected = guarded<Target>(70 + 2 * 32 / sizeof(Target)),
+                                        actual = expected;
+                    (IPP::scalarForm.*routine)(count, &source[from], &expected[to], factor...);
+                    (GetParam()->*routine)(count, &source[from], &actual[to], factor...);
+                    ASSERT_TRUE(sameBytes(actual, expected)) << count << " from " << from << " to " << to;
+                }
+    }
+};
+
+std::vector<const Form*> formsUpTo(const Form* end) {
+    std::vector<const Form*> forms;
+    for (const Form* const* form = IPP::allForms; *form != end; ++form) forms.push_back(*form);
+    return forms;
+}
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(WideForm);
+INSTANTIATE_TEST_SUITE_P(IPP, WideForm, testing::ValuesIn(formsUpTo(&IPP::scalarForm)),
+                         [](const auto& test) { return test.param->name; });
+
+TEST_P(WideForm, WritesExactlyItsElementsAtEveryCountAndOffset) {
+    ExpectAsScalarAtEveryPlace(&Form::charToFloat);
+    ExpectAsScalarAtEveryPlace(&Form::floatToDouble);
+    ExpectAsScalarAtEveryPlace(&Form::doubleToFloat);
+    ExpectAsScalarAtEveryPlace(&Form::shortToFloat, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Form::shortToDouble, 0.5);
+    ExpectAsScalarAtEveryPlace(&Form::intToFloat, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Form::intToDouble, 0.5);
+    ExpectAsScalarAtEveryPlace(&Form::floatToShort, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Form::floatToShortRounded, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Form::floatToInt, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Form::floatToIntRounded, 0.5f);
+}
+
+TEST_P(WideForm, AgreesOnEverySixteenBitValue) {
+    std::vector<short> shorts(65536);
+    std::vector<float> around, patterns;
+    for (int i = -32768; i < 32768; ++i) {
+        const float value = static_cast<float>(i);
+        shorts[static_cast<std::size_t>(i + 32768)] = static_cast<short>(i);
+        for (float part : {0.0f, 0.25f, 0.49999997f, 0.5f, 0.75f}) around.push_back(value + part);
+        const unsigned int bits = static_cast<unsigned int>(i + 32768)
+                                  << 16; // every exponent, NaN, both signs
+        patterns.emplace_back();
+        std::memcpy(&patterns.back(), &bits, sizeof bits);
+    }
+    for (int shift = 0; shift < 32; ++shift) {
+        const float factor = shift == 31 ? -2147483648.0f : std::ldexp(1.0f, shift);
+        SCOPED_TRACE(factor);
+        EXPECT_TRUE(AsScalar(&Form::shortToFloat, shorts, 1 / factor));
+        EXPECT_TRUE(AsScalar(&Form::shortToDouble, shorts, 1.0 / factor));
+        for (const std::vector<float>* floats : {&around, &patterns}) {
+            EXPECT_TRUE(AsScalar(&Form::floatToShort, *floats, factor));
+            EXPECT_TRUE(AsScalar(&Form::floatToShortRounded, *floats, factor));
+        }
+    }
+    for (int exponent = -150; exponent <= 128; ++exponent) { // from 0 to infinity
+        const float factor = std::ldexp(1.0f, exponent);
+        SCOPED_TRACE(exponent);
+        ASSERT_TRUE(AsScalar(&Form::floatToInt, patterns, factor));
+        ASSERT_TRUE(AsScalar(&Form::floatToIntRounded, patterns, factor));
+    }
+    EXPECT_TRUE(AsScalar(&Form::floatToIntRounded, around, 1.0f));
+    EXPECT_TRUE(AsScalar(&Form::floatToDouble, patterns));
+}
+
+TEST_P(WideForm, AgreesWhereSumsProductsAndNarrowingRound) {
+    std::vector<float> floats = {0.49999997f,   8388607.5f,      8388609.0f, 16777215.0f, 2147483520.0f,
+                                 2147483648.0f, 32767.4980f,     32767.5f,   32768.5f,    denormal,
+                                 3 * denormal,  1.17549421e-38f, FLT_MAX,    infinity,    0.0f,
+                                 1.0f,          4.2949673e9f,    -nan};
+    std::vector<int> ints = {0, 1, 16777217, 33554435, 2147483583, 2147483584, INT_MAX, INT_MIN, INT_MIN + 1};
+    std::vector<double> doubles = {1.0000000596046448,
+                                   3.4028235677973366e38,
+                                   3.4028235677973362e38,
+                                   1e300,
+                                   1e-300,
+                                   7.0064923216240854e-46,
+                                   7.1e-46,
+                                   1.1754943157898259e-38,
+                                   infinity,
+                                   nan,
+                                   0.0};
+    for (std::size_t i = 0, size = floats.size(); i < size; ++i) floats.push_back(-floats[i]);
+    for (std::size_t i = 0, size = doubles.size(); i < size; ++i) doubles.push_back(-doubles[i]);
+    EXPECT_TRUE(AsScalar(&Form::doubleToFloat, doubles));
+    for (int exponent = -1075; exponent <= 1024; ++exponent) {
+        const float factor = std::ldexp(1.0f, exponent);
+        SCOPED_TRACE(exponent);
+        ASSERT_TRUE(AsScalar(&Form::floatToInt, floats, factor));
+        ASSERT_TRUE(AsScalar(&Form::floatToIntRounded, floats, factor));
+        ASSERT_TRUE(AsScalar(&Form::intToFloat, ints, factor));
+        ASSERT_TRUE(AsScalar(&Form::intToDouble, ints, std::ldexp(1.0, exponent)));
+    }
+}
+
+TEST_P(WideForm, AgreesOnArraysTooLargeForTheCaches) {
+    std::vector<unsigned char> bytes((24u << 20) / 5 + 100, 7);
+    bytes[bytes.size() - 3] = 9;
+    EXPECT_TRUE(AsScalar(&Form::charToFloat, bytes)); // the destination begins one element off
+    const std::vector<float> floats(bytes.begin(), bytes.end());
+    EXPECT_TRUE(AsScalar(&Form::floatToShortRounded, floats, 1.0f));
+    EXPECT_TRUE(AsScalar(&Form::floatToDouble, floats));
+}
+
+void expectFillsWholeElements(const Form& form, std::size_t element) {
+    for (std::size_t count = 0; count <= 70; ++count)
+        for (std::size_t start = 0; start < 32; start += element) {
+            std::vector<unsigned char> bytes = guarded<unsigned char>(70 * 8 + 64), expected = bytes;
+            unsigned char pattern[8];
+            for (std::size_t i = 0; i < 8; ++i) pattern[i] = static_cast<unsigned char>(1 + i % element);
+            for (std::size_t i = 0; i < count * element; ++i) expected[start + i] = pattern[i % element];
+            form.fill(count * element, &bytes[start], pattern);
+            ASSERT_TRUE(sameBytes(bytes, expected)) << count << " of " << element << " at " << start;
+        }
+}
+
+TEST(IPPForms, FillWholeElementsOnly) {
+    for (const Form* form : formsUpTo(nullptr)) {
+        SCOPED_TRACE(form->name);
+        for (std::size_t element : {2u, 4u, 8u})
+            if (form->isSupported()) expectFillsWholeElements(*form, element);
+    }
+}
+
+TEST(IPPForms, UsesTheBestOneThatTheProcessorHas) {
+    const Form* const* form = IPP::allForms;
+    while (!(*form)->isSupported()) ++form;
+    EXPECT_EQ(&IPP::ChosenForm(), *form);
+}
+
+// The routines themselves, with literals
+
+template <typename Target, typename Source, typename... Arguments>
+Target converted(Source value, Arguments... arguments) {
+    Target result = Target(77);
+    IPP::Convert(1, &value, &result, arguments...);
+    return result;
+}
+
+template <typename T>
+unsigned long long bitsOf(T value) {
+    unsigned long long bits = 0;
+    std::memcpy(&bits, &value, sizeof value);
+    return bits;
+}
+
+TEST(Convert, RoundsFloatsToShorts) {
+    const struct {
+        float value;
+        int scale;
+        bool round;
+        int expected;
+    } rows[] = {
+        {1.5f, 0, true, 2},
+        {-1.5f, 0, true, -2},
+        {2.4f, 0, true, 2},
+        {-0.0f, 0, true, 0},
+        {0.49999997f, 0, true, 1},
+        {32767.5f, 0, true, 32767},
+        {40000.0f, 0, true, 32767},
+        {-40000.0f, 0, true, -32768},
+        {nan, 0, true, -32768},
+        {3.0e9f, 0, true, -32768},
+        {infinity, 0, false, -32768},
+        {2147483520.0f, 0, false, 32767},
+        {1.9f, 0, false, 1},
+        {-1.9f, 0, false, -1},
+        {0.75f, -1, false, 1},
+        {-1.0f, -31, false, -32768},
+        {0.5f / 65536, 1, true, -16383},
+        {-0.5f / 65536, 1, true, 16383},
+        {3.0f, 32, false, 3},
+        {3.0f, -32, false, 3},
+        {0.5f / 65536, 2, false, 8192},
+        {5.0f, INT_MIN, false, 5},
+        {-5.0f, INT_MAX, false, -10},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(converted<short>(row.value, row.scale, row.round), row.expected)
+            << row.value << " " << row.scale;
+}
+
+TEST(Convert, RoundsFloatsToInts) {
+    const struct {
+        float value;
+        int scale;
+        bool round;
+        int expected;
+    } rows[] = {
+        {2147483520.0f, 0, true, 2147483520},
+        {2147483648.0f, 0, false, INT_MIN},
+        {-2147483648.0f, 0, true, INT_MIN},
+        {nan, 0, true, INT_MIN},
+        {nan, 3, false, INT_MIN},
+        {-2.5f, 0, true, -3},
+        {8388609.0f, 0, true, 8388610},
+        {8388609.0f, 0, false, 8388609},
+        {5.0f, 1, true, 3},
+        {5.0f, 1, false, 2},
+        {1.0f, -31, false, INT_MIN},
+        {-3.0e9f, 1, false, -1500000000},
+        {1.0f, INT_MIN, false, INT_MIN},
+        {0.0f, INT_MIN, false, INT_MIN},
+        {1e30f, INT_MAX, true, 0},
+        {infinity, INT_MAX, true, INT_MIN},
+        {FLT_MAX, 127, true, 2},
+        {denormal, -149, false, INT_MIN},
+        {denormal, -127, true, 0},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(converted<int>(row.value, row.scale, row.round), row.expected)
+            << row.value << " " << row.scale;
+}
+
+TEST(Convert, DividesIntegersByPowersOfTwo) {
+    EXPECT_EQ(converted<float>(short(3), 1), 1.5f);
+    EXPECT_EQ(converted<float>(short(3), 33), 1.5f);
+    EXPECT_EQ(converted<double>(short(-32768), 15), -1.0);
+    EXPECT_EQ(converted<float>(short(1), -1), -1 / 2147483648.0f);
+    EXPECT_EQ(converted<double>(short(1), 31), -1 / 2147483648.0);
+    EXPECT_EQ(bitsOf(converted<float>(short(0), 31)), 0x80000000u); // 0 by a negative number
+    EXPECT_EQ(converted<float>(short(7), INT_MIN), 7.0f);
+    EXPECT_EQ(converted<float>(3, -2), 12.0f);
+    EXPECT_EQ(converted<float>(16777217, 0), 16777216.0f);
+    EXPECT_EQ(converted<double>(INT_MIN, 31), -1.0);
+    EXPECT_EQ(converted<float>(3, 149), 3 * denormal);
+    EXPECT_EQ(converted<float>(INT_MAX, 150), 0.0f); // the factor is 0 by then
+    EXPECT_EQ(converted<float>(-1, INT_MIN), -infinity);
+    EXPECT_TRUE(std::isnan(converted<double>(0, -1024))); // 0 times infinity
+    EXPECT_EQ(converted<double>(1, 1074), 5e-324);
+    EXPECT_EQ(converted<double>(INT_MAX, INT_MAX), 0.0);
+}
+
+TEST(Convert, ChangesFloatingPointWidth) {
+    EXPECT_EQ(converted<float>(static_cast<unsigned char>(255)), 255.0f);
+    EXPECT_EQ(converted<double>(0.1f), 0.10000000149011612);
+    EXPECT_EQ(converted<float>(0.1), 0.1f);
+    EXPECT_EQ(converted<float>(-1e39), -infinity);
+    EXPECT_EQ(bitsOf(converted<float>(-1e-60)), 0x80000000u);
+}
+
+TEST(Convert, LeavesTheDestinationOfTheTwoEmptyOnes) {
+    EXPECT_EQ(converted<unsigned char>(1.0f, 0, true), 77);
+    EXPECT_EQ(converted<int>(1.0, 0, false), 77);
+}
+
+TEST(IPP, SetStoresZeroBytesForNegativeZero) {
+    float floats[3] = {1, 1, 1};
+    double doubles[2] = {1, 1};
+    IPP::Set(2, floats, -0.0f);
+    IPP::Set(1, doubles, -0.0);
+    EXPECT_EQ(bitsOf(floats[1]), 0u);
+    EXPECT_EQ(floats[2], 1.0f);
+    EXPECT_EQ(bitsOf(doubles[0]), 0u);
+    EXPECT_EQ(doubles[1], 1.0);
+}
+
+TEST(IPP, SetRepeatsTheElement) {
+    std::vector<short> shorts(5);
+    std::vector<double> doubles(3);
+    std::vector<unsigned char> bytes(3);
+    IPP::Set(5, shorts.data(), short(-2));
+    IPP::Set(3, doubles.data(), 0.1);
+    IPP::Set(2, bytes.data(), static_cast<unsigned char>(200));
+    EXPECT_THAT(shorts, testing::Each(-2));
+    EXPECT_THAT(doubles, testing::Each(0.1));
+    EXPECT_THAT(bytes, testing::ElementsAre(200, 200, 0));
+}
+
+TEST(IPP, BlockOperationsCountInElements) {
+    std::vector<double> numbers = {1, 2, 3, 4, 5};
+    IPP::Move(3, &numbers[0], &numbers[1]);
+    EXPECT_THAT(numbers, testing::ElementsAre(1, 1, 2, 3, 5));
+    IPP::Copy(2, &numbers[3], &numbers[0]);
+    IPP::Zero(2, &numbers[2]);
+    EXPECT_THAT(numbers, testing::ElementsAre(3, 5, 0, 0, 5));
+    const unsigned char a[] = {1, 2, 3}, b[] = {1, 2, 4};
+    EXPECT_TRUE(IPP::Equal(2, a, b));
+    EXPECT_FALSE(IPP::Equal(3, a, b));
+}
+
+TEST(IPP, TakesNullForNoElements) {
+    IPP::Copy(0, static_cast<const float*>(nullptr), nullptr);
+    IPP::Move(0, static_cast<const short*>(nullptr), nullptr);
+    IPP::Set(0, static_cast<int*>(nullptr), 5);
+    IPP::Set(0, static_cast<unsigned char*>(nullptr), static_cast<unsigned char>(5));
+    IPP::Zero(0, static_cast<double*>(nullptr));
+    IPP::Convert(0, static_cast<const short*>(nullptr), static_cast<float*>(nullptr), 0);
+    EXPECT_TRUE(IPP::Equal(0, nullptr, nullptr));
+}
+
+TEST(PowerOfTwo, IsExactFromZeroToInfinity) {
+    for (int exponent = -1100; exponent <= 1100; ++exponent) {
+        ASSERT_EQ(Util::PowerOfTwo(exponent), std::ldexp(1.0f, exponent)) << exponent;
+        ASSERT_EQ(Util::PowerOfTwoDouble(exponent), std::ldexp(1.0, exponent)) << exponent;
+    }
+    EXPECT_EQ(Util::PowerOfTwo(LLONG_MIN), 0.0f);
+    EXPECT_EQ(Util::PowerOfTwoDouble(LLONG_MAX), static_cast<double>(infinity));
+}
+
+} // namespace
