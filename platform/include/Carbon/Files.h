@@ -4,7 +4,8 @@
 
 #include <MacTypes.h>
 
-/// An existing item. Follows it through renaming; good for the life of this process.
+/// An existing item, by its path and its identity: fnfErr once it was renamed or removed, also when another
+/// item took its place. Good in this process only, where the last 4096 items stay known; errFSBadFSRef else.
 struct FSRef {
     UInt8 hidden[80];
 };
@@ -68,7 +69,8 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef*, Boolean* isDirectory);
 /// `name`, `spec` and `parent` are not answered here and must be null (paramErr).
 OSErr FSGetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, FSCatalogInfo*, HFSUniStr255* name, FSSpec* spec,
                        FSRef* parent);
-/// Writes the first sixteen bytes of the Finder information and nothing else of the item.
+/// Writes the first sixteen bytes of the Finder information and nothing else of the item; errFSBadInfoBitmap
+/// for anything else. Nothing is written when the item has them already.
 OSErr FSSetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, const FSCatalogInfo*);
 /// Not supported by the volumes of this layer (errFSOperationNotSupported), as on the Mac's newer ones.
 OSErr FSExchangeObjects(const FSRef*, const FSRef*);

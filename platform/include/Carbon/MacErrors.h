@@ -1,6 +1,7 @@
 #pragma once
 
-/// Result codes, as far as this layer answers them.
+/// Result codes, as far as this layer answers them. What the system refuses for want of rights (EPERM,
+/// EACCES) is permErr.
 
 #include <MacTypes.h>
 

@@ -1,0 +1,118 @@
+#include "FileReference.h"
+
+#include <Carbon/MacErrors.h>
+#include <macplatform/StartupVolume.h>
+
+#include "PlatformCall.h"
+#include "ResultCodes.h"
+#include "TextEncoding.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <memory>
+#include <sys/stat.h>
+
+namespace macplatform {
+
+namespace {
+
+/// The bytes of an FSRef, unused ones zero.
+struct Reference {
+    static constexpr std::uint32_t realMark = 0x46535265;
+    std::uint32_t mark = realMark;
+    std::uint32_t number = 0; ///< Of the path.
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+};
+static_assert(sizeof(Reference) <= sizeof(FSRef));
+
+/// A path does not fit into an FSRef, so the last ones are kept here under a number.
+struct PathTable {
+    std::deque<std::string> paths;
+    std::uint32_t firstNumber = 1;
+
+    std::uint32_t NumberOf(const std::string& path) {
+        if (paths.empty() || paths.back() != path) paths.push_back(path);
+        if (paths.size() > 4096) {
+            paths.pop_front();
+            ++firstNumber;
+        }
+        return firstNumber + static_cast<std::uint32_t>(paths.size()) - 1;
+    }
+    const std::string* Find(std::uint32_t number) const {
+        const std::uint32_t at = number - firstNumber;
+        return at < paths.size() ? &paths[at] : nullptr;
+    }
+};
+
+PathTable& Paths() {
+    static auto& table = *new PathTable;
+    return table;
+}
+
+const std::string* PathOf(const Reference& reference) {
+    return reference.mark == Reference::realMark ? Paths().Find(reference.number) : nullptr;
+}
+
+Reference Read(const FSRef& bytes) {
+    Reference reference;
+    std::memcpy(&reference, bytes.hidden, sizeof reference);
+    return reference;
+}
+
+Item Refusal(OSErr result) {
+    Item item;
+    item.result = result;
+    return item;
+}
+
+Item ItemAt(const std::string& path) {
+    struct stat found {};
+    if (lstat(path.c_str(), &found) != 0) return Refusal(ResultCode(errno));
+    return {noErr, path, S_ISDIR(found.st_mode), found.st_dev, found.st_ino};
+}
+
+} // namespace
+
+Item FindItem(const std::string& macPath) {
+    if (!DecodeUtf8(macPath)) return Refusal(bdNamErr);
+    const std::string path = HostPath(macPath);
+    if (path.empty()) return Refusal(ResultCode(macPath.empty() ? ENOENT : errno));
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
+    return real ? ItemAt(real.get()) : Refusal(ResultCode(errno));
+}
+
+Item FindItem(const FSRef& bytes) {
+    const Reference reference = Read(bytes);
+    const std::string* const path = PathOf(reference);
+    if (!path) return Refusal(errFSBadFSRef);
+    Item item = ItemAt(*path);
+    const bool isAnother = item.device != reference.device || item.inode != reference.inode;
+    return item.result == noErr && isAnother ? Refusal(fnfErr) : item;
+}
+
+OSErr PathOfReference(const FSRef& reference, std::string& path) {
+    Item item = FindItem(reference);
+    path = std::move(item.path);
+    return item.result;
+}
+
+FSRef MakeReference(const Item& item) {
+    Reference reference;
+    reference.number = Paths().NumberOf(item.path);
+    reference.device = item.device;
+    reference.inode = item.inode;
+    FSRef bytes{};
+    std::memcpy(bytes.hidden, &reference, sizeof reference);
+    return bytes;
+}
+
+std::string DescribeReference(const FSRef* reference) {
+    if (!reference) return "NULL";
+    const std::string* const path = PathOf(Read(*reference));
+    return path ? Quoted(MacPath(*path)) : "a reference to nothing";
+}
+
+} // namespace macplatform

@@ -1,0 +1,121 @@
+#include "FinderInfo.h"
+
+#include <macplatform/FinderFlags.h>
+
+#include "AppleDouble.h"
+#include "PlatformCall.h"
+
+#include <cerrno>
+#include <cstring>
+#include <new>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace macplatform {
+
+namespace {
+
+constexpr char macDisksAttribute[] = "osx.com.apple.FinderInfo";
+constexpr char attribute[] = "user.com.apple.FinderInfo";
+
+bool attributesAreRefused = false;
+
+enum class Place { None, Attribute, Sidecar };
+
+bool IsEmpty(const FinderInfo& info) { return info == FinderInfo{}; }
+
+const char* AttributeName(const std::string& path) {
+    constexpr long hfsPlusMark = 0x482B;
+    struct statfs disk {};
+    return statfs(path.c_str(), &disk) == 0 && disk.f_type == hfsPlusMark ? macDisksAttribute : attribute;
+}
+
+/// ENODATA when there is none, also where there can be none.
+int ReadAttribute(const std::string& path, FinderInfo& info) {
+    if (attributesAreRefused) return ENODATA;
+    const ssize_t size = lgetxattr(path.c_str(), AttributeName(path), info.data(), info.size());
+    if (size == static_cast<ssize_t>(info.size())) return 0;
+    if (size >= 0 || errno == ERANGE) return EIO; // of another size, which nobody who knows it writes
+    return errno == ENOTSUP || errno == EPERM ? ENODATA : errno;
+}
+
+int SetAttribute(const std::string& path, const FinderInfo& info) {
+    if (attributesAreRefused) return ENOTSUP;
+    const char* const name = AttributeName(path);
+    if (IsEmpty(info) && name == attribute)
+        return lremovexattr(path.c_str(), name) == 0 || errno == ENODATA ? 0 : errno;
+    return lsetxattr(path.c_str(), name, info.data(), info.size(), 0) == 0 ? 0 : errno;
+}
+
+/// The Mac lets the owner of a read-only item set it, as a right over the item and not over its bytes.
+int SetAttributeAsOwner(const std::string& path, const FinderInfo& info) {
+    const int refusal = SetAttribute(path, info);
+    struct stat item {};
+    if (refusal != EACCES || lstat(path.c_str(), &item) != 0 || item.st_uid != geteuid()) return refusal;
+    if (S_ISLNK(item.st_mode) || chmod(path.c_str(), item.st_mode | S_IWUSR) != 0) return refusal;
+    const int failed = SetAttribute(path, info);
+    return chmod(path.c_str(), item.st_mode) == 0 ? failed : errno;
+}
+
+bool CanHaveAttributes(const std::string& path) {
+    struct stat item {};
+    return lstat(path.c_str(), &item) == 0 && (S_ISREG(item.st_mode) || S_ISDIR(item.st_mode));
+}
+
+int Read(const std::string& path, FinderInfo& info, Place& place) {
+    info = {};
+    place = Place::Attribute;
+    const int failed = ReadAttribute(path, info);
+    if (failed != ENODATA) return failed;
+    FinderInfo beside{};
+    const std::string sidecar = SidecarPath(path);
+    const int absent = sidecar.empty() ? ENOENT : ReadSidecar(sidecar, beside);
+    info = absent == 0 ? beside : FinderInfo{};
+    place = absent == 0 ? Place::Sidecar : Place::None;
+    // A file of that name that is no sidecar, or a name that is too long for one, tells nothing of the item.
+    return absent == ENOENT || absent == EBADMSG || absent == ENAMETOOLONG ? 0 : absent;
+}
+
+} // namespace
+
+void RefuseExtendedAttributes(bool refused) { attributesAreRefused = refused; }
+
+int ReadFinderInfo(const std::string& path, FinderInfo& info) {
+    Place place;
+    return Read(path, info, place);
+}
+
+int WriteFinderInfo(const std::string& path, const FinderInfo& info) {
+    FinderInfo present;
+    Place place;
+    if (const int failed = Read(path, present, place)) return failed;
+    if (present == info) return 0;
+    if (place != Place::Sidecar) {
+        const int failed = SetAttributeAsOwner(path, info);
+        if (failed != ENOTSUP && (failed != EPERM || CanHaveAttributes(path))) return failed;
+    }
+    const std::string sidecar = SidecarPath(path);
+    return sidecar.empty() ? ENOTSUP : WriteSidecar(sidecar, info);
+}
+
+void SwapBasicFinderInfo(const std::uint8_t* from, std::uint8_t* to, bool isFolder) {
+    static constexpr std::size_t ofFile[] = {4, 4, 2, 2, 2, 2}; // type, creator, flags, place, reserved
+    static constexpr std::size_t ofFolder[] = {2, 2, 2, 2, 2, 2, 2, 2}; // bounds, flags, place, reserved
+    const std::size_t* width = isFolder ? ofFolder : ofFile;
+    constexpr bool littleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+    for (std::size_t at = 0; at < 16; at += *width++) {
+        for (std::size_t i = 0; i < *width; ++i) to[at + i] = from[at + (littleEndian ? *width - 1 - i : i)];
+    }
+}
+
+std::optional<std::uint16_t> ReadFinderFlags(const std::string& path) {
+    const PlatformInside inside;
+    struct stat item {};
+    FinderInfo info;
+    if (lstat(path.c_str(), &item) != 0 || ReadFinderInfo(path, info) != 0) return std::nullopt;
+    return static_cast<std::uint16_t>(info[8] << 8 | info[9]);
+}
+
+} // namespace macplatform
