@@ -27,8 +27,8 @@ public:
     String(const char* s);                 ///< Up to the NUL; null gives null.
     String(const char* s, unsigned int n); ///< Up to the NUL, `n` bytes at most; null gives null.
     String(char c);                        ///< One byte, also when it is 0.
-    /// From UTF-16, ended by a 0 unit. `encoding` 2 cuts the text to what Mac Roman can hold, any other value
-    /// means UTF-8. Null from null, from 100,000 units or more, and when a character cannot be converted.
+    /// From UTF-16, ended by a 0 unit, to Mac Roman where `encoding` is 2 and else to UTF-8. Null from null,
+    /// from 100,000 units or more, and when a character cannot be converted.
     String(const unsigned short* s, unsigned int encoding);
 
     String& operator=(const String&) noexcept = default;
@@ -99,21 +99,28 @@ public:
     // result is 0 and `*ok` false. "." and "," are both decimal separators; full-width digits and signs are
     // read. Bases up to 36, letters in either case and no prefix; base 0 and those above 36 read nothing.
 
+    /// Behind "-" every magnitude up to 65535 is taken and cut to 16 bits: "-40000" gives 25536.
     short ToShort(bool* ok = nullptr, unsigned int base = 10) const;
     unsigned short ToUShort(bool* ok = nullptr, unsigned int base = 10) const;
     int ToInt(bool* ok = nullptr, unsigned int base = 10) const;
     unsigned int ToUInt(bool* ok = nullptr, unsigned int base = 10) const;
+    /// Takes 32 bits and extends their sign: "3000000000" gives -1294967296, "4294967296" fails. Behind "-"
+    /// nothing but 0 is taken.
     long long ToInt64(bool* ok = nullptr, unsigned int base = 10) const;
     unsigned long long ToUInt64(bool* ok = nullptr, unsigned int base = 10) const;
+    /// Exponents, hexadecimal numbers, infinities and NaN as strtod reads them.
     double ToDouble(bool* ok = nullptr) const;
+    /// `ToDouble`, narrowed: infinite when no float is that large.
     float ToFloat(bool* ok = nullptr) const;
 
     // Searching. Without `caseSensitive`, "A"-"Z" and "a"-"z" are the same; no other letters fold.
 
     /// First position at or after `start`; absent also when `start` is at or past the end.
     checked_value<unsigned int> Find(char c, unsigned int start = 0, bool caseSensitive = true) const;
+    /// Reads both texts up to their next NUL. An empty `s` stands at `start`, a null one nowhere.
     checked_value<unsigned int> Find(const char* s, unsigned int start = 0, bool caseSensitive = true) const;
-    /// Last position at or before `start` (absent: the last byte); absent also when `start` is past the end.
+    /// Last position at or before `start` (absent: the last byte); absent also when `start` is at or past the
+    /// end.
     checked_value<unsigned int> FindRev(char c, const checked_value<unsigned int>& start = {},
                                         bool caseSensitive = true) const;
     bool BeginsWith(const String& p, bool caseSensitive = true) const;
