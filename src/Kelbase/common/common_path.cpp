@@ -30,16 +30,20 @@ const String& convertToLongPath(const String& s) { return s; }
 
 bool isRelative(const String& s) { return s.GetLength() > 0 && !isSeparator(*s.Latin1()); }
 
-String convertRelative(const String& s) {
-    String r = s == "~" ? String("~/") : s;
-    if (r.BeginsWith("~/") || r.BeginsWith("~\\")) {
-        const char* home = std::getenv("HOME");
-        return String(home ? home : "") + "/" + r.Right(r.GetLength() - 2);
-    }
-    if (!isRelative(r)) return r;
+/// Whether simplifying its white space would leave nothing.
+bool isBlank(std::string_view s) {
+    return std::all_of(s.begin(), s.end(), [](char c) { return Char(c).IsSpace(); });
+}
 
+String convertRelative(const String& s) {
+    if (!isRelative(s)) return s;
+    const char* const text = s.Latin1();
+    if (text[0] == '~' && (text[1] == '\0' || isSeparator(text[1]))) {
+        const char* home = std::getenv("HOME");
+        return String(home ? home : "") + "/" + (text[1] ? s.Mid(2) : String());
+    }
     char folder[1024];
-    return (getcwd(folder, sizeof folder - 1) ? String(folder) + "/" : String("/")) + r;
+    return (getcwd(folder, sizeof folder - 1) ? String(folder) + "/" : String("/")) + s;
 }
 
 /// Whether the name reads as "..": up to a NUL, as texts compare.
@@ -158,7 +162,7 @@ String getFileBaseName(const String& s) {
 } // namespace
 
 void FilePath::construct(const String& text, bool) {
-    internal = text.SimplifyWhiteSpace().GetLength() == 0 ? String() : convertRelative(text);
+    internal = isBlank(view(text)) ? String() : convertRelative(text);
 }
 
 bool FilePath::IsRelative(const String& text) { return isRelative(text); }
