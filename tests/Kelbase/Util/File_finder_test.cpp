@@ -1,0 +1,128 @@
+#include "FileFailure.h"
+#include "TemporaryFolder.h"
+
+#include <Carbon/Carbon.h>
+#include <Kelbase/Util/File.h>
+#include <macplatform/Journal.h>
+#include <macplatform/LiveObjects.h>
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+
+namespace {
+
+using testing::ElementsAre;
+using Util::File;
+
+FilePath toPath(const std::string& name) { return FilePath(name.c_str(), false); }
+
+/// The names of the platform's calls while it lives.
+class Calls {
+public:
+    Calls() {
+        macplatform::SetJournalObserver([this](const auto& entry) { names.push_back(entry.call); });
+    }
+    ~Calls() { macplatform::SetJournalObserver({}); }
+    std::vector<std::string> names;
+};
+
+class FileFinder : public testing::Test {
+protected:
+    void SetUp() override {
+        setenv("HOME", folder.Path().c_str(), 1);
+        setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
+    }
+    void TearDown() override {
+        EXPECT_EQ(macplatform::CancelFaults(), 0U) << "each ordered fault has happened";
+        EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
+    }
+
+    const TemporaryFolder folder;
+    const std::string old = folder.Write("old", "old bytes");
+    const std::string name = folder.Write("new", "new bytes");
+};
+
+TEST_F(FileFinder, RenameReplacesByExchangeWhereTheVolumeCan) {
+    macplatform::OrderFault({"FSExchangeObjects", noErr}); // says that it did, and does not
+    File::Rename(toPath(name), toPath(old));
+    EXPECT_EQ(ReadBytes(old), "old bytes");
+    EXPECT_FALSE(std::filesystem::exists(name));
+}
+
+TEST_F(FileFinder, RenameReplacesWhereExchangeIsRefused) {
+    const Calls calls;
+    File::Rename(toPath(name), toPath(old));
+    EXPECT_THAT(calls.names, ElementsAre("FSPathMakeRef", "FSPathMakeRef", "FSExchangeObjects"));
+    EXPECT_EQ(ReadBytes(old), "new bytes");
+    EXPECT_FALSE(std::filesystem::exists(name));
+}
+
+TEST_F(FileFinder, RenameMovesOrTellsWhyNot) {
+    const std::string moved = folder / "moved";
+    File::Rename(toPath(old), toPath(moved));
+    EXPECT_EQ(ReadBytes(moved), "old bytes");
+    EXPECT_EQ(FailureOf([&] { File::Rename(toPath(old), toPath(name)); }),
+              "src/Kelbase/Util/File:547 kind 6 errno 2: Rename failed (" + old + ")");
+    std::filesystem::create_directory(folder / "sub");
+    EXPECT_EQ(FailureOf([&] { File::Rename(toPath(name), toPath(folder / "sub")); }),
+              "src/Kelbase/Util/File:547 kind 6 errno 21: Rename failed (" + name + ")");
+    File::Rename(toPath(name), toPath(name));
+    EXPECT_EQ(ReadBytes(name), "new bytes");
+}
+
+TEST_F(FileFinder, GivesTheFileTypeOr0) {
+    const File file(toPath(name));
+    EXPECT_EQ(file.GetOSXFileType(), 0U) << "no Finder information";
+    FSRef ref;
+    ASSERT_EQ(FSPathMakeRef(reinterpret_cast<const UInt8*>(name.c_str()), &ref, nullptr), noErr);
+    const FileInfo info = {'WAVE', 'ttxt', 0, {}, 0};
+    FSCatalogInfo catalog = {};
+    std::memcpy(catalog.finderInfo, &info, sizeof info);
+    ASSERT_EQ(FSSetCatalogInfo(&ref, kFSCatInfoFinderInfo, &catalog), noErr);
+    EXPECT_EQ(file.GetOSXFileType(), 0x57415645U);
+
+    macplatform::OrderFault({"FSGetCatalogInfo", ioErr});
+    EXPECT_EQ(file.GetOSXFileType(), 0U);
+    EXPECT_EQ(File(toPath(folder / "missing")).GetOSXFileType(), 0U);
+}
+
+TEST_F(FileFinder, RecyclePutsAFileIntoTheTrash) {
+    const Calls calls;
+    EXPECT_EQ(File::Recycle(name.c_str()), noErr);
+    EXPECT_FALSE(std::filesystem::exists(name));
+    EXPECT_EQ(ReadBytes(folder / "data/Trash/files/new"), "new bytes");
+    EXPECT_THAT(calls.names,
+                ElementsAre("FSPathMakeRef", "AECreateDesc", "AECreateAppleEvent", "AEDisposeDesc", //
+                            "AECreateDesc", "AEPutParamDesc", "AEDisposeDesc",                      // what
+                            "AECreateDesc", "CreateObjSpecifier", "AEPutParamDesc", "AEDisposeDesc",
+                            "AEDisposeDesc", // where to
+                            "AESend", "AEDisposeDesc", "AEDisposeDesc"));
+}
+
+TEST_F(FileFinder, RecycleAnswersWhatKeptItFromAsking) {
+    EXPECT_EQ(File::Recycle((folder / "missing").c_str()), fnfErr);
+    const struct {
+        macplatform::OrderedFault fault;
+        int result;
+    } rows[] = {
+        {{"FSPathMakeRef", ioErr}, ioErr},
+        {{"AECreateDesc", memFullErr}, memFullErr},
+        {{"AECreateAppleEvent", memFullErr}, noErr}, // hidden by the disposal of the target
+        {{"AECreateDesc", memFullErr, 1}, memFullErr},
+        {{"AEPutParamDesc", memFullErr}, memFullErr},
+        {{"AECreateDesc", memFullErr, 2}, memFullErr},
+        {{"CreateObjSpecifier", memFullErr}, memFullErr},
+        {{"AEPutParamDesc", memFullErr, 1}, memFullErr},
+        {{"AESend", procNotFound}, noErr},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.fault.call + " " + std::to_string(row.fault.skip));
+        macplatform::OrderFault(row.fault);
+        EXPECT_EQ(File::Recycle(name.c_str()), row.result);
+        EXPECT_EQ(ReadBytes(name), "new bytes");
+        EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
+    }
+}
+
+} // namespace
