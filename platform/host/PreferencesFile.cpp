@@ -81,8 +81,9 @@ public:
     std::string Read() {
         struct stat status {};
         if (fstatat(folder.Get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+            if (errno != ENOENT) return Why(path, errno);
             tree.reset(plist_new_dict());
-            return errno == ENOENT ? std::string() : Why(path, errno);
+            return {};
         }
         exists = true;
         // A link is read inside the volume, and replaced by a file when something changes.
@@ -93,6 +94,7 @@ public:
         }
         tree = ParsePropertyList(bytes, error);
         if (!tree) return path + ": " + error;
+        loss = PropertyListLoss(bytes);
         format = FormatOf(bytes);
         return plist_get_node_type(tree.get()) == PLIST_DICT ? std::string()
                                                              : path + ": it holds no dictionary";
@@ -118,6 +120,7 @@ public:
         if (plist_dict_get_size(tree.get()) == 0) {
             return !exists || unlinkat(folder.Get(), name.c_str(), 0) == 0 ? std::string() : Why(path, errno);
         }
+        if (!loss.empty()) return path + ": it cannot be written again without loss: it holds " + loss;
         const std::string bytes = WritePropertyList(tree.get(), format);
         std::string error;
         const PropertyListTree again = ParsePropertyList(bytes, error);
@@ -147,6 +150,7 @@ private:
     const Descriptor& folder;
     std::string name, path;
     PropertyListTree tree;
+    std::string loss; ///< What the tree lacks of the file.
     PropertyListFormat format = PropertyListFormat::Binary;
     bool exists = false, changed = false;
 };

@@ -16,6 +16,8 @@ constexpr std::size_t maxValues = 8 * 1024 * 1024;
 const char tooDeep[] = "it is nested too deeply";
 const char damaged[] = "its binary form is damaged";
 
+bool IsBinary(const std::string& bytes) { return bytes.compare(0, 8, "bplist00") == 0; }
+
 bool Begins(const std::string& xml, std::size_t at, const char* mark) {
     return xml.compare(at, std::strlen(mark), mark) == 0;
 }
@@ -60,6 +62,19 @@ class BinaryList {
 public:
     explicit BinaryList(const std::string& source) : bytes(source) {}
 
+    /// Of a list that Danger found sound.
+    std::string Loss() {
+        if (!ReadTrailer()) return damaged;
+        for (std::size_t object = 0; object < objectCount; ++object) {
+            const auto extent = ExtentOf(object);
+            if (extent && extent->kind == set) return "a set";
+            if (extent && (extent->kind == asciiText || extent->kind == utf16Text) && !KeepsText(*extent)) {
+                return "a text that is cut or damaged";
+            }
+        }
+        return {};
+    }
+
     std::string Danger() {
         if (!ReadTrailer()) return damaged;
         values.assign(objectCount, 0);
@@ -69,6 +84,7 @@ public:
     }
 
 private:
+    enum Kind : unsigned { asciiText = 5, utf16Text = 6, array = 0xA, set = 0xC, dictionary = 0xD };
     enum State : unsigned char { Unseen, Open, Done };
     struct Container {
         std::size_t object;
@@ -76,12 +92,12 @@ private:
         std::size_t next = 0;
     };
 
-    /// A big-endian number; one that no offset or count in these bytes can be comes out as the largest.
-    std::size_t Number(std::size_t at, std::size_t width) const {
+    /// The big-endian number at a place inside the bytes; SIZE_MAX for one that is larger than any size.
+    std::size_t Number(std::size_t at, unsigned width) const {
         std::uint64_t value = 0;
-        for (std::size_t i = 0; i < width; ++i)
-            value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
-        return value <= maxPropertyListBytes ? static_cast<std::size_t>(value) : maxPropertyListBytes + 1;
+        for (std::size_t i = at; i < at + width; ++i)
+            value = value << 8 | static_cast<unsigned char>(bytes[i]);
+        return value < SIZE_MAX ? static_cast<std::size_t>(value) : SIZE_MAX;
     }
 
     bool ReadTrailer() {
@@ -93,32 +109,58 @@ private:
         root = Number(trailer + 16, 8);
         table = Number(trailer + 24, 8);
         return offsetWidth >= 1 && offsetWidth <= 8 && referenceWidth >= 1 && referenceWidth <= 8 &&
-               objectCount >= 1 && root < objectCount && table >= 8 && table <= trailer &&
-               objectCount <= (trailer - table) / offsetWidth;
+               objectCount >= 1 && objectCount <= maxValues && root < objectCount && table >= 8 &&
+               table <= trailer && objectCount <= (trailer - table) / offsetWidth;
+    }
+
+    /// Where the members of an object begin, and how many there are.
+    struct Extent {
+        unsigned kind; ///< The upper half of the marker.
+        std::size_t first, count;
+    };
+
+    /// Nothing when the object, or for one with a count the count, does not lie before the offset table.
+    std::optional<Extent> ExtentOf(std::size_t object) const {
+        const std::size_t at = Number(table + object * offsetWidth, offsetWidth);
+        if (at < 8 || at >= table) return std::nullopt;
+        Extent extent = {static_cast<unsigned>(Number(at, 1)) >> 4, at + 1, Number(at, 1) & 0x0F};
+        if (extent.kind < 4 || extent.kind == 8 || extent.count != 0x0F) return extent;
+        if (extent.first >= table || Number(extent.first, 1) >> 4 != 1) return std::nullopt;
+        const unsigned shift = static_cast<unsigned>(Number(extent.first, 1)) & 0x0F;
+        if (shift > 3 || extent.first + 1 + (1U << shift) > table) return std::nullopt;
+        extent.count = Number(extent.first + 1, 1U << shift);
+        extent.first += 1 + (1U << shift);
+        return extent;
     }
 
     /// The references of an array, set or dictionary; none for a scalar; nothing when they lie outside.
     std::optional<std::vector<std::size_t>> Children(std::size_t object) const {
-        const std::size_t at = Number(table + object * offsetWidth, offsetWidth);
-        if (at < 8 || at >= table) return std::nullopt;
-        const unsigned kind = static_cast<unsigned char>(bytes[at]) >> 4;
-        if (kind != 0xA && kind != 0xC && kind != 0xD) return std::vector<std::size_t>();
-        std::size_t first = at + 1, count = static_cast<unsigned char>(bytes[at]) & 0x0F;
-        if (count == 0x0F) {
-            if (first >= table || (static_cast<unsigned char>(bytes[first]) & 0xF0) != 0x10)
-                return std::nullopt;
-            const std::size_t width = std::size_t{1} << (static_cast<unsigned char>(bytes[first]) & 0x0F);
-            if (width > 8 || first + 1 + width > table) return std::nullopt;
-            count = Number(first + 1, width);
-            first += 1 + width;
-        }
-        if (count > (table - first) / referenceWidth / (kind == 0xD ? 2 : 1)) return std::nullopt;
-        std::vector<std::size_t> children(kind == 0xD ? count * 2 : count);
+        const auto extent = ExtentOf(object);
+        if (!extent) return std::nullopt;
+        const unsigned kind = extent->kind;
+        if (kind != array && kind != set && kind != dictionary) return std::vector<std::size_t>();
+        const unsigned references = kind == dictionary ? 2 : 1;
+        if (extent->count > (table - extent->first) / referenceWidth / references) return std::nullopt;
+        std::vector<std::size_t> children(extent->count * references);
         for (std::size_t i = 0; i < children.size(); ++i) {
-            children[i] = Number(first + i * referenceWidth, referenceWidth);
+            children[i] = Number(extent->first + i * referenceWidth, referenceWidth);
             if (children[i] >= objectCount) return std::nullopt;
         }
         return children;
+    }
+
+    /// Whether the parser keeps every character of a text.
+    bool KeepsText(const Extent& text) const {
+        const unsigned width = text.kind == utf16Text ? 2 : 1;
+        if (text.count > (table - text.first) / width) return false;
+        bool isHigh = false;
+        for (std::size_t i = 0; i < text.count; ++i) {
+            const std::size_t unit = Number(text.first + i * width, width);
+            const bool isLow = (unit & 0xFC00) == 0xDC00;
+            if (unit == 0 || isLow != isHigh || (width == 1 && unit >= 0x80)) return false;
+            isHigh = (unit & 0xFC00) == 0xD800;
+        }
+        return !isHigh;
     }
 
     /// Enters an object: a container goes onto the stack, a scalar is done at once. False when it is damaged.
@@ -164,7 +206,7 @@ private:
     }
 
     const std::string& bytes;
-    std::size_t offsetWidth = 0, referenceWidth = 0;
+    unsigned offsetWidth = 0, referenceWidth = 0;
     std::size_t objectCount = 0, root = 0, table = 0;
     std::vector<std::size_t> values; ///< That come out of each object, itself included.
     std::vector<unsigned> depths;
@@ -176,7 +218,11 @@ private:
 
 std::string PropertyListDanger(const std::string& bytes) {
     if (bytes.size() > maxPropertyListBytes) return "it is larger than 64 MiB";
-    return bytes.compare(0, 8, "bplist00") == 0 ? BinaryList(bytes).Danger() : XmlDanger(bytes);
+    return IsBinary(bytes) ? BinaryList(bytes).Danger() : XmlDanger(bytes);
+}
+
+std::string PropertyListLoss(const std::string& bytes) {
+    return IsBinary(bytes) ? BinaryList(bytes).Loss() : std::string();
 }
 
 } // namespace macplatform

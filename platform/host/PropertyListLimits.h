@@ -13,4 +13,8 @@ constexpr unsigned maxPropertyListDepth = 512;
 /// every offset and reference lies inside the bytes.
 std::string PropertyListDanger(const std::string& bytes);
 
+/// What a binary list without danger holds that the parser would not keep, though it reads the list: a set,
+/// and a text with a NUL, a lone surrogate or a byte that is not ASCII. Empty when there is nothing.
+std::string PropertyListLoss(const std::string& bytes);
+
 } // namespace macplatform

@@ -6,6 +6,7 @@
 #include <macplatform/StartupVolume.h>
 
 #include "TemporaryFolder.h"
+#include "platform/BinaryList.h"
 
 #include <gtest/gtest.h>
 
@@ -145,6 +146,21 @@ TEST_F(Preferences, LeaveAloneWhatTheyCannotRead) {
     std::filesystem::create_directory(File());
     EXPECT_FALSE(Synchronise());
     EXPECT_TRUE(std::filesystem::is_directory(File()));
+}
+
+TEST_F(Preferences, LeaveAloneWhatTheyCannotWriteAgain) {
+    const std::string aSet("\xC1\x03"), loneSurrogate("\x61\xD8\x00", 3),
+        nul("\x52"
+            "a\0",
+            3),
+        notAscii("\x51\xE9");
+    for (const std::string& object : {aSet, loneSurrogate, nul, notAscii}) {
+        const std::string list = BinaryList({"\xD1\x01\x02", "\x51k", object, "\x09"});
+        volume.Write("Library/Preferences/com.example.app.plist", list);
+        Set("Lang", "ja");
+        EXPECT_FALSE(Synchronise());
+        EXPECT_EQ(ReadBytes(File()), list);
+    }
 }
 
 TEST_F(Preferences, RefuseNamesThatLeaveTheirFolder) {

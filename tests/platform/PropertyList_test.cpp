@@ -1,6 +1,7 @@
 #include <macplatform/PropertyList.h>
 
 #include "TemporaryFolder.h"
+#include "platform/BinaryList.h"
 
 #include <gtest/gtest.h>
 
@@ -20,19 +21,6 @@ const char oneOfEach[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 <key>real</key><real>0.5</real><key>yes</key><true/><key>data</key><data>CgsM</data>
 <key>date</key><date>2011-02-03T04:05:06Z</date><key>array</key><array><string/><dict/></array>
 </dict></plist>)";
-
-/// A binary list from its objects, with one-byte offsets and references; the first object is the root.
-std::string Binary(const std::vector<std::string>& objects) {
-    std::string bytes = "bplist00", table;
-    for (const std::string& object : objects) {
-        table += static_cast<char>(bytes.size());
-        bytes += object;
-    }
-    const auto tableAt = static_cast<char>(bytes.size());
-    bytes += table + std::string(6, '\0') + "\x01\x01" + std::string(7, '\0') +
-             static_cast<char>(objects.size()) + std::string(8, '\0') + std::string(7, '\0') + tableAt;
-    return bytes;
-}
 
 } // namespace
 
@@ -89,19 +77,19 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
         EXPECT_EQ(errorOf(nested(open)), "it is not a property list") << open;
     }
 
-    EXPECT_EQ(errorOf(Binary({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
-    EXPECT_EQ(errorOf(Binary({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
+    EXPECT_EQ(errorOf(BinaryList({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
+    EXPECT_EQ(errorOf(BinaryList({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
               "an object in it holds itself");
-    EXPECT_EQ(errorOf(Binary({"\xA1\x09", "\x09"})), "its binary form is damaged");
+    EXPECT_EQ(errorOf(BinaryList({"\xA1\x09", "\x09"})), "its binary form is damaged");
     std::vector<std::string> doubling;
     for (char i = 1; i <= 30; ++i) doubling.push_back(std::string("\xA2") + i + i);
     doubling.push_back("\x09");
-    EXPECT_EQ(errorOf(Binary(doubling)), "it holds too many values");
+    EXPECT_EQ(errorOf(BinaryList(doubling)), "it holds too many values");
 
-    const std::string whole = Binary({"\xD1\x01\x02",
-                                      "\x51"
-                                      "k",
-                                      "\xA2\x03\x03", "\x10\x07"});
+    const std::string whole = BinaryList({"\xD1\x01\x02",
+                                          "\x51"
+                                          "k",
+                                          "\xA2\x03\x03", "\x10\x07"});
     EXPECT_EQ(errorOf(whole), "");
     for (std::size_t length = 0; length < whole.size(); ++length) {
         EXPECT_NE(errorOf(whole.substr(0, length)), "") << length;

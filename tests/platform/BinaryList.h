@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// A binary list from its objects, with one-byte offsets and references; the first object is the root.
+inline std::string BinaryList(const std::vector<std::string>& objects) {
+    std::string bytes = "bplist00", table;
+    for (const std::string& object : objects) {
+        table += static_cast<char>(bytes.size());
+        bytes += object;
+    }
+    const auto tableAt = static_cast<char>(bytes.size());
+    bytes += table + std::string(6, '\0') + "\x01\x01" + std::string(7, '\0') +
+             static_cast<char>(objects.size()) + std::string(8, '\0') + std::string(7, '\0') + tableAt;
+    return bytes;
+}
