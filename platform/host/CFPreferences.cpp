@@ -4,6 +4,8 @@
 #include "CFStringObject.h"
 #include "PreferencesFile.h"
 
+#include <macplatform/StartupVolume.h>
+
 #include <map>
 #include <new>
 #include <utility>
@@ -19,10 +21,10 @@ constexpr __CFString currentHost(u"kCFPreferencesCurrentHost", ShownAs::Name);
 
 const char otherScope[] = "not kept: only any user on the current host has preferences here";
 
-/// What was set and waits for its domain's synchronisation.
+/// What was set on the present startup volume and waits for its domain's synchronisation.
 std::map<std::string, PreferenceChanges>& Waiting() {
-    static std::map<std::string, PreferenceChanges> waiting;
-    return waiting;
+    static std::map<std::string, std::map<std::string, PreferenceChanges>> waiting; // by the volume's folder
+    return waiting[StartupVolume()];
 }
 
 /// The one scope that has a place here: the constants themselves, not texts like theirs.

@@ -34,7 +34,8 @@ int OpenFolder(std::string& path) {
          slash = path.find('/', slash + 1)) {
         mkdir(path.substr(0, slash).c_str(), 0755);
     }
-    mkdir(path.c_str(), 0775); // admins may add files there
+    // Admins may add files there, whatever this process's mask is.
+    if (mkdir(path.c_str(), 0775) == 0 && chmod(path.c_str(), 0775) != 0) return -1;
     return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
@@ -51,7 +52,7 @@ bool Lock(int folder) {
 }
 
 bool IsFileName(const std::string& domain) {
-    return !domain.empty() && domain.find('/') == std::string::npos &&
+    return !domain.empty() && domain != "." && domain != ".." && domain.find('/') == std::string::npos &&
            domain.find('\0') == std::string::npos && domain.size() + std::strlen(".plist") <= NAME_MAX;
 }
 

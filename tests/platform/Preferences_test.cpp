@@ -47,17 +47,7 @@ bool Synchronise(CFStringRef ofDomain = CFSTR("com.example.app")) {
 class Preferences : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(macplatform::SetStartupVolume(volume.Path().string())); }
-    void TearDown() override {
-        Discard();
-        macplatform::SetStartupVolume("");
-    }
-
-    /// Brings values that a test left waiting to an end: they go into a volume of their own.
-    static void Discard() {
-        const TemporaryFolder elsewhere;
-        macplatform::SetStartupVolume(elsewhere.Path().string());
-        Synchronise();
-    }
+    void TearDown() override { macplatform::SetStartupVolume(""); }
 
     std::filesystem::path File() const { return volume / "Library/Preferences/com.example.app.plist"; }
     PropertyValue Stored() const { return macplatform::ReadPropertyList(File().string()).root; }
@@ -85,6 +75,19 @@ TEST_F(Preferences, WaitForTheSynchronisation) {
     struct stat status {};
     ASSERT_EQ(stat(File().c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0644u);
+    ASSERT_EQ(stat((volume / "Library/Preferences").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0775u);
+}
+
+TEST_F(Preferences, WaitForTheVolumeThatTheyWereSetOn) {
+    const TemporaryFolder other;
+    Set("Lang", "ja");
+    macplatform::SetStartupVolume(other.Path().string());
+    EXPECT_TRUE(Synchronise());
+    EXPECT_TRUE(std::filesystem::is_empty(other.Path()));
+    macplatform::SetStartupVolume(volume.Path().string());
+    EXPECT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'Lang': 'ja'}\n");
 }
 
 TEST_F(Preferences, KeepEverythingElseInItsFormat) {
@@ -107,6 +110,9 @@ TEST_F(Preferences, KeepEverythingElseInItsFormat) {
                   "{\"z\": 0.10000000000000001, \"UpdateInterval\": 2, \"a\": [2011-02-03T04:05:06Z, "
                   "<000102>, true], \"n\": -9000000000, "
                   "\"InstalledProducts/Korvane Restora/CurrentVersion\": \"1.73\"}");
+        EXPECT_EQ(Python(), "{'z': 0.1, 'UpdateInterval': 2, 'a': [datetime.datetime(2011, 2, 3, 4, 5, 6), "
+                            "b'\\x00\\x01\\x02', True], 'n': -9000000000, "
+                            "'InstalledProducts/Korvane Restora/CurrentVersion': '1.73'}\n");
     }
 }
 
@@ -164,7 +170,7 @@ TEST_F(Preferences, LeaveAloneWhatTheyCannotWriteAgain) {
 }
 
 TEST_F(Preferences, RefuseNamesThatLeaveTheirFolder) {
-    for (const CFStringRef bad : {CFSTR("../../x"), CFSTR("a/b"), CFSTR("")}) {
+    for (const CFStringRef bad : {CFSTR("../../x"), CFSTR("a/b"), CFSTR(""), CFSTR(".."), CFSTR(".")}) {
         CFPreferencesSetValue(CFSTR("k"), CFSTR("v"), bad, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
         EXPECT_FALSE(Synchronise(bad));
     }
