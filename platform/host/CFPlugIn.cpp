@@ -1,6 +1,7 @@
 #include <CoreFoundation/CFPlugIn.h>
 
 #include <macplatform/Bundles.h>
+#include <macplatform/StartupVolume.h>
 
 #include "BundleFolder.h"
 #include "CFArrayObject.h"
@@ -9,6 +10,8 @@
 #include "CFUUIDObject.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <dlfcn.h>
 #include <map>
 #include <vector>
@@ -26,6 +29,7 @@ struct __CFBundle : Object {
     std::map<UuidBytes, std::string> factories;        ///< Function names.
     std::map<UuidBytes, std::vector<UuidBytes>> types; ///< Their factories.
     void* code = nullptr;                              ///< Of the dynamic linker; never closed.
+    std::size_t instances = 0;                         ///< Each holds a reference.
 };
 
 namespace {
@@ -61,13 +65,15 @@ Bundle& CheckedBundle(const void* plugIn, const char* function) {
 
 std::string ListPath(const Bundle& bundle) { return bundle.folder.path + "/Contents/Info.plist"; }
 
-/// Factories and types out of the property list; what is no UUID or no name is left out, as the Mac does.
+/// Factories and types out of the property list; what is no UUID or no name is left out.
 void ReadTables(Bundle& bundle) {
     if (const PropertyValue* const factories = bundle.folder.info.Find("CFPlugInFactories")) {
         for (std::size_t i = 0; i < factories->keys.size(); ++i) {
             const auto factory = ParseUuid(factories->keys[i]);
-            if (factory && !factories->values[i].text.empty())
-                bundle.factories[*factory] = factories->values[i].text;
+            const PropertyValue& function = factories->values[i];
+            if (factory && function.kind == PropertyValue::Kind::Text) {
+                bundle.factories[*factory] = function.text;
+            }
         }
     }
     const PropertyValue* const types = bundle.folder.info.Find("CFPlugInTypes");
@@ -93,8 +99,13 @@ void NoteMissingKeys(const Bundle& bundle) {
     }
 }
 
-Bundle* OpenBundle(const std::string& path) {
+Bundle* OpenBundle(const std::string& macPath) {
     LastFailure() = {};
+    const std::string path = HostPath(macPath);
+    if (path.empty()) {
+        Fail(BundleFault::NoBundle, macPath + ": " + std::strerror(errno));
+        return nullptr;
+    }
     for (Bundle* const known : Bundles()) {
         if (known->folder.path == path && TryRetain(*known)) return known;
     }
@@ -239,14 +250,19 @@ void CFPlugInAddInstanceForFactory(CFUUIDRef factory) {
     constexpr char name[] = "CFPlugInAddInstanceForFactory";
     PlatformCall call(name);
     Tell(call, factory);
-    if (const Bundle* const bundle = BundleOfFactory(BytesOf(factory, name))) Retain(*bundle);
+    if (Bundle* const bundle = BundleOfFactory(BytesOf(factory, name))) {
+        ++bundle->instances;
+        Retain(*bundle);
+    }
 }
 
 void CFPlugInRemoveInstanceForFactory(CFUUIDRef factory) {
     constexpr char name[] = "CFPlugInRemoveInstanceForFactory";
     PlatformCall call(name);
     Tell(call, factory);
+    Bundle* const bundle = BundleOfFactory(BytesOf(factory, name));
     // A count that was never raised would free the bundle under its owner.
-    if (Bundle* const bundle = BundleOfFactory(BytesOf(factory, name)); bundle && bundle->references > 1)
-        Release(*bundle);
+    if (!bundle || bundle->instances == 0) return;
+    --bundle->instances;
+    Release(*bundle);
 }

@@ -2,6 +2,7 @@
 
 #include <macplatform/Bundles.h>
 #include <macplatform/LiveObjects.h>
+#include <macplatform/StartupVolume.h>
 
 #include "TemporaryFolder.h"
 
@@ -16,6 +17,9 @@ const char typeText[] = "11111111-2222-3333-4444-555555555555";
 const char factoryText[] = "AAAAAAAA-2222-3333-4444-555555555555";
 constexpr CFUUIDBytes typeBytes = {0x11, 0x11, 0x11, 0x11, 0x22, 0x22, 0x33, 0x33,
                                    0x44, 0x44, 0x55, 0x55, 0x55, 0x55, 0x55, 0x55};
+
+constexpr CFUUIDBytes factoryBytes = {0xAA, 0xAA, 0xAA, 0xAA, 0x22, 0x22, 0x33, 0x33,
+                                      0x44, 0x44, 0x55, 0x55, 0x55, 0x55, 0x55, 0x55};
 
 std::string InfoList(const std::string& function, const std::string& executable = "Sample") {
     return std::string("<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>") + executable +
@@ -74,6 +78,51 @@ TEST_F(PlugIn, GivesAnInstance) {
     EXPECT_EQ(again, plugIn);
     EXPECT_EQ(CFGetRetainCount(plugIn), 2);
     CFRelease(again);
+    CFRelease(plugIn);
+}
+
+TEST_F(PlugIn, LivesAsLongAsItsInstances) {
+    WriteInfo(InfoList("MakeSample"));
+    const CFPlugInRef plugIn = Create(bundle);
+    const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, factoryBytes);
+    CFPlugInRemoveInstanceForFactory(factory);
+    EXPECT_EQ(CFGetRetainCount(plugIn), 1) << "there was no instance";
+    CFPlugInAddInstanceForFactory(factory);
+    CFRelease(plugIn);
+    EXPECT_EQ(CFGetRetainCount(plugIn), 1);
+    CFPlugInRemoveInstanceForFactory(factory);
+    CFPlugInRemoveInstanceForFactory(factory);
+    CFPlugInAddInstanceForFactory(factory);
+    EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1) << "the UUID alone";
+    CFRelease(factory);
+}
+
+TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
+    WriteInfo(InfoList("MakeSample"));
+    folder.Write("Other.bundle/Contents/Info.plist", "<plist><dict/></plist>");
+    const CFPlugInRef empty = Create(folder / "Other.bundle");
+    const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, typeBytes);
+    EXPECT_EQ(CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, empty), nullptr);
+    const CFPlugInRef plugIn = Create(bundle);
+    const CFArrayRef none = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, empty);
+    ASSERT_TRUE(none);
+    EXPECT_EQ(CFArrayGetCount(none), 0);
+    const CFArrayRef one = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, plugIn);
+    ASSERT_EQ(CFArrayGetCount(one), 1);
+    const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, factoryBytes);
+    EXPECT_TRUE(CFEqual(CFArrayGetValueAtIndex(one, 0), factory));
+    for (const CFTypeRef object : {CFTypeRef(empty), CFTypeRef(type), CFTypeRef(plugIn), CFTypeRef(none),
+                                   CFTypeRef(one), CFTypeRef(factory)}) {
+        CFRelease(object);
+    }
+}
+
+TEST_F(PlugIn, IsFoundOnTheStartupVolume) {
+    folder.Write("Library/Sample.bundle/Contents/Info.plist", InfoList("MakeSample"));
+    macplatform::SetStartupVolume(folder.Path().string());
+    const CFPlugInRef plugIn = Create("/Library/Sample.bundle");
+    macplatform::SetStartupVolume("");
+    ASSERT_TRUE(plugIn) << LastBundleFailure().text;
     CFRelease(plugIn);
 }
 
