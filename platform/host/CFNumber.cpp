@@ -3,7 +3,6 @@
 #include "CFNumberObject.h"
 
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -17,9 +16,7 @@ const NumberValue& ToValue(const Object& object) { return static_cast<const __CF
 std::string DescribeNumber(const Object& object) {
     const NumberValue& value = ToValue(object);
     if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
-    char text[32];
-    static_cast<void>(std::snprintf(text, sizeof text, "%.17g", std::get<double>(value)));
-    return text;
+    return Digits(std::get<double>(value));
 }
 
 template <typename To>
@@ -41,7 +38,9 @@ bool EqualNumbers(const Object& left, const Object& right) {
 template <typename To>
 bool Convert(std::int64_t whole, To& converted) {
     if constexpr (std::is_floating_point_v<To>) {
-        converted = static_cast<To>(whole);
+        // In 32-bit code the conversion goes through an 80-bit register, which would give every number back.
+        const volatile To rounded = static_cast<To>(whole);
+        converted = rounded;
         std::int64_t back = 0;
         return Convert(static_cast<double>(converted), back) && back == whole;
     } else {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <utility>
 
 namespace macplatform {
@@ -54,6 +55,11 @@ std::string Quoted(const std::string& text) {
         }
     }
     return quoted += '"';
+}
+
+std::string Digits(double number) {
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, number).ptr};
 }
 
 PlatformCall::PlatformCall(const char* functionName)

@@ -12,6 +12,8 @@ namespace macplatform {
 /// A text in quotation marks, with line breaks, control bytes and quotation marks escaped; "NULL" for null.
 std::string Quoted(const char* text);
 std::string Quoted(const std::string& text);
+/// By the fewest digits that give the same number back.
+std::string Digits(double number);
 
 /// One call in progress; when it ends, the observer is told. Calls that the platform makes inside it are not
 /// told and meet no ordered fault.

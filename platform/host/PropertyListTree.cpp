@@ -1,8 +1,8 @@
 #include "PropertyListTree.h"
 
+#include "PlatformCall.h"
 #include "PropertyListLimits.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
@@ -16,20 +16,20 @@ struct FreeBlock {
 };
 using Block = std::unique_ptr<char, FreeBlock>;
 
-std::string Shown(const char* pattern, double value) {
-    char text[64];
-    std::snprintf(text, sizeof text, pattern, value);
-    return text;
-}
-
 std::string DateText(plist_t node) {
     constexpr std::int64_t secondsFrom1970To2001 = 978307200;
+    constexpr std::int64_t secondsIn28Years =
+        883612800; // then days and dates fall together again, until 2100
     std::int32_t seconds = 0, microseconds = 0;
     plist_get_date_val(node, &seconds, &microseconds);
-    const auto time = static_cast<time_t>(seconds + secondsFrom1970To2001);
+    const std::int64_t time = seconds + secondsFrom1970To2001;
+    const bool isLate = time > INT32_MAX; // for a time_t of 32 bits
+    const auto calendarTime = static_cast<time_t>(isLate ? time - secondsIn28Years : time);
     tm parts{};
     char text[32] = "";
-    if (gmtime_r(&time, &parts)) std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
+    if (!gmtime_r(&calendarTime, &parts)) return text;
+    if (isLate) parts.tm_year += 28;
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
     return text;
 }
 
@@ -131,7 +131,7 @@ PropertyValue ValueOf(plist_t node) {
     case PLIST_REAL: {
         double real = 0;
         plist_get_real_val(node, &real);
-        made(Kind::Real).text = Shown("%.17g", real);
+        made(Kind::Real).text = Digits(real);
         break;
     }
     case PLIST_STRING:

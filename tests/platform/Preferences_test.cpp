@@ -107,7 +107,7 @@ TEST_F(Preferences, KeepEverythingElseInItsFormat) {
         EXPECT_TRUE(Synchronise());
         EXPECT_EQ(ReadBytes(File()).substr(0, 5), binary ? "bplis" : "<?xml");
         EXPECT_EQ(Stored().Describe(),
-                  "{\"z\": 0.10000000000000001, \"UpdateInterval\": 2, \"a\": [2011-02-03T04:05:06Z, "
+                  "{\"z\": 0.1, \"UpdateInterval\": 2, \"a\": [2011-02-03T04:05:06Z, "
                   "<000102>, true], \"n\": -9000000000, "
                   "\"InstalledProducts/Korvane Restora/CurrentVersion\": \"1.73\"}");
         EXPECT_EQ(Python(), "{'z': 0.1, 'UpdateInterval': 2, 'a': [datetime.datetime(2011, 2, 3, 4, 5, 6), "

@@ -19,7 +19,7 @@ const char oneOfEach[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0"><dict>
 <key>text</key><string>caf&#233; &lt;1&gt;</string><key>integer</key><integer>-5</integer>
 <key>real</key><real>0.5</real><key>yes</key><true/><key>data</key><data>CgsM</data>
-<key>date</key><date>2011-02-03T04:05:06Z</date><key>array</key><array><string/><dict/></array>
+<key>date</key><date>2011-02-03T04:05:06Z</date><key>array</key><array><string/><dict/><date>2040-02-29T23:59:58Z</date></array>
 </dict></plist>)";
 
 } // namespace
@@ -38,7 +38,7 @@ TEST(PropertyList, ReadsBothFormatsAlike) {
     EXPECT_EQ(
         fromXml.root.Describe(),
         "{\"text\": \"caf\xC3\xA9 <1>\", \"integer\": -5, \"real\": 0.5, \"yes\": true, \"data\": <0a0b0c>, "
-        "\"date\": 2011-02-03T04:05:06Z, \"array\": [\"\", {}]}");
+        "\"date\": 2011-02-03T04:05:06Z, \"array\": [\"\", {}, 2040-02-29T23:59:58Z]}");
     EXPECT_EQ(fromXml.root.Find("integer")->integer, -5);
     EXPECT_STREQ(fromXml.root.Find("text")->KindName(), "string");
     EXPECT_EQ(fromXml.root.Find("none"), nullptr);

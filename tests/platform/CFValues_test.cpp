@@ -1,0 +1,183 @@
+#include <CoreFoundation/CoreFoundation.h>
+#include <macplatform/Journal.h>
+#include <macplatform/LiveObjects.h>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+/// What a live object is listed as; it is the only one and is released.
+std::string TakeDescription(CFTypeRef object) {
+    if (!object) return "NULL";
+    const auto lines = macplatform::DescribeLiveObjects();
+    CFRelease(object);
+    EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
+    return lines.size() == 1 ? lines.front() : "not one object";
+}
+
+constexpr CFUUIDBytes someBytes = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
+                                   0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF};
+
+CFUUIDRef Constant(UInt8 last) {
+    return CFUUIDGetConstantUUIDWithBytes(nullptr, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, last);
+}
+
+template <typename T>
+CFNumberRef NewNumber(CFNumberType type, T value) {
+    return CFNumberCreate(kCFAllocatorDefault, type, &value);
+}
+
+TEST(Uuid, IsOneObjectForTheSameBytes) {
+    const CFUUIDRef one = CFUUIDCreateFromUUIDBytes(nullptr, someBytes);
+    const CFUUIDRef other = CFUUIDCreateFromUUIDBytes(nullptr, someBytes);
+    EXPECT_EQ(one, other);
+    EXPECT_EQ(CFGetRetainCount(one), 2);
+    const CFUUIDBytes bytes = CFUUIDGetUUIDBytes(one);
+    EXPECT_EQ(std::memcmp(&bytes, &someBytes, sizeof bytes), 0);
+    CFRelease(one);
+    EXPECT_EQ(TakeDescription(other), "UUID 01234567-89AB-CDEF-0123-456789ABCDEF, 1 reference");
+}
+
+TEST(Uuid, OnceConstantIsNeverFreed) {
+    CFUUIDBytes bytes{};
+    bytes.byte15 = 7;
+    const CFUUIDRef made = CFUUIDCreateFromUUIDBytes(nullptr, bytes);
+    EXPECT_EQ(Constant(7), made);
+    for (int i = 0; i < 5; ++i) CFRelease(made);
+    EXPECT_EQ(CFGetRetainCount(made), 0x7FFFFFFF);
+    EXPECT_EQ(Constant(7), made);
+    EXPECT_NE(Constant(8), made);
+    EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
+}
+
+TEST(Uuid, StaysWholeWhileThreadsMakeAndFreeIt) {
+    const auto work = [] {
+        for (int i = 0; i < 20000; ++i) {
+            const CFUUIDRef uuid = CFUUIDCreateFromUUIDBytes(nullptr, someBytes);
+            const CFUUIDBytes bytes = CFUUIDGetUUIDBytes(uuid);
+            if (std::memcmp(&bytes, &someBytes, sizeof bytes) != 0) ADD_FAILURE();
+            CFRelease(uuid);
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
+}
+
+TEST(Number, HoldsWhatEachTypeReads) {
+    EXPECT_EQ(TakeDescription(NewNumber<std::int8_t>(kCFNumberSInt8Type, -128)), "number -128, 1 reference");
+    EXPECT_EQ(TakeDescription(NewNumber<short>(kCFNumberShortType, 32767)), "number 32767, 1 reference");
+    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberIntType, -2)), "number -2, 1 reference");
+    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberLongType, LONG_MIN)),
+              "number " + std::to_string(LONG_MIN) + ", 1 reference");
+    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberSInt64Type, INT64_MIN)),
+              "number -9223372036854775808, 1 reference");
+    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberFloatType, 0.5F)), "number 0.5, 1 reference");
+    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberDoubleType, 1e300)), "number 1e+300, 1 reference");
+    EXPECT_EQ(NewNumber(static_cast<CFNumberType>(99), 1), nullptr);
+    EXPECT_DEATH(CFNumberCreate(nullptr, kCFNumberIntType, nullptr), "CFNumberCreate: the value is NULL");
+}
+
+TEST(Number, TellsWhetherAConversionLoses) {
+    const double inf = std::numeric_limits<double>::infinity();
+    const struct {
+        const char* name;
+        double value;
+        bool fits;
+        SInt32 nearest;
+    } rows[] = {
+        {"Whole", -5.0, true, -5},
+        {"Fraction", 2.75, false, 2},
+        {"Highest", 2147483647.0, true, 2147483647},
+        {"AboveTheHighest", 2147483648.0, false, 2147483647},
+        {"Lowest", -2147483648.0, true, INT_MIN},
+        {"BelowTheLowest", -2147483649.0, false, INT_MIN},
+        {"Infinite", inf, false, 2147483647},
+        {"NotANumber", std::nan(""), false, 0},
+    };
+    for (const auto& row : rows) {
+        const CFNumberRef number = NewNumber(kCFNumberDoubleType, row.value);
+        SInt32 converted = 99;
+        EXPECT_EQ(CFNumberGetValue(number, kCFNumberSInt32Type, &converted), row.fits) << row.name;
+        EXPECT_EQ(converted, row.nearest) << row.name;
+        CFRelease(number);
+    }
+    const CFNumberRef odd = NewNumber(kCFNumberLongLongType, (1LL << 53) + 1);
+    double real = 0;
+    EXPECT_FALSE(CFNumberGetValue(odd, kCFNumberDoubleType, &real)) << "53 bits are not enough";
+    float small = 0;
+    EXPECT_FALSE(CFNumberGetValue(odd, kCFNumberFloatType, &small));
+    std::int16_t narrow = 0;
+    EXPECT_FALSE(CFNumberGetValue(odd, kCFNumberSInt16Type, &narrow));
+    EXPECT_EQ(narrow, 32767);
+    CFRelease(odd);
+}
+
+TEST(Number, EqualsByItsValue) {
+    const CFNumberRef two = NewNumber(kCFNumberIntType, 2);
+    const CFNumberRef real = NewNumber(kCFNumberDoubleType, 2.0);
+    const CFNumberRef more = NewNumber(kCFNumberDoubleType, 2.5);
+    EXPECT_TRUE(CFEqual(two, real));
+    EXPECT_FALSE(CFEqual(two, more));
+    EXPECT_FALSE(CFEqual(two, CFSTR("2")));
+    EXPECT_EQ(CFGetTypeID(two), CFNumberGetTypeID());
+    for (const CFNumberRef number : {two, real, more}) CFRelease(number);
+}
+
+TEST(Url, HoldsAnAbsolutePath) {
+    char folder[PATH_MAX];
+    ASSERT_TRUE(getcwd(folder, sizeof folder));
+    const struct {
+        const char* path;
+        Boolean isDirectory;
+        CFURLPathStyle style;
+        std::string described;
+    } rows[] = {
+        {"/a b%/c", false, kCFURLPOSIXPathStyle, "URL \"/a b%/c\", 1 reference"},
+        {"/a", true, kCFURLPOSIXPathStyle, "URL \"/a/\", 1 reference"},
+        {"/a//", true, kCFURLPOSIXPathStyle, "URL \"/a/\", 1 reference"},
+        {"/a/", false, kCFURLPOSIXPathStyle, "URL \"/a\", 1 reference"},
+        {"/", false, kCFURLPOSIXPathStyle, "URL \"/\", 1 reference"},
+        {"x", false, kCFURLPOSIXPathStyle, std::string("URL \"") + folder + "/x\", 1 reference"},
+        {"", true, kCFURLPOSIXPathStyle, "NULL"},
+        {"Disk:Folder", false, kCFURLHFSPathStyle, "NULL"},
+        {"C:\\a", false, kCFURLWindowsPathStyle, "NULL"},
+    };
+    for (const auto& row : rows) {
+        const CFStringRef text = __CFStringMakeConstantString(row.path);
+        EXPECT_EQ(TakeDescription(CFURLCreateWithFileSystemPath(nullptr, text, row.style, row.isDirectory)),
+                  row.described);
+    }
+    const UniChar broken[][3] = {{'/', 0xD800, 'a'}, {'/', 0, 'a'}};
+    for (const auto& units : broken) {
+        const CFStringRef text = CFStringCreateWithCharacters(nullptr, units, 3);
+        EXPECT_EQ(CFURLCreateWithFileSystemPath(nullptr, text, kCFURLPOSIXPathStyle, false), nullptr);
+        CFRelease(text);
+    }
+}
+
+TEST(Values, AreRefusedWhenAFaultIsOrdered) {
+    for (const char* const call :
+         {"CFUUIDCreateFromUUIDBytes", "CFUUIDGetConstantUUIDWithBytes", "CFNumberCreate",
+          "CFURLCreateWithFileSystemPath", "CFStringCreateWithCharacters", "CFEqual"}) {
+        macplatform::OrderFault({call});
+    }
+    const UniChar unit = 'a';
+    EXPECT_EQ(CFUUIDCreateFromUUIDBytes(nullptr, someBytes), nullptr);
+    EXPECT_EQ(Constant(1), nullptr);
+    EXPECT_EQ(NewNumber(kCFNumberIntType, 1), nullptr);
+    EXPECT_EQ(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/"), kCFURLPOSIXPathStyle, true), nullptr);
+    EXPECT_EQ(CFStringCreateWithCharacters(nullptr, &unit, 1), nullptr);
+    EXPECT_FALSE(CFEqual(CFSTR("a"), CFSTR("a")));
+    EXPECT_EQ(macplatform::CancelFaults(), 0U);
+}
+
+} // namespace
