@@ -7,19 +7,19 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// What a call threw, as "FILE:LINE kind KIND errno NUMBER: MESSAGE (PATH)"; empty when nothing.
+/// What a call threw, as "LINE KIND ERRNO: MESSAGE"; empty when nothing. `source` and `path` must be its own.
 template <typename Call>
-std::string FailureOf(Call call) {
+std::string FailureOf(const char* source, const std::string& path, Call call) {
     try {
         call();
         return {};
     } catch (const Util::Exception::FileIO& failure) {
-        const String path = failure.GetFolderPath().IsEmpty() ? failure.GetFilePath().ToString()
-                                                              : failure.GetFolderPath().ToString();
-        return std::string(failure.GetFilename().Latin1()) + ":" + std::to_string(failure.GetLineNumber()) +
-               " kind " + std::to_string(failure.GetErrorKind()) + " errno " +
-               std::to_string(failure.GetErrorNumber()) + ": " + failure.GetMessageText().Latin1() + " (" +
-               path.Latin1() + ")";
+        const bool isFile = failure.GetFolderPath().IsEmpty();
+        const String its = isFile ? failure.GetFilePath().ToString() : failure.GetFolderPath().ToString();
+        const bool own = failure.GetFilename() == source && its == path.c_str();
+        return std::to_string(failure.GetLineNumber()) + " " + std::to_string(failure.GetErrorKind()) + " " +
+               std::to_string(failure.GetErrorNumber()) + ": " + failure.GetMessageText().Latin1() +
+               (own ? "" : " in another place");
     }
 }
 
@@ -32,5 +32,5 @@ bool HoldsForAnyUser(Check check) {
         _exit(bound && check() ? 0 : 1);
     }
     int status = -1;
-    return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return child > 0 && waitpid(child, &status, 0) == child && status == 0;
 }
