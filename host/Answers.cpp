@@ -1,0 +1,105 @@
+#include "Answers.h"
+
+#include "Console.h"
+#include "DisplayText.h"
+#include "ExitStatus.h"
+#include "Interruption.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <poll.h>
+#include <unistd.h>
+#include <utility>
+
+namespace xcodhost {
+
+namespace {
+
+bool IsStop(const macplatform::Alert& alert) { return alert.kind == macplatform::Alert::Kind::Stop; }
+
+std::vector<std::string> ButtonsOf(const macplatform::Alert& alert) {
+    return alert.buttons.empty() ? std::vector<std::string>{"OK"} : alert.buttons;
+}
+
+std::string Question(const macplatform::Alert& alert, const std::vector<std::string>& buttons) {
+    std::string text = '\n' + Describe(alert) + '\n';
+    if (IsStop(alert)) text += "  (its text lies in a resource of the installer)\n";
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        text += "  " + std::to_string(i + 1) + "  " + Printable(buttons[i]) + '\n';
+    }
+    return text;
+}
+
+/// The place of the button that a person typed the number or the title of, and 0 for nothing; -1 for anything
+/// else.
+int Chosen(const std::string& typed, const std::vector<std::string>& buttons) {
+    if (typed.empty()) return 0;
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        if (typed == buttons[i] || typed == std::to_string(i + 1)) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+} // namespace
+
+Answers::Answers(AnswerPolicy answerPolicy, const Interruption& pendingSignals)
+    : policy(std::move(answerPolicy)), interruption(pendingSignals) {}
+
+Answer Answers::To(const macplatform::Alert& alert) {
+    if (policy.kind == AnswerPolicy::Kind::Ask) return Ask(alert);
+    if (IsStop(alert)) return {-1, "its resource is not here"};
+    if (policy.kind == AnswerPolicy::Kind::First) return {0, {}};
+    return TakeTitle(alert);
+}
+
+Answer Answers::TakeTitle(const macplatform::Alert& alert) {
+    if (nextTitle == policy.titles.size()) return {-1, "no answer was left for it"};
+    const std::string& title = policy.titles[nextTitle++];
+    const std::vector<std::string> buttons = ButtonsOf(alert);
+    const auto button = std::find(buttons.begin(), buttons.end(), title);
+    if (button == buttons.end()) return {-1, "it has no button " + PrintableQuoted(title)};
+    return {static_cast<int>(button - buttons.begin()), {}};
+}
+
+Answer Answers::Ask(const macplatform::Alert& alert) {
+    const std::vector<std::string> buttons = ButtonsOf(alert);
+    WriteError(Question(alert, buttons));
+    std::string line;
+    while (true) {
+        WriteError("Button [1]: ");
+        if (!ReadLine(line)) return {-1, "nobody answered"};
+        const int button = Chosen(line, buttons);
+        if (button >= 0) return {button, {}};
+        WriteError("There is no button " + PrintableQuoted(line) + ".\n");
+    }
+}
+
+/// False at the end of the input. Waits for the signals too: a question must not outlive Ctrl-C.
+bool Answers::ReadLine(std::string& line) {
+    while (true) {
+        const std::size_t end = typedAhead.find('\n');
+        if (end != std::string::npos) {
+            line = typedAhead.substr(0, end);
+            typedAhead.erase(0, end + 1);
+            return true;
+        }
+        std::array<pollfd, 2> waits{{{STDIN_FILENO, POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
+        if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
+            throw ToolFault::FromErrno("standard input");
+        }
+        interruption.Check();
+        std::array<char, 256> bytes{};
+        const ssize_t count = waits[0].revents != 0 ? read(STDIN_FILENO, bytes.data(), bytes.size()) : -1;
+        if (count == 0 || (count < 0 && waits[0].revents != 0 && errno != EINTR && errno != EAGAIN))
+            return false;
+        if (count > 0) typedAhead.append(bytes.data(), static_cast<std::size_t>(count));
+    }
+}
+
+std::string Describe(const macplatform::Alert& alert) {
+    if (IsStop(alert)) return "Stop alert " + std::to_string(alert.resource);
+    return "Alert " + PrintableQuoted(alert.message);
+}
+
+} // namespace xcodhost

@@ -1,0 +1,43 @@
+#pragma once
+
+/// What a bundle says of itself and holds, read without loading it.
+
+#include <macplatform/PropertyList.h>
+
+#include <string>
+#include <vector>
+
+namespace xcodhost {
+
+struct BundleFactory {
+    std::string identifier;
+    std::string function;
+};
+
+struct BundleType {
+    std::string identifier;
+    std::vector<std::string> factories;
+};
+
+struct BundleExecutable {
+    std::string platform; ///< The subfolder of `Contents`: "Linux" or "MacOS".
+    std::string path;
+    std::string format; ///< "ELF", "Mach-O", or empty for neither.
+    std::vector<std::string> architectures;
+    std::vector<std::string> exports; ///< Of ELF files only.
+    std::string problem;
+};
+
+struct BundleInfo {
+    std::string path;
+    macplatform::PropertyValue propertyList;
+    std::vector<BundleFactory> factories;
+    std::vector<BundleType> types;
+    std::vector<BundleExecutable> executables;
+};
+
+/// Throws a Refusal (NotLoaded), naming the path, when there is no bundle, its property list cannot be read
+/// or lacks the factories or types, there is no executable, or one is no executable of any kind.
+BundleInfo ReadBundle(const std::string& path);
+
+} // namespace xcodhost

@@ -1,0 +1,45 @@
+#include "Channel.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace xcodhost {
+
+bool SendAll(int socket, const char* bytes, std::size_t size) {
+    while (size > 0) {
+        const ssize_t count = send(socket, bytes, size, MSG_NOSIGNAL);
+        if (count >= 0) {
+            bytes += count;
+            size -= static_cast<std::size_t>(count);
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void Channel::Tell(const Message& message) const {
+    if (getpid() != owner) return;
+    const std::string line = Encode(message);
+    if (!SendAll(socket, line.data(), line.size())) _exit(70); // without its parent it has no purpose
+}
+
+int Channel::Ask(const macplatform::Alert& alert) const {
+    if (getpid() != owner) return -1;
+    Tell(alert);
+    std::int32_t answer = -1;
+    char* const bytes = reinterpret_cast<char*>(&answer);
+    for (std::size_t got = 0; got < sizeof answer;) {
+        const ssize_t count = recv(socket, bytes + got, sizeof answer - got, 0);
+        if (count > 0) {
+            got += static_cast<std::size_t>(count);
+        } else if (count == 0 || errno != EINTR) {
+            _exit(70);
+        }
+    }
+    return answer;
+}
+
+} // namespace xcodhost

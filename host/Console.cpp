@@ -1,0 +1,59 @@
+#include "Console.h"
+
+#include "DisplayText.h"
+#include "ExitStatus.h"
+#include "Interruption.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace xcodhost {
+
+namespace {
+
+bool WriteAll(int descriptor, const std::string& text) {
+    std::size_t written = 0;
+    while (written < text.size()) {
+        const ssize_t count = write(descriptor, text.data() + written, text.size() - written);
+        if (count >= 0) {
+            written += static_cast<std::size_t>(count);
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+void PrepareStandardStreams() {
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        // The lowest free number is given, so each open fills the gap that was found.
+        if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) std::_Exit(70);
+    }
+    SetSignalEffect(SIGPIPE, SIG_IGN);
+}
+
+void WriteResult(const std::string& text) {
+    if (!WriteAll(STDOUT_FILENO, text) && errno != EPIPE) {
+        throw ToolFault::FromErrno("the result cannot be written to standard output");
+    }
+}
+
+void WriteError(const std::string& text) { WriteAll(STDERR_FILENO, text); }
+
+void Note(const std::string& line) { WriteError("xcodhost: " + Printable(line) + '\n'); }
+
+Style::Style() : isColoured(isatty(STDOUT_FILENO) == 1) {
+    const char* refused = std::getenv("NO_COLOR");
+    if (refused && *refused) isColoured = false;
+}
+
+std::string Style::Wrapped(const char* code, const std::string& text) const {
+    return isColoured ? std::string("\x1B[") + code + 'm' + text + "\x1B[0m" : text;
+}
+
+} // namespace xcodhost

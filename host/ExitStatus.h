@@ -1,0 +1,38 @@
+#pragma once
+
+/// How the program ends, and the refusals that end it early.
+
+#include <stdexcept>
+#include <string>
+
+namespace xcodhost {
+
+enum class ExitStatus {
+    Done = 0,
+    Failed = 1,    ///< The plug-in set an error bit, or a check failed.
+    Usage = 2,     ///< Wrong usage: nothing was started and nothing written.
+    NotLoaded = 3, ///< The bundle cannot be loaded.
+    Crashed = 4,   ///< The bundle crashed, ended the process or let an exception out.
+    TimeLimit = 5,
+    ToolFault = 70, ///< The tool could not do its own work.
+};
+
+/// What `main` says on one line of standard error before it ends with `status`.
+class Refusal : public std::runtime_error {
+public:
+    Refusal(ExitStatus refusalStatus, const std::string& text)
+        : std::runtime_error(text), status(refusalStatus) {}
+    const ExitStatus status;
+};
+
+struct UsageError : Refusal {
+    explicit UsageError(const std::string& text) : Refusal(ExitStatus::Usage, text) {}
+};
+
+struct ToolFault : Refusal {
+    explicit ToolFault(const std::string& text) : Refusal(ExitStatus::ToolFault, text) {}
+    /// The action that the system refused, and errno's reason.
+    static ToolFault FromErrno(const std::string& action);
+};
+
+} // namespace xcodhost

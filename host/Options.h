@@ -1,0 +1,61 @@
+#pragma once
+
+/// The command line.
+
+#include "Answers.h"
+#include "SampleVolume.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace xcodhost {
+
+struct RunOptions {
+    std::string bundle;
+    std::optional<std::int32_t> product; ///< Always given unless `blockFile` is.
+    std::int32_t language = 0;
+    std::uint16_t selector = 1000;
+    std::vector<std::uint16_t> messages; ///< One delivery each, in this order.
+    std::string blockFile;               ///< Empty: blocks are made from the four values above.
+    bool isDirect = false;
+    std::string volume; ///< Empty: a scratch sample volume.
+    bool isDryRun = false;
+    AnswerPolicy answers;
+    bool hasTrace = false;
+    bool isJson = false;
+    double secondsPerCall = 10;
+};
+
+struct ShowOptions {
+    std::string volume;
+    bool isJson = false;
+};
+
+struct VolumeOptions {
+    std::string folder;
+    SampleVolume sample;
+    bool isJson = false;
+};
+
+struct InfoOptions {
+    std::string bundle;
+    bool isJson = false;
+};
+
+/// Text that the command line asked for instead of work: help, or the version.
+struct HelpText {
+    std::string text;
+};
+
+using Command = std::variant<HelpText, RunOptions, ShowOptions, VolumeOptions, InfoOptions>;
+
+/// Throws UsageError with one line that names the option.
+Command ParseCommandLine(int argc, const char* const* argv);
+
+/// Whether "--json" stands anywhere among the arguments, for errors that come before they are understood.
+bool WantsJson(int argc, const char* const* argv);
+
+} // namespace xcodhost

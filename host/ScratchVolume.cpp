@@ -1,0 +1,124 @@
+#include "ScratchVolume.h"
+
+#include "DisplayText.h"
+#include "ExitStatus.h"
+#include "Interruption.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+#include <vector>
+
+namespace xcodhost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+ToolFault CannotCopy(const std::string& path) {
+    return ToolFault::FromErrno("the scratch copy of the volume: " + Printable(path));
+}
+
+/// The value of an attribute, whatever its size; false, with errno, when it cannot be read.
+bool ReadAttribute(const char* path, const char* name, std::vector<char>& value) {
+    while (true) {
+        const ssize_t size = lgetxattr(path, name, nullptr, 0);
+        if (size < 0) return false;
+        value.resize(static_cast<std::size_t>(size));
+        const ssize_t got = lgetxattr(path, name, value.data(), value.size());
+        if (got >= 0) {
+            value.resize(static_cast<std::size_t>(got));
+            return true;
+        }
+        if (errno != ERANGE) return false; // ERANGE: it has grown meanwhile
+    }
+}
+
+void CopyAttributes(const std::string& from, const std::string& to) {
+    const ssize_t size = llistxattr(from.c_str(), nullptr, 0);
+    if (size <= 0) return;
+    std::vector<char> names(static_cast<std::size_t>(size));
+    const ssize_t got = llistxattr(from.c_str(), names.data(), names.size());
+    if (got < 0) throw CannotCopy(from);
+    std::vector<char> value;
+    for (const char* name = names.data(); name < names.data() + got; name += std::strlen(name) + 1) {
+        // Labels of the security system belong to the place, not to the file.
+        if (std::strncmp(name, "security.", 9) == 0 || std::strncmp(name, "system.", 7) == 0) continue;
+        if (!ReadAttribute(from.c_str(), name, value)) throw CannotCopy(from);
+        if (lsetxattr(to.c_str(), name, value.data(), value.size(), 0) < 0) {
+            throw ToolFault::FromErrno("the scratch copy of the volume: " + Printable(to) + ": attribute " +
+                                       Printable(name) + " (TMPDIR names another place for it)");
+        }
+    }
+}
+
+void CopySettings(const std::string& from, const struct stat& status, const std::string& to) {
+    // An owner that cannot be given is the reason why a run without privileges works at all.
+    if (lchown(to.c_str(), status.st_uid, status.st_gid) < 0 && errno != EPERM) throw CannotCopy(to);
+    CopyAttributes(from, to);
+    if (!S_ISLNK(status.st_mode) && chmod(to.c_str(), status.st_mode & 07777) < 0) throw CannotCopy(to);
+    const struct timespec times[2] = {status.st_atim, status.st_mtim};
+    if (utimensat(AT_FDCWD, to.c_str(), times, AT_SYMLINK_NOFOLLOW) < 0) throw CannotCopy(to);
+}
+
+/// False for what has no contents to copy.
+bool CopyContents(const std::string& from, const struct stat& status, const std::string& to) {
+    std::error_code error;
+    switch (status.st_mode & S_IFMT) {
+    case S_IFDIR:
+        fs::create_directory(to, error);
+        break;
+    case S_IFREG:
+        fs::copy_file(from, to, error);
+        break;
+    case S_IFLNK:
+        fs::copy_symlink(from, to, error);
+        break;
+    case S_IFIFO:
+        if (mkfifo(to.c_str(), 0600) < 0) throw CannotCopy(to);
+        break;
+    default:
+        return false;
+    }
+    if (error) throw ToolFault("the scratch copy of the volume: " + Printable(from) + ": " + error.message());
+    return true;
+}
+
+/// A folder's settings come last: a copy of one that may not be written into must be filled first.
+void CopyItem(const std::string& from, const std::string& to, const Interruption& interruption) {
+    interruption.Check();
+    struct stat status {};
+    if (lstat(from.c_str(), &status) < 0) throw CannotCopy(from);
+    if (!CopyContents(from, status, to)) return;
+    if (S_ISDIR(status.st_mode)) CopyVolume(from, to, interruption);
+    CopySettings(from, status, to);
+}
+
+} // namespace
+
+ScratchFolder::ScratchFolder() {
+    std::error_code error;
+    path = (fs::temp_directory_path(error) / "xcodhost.XXXXXX").string();
+    if (error) throw ToolFault("no place for temporary files: " + error.message());
+    if (!mkdtemp(path.data())) throw ToolFault::FromErrno(path);
+}
+
+ScratchFolder::~ScratchFolder() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+}
+
+void CopyVolume(const std::string& from, const std::string& to, const Interruption& interruption) {
+    std::error_code error;
+    for (fs::directory_iterator entry(from, error), end; !error && entry != end; entry.increment(error)) {
+        CopyItem(entry->path().string(), (fs::path(to) / entry->path().filename()).string(), interruption);
+    }
+    if (error) throw ToolFault("the scratch copy of the volume: " + Printable(from) + ": " + error.message());
+}
+
+} // namespace xcodhost

@@ -1,0 +1,80 @@
+#include "ShowCommand.h"
+
+#include "Changes.h"
+#include "Console.h"
+#include "DisplayText.h"
+#include "JsonDocument.h"
+#include "VolumeFolder.h"
+#include "VolumeState.h"
+
+#include <utility>
+
+namespace xcodhost {
+
+namespace {
+
+std::vector<std::string> ProblemsOf(const VolumeState& state) {
+    std::vector<std::string> problems = state.problems;
+    for (const auto& [domain, file] : state.preferences) {
+        if (!file.problem.empty())
+            problems.push_back(Printable(domain) + ": " + Printable(file.path) + ' ' + file.problem);
+    }
+    return problems;
+}
+
+template <typename Visit>
+void ForEachFlag(const VolumeState& state, Visit visit) {
+    for (const auto& [path, item] : state.items) {
+        for (const FinderFlagName& flag : kFinderFlagNames) {
+            const int setting = (item.finderFlags & flag.mask) >> flag.shift;
+            if (setting != 0) visit(path, flag, flag.shift == 0 ? 1 : setting);
+        }
+    }
+}
+
+std::string ShowText(const VolumeState& state) {
+    std::string text;
+    for (const auto& [domain, file] : state.preferences) {
+        for (const auto& [key, value] : file.values) {
+            text += Printable(domain) + ' ' + Printable(key) + ": " + Describe(value) + '\n';
+        }
+    }
+    ForEachFlag(state, [&](const std::string& path, const FinderFlagName& flag, int setting) {
+        text += Printable(path) + ": " + Describe(flag) + ' ' + DescribeSetting(flag, setting) + '\n';
+    });
+    if (text.empty()) text = "no preferences, no Finder flags\n";
+    for (const std::string& problem : ProblemsOf(state)) text += problem + '\n';
+    return text;
+}
+
+std::string ShowJson(const VolumeState& state, const std::string& volume) {
+    Json document = {{"command", "show"},
+                     {"volume", volume},
+                     {"preferences", Json::array()},
+                     {"finderFlags", Json::array()},
+                     {"problems", ProblemsOf(state)},
+                     {"exitStatus", 0}};
+    for (const auto& [domain, file] : state.preferences) {
+        for (const auto& [key, value] : file.values) {
+            document["preferences"].push_back(
+                {{"domain", domain}, {"key", key}, {"value", ValueJson(value)}});
+        }
+    }
+    ForEachFlag(state, [&](const std::string& path, const FinderFlagName& flag, int setting) {
+        Json one = FlagJson(flag);
+        one["path"] = path;
+        one["setting"] = setting;
+        document["finderFlags"].push_back(std::move(one));
+    });
+    return DumpDocument(document);
+}
+
+} // namespace
+
+ExitStatus ShowCommand(const ShowOptions& options) {
+    const VolumeState state = ReadVolume(VolumeFolder(options.volume));
+    WriteResult(options.isJson ? ShowJson(state, options.volume) : ShowText(state));
+    return ExitStatus::Done;
+}
+
+} // namespace xcodhost

@@ -1,0 +1,12 @@
+#pragma once
+
+/// `xcodhost volume`
+
+#include "ExitStatus.h"
+#include "Options.h"
+
+namespace xcodhost {
+
+ExitStatus VolumeCommand(const VolumeOptions& options);
+
+} // namespace xcodhost

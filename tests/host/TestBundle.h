@@ -1,0 +1,38 @@
+#pragma once
+
+#include "TemporaryFolder.h"
+
+#include <filesystem>
+#include <string>
+
+/// The property list of a plug-in whose factory is `factory`.
+inline std::string InfoList(const std::string& factory,
+                            const std::string& type = "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8") {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+           "<key>CFBundleExecutable</key><string>Test</string>"
+           "<key>CFPlugInDynamicRegistration</key><string>NO</string>"
+           "<key>CFPlugInFactories</key><dict><key>A0A0A0A0-0000-4000-8000-000000000001</key><string>" +
+           factory + "</string></dict><key>CFPlugInTypes</key><dict><key>" + type +
+           "</key><array><string>A0A0A0A0-0000-4000-8000-000000000001</string></array></dict></dict></"
+           "plist>\n";
+}
+
+/// A bundle around the test plug-in's code, in a folder of its own. An empty text leaves the file out;
+/// "plug-in" stands for that code.
+class TestBundle {
+public:
+    explicit TestBundle(const std::string& infoList = InfoList("Make"), const std::string& code = "plug-in") {
+        folder.Write("Test.bundle/keep");
+        if (!infoList.empty()) folder.Write("Test.bundle/Contents/Info.plist", infoList);
+        if (code == "plug-in") {
+            std::filesystem::create_directories(folder / "Test.bundle/Contents/Linux");
+            std::filesystem::create_symlink(TEST_PLUGIN, folder / "Test.bundle/Contents/Linux/Test");
+        } else if (!code.empty()) {
+            folder.Write("Test.bundle/Contents/Linux/Test", code);
+        }
+    }
+    std::string Path() const { return (folder / "Test.bundle").string(); }
+
+private:
+    TemporaryFolder folder;
+};
