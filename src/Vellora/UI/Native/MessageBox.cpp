@@ -1,0 +1,133 @@
+#include <Vellora/UI/Native/MessageBox.h>
+
+#include <Kelbase/Util/CFString.h>
+
+#include <CoreFoundation/CFString.h>
+#include <objc/message.h>
+#include <objc/runtime.h>
+
+namespace UI::Native {
+
+namespace {
+
+// What runModal answers: buttons are numbered in the order in which they were added.
+enum : CFIndex { firstButton = 1000, thirdButton = 1002 };
+
+struct Selectors {
+    SEL alloc = sel_registerName("alloc");
+    SEL init = sel_registerName("init");
+    SEL retain = sel_registerName("retain");           // part of the set that every
+    SEL autorelease = sel_registerName("autorelease"); // owner registers; never sent
+    SEL release = sel_registerName("release");
+    SEL setMessageText = sel_registerName("setMessageText:");
+    SEL addButtonWithTitle = sel_registerName("addButtonWithTitle:");
+    SEL runModal = sel_registerName("runModal");
+};
+
+/// Sends a message under the exact type of its method, as the calling convention demands.
+template <typename Result, typename... Arguments>
+Result send(id receiver, SEL selector, Arguments... arguments) {
+    const auto method = reinterpret_cast<Result (*)(id, SEL, Arguments...)>(objc_msgSend);
+    return method(receiver, selector, arguments...);
+}
+
+/// One NSAlert, from its making to its release.
+class Alert {
+public:
+    Alert()
+        : alert(send<id>(send<id>(reinterpret_cast<id>(objc_getClass("NSAlert")), selectors.alloc),
+                         selectors.init)) {}
+    Alert(const Alert&) = delete;
+    Alert& operator=(const Alert&) = delete;
+    ~Alert() { send<void>(alert, selectors.release); }
+
+    void SetMessageText(CFStringRef text) { send<void>(alert, selectors.setMessageText, text); }
+    void AddButton(CFStringRef title) { send<id>(alert, selectors.addButtonWithTitle, title); }
+    CFIndex RunModal() { return send<CFIndex>(alert, selectors.runModal); }
+
+private:
+    const Selectors selectors;
+    const id alert;
+};
+
+void addButtons(Alert& alert, bool okCancel, bool yesNo, bool withCancel, bool retryCancel) {
+    if (yesNo) {
+        alert.AddButton(CFSTR("Yes"));
+        if (withCancel) alert.AddButton(CFSTR("Cancel"));
+        alert.AddButton(CFSTR("No"));
+    } else if (okCancel) {
+        alert.AddButton(CFSTR("OK"));
+        alert.AddButton(CFSTR("Cancel"));
+    }
+    if (retryCancel) {
+        alert.AddButton(CFSTR("Retry"));
+        alert.AddButton(CFSTR("Cancel"));
+    }
+}
+
+CFIndex askUser(const String& message, bool okCancel, bool yesNo, bool withCancel, bool retryCancel) {
+    Alert alert;
+    {
+        const Util::CFString text(message, Util::CFString::kReleaseOnDestroy);
+        alert.SetMessageText(text.GetRef());
+    }
+    addButtons(alert, okCancel, yesNo, withCancel, retryCancel);
+    return alert.RunModal();
+}
+
+/// Shows the box; true for its first button. With `cancelled`, which then tells the two apart, false is "No"
+/// or "Cancel". The alert chooses its default button by itself.
+bool standardAlertDialog(const String& message, bool okCancel, bool yesNo, bool /*firstIsDefault*/,
+                         bool* cancelled, bool retryCancel) {
+    okCancel = okCancel || yesNo || retryCancel;
+    const CFIndex button = askUser(message, okCancel, yesNo, cancelled != nullptr, retryCancel);
+    if (cancelled) *cancelled = button != firstButton && button != thirdButton;
+    return button == firstButton;
+}
+
+Util::CFString fromUtf16(const std::vector<unsigned short>& units) {
+    return {
+        CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), static_cast<CFIndex>(units.size())),
+        Util::CFString::kReleaseOnDestroy};
+}
+
+} // namespace
+
+void MessageOK(void*, const String&, const String& message, bool) {
+    if (!Util::IsModalDialogAllowed()) return;
+    standardAlertDialog(message, false, false, true, nullptr, false);
+}
+
+void MessageOK(void*, const std::vector<unsigned short>&, const std::vector<unsigned short>& second,
+               const std::vector<unsigned short>& third, bool) {
+    if (!Util::IsModalDialogAllowed() || third.empty() || second.empty()) return;
+    const Util::CFString unshown = fromUtf16(third);
+    const Util::CFString text = fromUtf16(second);
+    Alert alert;
+    alert.SetMessageText(text.GetRef());
+    alert.RunModal();
+}
+
+bool MessageOKCancel(void*, const String&, const String& message, OKCancelFocus focus, bool) {
+    if (!Util::IsModalDialogAllowed()) return false;
+    return standardAlertDialog(message, true, false, focus == OKCancelFocus::FirstButton, nullptr, false);
+}
+
+bool MessageYesNo(void*, const String&, const String& message, YesNoFocus focus, bool) {
+    if (!Util::IsModalDialogAllowed()) return false;
+    return standardAlertDialog(message, true, true, focus == YesNoFocus::FirstButton, nullptr, false);
+}
+
+bool MessageYesNoCancel(bool& cancelled, void*, const String&, const String& message, YesNoCancelFocus focus,
+                        bool) {
+    if (!Util::IsModalDialogAllowed()) return false;
+    return standardAlertDialog(message, true, true, focus == YesNoCancelFocus::FirstButton, &cancelled,
+                               false);
+}
+
+bool MessageRetryCancel(void*, const String&, const String& message, RetryCancelFocus focus, bool) {
+    if (!Util::IsModalDialogAllowed()) return false;
+    return standardAlertDialog(message, true, false, focus == RetryCancelFocus::FirstButton, nullptr, true);
+}
+
+} // namespace UI::Native

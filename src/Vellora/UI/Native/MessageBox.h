@@ -1,0 +1,35 @@
+#pragma once
+
+#include <Kelbase/Util/ModalDialog.h>
+#include <Kelbase/common/common_string.h>
+
+#include <vector>
+
+/// Boxes that ask the user something and wait for the answer.
+///
+/// Only the message is shown here; `parent`, the title, the focus and the trailing flag serve platforms that
+/// can use them. A text that is not UTF-8 is shown as an empty one. Nothing here throws of its own accord.
+/// While `Util::IsModalDialogAllowed()` is false, nothing is shown and the answer is false.
+namespace UI::Native {
+
+// Which button answers the Return key.
+enum class OKCancelFocus { FirstButton, SecondButton };
+enum class YesNoFocus { FirstButton, SecondButton };
+enum class YesNoCancelFocus { FirstButton, SecondButton, ThirdButton };
+enum class RetryCancelFocus { FirstButton, SecondButton };
+
+void MessageOK(void* parent, const String& title, const String& message, bool);
+/// UTF-16 without a terminator. `second` is the message; nothing is shown when it or `third` is empty.
+void MessageOK(void* parent, const std::vector<unsigned short>& first,
+               const std::vector<unsigned short>& second, const std::vector<unsigned short>& third, bool);
+
+bool MessageOKCancel(void* parent, const String& title, const String& message, OKCancelFocus focus, bool);
+bool MessageYesNo(void* parent, const String& title, const String& message, YesNoFocus focus, bool);
+/// `cancelled` tells "Cancel" from "No"; it stays as it is when no box may be shown.
+bool MessageYesNoCancel(bool& cancelled, void* parent, const String& title, const String& message,
+                        YesNoCancelFocus focus, bool);
+/// Shows "OK", "Cancel", "Retry", "Cancel"; true for "OK" alone.
+bool MessageRetryCancel(void* parent, const String& title, const String& message, RetryCancelFocus focus,
+                        bool);
+
+} // namespace UI::Native
