@@ -1,0 +1,69 @@
+#include <PostInstall/FailureAlert.h>
+#include <PostInstall/LanguageTable.h>
+#include <PostInstall/PluginEntry.h>
+#include <PostInstall/ProductTable.h>
+#include <PostInstall/SystemPreferences.h>
+#include <PostInstall/UpdaterStatus.h>
+
+#include <Kelbase/Util/CFString.h>
+
+#include <Carbon/Carbon.h>
+#include <cstring>
+
+namespace {
+
+bool makeReference(const char* path, FSRef& reference) {
+    const Util::CFString text(path, Util::CFString::kReleaseOnDestroy);
+    // Marked as a folder also where it names a file: the reference comes out the same.
+    const CFURLRef url =
+        CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.GetRef(), kCFURLPOSIXPathStyle, true);
+    if (!url) return false;
+    const bool found = CFURLGetFSRef(url, &reference);
+    CFRelease(url);
+    return found;
+}
+
+UInt16 withBit(UInt16 flags, UInt16 bit, bool on) {
+    return static_cast<UInt16>(on ? flags | bit : flags & ~bit);
+}
+
+/// Shows or hides an item and says whether it has an icon of its own; every other flag stays. False when
+/// there is no such item or its flags could not be stored. The flags lie at the same place for files and
+/// folders.
+bool setHFSAttributes(const char* path, bool /*isFolder*/, bool invisible, bool customIcon) {
+    FSRef reference;
+    if (!makeReference(path, reference)) return false;
+    FSCatalogInfo catalog = {};
+    if (FSGetCatalogInfo(&reference, kFSCatInfoFinderInfo, &catalog, nullptr, nullptr, nullptr) != noErr) {
+        return false;
+    }
+    FileInfo finder;
+    std::memcpy(&finder, catalog.finderInfo, sizeof finder);
+    finder.finderFlags = withBit(finder.finderFlags, kIsInvisible, invisible);
+    finder.finderFlags = withBit(finder.finderFlags, kHasCustomIcon, customIcon);
+    std::memcpy(catalog.finderInfo, &finder, sizeof finder);
+    return FSSetCatalogInfo(&reference, kFSCatInfoFinderInfo, &catalog) == noErr;
+}
+
+void storeLanguage(CFStringRef domain, CFStringRef language) {
+    SetSystemPreference(domain, CFSTR("Lang"), language);
+    SynchronizeSystemPreferences(domain);
+}
+
+} // namespace
+
+void PostInstall(XCodParamBlock* block) {
+    if (!block) return;
+    if (block->selector != kXCodSelector) {
+        ReportRefusedCall(*block);
+        return;
+    }
+    const CFStringRef language = LanguageTag(block->languageCode);
+    if (const CFStringRef product = FindProduct(block->productCode).bundleIdentifier) {
+        SetUpdateIntervalFromStatusFile();
+        storeLanguage(product, language);
+    }
+    // The folder shows the icon that the hidden file in it holds. A folder that is not there needs none.
+    setHFSAttributes("/Applications/Korvane", true, false, true);
+    setHFSAttributes("/Applications/Korvane/Icon\r", false, true, false);
+}

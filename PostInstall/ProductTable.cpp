@@ -1,0 +1,23 @@
+#include <PostInstall/ProductTable.h>
+
+// A switch and not an array: constant strings are no constant expressions with every compiler.
+Product FindProduct(std::int32_t productCode) {
+    switch (productCode) {
+    case 1400:
+        return {CFSTR("com.korvane.audioplugins.Tamblor"), "Tamblor"};
+    case 3100:
+        return {CFSTR("com.korvane.audioapps.Restora"), "Korvane Restora"};
+    case 3500:
+        return {CFSTR("com.korvane.audioplugins.Meridian4"), "Meridian4"};
+    case 5200:
+        return {CFSTR("com.korvane.audioplugins.Gildmark"), "Gildmark"};
+    case 5100:
+        return {CFSTR("com.korvane.audioplugins.Larynth"), "Larynth"};
+    case 5000:
+        return {CFSTR("com.korvane.tonecleanser"), "TCL"};
+    case 4900:
+        return {CFSTR("com.korvane.audioplugins.Fusewright"), "Fusewright"};
+    default:
+        return {nullptr, nullptr};
+    }
+}

@@ -1,0 +1,74 @@
+#include <PostInstall/UpdaterStatus.h>
+
+#include <PostInstall/SystemPreferences.h>
+
+#include <Kelbase/Util/CFString.h>
+#include <Kelbase/Util/Exception/FileIO.h>
+#include <Kelbase/Util/File.h>
+#include <Kelbase/common/common_path.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <new>
+#include <vector>
+
+namespace {
+
+enum UpdateInterval : int { never = 0, byDefault = 2 };
+
+unsigned int low32BitsOfSize(const Util::File& file) {
+    const unsigned long long size = file.Size();
+    return static_cast<unsigned int>(size);
+}
+
+/// The file's text up to its first NUL.
+String readWhole(Util::File& file) {
+    file.Open(Util::File::Read);
+    const unsigned int size = low32BitsOfSize(file);
+    const std::size_t room = std::size_t{size} + 1;
+    if (room == 0) throw std::bad_alloc(); // the terminator does not fit the address space
+    std::vector<char> text;
+    text.resize(room);
+    // The size is taken again, since the updater may be writing; what was added since is left out.
+    file.ReadBlock(text.data(), std::min(size, low32BitsOfSize(file)));
+    text.back() = 0;
+    file.Close();
+    return String(text.data());
+}
+
+UpdateInterval readInterval(Util::File& file) {
+    return readWhole(file).Left(14) == String("UpdatesEnabled") ? byDefault : never;
+}
+
+void storeInterval(UpdateInterval interval) {
+    const int value = interval;
+    const CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &value);
+    if (!number) return; // setting null would remove the value that is there
+    SetSystemPreference(UpdaterDomain(), CFSTR("UpdateInterval"), number);
+    SynchronizeSystemPreferences(UpdaterDomain());
+    CFRelease(number);
+}
+
+void storeFailure(const Util::Exception::FileIO& failure) {
+    {
+        const Util::CFString text(failure.GetMessageText(), Util::CFString::kReleaseOnDestroy);
+        SetSystemPreference(UpdaterDomain(), CFSTR("InstallStatus"), text.GetRef());
+    }
+    SynchronizeSystemPreferences(UpdaterDomain());
+}
+
+} // namespace
+
+void SetUpdateIntervalFromStatusFile() {
+    bool intervalWritten = false;
+    try {
+        Util::File file(FilePath("/Library/Application Support/Korvane/Updater/install_status.txt", false));
+        if (file.Exists()) {
+            storeInterval(readInterval(file));
+            intervalWritten = true;
+        }
+    } catch (const Util::Exception::FileIO& failure) {
+        storeFailure(failure);
+    }
+    if (!intervalWritten) storeInterval(byDefault);
+}

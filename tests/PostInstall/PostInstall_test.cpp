@@ -1,0 +1,234 @@
+#include "InstallerHost.h"
+#include "ScarceMemory.h"
+
+#include <Carbon/Carbon.h>
+#include <climits>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <macplatform/FinderFlags.h>
+#include <macplatform/Journal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* statusFile = "/Library/Application Support/Korvane/Updater/install_status.txt";
+constexpr const char* folder = "/Applications/Korvane";
+constexpr const char* icon = "/Applications/Korvane/Icon\r";
+constexpr const char* updater = "com.korvane.updater";
+const std::string anyUser = ", kCFPreferencesAnyUser, kCFPreferencesCurrentHost";
+
+class PostInstallStep : public InstallerHost {
+protected:
+    void WriteStatus(const std::string& text) { volume.Write(statusFile + 1, text); }
+
+    void MakeItem(const std::string& path, bool isFolder, UInt16 flags) {
+        if (isFolder) {
+            fs::create_directories(OnVolume(path));
+        } else {
+            volume.Write(path.substr(1));
+        }
+        FSRef reference;
+        FSCatalogInfo catalog = {};
+        FileInfo finder = {};
+        finder.finderFlags = flags;
+        std::memcpy(catalog.finderInfo, &finder, sizeof finder);
+        ASSERT_EQ(FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), &reference, nullptr), noErr);
+        ASSERT_EQ(FSSetCatalogInfo(&reference, kFSCatInfoFinderInfo, &catalog), noErr);
+        effects.clear();
+    }
+    int Flags(const std::string& path) const {
+        return macplatform::ReadFinderFlags(OnVolume(path)).value_or(UINT16_MAX);
+    }
+};
+
+TEST_F(PostInstallStep, WorksInOrder) {
+    WriteStatus("UpdatesEnabled");
+    MakeItem(folder, true, 0);
+    MakeItem(icon, false, 0);
+    EXPECT_EQ(Deliver({3, 4900, 11}), 0U);
+    EXPECT_EQ(effects, (Texts{"fopen \"/Library/Application Support/Korvane/Updater/install_status.txt\"",
+                              "set \"com.korvane.updater\" \"UpdateInterval\" = 2" + anyUser,
+                              "synchronize \"com.korvane.updater\"" + anyUser,
+                              "set \"com.korvane.audioplugins.Fusewright\" \"Lang\" = \"ja\"" + anyUser,
+                              "synchronize \"com.korvane.audioplugins.Fusewright\"" + anyUser,
+                              "FSSetCatalogInfo \"/Applications/Korvane\"",
+                              "FSSetCatalogInfo \"/Applications/Korvane/Icon\\r\""}));
+    EXPECT_EQ(Preferences(updater), Texts{"UpdateInterval = 2"});
+    EXPECT_EQ(Preferences("com.korvane.audioplugins.Fusewright"), Texts{"Lang = \"ja\""});
+    EXPECT_EQ(Flags(folder), 0x0400);
+    EXPECT_EQ(Flags(icon), 0x4000);
+}
+
+constexpr const char* enabled = "UpdateInterval = 2";
+constexpr const char* disabled = "UpdateInterval = 0";
+
+TEST_F(PostInstallStep, StatusTextDecidesTheInterval) {
+    const std::pair<std::string, const char*> rows[] = {
+        {"UpdatesEnabled", enabled},
+        {"updatesenabled", disabled},
+        {"UpdatesEnabled\r\n", enabled},
+        {"UpdatesEnable", disabled},
+        {"UpdatesEnabled=no", enabled},
+        {"", disabled},
+        {std::string("UpdatesEnabled\0\xFF", 16), enabled},
+        {std::string("Updates\0Enabled", 15), disabled},
+        {" UpdatesEnabled", disabled},
+        {"\xFF\xFE\x80", disabled},
+    };
+    for (const auto& [text, interval] : rows) {
+        WriteStatus(text);
+        EXPECT_EQ(Deliver({3}), 0U);
+        EXPECT_EQ(Preferences(updater), Texts{interval}) << text;
+    }
+}
+
+TEST_F(PostInstallStep, MissingStatusFileMeansTheDefault) {
+    EXPECT_EQ(Deliver({3}), 0U);
+    EXPECT_EQ(Preferences(updater), Texts{enabled});
+    fs::create_directories(fs::path(OnVolume(statusFile)).parent_path());
+    fs::create_symlink("nowhere", OnVolume(statusFile));
+    EXPECT_EQ(Deliver({3}), 0U);
+    EXPECT_EQ(Preferences(updater), Texts{enabled});
+}
+
+TEST_F(PostInstallStep, UnopenedStatusFileIsNotedBeforeTheDefault) {
+    WriteStatus("disabled");
+    macplatform::OrderFault({"fopen", EACCES});
+    EXPECT_EQ(Deliver({3}), 0U);
+    const Texts expected = {
+        "fopen \"/Library/Application Support/Korvane/Updater/install_status.txt\"",
+        "set \"com.korvane.updater\" \"InstallStatus\" = \"Error opening file\"" + anyUser,
+        "synchronize \"com.korvane.updater\"" + anyUser,
+        "set \"com.korvane.updater\" \"UpdateInterval\" = 2" + anyUser,
+        "synchronize \"com.korvane.updater\"" + anyUser,
+    };
+    ASSERT_GE(effects.size(), expected.size());
+    EXPECT_EQ(Texts(effects.begin(), effects.begin() + 5), expected);
+    EXPECT_THAT(Preferences("com.korvane.audioplugins.Fusewright"), testing::SizeIs(1));
+}
+
+TEST_F(PostInstallStep, FolderInThePlaceOfTheStatusFileIsNoted) {
+    const std::string inPlace = volume.Write(std::string(statusFile + 1) + "/entry"); // so that it has a size
+    EXPECT_EQ(Deliver({3}), 0U);
+    EXPECT_THAT(
+        Preferences(updater),
+        testing::UnorderedElementsAre(
+            testing::MatchesRegex("InstallStatus = \"Attempt to read [0-9]+ bytes, only read 0 bytes\""),
+            enabled));
+}
+
+TEST_F(PostInstallStep, UserWithoutReadPermissionGetsTheFailureNoted) {
+    WriteStatus("UpdatesEnabled");
+    fs::permissions(OnVolume(statusFile), fs::perms::none);
+    fs::create_directories(OnVolume("/Library/Preferences"));
+    fs::permissions(OnVolume("/Library/Preferences"), fs::perms::all);
+    fs::permissions(volume.Path(), fs::perms::all);
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr uid_t nobody = 65534;
+        if (getuid() == 0 && setuid(nobody) != 0) _exit(2);
+        _exit(Deliver({3}) == 0 ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(Preferences(updater),
+                testing::UnorderedElementsAre("InstallStatus = \"Error opening file\"", enabled));
+}
+
+TEST_F(PostInstallStep, SizeCountsModulo4GiB) {
+    WriteStatus("UpdatesEnabled");
+    fs::resize_file(OnVolume(statusFile), 0x10000000EULL);
+    EXPECT_EQ(Deliver({3}), 0U);
+    EXPECT_EQ(Preferences(updater), Texts{enabled});
+    fs::resize_file(OnVolume(statusFile), 0x10000000DULL);
+    EXPECT_EQ(Deliver({3}), 0U);
+    EXPECT_EQ(Preferences(updater), Texts{disabled});
+}
+
+TEST_F(PostInstallStep, RunningOutOfMemoryReachesTheHost) {
+    WriteStatus("UpdatesEnabled");
+    {
+        const ScarceMemory scarce(0x7FFFFFFF);
+        for (const std::uintmax_t size : {0xFFFFFFFFULL, 0xFFFFFFFEULL, 0x7FFFFFFFULL}) {
+            fs::resize_file(OnVolume(statusFile), size);
+            EXPECT_THROW(Deliver({3}), std::exception) << size;
+        }
+    }
+    EXPECT_EQ(Preferences(updater), Texts{});
+}
+
+TEST_F(PostInstallStep, StoresTheLanguageWithTheProduct) {
+    const std::pair<std::int32_t, const char*> products[] = {
+        {1400, "com.korvane.audioplugins.Tamblor"},   {3100, "com.korvane.audioapps.Restora"},
+        {3500, "com.korvane.audioplugins.Meridian4"}, {5200, "com.korvane.audioplugins.Gildmark"},
+        {5100, "com.korvane.audioplugins.Larynth"},   {5000, "com.korvane.tonecleanser"},
+        {4900, "com.korvane.audioplugins.Fusewright"}};
+    const std::pair<std::int32_t, const char*> languages[] = {
+        {0, "en"},  {1, "fr"},  {2, "de"},   {3, "it"},       {4, "en"},      {5, "en"},
+        {6, "es"},  {7, "en"},  {8, "en"},   {9, "en"},       {10, "en"},     {11, "ja"},
+        {12, "en"}, {-1, "en"}, {267, "en"}, {INT_MAX, "en"}, {INT_MIN, "en"}};
+    for (const auto& [product, domain] : products) {
+        for (const auto& [language, tag] : languages) {
+            EXPECT_EQ(Deliver({3, product, language}), 0U);
+            EXPECT_EQ(Preferences(domain), Texts{"Lang = \"" + std::string(tag) + '"'}) << language;
+        }
+    }
+}
+
+TEST_F(PostInstallStep, UnknownProductGetsTheFinderFlagsAlone) {
+    WriteStatus("UpdatesEnabled");
+    MakeItem(folder, true, 0);
+    MakeItem(icon, false, 0);
+    EXPECT_EQ(Deliver({3, 1234}), 0U);
+    EXPECT_EQ(effects, (Texts{"FSSetCatalogInfo \"/Applications/Korvane\"",
+                              "FSSetCatalogInfo \"/Applications/Korvane/Icon\\r\""}));
+    EXPECT_FALSE(fs::exists(OnVolume("/Library/Preferences")));
+}
+
+TEST_F(PostInstallStep, ChangesItsTwoFinderFlagsAndNoOther) {
+    MakeItem(folder, true, 0x4000 | 0x1001);
+    MakeItem(icon, false, 0x0400 | 0x200E);
+    for (int run = 1; run <= 2; ++run) {
+        EXPECT_EQ(Deliver({3}), 0U);
+        EXPECT_EQ(Flags(folder), 0x0400 | 0x1001) << run;
+        EXPECT_EQ(Flags(icon), 0x4000 | 0x200E) << run;
+    }
+}
+
+TEST_F(PostInstallStep, MissingOrRefusingItemsAreSkipped) {
+    EXPECT_EQ(Deliver({3, 1234}), 0U);
+    EXPECT_EQ(effects, Texts{});
+
+    MakeItem(folder, true, 0); // and no icon
+    EXPECT_EQ(Deliver({3, 1234}), 0U);
+    EXPECT_EQ(Flags(folder), 0x0400);
+
+    MakeItem(icon, false, 0);
+    for (const char* call :
+         {"FSSetCatalogInfo", "FSGetCatalogInfo", "CFURLGetFSRef", "CFURLCreateWithFileSystemPath"}) {
+        MakeItem(folder, true, 0x4000);
+        MakeItem(icon, false, 0x0400);
+        macplatform::OrderFault({call, permErr}); // for the folder, whose refusal must not stop the icon
+        EXPECT_EQ(Deliver({3, 1234}), 0U) << call;
+        EXPECT_EQ(Flags(folder), 0x4000) << call;
+        EXPECT_EQ(Flags(icon), 0x4000) << call;
+    }
+}
+
+TEST_F(PostInstallStep, NoMemoryForTheNumberLeavesTheIntervalAsItStands) {
+    WriteStatus("disabled");
+    EXPECT_EQ(Deliver({3}), 0U);
+    WriteStatus("UpdatesEnabled");
+    macplatform::OrderFault({"CFNumberCreate"});
+    EXPECT_EQ(Deliver({3}), 0U);
+    EXPECT_EQ(Preferences(updater), Texts{disabled});
+}
+
+} // namespace
