@@ -12,7 +12,7 @@ namespace macplatform {
 
 namespace {
 
-constexpr std::size_t maxValues = 8 * 1024 * 1024;
+constexpr std::size_t maxValues = std::size_t{8} << 20;
 const char tooDeep[] = "it is nested too deeply";
 const char damaged[] = "its binary form is damaged";
 
@@ -145,8 +145,15 @@ private:
         for (std::size_t i = 0; i < children.size(); ++i) {
             children[i] = Number(extent->first + i * referenceWidth, referenceWidth);
             if (children[i] >= objectCount) return std::nullopt;
+            if (kind == dictionary && i < extent->count && !IsKey(children[i])) return std::nullopt;
         }
         return children;
+    }
+
+    /// Whether the object is a text that is kept whole: the parser ends the process over another key.
+    bool IsKey(std::size_t object) const {
+        const auto extent = ExtentOf(object);
+        return extent && (extent->kind == asciiText || extent->kind == utf16Text) && KeepsText(*extent);
     }
 
     /// Whether the parser keeps every character of a text.

@@ -29,7 +29,7 @@ std::string DateText(plist_t node) {
     char text[32] = "";
     if (!gmtime_r(&calendarTime, &parts)) return text;
     if (isLate) parts.tm_year += 28;
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
+    static_cast<void>(std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts));
     return text;
 }
 

@@ -106,10 +106,9 @@ TEST_F(Preferences, KeepEverythingElseInItsFormat) {
         Set("InstalledProducts/Korvane Restora/CurrentVersion", "1.73");
         EXPECT_TRUE(Synchronise());
         EXPECT_EQ(ReadBytes(File()).substr(0, 5), binary ? "bplis" : "<?xml");
-        EXPECT_EQ(Stored().Describe(),
-                  "{\"z\": 0.1, \"UpdateInterval\": 2, \"a\": [2011-02-03T04:05:06Z, "
-                  "<000102>, true], \"n\": -9000000000, "
-                  "\"InstalledProducts/Korvane Restora/CurrentVersion\": \"1.73\"}");
+        EXPECT_EQ(Stored().Describe(), "{\"z\": 0.1, \"UpdateInterval\": 2, \"a\": [2011-02-03T04:05:06Z, "
+                                       "<000102>, true], \"n\": -9000000000, "
+                                       "\"InstalledProducts/Korvane Restora/CurrentVersion\": \"1.73\"}");
         EXPECT_EQ(Python(), "{'z': 0.1, 'UpdateInterval': 2, 'a': [datetime.datetime(2011, 2, 3, 4, 5, 6), "
                             "b'\\x00\\x01\\x02', True], 'n': -9000000000, "
                             "'InstalledProducts/Korvane Restora/CurrentVersion': '1.73'}\n");
@@ -167,6 +166,28 @@ TEST_F(Preferences, LeaveAloneWhatTheyCannotWriteAgain) {
         EXPECT_FALSE(Synchronise());
         EXPECT_EQ(ReadBytes(File()), list);
     }
+}
+
+TEST_F(Preferences, SayWhenTheFolderMayNotBeWritten) {
+    volume.Write("Library/Preferences/com.example.app.plist",
+                 "<plist><dict><key>a</key><true/></dict></plist>");
+    std::filesystem::permissions(volume.Path(), std::filesystem::perms(0755));
+    const std::string before = ReadBytes(File());
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr uid_t nobody = 65534;
+        if (geteuid() == 0 && setuid(nobody) != 0) _exit(2);
+        if (geteuid() != nobody)
+            std::filesystem::permissions(volume / "Library/Preferences", std::filesystem::perms(0555));
+        Set("Lang", "ja");
+        _exit(Synchronise() ? 1 : 0);
+    }
+    int status = 1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    std::filesystem::permissions(volume / "Library/Preferences", std::filesystem::perms(0755));
+    EXPECT_EQ(ReadBytes(File()), before);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(volume / "Library/Preferences"), {}), 1);
 }
 
 TEST_F(Preferences, RefuseNamesThatLeaveTheirFolder) {

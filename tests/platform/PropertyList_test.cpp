@@ -81,6 +81,12 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
     EXPECT_EQ(errorOf(BinaryList({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
               "an object in it holds itself");
     EXPECT_EQ(errorOf(BinaryList({"\xA1\x09", "\x09"})), "its binary form is damaged");
+    for (const std::string& key : {std::string("\x52"
+                                               "a\0",
+                                               3),
+                                   std::string("\x10\x07"), std::string("\x51\xE9")}) {
+        EXPECT_EQ(errorOf(BinaryList({"\xD1\x01\x02", key, "\x09"})), "its binary form is damaged");
+    }
     std::vector<std::string> doubling;
     for (char i = 1; i <= 30; ++i) doubling.push_back(std::string("\xA2") + i + i);
     doubling.push_back("\x09");
