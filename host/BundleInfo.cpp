@@ -73,7 +73,7 @@ std::vector<BundleType> TypesOf(const PropertyValue& list, const std::string& bu
 /// `CFBundleExecutable`, or the bundle's own name without its extension.
 std::string ExecutableName(const PropertyValue& list, const std::string& bundle) {
     const PropertyValue* name = list.Find("CFBundleExecutable");
-    if (!name) return fs::absolute(bundle).lexically_normal().stem().string();
+    if (!name) return fs::canonical(bundle).stem().string(); // canonical: without a separator at its end
     const bool isName = name->kind == PropertyValue::Kind::Text && !name->text.empty() &&
                         name->text.find('/') == std::string::npos;
     if (!isName) Refuse(bundle, "CFBundleExecutable is not a file's name");

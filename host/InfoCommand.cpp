@@ -24,7 +24,7 @@ std::string Joined(const std::vector<std::string>& texts) {
 }
 
 std::string ExecutableText(const BundleExecutable& executable) {
-    std::string text = "executable  Contents/" + executable.platform + ": " + executable.format + ' ' +
+    std::string text = "executable  " + Printable(executable.path) + ": " + executable.format + ' ' +
                        Joined(executable.architectures) + '\n';
     if (executable.format == "ELF") text += "  exports  " + Joined(executable.exports) + '\n';
     if (!executable.problem.empty()) text += "  problem  " + executable.problem + '\n';

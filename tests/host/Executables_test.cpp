@@ -71,6 +71,15 @@ TEST(Info, TellsWhatABundleIs) {
     EXPECT_THAT(text.out, HasSubstr("type  5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8 (installer plug-in): A0A0"));
 }
 
+TEST(Info, NamesTheExecutableAfterTheBundleWhenTheListDoesNot) {
+    const std::string named = "<key>CFBundleExecutable</key><string>Test</string>";
+    std::string list = InfoList("Make");
+    list.erase(list.find(named), named.size());
+    const TestBundle bundle(list);
+    const HostTool info = RunHost({"info", bundle.Path() + '/'});
+    EXPECT_THAT(info.out, HasSubstr("/Contents/Linux/Test: ELF ")) << info.err;
+}
+
 TEST(Info, RefusesBrokenBundlesWithTheReason) {
     struct Row {
         std::string infoList, code, told;
