@@ -7,8 +7,8 @@ struct ProcessSerialNumber {
     UInt32 highLongOfPSN;
     UInt32 lowLongOfPSN;
 };
-/// The caller sets the length to the record's size; name and file specification are written through when
-/// they are not null.
+/// The caller sets the length to the record's size; the name and the application's FSSpec are written through
+/// when they are not null.
 struct ProcessInfoRec {
     UInt32 processInfoLength;
     StringPtr processName;
