@@ -24,15 +24,16 @@ void SetAlertPresenter(AlertPresenter presenter) { Presenter() = std::move(prese
 
 int Present(Alert alert) {
     if (alert.kind == Alert::Kind::Message && alert.buttons.empty()) alert.buttons = {"OK"};
-    if (!Presenter()) return alert.kind == Alert::Kind::Message ? 0 : -1;
+    const AlertPresenter presenter = Presenter(); // which may replace itself
+    if (!presenter) return alert.kind == Alert::Kind::Message ? 0 : -1;
     const auto buttons = static_cast<int>(std::max<std::size_t>(alert.buttons.size(), 1));
-    const int answer = Presenter()(alert);
+    const int answer = presenter(alert);
     return answer >= 0 && answer < buttons ? answer : -1;
 }
 
 } // namespace macplatform
 
-DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) {
+DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) try {
     using namespace macplatform;
     PlatformCall call("StopAlert");
     if (call.IsTold()) call.SetArguments({std::to_string(alertID)});
@@ -45,4 +46,6 @@ DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) {
     if (answer < 0) call.SetNote("not shown: no open resource file has this alert");
     return call.Result(
         static_cast<DialogItemIndex>(answer < 0 ? notShown : answer + 1)); // items count from 1
+} catch (const std::bad_alloc&) {
+    return -1;
 }

@@ -109,22 +109,26 @@ void TellMessage(PlatformCall& call, const objc_object* receiver, const std::str
 
 MACPLATFORM_C_BEGIN
 
-id objc_getClass(const char* name) {
+id objc_getClass(const char* name) try {
     PlatformCall call("objc_getClass");
     if (call.IsTold()) call.SetArguments({Quoted(name)});
     const bool known = name && std::strcmp(name, "NSAlert") == 0 && !call.TakeFault();
     return call.Result(known ? &AlertClass() : id{nullptr}, known ? "NSAlert" : "nil");
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
-SEL sel_registerName(const char* name) {
+SEL sel_registerName(const char* name) try {
     static auto& names = *new std::set<std::string>;
     PlatformCall call("sel_registerName");
     if (call.IsTold()) call.SetArguments({Quoted(name)});
     const std::string& kept = *names.emplace(name ? name : "").first;
     return call.Result(reinterpret_cast<SEL>(kept.c_str()), kept);
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
-std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) {
+std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) try {
     PlatformCall call("objc_msgSend");
     const std::string message = selector ? reinterpret_cast<const char*>(selector) : "";
     TellMessage(call, receiver, message, argument);
@@ -136,6 +140,8 @@ std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) {
     const bool isObject =
         message == "alloc" || message == "init" || message == "retain" || message == "autorelease";
     return call.Result(answer, isObject ? "NSAlert" : std::to_string(answer));
+} catch (const std::bad_alloc&) {
+    return 0;
 }
 
 MACPLATFORM_C_END

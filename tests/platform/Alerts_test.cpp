@@ -40,7 +40,8 @@ protected:
 TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
     const std::vector<CFStringRef> buttons = {CFSTR("Yes"), CFSTR("Cancel"), CFSTR("No")};
     std::vector<macplatform::Alert> shown;
-    for (int choice = 0; choice < 3; ++choice) {
+    int choice = 0;
+    for (; choice < 3; ++choice) {
         macplatform::SetAlertPresenter([&](const macplatform::Alert& alert) {
             shown.push_back(alert);
             return choice;
@@ -49,7 +50,7 @@ TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
     }
     EXPECT_EQ(shown.at(0).message, "Really?");
     EXPECT_EQ(shown.at(0).buttons, (std::vector<std::string>{"Yes", "Cancel", "No"}));
-    EXPECT_EQ(Show({}), -1001) << "the third button of an alert that has one";
+    EXPECT_EQ(Show({}), -1001) << "the fourth button of an alert that has one";
     EXPECT_EQ(shown.back().buttons, std::vector<std::string>{"OK"}) << "the platform's own";
     macplatform::SetAlertPresenter({});
     EXPECT_EQ(Show(buttons), 1000) << "nobody to ask: the first";

@@ -18,7 +18,8 @@ struct Alert {
     int resource = 0; ///< The number of a stop alert.
 };
 
-/// The answer is the place of the chosen button, from 0; -1 when the alert could not be shown.
+/// The answer is the place of the chosen button, from 0. Any other means that the alert could not be shown:
+/// `runModal` then answers -1001, as for an alert that was aborted, and StopAlert -1.
 using AlertPresenter = std::function<int(const Alert&)>;
 
 /// Replaces the presenter; an empty one restores the first one, which shows nothing and chooses the first
