@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <dlfcn.h>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -35,10 +36,12 @@ Function* NextDefinition(const char* symbol) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, symbol));
 }
 
-/// Whether a bundle's path falls on the startup volume. Paths that the platform itself uses never do.
-inline bool FallsOnVolume(const char* path) {
-    return path && StartupVolumeIsSet() && !PlatformInside::IsActive() && IsOnStartupVolume(path) &&
-           !LiesInStartupVolume(path);
+/// Whether a bundle's path falls on the startup volume. Paths that the platform itself uses never do. Without
+/// the memory to tell, it does: CallOnVolume then refuses.
+inline bool FallsOnVolume(const char* path) noexcept try {
+    return path && StartupVolumeIsSet() && !PlatformInside::IsActive() && IsOnStartupVolume(path);
+} catch (const std::bad_alloc&) {
+    return true;
 }
 
 /// Where a bundle's path lies on this machine; empty with errno when it cannot be resolved.
@@ -78,7 +81,7 @@ Result MakeCall(PlatformCall& call, KeptErrno& kept, Result failure, const std::
 /// A path call that falls on the volume: told to the journal, and made to fail where that was ordered.
 template <typename Result, typename Make, typename... Arguments>
 Result CallOnVolume(const char* name, Result failure, LastLink link, const char* path, Make make,
-                    const Arguments&... arguments) {
+                    const Arguments&... arguments) try {
     KeptErrno kept;
     const std::string hostPath = HostPathOf(path, link);
     const int unresolved = errno;
@@ -89,8 +92,11 @@ Result CallOnVolume(const char* name, Result failure, LastLink link, const char*
         errno = static_cast<int>(*fault);
         return call.Result(failure, ShownResult(failure, true));
     }
-    if (hostPath.empty()) errno = unresolved;
+    if (hostPath.empty()) errno = *path ? unresolved : ENOENT;
     return MakeCall(call, kept, failure, hostPath, make);
+} catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return failure;
 }
 
 } // namespace macplatform

@@ -3,7 +3,7 @@
 // any other goes on as it is.
 //
 // Not covered: raw system calls, exec and dlopen, the tree walks that the library makes of itself (nftw,
-// glob), and getcwd, which answers the path on this machine.
+// glob), temporary names with a suffix, and getcwd, which answers the path on this machine.
 //
 // The functions have names of their own and take the library's by assembler labels: so they need not repeat
 // its exact declarations, and the forms for 32-bit and 64-bit file offsets stay apart whatever this file is
@@ -87,10 +87,18 @@ LastLink OpenLink(int flags) {
         const auto make = [&](const char* hostPath) { return next(folder, hostPath, flags, mode); };         \
         return CallOnVolume<int>("openat", -1, OpenLink(flags), path, make, path, flags);                    \
     }
+/// What a bundle that was compiled with fortified calls opens an existing file with.
+#define OPEN_2_CALL(SYMBOL) PATH_CALL(int, -1, SYMBOL, "open", OpenLink(flags), COMMA int flags, COMMA flags)
+#define OPENAT_2_CALL(SYMBOL)                                                                                \
+    PATH_CALL_AT(int, -1, SYMBOL, "openat", OpenLink(flags), COMMA int flags, COMMA flags)
 OPEN_CALL(open)
 OPEN_CALL(open64)
 OPENAT_CALL(openat)
 OPENAT_CALL(openat64)
+OPEN_2_CALL(__open_2)
+OPEN_2_CALL(__open64_2)
+OPENAT_2_CALL(__openat_2)
+OPENAT_2_CALL(__openat64_2)
 PATH_CALL(int, -1, creat, "creat", follow, COMMA unsigned mode, COMMA mode)
 PATH_CALL(int, -1, creat64, "creat", follow, COMMA unsigned mode, COMMA mode)
 PATH_CALL(void*, nullptr, fopen, "fopen", follow, COMMA const char* mode, COMMA mode)
@@ -100,6 +108,10 @@ PATH_CALL(void*, nullptr, freopen, "freopen", follow, COMMA const char* mode COM
 PATH_CALL(void*, nullptr, freopen64, "freopen", follow, COMMA const char* mode COMMA void* file,
           COMMA mode COMMA file)
 PATH_CALL(void*, nullptr, opendir, "opendir", follow, , )
+PATH_CALL(int, -1, scandir, "scandir", follow, COMMA void* list COMMA void* filter COMMA void* compare,
+          COMMA list COMMA filter COMMA compare)
+PATH_CALL(int, -1, scandir64, "scandir", follow, COMMA void* list COMMA void* filter COMMA void* compare,
+          COMMA list COMMA filter COMMA compare)
 
 // Asking.
 PATH_CALL(int, -1, stat, "stat", follow, COMMA void* status, COMMA status)
@@ -125,12 +137,21 @@ PATH_CALL(ssize_t, -1, readlink, "readlink", keep, COMMA void* buffer COMMA std:
           COMMA buffer COMMA size)
 PATH_CALL_AT(ssize_t, -1, readlinkat, "readlinkat", keep, COMMA void* buffer COMMA std::size_t size,
              COMMA buffer COMMA size)
+PATH_CALL(ssize_t, -1, __readlink_chk, "readlink", keep,
+          COMMA void* buffer COMMA std::size_t size COMMA std::size_t room,
+          COMMA buffer COMMA size COMMA room)
+PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", keep,
+             COMMA void* buffer COMMA std::size_t size COMMA std::size_t room,
+             COMMA buffer COMMA size COMMA room)
 
 // Changing the tree.
 PATH_CALL(int, -1, mkdir, "mkdir", keep, COMMA unsigned mode, COMMA mode)
 PATH_CALL_AT(int, -1, mkdirat, "mkdirat", keep, COMMA unsigned mode, COMMA mode)
 PATH_CALL(int, -1, mkfifo, "mkfifo", keep, COMMA unsigned mode, COMMA mode)
+PATH_CALL_AT(int, -1, mkfifoat, "mkfifoat", keep, COMMA unsigned mode, COMMA mode)
 PATH_CALL(int, -1, mknod, "mknod", keep, COMMA unsigned mode COMMA dev_t device, COMMA mode COMMA device)
+PATH_CALL_AT(int, -1, mknodat, "mknodat", keep, COMMA unsigned mode COMMA dev_t device,
+             COMMA mode COMMA device)
 PATH_CALL(int, -1, rmdir, "rmdir", keep, , )
 PATH_CALL(int, -1, unlink, "unlink", keep, , )
 PATH_CALL_AT(int, -1, unlinkat, "unlinkat", keep, COMMA int flags, COMMA flags)
@@ -174,15 +195,18 @@ PATH_CALL(int, -1, lremovexattr, "lremovexattr", keep, COMMA const char* name, C
 namespace {
 
 template <typename Make>
-int CallOfTwo(const char* name, const char* from, const char* to, Make make) {
-    const std::string hostFrom = HostPathOf(from, keep);
-    const int unresolved = errno;
+int CallOfTwo(const char* name, const char* from, const char* to, Make make, LastLink fromLink = keep) try {
+    const std::string hostFrom = HostPathOf(from, fromLink);
+    const int unresolved = *from ? errno : ENOENT;
     const auto makeBoth = [&](const char* hostTo) {
         if (!hostFrom.empty()) return make(hostFrom.c_str(), hostTo);
         errno = unresolved;
         return -1;
     };
     return CallOnVolume<int>(name, -1, keep, to, makeBoth, from, to);
+} catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return -1;
 }
 
 bool EitherFalls(const char* from, const char* to) {
@@ -197,10 +221,16 @@ int Caught_renameat(int fromFolder, const char* from, int toFolder, const char* 
 int Caught_renameat2(int fromFolder, const char* from, int toFolder, const char* to,
                      unsigned flags) __asm__("renameat2");
 int Caught_link(const char* from, const char* to) __asm__("link");
+int Caught_linkat(int fromFolder, const char* from, int toFolder, const char* to,
+                  int flags) __asm__("linkat");
 int Caught_symlink(const char* target, const char* path) __asm__("symlink");
+int Caught_symlinkat(const char* target, int folder, const char* path) __asm__("symlinkat");
 char* Caught_realpath(const char* path, char* resolved) __asm__("realpath");
+char* Caught_realpath_chk(const char* path, char* resolved, std::size_t room) __asm__("__realpath_chk");
 int Caught_mkstemp(char* path) __asm__("mkstemp");
 int Caught_mkstemp64(char* path) __asm__("mkstemp64");
+int Caught_mkostemp(char* path, int flags) __asm__("mkostemp");
+int Caught_mkostemp64(char* path, int flags) __asm__("mkostemp64");
 char* Caught_mkdtemp(char* path) __asm__("mkdtemp");
 }
 
@@ -226,6 +256,13 @@ int Caught_link(const char* from, const char* to) {
     return EitherFalls(from, to) ? CallOfTwo("link", from, to, next) : next(from, to);
 }
 
+int Caught_linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) {
+    static const auto next = NextDefinition<int(int, const char*, int, const char*, int)>("linkat");
+    const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t, flags); };
+    const LastLink link = flags & AT_SYMLINK_FOLLOW ? follow : keep;
+    return EitherFalls(from, to) ? CallOfTwo("linkat", from, to, make, link) : make(from, to);
+}
+
 /// A link's text stays as it is given: it is read again, on the volume, when the link is followed.
 int Caught_symlink(const char* target, const char* path) {
     static const auto next = NextDefinition<int(const char*, const char*)>("symlink");
@@ -234,18 +271,39 @@ int Caught_symlink(const char* target, const char* path) {
     return CallOnVolume<int>("symlink", -1, keep, path, make, target, path);
 }
 
+int Caught_symlinkat(const char* target, int folder, const char* path) {
+    static const auto next = NextDefinition<int(const char*, int, const char*)>("symlinkat");
+    if (!FallsOnVolume(path)) return next(target, folder, path);
+    const auto make = [&](const char* hostPath) { return next(target, folder, hostPath); };
+    return CallOnVolume<int>("symlinkat", -1, keep, path, make, target, path);
+}
+
+namespace {
+
 /// Answers a path of the Mac again, so that what a bundle resolves stays on the volume.
-char* Caught_realpath(const char* path, char* resolved) {
-    static const auto next = NextDefinition<char*(const char*, char*)>("realpath");
-    if (!FallsOnVolume(path)) return next(path, resolved);
-    const auto make = [&](const char* hostPath) -> char* {
-        char* const answer = next(hostPath, resolved);
-        if (!answer || !LiesInStartupVolume(answer)) return answer;
-        const std::string onMac = std::string(answer).substr(StartupVolume().size());
-        std::strcpy(answer, onMac.empty() ? "/" : onMac.c_str()); // shorter than what stands there
+template <typename Make>
+char* ResolvedOnVolume(const char* path, Make make) {
+    const auto resolve = [&](const char* hostPath) -> char* {
+        char* const answer = make(hostPath);
+        if (answer && LiesInStartupVolume(answer))
+            std::strcpy(answer, MacPath(answer).c_str()); // shorter than what stands there
         return answer;
     };
-    return CallOnVolume<char*>("realpath", nullptr, follow, path, make, path);
+    return CallOnVolume<char*>("realpath", nullptr, follow, path, resolve, path);
+}
+
+} // namespace
+
+char* Caught_realpath(const char* path, char* resolved) {
+    static const auto next = NextDefinition<char*(const char*, char*)>("realpath");
+    const auto make = [&](const char* hostPath) { return next(hostPath, resolved); };
+    return FallsOnVolume(path) ? ResolvedOnVolume(path, make) : make(path);
+}
+
+char* Caught_realpath_chk(const char* path, char* resolved, std::size_t room) {
+    static const auto next = NextDefinition<char*(const char*, char*, std::size_t)>("__realpath_chk");
+    const auto make = [&](const char* hostPath) { return next(hostPath, resolved, room); };
+    return FallsOnVolume(path) ? ResolvedOnVolume(path, make) : make(path);
 }
 
 namespace {
@@ -276,6 +334,18 @@ int Caught_mkstemp(char* path) {
 int Caught_mkstemp64(char* path) {
     static const auto next = NextDefinition<int(char*)>("mkstemp64");
     return FallsOnVolume(path) ? CallWithTemplate("mkstemp", -1, path, next) : next(path);
+}
+
+int Caught_mkostemp(char* path, int flags) {
+    static const auto next = NextDefinition<int(char*, int)>("mkostemp");
+    const auto make = [&](char* filled) { return next(filled, flags); };
+    return FallsOnVolume(path) ? CallWithTemplate("mkostemp", -1, path, make) : make(path);
+}
+
+int Caught_mkostemp64(char* path, int flags) {
+    static const auto next = NextDefinition<int(char*, int)>("mkostemp64");
+    const auto make = [&](char* filled) { return next(filled, flags); };
+    return FallsOnVolume(path) ? CallWithTemplate("mkostemp", -1, path, make) : make(path);
 }
 
 char* Caught_mkdtemp(char* path) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
@@ -85,6 +86,35 @@ TEST_F(PathCalls, ListAndResolveOnTheVolume) {
     std::filesystem::create_symlink("/etc/passwd", volume / "Users/out");
     EXPECT_FALSE(Exists("/Users/out")) << "no link leads out";
     EXPECT_FALSE(Exists("/Users/../../../../etc/passwd"));
+}
+
+extern "C" int __open_2(const char* path, int flags);
+
+TEST_F(PathCalls, SeeTheVolumeFromFortifiedAndOlderFormsToo) {
+    volume.Write("Library/a.txt");
+    std::filesystem::create_symlink("/Library/a.txt", volume / "Library/link");
+    const int file = __open_2("/Library/link", O_RDONLY);
+    EXPECT_GE(file, 0);
+    close(file);
+    dirent** names = nullptr;
+    const int count = scandir("/Library", &names, nullptr, alphasort);
+    EXPECT_EQ(count, 4) << "with . and ..";
+    for (int i = 0; i < count; ++i) std::free(names[i]);
+    std::free(names);
+    EXPECT_EQ(linkat(AT_FDCWD, "/Library/link", AT_FDCWD, "/Library/second", AT_SYMLINK_FOLLOW), 0);
+    EXPECT_TRUE(std::filesystem::is_regular_file(volume / "Library/second"));
+}
+
+TEST_F(PathCalls, RefuseAnEmptyPathAndAnOverlongOne) {
+    volume.Write("Library/a.txt");
+    const std::string tooLong = "/Library/" + std::string(PATH_MAX, 'x');
+    errno = 0;
+    EXPECT_EQ(rename("/Library/a.txt", ""), -1);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(rename("", "/Library/a.txt"), -1);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(rename(tooLong.c_str(), "/Library/b.txt"), -1);
+    EXPECT_EQ(errno, ENAMETOOLONG);
 }
 
 TEST_F(PathCalls, AreToldAndFailAsOrdered) {
