@@ -43,6 +43,15 @@ bool DeviceOf(const std::string& path, dev_t& device) {
     return true;
 }
 
+/// A link at the top of a file system could lead out of it.
+bool IsRealFolder(const std::string& path) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) != 0) return false;
+    if (S_ISDIR(status.st_mode)) return true;
+    errno = ENOTDIR;
+    return false;
+}
+
 /// The folders of the way are made; the last one, for the user alone.
 bool MakeFolders(const std::string& path) {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
@@ -124,33 +133,40 @@ std::string Record(const std::string& path, const TrashFolder& trash) {
     tm parts{};
     localtime_r(&now, &parts);
     char date[32] = "";
-    std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &parts);
+    (void)std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &parts);
     return "[Trash Info]\nPath=" + PercentEncoded(shown) + "\nDeletionDate=" + date + "\n";
 }
 
-/// "photo.jpg", "photo.2.jpg", ...
-std::string NumberedName(const std::string& name, unsigned number) {
+/// "photo.jpg", "photo.2.jpg", ...; short enough for the record's name.
+std::string NumberedName(std::string name, unsigned number) {
+    if (name.size() > 230) name.resize(230);
     if (number == 1) return name;
     const std::size_t dot = name.rfind('.');
     const std::size_t cut = dot == std::string::npos || dot == 0 ? name.size() : dot;
     return name.substr(0, cut) + '.' + std::to_string(number) + name.substr(cut);
 }
 
+/// A new file of these bytes; the answer is 0 or an errno, and then there is none but one that was there.
+int MakeRecord(const std::string& info, const std::string& record) {
+    const Descriptor file(open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file) return errno;
+    const ssize_t wrote = write(file.Get(), record.data(), record.size());
+    if (wrote == static_cast<ssize_t>(record.size())) return 0;
+    const int failed = wrote < 0 ? errno : ENOSPC;
+    unlink(info.c_str());
+    return failed;
+}
+
 /// Claims a name by making its record, which nobody else may have made. Empty, with errno, when that fails.
 std::string ClaimName(const std::string& path, const TrashFolder& trash) {
     const std::string record = Record(path, trash);
     for (unsigned number = 1; number < 100000; ++number) {
-        const std::string name = NumberedName(NameOf(path), number);
+        std::string name = NumberedName(NameOf(path), number);
         struct stat status {};
         if (lstat((trash.path + "/files/" + name).c_str(), &status) == 0) continue;
-        const std::string info = trash.path + "/info/" + name + ".trashinfo";
-        const Descriptor file(open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-        if (!file && errno == EEXIST) continue;
-        if (!file) return {};
-        if (write(file.Get(), record.data(), record.size()) == static_cast<ssize_t>(record.size()))
-            return name;
-        const int failed = errno;
-        unlink(info.c_str());
+        const int failed = MakeRecord(trash.path + "/info/" + name + ".trashinfo", record);
+        if (failed == 0) return name;
+        if (failed == EEXIST) continue;
         errno = failed;
         return {};
     }
@@ -165,7 +181,10 @@ int MoveToTrash(const std::string& path) {
     if (lstat(path.c_str(), &status) != 0) return errno;
     const TrashFolder trash = TrashFor(path);
     if (MustStay(path, trash.path)) return EBUSY;
-    if (!MakeFolders(trash.path + "/files") || !MakeFolders(trash.path + "/info")) return errno;
+    for (const char* folder : {"", "/files", "/info"}) {
+        const std::string each = trash.path + folder;
+        if (!MakeFolders(each) || (!trash.top.empty() && !IsRealFolder(each))) return errno;
+    }
     const std::string name = ClaimName(path, trash);
     if (name.empty()) return errno;
     if (rename(path.c_str(), (trash.path + "/files/" + name).c_str()) != 0) {
@@ -173,7 +192,9 @@ int MoveToTrash(const std::string& path) {
         unlink((trash.path + "/info/" + name + ".trashinfo").c_str());
         return failed;
     }
-    rename(Joined(FolderOf(path), "._" + NameOf(path)).c_str(), (trash.path + "/files/._" + name).c_str());
+    // Most items have no sidecar; one that cannot go along is no reason to bring the item back.
+    (void)rename(Joined(FolderOf(path), "._" + NameOf(path)).c_str(),
+                 (trash.path + "/files/._" + name).c_str());
     return 0;
 }
 

@@ -71,6 +71,23 @@ TEST_F(AppleEvents, MoveToTheTrashWithARecord) {
     EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.2.txt"), "two");
 }
 
+TEST_F(AppleEvents, KeepToTheVolumeAndToNamesThatFit) {
+    const TemporaryFolder outside;
+    volume.Write("Users/x");
+    std::filesystem::create_directory_symlink(outside.Path(), Trash());
+    EXPECT_EQ(Ask("/Users/x"), noErr);
+    EXPECT_EQ(note, "the Finder answered -1407");
+    EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));
+    EXPECT_TRUE(std::filesystem::is_empty(outside.Path()));
+
+    std::filesystem::remove(Trash());
+    const std::string name(255, 'n');
+    volume.Write("Users/" + name);
+    EXPECT_EQ(Ask("/Users/" + name), noErr);
+    EXPECT_EQ(note, "") << "the record's name is longer than the item's";
+    EXPECT_TRUE(std::filesystem::exists(Trash() / "files" / name.substr(0, 230)));
+}
+
 TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
     const TemporaryFolder home;
     const char* const before = std::getenv("XDG_DATA_HOME");
