@@ -167,7 +167,7 @@ OSErr Send(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) {
 
 } // namespace
 
-OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) {
+OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) try {
     PlatformCall call("AECreateDesc");
     if (call.IsTold()) call.SetArguments({Storage::CodeText(type), std::to_string(size) + " bytes"});
     return Made(call, result, [=]() -> OSErr {
@@ -178,10 +178,12 @@ OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) {
         GiveTo(result, type, std::move(storage));
         return noErr;
     });
+} catch (const std::bad_alloc&) {
+    return memFullErr;
 }
 
 OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAddressDesc* target, AEReturnID,
-                         AETransactionID, AppleEvent* result) {
+                         AETransactionID, AppleEvent* result) try {
     PlatformCall call("AECreateAppleEvent");
     if (call.IsTold())
         call.SetArguments({Storage::CodeText(eventClass), Storage::CodeText(eventID), Shown(target)});
@@ -194,25 +196,25 @@ OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAdd
         GiveTo(result, typeAppleEvent, std::move(event));
         return noErr;
     });
+} catch (const std::bad_alloc&) {
+    return memFullErr;
 }
 
-OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* value) {
+OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* value) try {
     PlatformCall call("AEPutParamDesc");
     if (call.IsTold()) call.SetArguments({Shown(event), Storage::CodeText(keyword), Shown(value)});
     if (const auto fault = call.TakeFault()) return call.Result(static_cast<OSErr>(*fault));
     if (!event || !value) return call.Result(OSErr{paramErr});
     if (!event->dataHandle || event->dataHandle->type != typeAppleEvent)
         return call.Result(OSErr{errAENotAEDesc});
-    try {
-        event->dataHandle->Put(keyword, value->descriptorType, value->dataHandle);
-    } catch (const std::bad_alloc&) {
-        return call.Result(OSErr{memFullErr});
-    }
+    event->dataHandle->Put(keyword, value->descriptorType, value->dataHandle);
     return call.Result(OSErr{noErr});
+} catch (const std::bad_alloc&) {
+    return memFullErr;
 }
 
 OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType form, AEDesc* key,
-                         Boolean disposeInputs, AEDesc* specifier) {
+                         Boolean disposeInputs, AEDesc* specifier) try {
     PlatformCall call("CreateObjSpecifier");
     if (call.IsTold())
         call.SetArguments({Storage::CodeText(desiredClass), Storage::CodeText(form), Shown(key)});
@@ -230,20 +232,27 @@ OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType form
         GiveTo(specifier, typeObjectSpecifier, std::move(record));
         return noErr;
     });
+} catch (const std::bad_alloc&) {
+    return memFullErr;
 }
 
 OSErr AESend(const AppleEvent* event, AppleEvent* reply, AESendMode mode, AESendPriority, long, AEIdleUPP,
-             AEFilterUPP) {
+             AEFilterUPP) try {
     PlatformCall call("AESend");
     if (call.IsTold()) call.SetArguments({Shown(event), "mode " + std::to_string(mode)});
     return Made(call, reply, [&]() -> OSErr { return Send(event, reply, call); });
+} catch (const std::bad_alloc&) {
+    return memFullErr;
 }
 
-OSErr AEDisposeDesc(AEDesc* desc) {
+OSErr AEDisposeDesc(AEDesc* desc) try {
     PlatformCall call("AEDisposeDesc");
-    if (call.IsTold()) call.SetArguments({Shown(desc)});
     if (!desc) return call.Result(OSErr{paramErr});
+    const DescType type = desc->descriptorType;
     delete desc->dataHandle;
     *desc = {typeNull, nullptr};
+    if (call.IsTold()) call.SetArguments({Storage::CodeText(type)});
     return call.Result(OSErr{noErr});
+} catch (const std::bad_alloc&) {
+    return memFullErr;
 }

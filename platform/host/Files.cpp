@@ -20,7 +20,7 @@ std::string DescribeBitmap(FSCatalogInfoBitmap bitmap) {
     if (bitmap == kFSCatInfoFinderInfo) return "FinderInfo";
     if (bitmap == kFSCatInfoNodeFlags) return "NodeFlags";
     char text[16];
-    std::snprintf(text, sizeof text, "0x%lX", static_cast<unsigned long>(bitmap));
+    (void)std::snprintf(text, sizeof text, "0x%lX", static_cast<unsigned long>(bitmap));
     return text;
 }
 
@@ -29,7 +29,7 @@ std::string DescribeFlags(const FSCatalogInfo* info, FSCatalogInfoBitmap bitmap)
     UInt16 flags;
     std::copy_n(&info->finderInfo[8], sizeof flags, reinterpret_cast<UInt8*>(&flags));
     char text[32];
-    std::snprintf(text, sizeof text, "Finder flags 0x%04X", static_cast<unsigned>(flags));
+    (void)std::snprintf(text, sizeof text, "Finder flags 0x%04X", static_cast<unsigned>(flags));
     return text;
 }
 

@@ -1,11 +1,11 @@
 #include <Carbon/MacErrors.h>
 #include <Carbon/MacMemory.h>
 
+#include "CFObject.h"
 #include "LiveRegistry.h"
 #include "PlatformCall.h"
 
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -42,9 +42,7 @@ Ptr MakeBlock(Size size) {
 void Free(Ptr pointer) {
     auto* const block = reinterpret_cast<Block*>(pointer) - 1;
     if (reinterpret_cast<std::uintptr_t>(pointer) % alignof(Block) != 0 || block->mark != Block::living) {
-        std::fprintf(stderr, "DisposePtr: %p is no block of NewPtr, or was disposed of already\n",
-                     static_cast<void*>(pointer));
-        std::abort();
+        Misuse("DisposePtr", "this is no block of NewPtr, or it was disposed of already");
     }
     block->Delist();
     block->mark = 0;

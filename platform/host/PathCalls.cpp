@@ -27,6 +27,12 @@ LastLink OpenLink(int flags) {
     return (flags & O_NOFOLLOW) || ((flags & O_CREAT) && (flags & O_EXCL)) ? keep : follow;
 }
 
+/// The mode of open is there only where a file may be made.
+unsigned ModeBehind(int flags, va_list rest) {
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's va_start is not followed into here
+    return flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, unsigned) : 0;
+}
+
 } // namespace
 
 #pragma GCC visibility push(default)
@@ -54,20 +60,15 @@ LastLink OpenLink(int flags) {
 
 #define COMMA ,
 
-// Opening. The mode of open counts only where a file may be made; reading it in any case is harmless on x86,
-// where arguments that were not given are whatever lies there, but not asked of the language: hence va_arg by
-// the flags.
+// Opening.
 #define OPEN_CALL(SYMBOL)                                                                                    \
     extern "C" int Caught_##SYMBOL(const char* path, int flags, ...) __asm__(#SYMBOL);                       \
     int Caught_##SYMBOL(const char* path, int flags, ...) {                                                  \
         static const auto next = NextDefinition<int(const char*, int, ...)>(#SYMBOL);                        \
-        unsigned mode = 0;                                                                                   \
-        if (flags & (O_CREAT | __O_TMPFILE)) {                                                               \
-            va_list rest;                                                                                    \
-            va_start(rest, flags);                                                                           \
-            mode = va_arg(rest, unsigned);                                                                   \
-            va_end(rest);                                                                                    \
-        }                                                                                                    \
+        va_list rest;                                                                                        \
+        va_start(rest, flags);                                                                               \
+        const unsigned mode = ModeBehind(flags, rest);                                                       \
+        va_end(rest);                                                                                        \
         if (!FallsOnVolume(path)) return next(path, flags, mode);                                            \
         const auto make = [&](const char* hostPath) { return next(hostPath, flags, mode); };                 \
         return CallOnVolume<int>("open", -1, OpenLink(flags), path, make, path, flags);                      \
@@ -76,13 +77,10 @@ LastLink OpenLink(int flags) {
     extern "C" int Caught_##SYMBOL(int folder, const char* path, int flags, ...) __asm__(#SYMBOL);           \
     int Caught_##SYMBOL(int folder, const char* path, int flags, ...) {                                      \
         static const auto next = NextDefinition<int(int, const char*, int, ...)>(#SYMBOL);                   \
-        unsigned mode = 0;                                                                                   \
-        if (flags & (O_CREAT | __O_TMPFILE)) {                                                               \
-            va_list rest;                                                                                    \
-            va_start(rest, flags);                                                                           \
-            mode = va_arg(rest, unsigned);                                                                   \
-            va_end(rest);                                                                                    \
-        }                                                                                                    \
+        va_list rest;                                                                                        \
+        va_start(rest, flags);                                                                               \
+        const unsigned mode = ModeBehind(flags, rest);                                                       \
+        va_end(rest);                                                                                        \
         if (!FallsOnVolume(path)) return next(folder, path, flags, mode);                                    \
         const auto make = [&](const char* hostPath) { return next(folder, hostPath, flags, mode); };         \
         return CallOnVolume<int>("openat", -1, OpenLink(flags), path, make, path, flags);                    \
@@ -285,8 +283,9 @@ template <typename Make>
 char* ResolvedOnVolume(const char* path, Make make) {
     const auto resolve = [&](const char* hostPath) -> char* {
         char* const answer = make(hostPath);
-        if (answer && LiesInStartupVolume(answer))
-            std::strcpy(answer, MacPath(answer).c_str()); // shorter than what stands there
+        if (!answer || !LiesInStartupVolume(answer)) return answer;
+        const std::string onMac = MacPath(answer); // shorter than what stands there
+        std::memcpy(answer, onMac.c_str(), onMac.size() + 1);
         return answer;
     };
     return CallOnVolume<char*>("realpath", nullptr, follow, path, resolve, path);

@@ -37,7 +37,7 @@ std::string ProcessName() {
 void WritePascalString(const std::string& text, std::size_t most, unsigned char* buffer) {
     const std::size_t length = std::min(text.size(), most);
     buffer[0] = static_cast<unsigned char>(length);
-    std::memcpy(buffer + 1, text.data(), length);
+    std::copy_n(text.begin(), length, buffer + 1);
 }
 
 /// The caller's record may be an older and shorter one: nothing behind its length is read or written.

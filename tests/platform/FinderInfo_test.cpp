@@ -212,6 +212,14 @@ TEST_F(FinderInfoTest, FSRefKnowsWhenItsItemIsGone) {
     EXPECT_EQ(get(), fnfErr);
     folder.Write("file", "another");
     EXPECT_EQ(get(), fnfErr);
+
+    // Only so many stay known.
+    ASSERT_EQ(MakeRef(file, ref), noErr);
+    for (int i = 0; i < 4096; ++i) {
+        FSRef other;
+        ASSERT_EQ(MakeRef(folder / (i % 2 ? "file" : "moved"), other), noErr);
+    }
+    EXPECT_EQ(get(), errFSBadFSRef);
     std::memset(ref.hidden, 0x5A, sizeof ref.hidden);
     EXPECT_EQ(get(), errFSBadFSRef);
 }
