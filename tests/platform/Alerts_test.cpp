@@ -42,7 +42,7 @@ TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
     std::vector<macplatform::Alert> shown;
     int choice = 0;
     for (; choice < 3; ++choice) {
-        macplatform::SetAlertPresenter([&](const macplatform::Alert& alert) {
+        macplatform::SetAlertPresenter([&shown, choice](const macplatform::Alert& alert) {
             shown.push_back(alert);
             return choice;
         });
@@ -50,7 +50,7 @@ TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
     }
     EXPECT_EQ(shown.at(0).message, "Really?");
     EXPECT_EQ(shown.at(0).buttons, (std::vector<std::string>{"Yes", "Cancel", "No"}));
-    EXPECT_EQ(Show({}), -1001) << "the fourth button of an alert that has one";
+    EXPECT_EQ(Show({}), -1001) << "the third button of an alert that has one";
     EXPECT_EQ(shown.back().buttons, std::vector<std::string>{"OK"}) << "the platform's own";
     macplatform::SetAlertPresenter({});
     EXPECT_EQ(Show(buttons), 1000) << "nobody to ask: the first";
