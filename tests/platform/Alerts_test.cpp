@@ -40,8 +40,7 @@ protected:
 TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
     const std::vector<CFStringRef> buttons = {CFSTR("Yes"), CFSTR("Cancel"), CFSTR("No")};
     std::vector<macplatform::Alert> shown;
-    int choice = 0;
-    for (; choice < 3; ++choice) {
+    for (int choice = 0; choice < 3; ++choice) {
         macplatform::SetAlertPresenter([&shown, choice](const macplatform::Alert& alert) {
             shown.push_back(alert);
             return choice;
