@@ -75,7 +75,8 @@ Answer Answers::Ask(const macplatform::Alert& alert) {
     }
 }
 
-/// False at the end of the input. Waits for the signals too: a question must not outlive Ctrl-C.
+/// False at the end of the input. Waits for the signals too: a question must not outlive Ctrl-C. A person may
+/// take any time; another program that says nothing for ten seconds has nothing to say.
 bool Answers::ReadLine(std::string& line) {
     while (true) {
         const std::size_t end = typedAhead.find('\n');
@@ -85,9 +86,9 @@ bool Answers::ReadLine(std::string& line) {
             return true;
         }
         std::array<pollfd, 2> waits{{{STDIN_FILENO, POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
-        if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
-            throw ToolFault::FromErrno("standard input");
-        }
+        const int ready = poll(waits.data(), waits.size(), isatty(STDIN_FILENO) ? -1 : 10000);
+        if (ready < 0 && errno != EINTR) throw ToolFault::FromErrno("standard input");
+        if (ready == 0) return false;
         interruption.Check();
         std::array<char, 256> bytes{};
         const ssize_t count = waits[0].revents != 0 ? read(STDIN_FILENO, bytes.data(), bytes.size()) : -1;

@@ -39,9 +39,10 @@ int OpenFolder(std::string& path) {
     return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
-/// Waits for other writers, ten seconds at most: the lock goes with the descriptor.
+/// Waits for other writers, five seconds at most (well within the limit of a call to a bundle): the lock goes
+/// with the descriptor.
 bool Lock(int folder) {
-    constexpr int attempts = 5000;
+    constexpr int attempts = 2500;
     for (int i = 0; i < attempts; ++i) {
         if (flock(folder, LOCK_EX | LOCK_NB) == 0) return true;
         if (errno != EWOULDBLOCK && errno != EINTR) return false;

@@ -22,7 +22,7 @@ extern const CFStringRef kCFPreferencesCurrentHost;
 void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef domain, CFStringRef user,
                            CFStringRef host);
 /// False when the file could not be read as a property list, holds what could not be written again, or
-/// could not be written or locked in ten seconds; it then stands as it was, and the values go on waiting.
+/// could not be written or locked in five seconds; it then stands as it was, and the values go on waiting.
 Boolean CFPreferencesSynchronize(CFStringRef domain, CFStringRef user, CFStringRef host);
 
 MACPLATFORM_C_END
