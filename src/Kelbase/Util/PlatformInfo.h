@@ -1,10 +1,9 @@
 #pragma once
 
+#include <Kelbase/common/common_path.h>
 #include <Kelbase/common/common_string.h>
 
 #include <map>
-
-class FilePath;
 
 namespace Util {
 
