@@ -22,9 +22,16 @@ std::vector<std::string> ButtonsOf(const macplatform::Alert& alert) {
     return alert.buttons.empty() ? std::vector<std::string>{"OK"} : alert.buttons;
 }
 
+const char* const kNoText = "(its text lies in a resource of the installer)";
+
+/// What a window says above its buttons.
+std::string MessageOf(const macplatform::Alert& alert) {
+    return IsStop(alert) ? Describe(alert) + '\n' + kNoText : alert.message;
+}
+
 std::string Question(const macplatform::Alert& alert, const std::vector<std::string>& buttons) {
     std::string text = '\n' + Describe(alert) + '\n';
-    if (IsStop(alert)) text += "  (its text lies in a resource of the installer)\n";
+    if (IsStop(alert)) text += std::string("  ") + kNoText + '\n';
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         text += "  " + std::to_string(i + 1) + "  " + Printable(buttons[i]) + '\n';
     }
@@ -48,6 +55,9 @@ Answers::Answers(AnswerPolicy answerPolicy, const Interruption& pendingSignals)
 
 Answer Answers::To(const macplatform::Alert& alert) {
     if (policy.kind == AnswerPolicy::Kind::Ask) return Ask(alert);
+    if (policy.kind == AnswerPolicy::Kind::Desktop) {
+        return ShowOnDesktop(policy.programs, MessageOf(alert), ButtonsOf(alert), interruption);
+    }
     if (IsStop(alert)) return {-1, "its resource is not here"};
     if (policy.kind == AnswerPolicy::Kind::First) return {0, {}};
     return TakeTitle(alert);

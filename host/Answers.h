@@ -2,6 +2,8 @@
 
 /// Who answers the bundle's alerts.
 
+#include "DesktopAlert.h"
+
 #include <macplatform/Alerts.h>
 
 #include <cstddef>
@@ -14,12 +16,14 @@ class Interruption;
 
 struct AnswerPolicy {
     enum class Kind {
-        Ask,    ///< A person, on standard input; the questions go to standard error.
-        First,  ///< The first button.
-        Titles, ///< The buttons of these titles, one for each alert in order.
+        Ask,     ///< A person, on standard input; the questions go to standard error.
+        Desktop, ///< A person, in a window of the desktop.
+        First,   ///< The first button.
+        Titles,  ///< The buttons of these titles, one for each alert in order.
     };
     Kind kind = Kind::First;
     std::vector<std::string> titles;
+    std::vector<DialogProgram> programs; ///< What shows the window; at least one for Desktop.
 };
 
 struct Answer {

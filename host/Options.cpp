@@ -98,15 +98,12 @@ std::vector<std::string> SplitTitles(const std::string& text) {
 
 AnswerPolicy PolicyFor(const std::string& text, bool isGiven) {
     using Kind = AnswerPolicy::Kind;
-    if (!isGiven) return {isatty(STDIN_FILENO) == 1 ? Kind::Ask : Kind::First, {}};
-    if (text == "ask") return {Kind::Ask, {}};
-    if (text == "first") return {Kind::First, {}};
-    if (text == "desktop") {
-        throw UsageError(
-            "--answers desktop: the window on the desktop is not there yet; use ask, first, or titles");
-    }
-    if (text.empty()) throw UsageError("--answers: give ask, first, or the titles of buttons");
-    return {Kind::Titles, SplitTitles(text)};
+    if (!isGiven) return {isatty(STDIN_FILENO) == 1 ? Kind::Ask : Kind::First, {}, {}};
+    if (text == "ask") return {Kind::Ask, {}, {}};
+    if (text == "desktop") return {Kind::Desktop, {}, FindDialogPrograms()};
+    if (text == "first") return {Kind::First, {}, {}};
+    if (text.empty()) throw UsageError("--answers: give ask, desktop, first, or the titles of buttons");
+    return {Kind::Titles, SplitTitles(text), {}};
 }
 
 RunOptions Checked(RunArguments& arguments, const CLI::App& run) {
@@ -160,8 +157,8 @@ void DescribeRun(CLI::App& run, RunArguments& arguments) {
     run.add_flag("--dry-run", options.isDryRun, "Work on a scratch copy of the volume");
     run.add_option(
            "--answers", arguments.answers,
-           "Who answers alerts: ask (default on a terminal), first (default elsewhere), or the titles "
-           "of buttons, one for each alert, with commas between")
+           "Who answers alerts: ask (default on a terminal), desktop (a window), first (the first button; "
+           "default elsewhere), or the titles of buttons, one for each alert, with commas between")
         ->type_name("WHO");
     run.add_flag("--trace", options.hasTrace, "Show every platform call in order");
     AddNumber(run, "--timeout", options.secondsPerCall, ParseSeconds,

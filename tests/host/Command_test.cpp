@@ -53,7 +53,6 @@ INSTANTIATE_TEST_SUITE_P(
         {"UnknownEvent", {"run", "BUNDLE", "--product", "1", "--event", "mid"}, "--event: \"mid\""},
         {"TimeoutIsZero", {"run", "BUNDLE", "--product", "1", "--timeout", "0"}, "--timeout: \"0\""},
         {"TimeoutIsNaN", {"run", "BUNDLE", "--product", "1", "--timeout", "nan"}, "--timeout: \"nan\""},
-        {"Desktop", {"run", "BUNDLE", "--product", "1", "--answers", "desktop"}, "not there yet"},
         {"VolumeIsMissing", {"run", "BUNDLE", "--product", "1", "--volume", "/nowhere"}, "/nowhere"},
         {"VolumeIsAFile", {"run", "BUNDLE", "--product", "1", "--volume", "SHORT"}, "not a folder"},
         {"VolumeIsThisMachine",

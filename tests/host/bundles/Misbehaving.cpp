@@ -1,5 +1,6 @@
 // A plug-in that does to its host whatever the product code orders.
 
+#include <Carbon/Carbon.h>
 #include <CoreFoundation/CoreFoundation.h>
 #include <objc/message.h>
 #include <objc/runtime.h>
@@ -12,6 +13,7 @@
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -34,6 +36,9 @@ enum Order : std::int32_t {
     ChangeFiles = 15,
     WriteBrokenList = 16,
     ReadStandardInput = 17,
+    AskButtons = 18,
+    AskOddTitles = 19,
+    ShowStopAlert = 20,
 };
 
 template <typename Result, typename... Arguments>
@@ -42,12 +47,20 @@ Result Send(id receiver, const char* selector, Arguments... arguments) {
     return reinterpret_cast<Function>(&objc_msgSend)(receiver, sel_registerName(selector), arguments...);
 }
 
-/// 1000 for Yes, 1001 for No.
-int Ask() {
+/// 1000 for the first button, 1001 for the second, ...
+int Ask(const char* message, const std::vector<const char*>& titles) {
+    const auto text = [](const char* bytes) {
+        return CFStringCreateWithCString(kCFAllocatorDefault, bytes, kCFStringEncodingUTF8);
+    };
     const id alert = Send<id>(Send<id>(reinterpret_cast<id>(objc_getClass("NSAlert")), "alloc"), "init");
-    Send<void>(alert, "setMessageText:", CFSTR("Go on?"));
-    Send<id>(alert, "addButtonWithTitle:", CFSTR("Yes"));
-    Send<id>(alert, "addButtonWithTitle:", CFSTR("No"));
+    const CFStringRef shown = text(message);
+    Send<void>(alert, "setMessageText:", shown);
+    CFRelease(shown);
+    for (const char* title : titles) {
+        const CFStringRef button = text(title);
+        Send<id>(alert, "addButtonWithTitle:", button);
+        CFRelease(button);
+    }
     const int answer = static_cast<int>(Send<long>(alert, "runModal"));
     Send<void>(alert, "release");
     return answer;
@@ -101,10 +114,10 @@ void Deliver(char* block) {
         kill(getppid(), SIGTERM);
         WaitForEver();
     case AskYesNo:
-        SetErrorFlags(block, Ask() == 1001 ? 0x10000 : 0);
+        SetErrorFlags(block, Ask("Go on?", {"Yes", "No"}) == 1001 ? 0x10000 : 0);
         break;
     case AskForEver:
-        while (true) Ask();
+        while (true) Ask("Go on?", {"Yes", "No"});
     case LeakString:
         CFStringCreateWithCString(kCFAllocatorDefault, "left behind", kCFStringEncodingUTF8);
         break;
@@ -118,6 +131,21 @@ void Deliver(char* block) {
         break;
     case ReadStandardInput:
         SetErrorFlags(block, std::getchar() == EOF ? 0 : 1);
+        break;
+    case AskButtons: {
+        std::vector<const char*> titles{"OK", "Cancel", "Retry", "Cancel"};
+        titles.resize(static_cast<unsigned char>(block[610]), "Again");
+        SetErrorFlags(block, static_cast<std::uint32_t>(Ask("Go?", titles) - 999) << 16);
+        break;
+    }
+    case AskOddTitles: {
+        const char* const message = "--version <b>&amp;</b>\n\\x5F $(false) \x1B";
+        const int answer = Ask(message, {"gtk-ok", "A_B:7", "x!y!z", "--help"});
+        SetErrorFlags(block, static_cast<std::uint32_t>(answer - 999) << 16);
+        break;
+    }
+    case ShowStopAlert:
+        SetErrorFlags(block, static_cast<std::uint32_t>(StopAlert(5000, nullptr)) << 16);
         break;
     default:
         break;

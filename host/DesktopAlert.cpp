@@ -1,0 +1,249 @@
+#include "DesktopAlert.h"
+
+#include "Answers.h"
+#include "DialogProcess.h"
+#include "DisplayText.h"
+#include "ExitStatus.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+namespace xcodhost {
+
+namespace {
+
+using Kind = DialogProgram::Kind;
+using Texts = std::vector<std::string>;
+
+// What fits a screen of 1024 by 768. Widths are in bytes, so that wide letters have the room that they need.
+constexpr std::size_t kLineWidth = 80;
+constexpr std::size_t kMostLines = 24;
+constexpr std::size_t kRowWidth = 130;
+constexpr std::size_t kNarrowestButton = 12;
+
+// Exit statuses of our own choice lie apart from those of failures.
+constexpr int kFirstButton = 100;
+constexpr int kYadClosed = 252;
+constexpr int kZenityClosed = 101;
+
+/// A space without width. A title that ends in one is the name of no stock button, whose own title and icon
+/// would be shown instead; and their number tells titles apart that look the same.
+constexpr std::string_view kMark = "\xE2\x80\x8B";
+
+const char* NameOf(Kind kind) {
+    return kind == Kind::Yad ? "yad" : kind == Kind::Zenity ? "zenity" : "kdialog";
+}
+
+/// Empty when no absolute folder of PATH has it.
+std::string FindInPath(const std::string& name) {
+    const char* variable = std::getenv("PATH");
+    std::string_view path = variable ? variable : "";
+    while (!path.empty()) {
+        const std::size_t end = std::min(path.find(':'), path.size());
+        const std::string file = std::string(path.substr(0, end)) + '/' + name;
+        struct stat info {};
+        if (file[0] == '/' && end > 0 && stat(file.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
+            access(file.c_str(), X_OK) == 0) {
+            return file;
+        }
+        path.remove_prefix(std::min(end + 1, path.size()));
+    }
+    return {};
+}
+
+bool IsSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value && *value;
+}
+
+std::string Replaced(std::string text, std::string_view from, std::string_view to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+/// Takes one line's worth off the front of `rest`, at a space where it has one.
+std::string TakeLine(std::string_view& rest) {
+    if (rest.size() <= kLineWidth) return std::string(std::exchange(rest, {}));
+    std::size_t end = rest.rfind(' ', kLineWidth);
+    if (end == std::string_view::npos || end == 0) {
+        for (end = kLineWidth; (static_cast<unsigned char>(rest[end]) & 0xC0) == 0x80;) --end;
+    }
+    const std::string line(rest.substr(0, end));
+    rest.remove_prefix(rest[end] == ' ' ? end + 1 : end);
+    return line;
+}
+
+/// The programs break no word, and a window would grow beyond the screen.
+Texts LinesOf(const std::string& message) {
+    Texts lines;
+    std::string_view rest = message;
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        const std::string paragraph = Printable(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        std::string_view left = paragraph;
+        do {
+            if (lines.size() == kMostLines) {
+                lines.emplace_back("[...]");
+                return lines;
+            }
+            lines.push_back(TakeLine(left));
+        } while (!left.empty());
+    }
+    return lines;
+}
+
+std::string Joined(const Texts& lines) {
+    std::string text;
+    for (const std::string& line : lines) text += line + '\n';
+    if (!text.empty()) text.pop_back();
+    return text;
+}
+
+bool FitARow(const Texts& buttons) {
+    std::size_t width = 0;
+    for (const std::string& title : buttons) width += std::max(title.size(), kNarrowestButton);
+    return width <= kRowWidth;
+}
+
+/// An underscore would mark the letter behind it as the button's key.
+std::string Label(const std::string& title, std::size_t marks) {
+    std::string label = Replaced(Replaced(Printable(title), kMark, ""), "_", "__");
+    for (std::size_t i = 0; i < marks; ++i) label += kMark;
+    return label;
+}
+
+Texts YadCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
+    // Its texts know backslash sequences; its titles are cut at "!", unless another separator is named.
+    Texts command{path,
+                  "--title=xcodhost",
+                  "--center",
+                  "--image=dialog-question",
+                  "--no-markup",
+                  "--item-separator=\x01",
+                  "--text=" + Replaced(Joined(lines), "\\", "\\\\")};
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        command.push_back("--button=" + Label(buttons[i], 1) + ':' +
+                          std::to_string(kFirstButton + static_cast<int>(i)));
+    }
+    return command;
+}
+
+Texts ZenityCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
+    Texts command{path,          "--question",       "--switch",
+                  "--no-markup", "--title=xcodhost", "--text=" + Joined(lines)};
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        command.push_back("--extra-button=" + Label(buttons[i], i + 1));
+    }
+    return command;
+}
+
+/// It has rows of up to three buttons, but closing such a window is one of the choices: so always a list.
+Texts KdialogCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
+    std::string text = Replaced(Joined(lines), "&", "&amp;");
+    text = Replaced(Replaced(std::move(text), "<", "&lt;"), "\\", "&#92;");
+    Texts command{
+        path, "--title", "xcodhost", "--menu", "<qt>" + Replaced(std::move(text), "\n", "<br>") + "</qt>",
+        "--"};
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        command.push_back(std::to_string(i));
+        command.push_back(Printable(buttons[i]));
+    }
+    return command;
+}
+
+Texts CommandFor(const DialogProgram& program, const Texts& lines, const Texts& buttons) {
+    switch (program.kind) {
+    case Kind::Yad:
+        return YadCommand(program.path, lines, buttons);
+    case Kind::Zenity:
+        return ZenityCommand(program.path, lines, buttons);
+    default:
+        return KdialogCommand(program.path, lines, buttons);
+    }
+}
+
+std::size_t CountMarks(std::string_view text) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find(kMark, at)) != std::string_view::npos; at += kMark.size()) {
+        ++count;
+    }
+    return count;
+}
+
+/// The place of the chosen button, -1 for a closed window, nothing for a program that did not do its work.
+std::optional<int> Choice(Kind kind, const DialogEnd& end, std::size_t count) {
+    const int status = WIFEXITED(end.status) ? WEXITSTATUS(end.status) : -1;
+    int choice = -1;
+    switch (kind) {
+    case Kind::Yad:
+        if (status == kYadClosed) return -1;
+        choice = status - kFirstButton;
+        break;
+    case Kind::Zenity:
+        // An extra button and a closed window end with the same status; the button's title is written.
+        if (status == kZenityClosed && end.output.empty()) return -1;
+        choice = static_cast<int>(CountMarks(end.output)) - 1;
+        break;
+    case Kind::Kdialog:
+        if (status == 1 && end.output.empty()) return -1;
+        if (status == 0) std::from_chars(end.output.data(), end.output.data() + end.output.size(), choice);
+        break;
+    }
+    if (choice < 0 || static_cast<std::size_t>(choice) >= count) return std::nullopt;
+    return choice;
+}
+
+std::string FailureOf(Kind kind, const DialogEnd& end) {
+    std::string text = NameOf(kind);
+    text += WIFEXITED(end.status) ? " ended with exit status " + std::to_string(WEXITSTATUS(end.status))
+                                  : " was ended by signal " + std::to_string(WTERMSIG(end.status));
+    return end.lastError.empty() ? text : text + ": " + Printable(end.lastError);
+}
+
+} // namespace
+
+std::vector<DialogProgram> FindDialogPrograms() {
+    if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) {
+        throw UsageError("--answers desktop: no desktop here (neither DISPLAY nor WAYLAND_DISPLAY is set); "
+                         "use ask, first, or titles");
+    }
+    std::vector<DialogProgram> programs;
+    for (const Kind kind : {Kind::Yad, Kind::Zenity, Kind::Kdialog}) {
+        std::string path = FindInPath(NameOf(kind));
+        if (!path.empty()) programs.push_back({kind, std::move(path)});
+    }
+    if (programs.empty()) {
+        throw UsageError("--answers desktop: PATH has none of yad, zenity, kdialog; install one of them, or "
+                         "use ask, first, or titles");
+    }
+    return programs;
+}
+
+Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
+                     const std::vector<std::string>& buttons, const Interruption& interruption) {
+    const Texts lines = LinesOf(message);
+    std::string failures;
+    for (const DialogProgram& program : programs) {
+        if (program.kind != Kind::Kdialog && !FitARow(buttons)) continue;
+        // Any other locale than a UTF-8 one makes the programs refuse or garble the texts.
+        const DialogEnd end = RunDialog(CommandFor(program, lines, buttons),
+                                        {{"LC_ALL", "C.UTF-8"}, {"ZENITY_ESC", "101"}}, interruption);
+        const std::optional<int> choice = Choice(program.kind, end, buttons.size());
+        if (choice) return {*choice, *choice < 0 ? "its window was closed" : ""};
+        failures += (failures.empty() ? "" : "; ") + FailureOf(program.kind, end);
+    }
+    if (failures.empty()) failures = "yad and zenity have no room for such a row of buttons";
+    return {-1, failures};
+}
+
+} // namespace xcodhost

@@ -1,0 +1,130 @@
+#include "DialogProcess.h"
+
+#include "ExitStatus.h"
+#include "Interruption.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace xcodhost {
+
+namespace {
+
+constexpr std::size_t kMostOutput = 65536;
+
+/// What a program writes to one of its streams. No pipe: a helper that the program leaves running would hold
+/// its end open.
+class Captured {
+public:
+    Captured() : descriptor(memfd_create("dialog", MFD_CLOEXEC)) {
+        if (descriptor < 0) throw ToolFault::FromErrno("no memory for the window's answer");
+    }
+    Captured(const Captured&) = delete;
+    Captured& operator=(const Captured&) = delete;
+    ~Captured() { close(descriptor); }
+
+    int Descriptor() const { return descriptor; }
+    std::string Text() const {
+        std::string text(kMostOutput, '\0');
+        const ssize_t count = pread(descriptor, text.data(), text.size(), 0);
+        text.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
+        return text;
+    }
+
+private:
+    int descriptor;
+};
+
+/// Ends the program's whole process group and reaps it, at the latest when it goes out of scope.
+class RunningDialog {
+public:
+    explicit RunningDialog(pid_t processId)
+        : id(processId), process(static_cast<int>(syscall(SYS_pidfd_open, processId, 0))) {}
+    RunningDialog(const RunningDialog&) = delete;
+    RunningDialog& operator=(const RunningDialog&) = delete;
+    ~RunningDialog() {
+        Reap();
+        if (process >= 0) close(process);
+    }
+
+    int Wait(const Interruption& interruption) {
+        if (process < 0) throw ToolFault::FromErrno("the window cannot be waited for");
+        std::array<pollfd, 2> waits{{{process, POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
+        while (waits[0].revents == 0) {
+            if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
+                throw ToolFault::FromErrno("the window cannot be waited for");
+            }
+            interruption.Check();
+        }
+        return Reap();
+    }
+
+private:
+    int Reap() {
+        if (isReaped) return status;
+        kill(-id, SIGKILL);
+        kill(id, SIGKILL); // it may not have reached its own group yet
+        while (waitpid(id, &status, 0) < 0 && errno == EINTR) {
+        }
+        isReaped = true;
+        return status;
+    }
+
+    pid_t id;
+    int process;
+    int status = 0;
+    bool isReaped = false;
+};
+
+[[noreturn]] void Become(const std::vector<std::string>& command, const Captured& output,
+                         const Captured& errors, pid_t parent, const Interruption& interruption) {
+    setpgid(0, 0); // Ctrl-C on the terminal is ours to handle
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(127); // it died before the line above
+    const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0 || dup2(output.Descriptor(), STDOUT_FILENO) < 0 ||
+        dup2(errors.Descriptor(), STDERR_FILENO) < 0) {
+        _exit(127);
+    }
+    interruption.LiftInChild();
+    std::vector<char*> arguments;
+    for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.push_back(nullptr);
+    execv(arguments[0], arguments.data());
+    _exit(127);
+}
+
+std::string LastLine(std::string text) {
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    return text.substr(text.rfind('\n') + 1);
+}
+
+} // namespace
+
+DialogEnd RunDialog(const std::vector<std::string>& command,
+                    const std::vector<std::pair<const char*, const char*>>& environment,
+                    const Interruption& interruption) {
+    const Captured output;
+    const Captured errors;
+    const pid_t parent = getpid();
+    const pid_t id = fork();
+    if (id < 0) throw ToolFault::FromErrno("no process for the window");
+    if (id == 0) {
+        for (const auto& [name, value] : environment) setenv(name, value, 1);
+        Become(command, output, errors, parent, interruption);
+    }
+    setpgid(id, id); // both do it, so that it is done whoever runs first
+    const int status = RunningDialog(id).Wait(interruption);
+    return {status, output.Text(), LastLine(errors.Text())};
+}
+
+} // namespace xcodhost
