@@ -80,8 +80,7 @@ std::string ExecutableName(const PropertyValue& list, const std::string& bundle)
     return name->text;
 }
 
-BundleExecutable ReadExecutable(const std::string& platform, const std::string& path) {
-    BundleExecutable executable{platform, path, {}, {}, {}, {}};
+std::string ReadWhole(const std::string& path) {
     std::error_code error;
     if (!fs::is_regular_file(path, error)) Refuse(path, "not a file");
     const std::uintmax_t size = fs::file_size(path, error);
@@ -92,19 +91,25 @@ BundleExecutable ReadExecutable(const std::string& platform, const std::string& 
     std::string bytes(static_cast<std::size_t>(size), '\0');
     in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<std::size_t>(in.gcount()));
+    return bytes;
+}
+
+BundleExecutable ReadExecutable(const std::string& platform, const std::string& path) {
+    const std::string bytes = ReadWhole(path);
     if (IsElf(bytes)) {
         ElfFile elf = ReadElf(bytes);
-        executable.format = "ELF";
-        if (!elf.architecture.empty()) executable.architectures.push_back(std::move(elf.architecture));
-        executable.exports = std::move(elf.exports);
-        executable.problem = std::move(elf.problem);
-    } else if (IsMachO(bytes)) {
-        MachOFile mach = ReadMachO(bytes);
-        executable.format = "Mach-O";
-        executable.architectures = std::move(mach.architectures);
-        executable.problem = std::move(mach.problem);
-    } else {
-        Refuse(path, "neither an ELF nor a Mach-O executable");
+        return {platform,
+                path,
+                "ELF",
+                {{std::move(elf.architecture), std::move(elf.exports), std::move(elf.problem)}},
+                {}};
+    }
+    if (!IsMachO(bytes)) Refuse(path, "neither an ELF nor a Mach-O executable");
+    MachOFile mach = ReadMachO(bytes);
+    BundleExecutable executable{platform, path, "Mach-O", {}, std::move(mach.problem)};
+    for (MachOImage& image : mach.images) {
+        executable.images.push_back(
+            {std::move(image.architecture), std::move(image.exports), std::move(image.problem)});
     }
     return executable;
 }

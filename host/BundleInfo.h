@@ -19,13 +19,19 @@ struct BundleType {
     std::vector<std::string> factories;
 };
 
+/// What an executable holds for one architecture.
+struct BundleImage {
+    std::string architecture;
+    std::vector<std::string> exports; ///< As a lookup takes them.
+    std::string problem;
+};
+
 struct BundleExecutable {
     std::string platform; ///< The subfolder of `Contents`: "Linux" or "MacOS".
     std::string path;
-    std::string format; ///< "ELF", "Mach-O", or empty for neither.
-    std::vector<std::string> architectures;
-    std::vector<std::string> exports; ///< Of ELF files only.
-    std::string problem;
+    std::string format;              ///< "ELF" or "Mach-O".
+    std::vector<BundleImage> images; ///< More than one in universal Mach-O files only.
+    std::string problem;             ///< Of the file as a whole.
 };
 
 struct BundleInfo {

@@ -6,6 +6,7 @@
 #include "JsonDocument.h"
 #include "PluginContract.h"
 
+#include <set>
 #include <strings.h>
 
 namespace xcodhost {
@@ -23,12 +24,46 @@ std::string Joined(const std::vector<std::string>& texts) {
     return joined.empty() ? "none" : joined;
 }
 
+std::vector<std::string> ArchitecturesOf(const BundleExecutable& executable) {
+    std::vector<std::string> names;
+    for (const BundleImage& image : executable.images) {
+        if (!image.architecture.empty()) names.push_back(image.architecture);
+    }
+    return names;
+}
+
 std::string ExecutableText(const BundleExecutable& executable) {
     std::string text = "executable  " + Printable(executable.path) + ": " + executable.format + ' ' +
-                       Joined(executable.architectures) + '\n';
-    if (executable.format == "ELF") text += "  exports  " + Joined(executable.exports) + '\n';
+                       Joined(ArchitecturesOf(executable)) + '\n';
+    for (const BundleImage& image : executable.images) {
+        const std::string whose = executable.images.size() > 1 ? " of " + image.architecture : "";
+        text += "  exports" + whose + "  " + Joined(image.exports) + '\n';
+        if (!image.problem.empty()) text += "  problem" + whose + "  " + image.problem + '\n';
+    }
     if (!executable.problem.empty()) text += "  problem  " + executable.problem + '\n';
     return text;
+}
+
+Json TextOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+
+Json ExecutableJson(const BundleExecutable& executable) {
+    Json images = Json::array();
+    std::set<std::string> exports;
+    std::string problem = executable.problem;
+    for (const BundleImage& image : executable.images) {
+        exports.insert(image.exports.begin(), image.exports.end());
+        if (problem.empty()) problem = image.problem;
+        images.push_back({{"architecture", TextOrNull(image.architecture)},
+                          {"exports", image.exports},
+                          {"problem", TextOrNull(image.problem)}});
+    }
+    return {{"platform", executable.platform},
+            {"path", executable.path},
+            {"format", executable.format},
+            {"architectures", ArchitecturesOf(executable)},
+            {"exports", exports},
+            {"images", std::move(images)},
+            {"problem", TextOrNull(problem)}};
 }
 
 std::string InfoText(const BundleInfo& info, const Style& style) {
@@ -65,13 +100,7 @@ std::string InfoJson(const BundleInfo& info) {
         document["types"].push_back({{"identifier", type.identifier}, {"factories", type.factories}});
     }
     for (const BundleExecutable& executable : info.executables) {
-        document["executables"].push_back(
-            {{"platform", executable.platform},
-             {"path", executable.path},
-             {"format", executable.format},
-             {"architectures", executable.architectures},
-             {"exports", executable.exports},
-             {"problem", executable.problem.empty() ? Json() : Json(executable.problem)}});
+        document["executables"].push_back(ExecutableJson(executable));
     }
     return DumpDocument(document);
 }

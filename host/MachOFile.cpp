@@ -1,5 +1,8 @@
 #include "MachOFile.h"
 
+#include "MachOBytes.h"
+#include "MachOExports.h"
+
 #include <cstdint>
 
 namespace xcodhost {
@@ -13,27 +16,23 @@ constexpr std::uint32_t kUniversalWide = 0xCAFEBABF;
 /// Java classes begin like universal files; their version, read as a count, is 45 or more.
 constexpr std::uint32_t kMostArchitectures = 30;
 
-std::uint32_t Word(std::string_view bytes, std::size_t offset, bool isBigEndian) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i) {
-        const std::size_t place = offset + (isBigEndian ? i : 3 - i);
-        value = value << 8 | static_cast<unsigned char>(bytes[place]);
-    }
-    return value;
-}
+struct Form {
+    std::uint32_t magic = 0; ///< 0 for what is no Mach-O file.
+    bool isBigEndian = false;
 
-enum class Form { None, ThinLittle, ThinBig, Universal, UniversalWide };
+    bool IsThin() const { return magic == kThin32 || magic == kThin64; }
+};
 
 Form FormOf(std::string_view bytes) {
-    if (bytes.size() < 8) return Form::None;
-    const std::uint32_t little = Word(bytes, 0, false);
-    const std::uint32_t big = Word(bytes, 0, true);
-    if (little == kThin32 || little == kThin64) return Form::ThinLittle;
-    if (big == kThin32 || big == kThin64) return Form::ThinBig;
-    if ((big == kUniversal || big == kUniversalWide) && Word(bytes, 4, true) <= kMostArchitectures) {
-        return big == kUniversal ? Form::Universal : Form::UniversalWide;
+    if (bytes.size() < 8) return {};
+    for (const bool isBigEndian : {false, true}) {
+        const MachOBytes file(bytes, isBigEndian);
+        const Form form{file.U32(0), isBigEndian};
+        if (form.IsThin()) return form;
+        const bool isUniversal = form.magic == kUniversal || form.magic == kUniversalWide;
+        if (isUniversal && file.U32(4) <= kMostArchitectures) return form;
     }
-    return Form::None;
+    return {};
 }
 
 std::string Architecture(std::uint32_t processor) {
@@ -55,26 +54,54 @@ std::string Architecture(std::uint32_t processor) {
     }
 }
 
+MachOImage ReadImage(std::string_view bytes, Form form) {
+    const MachOBytes file(bytes, form.isBigEndian);
+    MachOImage image;
+    image.architecture = Architecture(file.U32(4));
+    try {
+        image.exports = MachOExports(file, form.magic == kThin64);
+    } catch (const BrokenMachO& broken) {
+        image.problem = broken.reason;
+    }
+    return image;
+}
+
+/// One entry of a universal file's list, and the image that it points to.
+MachOImage ReadListed(std::string_view bytes, const MachOBytes& list, std::uint64_t entry, bool isWide) {
+    const std::string listed = Architecture(list.U32(entry));
+    const std::uint64_t offset = isWide ? list.U64(entry + 8) : list.U32(entry + 8);
+    const std::uint64_t size = isWide ? list.U64(entry + 16) : list.U32(entry + 12);
+    if (offset > bytes.size() || bytes.size() - offset < size) {
+        return {listed, {}, "its image lies outside of the file"};
+    }
+    const auto image = bytes.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
+    const Form form = FormOf(image);
+    if (!form.IsThin()) return {listed, {}, "its image is no Mach-O file"};
+    MachOImage found = ReadImage(image, form);
+    if (found.architecture != listed && found.problem.empty()) {
+        found.problem = "the file's list calls it " + listed;
+    }
+    return found;
+}
+
 } // namespace
 
-bool IsMachO(std::string_view bytes) { return FormOf(bytes) != Form::None; }
+bool IsMachO(std::string_view bytes) { return FormOf(bytes).magic != 0; }
 
 MachOFile ReadMachO(std::string_view bytes) {
     const Form form = FormOf(bytes);
-    if (form == Form::None) return {{}, "it is no Mach-O file"};
-    if (form == Form::ThinLittle || form == Form::ThinBig) {
-        return {{Architecture(Word(bytes, 4, form == Form::ThinBig))}, {}};
-    }
+    if (form.magic == 0) return {{}, "it is no Mach-O file"};
+    if (form.IsThin()) return {{ReadImage(bytes, form)}, {}};
     MachOFile file;
-    const std::size_t entry = form == Form::Universal ? 20 : 32;
-    const std::uint32_t count = Word(bytes, 4, true);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::size_t place = 8 + i * entry;
-        if (bytes.size() < place + entry) {
-            file.problem = "its list of architectures is cut off";
-            break;
+    const MachOBytes list(bytes, form.isBigEndian);
+    const bool isWide = form.magic == kUniversalWide;
+    const std::uint64_t entrySize = isWide ? 32 : 20;
+    try {
+        for (std::uint32_t i = 0; i < list.U32(4); ++i) {
+            file.images.push_back(ReadListed(bytes, list, 8 + i * entrySize, isWide));
         }
-        file.architectures.push_back(Architecture(Word(bytes, place, true)));
+    } catch (const BrokenMachO&) {
+        file.problem = "its list of architectures is cut off";
     }
     return file;
 }

@@ -1,0 +1,67 @@
+#pragma once
+
+/// Numbers and texts at any place of a Mac executable, each checked to lie inside of it.
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+namespace xcodhost {
+
+/// Thrown for what cannot be read.
+struct BrokenMachO {
+    const char* reason;
+};
+
+class MachOBytes {
+public:
+    MachOBytes(std::string_view part, bool bigEndian) : bytes(part), isBigEndian(bigEndian) {}
+
+    std::uint64_t Size() const { return bytes.size(); }
+    unsigned int Byte(std::uint64_t offset) const { return static_cast<unsigned char>(Part(offset, 1)[0]); }
+    std::uint32_t U32(std::uint64_t offset) const { return static_cast<std::uint32_t>(Number(offset, 4)); }
+    std::uint64_t U64(std::uint64_t offset) const { return Number(offset, 8); }
+
+    std::string_view Part(std::uint64_t offset, std::uint64_t size) const {
+        if (offset > bytes.size() || bytes.size() - offset < size) {
+            throw BrokenMachO{"a table lies outside of the file"};
+        }
+        return bytes.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
+    }
+    /// Up to the byte 0.
+    std::string_view Text(std::uint64_t offset) const {
+        const std::string_view rest =
+            Part(offset, bytes.size() - std::min<std::uint64_t>(offset, bytes.size()));
+        const std::size_t end = rest.find('\0');
+        if (end == std::string_view::npos) throw BrokenMachO{"a name has no end"};
+        return rest.substr(0, end);
+    }
+    /// Seven bits a byte, the lowest first; moves `offset` behind it.
+    std::uint64_t Compressed(std::uint64_t& offset) const {
+        std::uint64_t value = 0;
+        for (unsigned int shift = 0; shift < 64; shift += 7) {
+            const std::uint64_t byte = Byte(offset++);
+            value |= (byte & 0x7F) << shift;
+            if (byte < 0x80) return value;
+        }
+        throw BrokenMachO{"a number has no end"};
+    }
+    MachOBytes Inner(std::uint64_t offset, std::uint64_t size) const {
+        return {Part(offset, size), isBigEndian};
+    }
+
+private:
+    std::uint64_t Number(std::uint64_t offset, unsigned int size) const {
+        const std::string_view part = Part(offset, size);
+        std::uint64_t value = 0;
+        for (unsigned int i = 0; i < size; ++i) {
+            value = value << 8 | static_cast<unsigned char>(part[isBigEndian ? i : size - 1 - i]);
+        }
+        return value;
+    }
+
+    std::string_view bytes;
+    bool isBigEndian;
+};
+
+} // namespace xcodhost

@@ -1,0 +1,104 @@
+#include "MachOExports.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace xcodhost {
+
+namespace {
+
+// Load commands, and the bits of a symbol's type, by their numbers in the format.
+constexpr std::uint32_t kSymbolTable = 2;
+constexpr std::uint32_t kDyldInfo = 0x22;
+constexpr std::uint32_t kDyldInfoOnly = 0x80000022;
+constexpr std::uint32_t kExportsTrie = 0x80000033;
+constexpr unsigned int kDebugging = 0xE0;
+constexpr unsigned int kPrivateExternal = 0x10;
+constexpr unsigned int kDefinedIn = 0x0E;
+constexpr unsigned int kExternal = 0x01;
+
+/// Small files can be made to hold endless names, by letting all of them share their bytes.
+constexpr std::size_t kMostNameBytes = std::size_t{128} << 20;
+
+class Names {
+public:
+    void Add(std::string_view name) {
+        if (!name.empty() && name.front() == '_') name.remove_prefix(1);
+        Spend(name.size());
+        names.emplace_back(name);
+    }
+    /// For each text that is made on the way to a name.
+    void Spend(std::size_t length) {
+        size += length + sizeof(std::string);
+        if (size > kMostNameBytes) throw BrokenMachO{"its exported names are beyond measure"};
+    }
+    std::vector<std::string> Sorted() && {
+        std::sort(names.begin(), names.end());
+        names.erase(std::unique(names.begin(), names.end()), names.end());
+        return std::move(names);
+    }
+
+private:
+    std::vector<std::string> names;
+    std::size_t size = 0;
+};
+
+void AddSymbols(Names& names, const MachOBytes& image, std::uint64_t command, bool is64Bit) {
+    const std::uint64_t entrySize = is64Bit ? 16 : 12;
+    const std::uint64_t count = image.U32(command + 12);
+    const MachOBytes symbols = image.Inner(image.U32(command + 8), count * entrySize);
+    const MachOBytes texts = image.Inner(image.U32(command + 16), image.U32(command + 20));
+    for (std::uint64_t i = 0; i < count; ++i) {
+        const unsigned int type = symbols.Byte(i * entrySize + 4);
+        const bool isExport = (type & (kDebugging | kPrivateExternal)) == 0 && (type & kExternal) != 0 &&
+                              (type & kDefinedIn) != 0;
+        if (isExport) names.Add(texts.Text(symbols.U32(i * entrySize)));
+    }
+}
+
+/// A node is: the size of what it exports, that, the number of branches, and for each the text on it and the
+/// place of the node at its end.
+void AddTrie(Names& names, const MachOBytes& trie) {
+    if (trie.Size() == 0) return;
+    std::vector<std::pair<std::uint64_t, std::string>> nodes{{0, {}}};
+    std::unordered_set<std::uint64_t> seen{0};
+    while (!nodes.empty()) {
+        auto [place, name] = std::move(nodes.back());
+        nodes.pop_back();
+        const std::uint64_t exportSize = trie.Compressed(place);
+        if (exportSize != 0) names.Add(name);
+        trie.Part(place, exportSize);
+        place += exportSize;
+        for (unsigned int left = trie.Byte(place++); left > 0; --left) {
+            const std::string_view text = trie.Text(place);
+            place += text.size() + 1;
+            const std::uint64_t node = trie.Compressed(place);
+            if (!seen.insert(node).second) throw BrokenMachO{"its export trie is no tree"};
+            names.Spend(name.size() + text.size());
+            nodes.emplace_back(node, name + std::string(text));
+        }
+    }
+}
+
+} // namespace
+
+std::vector<std::string> MachOExports(const MachOBytes& image, bool is64Bit) {
+    Names names;
+    std::uint64_t place = is64Bit ? 32 : 28;
+    for (std::uint32_t left = image.U32(16); left > 0; --left) {
+        const std::uint32_t kind = image.U32(place);
+        const std::uint32_t size = image.U32(place + 4);
+        if (size < 8) throw BrokenMachO{"a load command has no size"};
+        image.Part(place, size);
+        if (kind == kSymbolTable) AddSymbols(names, image, place, is64Bit);
+        if (kind == kDyldInfo || kind == kDyldInfoOnly) {
+            AddTrie(names, image.Inner(image.U32(place + 40), image.U32(place + 44)));
+        }
+        if (kind == kExportsTrie) AddTrie(names, image.Inner(image.U32(place + 8), image.U32(place + 12)));
+        place += size;
+    }
+    return std::move(names).Sorted();
+}
+
+} // namespace xcodhost
