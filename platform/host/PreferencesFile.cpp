@@ -3,6 +3,7 @@
 #include "AtomicFile.h"
 #include "Descriptor.h"
 #include "PlatformCall.h"
+#include "PropertyListBinary.h"
 #include "PropertyListLimits.h"
 #include "PropertyListTree.h"
 #include "WholeFile.h"
@@ -96,8 +97,8 @@ public:
         }
         tree = ParsePropertyList(bytes, error);
         if (!tree) return path + ": " + error;
-        loss = PropertyListLoss(bytes);
         format = FormatOf(bytes);
+        if (format == PropertyListFormat::Binary) loss = BinaryListLoss(bytes);
         return plist_get_node_type(tree.get()) == PLIST_DICT ? std::string()
                                                              : path + ": it holds no dictionary";
     }

@@ -1,11 +1,16 @@
 #include "PropertyListTree.h"
 
 #include "PlatformCall.h"
+#include "PropertyListBinary.h"
 #include "PropertyListLimits.h"
+#include "PropertyListXml.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
+#include <locale.h>
+#include <vector>
 
 namespace macplatform {
 
@@ -83,29 +88,67 @@ void TakeEntries(plist_t node, PropertyValue& value) {
     }
 }
 
+/// The parser reads and writes numbers as the locale has it: with a decimal comma, it would lose fractions.
+class PlainNumbers {
+public:
+    PlainNumbers() : plain(newlocale(LC_ALL_MASK, "C", nullptr)), before(uselocale(plain)) {}
+    PlainNumbers(const PlainNumbers&) = delete;
+    PlainNumbers& operator=(const PlainNumbers&) = delete;
+    ~PlainNumbers() {
+        uselocale(before);
+        if (plain) freelocale(plain);
+    }
+
+private:
+    locale_t plain, before;
+};
+
+/// Which of the two would be the value, readers do not agree on, and writing the list again loses one.
+bool HasRepeatedKey(const PropertyValue& value) {
+    std::vector<std::string> keys = value.keys;
+    std::sort(keys.begin(), keys.end());
+    return std::adjacent_find(keys.begin(), keys.end()) != keys.end() ||
+           std::any_of(value.values.begin(), value.values.end(), HasRepeatedKey) ||
+           std::any_of(value.items.begin(), value.items.end(), HasRepeatedKey);
+}
+
 } // namespace
 
 PropertyListFormat FormatOf(const std::string& bytes) {
-    return bytes.compare(0, 6, "bplist") == 0 ? PropertyListFormat::Binary : PropertyListFormat::Xml;
+    return bytes.compare(0, 8, "bplist00") == 0 ? PropertyListFormat::Binary : PropertyListFormat::Xml;
 }
 
 PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error) {
-    error = PropertyListDanger(bytes);
+    error.clear();
+    const bool isBinary = FormatOf(bytes) == PropertyListFormat::Binary;
+    if (bytes.size() > maxPropertyListBytes) {
+        error = "it is larger than 64 MiB";
+    } else if (bytes.empty()) {
+        error = "the file is empty";
+    } else if (isBinary) {
+        error = BinaryListDanger(bytes);
+    }
+    const std::string canonical = error.empty() && !isBinary ? CanonicalXml(bytes, error) : std::string();
     if (!error.empty()) return nullptr;
+
+    const PlainNumbers plain;
     plist_t tree = nullptr; // the parser reads what stands here
-    plist_from_memory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &tree);
-    if (!tree) error = bytes.empty() ? "the file is empty" : "it is not a property list";
-    return PropertyListTree(tree);
+    const std::string& safe = isBinary ? bytes : canonical;
+    (isBinary ? plist_from_bin : plist_from_xml)(safe.data(), static_cast<std::uint32_t>(safe.size()), &tree);
+    PropertyListTree owned(tree);
+    if (!tree) {
+        error = "it is not a property list";
+    } else if (HasRepeatedKey(ValueOf(tree))) {
+        error = "a dictionary in it has the same key twice";
+    }
+    return error.empty() ? std::move(owned) : nullptr;
 }
 
 std::string WritePropertyList(plist_t tree, PropertyListFormat format) {
+    const PlainNumbers plain;
     char* text = nullptr;
     std::uint32_t length = 0;
-    if (format == PropertyListFormat::Binary) {
-        plist_to_bin(tree, &text, &length);
-    } else {
-        plist_to_xml(tree, &text, &length);
-    }
+    (format == PropertyListFormat::Binary ? plist_to_bin : plist_to_xml)(tree, &text, &length);
     const Block owned(text);
     return text ? std::string(text, length) : std::string();
 }

@@ -151,6 +151,17 @@ std::optional<std::u16string> DecodeUtf8(std::string_view bytes) {
     return units;
 }
 
+bool IsUtf8(std::string_view bytes) {
+    while (!bytes.empty()) {
+        if (static_cast<unsigned char>(bytes.front()) < 0x80) {
+            bytes.remove_prefix(1);
+        } else if (!TakeSequence(bytes)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 std::u16string DecodeMacRoman(std::string_view bytes) {
     std::u16string units;
     units.reserve(bytes.size());
@@ -166,6 +177,12 @@ std::u16string DecodeAscii(std::string_view bytes) {
     units.reserve(bytes.size());
     for (const char c : bytes) units += char16_t{static_cast<unsigned char>(c)};
     return units;
+}
+
+std::string Utf8Of(char32_t character) {
+    std::string bytes;
+    AppendUtf8(bytes, character);
+    return bytes;
 }
 
 std::optional<std::string> EncodeUtf8(std::u16string_view units) {

@@ -71,11 +71,9 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
     };
     EXPECT_EQ(errorOf(nested("<array>")), "it is nested too deeply");
     EXPECT_EQ(errorOf(nested("<array><!-- </array> -->")), "it is nested too deeply");
-    // What seems to be one tag, document type or instruction here is less of one to the parser.
-    for (const char* const open :
-         {"<array a=\"/>\">", "<array><!DOCTYPE x [<a></array>]>", "<?><array><? ?>"}) {
-        EXPECT_EQ(errorOf(nested(open)), "it is not a property list") << open;
-    }
+    EXPECT_EQ(
+        errorOf("<plist><array>" + std::string(std::size_t{7} << 20, '\n') + nested("<true/>").substr(7)),
+        "its XML is damaged in line 7340033");
 
     EXPECT_EQ(errorOf(BinaryList({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
     EXPECT_EQ(errorOf(BinaryList({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
@@ -100,4 +98,48 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
     for (std::size_t length = 0; length < whole.size(); ++length) {
         EXPECT_NE(errorOf(whole.substr(0, length)), "") << length;
     }
+}
+
+TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
+    const TemporaryFolder folder;
+    const struct {
+        const char* xml;
+        const char* described; ///< Or the error.
+    } rows[] = {
+        {"\xEF\xBB\xBF<dict/>", "{}"},
+        {"<plist><!-- <a> --><?note?><true></true></plist>\n<!---->", "true"},
+        {"<string>a\r\nb\r<![CDATA[<&]]>&#x41;&apos;</string>", "\"a\\nb\\n<&A'\""},
+        {"<array><integer> +0x1F </integer><integer>-9223372036854775808</integer></array>",
+         "[31, -9223372036854775808]"},
+        {"<array><real>-0.25</real><data>\n AA EC\t</data></array>", "[-0.25, <000102>]"},
+        {"<string>a & b</string>", "its XML is damaged in line 1"},
+        {"<plist>\n<string>&nbsp;</string></plist>", "its XML is damaged in line 2"},
+        {"<!DOCTYPE plist [<!ENTITY a \"b\">]><string>&a;</string>", "its XML is damaged in line 1"},
+        {"<string>&#0;</string>", "its XML is damaged in line 1"},
+        {"<string>\x01</string>", "its XML is damaged in line 1"},
+        {"<string>\xC0\xAF</string>", "its XML is damaged in line 1"},
+        {"<string>\xA9</string>", "its XML is damaged in line 1"},
+        {"<array><true></array></true>", "its XML is damaged in line 1"},
+        {"<true/><true/>", "its XML is damaged in line 1"},
+        {"<array>text<true/></array>", "its XML is damaged in line 1"},
+        {"<array a=\"/>\"></array>", "its XML is damaged in line 1"},
+        {"<array><true/>", "its XML is damaged in line 1"},
+        {"<dict><key>a</key></dict>", "its XML is damaged in line 1"},
+        {"<dict><true/><true/></dict>", "its XML is damaged in line 1"},
+        {"<dict><key/><true/></dict>", "it has an empty key"},
+        {"<dict><key>a</key><true/><key>&#97;</key><false/></dict>",
+         "a dictionary in it has the same key twice"},
+        {"<integer>18446744073709551616</integer>", "its XML is damaged in line 1"},
+        {"<date>2011-02-30</date>", "its XML is damaged in line 1"},
+        {"<data>AAE</data>", "its XML is damaged in line 1"},
+        {"<?xml version=\"1.0\" encoding=\"UTF-16\"?><true/>", "its XML is not in UTF-8"},
+    };
+    for (const auto& row : rows) {
+        const auto list = ReadPropertyList(folder.Write("list.plist", row.xml));
+        EXPECT_EQ(list.error.empty() ? list.root.Describe() : list.error, row.described) << row.xml;
+    }
+    EXPECT_EQ(ReadPropertyList(folder.Write("twice.plist", BinaryList({"\xD2\x01\x02\x03\x03", "\x51k",
+                                                                       std::string("\x61\0k", 3), "\x09"})))
+                  .error,
+              "a dictionary in it has the same key twice");
 }

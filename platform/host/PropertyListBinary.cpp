@@ -1,10 +1,10 @@
+#include "PropertyListBinary.h"
+
 #include "PropertyListLimits.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <optional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,50 +12,8 @@ namespace macplatform {
 
 namespace {
 
-constexpr std::size_t maxValues = std::size_t{8} << 20;
 const char tooDeep[] = "it is nested too deeply";
 const char damaged[] = "its binary form is damaged";
-
-bool IsBinary(const std::string& bytes) { return bytes.compare(0, 8, "bplist00") == 0; }
-
-bool Begins(const std::string& xml, std::size_t at, const char* mark) {
-    return xml.compare(at, std::strlen(mark), mark) == 0;
-}
-
-/// The last byte of the markup that begins at `at`; npos when it has none, or one that the parser, which
-/// looks for quotation marks and for document types with declarations, may see elsewhere.
-std::size_t MarkupEnd(const std::string& xml, std::size_t at) {
-    for (const auto& [open, close] : {std::pair("<!--", "-->"), std::pair("<![CDATA[", "]]>")}) {
-        if (!Begins(xml, at, open)) continue;
-        const std::size_t end = xml.find(close, at + std::strlen(open));
-        return end == std::string::npos ? end : end + 2;
-    }
-    const std::size_t end = xml.find('>', at);
-    if (end == std::string::npos) return end;
-    const std::string_view text = std::string_view(xml).substr(at + 1, end - at - 1);
-    const bool isInstruction = !text.empty() && text.front() == '?';
-    const bool isClear = text.find_first_of("<[") == std::string_view::npos &&
-                         std::count(text.begin(), text.end(), '"') % 2 == 0 &&
-                         (!isInstruction || (text.size() > 1 && text.back() == '?'));
-    return isClear ? end : std::string::npos;
-}
-
-/// Elements that are open at once, whatever their names.
-std::string XmlDanger(const std::string& xml) {
-    unsigned depth = 0;
-    for (std::size_t at = xml.find('<'); at != std::string::npos; at = xml.find('<', at)) {
-        const std::size_t end = MarkupEnd(xml, at);
-        if (end == std::string::npos) return "it is not a property list";
-        if (Begins(xml, at, "</")) {
-            depth -= depth > 0 ? 1 : 0;
-        } else if (!Begins(xml, at, "<!") && !Begins(xml, at, "<?") && xml[end - 1] != '/' &&
-                   ++depth > maxPropertyListDepth + 2) { // <plist> and the value itself
-            return tooDeep;
-        }
-        at = end;
-    }
-    return {};
-}
 
 /// The object table of a binary list, looked at without making anything of it.
 class BinaryList {
@@ -109,7 +67,7 @@ private:
         root = Number(trailer + 16, 8);
         table = Number(trailer + 24, 8);
         return offsetWidth >= 1 && offsetWidth <= 8 && referenceWidth >= 1 && referenceWidth <= 8 &&
-               objectCount >= 1 && objectCount <= maxValues && root < objectCount && table >= 8 &&
+               objectCount >= 1 && objectCount <= maxPropertyListValues && root < objectCount && table >= 8 &&
                table <= trailer && objectCount <= (trailer - table) / offsetWidth;
     }
 
@@ -198,7 +156,8 @@ private:
                 continue;
             }
             ++top.next;
-            if ((values[top.object] += values[child]) > maxValues) return "it holds too many values";
+            if ((values[top.object] += values[child]) > maxPropertyListValues)
+                return "it holds too many values";
             depths[top.object] = std::max(depths[top.object], depths[child]);
         }
         return depths[root] > maxPropertyListDepth ? tooDeep : std::string();
@@ -223,13 +182,8 @@ private:
 
 } // namespace
 
-std::string PropertyListDanger(const std::string& bytes) {
-    if (bytes.size() > maxPropertyListBytes) return "it is larger than 64 MiB";
-    return IsBinary(bytes) ? BinaryList(bytes).Danger() : XmlDanger(bytes);
-}
+std::string BinaryListDanger(const std::string& bytes) { return BinaryList(bytes).Danger(); }
 
-std::string PropertyListLoss(const std::string& bytes) {
-    return IsBinary(bytes) ? BinaryList(bytes).Loss() : std::string();
-}
+std::string BinaryListLoss(const std::string& bytes) { return BinaryList(bytes).Loss(); }
 
 } // namespace macplatform
