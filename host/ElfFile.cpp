@@ -77,7 +77,10 @@ public:
         const auto table = DynamicSymbols();
         if (!table) throw Broken{"it has no table of dynamic symbols"};
         const auto texts = SectionAt(table->sh_link);
-        const std::uint64_t count = std::min<std::uint64_t>(table->sh_size, bytes.size()) / sizeof(Symbol);
+        if (table->sh_offset > bytes.size() || table->sh_size > bytes.size() - table->sh_offset) {
+            throw Broken{"a table lies outside of the file"};
+        }
+        const std::uint64_t count = table->sh_size / sizeof(Symbol);
         std::vector<std::string> names;
         for (std::uint64_t i = 0; i < count; ++i) {
             const auto symbol = At<Symbol>(bytes, table->sh_offset + i * sizeof(Symbol));

@@ -5,6 +5,7 @@
 #include "MachOFile.h"
 #include "TestBundle.h"
 
+#include <elf.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -47,6 +48,23 @@ TEST(ElfFile, OutlivesEveryByteOfTheHeaderSetHigh) {
         broken[place] = '\xFF';
         ReadElf(broken);
     }
+}
+
+TEST(ElfFile, RefusesATableThatIsLargerThanTheFile) {
+    Elf64_Ehdr header{};
+    std::memcpy(header.e_ident,
+                "\x7F"
+                "ELF\2\1",
+                6);
+    header.e_shoff = sizeof header;
+    header.e_shnum = 1;
+    Elf64_Shdr table{};
+    table.sh_type = SHT_DYNSYM;
+    table.sh_size = 1 << 20;
+    std::string bytes(sizeof header + sizeof table, '\0');
+    std::memcpy(bytes.data(), &header, sizeof header);
+    std::memcpy(&bytes[sizeof header], &table, sizeof table);
+    EXPECT_EQ(ReadElf(bytes).problem, "a table lies outside of the file");
 }
 
 std::string Bytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
