@@ -1,0 +1,89 @@
+// Sidecars of any content: the Finder information in them against a second reading by the format's
+// description; writing changes 32 bytes and nothing else, or nothing at all.
+
+#include "Property.h"
+
+#include "AppleDouble.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+
+using macplatform::FinderInfo;
+
+namespace {
+
+std::uint64_t Big(const std::string& bytes, std::size_t at, std::size_t width) {
+    std::uint64_t number = 0;
+    for (std::size_t i = 0; i < width; ++i)
+        number = number * 256 + static_cast<unsigned char>(bytes.at(at + i));
+    return number;
+}
+
+/// Where the 32 bytes are: behind the entry of kind 9 that comes first. 0 when there are none.
+std::size_t PlaceOfFinderInfo(const std::string& bytes) {
+    if (bytes.size() < 26 || Big(bytes, 0, 4) != 0x00051607) return 0;
+    if (Big(bytes, 4, 4) != 0x00010000 && Big(bytes, 4, 4) != 0x00020000) return 0;
+    const std::uint64_t count = Big(bytes, 24, 2);
+    for (std::size_t at = 26; at < 26 + 12 * count; at += 12) {
+        if (at + 12 > bytes.size()) return 0;
+        if (Big(bytes, at, 4) != 9) continue;
+        const std::uint64_t offset = Big(bytes, at + 4, 4), length = Big(bytes, at + 8, 4);
+        const bool isInside = offset >= 26 + 12 * count && offset + 32 <= bytes.size() && length >= 32;
+        return isInside ? static_cast<std::size_t>(offset) : 0;
+    }
+    return 0;
+}
+
+/// A sidecar in memory-backed storage, kept for all runs.
+class Sidecar {
+public:
+    Sidecar()
+        : path("/dev/shm/sidecar-" + std::to_string(getpid())),
+          file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+        Require(file >= 0, "there is a place for the file");
+    }
+    Sidecar(const Sidecar&) = delete;
+    Sidecar& operator=(const Sidecar&) = delete;
+    ~Sidecar() {
+        close(file);
+        unlink(path.c_str());
+    }
+
+    void Fill(const std::string& bytes) const {
+        const auto size = static_cast<ssize_t>(bytes.size());
+        Require(ftruncate(file, 0) == 0 && pwrite(file, bytes.data(), bytes.size(), 0) == size,
+                "it can be written");
+    }
+    std::string Content() const {
+        std::string bytes(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
+        Require(pread(file, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size()),
+                "it can be read");
+        return bytes;
+    }
+
+    const std::string path;
+
+private:
+    const int file;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const Sidecar sidecar;
+    std::string bytes(Bytes(data, size));
+    sidecar.Fill(bytes);
+
+    const std::size_t place = PlaceOfFinderInfo(bytes);
+    FinderInfo info{};
+    const int answer = macplatform::ReadSidecar(sidecar.path, info);
+    Require(answer == (place != 0 ? 0 : EBADMSG), "read exactly when the information is inside");
+    if (place != 0) RequireEqual({info.begin(), info.end()}, bytes.substr(place, 32), "the 32 bytes");
+
+    for (std::uint8_t& byte : info) byte = static_cast<std::uint8_t>(byte + 1);
+    Require(macplatform::WriteSidecar(sidecar.path, info) == answer, "written exactly when it can be read");
+    if (place != 0) bytes.replace(place, 32, std::string(info.begin(), info.end()));
+    RequireEqual(sidecar.Content(), bytes, "nothing else of it changes");
+    return 0;
+}

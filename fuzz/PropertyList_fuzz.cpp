@@ -1,0 +1,109 @@
+// Hostile property lists: what is accepted reads as an XML reader that others wrote has it, and survives
+// being written in both forms.
+
+#include "Property.h"
+
+#include "PropertyListBinary.h"
+#include "PropertyListTree.h"
+
+#include <algorithm>
+#include <expat.h>
+#include <memory>
+#include <vector>
+
+using macplatform::FormatOf;
+using macplatform::ParsePropertyList;
+using macplatform::PropertyListFormat;
+using macplatform::PropertyValue;
+using macplatform::ValueOf;
+using macplatform::WritePropertyList;
+
+namespace {
+
+/// The elements and texts of a document as the XML library finds them: "<dict><key>a</key>...".
+class Outline {
+public:
+    static bool Of(const std::string& xml, std::string& outline) {
+        const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate("UTF-8"),
+                                                                                  &XML_ParserFree);
+        Outline reader;
+        XML_SetUserData(parser.get(), &reader);
+        XML_SetElementHandler(parser.get(), &Open, &Close);
+        XML_SetCharacterDataHandler(parser.get(), &Text);
+        const bool good =
+            XML_Parse(parser.get(), xml.data(), static_cast<int>(xml.size()), 1) == XML_STATUS_OK;
+        outline = std::move(reader.seen);
+        return good;
+    }
+
+private:
+    static void Open(void* self, const char* name, const char**) {
+        static_cast<Outline*>(self)->text.clear();
+        static_cast<Outline*>(self)->seen += '<' + std::string(name) + '>';
+    }
+    static void Close(void* self, const char* name) {
+        auto& outline = *static_cast<Outline*>(self);
+        const std::string element = name;
+        if (element == "key" || element == "string") outline.seen += outline.text;
+        outline.text.clear();
+        outline.seen += "</" + element + '>';
+    }
+    static void Text(void* self, const char* bytes, int length) {
+        static_cast<Outline*>(self)->text.append(bytes, static_cast<std::size_t>(length));
+    }
+
+    std::string seen, text;
+};
+
+std::string ElementName(const PropertyValue& value) {
+    return value.kind == PropertyValue::Kind::Boolean ? value.text : value.KindName();
+}
+
+void AppendOutline(const PropertyValue& value, std::string& outline) {
+    const std::string name = ElementName(value);
+    outline += '<' + name + '>';
+    if (value.kind == PropertyValue::Kind::Text) outline += value.text;
+    for (const PropertyValue& item : value.items) AppendOutline(item, outline);
+    for (std::size_t i = 0; i < value.keys.size(); ++i) {
+        outline += "<key>" + value.keys[i] + "</key>";
+        AppendOutline(value.values[i], outline);
+    }
+    outline += "</" + name + '>';
+}
+
+void CheckXml(const std::string& bytes, const PropertyValue& root) {
+    std::string seen, expected;
+    Require(Outline::Of(bytes, expected), "what is taken is well-formed XML");
+    AppendOutline(root, seen);
+    if (expected.compare(0, 7, "<plist>") == 0) seen = "<plist>" + seen + "</plist>";
+    RequireEqual(seen, expected, "the elements and texts that the XML library sees");
+}
+
+/// The parser writes no dates before the year 1000 that it would read again.
+bool HoldsDate(const PropertyValue& value) {
+    return value.kind == PropertyValue::Kind::Date ||
+           std::any_of(value.items.begin(), value.items.end(), HoldsDate) ||
+           std::any_of(value.values.begin(), value.values.end(), HoldsDate);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string bytes(Bytes(data, size));
+    std::string error;
+    const auto tree = ParsePropertyList(bytes, error);
+    Require((tree == nullptr) == !error.empty(), "no list has a reason");
+    if (!tree) return 0;
+    const PropertyValue root = ValueOf(tree.get());
+    const PropertyListFormat format = FormatOf(bytes);
+    const bool isXml = format == PropertyListFormat::Xml;
+    if (isXml) CheckXml(bytes, root);
+    const bool isKept = isXml ? bytes.find("&#") == bytes.npos && !HoldsDate(root)
+                              : macplatform::BinaryListLoss(bytes).empty();
+    if (!isKept) return 0; // who rewrites such a list compares, and leaves the file as it is
+
+    const auto again = ParsePropertyList(WritePropertyList(tree.get(), format), error);
+    Require(again != nullptr, "its form can be written and read");
+    Require(ValueOf(again.get()) == root, "and is the same list");
+    return 0;
+}
