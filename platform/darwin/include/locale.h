@@ -1,0 +1,17 @@
+#pragma once
+
+#include <sys/cdefs.h>
+
+/// The decimal point stands first; the rest is the system's.
+struct lconv {
+    char* decimal_point;
+    char* thousands_sep;
+    char* grouping;
+};
+#define LC_ALL 0
+#define LC_NUMERIC 4
+
+__BEGIN_DECLS
+struct lconv* localeconv(void);
+char* setlocale(int category, const char* name);
+__END_DECLS

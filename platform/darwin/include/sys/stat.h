@@ -1,0 +1,52 @@
+#pragma once
+
+#include <sys/cdefs.h>
+#include <sys/types.h>
+#include <time.h>
+
+/// 108 bytes: the form with inode numbers of 64 bits.
+struct stat {
+    dev_t st_dev;
+    mode_t st_mode;
+    nlink_t st_nlink;
+    ino_t st_ino;
+    uid_t st_uid;
+    gid_t st_gid;
+    dev_t st_rdev;
+    struct timespec st_atimespec, st_mtimespec, st_ctimespec, st_birthtimespec;
+    off_t st_size;
+    blkcnt_t st_blocks;
+    blksize_t st_blksize;
+    uint32_t st_flags;
+    uint32_t st_gen;
+    int32_t st_lspare;
+    int64_t st_qspare[2];
+};
+#define st_atime st_atimespec.tv_sec
+#define st_mtime st_mtimespec.tv_sec
+
+#define S_IFMT 0170000
+#define S_IFDIR 0040000
+#define S_IFREG 0100000
+#define S_ISDIR(mode) (((mode)&S_IFMT) == S_IFDIR)
+#define S_ISREG(mode) (((mode)&S_IFMT) == S_IFREG)
+#define S_IRWXU 0000700
+#define S_IRUSR 0000400
+#define S_IWUSR 0000200
+#define S_IXUSR 0000100
+#define S_IRWXG 0000070
+#define S_IRGRP 0000040
+#define S_IWGRP 0000020
+#define S_IXGRP 0000010
+#define S_IRWXO 0000007
+#define S_IROTH 0000004
+#define S_IWOTH 0000002
+#define S_IXOTH 0000001
+
+__BEGIN_DECLS
+int stat(const char* path, struct stat* status) __DARWIN_NAME("stat$INODE64");
+int lstat(const char* path, struct stat* status) __DARWIN_NAME("lstat$INODE64");
+int fstat(int descriptor, struct stat* status) __DARWIN_NAME("fstat$INODE64");
+int chmod(const char* path, mode_t mode) __DARWIN_NAME("chmod$UNIX2003");
+int mkdir(const char* path, mode_t mode);
+__END_DECLS
