@@ -21,6 +21,12 @@ bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsLetter(char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; }
 
+std::string LowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) c = static_cast<char>(IsLetter(c) ? c | 0x20 : c);
+    return lower;
+}
+
 std::string_view Stripped(std::string_view text) {
     while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
     while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
@@ -211,10 +217,7 @@ private:
         rest.remove_prefix(5);
         if (TakeAttribute("version") != "1.0") return false;
         if (const auto encoding = TakeAttribute("encoding")) {
-            std::string lower(*encoding);
-            std::transform(lower.begin(), lower.end(), lower.begin(),
-                           [](char c) { return static_cast<char>(c | 0x20); });
-            if (lower != "utf-8") {
+            if (LowerCase(*encoding) != "utf-8") {
                 reason = "its XML is not in UTF-8";
                 return false;
             }
@@ -242,13 +245,10 @@ private:
 
     bool ReadInstruction() {
         const std::string_view target = TakeName();
-        std::string lower(target);
-        std::transform(lower.begin(), lower.end(), lower.begin(),
-                       [](char c) { return static_cast<char>(c | 0x20); });
         const auto behind = std::find_if_not(rest.begin(), rest.end(), [](char c) {
             return IsLetter(c) || IsDigit(c) || c == '-' || c == '_' || c == '.';
         });
-        const bool isXml = lower == "xml" && behind == rest.begin();
+        const bool isXml = LowerCase(target) == "xml" && behind == rest.begin();
         rest.remove_prefix(static_cast<std::size_t>(behind - rest.begin()));
         if (target.empty() || isXml || rest.empty() || (!IsSpace(rest.front()) && rest.substr(0, 2) != "?>"))
             return false;

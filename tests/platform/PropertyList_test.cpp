@@ -133,6 +133,8 @@ TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
         {"<date>2011-02-30</date>", "its XML is damaged in line 1"},
         {"<data>AAE</data>", "its XML is damaged in line 1"},
         {"<?xml version=\"1.0\" encoding=\"UTF-16\"?><true/>", "its XML is not in UTF-8"},
+        {"<?xml version=\"1.0\" encoding=\"UTF\r8\"?><true/>",
+         "its XML is not in UTF-8"}, // which | 0x20 makes "-"
     };
     for (const auto& row : rows) {
         const auto list = ReadPropertyList(folder.Write("list.plist", row.xml));
