@@ -143,12 +143,11 @@ void File::ReadBlock(char* buffer, unsigned int count) {
     if (text) start = At();
     errno = 0; // the end of the file sets none
     const std::size_t delivered = std::fread(buffer, 1, count, handle);
-    const int errorNumber = errno;
     if (text) {
-        const unsigned long long passed = At() - start;
-        if (passed != count) Throw(shortTextRead, path, errorNumber, count, passed);
+        const unsigned long long passed = At() - start; // which may fail as well
+        if (passed != count) Throw(shortTextRead, path, errno, count, passed);
     } else if (delivered < count) {
-        Throw(shortRead, path, errorNumber, count, static_cast<unsigned int>(delivered));
+        Throw(shortRead, path, errno, count, static_cast<unsigned int>(delivered));
     }
 }
 

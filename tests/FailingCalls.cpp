@@ -1,0 +1,98 @@
+#include "FailingCalls.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <dirent.h>
+#include <new>
+#include <sys/stat.h>
+#include <sys/statfs.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace {
+
+bool isArmed = false;
+unsigned left = 0;
+int error = 0;
+const char* failed = nullptr;
+std::size_t liveBlocks = 0;
+
+bool Fails(const char* name) {
+    if (!isArmed || left-- > 0) return false;
+    isArmed = false;
+    failed = name;
+    errno = error;
+    return true;
+}
+
+} // namespace
+
+FailingCall::FailingCall(unsigned number, int errorNumber) {
+    left = number;
+    error = errorNumber;
+    failed = nullptr;
+    isArmed = true;
+}
+FailingCall::~FailingCall() { isArmed = false; }
+const char* FailingCall::Name() const { return failed; }
+
+std::size_t LiveBlocks() { return liveBlocks; }
+
+void* operator new(std::size_t size) {
+    void* const block = Fails("new") ? nullptr : std::malloc(size ? size : 1);
+    if (!block) throw std::bad_alloc();
+    ++liveBlocks;
+    return block;
+}
+void operator delete(void* block) noexcept {
+    if (block) --liveBlocks;
+    std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
+
+/// A call of the library under its own name, and under the one for large files that 32-bit code takes.
+#define FAILING_CALL(RESULT, FAILURE, NAME, LARGE, PARAMETERS, ARGUMENTS)                                    \
+    extern "C" RESULT __real_##NAME PARAMETERS;                                                              \
+    extern "C" RESULT __wrap_##NAME PARAMETERS { return Fails(#NAME) ? FAILURE : __real_##NAME ARGUMENTS; }  \
+    extern "C" RESULT __real_##LARGE PARAMETERS;                                                             \
+    extern "C" RESULT __wrap_##LARGE PARAMETERS { return Fails(#NAME) ? FAILURE : __real_##LARGE ARGUMENTS; }
+
+#define FAILING_ONE(RESULT, FAILURE, NAME, PARAMETERS, ARGUMENTS)                                            \
+    extern "C" RESULT __real_##NAME PARAMETERS;                                                              \
+    extern "C" RESULT __wrap_##NAME PARAMETERS { return Fails(#NAME) ? FAILURE : __real_##NAME ARGUMENTS; }
+
+FAILING_CALL(FILE*, nullptr, fopen, fopen64, (const char* path, const char* mode), (path, mode))
+FAILING_CALL(int, -1, fseeko, fseeko64, (FILE * file, off_t place, int from), (file, place, from))
+FAILING_CALL(off_t, -1, ftello, ftello64, (FILE * file), (file))
+FAILING_CALL(int, -1, stat, stat64, (const char* path, void* status), (path, status))
+FAILING_CALL(int, -1, fstat, fstat64, (int file, void* status), (file, status))
+FAILING_CALL(int, -1, statfs, statfs64, (const char* path, void* status), (path, status))
+FAILING_CALL(dirent*, nullptr, readdir, readdir64, (DIR * folder), (folder))
+FAILING_ONE(DIR*, nullptr, opendir, (const char* path), (path))
+FAILING_ONE(int, -1, access, (const char* path, int mode), (path, mode))
+FAILING_ONE(int, -1, chmod, (const char* path, mode_t mode), (path, mode))
+FAILING_ONE(int, -1, utimes, (const char* path, const timeval* times), (path, times))
+FAILING_ONE(int, -1, remove, (const char* path), (path))
+FAILING_ONE(int, -1, rename, (const char* from, const char* to), (from, to))
+FAILING_ONE(int, -1, mkdir, (const char* path, mode_t mode), (path, mode))
+FAILING_ONE(int, -1, rmdir, (const char* path), (path))
+
+extern "C" int __real_fclose(FILE* file);
+extern "C" int __wrap_fclose(FILE* file) {
+    const bool fails = Fails("fclose");
+    const int result = __real_fclose(file);
+    if (fails) errno = error;
+    return fails ? EOF : result;
+}
+
+#define HALF_DONE(NAME, POINTER)                                                                             \
+    extern "C" std::size_t __real_##NAME(POINTER bytes, std::size_t size, std::size_t count, FILE* file);    \
+    extern "C" std::size_t __wrap_##NAME(POINTER bytes, std::size_t size, std::size_t count, FILE* file) {   \
+        const bool fails = Fails(#NAME);                                                                     \
+        const std::size_t done = __real_##NAME(bytes, size, fails ? count / 2 : count, file);                \
+        if (fails) errno = error;                                                                            \
+        return done;                                                                                         \
+    }
+HALF_DONE(fread, void*)
+HALF_DONE(fwrite, const void*)

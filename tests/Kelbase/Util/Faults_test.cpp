@@ -1,0 +1,198 @@
+// Each call that the library makes of the system fails in turn: what is thrown, what is left, and that
+// nothing leaks.
+
+#include "FailingCalls.h"
+#include "FileFailure.h"
+#include "TemporaryFolder.h"
+
+#include <Kelbase/Util/Dir.h>
+#include <Kelbase/Util/File.h>
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <new>
+
+namespace {
+
+using testing::AnyOf;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::StrEq;
+using Util::Dir;
+using Util::File;
+
+const char fileSource[] = "src/Kelbase/Util/File", dirSource[] = "src/Kelbase/Util/Dir_mac";
+
+/// A fresh folder with a file and a folder in it, and the objects under test.
+struct World {
+    const TemporaryFolder folder;
+    const std::string name = folder.Write("file", "0123"), other = (folder / "other").string();
+    const FilePath from{name.c_str(), false}, to{other.c_str(), false};
+    File file{from};
+    Dir dir{Folder("")}, empty{Folder("empty")}, deep{Folder("empty/a/b")};
+    std::vector<String> names;
+    char buffer[5] = {};
+    const char* answer = "nothing";
+
+    World() {
+        std::filesystem::create_directory(folder / "empty");
+        names.reserve(8);
+    }
+    FolderPath Folder(const char* below) const { return FolderPath((folder / below).c_str(), false); }
+};
+
+std::ptrdiff_t OpenDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+/// "CALL: LINE KIND ERRNO: MESSAGE", or the answer, for each call of the work that fails. Running out of
+/// memory always ends in std::bad_alloc and is not listed. What leaks is told.
+template <typename Work>
+std::vector<std::string> WithEachCallFailing(const char* source, const std::string& below, Work work) {
+    std::vector<std::string> outcomes;
+    {
+        World first; // what is kept from a first call on is no leak
+        work(first);
+    }
+    for (unsigned number = 0;; ++number) {
+        World world;
+        const std::string path = (world.folder / below).string();
+        char told[200] = "";
+        const auto descriptors = OpenDescriptors() + (world.file.IsOpen() ? 1 : 0);
+        const std::size_t blocks = LiveBlocks();
+        const FailingCall failing(number, EIO);
+        try {
+            const std::string failure = FailureOf(source, path, [&] { work(world); });
+            std::snprintf(told, sizeof told, "%s", failure.empty() ? world.answer : failure.c_str());
+        } catch (const std::bad_alloc&) {
+            std::snprintf(told, sizeof told, "out of memory");
+        }
+        world.names.clear();
+        const std::size_t left = LiveBlocks();
+        if (!failing.Name()) return outcomes;
+        EXPECT_EQ(left, blocks) << "leaked when call " << number << " failed: " << failing.Name();
+        const bool isOpen = world.file.IsOpen();
+        world.file.SetPath({});
+        EXPECT_EQ(OpenDescriptors(), descriptors) << failing.Name();
+        if (failing.Name() == std::string("new")) {
+            EXPECT_THAT(told, AnyOf(StrEq("out of memory"), StrEq(world.answer)));
+        } else {
+            outcomes.push_back(failing.Name() + std::string(": ") + told + (isOpen ? " (open)" : ""));
+        }
+    }
+}
+
+} // namespace
+
+TEST(Faults, OfAFileAreThrownWithTheirPlace) {
+    EXPECT_THAT(WithEachCallFailing(fileSource, "file",
+                                    [](World& world) {
+                                        world.file.Open(File::Read | File::Write);
+                                        world.file.ReadBlock(world.buffer, 4);
+                                        world.file.At(2);
+                                        world.file.WriteBlock("ab", 2);
+                                        world.file.Close();
+                                    }),
+                ElementsAre("fopen: 288 1 5: Error opening file",
+                            "fread: 608 2 5: Attempt to read 4 bytes, only read 2 bytes (open)",
+                            "fseeko: 345 7 5: Seek to 2 failed (open)",
+                            "fwrite: 630 3 5: Attempt to write 2 bytes, only wrote 1 bytes (open)",
+                            "fclose: 397 4 5: Close failed"));
+    EXPECT_THAT(WithEachCallFailing(fileSource, "file",
+                                    [](World& world) {
+                                        world.file.Open(File::Read | File::Text);
+                                        world.file.ReadBlock(world.buffer, 4);
+                                        world.file.SetPath({});
+                                    }),
+                ElementsAre("fopen: 288 1 5: Error opening file", "ftello: nothing",
+                            "fread: 592 2 5: Attempt to read 4 bytes, only read 2 bytes (open)",
+                            "ftello: 592 2 5: Attempt to read 4 bytes, only read 0 bytes (open)",
+                            "fclose: nothing"));
+}
+
+TEST(Faults, OfANamedFileAreThrownWithTheirPlace) {
+    const auto failing = [](void (*work)(World&)) { return WithEachCallFailing(fileSource, "file", work); };
+    EXPECT_THAT(failing([](World& world) { world.file.SetMode(0600); }),
+                ElementsAre("chmod: 128 7 0: Error modifying file permissions"));
+    EXPECT_THAT(failing([](World& world) {
+                    world.file.SetTime({1, 2});
+                }),
+                ElementsAre("utimes: 148 7 0: Error setting file time"));
+    EXPECT_THAT(failing([](World& world) {
+                    Util::FileTime time;
+                    world.file.GetTime(&time);
+                }),
+                ElementsAre("stat: 179 7 0: Error getting file time"));
+    EXPECT_THAT(failing([](World& world) { world.file.Remove(true); }),
+                ElementsAre("remove: 422 5 5: Remove failed"));
+    EXPECT_THAT(failing([](World& world) { world.file.Remove(false); }), ElementsAre("remove: nothing"));
+    EXPECT_THAT(failing([](World& world) { File::Rename(world.from, world.to); }),
+                ElementsAre("access: nothing", "rename: 547 6 5: Rename failed"));
+}
+
+TEST(Faults, OfQuestionsAreAnswers) {
+    EXPECT_THAT(WithEachCallFailing(fileSource, "file",
+                                    [](World& world) {
+                                        const bool all = world.file.Exists() && world.file.IsReadable() &&
+                                                         world.file.IsWritable();
+                                        world.answer = !all                           ? "not there"
+                                                       : !world.file.Size().IsGiven() ? "no size"
+                                                                                      : "whole";
+                                        Dir::DirInfo info = {7};
+                                        if (!world.dir.GetDirInfo(info) && info.availableSpace == 7)
+                                            world.answer = "no space told";
+                                    }),
+                ElementsAre("access: not there", "access: not there", "access: not there", "stat: no size",
+                            "statfs: no space told"));
+    EXPECT_THAT(WithEachCallFailing(fileSource, "file",
+                                    [](World& world) {
+                                        world.file.Open(File::Read);
+                                        world.answer = !world.file.At().IsGiven()          ? "no place"
+                                                       : !world.file.Size().IsGiven()      ? "no size"
+                                                       : !world.file.Remaining().IsGiven() ? "no rest"
+                                                                                           : "whole";
+                                    }),
+                ElementsAre("fopen: 288 1 5: Error opening file", "ftello: no place (open)",
+                            "fstat: no size (open)", "fstat: no rest (open)", "ftello: no rest (open)"));
+}
+
+TEST(Faults, OfAFolderAreThrownWithTheirPlace) {
+    const char notMade[] = "mkdir: 105 3 0: mkdir() failed with -1/5";
+    const auto deep =
+        WithEachCallFailing(dirSource, "empty/a/b/", [](World& world) { world.deep.Create(true); });
+    EXPECT_THAT(deep, Contains(notMade).Times(2));
+    EXPECT_THAT(deep,
+                Each(AnyOf(notMade, "access: nothing", EndsWith(": 105 3 0: mkdir() failed with -1/17"))));
+    const auto failing = [](void (*work)(World&)) { return WithEachCallFailing(dirSource, "empty/", work); };
+    EXPECT_THAT(failing([](World& world) {
+                    world.empty.Remove();
+                    world.empty.Create(false);
+                }),
+                ElementsAre("access: nothing", "stat: nothing", "rmdir: 135 5 0: rmdir() failed",
+                            "access: nothing", "mkdir: 118 3 0: mkdir() failed with -1/5"));
+    EXPECT_THAT(failing([](World& world) {
+                    world.empty.SetTime({1, 2});
+                }),
+                ElementsAre("utimes: 158 7 0: Error setting folder time"));
+    EXPECT_THAT(failing([](World& world) {
+                    Util::FileTime time;
+                    world.empty.GetTime(&time);
+                }),
+                ElementsAre("stat: 171 7 0: Error getting folder time"));
+}
+
+TEST(Faults, OfAListingLeaveEntriesOut) {
+    const auto outcomes = WithEachCallFailing(dirSource, "", [](World& world) {
+        world.dir.GetFilenames(world.names, "", false, true);
+        world.answer = world.names.empty() ? "none" : world.names.size() == 1 ? "one" : "both";
+    });
+    ASSERT_GE(outcomes.size(), 4U);
+    EXPECT_EQ(outcomes[0], "opendir: none");
+    EXPECT_EQ(outcomes[1], "readdir: none");
+    EXPECT_THAT(outcomes, Contains("stat: one"));
+    EXPECT_EQ(outcomes.back(), "readdir: both") << "the end, where nothing is left to tell";
+}
