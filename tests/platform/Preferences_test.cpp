@@ -7,6 +7,7 @@
 
 #include "TemporaryFolder.h"
 #include "platform/BinaryList.h"
+#include "platform/PreferenceCalls.h"
 
 #include <gtest/gtest.h>
 
@@ -20,29 +21,6 @@ using macplatform::PropertyListFormat;
 using macplatform::PropertyValue;
 
 namespace {
-
-const char domain[] = "com.example.app";
-
-/// Sets a text (null removes the key) for any user on the current host.
-void Set(const char* key, const char* value) {
-    const CFStringRef k = CFStringCreateWithCString(nullptr, key, kCFStringEncodingUTF8);
-    const CFStringRef v = value ? CFStringCreateWithCString(nullptr, value, kCFStringEncodingUTF8) : nullptr;
-    CFPreferencesSetValue(k, v, CFSTR("com.example.app"), kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
-    CFRelease(k);
-    if (v) CFRelease(v);
-}
-
-void SetNumber(const char* key, int value) {
-    const CFStringRef k = CFStringCreateWithCString(nullptr, key, kCFStringEncodingUTF8);
-    const CFNumberRef v = CFNumberCreate(nullptr, kCFNumberIntType, &value);
-    CFPreferencesSetValue(k, v, CFSTR("com.example.app"), kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
-    CFRelease(k);
-    CFRelease(v);
-}
-
-bool Synchronise(CFStringRef ofDomain = CFSTR("com.example.app")) {
-    return CFPreferencesSynchronize(ofDomain, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
-}
 
 class Preferences : public testing::Test {
 protected:
@@ -220,24 +198,6 @@ TEST_F(Preferences, WaitForALockAndRemoveLeftovers) {
     EXPECT_EQ(status, 0);
     EXPECT_FALSE(std::filesystem::exists(leftover));
     EXPECT_EQ(Stored().Find("Lang")->text, "ja");
-}
-
-TEST_F(Preferences, SurviveManyWritersAtOnce) {
-    constexpr int writers = 8, keys = 20;
-    for (int writer = 0; writer < writers; ++writer) {
-        if (fork() != 0) continue;
-        bool good = true;
-        for (int key = 0; key < keys; ++key) {
-            SetNumber(("w" + std::to_string(writer) + "-" + std::to_string(key)).c_str(), key);
-            good = Synchronise() && good;
-        }
-        _exit(good ? 0 : 1);
-    }
-    for (int writer = 0, status = 0; writer < writers; ++writer) {
-        ASSERT_GT(wait(&status), 0);
-        EXPECT_EQ(status, 0);
-    }
-    EXPECT_EQ(Stored().keys.size(), static_cast<std::size_t>(writers * keys));
 }
 
 TEST_F(Preferences, FailAsOrderedAndSayWhy) {
