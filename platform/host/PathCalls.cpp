@@ -2,19 +2,21 @@
 // with the platform and by the bundles that they load; a path that falls on the startup volume is translated,
 // any other goes on as it is.
 //
-// Not covered: raw system calls, exec and dlopen, the tree walks that the library makes of itself (nftw,
-// glob), temporary names with a suffix, and getcwd, which answers the path on this machine.
+// Not covered: raw system calls, exec and dlopen, fts and glob, and getcwd, which answers the path on this
+// machine.
 //
 // The functions have names of their own and take the library's by assembler labels: so they need not repeat
 // its exact declarations, and the forms for 32-bit and 64-bit file offsets stay apart whatever this file is
 // compiled with.
 
+#include "Descriptor.h"
 #include "PathCall.h"
 
 #include <algorithm>
 #include <cstdarg>
 #include <cstdint>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace macplatform;
 
@@ -32,6 +34,27 @@ unsigned ModeBehind(int flags, va_list rest) {
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's va_start is not followed into here
     return flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, unsigned) : 0;
 }
+
+bool OpensToRead(int flags) { return (flags & O_ACCMODE) == O_RDONLY; }
+bool OpensToRead(const char* mode) { return mode[0] == 'r' && !std::strchr(mode, '+'); }
+
+/// While one lives, a pipe has a writer: a bundle that opens it to read, where it expects a file, does not
+/// wait for one for ever and finds the pipe empty.
+class PipeWriter {
+public:
+    template <typename Mode>
+    PipeWriter(const char* hostPath, Mode mode)
+        : writer(IsPipe(hostPath) && OpensToRead(mode) ? Open(hostPath) : -1) {}
+
+private:
+    static bool IsPipe(const char* hostPath) {
+        struct stat status {};
+        return stat(hostPath, &status) == 0 && S_ISFIFO(status.st_mode);
+    }
+    static int Open(const char* hostPath) { return open(hostPath, O_RDWR | O_NONBLOCK | O_CLOEXEC); }
+
+    Descriptor writer;
+};
 
 } // namespace
 
@@ -70,7 +93,10 @@ unsigned ModeBehind(int flags, va_list rest) {
         const unsigned mode = ModeBehind(flags, rest);                                                       \
         va_end(rest);                                                                                        \
         if (!FallsOnVolume(path)) return next(path, flags, mode);                                            \
-        const auto make = [&](const char* hostPath) { return next(hostPath, flags, mode); };                 \
+        const auto make = [&](const char* hostPath) {                                                        \
+            const PipeWriter writer(hostPath, flags);                                                        \
+            return next(hostPath, flags, mode);                                                              \
+        };                                                                                                   \
         return CallOnVolume<int>("open", -1, OpenLink(flags), path, make, path, flags);                      \
     }
 #define OPENAT_CALL(SYMBOL)                                                                                  \
@@ -82,29 +108,46 @@ unsigned ModeBehind(int flags, va_list rest) {
         const unsigned mode = ModeBehind(flags, rest);                                                       \
         va_end(rest);                                                                                        \
         if (!FallsOnVolume(path)) return next(folder, path, flags, mode);                                    \
-        const auto make = [&](const char* hostPath) { return next(folder, hostPath, flags, mode); };         \
+        const auto make = [&](const char* hostPath) {                                                        \
+            const PipeWriter writer(hostPath, flags);                                                        \
+            return next(folder, hostPath, flags, mode);                                                      \
+        };                                                                                                   \
         return CallOnVolume<int>("openat", -1, OpenLink(flags), path, make, path, flags);                    \
     }
 /// What a bundle that was compiled with fortified calls opens an existing file with.
-#define OPEN_2_CALL(SYMBOL) PATH_CALL(int, -1, SYMBOL, "open", OpenLink(flags), COMMA int flags, COMMA flags)
-#define OPENAT_2_CALL(SYMBOL)                                                                                \
-    PATH_CALL_AT(int, -1, SYMBOL, "openat", OpenLink(flags), COMMA int flags, COMMA flags)
+#define OPEN_2_CALL(SYMBOL, PLAIN)                                                                           \
+    extern "C" int Caught_##SYMBOL(const char* path, int flags) __asm__(#SYMBOL);                            \
+    int Caught_##SYMBOL(const char* path, int flags) { return Caught_##PLAIN(path, flags, 0U); }
+#define OPENAT_2_CALL(SYMBOL, PLAIN)                                                                         \
+    extern "C" int Caught_##SYMBOL(int folder, const char* path, int flags) __asm__(#SYMBOL);                \
+    int Caught_##SYMBOL(int folder, const char* path, int flags) {                                           \
+        return Caught_##PLAIN(folder, path, flags, 0U);                                                      \
+    }
+#define STREAM_CALL(SYMBOL, NAME, PARAMETERS, ...)                                                           \
+    extern "C" void* Caught_##SYMBOL(const char* path, const char* mode PARAMETERS) __asm__(#SYMBOL);        \
+    void* Caught_##SYMBOL(const char* path, const char* mode PARAMETERS) {                                   \
+        static const auto next = NextDefinition<void*(const char*, const char* PARAMETERS)>(#SYMBOL);        \
+        if (!FallsOnVolume(path)) return next(path, mode __VA_ARGS__);                                       \
+        const auto make = [&](const char* hostPath) {                                                        \
+            const PipeWriter writer(hostPath, mode);                                                         \
+            return next(hostPath, mode __VA_ARGS__);                                                         \
+        };                                                                                                   \
+        return CallOnVolume<void*>(NAME, nullptr, follow, path, make, path, mode __VA_ARGS__);               \
+    }
 OPEN_CALL(open)
 OPEN_CALL(open64)
 OPENAT_CALL(openat)
 OPENAT_CALL(openat64)
-OPEN_2_CALL(__open_2)
-OPEN_2_CALL(__open64_2)
-OPENAT_2_CALL(__openat_2)
-OPENAT_2_CALL(__openat64_2)
+OPEN_2_CALL(__open_2, open)
+OPEN_2_CALL(__open64_2, open64)
+OPENAT_2_CALL(__openat_2, openat)
+OPENAT_2_CALL(__openat64_2, openat64)
 PATH_CALL(int, -1, creat, "creat", follow, COMMA unsigned mode, COMMA mode)
 PATH_CALL(int, -1, creat64, "creat", follow, COMMA unsigned mode, COMMA mode)
-PATH_CALL(void*, nullptr, fopen, "fopen", follow, COMMA const char* mode, COMMA mode)
-PATH_CALL(void*, nullptr, fopen64, "fopen", follow, COMMA const char* mode, COMMA mode)
-PATH_CALL(void*, nullptr, freopen, "freopen", follow, COMMA const char* mode COMMA void* file,
-          COMMA mode COMMA file)
-PATH_CALL(void*, nullptr, freopen64, "freopen", follow, COMMA const char* mode COMMA void* file,
-          COMMA mode COMMA file)
+STREAM_CALL(fopen, "fopen", , )
+STREAM_CALL(fopen64, "fopen", , )
+STREAM_CALL(freopen, "freopen", COMMA void* file, COMMA file)
+STREAM_CALL(freopen64, "freopen", COMMA void* file, COMMA file)
 PATH_CALL(void*, nullptr, opendir, "opendir", follow, , )
 PATH_CALL(int, -1, scandir, "scandir", follow, COMMA void* list COMMA void* filter COMMA void* compare,
           COMMA list COMMA filter COMMA compare)
@@ -141,6 +184,27 @@ PATH_CALL(ssize_t, -1, __readlink_chk, "readlink", keep,
 PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", keep,
              COMMA void* buffer COMMA std::size_t size COMMA std::size_t room,
              COMMA buffer COMMA size COMMA room)
+
+// As older C libraries had programs ask: with the version of the answer's layout first.
+PATH_CALL_AT(int, -1, __xstat, "stat", follow, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __xstat64, "stat", follow, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __lxstat, "lstat", keep, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __lxstat64, "lstat", keep, COMMA void* status, COMMA status)
+#define OLD_FSTATAT_CALL(SYMBOL)                                                                             \
+    extern "C" int Caught_##SYMBOL(int version, int folder, const char* path, void* status,                  \
+                                   int flags) __asm__(#SYMBOL);                                              \
+    int Caught_##SYMBOL(int version, int folder, const char* path, void* status, int flags) {                \
+        static const auto next = NextDefinition<int(int, int, const char*, void*, int)>(#SYMBOL);            \
+        if (!FallsOnVolume(path)) return next(version, folder, path, status, flags);                         \
+        const auto make = [&](const char* hostPath) {                                                        \
+            return next(version, folder, hostPath, status, flags);                                           \
+        };                                                                                                   \
+        return CallOnVolume<int>("fstatat", -1, LinkOf(flags), path, make, path, status, flags);             \
+    }
+OLD_FSTATAT_CALL(__fxstatat)
+OLD_FSTATAT_CALL(__fxstatat64)
+PATH_CALL_AT(int, -1, __xmknod, "mknod", keep, COMMA unsigned mode COMMA dev_t* device,
+             COMMA mode COMMA device)
 
 // Changing the tree.
 PATH_CALL(int, -1, mkdir, "mkdir", keep, COMMA unsigned mode, COMMA mode)
@@ -188,6 +252,36 @@ PATH_CALL(ssize_t, -1, llistxattr, "llistxattr", keep, COMMA void* names COMMA s
 PATH_CALL(int, -1, removexattr, "removexattr", follow, COMMA const char* name, COMMA name)
 PATH_CALL(int, -1, lremovexattr, "lremovexattr", keep, COMMA const char* name, COMMA name)
 
+// As 32-bit programs with 64-bit times ask and set.
+#if __WORDSIZE == 32
+PATH_CALL(int, -1, __stat64_time64, "stat", follow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, __lstat64_time64, "lstat", keep, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __fstatat64_time64, "fstatat", LinkOf(flags), COMMA void* status COMMA int flags,
+             COMMA status COMMA flags)
+PATH_CALL(int, -1, __utime64, "utime", follow, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, __utimes64, "utimes", follow, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, __lutimes64, "lutimes", keep, COMMA const void* times, COMMA times)
+PATH_CALL_AT(int, -1, __utimensat64, "utimensat", LinkOf(flags), COMMA const void* times COMMA int flags,
+             COMMA times COMMA flags)
+#endif
+
+// Walking a tree: what is visited is called by its path on this machine, which goes on working.
+#define WALK_CALL(SYMBOL, NAME, PARAMETERS, ...)                                                             \
+    extern "C" int Caught_##SYMBOL(const char* path, void* visit PARAMETERS) __asm__(#SYMBOL);               \
+    int Caught_##SYMBOL(const char* path, void* visit PARAMETERS) {                                          \
+        static const auto next = NextDefinition<int(const char*, void* PARAMETERS)>(#SYMBOL);                \
+        if (!FallsOnVolume(path)) return next(path, visit __VA_ARGS__);                                      \
+        const auto make = [&](const char* hostPath) {                                                        \
+            const BundleCodeRuns visitor;                                                                    \
+            return next(hostPath, visit __VA_ARGS__);                                                        \
+        };                                                                                                   \
+        return CallOnVolume<int>(NAME, -1, follow, path, make, path, visit __VA_ARGS__);                     \
+    }
+WALK_CALL(ftw, "ftw", COMMA int descriptors, COMMA descriptors)
+WALK_CALL(ftw64, "ftw", COMMA int descriptors, COMMA descriptors)
+WALK_CALL(nftw, "nftw", COMMA int descriptors COMMA int flags, COMMA descriptors COMMA flags)
+WALK_CALL(nftw64, "nftw", COMMA int descriptors COMMA int flags, COMMA descriptors COMMA flags)
+
 // Calls of two paths, told with both. Either may fall on the volume.
 
 namespace {
@@ -229,6 +323,10 @@ int Caught_mkstemp(char* path) __asm__("mkstemp");
 int Caught_mkstemp64(char* path) __asm__("mkstemp64");
 int Caught_mkostemp(char* path, int flags) __asm__("mkostemp");
 int Caught_mkostemp64(char* path, int flags) __asm__("mkostemp64");
+int Caught_mkstemps(char* path, int suffix) __asm__("mkstemps");
+int Caught_mkstemps64(char* path, int suffix) __asm__("mkstemps64");
+int Caught_mkostemps(char* path, int suffix, int flags) __asm__("mkostemps");
+int Caught_mkostemps64(char* path, int suffix, int flags) __asm__("mkostemps64");
 char* Caught_mkdtemp(char* path) __asm__("mkdtemp");
 }
 
@@ -307,15 +405,16 @@ char* Caught_realpath_chk(const char* path, char* resolved, std::size_t room) {
 
 namespace {
 
-/// The name that is made up stands at the end of both paths.
+/// The name that is made up stands at the end of both paths, before the suffix.
 template <typename Result, typename Make>
-Result CallWithTemplate(const char* name, Result failure, char* path, Make make) {
+Result CallWithTemplate(const char* name, Result failure, char* path, Make make, int suffix = 0) {
     return CallOnVolume<Result>(
         name, failure, keep, path,
         [&](const char* hostPath) {
             std::string filled = hostPath;
             const Result result = make(filled.data());
-            const std::size_t length = std::strlen(path), made = std::min(length, std::size_t{6});
+            const std::size_t length = std::strlen(path);
+            const std::size_t made = std::min(length, std::size_t{6} + static_cast<unsigned>(suffix));
             if (result != failure)
                 std::memcpy(path + length - made, filled.data() + filled.size() - made, made);
             return result;
@@ -323,7 +422,25 @@ Result CallWithTemplate(const char* name, Result failure, char* path, Make make)
         path);
 }
 
+/// Names with a suffix, in the library's four forms.
+template <typename... Flags>
+int CallWithSuffix(const char* symbol, char* path, int suffix, Flags... flags) {
+    const auto next = NextDefinition<int(char*, int, Flags...)>(symbol);
+    const auto make = [&](char* filled) { return next(filled, suffix, flags...); };
+    const char* const name = sizeof...(Flags) > 0 ? "mkostemps" : "mkstemps";
+    return FallsOnVolume(path) ? CallWithTemplate(name, -1, path, make, suffix) : make(path);
+}
+
 } // namespace
+
+int Caught_mkstemps(char* path, int suffix) { return CallWithSuffix("mkstemps", path, suffix); }
+int Caught_mkstemps64(char* path, int suffix) { return CallWithSuffix("mkstemps64", path, suffix); }
+int Caught_mkostemps(char* path, int suffix, int flags) {
+    return CallWithSuffix("mkostemps", path, suffix, flags);
+}
+int Caught_mkostemps64(char* path, int suffix, int flags) {
+    return CallWithSuffix("mkostemps64", path, suffix, flags);
+}
 
 int Caught_mkstemp(char* path) {
     static const auto next = NextDefinition<int(char*)>("mkstemp");

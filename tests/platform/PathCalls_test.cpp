@@ -9,7 +9,9 @@
 #include <climits>
 #include <cstdlib>
 #include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <ftw.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -103,6 +105,51 @@ TEST_F(PathCalls, SeeTheVolumeFromFortifiedAndOlderFormsToo) {
     std::free(names);
     EXPECT_EQ(linkat(AT_FDCWD, "/Library/link", AT_FDCWD, "/Library/second", AT_SYMLINK_FOLLOW), 0);
     EXPECT_TRUE(std::filesystem::is_regular_file(volume / "Library/second"));
+}
+
+TEST_F(PathCalls, SeeTheVolumeFromOldStatAndFromWideTimes) {
+    volume.Write("Library/a.txt", "inside");
+    alignas(8) char status[512];
+    const int layout = sizeof(long) == 8 ? 1 : 3;
+    const auto xstat = reinterpret_cast<int (*)(int, const char*, void*)>(dlsym(RTLD_DEFAULT, "__lxstat"));
+    EXPECT_EQ(xstat(layout, "/Library/a.txt", status), 0);
+    const auto xstatat =
+        reinterpret_cast<int (*)(int, int, const char*, void*, int)>(dlsym(RTLD_DEFAULT, "__fxstatat"));
+    EXPECT_EQ(xstatat(layout, AT_FDCWD, "/Library/a.txt", status, 0), 0);
+    if (void* const wide = dlsym(RTLD_DEFAULT, "__stat64_time64")) { // of 32-bit code alone
+        EXPECT_EQ(reinterpret_cast<int (*)(const char*, void*)>(wide)("/Library/a.txt", status), 0);
+    }
+}
+
+TEST_F(PathCalls, SeeTheVolumeFromNamesWithASuffixAndFromWalks) {
+    volume.Write("Library/a/b");
+    char name[] = "/Library/a/XXXXXX.txt";
+    const int made = mkstemps(name, 4);
+    ASSERT_GE(made, 0);
+    close(made);
+    EXPECT_TRUE(std::filesystem::exists(volume.Path().string() + name)) << name;
+    static int visits;
+    visits = 0;
+    const auto visit = [](const char* path, const struct stat*, int, FTW*) {
+        visits += Exists(path) ? 1 : 0;
+        return 0;
+    };
+    EXPECT_EQ(nftw("/Library/a", visit, 4, FTW_PHYS), 0);
+    EXPECT_EQ(visits, 3);
+}
+
+TEST_F(PathCalls, ReadAPipeAsAnEmptyFile) {
+    std::filesystem::create_directory(volume / "Library");
+    ASSERT_EQ(mkfifo("/Library/pipe", 0600), 0);
+    char byte = 0;
+    const int pipe = open("/Library/pipe", O_RDONLY);
+    EXPECT_EQ(read(pipe, &byte, 1), 0);
+    close(pipe);
+    std::FILE* const stream = std::fopen("/Library/pipe", "rb");
+    ASSERT_TRUE(stream);
+    EXPECT_EQ(std::fread(&byte, 1, 1, stream), 0U);
+    EXPECT_TRUE(std::feof(stream));
+    std::fclose(stream);
 }
 
 TEST_F(PathCalls, RefuseAnEmptyPathAndAnOverlongOne) {

@@ -12,9 +12,9 @@
 ///
 /// The C library's calls are those that a program linked with this layer, or a bundle that it loads, binds to
 /// by name (open, fopen, stat, rename, opendir, mkdir, the extended attributes and their kin). Not seen
-/// inside the folder: raw system calls, programs that are started, walks (ftw, fts, glob), and in 32-bit code
-/// the calls with 64-bit times. `realpath` of a path on the volume answers the Mac's path again; `getcwd`
-/// answers this machine's.
+/// inside the folder: raw system calls, programs that are started, fts and glob. `realpath` of a path on the
+/// volume answers the Mac's path again; `getcwd` and walks (ftw) answer this machine's. A pipe on the volume
+/// that is opened to read counts as a file that is empty: its other end is not waited for.
 
 #include <string>
 
