@@ -1,5 +1,7 @@
 #include "InstallerHost.h"
 #include "ScarceMemory.h"
+#include "TracedChild.h"
+#include "Tried.h"
 
 #include <Carbon/Carbon.h>
 #include <climits>
@@ -9,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <macplatform/FinderFlags.h>
 #include <macplatform/Journal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -140,6 +143,37 @@ TEST_F(PostInstallStep, UserWithoutReadPermissionGetsTheFailureNoted) {
     EXPECT_EQ(status, 0);
     EXPECT_THAT(Preferences(updater),
                 testing::UnorderedElementsAre("InstallStatus = \"Error opening file\"", enabled));
+}
+
+TEST_F(PostInstallStep, PipeInThePlaceOfTheStatusFileIsEmpty) {
+    fs::create_directories(fs::path(OnVolume(statusFile)).parent_path());
+    ASSERT_EQ(mkfifo(OnVolume(statusFile).c_str(), 0600), 0);
+    EXPECT_EQ(Deliver({3}), 0U) << "and nobody waits for a writer";
+    EXPECT_EQ(Preferences(updater), Texts{disabled});
+}
+
+/// At whichever system call the file loses its end: it is read whole before, cut, or found to be too short.
+TEST_F(PostInstallStep, StatusFileMayShrinkWhileItIsRead) {
+    const std::string text = "UpdatesEnabled" + std::string(50000, '.');
+    const auto deliver = [] { return static_cast<int>(Deliver({3})); };
+    const auto shrink = [this](pid_t) { fs::resize_file(OnVolume(statusFile), 4); };
+    unsigned stop = 0, noted = 0, lost = 0;
+    for (bool goesOn = true; goesOn; ++stop) {
+        WriteStatus(text);
+        fs::remove_all(OnVolume("/Library/Preferences"));
+        const TracedEnd end = RunTraced(stop, deliver, shrink);
+        const Texts told = Preferences(updater);
+        const bool isNoted =
+            told.size() == 2 && told[0].find("bytes, only read") != std::string::npos && told[1] == enabled;
+        const bool isRead = told == Texts{enabled} || told == Texts{disabled};
+        if (end.status != 0 || (!isNoted && !isRead)) ++lost;
+        noted += isNoted ? 1 : 0;
+        goesOn =
+            end.isReached && (noted == 0 || told != Texts{enabled}); // until it was read before it was cut
+    }
+    EXPECT_EQ(lost, 0U);
+    EXPECT_GT(noted, 0U);
+    Tried("status file cut at a system call of its reader", stop, lost);
 }
 
 TEST_F(PostInstallStep, SizeCountsModulo4GiB) {

@@ -4,6 +4,7 @@
 #include <macplatform/StartupVolume.h>
 
 #include "TemporaryFolder.h"
+#include "TracedChild.h"
 #include "Tried.h"
 #include "platform/PreferenceCalls.h"
 
@@ -17,7 +18,6 @@
 #include <sched.h>
 #include <sys/file.h>
 #include <sys/mount.h>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -40,23 +40,11 @@ extern "C" int nanosleep(const timespec* time, timespec* left) {
 
 namespace {
 
-/// Runs the work in a child and kills it at its stop `number`, of two for each system call: before it and
-/// behind it. False when the child ended by itself before.
-bool IsKilledAt(unsigned number, const std::function<void()>& work) {
-    const pid_t child = fork();
-    if (child == 0) {
-        if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) _exit(9);
-        raise(SIGSTOP);
-        work();
-        _exit(0);
-    }
-    int status = 0;
-    for (unsigned stop = 0; waitpid(child, &status, 0) == child && WIFSTOPPED(status); ++stop) {
-        if (stop == number + 1) kill(child, SIGKILL); // the first stop is the child's own
-        ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
-    }
-    EXPECT_FALSE(WIFEXITED(status) && WEXITSTATUS(status) != 0) << "the child cannot be traced";
-    return WIFSIGNALED(status);
+/// False when the work was done before that stop.
+bool IsKilledAt(unsigned stop, const std::function<int()>& work) {
+    const TracedEnd end = RunTraced(stop, work, [](pid_t child) { kill(child, SIGKILL); });
+    EXPECT_TRUE(end.isReached || end.status == 0) << "the child cannot be traced, or its work fails";
+    return end.isReached;
 }
 
 /// What a child says of the work: 0 when it holds, 77 when it cannot be tried here.
@@ -88,7 +76,7 @@ protected:
 TEST_F(PreferencesSurvival, OfAKillAtEverySystemCall) {
     const auto change = [] {
         Set("Lang", "ja");
-        Synchronise();
+        return Synchronise() ? 0 : 1;
     };
     WriteOld();
     ASSERT_FALSE(IsKilledAt(1U << 30, change));
