@@ -169,10 +169,13 @@ TEST_F(Preferences, SayWhenTheFolderMayNotBeWritten) {
 }
 
 TEST_F(Preferences, RefuseNamesThatLeaveTheirFolder) {
-    for (const CFStringRef bad : {CFSTR("../../x"), CFSTR("a/b"), CFSTR(""), CFSTR(".."), CFSTR(".")}) {
+    const UniChar withNul[] = {'a', 0, 'b'};
+    const CFStringRef nul = CFStringCreateWithCharacters(nullptr, withNul, 3);
+    for (const CFStringRef bad : {CFSTR("../../x"), CFSTR("a/b"), CFSTR(""), CFSTR(".."), CFSTR("."), nul}) {
         CFPreferencesSetValue(CFSTR("k"), CFSTR("v"), bad, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
         EXPECT_FALSE(Synchronise(bad));
     }
+    CFRelease(nul);
     EXPECT_FALSE(
         CFPreferencesSynchronize(CFSTR("com.example.app"), kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
     // The constants are known as objects: a text like theirs is somebody's name.

@@ -75,6 +75,13 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
         errorOf("<plist><array>" + std::string(std::size_t{7} << 20, '\n') + nested("<true/>").substr(7)),
         "its XML is damaged in line 7340033");
 
+    folder.Write("hostile.plist", "<plist>");
+    std::filesystem::resize_file(folder / "hostile.plist", 100'000'000);
+    EXPECT_EQ(ReadPropertyList((folder / "hostile.plist").string()).error, "it is larger than 64 MiB");
+    EXPECT_EQ(errorOf("bplist00" + std::string(std::size_t{60} << 20, '\xFF')), "its binary form is damaged");
+    EXPECT_EQ(errorOf("<plist>" + std::string(std::size_t{60} << 20, '\xFF')),
+              "its XML is damaged in line 1");
+
     EXPECT_EQ(errorOf(BinaryList({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
     EXPECT_EQ(errorOf(BinaryList({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
               "an object in it holds itself");
