@@ -74,7 +74,7 @@ std::optional<std::string> CanonicalReal(std::string_view text) {
     const bool isNumber = !text.empty() && (IsDigit(text[0]) || text[0] == '.');
     const bool isWord = text == "nan" || text == "inf" || text == "infinity";
     if ((!isNumber && !isWord) || read.ec != std::errc() || read.ptr != end) return std::nullopt;
-    return (minus ? "-" : "") + std::string(text);
+    return (minus && value != 0 ? "-" : "") + std::string(text); // the parser writes no negative zero
 }
 
 std::optional<std::string> CanonicalDate(std::string_view text) {

@@ -118,7 +118,7 @@ TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
         {"<string>a\r\nb\r<![CDATA[<&]]>&#x41;&apos;</string>", "\"a\\nb\\n<&A'\""},
         {"<array><integer> +0x1F </integer><integer>-9223372036854775808</integer></array>",
          "[31, -9223372036854775808]"},
-        {"<array><real>-0.25</real><data>\n AA EC\t</data></array>", "[-0.25, <000102>]"},
+        {"<array><real>-0.25</real><real>-0e1</real><data>\n AA EC\t</data></array>", "[-0.25, 0, <000102>]"},
         {"<string>a & b</string>", "its XML is damaged in line 1"},
         {"<plist>\n<string>&nbsp;</string></plist>", "its XML is damaged in line 2"},
         {"<!DOCTYPE plist [<!ENTITY a \"b\">]><string>&a;</string>", "its XML is damaged in line 1"},
