@@ -5,6 +5,7 @@
 #include "PluginContract.h"
 
 #include <CLI/CLI.hpp>
+#include <macplatform/Bundles.h>
 
 #include <charconv>
 #include <cmath>
@@ -146,6 +147,15 @@ void DescribeBlock(CLI::App& run, RunArguments& arguments) {
         ->type_name("FILE");
 }
 
+/// A switch of the platform, which the child process inherits.
+void AddMacFlag(CLI::App& app) {
+    const auto prefer = [] {
+        if (!macplatform::PreferMacCode(true))
+            throw UsageError("--mac: only the 32-bit build of this tool runs a bundle's code for the Mac");
+    };
+    app.add_flag_callback("--mac", prefer, "Load the bundle's executable for the Mac, not that for Linux");
+}
+
 void DescribeRun(CLI::App& run, RunArguments& arguments) {
     RunOptions& options = arguments.options;
     run.add_option("BUNDLE", options.bundle, "The bundle's folder")->type_name("DIR")->required();
@@ -160,6 +170,7 @@ void DescribeRun(CLI::App& run, RunArguments& arguments) {
            "Who answers alerts: ask (default on a terminal), desktop (a window), first (the first button; "
            "default elsewhere), or the titles of buttons, one for each alert, with commas between")
         ->type_name("WHO");
+    AddMacFlag(run);
     run.add_flag("--trace", options.hasTrace, "Show every platform call in order");
     AddNumber(run, "--timeout", options.secondsPerCall, ParseSeconds,
               "Seconds that one call may take (default 10)");

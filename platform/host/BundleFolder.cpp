@@ -1,6 +1,7 @@
 #include "BundleFolder.h"
 
 #include "Descriptor.h"
+#include "MachOLoader.h"
 #include "PlatformCall.h"
 
 #include <cerrno>
@@ -24,6 +25,14 @@ bool IsFolder(const std::string& path) {
 std::string LastName(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     return path.substr(path.rfind('/') + 1);
+}
+
+bool prefersMacCode = false;
+
+/// The Mac's own where that is wanted, or where there is no other, and it can be run.
+std::string ChosenExecutable(const std::string& own, const std::string& mac) {
+    if (!CanRunMachO() || access(mac.c_str(), F_OK) != 0) return own;
+    return prefersMacCode || access(own.c_str(), F_OK) != 0 ? mac : own;
 }
 
 /// The name of the executable: CFBundleExecutable, else the bundle's without its extension. Empty when it is
@@ -69,8 +78,6 @@ bool IsMachO(const unsigned char* bytes) {
 }
 
 BundleFailure CheckHeader(const std::string& file, const Elf64_Ehdr& header, std::size_t length) {
-    if (length >= 4 && IsMachO(header.e_ident))
-        return Failure(BundleFault::WrongArchitecture, file + " is for the Mac");
     if (length < sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) {
         return Failure(BundleFault::WrongArchitecture, file + " is no program code");
     }
@@ -82,6 +89,12 @@ BundleFailure CheckHeader(const std::string& file, const Elf64_Ehdr& header, std
 }
 
 } // namespace
+
+bool PreferMacCode(bool preferred) {
+    if (preferred && !CanRunMachO()) return false;
+    prefersMacCode = preferred;
+    return true;
+}
 
 BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
     const PlatformInside inside;
@@ -101,11 +114,11 @@ BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
     const std::string name = ExecutableName(bundle);
     if (name.empty())
         return Failure(BundleFault::MissingKey, listPath + ": CFBundleExecutable is not the name of a file");
-    bundle.executable = path + "/Contents/Linux/" + name;
+    bundle.executable = ChosenExecutable(path + "/Contents/Linux/" + name, path + "/Contents/MacOS/" + name);
     return {};
 }
 
-BundleFailure CheckExecutable(const BundleFolder& bundle) {
+BundleFailure CheckExecutable(BundleFolder& bundle) {
     const PlatformInside inside;
     const std::string& file = bundle.executable;
     const Descriptor code(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -113,8 +126,8 @@ BundleFailure CheckExecutable(const BundleFolder& bundle) {
         const int error = errno;
         const std::string forMac = bundle.path + "/Contents/MacOS" + file.substr(file.rfind('/'));
         if (error == ENOENT && access(forMac.c_str(), F_OK) == 0) {
-            return Failure(BundleFault::NoExecutable,
-                           file + " is missing: the bundle has code for the Mac alone");
+            return Failure(BundleFault::NoExecutable, file + " is missing: the bundle has code for the Mac " +
+                                                          "alone, which the 32-bit build of this tool runs");
         }
         return Failure(BundleFault::NoExecutable, file + ": " + std::strerror(error));
     }
@@ -123,8 +136,11 @@ BundleFailure CheckExecutable(const BundleFolder& bundle) {
         return Failure(BundleFault::NoExecutable, file + " is no file");
     }
     Elf64_Ehdr header{};
-    const ssize_t length = read(code.Get(), &header, sizeof header);
-    return CheckHeader(file, header, length < 0 ? 0 : static_cast<std::size_t>(length));
+    const ssize_t read = ::read(code.Get(), &header, sizeof header);
+    const std::size_t length = read < 0 ? 0 : static_cast<std::size_t>(read);
+    bundle.isMachO = length >= 4 && IsMachO(header.e_ident);
+    return bundle.isMachO ? BundleFailure()
+                          : CheckHeader(file, header, length); // its own loader checks a Mac's
 }
 
 } // namespace macplatform

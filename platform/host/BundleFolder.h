@@ -12,13 +12,15 @@ namespace macplatform {
 struct BundleFolder {
     std::string path;
     PropertyValue info;     ///< The dictionary of Contents/Info.plist.
-    std::string executable; ///< The file of the code for this system; whether it is there is not asked.
+    std::string executable; ///< The file of the code to load; whether it is there is not asked.
+    bool isMachO = false;   ///< It is the Mac's own; known once it was checked.
 };
 
 /// Reads the property list of the bundle at a path of this machine.
 BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle);
 
-/// Whether the executable is there and made for this processor, word size and system.
-BundleFailure CheckExecutable(const BundleFolder& bundle);
+/// Whether the executable is there and made for this processor and word size, and for this system or, where
+/// this process can run it, for the Mac.
+BundleFailure CheckExecutable(BundleFolder& bundle);
 
 } // namespace macplatform

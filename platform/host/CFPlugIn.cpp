@@ -8,6 +8,7 @@
 #include "CFObject.h"
 #include "CFURLPath.h"
 #include "CFUUIDObject.h"
+#include "MachOLoader.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,6 +30,7 @@ struct __CFBundle : Object {
     std::map<UuidBytes, std::string> factories;        ///< Function names.
     std::map<UuidBytes, std::vector<UuidBytes>> types; ///< Their factories.
     void* code = nullptr;                              ///< Of the dynamic linker; never closed.
+    MachOCode* macCode = nullptr;                      ///< In its place; never unmapped.
     std::size_t instances = 0;                         ///< Each holds a reference.
 };
 
@@ -123,12 +125,16 @@ Bundle* OpenBundle(const std::string& macPath) {
 }
 
 bool LoadCode(Bundle& bundle) {
-    if (bundle.code) return true;
+    if (bundle.code || bundle.macCode) return true;
     if (BundleFailure failure = CheckExecutable(bundle.folder); failure.fault != BundleFault::None) {
         LastFailure() = std::move(failure);
         return false;
     }
     const BundleCodeRuns initialisers;
+    if (bundle.folder.isMachO) {
+        bundle.macCode = LoadMachO(bundle.folder.executable, LastFailure());
+        return bundle.macCode != nullptr;
+    }
     bundle.code = dlopen(bundle.folder.executable.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (bundle.code) return true;
     const char* const reason = dlerror();
@@ -137,7 +143,7 @@ bool LoadCode(Bundle& bundle) {
 
 void* FindSymbol(Bundle& bundle, const std::string& name) {
     if (!LoadCode(bundle)) return nullptr;
-    void* const symbol = dlsym(bundle.code, name.c_str());
+    void* const symbol = bundle.macCode ? bundle.macCode->Symbol(name) : dlsym(bundle.code, name.c_str());
     if (!symbol) Fail(BundleFault::SymbolMissing, bundle.folder.executable + " does not export " + name);
     return symbol;
 }

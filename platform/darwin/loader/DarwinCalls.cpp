@@ -1,0 +1,175 @@
+#include "DarwinCalls.h"
+
+#include "DarwinFiles.h"
+
+#include <Carbon/Carbon.h>
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <algorithm>
+#include <dlfcn.h>
+#include <iterator>
+#include <vector>
+
+namespace macplatform {
+
+namespace {
+
+/// Calls of the C library and of the unwinder that are the same on the Mac: arguments, records and results.
+constexpr std::string_view sameCalls[] = {
+    "_Unwind_Backtrace",
+    "_Unwind_DeleteException",
+    "_Unwind_GetCFA",
+    "_Unwind_GetGR",
+    "_Unwind_GetIP",
+    "_Unwind_GetIPInfo",
+    "_Unwind_GetLanguageSpecificData",
+    "_Unwind_GetRegionStart",
+    "_Unwind_RaiseException",
+    "_Unwind_Resume",
+    "_Unwind_Resume_or_Rethrow",
+    "_Unwind_SetGR",
+    "_Unwind_SetIP",
+    "abort",
+    "access",
+    "calloc",
+    "ceil",
+    "ceilf",
+    "exp",
+    "fabs",
+    "fclose",
+    "feof",
+    "ferror",
+    "fflush",
+    "fileno",
+    "floor",
+    "floorf",
+    "fmod",
+    "fprintf",
+    "fputc",
+    "fputs",
+    "fread",
+    "free",
+    "frexp",
+    "fwrite",
+    "getcwd",
+    "getenv",
+    "gettimeofday",
+    "ldexp",
+    "localeconv",
+    "log",
+    "log10",
+    "malloc",
+    "memchr",
+    "memcmp",
+    "memcpy",
+    "memmove",
+    "memset",
+    "mkdir",
+    "modf",
+    "posix_memalign",
+    "pow",
+    "powf",
+    "realloc",
+    "remove",
+    "rename",
+    "rint",
+    "rmdir",
+    "snprintf",
+    "sqrt",
+    "strchr",
+    "strcmp",
+    "strlen",
+    "strncmp",
+    "strrchr",
+    "strstr",
+    "strtol",
+    "strtoll",
+    "strtoul",
+    "strtoull",
+    "time",
+    "unlink",
+    "utimes",
+    "vfprintf",
+    "vsnprintf",
+};
+
+/// The Mac's callers take a small result as it stands in the whole register; here only its own bits are
+/// promised.
+template <auto function>
+struct Widened;
+template <typename Result, typename... Arguments, Result (*function)(Arguments...)>
+struct Widened<function> {
+    static int Call(Arguments... arguments) { return function(arguments...); }
+};
+template <auto function>
+void* Wide() {
+    return reinterpret_cast<void*>(&Widened<function>::Call);
+}
+
+const std::vector<DarwinCall>& SmallResults() {
+    static const std::vector<DarwinCall> calls = {
+        {"_AECreateAppleEvent", Wide<&AECreateAppleEvent>()},
+        {"_AECreateDesc", Wide<&AECreateDesc>()},
+        {"_AEDisposeDesc", Wide<&AEDisposeDesc>()},
+        {"_AEPutParamDesc", Wide<&AEPutParamDesc>()},
+        {"_AESend", Wide<&AESend>()},
+        {"_CFEqual", Wide<&CFEqual>()},
+        {"_CFNumberGetValue", Wide<&CFNumberGetValue>()},
+        {"_CFPreferencesSynchronize", Wide<&CFPreferencesSynchronize>()},
+        {"_CFStringGetCString", Wide<&CFStringGetCString>()},
+        {"_CFURLGetFSRef", Wide<&CFURLGetFSRef>()},
+        {"_CreateObjSpecifier", Wide<&CreateObjSpecifier>()},
+        {"_FSExchangeObjects", Wide<&FSExchangeObjects>()},
+        {"_FSGetCatalogInfo", Wide<&FSGetCatalogInfo>()},
+        {"_FSSetCatalogInfo", Wide<&FSSetCatalogInfo>()},
+        {"_GetProcessInformation", Wide<&GetProcessInformation>()},
+        {"_MemError", Wide<&MemError>()},
+        {"_StopAlert", Wide<&StopAlert>()},
+    };
+    return calls;
+}
+
+void* FindIn(const std::vector<DarwinCall>& calls, const std::string& name) {
+    const auto found =
+        std::find_if(calls.begin(), calls.end(), [&](const DarwinCall& call) { return call.name == name; });
+    return found == calls.end() ? nullptr : found->function;
+}
+
+/// The platform layer's own: what this shared library itself defines, under its plain name, for bundles.
+void* FindInPlatform(const char* name) {
+    void* const symbol = dlsym(RTLD_DEFAULT, name);
+    Dl_info found{};
+    Dl_info own{};
+    const bool isOwn = symbol && dladdr(symbol, &found) != 0 &&
+                       dladdr(reinterpret_cast<void*>(&DarwinImport), &own) != 0 &&
+                       found.dli_fbase == own.dli_fbase;
+    return isOwn ? symbol : nullptr;
+}
+
+/// Framework calls begin so; what else the platform defines are the C library's path calls, in this system's
+/// form.
+bool IsFrameworkName(std::string_view name) {
+    constexpr std::string_view beginnings[] = {"CF",     "kCF",        "__CF",       "FS",       "AE",
+                                               "MP",     "objc_",      "sel_",       "mach_",    "sysctl",
+                                               "NewPtr", "DisposePtr", "GetPtrSize", "CreateObj"};
+    return std::any_of(std::begin(beginnings), std::end(beginnings), [&](std::string_view beginning) {
+        return name.substr(0, beginning.size()) == beginning;
+    });
+}
+
+} // namespace
+
+std::uint32_t DarwinImport(const std::string& name) {
+    const auto address = [](void* symbol) {
+        return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(symbol));
+    };
+    if (void* const call = FindIn(DarwinFileCalls(), name)) return address(call);
+    if (void* const call = FindIn(SmallResults(), name)) return address(call);
+    if (name.empty() || name[0] != '_') return 0;
+    const char* const plain = name.c_str() + 1;
+    if (std::find(std::begin(sameCalls), std::end(sameCalls), plain) != std::end(sameCalls))
+        return address(dlsym(RTLD_DEFAULT, plain));
+    return IsFrameworkName(plain) ? address(FindInPlatform(plain)) : 0;
+}
+
+} // namespace macplatform

@@ -1,0 +1,194 @@
+#include "DarwinFiles.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <sys/stat.h>
+#include <sys/statfs.h>
+
+// A call of the C library under its own symbol, so that the platform's own form of it, which knows the
+// startup volume, is found as by any bundle.
+extern "C" {
+std::FILE* DarwinOpen(const char* path, const char* mode) __asm__("fopen64");
+}
+
+namespace macplatform {
+
+namespace {
+
+/// This system's error number, and the Mac's where it is another.
+struct ErrorNumber {
+    int here, mac;
+};
+constexpr ErrorNumber errorNumbers[] = {
+    {EAGAIN, 35}, {EDEADLK, 11},   {ENAMETOOLONG, 63}, {ENOLCK, 77},      {ENOSYS, 78},    {ENOTEMPTY, 66},
+    {ELOOP, 62},  {EOVERFLOW, 84}, {EILSEQ, 92},       {ENOTSUP, 45},     {ETIMEDOUT, 60}, {EDQUOT, 69},
+    {ESTALE, 70}, {ECANCELED, 89}, {ENODATA, 93},      {EINPROGRESS, 36}, {EALREADY, 37},  {ENOTSOCK, 38},
+};
+
+int MacErrorNumber(int number) {
+    for (const ErrorNumber& pair : errorNumbers) {
+        if (pair.here == number) return pair.mac;
+    }
+    return number;
+}
+
+/// The Mac's own errno. What the C library left is taken over when it is asked for, so that both a library's
+/// error and what the code itself stores are seen.
+int* Error() {
+    static int number = 0;
+    if (errno != 0) number = MacErrorNumber(errno);
+    errno = 0;
+    return &number;
+}
+
+std::FILE* standardError = nullptr;
+
+struct MacTime {
+    std::int32_t seconds, nanoseconds;
+};
+struct MacStatus {
+    std::int32_t device;
+    std::uint16_t mode, links;
+    std::uint64_t number __attribute__((packed, aligned(4)));
+    std::uint32_t user, group;
+    std::int32_t special;
+    MacTime accessed, modified, changed, born;
+    std::int64_t size __attribute__((packed, aligned(4)));
+    std::int64_t blocks __attribute__((packed, aligned(4)));
+    std::int32_t blockSize;
+    std::uint32_t flags, generation;
+    std::int32_t spare[5];
+};
+static_assert(sizeof(MacStatus) == 108);
+
+MacTime Time(const timespec& time) {
+    return {static_cast<std::int32_t>(time.tv_sec), static_cast<std::int32_t>(time.tv_nsec)};
+}
+
+int Converted(int result, const struct stat& status, MacStatus* out) {
+    if (result != 0) return result;
+    *out = {};
+    out->device = static_cast<std::int32_t>(status.st_dev);
+    out->mode = static_cast<std::uint16_t>(status.st_mode);
+    out->links = static_cast<std::uint16_t>(status.st_nlink);
+    out->number = status.st_ino;
+    out->user = status.st_uid;
+    out->group = status.st_gid;
+    out->special = static_cast<std::int32_t>(status.st_rdev);
+    out->accessed = Time(status.st_atim);
+    out->modified = Time(status.st_mtim);
+    out->changed = Time(status.st_ctim);
+    out->born = out->changed;
+    out->size = status.st_size;
+    out->blocks = status.st_blocks;
+    out->blockSize = static_cast<std::int32_t>(status.st_blksize);
+    return result;
+}
+
+int Status(const char* path, MacStatus* out) {
+    struct stat status {};
+    return Converted(stat(path, &status), status, out);
+}
+int LinkStatus(const char* path, MacStatus* out) {
+    struct stat status {};
+    return Converted(lstat(path, &status), status, out);
+}
+int OpenStatus(int descriptor, MacStatus* out) {
+    struct stat status {};
+    return Converted(fstat(descriptor, &status), status, out);
+}
+
+struct MacVolume {
+    std::uint32_t blockSize;
+    std::int32_t transferSize;
+    std::uint64_t blocks, free, available, files, freeFiles;
+    char rest[2168 - 48];
+};
+static_assert(sizeof(MacVolume) == 2168);
+
+int VolumeStatus(const char* path, MacVolume* out) {
+    struct statfs status {};
+    const int result = statfs(path, &status);
+    if (result != 0) return result;
+    *out = {};
+    out->blockSize = static_cast<std::uint32_t>(status.f_bsize);
+    out->transferSize = static_cast<std::int32_t>(status.f_bsize);
+    out->blocks = status.f_blocks;
+    out->free = status.f_bfree;
+    out->available = status.f_bavail;
+    out->files = status.f_files;
+    out->freeFiles = status.f_ffree;
+    return result;
+}
+
+struct MacEntry {
+    std::uint64_t number, place;
+    std::uint16_t length, nameLength;
+    std::uint8_t kind;
+    char name[1024];
+};
+
+/// The Mac numbers the kinds of entries as this system does.
+MacEntry* NextEntry(DIR* folder) {
+    static MacEntry entry;
+    const dirent* const found = readdir(folder);
+    if (!found) return nullptr;
+    entry = {};
+    entry.number = found->d_ino;
+    entry.length = sizeof entry;
+    entry.nameLength = static_cast<std::uint16_t>(std::strlen(found->d_name));
+    entry.kind = found->d_type;
+    std::memcpy(entry.name, found->d_name, entry.nameLength);
+    return &entry;
+}
+
+std::FILE* Open(const char* path, const char* mode) { return DarwinOpen(path, mode); }
+int Seek(std::FILE* file, std::int64_t place, int whence) { return fseeko(file, place, whence); }
+std::int64_t Tell(std::FILE* file) { return ftello(file); }
+void Zero(void* bytes, std::size_t size) { std::memset(bytes, 0, size); }
+
+std::uint64_t DivideUnsigned(std::uint64_t left, std::uint64_t right) { return left / right; }
+std::uint64_t ModuloUnsigned(std::uint64_t left, std::uint64_t right) { return left % right; }
+std::int64_t Divide(std::int64_t left, std::int64_t right) { return left / right; }
+std::int64_t Modulo(std::int64_t left, std::int64_t right) { return left % right; }
+
+template <typename Function>
+void* Address(Function* function) {
+    return reinterpret_cast<void*>(function);
+}
+
+} // namespace
+
+const std::vector<DarwinCall>& DarwinFileCalls() {
+    standardError = stderr;
+    static const std::vector<DarwinCall> calls = {
+        {"___error", Address(&Error)},
+        {"___stderrp", &standardError},
+        {"_stat$INODE64", Address(&Status)},
+        {"_lstat$INODE64", Address(&LinkStatus)},
+        {"_fstat$INODE64", Address(&OpenStatus)},
+        {"_statfs$INODE64", Address(&VolumeStatus)},
+        {"_opendir$INODE64$UNIX2003", Address(static_cast<DIR* (*)(const char*)>(&opendir))},
+        {"_readdir$INODE64", Address(&NextEntry)},
+        {"_closedir$UNIX2003", Address(&closedir)},
+        {"_fopen$UNIX2003", Address(&Open)},
+        {"_fwrite$UNIX2003", Address(&fwrite)},
+        {"_fseeko", Address(&Seek)},
+        {"_ftello", Address(&Tell)},
+        {"_strtod$UNIX2003", Address(&strtod)},
+        {"_strerror$UNIX2003", Address(&strerror)},
+        {"_chmod$UNIX2003", Address(static_cast<int (*)(const char*, mode_t)>(&chmod))},
+        {"_realpath$DARWIN_EXTSN", Address(static_cast<char* (*)(const char*, char*)>(&realpath))},
+        {"___bzero", Address(&Zero)},
+        {"___udivdi3", Address(&DivideUnsigned)},
+        {"___umoddi3", Address(&ModuloUnsigned)},
+        {"___divdi3", Address(&Divide)},
+        {"___moddi3", Address(&Modulo)},
+    };
+    return calls;
+}
+
+} // namespace macplatform

@@ -1,0 +1,230 @@
+#include "Fixups.h"
+
+#include <algorithm>
+
+namespace macplatform {
+
+namespace {
+
+constexpr std::uint8_t operationBits = 0xF0, operandBits = 0x0F;
+constexpr std::uint8_t pointerType = 1;
+
+[[noreturn]] void RefuseOperation(const char* table, std::uint8_t byte) {
+    throw MachORefused("has an operation in its table of " + std::string(table) +
+                       " that is not handled: " + std::to_string(byte));
+}
+
+/// Where the next pointer lies, as both tables tell it.
+class Cursor {
+public:
+    explicit Cursor(const ImageFile& imageFile) : file(imageFile) {}
+
+    void SetSegment(std::uint8_t number, std::uint32_t offset) {
+        if (number >= file.segments.size()) throw MachORefused("has a fix-up in a segment that is not there");
+        address = file.segments[number].address + offset;
+        isSet = true;
+    }
+    void Skip(std::uint32_t bytes) { address += bytes; }
+    std::uint32_t Take() {
+        if (!isSet) throw MachORefused("has a fix-up without a place");
+        address += 4;
+        return address - 4;
+    }
+
+private:
+    const ImageFile& file;
+    std::uint32_t address = 0;
+    bool isSet = false;
+};
+
+class Rebaser {
+public:
+    Rebaser(const ImageFile& file, ImageMemory& imageMemory)
+        : table(file.rebases), memory(imageMemory), cursor(file) {}
+
+    void Run() {
+        while (place < table.Size()) {
+            const std::uint8_t byte = table.U8(place++);
+            if (!Do(byte, byte & operandBits)) return;
+        }
+    }
+
+private:
+    /// False at the end of the table.
+    bool Do(std::uint8_t byte, std::uint8_t operand) {
+        switch (byte & operationBits) {
+        case 0x00:
+            return false;
+        case 0x10:
+            if (operand != pointerType) RefuseOperation("rebases", byte);
+            break;
+        case 0x20:
+            cursor.SetSegment(operand, table.Uleb(place));
+            break;
+        case 0x30:
+            cursor.Skip(table.Uleb(place));
+            break;
+        case 0x40:
+            cursor.Skip(operand * 4u);
+            break;
+        case 0x50:
+            Move(operand, 0);
+            break;
+        case 0x60:
+            Move(table.Uleb(place), 0);
+            break;
+        case 0x70:
+            Move(1, table.Uleb(place));
+            break;
+        case 0x80: {
+            const std::uint32_t count = table.Uleb(place);
+            Move(count, table.Uleb(place));
+            break;
+        }
+        default:
+            RefuseOperation("rebases", byte);
+        }
+        return true;
+    }
+
+    void Move(std::uint32_t count, std::uint32_t skip) {
+        for (; count > 0; --count) {
+            const std::uint32_t address = cursor.Take();
+            memory.SetWord(address, memory.Word(address) + memory.Slide());
+            cursor.Skip(skip);
+        }
+    }
+
+    ByteView table;
+    ImageMemory& memory;
+    Cursor cursor;
+    std::uint32_t place = 0;
+};
+
+class Binder {
+public:
+    Binder(const ImageFile& imageFile, std::string_view bindTable, ImageMemory& imageMemory,
+           const std::function<std::uint32_t(const std::string&)>& findImport)
+        : file(imageFile), table(bindTable), memory(imageMemory), find(findImport), cursor(imageFile) {}
+
+    void Run() {
+        while (place < table.Size()) {
+            const std::uint8_t byte = table.U8(place++);
+            Do(byte, byte & operandBits);
+        }
+    }
+
+private:
+    void Do(std::uint8_t byte, std::uint8_t operand) {
+        switch (byte & operationBits) {
+        case 0x00: // the end of one lazy bind, or filling behind the last
+            break;
+        case 0x10:
+            library = operand;
+            break;
+        case 0x20:
+            library = table.Uleb(place);
+            break;
+        case 0x40:
+            name = table.Text(place);
+            place += static_cast<std::uint32_t>(name.size()) + 1;
+            break;
+        case 0x50:
+            if (operand != pointerType) RefuseOperation("binds", byte);
+            break;
+        case 0x60:
+            addend = static_cast<std::uint32_t>(table.Sleb(place));
+            break;
+        case 0x70:
+            cursor.SetSegment(operand, table.Uleb(place));
+            break;
+        case 0x80:
+            cursor.Skip(table.Uleb(place));
+            break;
+        default:
+            DoBind(byte, operand);
+        }
+    }
+
+    void DoBind(std::uint8_t byte, std::uint8_t operand) {
+        switch (byte & operationBits) {
+        case 0x90:
+            Set(1, 0);
+            break;
+        case 0xA0:
+            Set(1, table.Uleb(place));
+            break;
+        case 0xB0:
+            Set(1, operand * 4u);
+            break;
+        case 0xC0: {
+            const std::uint32_t count = table.Uleb(place);
+            Set(count, table.Uleb(place));
+            break;
+        }
+        default:
+            RefuseOperation("binds", byte);
+        }
+    }
+
+    void Set(std::uint32_t count, std::uint32_t skip) {
+        if (library == 0 || library > file.libraries)
+            throw MachORefused("imports " + std::string(name) + " of no library");
+        const std::uint32_t value = find(std::string(name)) + addend;
+        for (; count > 0; --count) {
+            memory.SetWord(cursor.Take(), value);
+            cursor.Skip(skip);
+        }
+    }
+
+    const ImageFile& file;
+    ByteView table;
+    ImageMemory& memory;
+    const std::function<std::uint32_t(const std::string&)>& find;
+    Cursor cursor;
+    std::uint32_t place = 0;
+    std::uint32_t library = 0;
+    std::string_view name;
+    std::uint32_t addend = 0;
+};
+
+} // namespace
+
+void Rebase(const ImageFile& file, ImageMemory& memory) { Rebaser(file, memory).Run(); }
+
+void Bind(const ImageFile& file, std::string_view table, ImageMemory& memory,
+          const std::function<std::uint32_t(const std::string& name)>& find) {
+    Binder(file, table, memory, find).Run();
+}
+
+std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string& name) {
+    const ByteView trie(file.exports);
+    std::string_view left = name;
+    std::uint32_t node = 0;
+    while (trie.Size() != 0) {
+        std::uint32_t place = node;
+        const std::uint32_t size = trie.Uleb(place);
+        if (left.empty()) {
+            if (size == 0) return std::nullopt;
+            if (trie.Uleb(place) != 0)
+                throw MachORefused("exports " + name + " in a way that is not handled");
+            return file.start + trie.Uleb(place);
+        }
+        place += size;
+        std::optional<std::uint32_t> next;
+        for (unsigned branches = trie.U8(place++); branches > 0 && !next; --branches) {
+            const std::string_view text = trie.Text(place);
+            place += static_cast<std::uint32_t>(text.size()) + 1;
+            const std::uint32_t target = trie.Uleb(place);
+            if (!text.empty() && left.substr(0, text.size()) == text) {
+                next = target;
+                left.remove_prefix(text.size());
+            }
+        }
+        if (!next) return std::nullopt;
+        node = *next;
+    }
+    return std::nullopt;
+}
+
+} // namespace macplatform

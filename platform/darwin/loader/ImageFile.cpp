@@ -1,0 +1,168 @@
+#include "ImageFile.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace macplatform {
+
+namespace {
+
+constexpr std::uint32_t pageSize = 4096;
+constexpr std::uint32_t largestImage = 256u << 20;
+constexpr std::uint32_t intel32 = 7, bundleFile = 8, magic32 = 0xFEEDFACE;
+
+// Load commands. One with the top bit must be understood; any other may be passed over.
+constexpr std::uint32_t segmentCommand = 1, loadLibrary = 12, loadWeakLibrary = 0x80000018,
+                        reexportLibrary = 0x8000001F, dyldInfo = 0x22, dyldInfoOnly = 0x80000022,
+                        mustBeUnderstood = 0x80000000;
+
+std::uint32_t BigEndian(const ByteView& bytes, std::uint32_t place) {
+    return __builtin_bswap32(bytes.U32(place));
+}
+
+/// The part for this processor, of a universal file.
+std::string_view ThinPart(std::string_view bytes) {
+    const ByteView file(bytes);
+    if (bytes.size() < 8 || BigEndian(file, 0) != 0xCAFEBABE) return bytes;
+    for (std::uint32_t i = 0; i < std::min(BigEndian(file, 4), 30u); ++i) {
+        if (BigEndian(file, 8 + 20 * i) != intel32) continue;
+        return file.Part(BigEndian(file, 16 + 20 * i), BigEndian(file, 20 + 20 * i));
+    }
+    throw MachOForOthers("has no code for 32-bit Intel");
+}
+
+std::string Name(const ByteView& bytes, std::uint32_t place) {
+    const std::string_view name = bytes.Part(place, 16);
+    return std::string(name.substr(0, name.find('\0')));
+}
+
+class Reader {
+public:
+    explicit Reader(std::string_view bytes) : file(bytes) {}
+
+    ImageFile Read() {
+        if (file.Size() < 28 || file.U32(0) != magic32 || file.U32(4) != intel32)
+            throw MachOForOthers("is not for 32-bit Intel");
+        if (file.U32(12) != bundleFile) throw MachORefused("is no loadable bundle");
+        std::uint32_t place = 28;
+        for (std::uint32_t left = file.U32(16); left > 0; --left) {
+            const std::uint32_t size = file.U32(place + 4);
+            if (size < 8) throw MachORefused("has a load command without a size");
+            ReadCommand(place, ByteView(file.Part(place, size)));
+            place += size;
+        }
+        if (!hasTables) throw MachORefused("was linked for a system before 10.6");
+        CheckSegments();
+        return std::move(image);
+    }
+
+private:
+    void ReadCommand(std::uint32_t place, const ByteView& command) {
+        const std::uint32_t kind = command.U32(0);
+        if (kind == segmentCommand) {
+            ReadSegment(command);
+        } else if (kind == loadLibrary || kind == loadWeakLibrary || kind == reexportLibrary) {
+            ++image.libraries;
+        } else if (kind == dyldInfo || kind == dyldInfoOnly) {
+            ReadTables(command);
+        } else if (kind & mustBeUnderstood) {
+            throw MachORefused("has the load command " + std::to_string(kind & ~mustBeUnderstood) + " at " +
+                               std::to_string(place) + ", which is not handled");
+        }
+    }
+
+    void ReadSegment(const ByteView& command) {
+        Segment segment{Name(command, 8), command.U32(24), command.U32(28),
+                        file.Part(command.U32(32), command.U32(36)), command.U32(44)};
+        if (segment.contents.size() > segment.size || segment.size > largestImage ||
+            segment.address % pageSize != 0 || segment.size % pageSize != 0) {
+            throw MachORefused("has a segment " + segment.name + " of impossible size or place");
+        }
+        for (std::uint32_t i = 0; i < command.U32(48); ++i) {
+            const std::uint32_t at = 56 + 68 * i;
+            ImageSection section{segment.name, Name(command, at), command.U32(at + 32), command.U32(at + 36),
+                                 command.U32(at + 56) & 0xFF};
+            if (section.address < segment.address || section.size > segment.size ||
+                section.address - segment.address > segment.size - section.size) {
+                throw MachORefused("has a section " + section.name + " outside of its segment");
+            }
+            image.sections.push_back(std::move(section));
+        }
+        image.segments.push_back(std::move(segment));
+    }
+
+    void ReadTables(const ByteView& command) {
+        const auto table = [&](std::uint32_t at) { return file.Part(command.U32(at), command.U32(at + 4)); };
+        image.rebases = table(8);
+        image.binds = table(16);
+        if (command.U32(28) != 0) throw MachORefused("shares definitions with other images");
+        image.lazyBinds = table(32);
+        image.exports = table(40);
+        hasTables = true;
+    }
+
+    void CheckSegments() {
+        if (image.segments.empty()) throw MachORefused("has no segments");
+        std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges;
+        for (const Segment& segment : image.segments) {
+            ranges.emplace_back(segment.address, std::uint64_t{segment.address} + segment.size);
+        }
+        std::sort(ranges.begin(), ranges.end());
+        for (std::size_t i = 1; i < ranges.size(); ++i) {
+            if (ranges[i].first < ranges[i - 1].second) throw MachORefused("has segments that overlap");
+        }
+        if (ranges.back().second - ranges.front().first > largestImage) throw MachORefused("is too large");
+        image.start = static_cast<std::uint32_t>(ranges.front().first);
+        image.end = static_cast<std::uint32_t>(ranges.back().second);
+    }
+
+    ByteView file;
+    ImageFile image;
+    bool hasTables = false;
+};
+
+} // namespace
+
+std::string_view ByteView::Part(std::uint32_t place, std::uint32_t size) const {
+    if (place > bytes.size() || bytes.size() - place < size) throw MachORefused("is cut off or damaged");
+    return bytes.substr(place, size);
+}
+
+std::uint32_t ByteView::U32(std::uint32_t place) const {
+    std::uint32_t value = 0;
+    std::memcpy(&value, Part(place, sizeof value).data(), sizeof value);
+    return value;
+}
+
+std::string_view ByteView::Text(std::uint32_t place) const {
+    const std::string_view rest = Part(place, Size() - std::min(place, Size()));
+    const std::size_t end = rest.find('\0');
+    if (end == std::string_view::npos) throw MachORefused("has a name without an end");
+    return rest.substr(0, end);
+}
+
+std::uint32_t ByteView::Uleb(std::uint32_t& place) const {
+    std::uint32_t value = 0;
+    for (unsigned shift = 0; shift < 35; shift += 7) {
+        const std::uint32_t byte = U8(place++);
+        value |= (byte & 0x7F) << shift;
+        if (byte < 0x80) return value;
+    }
+    throw MachORefused("has a number that is too large");
+}
+
+std::int32_t ByteView::Sleb(std::uint32_t& place) const {
+    std::uint32_t value = 0;
+    for (unsigned shift = 0; shift < 35; shift += 7) {
+        const std::uint32_t byte = U8(place++);
+        value |= (byte & 0x7F) << shift;
+        if (byte >= 0x80) continue;
+        if ((byte & 0x40) != 0 && shift + 7 < 32) value |= ~std::uint32_t{0} << (shift + 7);
+        return static_cast<std::int32_t>(value);
+    }
+    throw MachORefused("has a number that is too large");
+}
+
+ImageFile ReadImageFile(std::string_view bytes) { return Reader(ThinPart(bytes)).Read(); }
+
+} // namespace macplatform

@@ -1,0 +1,103 @@
+#include "MachOLoader.h"
+
+#include "DarwinCalls.h"
+#include "Fixups.h"
+#include "UnwindEntries.h"
+#include "WholeFile.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <unistd.h>
+#include <utility>
+
+/// The unwinder's own, without a header: entries up to one of length 0, which must stay where they are.
+extern "C" void __register_frame(void* entries);
+
+namespace macplatform {
+
+namespace {
+
+constexpr std::size_t largestFile = std::size_t{64} << 20;
+constexpr std::uint32_t initialisers = 9;
+
+class LoadedCode final : public MachOCode {
+public:
+    explicit LoadedCode(std::string&& fileBytes)
+        : bytes(std::move(fileBytes)), file(ReadImageFile(bytes)), memory(file) {
+        Rebase(file, memory);
+        const auto find = [this](const std::string& name) { return FindImport(name); };
+        Bind(file, file.binds, memory, find);
+        Bind(file, file.lazyBinds, memory, find);
+        if (!missing.empty()) throw MachORefused("imports what is not here: " + missing);
+    }
+
+    /// The code's own part: from here on it cannot be taken back.
+    void Start() {
+        memory.Protect();
+        for (const ImageSection& section : file.sections) {
+            if (section.name == "__eh_frame" && section.size != 0) RegisterUnwinding(section);
+        }
+        for (const ImageSection& section : file.sections) {
+            if (section.type == initialisers) RunInitialisers(section);
+        }
+    }
+
+    void* Symbol(const std::string& name) const override {
+        const auto address = FindExport(file, '_' + name);
+        return address ? memory.At(*address) : nullptr;
+    }
+
+private:
+    std::uint32_t FindImport(const std::string& name) {
+        const std::uint32_t address = DarwinImport(name);
+        if (address == 0) missing += (missing.empty() ? "" : ", ") + name;
+        return address;
+    }
+
+    void RegisterUnwinding(const ImageSection& section) {
+        const std::string_view entries = memory.Bytes(section);
+        auto* const copy = static_cast<char*>(std::malloc(entries.size() + 4));
+        if (!copy) throw MachORefused("finds no memory");
+        const std::string translated = UnwindEntriesFor(entries, copy);
+        std::memcpy(copy, translated.data(), translated.size());
+        __register_frame(copy);
+    }
+
+    void RunInitialisers(const ImageSection& section) {
+        using Initialiser = void (*)(int, const char* const*, char**, const char* const*, void*);
+        const char* const none[] = {nullptr};
+        for (std::uint32_t place = 0; place + 4 <= section.size; place += 4) {
+            const std::uintptr_t function = memory.Word(section.address + place);
+            reinterpret_cast<Initialiser>(function)(0, none, environ, none, nullptr);
+        }
+    }
+
+    std::string bytes;
+    ImageFile file;
+    ImageMemory memory;
+    std::string missing;
+};
+
+} // namespace
+
+bool CanRunMachO() { return true; }
+
+MachOCode* LoadMachO(const std::string& path, BundleFailure& failure) try {
+    std::string bytes;
+    if (const int error = ReadWholeFile(path, largestFile, bytes)) {
+        failure = {BundleFault::CannotLoad, path + ": " + std::strerror(error)};
+        return nullptr;
+    }
+    auto code = std::make_unique<LoadedCode>(std::move(bytes));
+    code->Start();
+    return code.release();
+} catch (const MachOForOthers& refusal) {
+    failure = {BundleFault::WrongArchitecture, path + ' ' + refusal.what()};
+    return nullptr;
+} catch (const MachORefused& refusal) {
+    failure = {BundleFault::CannotLoad, path + ' ' + refusal.what()};
+    return nullptr;
+}
+
+} // namespace macplatform

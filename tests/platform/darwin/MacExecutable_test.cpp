@@ -1,0 +1,184 @@
+// The plug-in's executable for the Mac, run beside that for this system: the same calls, the same effects.
+
+#include "HostTool.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <functional>
+#include <map>
+#include <sys/xattr.h>
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+namespace {
+
+const std::string kStatusFile = "Library/Application Support/Korvane/Updater/install_status.txt";
+
+/// What lies on a volume: bytes and Finder information by path.
+std::map<std::string, std::string> Contents(const std::filesystem::path& volume) {
+    std::map<std::string, std::string> items;
+    for (const auto& item : std::filesystem::recursive_directory_iterator(volume)) {
+        std::array<char, 32> info{};
+        getxattr(item.path().c_str(), "user.com.apple.FinderInfo", info.data(), info.size());
+        std::string& content = items[item.path().lexically_relative(volume)];
+        content.assign(info.begin(), info.end());
+        if (item.is_regular_file()) content += ReadBytes(item.path());
+    }
+    return items;
+}
+
+struct Row {
+    std::string name;
+    std::vector<std::string> arguments;
+    std::function<void(const std::filesystem::path& volume)> prepare;
+};
+
+/// It is there, but cannot be read: the library throws, and the plug-in catches.
+Row StatusIsAFolder() {
+    return {"StatusIsAFolder", {"--product", "3100"}, [](const std::filesystem::path& volume) {
+                std::filesystem::remove(volume / kStatusFile);
+                std::filesystem::create_directory(volume / kStatusFile);
+            }};
+}
+
+std::vector<Row> Rows() {
+    std::vector<Row> rows;
+    for (const char* product : {"1400", "3100", "3500", "4900", "5000", "5100", "5200", "7"}) {
+        rows.push_back({std::string("Product") + product, {"--product", product}, {}});
+    }
+    for (const char* language : {"0", "1", "2", "3", "6", "11", "2147483647"}) {
+        rows.push_back(
+            {std::string("Language") + language, {"--product", "4900", "--language", language}, {}});
+    }
+    const std::vector<std::pair<const char*, std::string>> states = {
+        {"StatusDisabled", "UpdatesDisabled"},    {"StatusEmpty", ""},
+        {"StatusShort", "UpdatesEnable"},         {"StatusLonger", "UpdatesEnabledX"},
+        {"StatusOtherCase", "updatesenabled"},    {"StatusBytes", std::string("\xFF\0\xFE", 3)},
+        {"StatusLong", std::string(100'000, 'U')}};
+    for (const auto& [name, text] : states) {
+        rows.push_back({name, {"--product", "3100"}, [text = text](const std::filesystem::path& volume) {
+                            std::ofstream(volume / kStatusFile, std::ios::binary) << text;
+                        }});
+    }
+    const auto remove = [](const char* item) {
+        return [item](const std::filesystem::path& volume) { std::filesystem::remove_all(volume / item); };
+    };
+    rows.push_back({"StatusMissing", {"--product", "3100"}, remove(kStatusFile.c_str())});
+    rows.push_back({"FolderMissing", {"--product", "3100"}, remove("Applications/Korvane")});
+    rows.push_back({"IconMissing", {"--product", "3100"}, remove("Applications/Korvane/Icon\r")});
+    rows.push_back(StatusIsAFolder());
+    rows.push_back({"WrongSelector", {"--product", "4900", "--selector", "7"}, {}});
+    rows.push_back({"WrongSelectorDirectly", {"--product", "4900", "--selector", "7", "--direct"}, {}});
+    rows.push_back({"OtherMessage", {"--product", "4900", "--message", "4"}, {}});
+    return rows;
+}
+
+/// What a run told and left behind, without the paths.
+json EffectsOf(const Row& row, const std::vector<std::string>& which) {
+    const TemporaryFolder folder;
+    const std::filesystem::path volume = folder / "volume";
+    RunHost({"volume", volume.string()});
+    if (row.prepare) row.prepare(volume);
+    std::vector<std::string> arguments{"run",           POSTINSTALL_BUNDLE, "--volume",
+                                       volume.string(), "--json",           "--trace"};
+    arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+    arguments.insert(arguments.end(), which.begin(), which.end());
+    const HostTool tool = RunHost(arguments);
+    json told = json::parse(tool.out, nullptr, false);
+    if (told.is_object()) told.erase("volume");
+    std::string left;
+    for (const auto& [path, content] : Contents(volume)) left += path + '\0' + content + '\0';
+    return {{"told", told}, {"noted", tool.err}, {"left", json::binary({left.begin(), left.end()})}};
+}
+
+class BothExecutables : public testing::TestWithParam<Row> {};
+
+TEST_P(BothExecutables, DoTheSame) {
+    const json own = EffectsOf(GetParam(), {});
+    const json mac = EffectsOf(GetParam(), {"--mac"});
+    ASSERT_EQ(mac["told"]["end"]["kind"], "finished") << mac["noted"];
+    EXPECT_EQ(mac, own);
+}
+
+INSTANTIATE_TEST_SUITE_P(Mac, BothExecutables, testing::ValuesIn(Rows()),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(MacExecutable, CatchesAnExceptionOfItsOwn) {
+    const json run = EffectsOf(StatusIsAFolder(), {"--mac"});
+    EXPECT_THAT(run["told"]["changes"]["preferences"].dump(),
+                HasSubstr("Attempt to read 4096 bytes, only read 0 bytes"));
+}
+
+/// Runs a copy of the bundle whose executable for the Mac was changed.
+HostTool RunChanged(const std::function<void(std::string& bytes)>& change, bool hasOther = true) {
+    const std::filesystem::path whole = POSTINSTALL_BUNDLE;
+    const TemporaryFolder folder;
+    folder.Write("Changed.bundle/Contents/Info.plist", ReadBytes(whole / "Contents/Info.plist"));
+    std::string bytes = ReadBytes(whole / "Contents/MacOS/PostInstall");
+    change(bytes);
+    folder.Write("Changed.bundle/Contents/MacOS/PostInstall", bytes);
+    std::vector<std::string> arguments{"run", (folder / "Changed.bundle").string(), "--product", "4900"};
+    if (hasOther) {
+        std::filesystem::create_directory_symlink(whole / "Contents/Linux",
+                                                  folder / "Changed.bundle/Contents/Linux");
+        arguments.emplace_back("--mac");
+    }
+    return RunHost(arguments);
+}
+
+void Replace(std::string& bytes, const std::string& from, const std::string& to) {
+    const std::size_t place = bytes.rfind(from);
+    ASSERT_NE(place, std::string::npos);
+    bytes.replace(place, to.size(), to);
+}
+
+/// In both tables that name it.
+void Rename(std::string& bytes, const std::string& from, const std::string& to) {
+    for (std::size_t place = 0; (place = bytes.find(from, place)) != std::string::npos; ++place) {
+        bytes.replace(place, to.size(), to);
+    }
+}
+
+TEST(MacExecutable, IsTheOneThatRunsWhereThereIsNoOther) {
+    EXPECT_EQ(RunChanged([](std::string&) {}, false).Verdict(), "DONE 5 changes");
+}
+
+TEST(MacExecutable, IsRefusedWithTheReason) {
+    struct Refused {
+        std::function<void(std::string& bytes)> change;
+        std::string told;
+    };
+    const auto word = [](std::uint32_t value) {
+        return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+    };
+    const std::string tables = word(0x80000022) + word(48);
+    const std::vector<Refused> rows = {
+        {[](auto& bytes) { bytes[4] = 18; }, "is not for 32-bit Intel"},
+        {[](auto& bytes) { bytes[12] = 2; }, "is no loadable bundle"},
+        {[](auto& bytes) { bytes.resize(bytes.size() / 2); }, "is cut off or damaged"},
+        {[](auto& bytes) { bytes.resize(100); }, "is cut off or damaged"},
+        {[](auto& bytes) { Rename(bytes, "_getenv", "_getenw"); }, "imports what is not here: _getenw"},
+        {[&](auto& bytes) { Replace(bytes, tables, word(0x22 | 0x10)); },
+         "was linked for a system before 10.6"},
+        {[&](auto& bytes) { Replace(bytes, tables, word(0x80000099)); }, "which is not handled"},
+        {[](auto& bytes) { Replace(bytes, std::string("\x51\x13\x40_", 4), "\x51\x1F\x40_"); },
+         "of no library"},
+        {[](auto& bytes) { Replace(bytes, std::string("\x51\x13\x40_", 4), "\x52"); }, "is not handled: 82"},
+        {[](auto& bytes) { Replace(bytes, std::string("\x11\x21", 2), "\x11\x2F"); },
+         "in a segment that is not there"},
+        {[](auto& bytes) { Replace(bytes, std::string("zPLR\0", 5), "zQLR"); },
+         "pointers that are not handled"},
+    };
+    for (const Refused& row : rows) {
+        SCOPED_TRACE(row.told);
+        const HostTool run = RunChanged(row.change);
+        EXPECT_EQ(run.ExitStatus(), 3) << run.out;
+        EXPECT_THAT(run.err, HasSubstr("/Contents/MacOS/PostInstall"));
+        EXPECT_THAT(run.err, HasSubstr(row.told));
+    }
+}
+
+} // namespace
