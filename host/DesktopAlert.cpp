@@ -47,7 +47,7 @@ std::string FindInPath(const std::string& name) {
     std::string_view path = variable ? variable : "";
     while (!path.empty()) {
         const std::size_t end = std::min(path.find(':'), path.size());
-        const std::string file = std::string(path.substr(0, end)) + '/' + name;
+        std::string file = std::string(path.substr(0, end)) + '/' + name;
         struct stat info {};
         if (file[0] == '/' && end > 0 && stat(file.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
             access(file.c_str(), X_OK) == 0) {
@@ -77,7 +77,7 @@ std::string TakeLine(std::string_view& rest) {
     if (end == std::string_view::npos || end == 0) {
         for (end = kLineWidth; (static_cast<unsigned char>(rest[end]) & 0xC0) == 0x80;) --end;
     }
-    const std::string line(rest.substr(0, end));
+    std::string line(rest.substr(0, end));
     rest.remove_prefix(rest[end] == ' ' ? end + 1 : end);
     return line;
 }

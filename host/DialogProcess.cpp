@@ -97,6 +97,7 @@ private:
     }
     interruption.LiftInChild();
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
     execv(arguments[0], arguments.data());

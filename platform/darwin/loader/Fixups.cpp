@@ -188,6 +188,20 @@ private:
     std::uint32_t addend = 0;
 };
 
+/// Takes the branch of the export trie on which `left` goes on, and takes the text on it off `left`.
+std::optional<std::uint32_t> NextNode(const ByteView& trie, std::uint32_t branches, std::string_view& left) {
+    std::uint32_t place = branches;
+    for (unsigned count = trie.U8(place++); count > 0; --count) {
+        const std::string_view text = trie.Text(place);
+        place += static_cast<std::uint32_t>(text.size()) + 1;
+        const std::uint32_t node = trie.Uleb(place);
+        if (text.empty() || left.substr(0, text.size()) != text) continue;
+        left.remove_prefix(text.size());
+        return node;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 void Rebase(const ImageFile& file, ImageMemory& memory) { Rebaser(file, memory).Run(); }
@@ -199,30 +213,21 @@ void Bind(const ImageFile& file, std::string_view table, ImageMemory& memory,
 
 std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string& name) {
     const ByteView trie(file.exports);
+    if (trie.Size() == 0) return std::nullopt;
     std::string_view left = name;
-    std::uint32_t node = 0;
-    while (trie.Size() != 0) {
-        std::uint32_t place = node;
+    std::optional<std::uint32_t> node = 0;
+    while (node) {
+        std::uint32_t place = *node;
         const std::uint32_t size = trie.Uleb(place);
-        if (left.empty()) {
-            if (size == 0) return std::nullopt;
-            if (trie.Uleb(place) != 0)
-                throw MachORefused("exports " + name + " in a way that is not handled");
+        if (!left.empty()) {
+            node = NextNode(trie, place + size, left);
+        } else if (size == 0) {
+            break;
+        } else if (trie.Uleb(place) != 0) {
+            throw MachORefused("exports " + name + " in a way that is not handled");
+        } else {
             return file.start + trie.Uleb(place);
         }
-        place += size;
-        std::optional<std::uint32_t> next;
-        for (unsigned branches = trie.U8(place++); branches > 0 && !next; --branches) {
-            const std::string_view text = trie.Text(place);
-            place += static_cast<std::uint32_t>(text.size()) + 1;
-            const std::uint32_t target = trie.Uleb(place);
-            if (!text.empty() && left.substr(0, text.size()) == text) {
-                next = target;
-                left.remove_prefix(text.size());
-            }
-        }
-        if (!next) return std::nullopt;
-        node = *next;
     }
     return std::nullopt;
 }

@@ -5,6 +5,7 @@
 #include "UnwindEntries.h"
 #include "WholeFile.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -60,7 +61,7 @@ private:
         auto* const copy = static_cast<char*>(std::malloc(entries.size() + 4));
         if (!copy) throw MachORefused("finds no memory");
         const std::string translated = UnwindEntriesFor(entries, copy);
-        std::memcpy(copy, translated.data(), translated.size());
+        std::copy(translated.begin(), translated.end(), copy);
         __register_frame(copy);
     }
 
@@ -68,7 +69,7 @@ private:
         using Initialiser = void (*)(int, const char* const*, char**, const char* const*, void*);
         const char* const none[] = {nullptr};
         for (std::uint32_t place = 0; place + 4 <= section.size; place += 4) {
-            const std::uintptr_t function = memory.Word(section.address + place);
+            char* const function = memory.At(memory.Word(section.address + place) - memory.Slide());
             reinterpret_cast<Initialiser>(function)(0, none, environ, none, nullptr);
         }
     }

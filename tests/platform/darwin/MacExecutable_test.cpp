@@ -142,6 +142,21 @@ void Rename(std::string& bytes, const std::string& from, const std::string& to) 
     }
 }
 
+TEST(MacExecutable, IsToldOfWhenItFails) {
+    const TemporaryFolder folder;
+    folder.Write("Throwing.bundle/Contents/Info.plist",
+                 ReadBytes(std::string(POSTINSTALL_BUNDLE) + "/Contents/Info.plist"));
+    folder.Write("Throwing.bundle/Contents/MacOS/PostInstall", ReadBytes(THROWING_CODE));
+    const auto verdict = [&](const char* product) {
+        return RunHost({"run", (folder / "Throwing.bundle").string(), "--product", product}).Verdict();
+    };
+    EXPECT_EQ(verdict("0"), "DONE 0 changes") << "an initialiser has not run";
+    EXPECT_THAT(verdict("1"), HasSubstr("exception std::runtime_error left XCodMain("));
+    EXPECT_THAT(verdict("2"), HasSubstr("exception int left XCodMain("));
+    EXPECT_THAT(verdict("3"), HasSubstr("exception std::out_of_range left XCodMain("));
+    EXPECT_THAT(verdict("4"), HasSubstr("crashed in XCodMain("));
+}
+
 TEST(MacExecutable, IsTheOneThatRunsWhereThereIsNoOther) {
     EXPECT_EQ(RunChanged([](std::string&) {}, false).Verdict(), "DONE 5 changes");
 }

@@ -1,0 +1,73 @@
+# How code for 32-bit Intel macOS 10.6 and later is made on this system.
+#
+# No packaged linker makes a sound file for that system, so nothing is left to link: every source, the C++ library's
+# too, becomes one module of bitcode, that becomes one object, and that the bundle.
+include_guard(GLOBAL)
+
+foreach(tool clang++-14 llvm-link-14 opt-14 llvm-objdump-14 llvm-nm-14 llvm-dwarfdump-14)
+    find_program(DARWIN_${tool} ${tool})
+    if(NOT DARWIN_${tool})
+        message(FATAL_ERROR "The executable for the Mac needs ${tool} (packages clang-14 and llvm-14); "
+            "scripts/build-macos-bundle installs all that is missing")
+    endif()
+endforeach()
+
+set(DARWIN_RUNTIME ${PROJECT_SOURCE_DIR}/build/cxx-runtime CACHE PATH "Sources of the C++ library for the Mac")
+if(NOT EXISTS ${DARWIN_RUNTIME}/libcxxabi/src/cxa_personality.cpp)
+    message(FATAL_ERROR "The executable for the Mac needs the sources of the C++ library in ${DARWIN_RUNTIME}; "
+        "scripts/get-cxx-runtime fetches them once, which needs the network")
+endif()
+
+set(DARWIN_FOLDER ${CMAKE_CURRENT_LIST_DIR} CACHE INTERNAL "")
+set(DARWIN_FLAGS -target i386-apple-macosx10.6 -O2 -fPIC -fvisibility=hidden -fvisibility-inlines-hidden
+    -fno-stack-protector -nostdinc++ -nostdlibinc -isystem ${DARWIN_RUNTIME}/libcxx/include
+    -isystem ${DARWIN_RUNTIME}/libcxxabi/include -isystem ${DARWIN_FOLDER}/include CACHE INTERNAL "")
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${DARWIN_FOLDER}/include/*)
+set(DARWIN_HEADERS ${headers} CACHE INTERNAL "")
+
+# darwin_bitcode(LIST SOURCE FLAG...): one file of a module, whose place is added to LIST.
+function(darwin_bitcode list source)
+    file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR} ${source})
+    string(REPLACE "../" "" name ${name})
+    set(output ${CMAKE_CURRENT_BINARY_DIR}/bitcode/${name}.bc)
+    cmake_path(GET output PARENT_PATH folder)
+    file(MAKE_DIRECTORY ${folder})
+    add_custom_command(OUTPUT ${output}
+        COMMAND ${DARWIN_clang++-14} ${DARWIN_FLAGS} ${ARGN} -MD -MF ${output}.d -c ${source} -emit-llvm -o ${output}
+        DEPENDS ${source} ${DARWIN_HEADERS}
+        DEPFILE ${output}.d
+        COMMENT "Building bitcode for the Mac: ${name}"
+        VERBATIM)
+    set(${list} ${${list}} ${output} PARENT_SCOPE)
+endfunction()
+
+# darwin_own_bitcode(LIST SOURCE FLAG...): the same of a source of ours.
+function(darwin_own_bitcode list source)
+    darwin_bitcode(${list} ${source} -std=c++17 -Wall -Wextra -Wno-multichar $<$<BOOL:${KELBASE_WERROR}>:-Werror> ${ARGN}
+        -isystem ${PROJECT_SOURCE_DIR}/platform/include -I${PROJECT_SOURCE_DIR}/src -I${PROJECT_SOURCE_DIR})
+    set(${list} ${${list}} PARENT_SCOPE)
+endfunction()
+
+# darwin_bundle(TARGET EXECUTABLE BITCODE...): a bundle's executable with the plug-in's three exports.
+function(darwin_bundle target executable)
+    set(exports ${PROJECT_SOURCE_DIR}/PostInstall/exports.txt)
+    set(imports ${DARWIN_FOLDER}/imports.txt)
+    file(STRINGS ${exports} exported)
+    list(TRANSFORM exported REPLACE "^_" "")
+    list(JOIN exported "," exported)
+    get_target_property(runtime MacRuntime MODULE)
+    set(module ${CMAKE_CURRENT_BINARY_DIR}/${target})
+    cmake_path(GET executable PARENT_PATH folder)
+    file(MAKE_DIRECTORY ${folder})
+    add_custom_command(OUTPUT ${executable}
+        COMMAND ${DARWIN_llvm-link-14} ${ARGN} ${runtime} -o ${module}.all.bc
+        COMMAND ${DARWIN_opt-14} -passes=internalize,globaldce -internalize-public-api-list=${exported}
+            ${module}.all.bc -o ${module}.bc
+        COMMAND ${DARWIN_clang++-14} ${DARWIN_FLAGS} -Wno-unused-command-line-argument -c ${module}.bc -o ${module}.o
+        COMMAND ${DARWIN_FOLDER}/write_bundle.py ${module}.o ${imports} ${exports} ${executable}
+        DEPENDS ${ARGN} MacRuntime ${runtime} ${imports} ${exports} ${DARWIN_FOLDER}/write_bundle.py
+            ${DARWIN_FOLDER}/loader_tables.py ${DARWIN_FOLDER}/macho_object.py
+        COMMENT "Making ${executable}"
+        VERBATIM)
+    add_custom_target(${target} ALL DEPENDS ${executable})
+endfunction()
