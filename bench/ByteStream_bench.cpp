@@ -1,104 +1,298 @@
-// Records of nine numbers and a text through a byte stream, beside bare memcpy into a vector made large
-// enough. items_per_second are values.
+// Records of nine numbers and a text, numbers alone, and blocks, written to memory and read back.
 
 #include <Kelbase/Util/ByteStream.h>
 
-#include <benchmark/benchmark.h>
+#include "Contest.h"
 
-#include <cstring>
-#include <string>
+#include <cstdint>
+#include <sstream>
+
+#ifdef BENCH_QT
+#include <QDataStream>
+#include <QIODevice>
+#endif
+#ifdef BENCH_POCO
+#include <Poco/BinaryReader.h>
+#include <Poco/BinaryWriter.h>
+#endif
+#ifdef BENCH_CEREAL
+#include <cereal/archives/portable_binary.hpp>
+#include <cereal/types/string.hpp>
+#endif
 
 namespace {
 
+using contest::Contest;
+using contest::opaque;
 using Util::ByteStream;
 using Util::DataStream;
 
-constexpr unsigned int records = 10000, valuesEach = 10,
-                       bytesEach = 1 + 2 + 2 + 4 + 4 + 4 + 4 + 4 + 8 + 4 + 12;
+constexpr std::uint32_t records = 100000;
+constexpr double values = records * 10.0;
+constexpr std::uint32_t ints = 1000000;
 
-void writeRecords(ByteStream& stream) {
-    const String text("twelve bytes");
-    for (unsigned int i = 0; i < records; ++i) {
-        const int n = static_cast<int>(i);
-        stream << static_cast<unsigned char>(n) << static_cast<short>(n) << static_cast<unsigned short>(n)
-               << n << i << static_cast<long>(n) << static_cast<unsigned long>(i) << 0.5f << 0.25 << text;
+/// Hands the ten values of record `i` to `put`, one after the other.
+template <typename Text, typename Put>
+void writeRecord(std::uint32_t i, const Text& text, Put&& put) {
+    const std::int32_t n = static_cast<std::int32_t>(i);
+    put(static_cast<std::uint8_t>(n)), put(static_cast<std::int16_t>(n)), put(static_cast<std::uint16_t>(n));
+    put(n), put(i), put(-n), put(i + 1), put(0.5f), put(n * 0.25), put(text);
+}
+
+template <typename Text, typename Put>
+void writeRecords(Put&& put) {
+    const Text text("twelve bytes");
+    for (std::uint32_t i = 0; i < records; ++i) writeRecord(i, text, put);
+}
+
+double lengthOf(const std::string& s) { return static_cast<double>(s.size()); }
+double lengthOf(const String& s) { return s.GetLength(); }
+#ifdef BENCH_QT
+double lengthOf(const QByteArray& s) { return static_cast<double>(s.size()); }
+#endif
+template <typename Number, std::enable_if_t<std::is_arithmetic_v<Number>, int> = 0>
+double lengthOf(Number n) {
+    return static_cast<double>(n);
+}
+
+/// Takes all records by `get` and answers the sum of their values.
+template <typename Text, typename Get>
+double sumOfRecords(Get&& get) {
+    std::uint8_t a = 0;
+    std::int16_t b = 0;
+    std::uint16_t c = 0;
+    std::int32_t d = 0, f = 0;
+    std::uint32_t e = 0, g = 0;
+    float h = 0;
+    double k = 0, sum = 0;
+    Text text;
+    for (std::uint32_t i = 0; i < records; ++i) {
+        get(a), get(b), get(c), get(d), get(e), get(f), get(g), get(h), get(k), get(text);
+        sum += a + b + c + lengthOf(d) + lengthOf(e) + lengthOf(f) + lengthOf(g) + lengthOf(h) + k +
+               lengthOf(text);
     }
+    return sum;
 }
 
-template <typename... T>
-void readValues(DataStream& stream, T... v) {
-    (stream >> ... >> v);
-    (benchmark::DoNotOptimize(v), ...);
+/// A stream that holds all records, ready to be read.
+void fill(ByteStream& stream, DataStream::EndianType order) {
+    stream.SetEndianType(order);
+    writeRecords<String>([&stream](const auto& v) { stream << v; });
+    stream.SetPosition(0);
 }
 
-void writeStream(benchmark::State& state) {
-    for (auto _ : state) {
-        ByteStream stream(state.range(1) ? records * bytesEach : 0);
-        stream.SetEndianType(DataStream::EndianType(state.range(0)));
-        writeRecords(stream);
-        benchmark::DoNotOptimize(stream.GetSize());
-    }
-    state.SetItemsProcessed(state.iterations() * records * valuesEach);
-}
-
-void readStream(benchmark::State& state) {
-    ByteStream stream(0);
-    stream.SetEndianType(DataStream::EndianType(state.range(0)));
-    writeRecords(stream);
-    for (auto _ : state) {
-        stream.SetPosition(0);
-        while (!stream.AtEnd())
-            readValues(stream, static_cast<unsigned char>(0), short(0), static_cast<unsigned short>(0), 0, 0u,
-                       0L, 0ul, 0.0f, 0.0, String());
-    }
-    state.SetItemsProcessed(state.iterations() * records * valuesEach);
-}
-
-/// The floor: every value copied to its place, nothing asked.
-void writeBare(benchmark::State& state) {
-    for (auto _ : state) {
-        std::vector<unsigned char> bytes(records * bytesEach);
-        unsigned char* p = bytes.data();
-        const auto put = [&p](auto v) {
-            std::memcpy(p, &v, sizeof v);
-            p += sizeof v;
-        };
-        for (unsigned int i = 0; i < records; ++i) {
-            put(static_cast<unsigned char>(i)), put(static_cast<short>(i)),
-                put(static_cast<unsigned short>(i));
-            put(i), put(i), put(i), put(i), put(0.5f), put(0.25), put(12u);
-            std::memcpy(p, "twelve bytes", 12);
-            p += 12;
-            benchmark::ClobberMemory();
-        }
-    }
-    state.SetItemsProcessed(state.iterations() * records * valuesEach);
-}
-
-void writeBlocks(benchmark::State& state) {
-    const std::vector<unsigned char> block(1024, 7);
-    for (auto _ : state) {
+auto writeOurs(DataStream::EndianType order) {
+    return [order] {
         ByteStream stream(0);
-        for (int i = 0; i < 4096; ++i) stream << block;
-        benchmark::DoNotOptimize(stream.GetSize());
-    }
-    state.SetBytesProcessed(state.iterations() * (4096 << 10));
+        fill(stream, order);
+        return stream.GetSize() > records;
+    };
 }
 
-void appendBlocks(benchmark::State& state) {
-    const std::string block(1024, 7);
-    for (auto _ : state) {
+auto readOurs(DataStream::EndianType order) {
+    auto stream = std::make_shared<ByteStream>(0);
+    fill(*stream, order);
+    return [stream] {
+        stream->SetPosition(0);
+        return sumOfRecords<String>([s = stream.get()](auto& v) { *s >> v; });
+    };
+}
+
+#ifdef BENCH_QT
+template <typename Use>
+auto withQt(QDataStream::ByteOrder order, QByteArray& bytes, QIODevice::OpenMode mode, Use use) {
+    QDataStream stream(&bytes, mode);
+    stream.setByteOrder(order);
+    return use(stream);
+}
+
+QByteArray writtenByQt(QDataStream::ByteOrder order) {
+    QByteArray bytes;
+    withQt(order, bytes, QIODevice::WriteOnly,
+           [](QDataStream& stream) { writeRecords<QByteArray>([&stream](const auto& v) { stream << v; }); });
+    return bytes;
+}
+
+auto writeQt(QDataStream::ByteOrder order) {
+    return [order] { return static_cast<unsigned int>(writtenByQt(order).size()) > records; };
+}
+
+auto readQt(QDataStream::ByteOrder order) {
+    return [order, bytes = writtenByQt(order)]() mutable {
+        return withQt(order, bytes, QIODevice::ReadOnly, [](QDataStream& stream) {
+            return sumOfRecords<QByteArray>([&stream](auto& v) { stream >> v; });
+        });
+    };
+}
+#endif
+
+#ifdef BENCH_POCO
+using PocoOrder = Poco::BinaryWriter::StreamByteOrder;
+
+std::string writtenByPoco(PocoOrder order) {
+    std::ostringstream bytes;
+    Poco::BinaryWriter writer(bytes, order);
+    writeRecords<std::string>([&writer](const auto& v) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(v)>, std::uint8_t>)
+            writer << static_cast<char>(v);
+        else
+            writer << v;
+    });
+    writer.flush();
+    return bytes.str();
+}
+
+auto writePoco(PocoOrder order) {
+    return [order] { return writtenByPoco(order).size() > records; };
+}
+
+auto readPoco(PocoOrder order) {
+    return [order, written = writtenByPoco(order)] {
+        std::istringstream bytes(written);
+        Poco::BinaryReader reader(bytes, static_cast<Poco::BinaryReader::StreamByteOrder>(order));
+        return sumOfRecords<std::string>([&reader](auto& v) { reader >> v; });
+    };
+}
+#endif
+
+#ifdef BENCH_CEREAL
+using cereal::PortableBinaryInputArchive;
+using cereal::PortableBinaryOutputArchive;
+
+std::string writtenByCereal(bool little) {
+    std::ostringstream bytes;
+    PortableBinaryOutputArchive archive(bytes, little ? PortableBinaryOutputArchive::Options::LittleEndian()
+                                                      : PortableBinaryOutputArchive::Options::BigEndian());
+    writeRecords<std::string>([&archive](const auto& v) { archive(v); });
+    return bytes.str();
+}
+
+auto writeCereal(bool little) {
+    return [little] { return writtenByCereal(little).size() > records; };
+}
+
+auto readCereal(bool little) {
+    return [written = writtenByCereal(little)] {
+        std::istringstream bytes(written);
+        PortableBinaryInputArchive archive(bytes);
+        return sumOfRecords<std::string>([&archive](auto& v) { archive(v); });
+    };
+}
+#endif
+
+void enterRecords(const std::string& suffix, bool little) {
+    const DataStream::EndianType order = little ? DataStream::EndianLittle : DataStream::EndianBig;
+    Contest writing("write_" + suffix, values), reading("read_" + suffix, values);
+    writing.by("ours", writeOurs(order));
+    reading.by("ours", readOurs(order));
+#ifdef BENCH_QT
+    const QDataStream::ByteOrder qtOrder = little ? QDataStream::LittleEndian : QDataStream::BigEndian;
+    writing.by("QDataStream", writeQt(qtOrder));
+    reading.by("QDataStream", readQt(qtOrder));
+#endif
+#ifdef BENCH_POCO
+    const PocoOrder pocoOrder =
+        little ? Poco::BinaryWriter::LITTLE_ENDIAN_BYTE_ORDER : Poco::BinaryWriter::BIG_ENDIAN_BYTE_ORDER;
+    writing.by("Poco", writePoco(pocoOrder));
+    reading.by("Poco", readPoco(pocoOrder));
+#endif
+#ifdef BENCH_CEREAL
+    writing.by("cereal", writeCereal(little));
+    reading.by("cereal", readCereal(little));
+#endif
+}
+
+/// Through the abstract interface: a virtual call for every value.
+void enterAbstract() {
+    Contest writing("write_le_abstract", values), reading("read_le_abstract", values);
+    writing.by("ours", [] {
+        ByteStream stream(0);
+        DataStream* abstract = &stream;
+        benchmark::DoNotOptimize(abstract);
+        writeRecords<String>([abstract](const auto& v) { *abstract << v; });
+        return stream.GetSize() > records;
+    });
+    auto written = std::make_shared<ByteStream>(0);
+    fill(*written, DataStream::EndianLittle);
+    reading.by("ours", [written] {
+        DataStream* abstract = written.get();
+        benchmark::DoNotOptimize(abstract);
+        abstract->SetPosition(0);
+        return sumOfRecords<String>([abstract](auto& v) { *abstract >> v; });
+    });
+#ifdef BENCH_QT
+    writing.by("QDataStream", writeQt(QDataStream::LittleEndian));
+    reading.by("QDataStream", readQt(QDataStream::LittleEndian));
+#endif
+}
+
+void enterInts() {
+    Contest writing("write_ints_be", ints), reading("read_ints_be", ints);
+    const auto writeTo = [](auto& stream) {
+        for (std::uint32_t i = 0; i < ints; ++i) stream << static_cast<std::int32_t>(i);
+    };
+    const auto sumFrom = [](auto& stream) {
+        std::int32_t v = 0;
+        double sum = 0;
+        for (std::uint32_t i = 0; i < ints; ++i) {
+            stream >> v;
+            sum += v;
+        }
+        return sum;
+    };
+    writing.by("ours", [writeTo] {
+        ByteStream stream(0);
+        stream.SetEndianType(DataStream::EndianBig);
+        writeTo(stream);
+        return stream.GetSize() == ints * 4;
+    });
+    auto written = std::make_shared<ByteStream>(0);
+    written->SetEndianType(DataStream::EndianBig);
+    writeTo(*written);
+    reading.by("ours", [written, sumFrom] {
+        written->SetPosition(0);
+        return sumFrom(*written);
+    });
+#ifdef BENCH_QT
+    const auto writeInts = [writeTo] {
+        QByteArray bytes;
+        withQt(QDataStream::BigEndian, bytes, QIODevice::WriteOnly, writeTo);
+        return bytes;
+    };
+    writing.by("QDataStream", [writeInts] { return writeInts().size() == ints * 4; });
+    reading.by("QDataStream", [bytes = writeInts(), sumFrom]() mutable {
+        return withQt(QDataStream::BigEndian, bytes, QIODevice::ReadOnly, sumFrom);
+    });
+#endif
+}
+
+void enterBlocks() {
+    constexpr unsigned int blocks = 4096, blockSize = 1024;
+    const std::string block(blockSize, 'b');
+    Contest writing("write_raw_4M_in_1K", blocks * blockSize);
+    writing.by("ours", [block] {
+        ByteStream stream(0);
+        for (unsigned int i = 0; i < blocks; ++i)
+            stream.Write(blockSize, reinterpret_cast<const unsigned char*>(block.data()));
+        return stream.GetSize() == blocks * blockSize;
+    });
+    writing.by("std::append", [block] {
         std::string bytes;
-        for (int i = 0; i < 4096; ++i) bytes.append(block);
-        benchmark::DoNotOptimize(bytes.data());
-    }
-    state.SetBytesProcessed(state.iterations() * (4096 << 10));
+        for (unsigned int i = 0; i < blocks; ++i) bytes.append(block);
+        return bytes.size() == blocks * blockSize;
+    });
+#ifdef BENCH_QT
+    writing.by("QDataStream", [block] {
+        QByteArray bytes;
+        return withQt(QDataStream::LittleEndian, bytes, QIODevice::WriteOnly, [&](QDataStream& stream) {
+            for (unsigned int i = 0; i < blocks; ++i) stream.writeRawData(block.data(), blockSize);
+            return bytes.size() == blocks * blockSize;
+        });
+    });
+#endif
 }
 
-BENCHMARK(writeStream)->ArgNames({"endian", "reserved"})->ArgsProduct({{1, 2}, {0, 1}});
-BENCHMARK(writeBare);
-BENCHMARK(readStream)->ArgName("endian")->Arg(1)->Arg(2);
-BENCHMARK(writeBlocks);
-BENCHMARK(appendBlocks);
+[[maybe_unused]] const bool entered =
+    (enterRecords("le", true), enterRecords("be", false), enterAbstract(), enterInts(), enterBlocks(), true);
 
 } // namespace

@@ -1,104 +1,259 @@
-// The vector routines in each form, beside a plain loop of the caller's own and the C and C++ library's
-// blocks. Compare the figures of one run: items_per_second are elements.
+// The vector routines, at four sizes and misaligned, beside the vector library of signal processing and loops
+// of the user's own. Source and target are the same two blocks of memory for all.
 
 #include <Kelbase/IPP/IPP_forms.h>
 #include <Kelbase/IPP/IPP_util.h>
 
-#include <benchmark/benchmark.h>
+#include "Contest.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
-#include <string>
-#include <vector>
+
+#include <sys/mman.h>
+
+#ifdef BENCH_VOLK
+#include <volk/volk.h>
+#endif
 
 namespace {
 
-using IPP::Form;
+using contest::Contest;
 
-void sizes(benchmark::internal::Benchmark* bench) {
-    for (int size : {64, 1000, 16000, 16 << 20}) bench->Arg(size); // tiny, first and second cache, memory
+constexpr unsigned int largestCount = 16u << 20;
+
+/// Memory for the largest array of the widest type; pages are taken when they are first touched.
+unsigned char* newBlock() {
+    void* const block = mmap(nullptr, std::size_t{largestCount} * 8 + 64, PROT_READ | PROT_WRITE,
+                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    return block == MAP_FAILED ? nullptr : static_cast<unsigned char*>(block);
+}
+unsigned char* const sourceBlock = newBlock();
+unsigned char* const targetBlock = newBlock();
+
+struct Size {
+    const char* name;
+    unsigned int count;
+    bool misaligned;
+};
+constexpr Size sizes[] = {{"tiny", 64, false},
+                          {"L1", 1000, false},
+                          {"L2", 16000, false},
+                          {"L2u", 16000, true},
+                          {"DRAM", largestCount, false}};
+
+/// Whole and broken numbers of either sign, within what the targets hold; no halves.
+template <typename Source>
+void fillSource(Source* source, unsigned int count, double scale) {
+    for (unsigned int i = 0; i < count; ++i)
+        source[i] = static_cast<Source>((static_cast<int>(i * 2654435761u >> 16) - 32768) / 32768.0 * scale);
 }
 
-/// Times `run(count, source, destination)`.
-template <typename Source, typename Target, typename Run>
-void measure(const std::string& name, Run run) {
-    const auto body = [run](benchmark::State& state) {
-        const unsigned int count = static_cast<unsigned int>(state.range(0));
-        std::vector<Source> source(count, Source(3));
-        std::vector<Target> target(count);
-        for (auto _ : state) {
-            run(count, source.data(), target.data());
-            benchmark::ClobberMemory();
+/// `run(count, source, target)` by everybody who can, at every size.
+template <typename Source, typename Target>
+class Conversion {
+public:
+    Conversion(std::string name, double sourceScale) : job(std::move(name)), scale(sourceScale) {}
+
+    template <typename Run>
+    Conversion& by(const char* who, Run run) {
+        for (const Size& size : sizes) {
+            Contest& contest = At(size);
+            // One element beside the boundary that every array of the platform begins on.
+            Source* const source = reinterpret_cast<Source*>(sourceBlock) + size.misaligned;
+            Target* const target = reinterpret_cast<Target*>(targetBlock) + size.misaligned;
+            contest.by(
+                who, [run, size, source, target] { run(size.count, source, target); },
+                [this_scale = scale, size, source] { fillSource(source, size.count, this_scale); },
+                [size, target] {
+                    return std::string(reinterpret_cast<const char*>(target),
+                                       std::min(size.count, 1000u) * sizeof(Target));
+                });
         }
-        state.SetItemsProcessed(state.iterations() * state.range(0));
-    };
-    benchmark::RegisterBenchmark(name.c_str(), body)->Apply(sizes);
-}
-
-/// A conversion by every form of this processor, by the public routine, and by `plain` element for element.
-template <typename Source, typename Target, typename Public, typename Plain, typename... Factor>
-void compare(const std::string& name, void (*Form::*routine)(unsigned int, const Source*, Target*, Factor...),
-             Public routineForAll, Plain plain, Factor... factor) {
-    for (const Form* const* form = IPP::allForms; *form; ++form) {
-        if (!(*form)->isSupported()) continue;
-        const auto run = [f = (*form)->*routine, factor...](unsigned int n, const Source* s, Target* d) {
-            f(n, s, d, factor...);
-        };
-        measure<Source, Target>(name + "/" + (*form)->name, run);
+        return *this;
     }
-    measure<Source, Target>(name + "/Convert", routineForAll);
-    measure<Source, Target>(name + "/plain loop", [plain](unsigned int n, const Source* s, Target* d) {
-        for (unsigned int i = 0; i < n; ++i) d[i] = plain(s[i]);
-    });
+
+private:
+    Contest& At(const Size& size) {
+        const std::size_t index = static_cast<std::size_t>(&size - sizes);
+        if (contests.size() <= index) contests.emplace_back(job + "_" + size.name, size.count);
+        return contests[index];
+    }
+
+    std::string job;
+    double scale;
+    std::vector<Contest> contests;
+};
+
+/// The same loop as compilers vectorise it when they are asked to.
+template <typename Source, typename Target, typename Each>
+__attribute__((optimize("O3"))) void loopO3(unsigned int n, const Source* __restrict s, Target* __restrict d,
+                                            Each each) {
+    for (unsigned int i = 0; i < n; ++i) d[i] = each(s[i]);
 }
 
-short roundToShort(float x) {
-    const float sum = x * 32768.0f + (x >= 0 ? 0.5f : -0.5f);
-    return static_cast<short>(std::clamp(sum, -32768.0f, 32767.0f));
+/// What a Form's routine does, by the instructions of SSE2 alone.
+template <typename Source, typename Target, typename... Factor>
+auto bySse2(void (*IPP::Form::*routine)(unsigned int, const Source*, Target*, Factor...), Factor... factor) {
+    return [f = IPP::sse2Form.*routine, factor...](unsigned int n, const Source* s, Target* d) {
+        f(n, s, d, factor...);
+    };
 }
 
-void registerConversions() {
-    compare(
-        "floatToShortRounded", &Form::floatToShortRounded,
-        [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, true); }, roundToShort,
-        32768.0f);
-    compare(
-        "floatToInt", &Form::floatToInt,
-        [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, 0, false); },
-        [](float x) { return static_cast<int>(x); }, 1.0f);
-    compare(
-        "shortToFloat", &Form::shortToFloat,
-        [](unsigned int n, const short* s, float* d) { IPP::Convert(n, s, d, 15); },
-        [](short x) { return static_cast<float>(x) / 32768; }, 1.0f / 32768);
-    compare(
-        "intToDouble", &Form::intToDouble,
-        [](unsigned int n, const int* s, double* d) { IPP::Convert(n, s, d, 31); },
-        [](int x) { return x / 2147483648.0; }, 1 / 2147483648.0);
-    compare(
-        "charToFloat", &Form::charToFloat,
-        [](unsigned int n, const unsigned char* s, float* d) { IPP::Convert(n, s, d); },
-        [](unsigned char x) { return static_cast<float>(x); });
-    compare(
-        "doubleToFloat", &Form::doubleToFloat,
-        [](unsigned int n, const double* s, float* d) { IPP::Convert(n, s, d); },
-        [](double x) { return static_cast<float>(x); });
+void enterFromFloat() {
+    Conversion<float, short>("f32_s16_round", 1.2)
+        .by("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, true); })
+        .by("ours-sse2", bySse2(&IPP::Form::floatToShortRounded, 32768.0f))
+#ifdef BENCH_VOLK
+        .by("VOLK",
+            [](unsigned int n, const float* s, short* d) { volk_32f_s32f_convert_16i(d, s, 32768, n); })
+        .by("VOLK-sse", [](unsigned int n, const float* s,
+                           short* d) { volk_32f_s32f_convert_16i_manual(d, s, 32768, n, "u_sse2"); })
+#endif
+        ;
+    Conversion<float, short>("f32_s16_trunc", 1.2)
+        .by("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, false); })
+        .by("ours-sse2", bySse2(&IPP::Form::floatToShort, 32768.0f))
+#ifdef BENCH_VOLK
+        .by("VOLK",
+            [](unsigned int n, const float* s, short* d) { volk_32f_s32f_convert_16i(d, s, 32768, n); })
+        .by("VOLK-sse", [](unsigned int n, const float* s,
+                           short* d) { volk_32f_s32f_convert_16i_manual(d, s, 32768, n, "u_sse2"); })
+#endif
+        ;
+    Conversion<float, int>("f32_s32_trunc", 1e6)
+        .by("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, 0, false); })
+        .by("ours-sse2", bySse2(&IPP::Form::floatToInt, 1.0f))
+#ifdef BENCH_VOLK
+        .by("VOLK", [](unsigned int n, const float* s, int* d) { volk_32f_s32f_convert_32i(d, s, 1, n); })
+        .by("VOLK-sse", [](unsigned int n, const float* s,
+                           int* d) { volk_32f_s32f_convert_32i_manual(d, s, 1, n, "u_sse2"); })
+#endif
+        ;
+    Conversion<float, int>("f32_s32_scaled_round", 0.9)
+        .by("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, -31, true); })
+        .by("ours-sse2", bySse2(&IPP::Form::floatToIntRounded, 2147483648.0f))
+#ifdef BENCH_VOLK
+        .by("VOLK",
+            [](unsigned int n, const float* s, int* d) { volk_32f_s32f_convert_32i(d, s, 2147483648.0f, n); })
+        .by("VOLK-sse", [](unsigned int n, const float* s,
+                           int* d) { volk_32f_s32f_convert_32i_manual(d, s, 2147483648.0f, n, "u_sse2"); })
+#endif
+        ;
+    Conversion<float, double>("f32_f64", 1)
+        .by("ours", [](unsigned int n, const float* s, double* d) { IPP::Convert(n, s, d); })
+        .by("ours-sse2", bySse2(&IPP::Form::floatToDouble))
+#ifdef BENCH_VOLK
+        .by("VOLK", [](unsigned int n, const float* s, double* d) { volk_32f_convert_64f(d, s, n); })
+        .by("VOLK-sse",
+            [](unsigned int n, const float* s, double* d) { volk_32f_convert_64f_manual(d, s, n, "u_sse2"); })
+#endif
+        ;
 }
 
-void registerBlocks() {
-    measure<float, float>("setFloat/Set",
-                          [](unsigned int n, const float*, float* d) { IPP::Set(n, d, 1.5f); });
-    measure<float, float>("setFloat/std::fill",
-                          [](unsigned int n, const float*, float* d) { std::fill(d, d + n, 1.5f); });
-    measure<short, short>("setShort/Set",
-                          [](unsigned int n, const short*, short* d) { IPP::Set(n, d, short(7)); });
-    measure<short, short>("setShort/std::fill",
-                          [](unsigned int n, const short*, short* d) { std::fill(d, d + n, short(7)); });
-    measure<float, float>("copyFloat/Copy",
-                          [](unsigned int n, const float* s, float* d) { IPP::Copy(n, s, d); });
-    measure<float, float>("copyFloat/memcpy",
-                          [](unsigned int n, const float* s, float* d) { std::memcpy(d, s, n * 4); });
+void enterToFloat() {
+    Conversion<short, float>("s16_f32", 32767)
+        .by("ours", [](unsigned int n, const short* s, float* d) { IPP::Convert(n, s, d, 15); })
+        .by("ours-sse2", bySse2(&IPP::Form::shortToFloat, 1.0f / 32768))
+#ifdef BENCH_VOLK
+        .by("VOLK",
+            [](unsigned int n, const short* s, float* d) { volk_16i_s32f_convert_32f(d, s, 32768, n); })
+        .by("VOLK-sse", [](unsigned int n, const short* s,
+                           float* d) { volk_16i_s32f_convert_32f_manual(d, s, 32768, n, "u_sse4_1"); })
+#endif
+        ;
+    Conversion<int, float>("s32_f32", 2147483647)
+        .by("ours", [](unsigned int n, const int* s, float* d) { IPP::Convert(n, s, d, 31); })
+        .by("ours-sse2", bySse2(&IPP::Form::intToFloat, 1.0f / 2147483648.0f))
+#ifdef BENCH_VOLK
+        .by("VOLK",
+            [](unsigned int n, const int* s, float* d) { volk_32i_s32f_convert_32f(d, s, 2147483648.0f, n); })
+        .by("VOLK-sse", [](unsigned int n, const int* s,
+                           float* d) { volk_32i_s32f_convert_32f_manual(d, s, 2147483648.0f, n, "u_sse2"); })
+#endif
+        ;
+    Conversion<unsigned char, float>("u8_f32", 127)
+        .by("ours", [](unsigned int n, const unsigned char* s, float* d) { IPP::Convert(n, s, d); })
+        .by("ours-sse2", bySse2(&IPP::Form::charToFloat))
+#ifdef BENCH_VOLK
+        .by("VOLK",
+            [](unsigned int n, const unsigned char* s, float* d) {
+                volk_8i_s32f_convert_32f(d, reinterpret_cast<const std::int8_t*>(s), 1, n);
+            })
+        .by("VOLK-sse",
+            [](unsigned int n, const unsigned char* s, float* d) {
+                volk_8i_s32f_convert_32f_manual(d, reinterpret_cast<const std::int8_t*>(s), 1, n, "u_sse4_1");
+            })
+#endif
+        ;
+    Conversion<double, float>("f64_f32", 1)
+        .by("ours", [](unsigned int n, const double* s, float* d) { IPP::Convert(n, s, d); })
+        .by("ours-sse2", bySse2(&IPP::Form::doubleToFloat))
+#ifdef BENCH_VOLK
+        .by("VOLK", [](unsigned int n, const double* s, float* d) { volk_64f_convert_32f(d, s, n); })
+        .by("VOLK-sse",
+            [](unsigned int n, const double* s, float* d) { volk_64f_convert_32f_manual(d, s, n, "u_sse2"); })
+#endif
+        ;
 }
 
-[[maybe_unused]] const bool registered = (registerConversions(), registerBlocks(), true);
+void enterToDouble() {
+    Conversion<short, double>("s16_f64", 32767)
+        .by("ours", [](unsigned int n, const short* s, double* d) { IPP::Convert(n, s, d, 15); })
+        .by("ours-sse2", bySse2(&IPP::Form::shortToDouble, 1.0 / 32768))
+        .by("O3-loop", [](unsigned int n, const short* s, double* d) {
+            loopO3(n, s, d, [](short v) { return v * (1.0 / 32768); });
+        });
+    Conversion<int, double>("s32_f64", 2147483647)
+        .by("ours", [](unsigned int n, const int* s, double* d) { IPP::Convert(n, s, d, 31); })
+        .by("ours-sse2", bySse2(&IPP::Form::intToDouble, 1.0 / 2147483648.0))
+        .by("O3-loop", [](unsigned int n, const int* s, double* d) {
+            loopO3(n, s, d, [](int v) { return v * (1.0 / 2147483648.0); });
+        });
+}
+
+template <typename Element>
+void enterSet(const char* job, Element value) {
+    Conversion<Element, Element>(job, 1)
+        .by("ours", [value](unsigned int n, const Element*, Element* d) { IPP::Set(n, d, value); })
+        .by("std::fill", [value](unsigned int n, const Element*, Element* d) { std::fill(d, d + n, value); })
+        .by("O3-loop", [value](unsigned int n, const Element* s, Element* d) {
+            loopO3(n, s, d, [value](Element) { return value; });
+        });
+}
+
+/// Two arrays of zeros.
+void enterEqual() {
+    for (const Size& size : sizes) {
+        const auto prepare = [n = size.count] {
+            std::memset(sourceBlock, 0, n), std::memset(targetBlock, 0, n);
+        };
+        const auto look = [] { return std::string(); };
+        Contest(std::string("equal_u8_") + size.name, size.count)
+            .by(
+                "ours",
+                [n = size.count] { benchmark::DoNotOptimize(IPP::Equal(n, sourceBlock, targetBlock)); },
+                prepare, look)
+            .by(
+                "memcmp",
+                [n = size.count] { benchmark::DoNotOptimize(std::memcmp(sourceBlock, targetBlock, n) == 0); },
+                prepare, look);
+    }
+}
+
+void enterBlocks() {
+    enterSet("set_f32", 1.5f);
+    enterSet("set_s16", short{7});
+    Conversion<float, float>("copy_f32", 1)
+        .by("ours", [](unsigned int n, const float* s, float* d) { IPP::Copy(n, s, d); })
+        .by("memcpy", [](unsigned int n, const float* s, float* d) { std::memcpy(d, s, n * sizeof *s); });
+    Conversion<float, float>("zero_f32", 1)
+        .by("ours", [](unsigned int n, const float*, float* d) { IPP::Zero(n, d); })
+        .by("memset", [](unsigned int n, const float*, float* d) { std::memset(d, 0, n * sizeof *d); });
+    enterEqual();
+}
+
+[[maybe_unused]] const bool entered =
+    (enterFromFloat(), enterToFloat(), enterToDouble(), enterBlocks(), true);
 
 } // namespace

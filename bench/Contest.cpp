@@ -1,0 +1,26 @@
+#include "Contest.h"
+
+#include <cstdio>
+
+namespace contest {
+
+std::string show(double v) {
+    char text[32];
+    static_cast<void>(std::snprintf(text, sizeof text, "%.17g", v));
+    return text;
+}
+
+void Contest::Enter(const std::string& who, const std::string& result,
+                    std::function<void(benchmark::State&)> run) {
+    if (!hasExpected) expected = result;
+    hasExpected = true;
+    const char* const label = result == expected ? "" : "differs";
+    const auto body = [run = std::move(run), label, each = items](benchmark::State& state) {
+        run(state);
+        state.SetLabel(label);
+        state.counters["items"] = each;
+    };
+    benchmark::RegisterBenchmark((job + "/" + who).c_str(), body);
+}
+
+} // namespace contest

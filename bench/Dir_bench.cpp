@@ -1,0 +1,133 @@
+// Folders listed: 100,000 entries, half of them sounds, and 50, in memory and on the disk of temporary files.
+
+#include <Kelbase/Util/Dir.h>
+
+#include "Contest.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <strings.h>
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#ifdef BENCH_QT
+#include <QDir>
+#endif
+
+namespace {
+
+using contest::Contest;
+namespace fs = std::filesystem;
+
+/// A folder of its own with empty files and a few folders in it, removed at the end.
+class FilledFolder {
+public:
+    FilledFolder(const fs::path& where, int entries) : path((where / "listing-XXXXXX").string()) {
+        if (!mkdtemp(path.data())) throw std::runtime_error("cannot make a folder in " + where.string());
+        for (int i = 0; i < entries; ++i) {
+            const fs::path entry = fs::path(path) / ("take " + std::to_string(i) + (i % 2 ? ".wav" : ".txt"));
+            if (i % 50 == 8)
+                fs::create_directory(entry);
+            else
+                std::ofstream(entry).close();
+        }
+    }
+    FilledFolder(const FilledFolder&) = delete;
+    FilledFolder& operator=(const FilledFolder&) = delete;
+    ~FilledFolder() {
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+    }
+    const std::string& Path() const { return path; }
+
+private:
+    std::string path;
+};
+
+bool isSound(std::string_view name) {
+    return name.size() >= 4 && strncasecmp(name.data() + name.size() - 4, ".wav", 4) == 0;
+}
+
+/// What is listed: files, sounds or folders.
+struct Wanted {
+    const char* name;
+    const char* pattern;
+    bool folders;
+};
+
+std::vector<String> byDir(const String& folder, const Wanted& wanted) {
+    std::vector<String> names;
+    if (wanted.folders)
+        Util::Dir::GetFoldernames(folder, names, wanted.pattern, false);
+    else
+        Util::Dir::GetFilenames(folder, names, wanted.pattern, false, false);
+    return names;
+}
+
+std::vector<std::string> byFilesystem(const std::string& folder, const Wanted& wanted) {
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        std::string name = entry.path().filename().string();
+        if (*wanted.pattern && !isSound(name)) continue;
+        if (wanted.folders ? entry.is_directory() : entry.is_regular_file()) names.push_back(std::move(name));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::vector<std::string> byScandir(const std::string& folder, const Wanted& wanted) {
+    dirent** entries = nullptr;
+    const int count = scandir(folder.c_str(), &entries, nullptr, alphasort);
+    std::vector<std::string> names;
+    for (int i = 0; i < count; ++i) {
+        const std::unique_ptr<dirent, void (*)(void*)> entry(entries[i], std::free);
+        const std::string_view name = entry->d_name;
+        if (name == "." || name == ".." || (*wanted.pattern && !isSound(name))) continue;
+        struct stat status;
+        if (stat((folder + "/" + entry->d_name).c_str(), &status) != 0) continue;
+        if (S_ISREG(status.st_mode) != wanted.folders) names.emplace_back(name);
+    }
+    std::free(entries);
+    return names;
+}
+
+void enterFolder(const std::string& place, const std::string& folder, double entries) {
+    for (const Wanted& wanted :
+         {Wanted{"all", "", false}, Wanted{"wav", "*.wav", false}, Wanted{"folders", "", true}}) {
+        Contest("dir_" + std::string(wanted.name) + place, entries)
+            .by("ours", [folder, wanted] { return byDir(String(folder.c_str()), wanted); })
+            .by("std", [folder, wanted] { return byFilesystem(folder, wanted); })
+            .by("scandir", [folder, wanted] { return byScandir(folder, wanted); })
+#ifdef BENCH_QT
+            .by("QDir",
+                [folder, wanted] {
+                    const QDir::Filters filters =
+                        QDir::Hidden | QDir::NoDotAndDotDot | (wanted.folders ? QDir::Dirs : QDir::Files);
+                    return QDir(QString::fromStdString(folder))
+                        .entryList({*wanted.pattern ? wanted.pattern : "*"}, filters, QDir::Name);
+                })
+#endif
+            ;
+    }
+}
+
+/// Whether entries are kept in memory there.
+constexpr char memoryFolder[] = "/dev/shm";
+
+void enterAll() {
+    static const FilledFolder onDisk(fs::temp_directory_path(), 100000), few(fs::temp_directory_path(), 50);
+    enterFolder("_disk", onDisk.Path(), 100000);
+    enterFolder("_50", few.Path(), 50);
+    if (!fs::is_directory(memoryFolder)) return;
+    static const FilledFolder inMemory(memoryFolder, 100000);
+    enterFolder("_tmpfs", inMemory.Path(), 100000);
+}
+
+[[maybe_unused]] const bool entered = (enterAll(), true);
+
+} // namespace

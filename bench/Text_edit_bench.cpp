@@ -1,0 +1,336 @@
+// Searching, slicing, replacing, cleaning, splitting and joining.
+
+#include "Contest.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <random>
+#include <strings.h>
+
+#ifdef BENCH_FMT
+#include <fmt/format.h>
+#endif
+#ifdef BENCH_POCO
+#include <Poco/String.h>
+#endif
+#ifdef BENCH_QT
+#include <QList>
+#include <QStringList>
+#endif
+
+namespace {
+
+using contest::AllTexts;
+using contest::Contest;
+using contest::opaque;
+
+/// `sentence` again and again, up to 4096 bytes.
+std::string longText(const std::string& sentence) {
+    std::string text;
+    while (text.size() < 4096) text += sentence;
+    text.resize(4096);
+    return text;
+}
+
+const std::string prose = longText("The installer asks the Updater for its Status, and the answer is kept. ");
+const std::string pathText = "/Library/Application Support/Korvane/Updater/install_status.txt";
+
+// Where something is found
+
+template <typename Found>
+long long position(const Found& at) {
+    return at.IsGiven() ? static_cast<long long>(static_cast<unsigned int>(at)) : -1;
+}
+long long position(std::size_t at) { return static_cast<long long>(at); }
+
+void enterFind(const std::string& job, const std::string& text, const std::string& part) {
+    Contest(job)
+        .by("ours", [s = String(text.c_str()),
+                     p = part]() mutable { return position(opaque(s).Find(opaque(p).c_str())); })
+        .by("strstr",
+            [s = text, p = part]() mutable {
+                const char* const found = std::strstr(opaque(s).c_str(), opaque(p).c_str());
+                return found ? static_cast<long long>(found - s.c_str()) : -1;
+            })
+        .by("std", [s = text, p = part]() mutable { return position(opaque(s).find(opaque(p))); })
+#ifdef BENCH_QT
+        .by("QByteArray",
+            [s = QByteArray(text.c_str()), p = QByteArray(part.c_str())]() mutable {
+                return static_cast<long long>(opaque(s).indexOf(opaque(p)));
+            })
+#endif
+        ;
+}
+
+void enterFindFolded(const std::string& job, const std::string& text, const std::string& part) {
+    Contest(job)
+        .by("ours", [s = String(text.c_str()),
+                     p = part]() mutable { return position(opaque(s).Find(opaque(p).c_str(), 0, false)); })
+        .by("strcasestr",
+            [s = text, p = part]() mutable {
+                const char* const found = strcasestr(opaque(s).c_str(), opaque(p).c_str());
+                return found ? static_cast<long long>(found - s.c_str()) : -1;
+            })
+#ifdef BENCH_QT
+        .by("QString",
+            [s = QString(text.c_str()), p = QString(part.c_str())]() mutable {
+                return static_cast<long long>(opaque(s).indexOf(opaque(p), 0, Qt::CaseInsensitive));
+            })
+#endif
+        ;
+}
+
+void enterSearching() {
+    std::string zs = prose;
+    zs[4090] = 'z';
+    Contest("find_char_4K")
+        .by("ours", [s = String(zs.c_str())]() mutable { return position(opaque(s).Find('z')); })
+        .by("std", [s = zs]() mutable { return position(opaque(s).find('z')); })
+#ifdef BENCH_QT
+        .by("QByteArray",
+            [s = QByteArray(zs.c_str())]() mutable { return static_cast<long long>(opaque(s).indexOf('z')); })
+        .by("QString",
+            [s = QString(zs.c_str())]() mutable {
+                return static_cast<long long>(opaque(s).indexOf(QChar('z')));
+            })
+#endif
+        ;
+    std::string rare = prose, common = prose;
+    rare.replace(4070, 12, "zebra zenith");
+    common.replace(4070, 12, "asks the end");
+    enterFind("find_text_4K", rare, "zebra zenith");
+    enterFind("find_text_4K_common", common, "asks the end");
+    enterFind("find_text_short", pathText, "Korvane");
+    enterFindFolded("find_ci_4K", common, "ASKS the End");
+    enterFindFolded("find_ci_short", pathText, "korvane");
+    Contest("begins_ci")
+        .by("ours",
+            [s = String(pathText.c_str()), p = String("/library/application")]() mutable {
+                return opaque(s).BeginsWith(opaque(p), false);
+            })
+        .by("strncasecmp",
+            [s = pathText, p = std::string("/library/application")]() mutable {
+                return strncasecmp(opaque(s).c_str(), opaque(p).c_str(), opaque(p).size()) == 0;
+            })
+#ifdef BENCH_QT
+        .by("QString",
+            [s = QString(pathText.c_str()), p = QString("/library/application")]() mutable {
+                return opaque(s).startsWith(opaque(p), Qt::CaseInsensitive);
+            })
+#endif
+        ;
+}
+
+// Edits
+
+std::string lowered(std::string s) {
+    std::transform(s.begin(), s.end(), s.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c + 0x20 : c; });
+    return s;
+}
+
+std::string replacedAll(std::string s, const std::string& from, const std::string& to) {
+    for (std::size_t at = s.find(from); at != s.npos; at = s.find(from, at + to.size()))
+        s.replace(at, from.size(), to);
+    return s;
+}
+
+void enterLower(const char* job, const std::string& text) {
+    Contest(job)
+        .by("ours", [s = String(text.c_str())]() mutable { return opaque(s).ToLower(); })
+        .by("std", [s = text]() mutable { return lowered(opaque(s)); })
+#ifdef BENCH_QT
+        .by("QByteArray",
+            [s = QByteArray(text.c_str())]() mutable { return std::as_const(opaque(s)).toLower(); })
+#endif
+        ;
+}
+
+/// 256 texts of five to seven words with white space of random length between them: with one text alone the
+/// processor would learn its branches by heart.
+std::vector<std::string> untidyTexts() {
+    std::mt19937 random(11);
+    const std::string blanks = " \t\n  ";
+    std::vector<std::string> texts(256);
+    for (std::string& text : texts) {
+        for (unsigned long word = 0, words = 5 + random() % 3; word < words; ++word)
+            text += std::string(2 + random() % 6, 'w') + blanks.substr(random() % 5);
+    }
+    return texts;
+}
+
+template <typename Text>
+auto simplifyInTurn(const std::vector<std::string>& texts) {
+    std::vector<Text> list;
+    for (const std::string& text : texts) list.push_back(Text(text.c_str()));
+    return [list, i = 0u]() mutable {
+        const Text& text = opaque(list)[i++ % list.size()];
+        if constexpr (std::is_same_v<Text, String>)
+            return text.SimplifyWhiteSpace();
+        else
+            return text.simplified();
+    };
+}
+
+void enterSimplify(const char* job, const std::vector<std::string>& texts) {
+    Contest(job)
+        .by("ours", simplifyInTurn<String>(texts))
+#ifdef BENCH_QT
+        .by("QByteArray", simplifyInTurn<QByteArray>(texts))
+        .by("QString", simplifyInTurn<QString>(texts))
+#endif
+        ;
+}
+
+void enterEditing() {
+    Contest("replace_4K")
+        .by("ours", [s = String(prose.c_str()), a = String("the"),
+                     b = String("each")]() mutable { return opaque(s).Replace(opaque(a), opaque(b)); })
+        .by("std",
+            [s = prose, a = std::string("the"), b = std::string("each")]() mutable {
+                return replacedAll(opaque(s), opaque(a), opaque(b));
+            })
+#ifdef BENCH_POCO
+        .by("Poco",
+            [s = prose, a = std::string("the"), b = std::string("each")]() mutable {
+                return Poco::replace(opaque(s), opaque(a), opaque(b));
+            })
+#endif
+#ifdef BENCH_QT
+        .by("QByteArray",
+            [s = QByteArray(prose.c_str()), a = QByteArray("the"), b = QByteArray("each")]() mutable {
+                QByteArray copy = opaque(s);
+                return copy.replace(opaque(a), opaque(b));
+            })
+#endif
+        ;
+    Contest("replace_char_4K")
+        .by("ours", [s = String(prose.c_str())]() mutable { return opaque(s).ReplaceChar('e', 'o'); })
+        .by("std",
+            [s = prose]() mutable {
+                std::string copy = opaque(s);
+                std::replace(copy.begin(), copy.end(), 'e', 'o');
+                return copy;
+            })
+#ifdef BENCH_QT
+        .by("QString",
+            [s = QString(prose.c_str())]() mutable {
+                QString copy = opaque(s);
+                return copy.replace(QChar('e'), QChar('o'));
+            })
+#endif
+        ;
+    enterLower("lower_short", pathText);
+    enterLower("lower_4K", prose);
+    enterSimplify("simplify_short", untidyTexts());
+    enterSimplify("simplify_4K",
+                  {longText("The installer  asks the Updater\tfor its Status,\n and the answer is kept. ")});
+    const std::string padded = "  Korvane Fusewright 1.73 \n";
+    Contest("strip_short")
+        .by("ours", [s = String(padded.c_str())]() mutable { return opaque(s).StripWhiteSpace(); })
+#ifdef BENCH_POCO
+        .by("Poco", [s = padded]() mutable { return Poco::trim(opaque(s)); })
+#endif
+#ifdef BENCH_QT
+        .by("QByteArray",
+            [s = QByteArray(padded.c_str())]() mutable { return std::as_const(opaque(s)).trimmed(); })
+        .by("QString", [s = QString(padded.c_str())]() mutable { return std::as_const(opaque(s)).trimmed(); })
+#endif
+        ;
+    Contest("left_mid")
+        .by("ours",
+            [s = String(pathText.c_str())]() mutable { return opaque(s).Left(20) + opaque(s).Mid(36); })
+        .by("std", [s = pathText]() mutable { return opaque(s).substr(0, 20) + opaque(s).substr(36); })
+#ifdef BENCH_QT
+        .by("QString",
+            [s = QString(pathText.c_str())]() mutable { return opaque(s).left(20) + opaque(s).mid(36); })
+#endif
+        ;
+}
+
+// Lists
+
+std::vector<std::string> fieldsOf(const std::string& s, char separator) {
+    std::vector<std::string> fields;
+    std::size_t start = 0;
+    for (std::size_t hit = s.find(separator); hit != s.npos; hit = s.find(separator, start)) {
+        fields.push_back(s.substr(start, hit - start));
+        start = hit + 1;
+    }
+    fields.push_back(s.substr(start));
+    return fields;
+}
+
+std::vector<String> fieldsOf(const String& s, char separator) {
+    std::vector<String> fields;
+    s.Split(separator, fields);
+    return fields;
+}
+
+std::string joined(const std::vector<std::string>& parts, const std::string& separator) {
+    std::string text;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (i) text += separator;
+        text += parts[i];
+    }
+    return text;
+}
+
+/// `count` fields of 4 to 12 bytes.
+std::string listText(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += (i ? "," : "") + std::string("name") + std::string(i % 9, static_cast<char>('a' + i % 26));
+    return text;
+}
+
+void enterSplit(const char* job, const std::string& text) {
+    Contest(job)
+        .by("ours", [s = String(text.c_str())]() mutable { return fieldsOf(opaque(s), ','); })
+        .by("std", [s = text]() mutable { return fieldsOf(opaque(s), ','); })
+#ifdef BENCH_QT
+        .by("QByteArray", [s = QByteArray(text.c_str())]() mutable { return opaque(s).split(','); })
+        .by("QString", [s = QString(text.c_str())]() mutable { return opaque(s).split(QChar(',')); })
+#endif
+        ;
+}
+
+void enterLists() {
+    enterSplit("split_10", listText(10));
+    enterSplit("split_1000", listText(1000));
+    const std::string ten = listText(10), thousand = listText(1000);
+    Contest("join_1000")
+        .by("ours", [l = fieldsOf(String(thousand.c_str()), ','),
+                     s = String(", ")]() mutable { return String::Join(opaque(s), opaque(l)); })
+        .by("std", [l = fieldsOf(thousand, ','),
+                    s = std::string(", ")]() mutable { return joined(opaque(l), opaque(s)); })
+#ifdef BENCH_FMT
+        .by("fmt",
+            [l = fieldsOf(thousand, ','), s = std::string(", ")]() mutable {
+                return fmt::format("{}", fmt::join(opaque(l), opaque(s)));
+            })
+#endif
+#ifdef BENCH_QT
+        .by("QString", [l = QString(thousand.c_str()).split(QChar(',')),
+                        s = QString(", ")]() mutable { return opaque(l).join(opaque(s)); })
+#endif
+        ;
+    Contest("split_join_10")
+        .by("ours",
+            [s = String(ten.c_str()), with = String("/")]() mutable {
+                return String::Join(opaque(with), fieldsOf(opaque(s), ','));
+            })
+        .by("std", [s = ten, with = std::string(
+                                 "/")]() mutable { return joined(fieldsOf(opaque(s), ','), opaque(with)); })
+#ifdef BENCH_QT
+        .by("QString",
+            [s = QString(ten.c_str()), with = QString("/")]() mutable {
+                return opaque(s).split(QChar(',')).join(opaque(with));
+            })
+#endif
+        ;
+}
+
+[[maybe_unused]] const bool entered = (enterSearching(), enterEditing(), enterLists(), true);
+
+} // namespace

@@ -1,0 +1,237 @@
+// Numbers to text and back, and placeholders.
+
+#include "Contest.h"
+
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+
+#ifdef BENCH_FMT
+#include <fmt/format.h>
+#endif
+#ifdef BENCH_POCO
+#include <Poco/NumberFormatter.h>
+#include <Poco/NumberParser.h>
+#endif
+
+namespace {
+
+using contest::Contest;
+using contest::opaque;
+
+constexpr std::array<int, 8> ints = {0, 7, -42, 1999, 65536, -1234567, 2147483647, 100};
+constexpr std::array<long long, 8> wideInts = {0,           -7,        4294967296LL, 1234567890123LL,
+                                               -9876543210, 1LL << 62, 86400000,     20111231};
+constexpr std::array<double, 8> doubles = {0.0,    1.5,      -3.14159265, 44100.0,
+                                           0.0001, 1234.567, 99999.875,   -0.333333333};
+
+/// The work on the next of eight values at every call.
+template <typename Value, typename Work>
+auto onNext(const std::array<Value, 8>& values, Work work) {
+    return [values, work, i = 0u]() mutable { return work(opaque(values)[i++ % 8]); };
+}
+
+template <typename Value>
+auto printed(const std::array<Value, 8>& values, const char* format) {
+    return onNext(values, [format](Value v) {
+        char text[64];
+        static_cast<void>(std::snprintf(text, sizeof text, format, v));
+        return std::string(text);
+    });
+}
+
+template <typename Value, typename... Form>
+auto byCharconv(const std::array<Value, 8>& values, Form... form) {
+    return onNext(values, [form...](Value v) {
+        char text[64];
+        const std::to_chars_result end = std::to_chars(text, text + sizeof text, v, form...);
+        return std::string(text, end.ptr);
+    });
+}
+
+void enterIntegers() {
+    Contest("number_int")
+        .by("ours", onNext(ints, [](int v) { return String::Number(v); }))
+        .by("snprintf", printed(ints, "%d"))
+        .by("to_string", onNext(ints, [](int v) { return std::to_string(v); }))
+        .by("make_shared",
+            onNext(ints, [](int v) { return std::make_shared<std::string>(std::to_string(v)); }))
+#ifdef BENCH_POCO
+        .by("Poco", onNext(ints, [](int v) { return Poco::NumberFormatter::format(v); }))
+#endif
+#ifdef BENCH_QT
+        .by("QString", onNext(ints, [](int v) { return QString::number(v); }))
+#endif
+        ;
+    constexpr std::array<unsigned int, 8> bits = {0, 255, 4096, 0xDEADBEEF, 0x1F, 0xFFFFFFFF, 31, 0xABCDE};
+    Contest("number_uint_hex")
+        .by("ours", onNext(bits, [](unsigned int v) { return String::Number(v, 16); }))
+        .by("snprintf", printed(bits, "%X"))
+#ifdef BENCH_FMT
+        .by("fmt", onNext(bits, [](unsigned int v) { return fmt::format("{:X}", v); }))
+#endif
+#ifdef BENCH_POCO
+        .by("Poco", onNext(bits, [](unsigned int v) { return Poco::NumberFormatter::formatHex(v); }))
+#endif
+#ifdef BENCH_QT
+        .by("QString", onNext(bits, [](unsigned int v) { return QString::number(v, 16).toUpper(); }))
+#endif
+        ;
+    Contest("number_int64")
+        .by("ours", onNext(wideInts, [](long long v) { return String::Number(v); }))
+        .by("snprintf", printed(wideInts, "%lld"))
+#ifdef BENCH_FMT
+        .by("fmt", onNext(wideInts, [](long long v) { return fmt::format("{}", v); }))
+#endif
+#ifdef BENCH_QT
+        .by("QString", onNext(wideInts, [](long long v) { return QString::number(v); }))
+#endif
+        ;
+}
+
+void enterDoubles() {
+    Contest("number_double")
+        .by("ours", onNext(doubles, [](double v) { return String::Number(v); }))
+        .by("snprintf", printed(doubles, "%f"))
+        .by("charconv", byCharconv(doubles, std::chars_format::fixed, 6))
+#ifdef BENCH_QT
+        .by("QString", onNext(doubles, [](double v) { return QString::number(v, 'f', 6); }))
+#endif
+        ;
+    Contest("number_double_p2")
+        .by("ours", onNext(doubles, [](double v) { return String::Number(v, 2); }))
+        .by("snprintf", printed(doubles, "%.2f"))
+        .by("charconv", byCharconv(doubles, std::chars_format::fixed, 2))
+#ifdef BENCH_QT
+        .by("QString", onNext(doubles, [](double v) { return QString::number(v, 'f', 2); }))
+#endif
+        ;
+    Contest("number_double_e")
+        .by("ours", onNext(doubles, [](double v) { return String::Number(v, 4, 'e'); }))
+        .by("snprintf", printed(doubles, "%.4e"))
+        .by("charconv", byCharconv(doubles, std::chars_format::scientific, 4))
+#ifdef BENCH_QT
+        .by("QString", onNext(doubles, [](double v) { return QString::number(v, 'e', 4); }))
+#endif
+        ;
+}
+
+template <typename Number, typename... Base>
+auto parsedByCharconv(const std::array<std::string, 8>& texts, Base... base) {
+    return onNext(texts, [base...](const std::string& s) {
+        Number v = 0;
+        std::from_chars(s.data(), s.data() + s.size(), v, base...);
+        return v;
+    });
+}
+
+template <typename Text>
+std::array<Text, 8> as(const std::array<std::string, 8>& texts) {
+    std::array<Text, 8> result;
+    for (std::size_t i = 0; i < texts.size(); ++i) result[i] = Text(texts[i].c_str());
+    return result;
+}
+
+void enterIntegerParsing(const char* job, const std::array<std::string, 8>& texts, unsigned int base) {
+    const int intBase = static_cast<int>(base);
+    Contest(job)
+        .by("ours", onNext(as<String>(texts), [base](const String& s) { return s.ToInt(nullptr, base); }))
+        .by("strtol", onNext(texts,
+                             [intBase](const std::string& s) {
+                                 char* end = nullptr;
+                                 return static_cast<int>(std::strtol(s.c_str(), &end, intBase));
+                             }))
+        .by("charconv", parsedByCharconv<int>(texts, intBase))
+#ifdef BENCH_QT
+        .by("QString",
+            onNext(as<QString>(texts), [intBase](const QString& s) { return s.toInt(nullptr, intBase); }))
+#endif
+        ;
+}
+
+void enterParsing() {
+    enterIntegerParsing("to_int", {"0", "42", "-17", "1999", "65536", "-1234567", "2147483647", "100"}, 10);
+    enterIntegerParsing("to_int_hex", {"0", "2A", "1f", "FFFF", "7FFFFFFF", "abcdef", "10", "1234567"}, 16);
+    const std::array<std::string, 8> texts = {"0.5", "44100", "-3.25",  "0.000125",
+                                              "1e3", "99.99", "-0.707", "123456.789"};
+    Contest("to_double")
+        .by("ours", onNext(as<String>(texts), [](const String& s) { return s.ToDouble(); }))
+        .by("strtod", onNext(texts, [](const std::string& s) { return std::strtod(s.c_str(), nullptr); }))
+        .by("charconv", parsedByCharconv<double>(texts))
+#ifdef BENCH_QT
+        .by("QByteArray", onNext(as<QByteArray>(texts), [](const QByteArray& s) { return s.toDouble(); }))
+        .by("QString", onNext(as<QString>(texts), [](const QString& s) { return s.toDouble(); }))
+#endif
+        ;
+}
+
+constexpr char oneValue[] = "Attempt to seek to %1 when not open";
+constexpr char threeValues[] = "Can't extract %1 bytes at position %2, total size %3";
+constexpr char oneText[] = "InstalledProducts/%1/CurrentVersion";
+
+/// The text with its "%1" replaced by std::string's own means.
+std::string replaced(std::string text, const std::string& argument) {
+    return text.replace(text.find("%1"), 2, argument);
+}
+
+void enterArguments() {
+    Contest("arg_int")
+        .by("ours", [t = String(oneValue), v = 4096]() mutable { return opaque(t).Arg(opaque(v)); })
+        .by("replace", [t = std::string(oneValue),
+                        v = 4096]() mutable { return replaced(opaque(t), std::to_string(opaque(v))); })
+#ifdef BENCH_FMT
+        .by("fmt",
+            [v = 4096]() mutable { return fmt::format("Attempt to seek to {} when not open", opaque(v)); })
+#endif
+#ifdef BENCH_QT
+        .by("QString", [t = QString(oneValue), v = 4096]() mutable { return opaque(t).arg(opaque(v)); })
+#endif
+        ;
+    Contest("arg_3_ints")
+        .by("ours", [t = String(threeValues),
+                     v = 4096]() mutable { return opaque(t).Arg(opaque(v)).Arg(opaque(v)).Arg(opaque(v)); })
+        .by("printf",
+            [v = 4096]() mutable {
+                char text[128];
+                const int n =
+                    std::snprintf(text, sizeof text, "Can't extract %d bytes at position %d, total size %d",
+                                  opaque(v), opaque(v), opaque(v));
+                return std::string(text, static_cast<std::size_t>(n));
+            })
+#ifdef BENCH_FMT
+        .by("fmt",
+            [v = 4096]() mutable {
+                return fmt::format("Can't extract {} bytes at position {}, total size {}", opaque(v),
+                                   opaque(v), opaque(v));
+            })
+#endif
+#ifdef BENCH_QT
+        .by("QString",
+            [t = QString(threeValues), v = 4096]() mutable {
+                return opaque(t).arg(opaque(v)).arg(opaque(v)).arg(opaque(v));
+            })
+#endif
+        ;
+    Contest("arg_text")
+        .by("ours",
+            [t = String(oneText), a = String("Fusewright")]() mutable { return opaque(t).Arg(opaque(a)); })
+        .by("replace", [t = std::string(oneText),
+                        a = std::string("Fusewright")]() mutable { return replaced(opaque(t), opaque(a)); })
+#ifdef BENCH_FMT
+        .by("fmt",
+            [a = std::string("Fusewright")]() mutable {
+                return fmt::format("InstalledProducts/{}/CurrentVersion", opaque(a));
+            })
+#endif
+#ifdef BENCH_QT
+        .by("QString",
+            [t = QString(oneText), a = QString("Fusewright")]() mutable { return opaque(t).arg(opaque(a)); })
+#endif
+        ;
+}
+
+[[maybe_unused]] const bool entered =
+    (enterIntegers(), enterDoubles(), enterParsing(), enterArguments(), true);
+
+} // namespace
