@@ -113,7 +113,7 @@ std::vector<std::string> manyTexts(bool names) {
     std::mt19937 random(7);
     std::vector<std::string> texts(100000);
     for (std::string& text : texts) {
-        if (names) text = "take " + std::to_string(random() % 1000000) + ".wav";
+        if (names) text = "take " + std::to_string(random() % 1000000) + " (mix).wav";
         while (!names && text.size() < 20) text += static_cast<char>('a' + random() % 26);
     }
     return texts;

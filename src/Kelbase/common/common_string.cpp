@@ -2,8 +2,10 @@
 
 #include <Kelbase/common/common_string_length.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <new>
 #include <stdexcept>
-#include <utility>
 
 namespace {
 
@@ -22,64 +24,80 @@ std::size_t sequenceLength(unsigned char lead) {
 }
 
 /// Makes a sequence that the end of the text cuts off NUL bytes.
-void blankCutSequence(std::string& bytes) {
-    if (bytes.empty() || static_cast<unsigned char>(bytes.back()) < 0x80) return;
-    for (std::size_t i = bytes.size(); i-- > 0;) {
+void blankCutSequence(char* bytes, std::size_t length) {
+    if (length == 0 || static_cast<unsigned char>(bytes[length - 1]) < 0x80) return;
+    for (std::size_t i = length; i-- > 0;) {
         const auto byte = static_cast<unsigned char>(bytes[i]);
         if (byte < 0xC0) continue;
-        const std::size_t present = bytes.size() - i;
-        if (sequenceLength(byte) > present) bytes.replace(i, present, present, '\0');
+        const std::size_t present = length - i;
+        if (sequenceLength(byte) > present) std::memset(bytes + i, 0, present);
         return;
     }
+}
+
+/// The room of a text that grew to `length` and may go on growing.
+unsigned long long roomToGrow(std::size_t length) {
+    return std::min<unsigned long long>(length + std::max<unsigned long long>(length, 16), PTRDIFF_MAX);
 }
 
 } // namespace
 
 std::size_t checkedLength(unsigned long long n) {
-    if (n > 0xFFFFFFFFu) throw std::length_error("String: 4 GiB or more");
+    if (n > 0xFFFFFFFFu || n > PTRDIFF_MAX) throw std::length_error("String: too long");
     return static_cast<std::size_t>(n);
 }
 
-String::String(std::string&& bytes) {
-    checkedLength(bytes.size());
-    text = shared_ptr<std::string>::make(std::move(bytes));
+/// A block for one holder, its bytes yet to be written. More room than can be counted is cut.
+String::Block* String::NewBlock(unsigned long long length, unsigned long long capacity) {
+    const std::size_t counted = checkedLength(length);
+    capacity = std::min<unsigned long long>(capacity, std::max<unsigned long long>(counted, 0x7FFFFFFF));
+    void* const memory = ::operator new(sizeof(Block) + static_cast<std::size_t>(capacity) + 1);
+    Block* const b =
+        new (memory) Block{1, static_cast<unsigned int>(counted), static_cast<unsigned int>(capacity)};
+    b->Bytes()[counted] = '\0';
+    return b;
 }
 
-String::String(std::string_view bytes) : text(shared_ptr<std::string>::make(bytes)) {}
+void String::Free(Block* b) noexcept { ::operator delete(b); }
 
-String::String(const char* s) {
-    if (s) text = shared_ptr<std::string>::make(s, checkedLength(std::strlen(s)));
+String::String(std::string_view bytes) {
+    if (bytes.empty()) return;
+    block = NewBlock(bytes.size(), bytes.size());
+    std::memcpy(block->Bytes(), bytes.data(), bytes.size());
 }
 
-String::String(const char* s, unsigned int n) {
-    if (s) text = shared_ptr<std::string>::make(s, lengthUpToNul(s, n));
-}
+String::String(const char* s) : String(s ? std::string_view(s) : std::string_view()) {}
 
-String::String(char c) : text(shared_ptr<std::string>::make(1u, c)) {}
+String::String(const char* s, unsigned int n)
+    : String(s ? std::string_view(s, lengthUpToNul(s, n)) : std::string_view()) {}
+
+String::String(char c) : String(std::string_view(&c, 1)) {}
 
 String& String::operator=(const char* s) { return *this = String(s); }
 
 String String::GetPlatformLinefeed() { return String('\n'); }
 
-String& String::operator+=(const String& r) {
-    if (r.Bytes().empty()) return *this;
-    if (Bytes().empty()) return *this = r;
-    const std::size_t total = checkedLength(0ull + text->size() + r.text->size());
-    if (IsSoleHolder()) {
-        text->append(r.Bytes());
+String& String::Append(std::string_view piece) {
+    const std::size_t length = GetLength();
+    const std::size_t total = checkedLength(0ull + length + piece.size());
+    if (IsSoleHolder() && total <= block->capacity) {
+        std::memcpy(block->Bytes() + length, piece.data(), piece.size());
+        block->length = static_cast<unsigned int>(total);
+        block->Bytes()[total] = '\0';
         return *this;
     }
-    std::string joined;
-    joined.reserve(total);
-    joined.append(*text).append(*r.text);
-    return *this = String(std::move(joined));
+    String longer; // the old text goes last: the piece may be a part of it
+    longer.block = NewBlock(total, roomToGrow(total));
+    std::memcpy(longer.block->Bytes(), Latin1(), length);
+    std::memcpy(longer.block->Bytes() + length, piece.data(), piece.size());
+    std::swap(block, longer.block);
+    return *this;
 }
 
-String& String::operator+=(char c) {
-    if (!IsSoleHolder()) return *this += String(c);
-    checkedLength(text->size() + 1ull);
-    text->push_back(c);
-    return *this;
+String& String::operator+=(const String& r) {
+    if (r.GetLength() == 0) return *this;
+    if (GetLength() == 0) return *this = r;
+    return Append(r.Bytes());
 }
 
 String operator+(String a, const String& b) {
@@ -88,31 +106,26 @@ String operator+(String a, const String& b) {
 }
 
 String operator+(String a, const char* b) {
-    a += String(b);
+    if (b) a.Append(b);
     return a;
 }
 
 String& String::detachAndExtend(unsigned int n) {
     const std::size_t length = n < GetLength() ? GetLength() : checkedLength(n + 1ull);
-    if (IsSoleHolder()) {
-        text->resize(length);
-        return *this;
-    }
-    std::string extended;
-    extended.reserve(length);
-    extended.append(Bytes()).resize(length);
-    return *this = String(std::move(extended));
+    return Resize(static_cast<unsigned int>(length), false);
 }
 
 String& String::Resize(unsigned int n, bool keepWholeCharacters) {
-    if (!IsSoleHolder()) {
-        std::string resized;
-        resized.reserve(n);
-        resized.append(Bytes().substr(0, n)).resize(n);
-        *this = String(std::move(resized));
+    const unsigned int kept = std::min(n, GetLength());
+    if (!IsSoleHolder() || n > block->capacity) {
+        String own;
+        own.block = NewBlock(n, IsSoleHolder() ? roomToGrow(n) : n);
+        std::memcpy(own.block->Bytes(), Latin1(), kept);
+        std::swap(block, own.block);
     }
-    text->resize(n);
-    if (keepWholeCharacters) blankCutSequence(*text);
+    std::memset(block->Bytes() + kept, 0, n - kept + std::size_t{1});
+    block->length = n;
+    if (keepWholeCharacters) blankCutSequence(block->Bytes(), n);
     return *this;
 }
 

@@ -5,8 +5,8 @@
 #include <Kelbase/common/common_smart_ptr.h>
 
 #include <cstring>
-#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// UTF-8 text, shared on copy.
@@ -22,8 +22,14 @@
 class String {
 public:
     String() noexcept = default;
-    String(const String&) noexcept = default;
-    String(String&&) noexcept = default;   ///< The source becomes null.
+    String(const String& other) noexcept : block(other.block) {
+        if (block) ++block->holders;
+    }
+    /// The source becomes null.
+    String(String&& other) noexcept : block(std::exchange(other.block, nullptr)) {}
+    ~String() {
+        if (block && --block->holders == 0) Free(block);
+    }
     String(const char* s);                 ///< Up to the NUL; null gives null.
     String(const char* s, unsigned int n); ///< Up to the NUL, `n` bytes at most; null gives null.
     String(char c);                        ///< One byte, also when it is 0.
@@ -31,15 +37,17 @@ public:
     /// from 100,000 units or more, and when a character cannot be converted.
     String(const unsigned short* s, unsigned int encoding);
 
-    String& operator=(const String&) noexcept = default;
-    String& operator=(String&&) noexcept = default;
+    String& operator=(String other) noexcept {
+        std::swap(block, other.block);
+        return *this;
+    }
     String& operator=(const char* s);
 
     // Reading
 
-    unsigned int GetLength() const { return text ? static_cast<unsigned int>(text->size()) : 0; }
+    unsigned int GetLength() const { return block ? block->length : 0; }
     /// The bytes as they are stored, ended by a NUL; valid until this `String` changes. Never null.
-    const char* Latin1() const { return text ? text->c_str() : ""; }
+    const char* Latin1() const { return block ? block->Bytes() : ""; }
     /// UTF-16 units ended by 0. A null array when the bytes are not valid in the encoding (2 Mac Roman, else
     /// UTF-8) or make more than 100,000 units.
     shared_array<unsigned short> Unicode(unsigned int encoding) const;
@@ -48,7 +56,13 @@ public:
     // Appending
 
     String& operator+=(const String& r); ///< Shares `r` when this one is empty.
-    String& operator+=(char c);
+    String& operator+=(char c) {
+        if (!IsSoleHolder() || block->length == block->capacity) return Append(std::string_view(&c, 1));
+        char* const end = block->Bytes() + block->length++;
+        end[0] = c;
+        end[1] = '\0';
+        return *this;
+    }
 
     // Placeholders: "%" and one digit. The lowest digit is replaced, its leftmost one first, one a call; a
     // template without a placeholder gets the argument at its end. See `Number` for base, width, precision
@@ -161,15 +175,30 @@ public:
     static String Join(const String& sep, const std::vector<String>& parts);
 
 private:
-    explicit String(std::string&& bytes);
+    friend class StringBuilder;
+
+    /// What stands in front of the bytes and their NUL, in the one block of memory that a text takes.
+    struct Block {
+        unsigned int holders;
+        unsigned int length;
+        unsigned int capacity; // bytes that there is room for, less the NUL
+        char* Bytes() { return reinterpret_cast<char*>(this + 1); }
+    };
+
     explicit String(std::string_view bytes);
 
-    std::string_view Bytes() const { return text ? std::string_view(*text) : std::string_view(); }
-    /// Nobody else sees the text: it may be edited in place.
-    bool IsSoleHolder() const { return text && text.use_count() == 1; }
+    static Block* NewBlock(unsigned long long length, unsigned long long capacity);
+    static void Free(Block* b) noexcept;
 
-    // The text and its count in one block; null for no text.
-    shared_ptr<std::string> text;
+    std::string_view Bytes() const { return {Latin1(), GetLength()}; }
+    /// Nobody else sees the text: it may be edited in place.
+    bool IsSoleHolder() const { return block && block->holders == 1; }
+    String& Append(std::string_view piece);
+
+    friend String operator+(String a, const String& b);
+    friend String operator+(String a, const char* b);
+
+    Block* block = nullptr; // null for no text
 };
 
 String operator+(String a, const String& b);

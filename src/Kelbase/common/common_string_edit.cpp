@@ -1,5 +1,6 @@
 #include <Kelbase/common/common_string.h>
 
+#include <Kelbase/common/common_string_builder.h>
 #include <Kelbase/common/common_string_length.h>
 
 #include <algorithm>
@@ -9,24 +10,12 @@ namespace {
 
 bool isSpace(char c) { return Char(c).IsSpace(); }
 
+/// `map` of every byte.
 template <typename Map>
-std::string mapped(std::string bytes, Map map) {
-    std::transform(bytes.begin(), bytes.end(), bytes.begin(), map);
-    return bytes;
-}
-
-/// Replaces every occurrence of `from`, which is not empty and occurs first at `hit`.
-std::string replaced(std::string_view bytes, std::string_view from, std::string_view to, std::size_t hit) {
-    std::string result;
-    std::size_t copied = 0;
-    for (; hit != bytes.npos; hit = bytes.find(from, copied)) {
-        checkedLength(0ull + result.size() + (hit - copied) + to.size());
-        result.append(bytes.substr(copied, hit - copied)).append(to);
-        copied = hit + from.size();
-    }
-    checkedLength(0ull + result.size() + (bytes.size() - copied));
-    result.append(bytes.substr(copied));
-    return result;
+String mapped(std::string_view bytes, Map map) {
+    if (bytes.empty()) return {};
+    StringBuilder result(bytes.size());
+    return result.FinishAt(std::transform(bytes.begin(), bytes.end(), result.End(), map));
 }
 
 } // namespace
@@ -41,7 +30,8 @@ String String::Right(unsigned int n) const {
 
 String String::Mid(unsigned int start, const checked_value<unsigned int>& n) const {
     if (start >= GetLength()) return {};
-    const std::string_view slice = Bytes().substr(start, n.IsGiven() ? std::size_t{n} : std::string::npos);
+    const std::string_view slice =
+        Bytes().substr(start, n.IsGiven() ? std::size_t{n} : std::string_view::npos);
     return slice.size() == GetLength() ? *this : String(slice);
 }
 
@@ -50,15 +40,9 @@ String String::Mid(unsigned int start, const checked_value<unsigned int>& n) con
 String& String::Insert(unsigned int pos, const String& s) {
     if (pos >= GetLength()) return *this += s;
     const std::string_view old = Bytes();
-    const std::size_t total = checkedLength(0ull + old.size() + s.GetLength());
-    if (IsSoleHolder()) {
-        text->insert(pos, s.Bytes());
-        return *this;
-    }
-    std::string longer;
-    longer.reserve(total);
-    longer.append(old.substr(0, pos)).append(s.Bytes()).append(old.substr(pos));
-    return *this = String(std::move(longer));
+    const unsigned long long total = 0ull + old.size() + s.GetLength();
+    StringBuilder longer(total);
+    return *this = longer.Add(old.substr(0, pos)).Add(s.Bytes()).Add(old.substr(pos)).Finish();
 }
 
 String& String::Remove(unsigned int pos, const checked_value<unsigned int>& n) {
@@ -67,13 +51,12 @@ String& String::Remove(unsigned int pos, const checked_value<unsigned int>& n) {
     const std::size_t rest = old.size() - pos;
     const std::size_t count = n.IsGiven() ? std::min<std::size_t>(n, rest) : rest;
     if (IsSoleHolder()) {
-        text->erase(pos, count);
+        std::memmove(block->Bytes() + pos, old.data() + pos + count, rest - count + 1); // and the NUL
+        block->length -= static_cast<unsigned int>(count);
         return *this;
     }
-    std::string shorter;
-    shorter.reserve(old.size() - count);
-    shorter.append(old.substr(0, pos)).append(old.substr(pos + count));
-    return *this = String(std::move(shorter));
+    StringBuilder shorter(old.size() - count);
+    return *this = shorter.Add(old.substr(0, pos)).Add(old.substr(pos + count)).Finish();
 }
 
 // Edited copies
@@ -81,21 +64,36 @@ String& String::Remove(unsigned int pos, const checked_value<unsigned int>& n) {
 String String::ReplaceChar(const Char& from, const Char& to) const {
     const char old = from, fresh = to;
     if (!Find(old).IsGiven()) return *this;
-    return String(mapped(*text, [old, fresh](char c) { return c == old ? fresh : c; }));
+    return mapped(Bytes(), [old, fresh](char c) { return c == old ? fresh : c; });
 }
 
 String String::Replace(const String& from, const String& to) const {
+    const std::string_view bytes = Bytes();
     if (!from.GetLength()) return *this;
-    const std::size_t hit = Bytes().find(from.Bytes());
-    return hit == std::string::npos ? *this : String(replaced(Bytes(), from.Bytes(), to.Bytes(), hit));
+    std::vector<std::size_t> hits;
+    for (std::size_t hit = bytes.find(from.Bytes()); hit != bytes.npos;
+         hit = bytes.find(from.Bytes(), hit + from.GetLength()))
+        hits.push_back(hit);
+    if (hits.empty()) return *this;
+
+    // No overflow: a hit takes a byte at least, so there are fewer than 2^32, and `to` has fewer bytes than
+    // that.
+    StringBuilder result(bytes.size() - 0ull - hits.size() * from.GetLength() +
+                         1ull * hits.size() * to.GetLength());
+    std::size_t copied = 0;
+    for (const std::size_t hit : hits) {
+        result.Add(bytes.substr(copied, hit - copied)).Add(to.Bytes());
+        copied = hit + from.GetLength();
+    }
+    return result.Add(bytes.substr(copied)).Finish();
 }
 
 String String::ToUpper() const {
-    return text ? String(mapped(*text, [](char c) -> char { return Char(c).ToUpper(); })) : String();
+    return mapped(Bytes(), [](char c) -> char { return Char(c).ToUpper(); });
 }
 
 String String::ToLower() const {
-    return text ? String(mapped(*text, [](char c) -> char { return Char(c).ToLower(); })) : String();
+    return mapped(Bytes(), [](char c) -> char { return Char(c).ToLower(); });
 }
 
 String String::StripWhiteSpace() const {
@@ -108,17 +106,18 @@ String String::StripWhiteSpace() const {
 String String::SimplifyWhiteSpace() const {
     const std::string_view bytes = Bytes();
     if (bytes.empty()) return *this;
-    std::string words;
-    words.reserve(bytes.size());
+    StringBuilder words(bytes.size());
+    bool first = true;
     for (std::size_t i = 0; i < bytes.size();) {
         if (isSpace(bytes[i])) {
             ++i;
             continue;
         }
-        if (!words.empty()) words += ' ';
-        for (; i < bytes.size() && !isSpace(bytes[i]); ++i) words += bytes[i];
+        if (!first) words.Add(' ');
+        first = false;
+        for (; i < bytes.size() && !isSpace(bytes[i]); ++i) words.Add(bytes[i]);
     }
-    String simplified(std::move(words));
+    String simplified = words.Finish();
     // Byte 0xA0 separates words also inside a UTF-8 sequence: the last one may have lost its tail.
     return simplified.Resize(simplified.GetLength(), true);
 }
@@ -140,15 +139,12 @@ void String::Split(char sep, std::vector<String>& out) const {
 
 String String::Join(const String& sep, const std::vector<String>& parts) {
     if (parts.empty()) return {};
-    std::size_t total = parts[0].GetLength();
-    for (std::size_t i = 1; i < parts.size(); ++i) {
-        total = checkedLength(0ull + total + sep.GetLength() + parts[i].GetLength());
+    std::size_t total = 0;
+    for (const String& part : parts) total = checkedLength(0ull + total + sep.GetLength() + part.GetLength());
+    StringBuilder joined(total);
+    for (const String& part : parts) {
+        if (&part != &parts.front()) joined.Add(sep.Bytes());
+        joined.Add(part.Bytes());
     }
-    std::string joined;
-    joined.reserve(total);
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (i) joined.append(sep.Bytes());
-        joined.append(parts[i].Bytes());
-    }
-    return String(std::move(joined));
+    return joined.Finish();
 }

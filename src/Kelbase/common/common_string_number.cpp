@@ -1,11 +1,13 @@
 #include <Kelbase/common/common_string.h>
 
+#include <Kelbase/common/common_string_builder.h>
 #include <Kelbase/common/common_string_decimal.h>
 #include <Kelbase/common/common_string_length.h>
 
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <string>
 #include <utility>
 
 char g_chDecimalPoint = '.';
@@ -111,10 +113,11 @@ String String::Arg(const String& a) const {
     const auto place = findPlaceholder(Latin1(), GetLength());
     if (!place.IsGiven()) return *this + a;
     const std::string_view bytes = Bytes();
-    std::string filled;
-    filled.reserve(checkedLength(bytes.size() - 2ull + a.GetLength()));
-    filled.append(bytes.substr(0, place)).append(a.Bytes()).append(bytes.substr(place + std::size_t{2}));
-    return String(std::move(filled));
+    StringBuilder filled(bytes.size() - 2ull + a.GetLength());
+    return filled.Add(bytes.substr(0, place))
+        .Add(a.Bytes())
+        .Add(bytes.substr(place + std::size_t{2}))
+        .Finish();
 }
 
 String String::Arg(char c) const { return Arg(String(c)); }

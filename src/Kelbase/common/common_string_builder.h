@@ -1,0 +1,40 @@
+#pragma once
+
+#include <Kelbase/common/common_string.h>
+
+/// A new text, written from front to back into the one block of memory that it will take.
+class StringBuilder {
+public:
+    /// Makes room for a text of at most `length` bytes; throws as `String` does.
+    explicit StringBuilder(unsigned long long length) {
+        text.block = String::NewBlock(length, length);
+        end = text.block->Bytes();
+    }
+
+    // What is added must fit the room.
+
+    StringBuilder& Add(std::string_view piece) {
+        std::memcpy(end, piece.data(), piece.size());
+        end += piece.size();
+        return *this;
+    }
+    StringBuilder& Add(char c) {
+        *end++ = c;
+        return *this;
+    }
+
+    /// Where the next byte goes, for those who write there themselves; they then `Finish` at another place.
+    char* End() { return end; }
+
+    String Finish() { return FinishAt(end); }
+    /// The text up to `e`; the builder has none left.
+    String FinishAt(char* e) {
+        *e = '\0';
+        text.block->length = static_cast<unsigned int>(e - text.block->Bytes());
+        return std::move(text);
+    }
+
+private:
+    String text;
+    char* end;
+};
