@@ -2,13 +2,13 @@
 
 #include <Kelbase/common/common_string_builder.h>
 #include <Kelbase/common/common_string_decimal.h>
+#include <Kelbase/common/common_string_digits.h>
+#include <Kelbase/common/common_string_float_text.h>
 #include <Kelbase/common/common_string_length.h>
 
 #include <algorithm>
 #include <climits>
-#include <cstdio>
-#include <string>
-#include <utility>
+#include <type_traits>
 
 char g_chDecimalPoint = '.';
 
@@ -16,166 +16,196 @@ namespace {
 
 using Width = checked_value<unsigned int>;
 
-constexpr char digitAlphabet[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
-constexpr unsigned int noPrecision = 0xFFFFFFFF;
-
 unsigned int usableBase(unsigned int base) { return base < 2 || base > 36 ? 10 : base; }
 
-/// The digits of a number, "0" before them up to `width` and the sign before all.
-std::string formatMagnitude(unsigned long long v, bool minus, unsigned int base, const Width& width) {
-    char digits[sizeof v * CHAR_BIT];
-    char* const end = digits + sizeof digits;
-    char* first = end;
-    do {
-        *--first = digitAlphabet[v % base];
-        v /= base;
-    } while (v != 0);
-    const auto count = end - first;
-    const unsigned long long padded = std::max<unsigned long long>(width, static_cast<std::size_t>(count));
-    std::string text(checkedLength(padded + minus), '0');
-    if (minus) text.front() = '-';
-    std::copy(first, end, text.end() - count);
-    return text;
-}
+// Whatever becomes a text, or a part of one, tells its length and then adds itself: a result is written once,
+// where it stays.
 
-std::string formatInteger(unsigned int v, unsigned int base, const Width& width) {
-    return formatMagnitude(v, false, usableBase(base), width);
-}
+struct TextPart {
+    std::string_view bytes;
 
-std::string formatInteger(int v, unsigned int base, const Width& width) {
-    base = usableBase(base);
-    const unsigned int magnitude = v < 0 ? 0u - static_cast<unsigned int>(v) : static_cast<unsigned int>(v);
-    if (v != INT_MIN) return formatMagnitude(magnitude, v < 0, base, width);
-    // The one value without a positive twin is written in two pieces, and a width pads each.
-    checkedLength(2ull * width + 1);
-    return formatMagnitude(magnitude / base, true, base, width)
-        .append(formatMagnitude(magnitude % base, false, base, width));
-}
+    unsigned long long Length() const { return bytes.size(); }
+    void AddTo(StringBuilder& text) const { text.Add(bytes); }
+};
 
-std::string formatInteger(unsigned long long v, unsigned int base, const Width& width) {
-    return formatMagnitude(v, false, base == 16 ? 16 : 10, width);
-}
+/// The digits of an integer, "0" before them up to a width, and the sign before all.
+class IntegerPart {
+public:
+    IntegerPart(unsigned long long magnitude, bool negative, unsigned int base, const Width& padTo)
+        : first(Digits(magnitude, base)), width(padTo), minus(negative) {}
+    IntegerPart(const IntegerPart&) = delete;
+    IntegerPart& operator=(const IntegerPart&) = delete;
 
-std::string formatInteger(long long v, unsigned int base, const Width& width) {
-    const auto bits = static_cast<unsigned long long>(v);
-    return v < 0 && base != 16 ? formatMagnitude(0 - bits, true, 10, width)
-                               : formatInteger(bits, base, width);
-}
-
-// A `long` counts as 32 bits wide wherever its value fits them; a wider one is written whole.
-
-bool fitsInt(long v) { return v >= INT_MIN && v <= INT_MAX; }
-
-std::string formatInteger(unsigned long v, unsigned int base, const Width& width) {
-    return formatMagnitude(v, false, usableBase(base), width);
-}
-
-std::string formatInteger(long v, unsigned int base, const Width& width) {
-    if (fitsInt(v)) return formatInteger(static_cast<int>(v), base, width);
-    const auto bits = static_cast<unsigned long>(v);
-    return formatMagnitude(v < 0 ? 0 - bits : bits, v < 0, usableBase(base), width);
-}
-
-String formatFloat(double value, unsigned int precision, const checked_value<unsigned int>& format) {
-    char letter = 'f';
-    for (const char known : {'F', 'e', 'E', 'g', 'G'}) {
-        if (format.IsGiven() && format == static_cast<unsigned int>(known)) letter = known;
+    unsigned long long Length() const { return std::max(width, Count()) + 0ull + minus; }
+    void AddTo(StringBuilder& text) const {
+        if (minus) text.Add('-');
+        for (unsigned int i = Count(); i < width; ++i) text.Add('0');
+        text.Add(std::string_view(first, Count()));
     }
-    char text[1024] = "";
-    if (precision == noPrecision) {
-        const char pattern[] = {'%', letter, '\0'};
-        static_cast<void>(std::snprintf(text, sizeof text, pattern, value));
-    } else {
-        const char pattern[] = {'%', '.', '*', letter, '\0'};
-        const int digits = precision < 99 ? static_cast<int>(precision) : 99;
-        static_cast<void>(std::snprintf(text, sizeof text, pattern, digits, value));
-    }
-    if (g_chDecimalPoint == '.') return String(text);
-    return String(text).StripWhiteSpace().ReplaceChar('.', g_chDecimalPoint);
-}
 
-/// Position of the placeholder to fill: the lowest digit, and of equal ones the first.
-checked_value<unsigned int> findPlaceholder(const char* s, unsigned int length) {
-    checked_value<unsigned int> best;
+private:
+    char* Digits(unsigned long long v, unsigned int base) {
+        char* const end = room + sizeof room;
+        if (base == 10) return writeDigits(end, v, std::integral_constant<unsigned int, 10>());
+        if (base == 16) return writeDigits(end, v, std::integral_constant<unsigned int, 16>());
+        return writeDigits(end, v, base);
+    }
+    unsigned int Count() const { return static_cast<unsigned int>(room + sizeof room - first); }
+
+    char room[sizeof(unsigned long long) * CHAR_BIT];
+    const char* first;
+    unsigned int width;
+    bool minus;
+};
+
+/// Position of the placeholder to fill: the lowest digit, and of equal ones the first. The end when there is
+/// none.
+std::size_t findPlaceholder(std::string_view s) {
+    std::size_t best = s.size();
     char lowest = '9' + 1;
-    for (unsigned int i = 0; i + 1 < length && lowest > '0'; ++i) {
-        if (s[i] == '%' && s[i + 1] >= '0' && s[i + 1] < lowest) {
-            lowest = s[i + 1];
-            best = i;
-        }
+    for (std::size_t p = s.find('%'); p != s.npos && p + 1 < s.size() && lowest > '0';
+         p = s.find('%', p + 1)) {
+        if (s[p + 1] < '0' || s[p + 1] >= lowest) continue;
+        lowest = s[p + 1];
+        best = p;
     }
     return best;
 }
 
-} // namespace
-
-String String::Arg(const String& a) const {
-    const auto place = findPlaceholder(Latin1(), GetLength());
-    if (!place.IsGiven()) return *this + a;
-    const std::string_view bytes = Bytes();
-    StringBuilder filled(bytes.size() - 2ull + a.GetLength());
-    return filled.Add(bytes.substr(0, place))
-        .Add(a.Bytes())
-        .Add(bytes.substr(place + std::size_t{2}))
-        .Finish();
+/// The template with `part` in the place of its placeholder, or behind it when it has none.
+template <typename Part>
+String filled(const String& pattern, const Part& part) {
+    const std::string_view bytes(pattern.Latin1(), pattern.GetLength());
+    const std::size_t before = findPlaceholder(bytes);
+    const std::size_t after = std::min(before + 2, bytes.size());
+    StringBuilder text(bytes.size() - (after - before) + part.Length());
+    text.Add(bytes.substr(0, before));
+    part.AddTo(text);
+    return text.Add(bytes.substr(after)).Finish();
 }
 
-String String::Arg(char c) const { return Arg(String(c)); }
-String String::Arg(const Char& c) const { return Arg(String(static_cast<char>(c))); }
+template <typename Part>
+String textOf(const Part& part) {
+    StringBuilder text(part.Length());
+    part.AddTo(text);
+    return text.Finish();
+}
+
+// What a part is wanted for.
+
+struct MakeText {
+    template <typename Part>
+    String operator()(const Part& part) const {
+        return textOf(part);
+    }
+};
+struct Fill {
+    explicit Fill(const String& p) : pattern(p) {}
+    template <typename Part>
+    String operator()(const Part& part) const {
+        return filled(pattern, part);
+    }
+    const String& pattern;
+};
+
+// A `long` counts as 32 bits wide wherever its value fits them; a wider one is written whole.
+bool fitsInt(long v) { return v >= INT_MIN && v <= INT_MAX; }
+
+/// Hands `use` the part that a number is written as, and answers what it answers.
+template <typename Use>
+String withPart(unsigned long v, unsigned int base, const Width& width, Use use) {
+    return use(IntegerPart(v, false, usableBase(base), width));
+}
+template <typename Use>
+String withPart(long v, unsigned int base, const Width& width, Use use) {
+    const unsigned long magnitude = v < 0 ? 0 - static_cast<unsigned long>(v) : static_cast<unsigned long>(v);
+    if (v != INT_MIN || !width.IsGiven()) return use(IntegerPart(magnitude, v < 0, usableBase(base), width));
+    // The one int without a positive twin is written in two pieces, and the width pads each.
+    checkedLength(2ull * width + 1);
+    base = usableBase(base);
+    const String pieces = textOf(IntegerPart(magnitude / base, true, base, width)) +
+                          textOf(IntegerPart(magnitude % base, false, base, width));
+    return use(TextPart{std::string_view(pieces.Latin1(), pieces.GetLength())});
+}
+template <typename Use>
+String withPart(unsigned long long v, unsigned int base, const Width& width, Use use) {
+    return use(IntegerPart(v, false, base == 16 ? 16 : 10, width));
+}
+template <typename Use>
+String withPart(long long v, unsigned int base, const Width& width, Use use) {
+    const auto bits = static_cast<unsigned long long>(v);
+    const bool minus = v < 0 && base != 16;
+    return use(IntegerPart(minus ? 0 - bits : bits, minus, base == 16 ? 16 : 10, width));
+}
+template <typename Use>
+String withPart(double v, unsigned int precision, const checked_value<unsigned int>& format, Use use) {
+    const FloatText text(v, precision, format);
+    if (g_chDecimalPoint == '.') return use(TextPart{text.View()});
+    const String pointed = textOf(TextPart{text.View()}).StripWhiteSpace().ReplaceChar('.', g_chDecimalPoint);
+    return use(TextPart{std::string_view(pointed.Latin1(), pointed.GetLength())});
+}
+
+} // namespace
+
+String String::Arg(const String& a) const { return filled(*this, TextPart{a.Bytes()}); }
+String String::Arg(char c) const { return filled(*this, TextPart{std::string_view(&c, 1)}); }
+String String::Arg(const Char& c) const { return Arg(static_cast<char>(c)); }
 
 String String::Arg(int v, unsigned int base, const Width& width) const {
-    return base == 16 ? Arg(static_cast<unsigned int>(v), base, width) : Arg(Number(v, base, width));
+    if (base == 16) return Arg(static_cast<unsigned int>(v), base, width);
+    return withPart(long{v}, base, width, Fill(*this));
 }
 String String::Arg(long v, unsigned int base, const Width& width) const {
     if (fitsInt(v)) return Arg(static_cast<int>(v), base, width);
-    return base == 16 ? Arg(static_cast<unsigned long>(v), base, width) : Arg(Number(v, base, width));
+    if (base == 16) return Arg(static_cast<unsigned long>(v), base, width);
+    return withPart(v, base, width, Fill(*this));
 }
 String String::Arg(short v, unsigned int base, const Width& width) const {
-    return Arg(Number(int{v}, base, width));
+    return withPart(long{v}, base, width, Fill(*this));
 }
 String String::Arg(unsigned short v, unsigned int base, const Width& width) const {
-    return Arg(Number(int{v}, base, width));
+    return withPart(long{v}, base, width, Fill(*this));
 }
 String String::Arg(unsigned int v, unsigned int base, const Width& width) const {
-    return Arg(Number(v, base, width));
+    return withPart(static_cast<unsigned long>(v), base, width, Fill(*this));
 }
 String String::Arg(unsigned long v, unsigned int base, const Width& width) const {
-    return Arg(Number(v, base, width));
+    return withPart(v, base, width, Fill(*this));
 }
 String String::Arg(long long v, unsigned int base, const Width& width) const {
-    return Arg(Number(v, base, width));
+    return withPart(v, base, width, Fill(*this));
 }
 String String::Arg(unsigned long long v, unsigned int base, const Width& width) const {
-    return Arg(Number(v, base, width));
+    return withPart(v, base, width, Fill(*this));
 }
 String String::Arg(double v, unsigned int precision, const checked_value<unsigned int>& format) const {
-    return Arg(formatFloat(v, precision, format));
+    return withPart(v, precision, format, Fill(*this));
 }
 String String::Arg(float v, unsigned int precision, const checked_value<unsigned int>& format) const {
-    return Arg(double{v}, precision, format);
+    return withPart(double{v}, precision, format, Fill(*this));
 }
 
 String String::Number(int v, unsigned int base, const Width& width) {
-    return String(formatInteger(v, base, width));
+    return withPart(long{v}, base, width, MakeText());
 }
 String String::Number(unsigned int v, unsigned int base, const Width& width) {
-    return String(formatInteger(v, base, width));
+    return withPart(static_cast<unsigned long>(v), base, width, MakeText());
 }
 String String::Number(long v, unsigned int base, const Width& width) {
-    return String(formatInteger(v, base, width));
+    return withPart(v, base, width, MakeText());
 }
 String String::Number(unsigned long v, unsigned int base, const Width& width) {
-    return String(formatInteger(v, base, width));
+    return withPart(v, base, width, MakeText());
 }
 String String::Number(long long v, unsigned int base, const Width& width) {
-    return String(formatInteger(v, base, width));
+    return withPart(v, base, width, MakeText());
 }
 String String::Number(unsigned long long v, unsigned int base, const Width& width) {
-    return String(formatInteger(v, base, width));
+    return withPart(v, base, width, MakeText());
 }
 String String::Number(double v, unsigned int precision, const checked_value<unsigned int>& format) {
-    return formatFloat(v, precision, format);
+    return withPart(v, precision, format, MakeText());
 }
 String String::Number(float v, unsigned int precision, const checked_value<unsigned int>& format) {
-    return formatFloat(double{v}, precision, format);
+    return withPart(double{v}, precision, format, MakeText());
 }

@@ -1,19 +1,13 @@
 #include <Kelbase/common/common_string.h>
 
 #include <Kelbase/common/common_string_decimal.h>
+#include <Kelbase/common/common_string_locale.h>
 
-#include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 
 namespace {
-
-char localeDecimalPoint() {
-    const lconv* const locale = std::localeconv();
-    const char* const point = locale ? locale->decimal_point : nullptr;
-    return point && *point ? *point : '.';
-}
 
 bool isAscii(const String& s) {
     const char* const bytes = s.Latin1();
@@ -41,7 +35,7 @@ unsigned short asciiForm(unsigned short unit, char decimalPoint) {
 /// text when the bytes are no UTF-8.
 String normalizeNumberString(const String& s) {
     if (s.GetLength() == 0) return s;
-    const char decimalPoint = localeDecimalPoint();
+    const char decimalPoint = *localeDecimalPoint();
     String t = s;
     for (const char separator : {'.', ',', g_chDecimalPoint}) {
         if (separator != decimalPoint) t = t.StripWhiteSpace().ReplaceChar(separator, decimalPoint);
@@ -54,59 +48,56 @@ String normalizeNumberString(const String& s) {
     return String(units.get(), 1);
 }
 
-/// For a base up to 36: above it, bytes that are no letters would count.
-bool checkCharInBase(const Char& c, unsigned int base) {
-    const char byte = c;
-    if (base <= 10) return c.IsDigit() && static_cast<unsigned int>(byte - '0') < base;
-    const int letters = static_cast<int>(base - 10);
-    return c.IsDigit() || (byte > 0x60 && byte < 'a' + letters) || (byte >= 0x41 && byte < 'A' + letters);
-}
-
+/// The value of a digit in a base up to 36; more than any such base for what is no digit.
 unsigned int digitValue(char c) {
-    if (c >= '0' && c <= '9') return static_cast<unsigned int>(c - '0');
-    return static_cast<unsigned int>(c >= 'a' && c <= 'z' ? c - 87 : c - 55);
+    const unsigned int decimal = static_cast<unsigned char>(c) - unsigned{'0'};
+    if (decimal < 10) return decimal;
+    const unsigned int letter = (static_cast<unsigned char>(c) | 0x20) - unsigned{'a'};
+    return letter < 26 ? letter + 10 : 99;
 }
 
+const char* skipSpace(const char* p, const char* end) {
+    while (p < end && Char(*p).IsSpace()) ++p;
+    return p;
+}
+
+/// Reads the digits at `p`, which it moves behind them. False when they make no `U`.
 template <typename U>
-U scanUInt(const char*& p, unsigned int& remaining, unsigned int base, bool& ok) {
+bool scanUInt(const char*& p, const char* end, unsigned int base, U& value) {
     constexpr U largest = std::numeric_limits<U>::max();
-    const U max = static_cast<U>(largest / base);
-    const U maxDigit = static_cast<U>(largest % base);
-    U value = 0;
-    for (; remaining > 0 && checkCharInBase(*p, base); ++p, --remaining) {
-        const unsigned int digit = digitValue(*p);
-        if (value > max || (value == max && digit > maxDigit)) {
-            ok = false;
-            return 0;
+    unsigned long long sum = 0;
+    for (unsigned int digit; p < end && (digit = digitValue(*p)) < base; ++p) {
+        if constexpr (sizeof(U) < sizeof sum) {
+            sum = sum * base + digit;
+            if (sum > largest) return false;
+        } else {
+            if (sum > largest / base || (sum == largest / base && digit > largest % base)) return false;
+            sum = sum * base + digit;
         }
-        value = static_cast<U>(value * base + digit);
     }
-    ok = true;
-    return value;
-}
-
-void skipSpace(const char*& p, unsigned int& remaining) {
-    for (; remaining > 0 && Char(*p).IsSpace(); ++p) --remaining;
+    value = static_cast<U>(sum);
+    return true;
 }
 
 /// Sign, digits and nothing else but white space around them. `minus` is null where "-" is no sign.
 template <typename U>
-bool parseMagnitude(const String& s, unsigned int base, U& magnitude, bool* minus) {
-    if (base > 36) return false;
-    const String t = normalizeNumberString(s);
-    const char* p = t.Latin1();
-    unsigned int remaining = t.GetLength();
-    skipSpace(p, remaining);
-    if (remaining > 0 && (*p == '+' || (minus && *p == '-'))) {
+bool readMagnitude(const String& s, unsigned int base, U& magnitude, bool* minus) {
+    const char* const end = s.Latin1() + s.GetLength();
+    const char* p = skipSpace(s.Latin1(), end);
+    if (p < end && (*p == '+' || (minus && *p == '-'))) {
         if (minus) *minus = *p == '-';
         ++p;
-        --remaining;
     }
-    if (remaining == 0 || !checkCharInBase(*p, base)) return false;
-    bool fits = false;
-    magnitude = scanUInt<U>(p, remaining, base, fits);
-    skipSpace(p, remaining);
-    return fits && remaining == 0;
+    if (p == end || digitValue(*p) >= base) return false;
+    return scanUInt(p, end, base, magnitude) && skipSpace(p, end) == end;
+}
+
+/// Normalising changes no digit, sign or white space of ASCII: only a text with others is read again.
+template <typename U>
+bool parseMagnitude(const String& s, unsigned int base, U& magnitude, bool* minus) {
+    if (base > 36) return false;
+    return readMagnitude(s, base, magnitude, minus) ||
+           (!isAscii(s) && readMagnitude(normalizeNumberString(s), base, magnitude, minus));
 }
 
 template <typename U>
@@ -166,8 +157,77 @@ unsigned long long String::ToUInt64(bool* ok, unsigned int base) const {
     return toUInt<unsigned long long>(ok, base, *this);
 }
 
+namespace {
+
+/// A decimal number as it is written in most texts: digits, perhaps a separator among them, perhaps an
+/// exponent.
+struct PlainDecimal {
+    unsigned long long digits = 0;
+    int exponent = 0;
+    bool minus = false;
+};
+
+/// Reads a whole text; false for anything that is not so plain, be it a number or none.
+bool readPlain(const char* p, const char* end, PlainDecimal& number) {
+    p = skipSpace(p, end);
+    if (p < end && (*p == '-' || *p == '+')) number.minus = *p++ == '-';
+    int count = 0, behindSeparator = 0;
+    bool separated = false;
+    for (; p < end; ++p) {
+        const unsigned int digit = static_cast<unsigned char>(*p) - unsigned{'0'};
+        if (digit < 10) {
+            number.digits = number.digits * 10 + digit;
+            ++count;
+            behindSeparator += separated;
+        } else if ((*p == '.' || *p == ',') && !separated) {
+            separated = true;
+        } else {
+            break;
+        }
+    }
+    if (count == 0 || count > 19) return false;
+    if (p < end && (*p == 'e' || *p == 'E')) {
+        ++p;
+        const bool minus = p < end && *p == '-';
+        if (p < end && (*p == '-' || *p == '+')) ++p;
+        if (p == end || end - p > 3) return false;
+        for (unsigned int digit; p < end && (digit = static_cast<unsigned char>(*p) - unsigned{'0'}) < 10;
+             ++p)
+            number.exponent = number.exponent * 10 + static_cast<int>(digit);
+        if (minus) number.exponent = -number.exponent;
+    }
+    number.exponent -= behindSeparator;
+    return skipSpace(p, end) == end;
+}
+
+/// The double nearest to the text, where one operation is certain to give it: on a whole number and a power
+/// of ten that are doubles themselves.
+bool readExactly(const String& s, double& value) {
+    static constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                             1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                             1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    const char* const point = localeDecimalPoint();
+    if ((*point != '.' && *point != ',') || point[1] != '\0' || g_chDecimalPoint != '.') return false;
+    PlainDecimal number;
+    if (!readPlain(s.Latin1(), s.Latin1() + s.GetLength(), number) || number.digits > 1ull << 53 ||
+        number.exponent < -22 || number.exponent > 22)
+        return false;
+    const double digits = static_cast<double>(number.digits);
+    value =
+        number.exponent < 0 ? digits / powersOfTen[-number.exponent] : digits * powersOfTen[number.exponent];
+    if (number.minus) value = -value;
+    return true;
+}
+
+} // namespace
+
 double String::ToDouble(bool* ok) const {
     if (ok) *ok = false;
+    double exact = 0;
+    if (readExactly(*this, exact)) {
+        if (ok) *ok = true;
+        return exact;
+    }
     const String t = normalizeNumberString(*this);
     char* end = nullptr;
     const double value = std::strtod(t.Latin1(), &end);
