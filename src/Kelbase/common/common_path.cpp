@@ -1,8 +1,11 @@
 #include <Kelbase/common/common_path.h>
 
+#include <Kelbase/common/common_string_builder.h>
+#include <Kelbase/common/common_string_scan.h>
+
 #include <algorithm>
 #include <cstdlib>
-#include <string>
+#include <memory>
 #include <string_view>
 
 #include <unistd.h>
@@ -12,18 +15,6 @@ namespace {
 bool isSeparator(char c) { return c == '/' || c == '\\'; }
 
 std::string_view view(const String& s) { return {s.Latin1(), s.GetLength()}; }
-
-/// The bytes as text, also where there are NULs among them.
-String fromBytes(std::string_view bytes) {
-    String result;
-    while (true) {
-        const std::size_t length = std::min(bytes.find('\0'), bytes.size());
-        result += String(bytes.data(), static_cast<unsigned int>(length));
-        if (length == bytes.size()) return result;
-        result += '\0';
-        bytes.remove_prefix(length + 1);
-    }
-}
 
 /// The hook of platforms that keep short names beside the long ones.
 const String& convertToLongPath(const String& s) { return s; }
@@ -51,16 +42,6 @@ bool isParent(std::string_view name) {
     return name.substr(0, 2) == ".." && (name.size() == 2 || name[2] == '\0');
 }
 
-/// What cleaning would leave as it is, told by a look at the separators; some clean texts are not recognised.
-bool isClean(std::string_view s) {
-    if (s.find('\\') != s.npos) return false;
-    for (std::size_t p = s.find('/'); p != s.npos; p = s.find('/', p + 1)) {
-        const std::string_view rest = s.substr(p + 1, 2);
-        if (rest.empty() || rest[0] == '/' || rest == "..") return false;
-    }
-    return true;
-}
-
 std::string_view withoutTrailingSeparators(std::string_view s) {
     while (!s.empty() && isSeparator(s.back())) s.remove_suffix(1);
     return s;
@@ -70,50 +51,67 @@ std::size_t leadingSeparators(std::string_view s) {
     return static_cast<std::size_t>(std::find_if_not(s.begin(), s.end(), isSeparator) - s.begin());
 }
 
-/// Names between single "/", each ".." gone together with the name before it.
+/// Memory for the clean form of one path: that of the caller's stack unless the path is long.
+class Scratch {
+public:
+    char* Room(std::size_t n) {
+        if (n <= sizeof small) return small;
+        large = std::make_unique<char[]>(n);
+        return large.get();
+    }
+
+private:
+    char small[512];
+    std::unique_ptr<char[]> large;
+};
+
+/// Names between single "/", each ".." gone together with the name before it. Written to `out`, which has
+/// room for one byte more than the text.
 ///
 /// The name that follows such a ".." is taken over unseen, so that of two in a row the second one stays. A
 /// separator at the start stands behind an empty name, two or more behind two; a ".." takes these away as
 /// well.
-std::string cleanDirPath(std::string_view s) {
+std::string_view cleanDirPath(std::string_view s, char* const out) {
     if (s.empty()) return {};
     s = withoutTrailingSeparators(s);
     if (s.empty()) return "/";
 
+    const char* p = s.data() + leadingSeparators(s);
+    const char* const last = s.data() + s.size();
     std::size_t count = std::min<std::size_t>(leadingSeparators(s), 2);
-    std::string clean(count == 2 ? 1 : 0, '/'); // `count` names joined
-    bool examine = true;
-    for (s.remove_prefix(leadingSeparators(s)); !s.empty(); s.remove_prefix(leadingSeparators(s))) {
-        const auto end = static_cast<std::size_t>(std::find_if(s.begin(), s.end(), isSeparator) - s.begin());
-        const std::string_view name = s.substr(0, end);
-        if (examine && count > 0 && isParent(name)) {
-            clean.resize(--count > 0 ? clean.rfind('/') : 0);
+    char* end = out;
+    if (count == 2) *end++ = '/'; // `count` names joined
+    for (bool examine = true; p < last;) {
+        const std::string_view before(out, static_cast<std::size_t>(end - out));
+        if (count > 0) *end++ = '/';
+        const char* const name = end;
+        while (p < last && !isSeparator(*p)) *end++ = *p++;
+        while (p < last && isSeparator(*p)) ++p;
+        if (examine && count > 0 && isParent({name, static_cast<std::size_t>(end - name)})) {
+            end = out + (--count > 0 ? before.rfind('/') : 0);
             examine = false;
         } else {
-            if (count++ > 0) clean += '/';
-            clean += name;
+            ++count;
             examine = true;
         }
-        s.remove_prefix(end);
     }
-    return clean;
+    return {out, static_cast<std::size_t>(end - out)};
 }
 
 /// The canonical form of `s` less the "/" that ends it: a part of `s` where that is clean, else in `scratch`.
-std::string_view canonicalStem(const String& s, std::string& scratch) {
+std::string_view canonicalStem(const String& s, Scratch& scratch) {
     const auto withoutSlashes = [](std::string_view text) {
         while (!text.empty() && text.back() == '/') text.remove_suffix(1);
         return text;
     };
     const std::string_view stem = withoutSlashes(view(s));
-    if (isClean(stem)) return stem;
-    scratch = cleanDirPath(view(s));
-    return withoutSlashes(scratch);
+    if (!text_scan::HasDirtyPath(stem)) return stem; // some clean ones are not recognised
+    return withoutSlashes(cleanDirPath(view(s), scratch.Room(s.GetLength() + std::size_t{1})));
 }
 
 /// As strcmp orders the canonical forms of two paths, capital letters read as small ones.
 int compare(const String& a, const String& b) {
-    std::string scratchA, scratchB;
+    Scratch scratchA, scratchB;
     const std::string_view stemA = canonicalStem(convertToLongPath(a), scratchA);
     const std::string_view stemB = canonicalStem(convertToLongPath(b), scratchB);
     const auto at = [](std::string_view stem, std::size_t i) -> int {
@@ -127,16 +125,42 @@ int compare(const String& a, const String& b) {
     }
 }
 
-std::size_t lastSeparator(std::string_view s) { return s.find_last_of("/\\"); }
+bool areEqual(const String& a, const String& b) {
+    Scratch scratchA, scratchB;
+    const std::string_view stemA = canonicalStem(convertToLongPath(a), scratchA);
+    const std::string_view stemB = canonicalStem(convertToLongPath(b), scratchB);
+    if (stemA.size() == stemB.size()) return text_scan::EqualFolded(stemA.data(), stemB.data(), stemA.size());
+    const auto hasNul = [](std::string_view s) { return s.find('\0') != s.npos; };
+    return (hasNul(stemA) || hasNul(stemB)) && compare(a, b) == 0;
+}
+
+/// Position of the last separator; `npos` when there is none.
+std::size_t lastSeparator(std::string_view s) {
+    std::size_t n = s.size();
+    while (n > 0 && !isSeparator(s[n - 1])) --n;
+    return n - 1;
+}
 
 bool hasDrive(std::string_view s) { return s.size() >= 2 && s[1] == ':'; }
 
 /// The last name.
-String getFile(const String& s) {
-    const std::string_view text = withoutTrailingSeparators(view(s));
-    const std::size_t p = lastSeparator(text);
-    const std::size_t start = p != text.npos ? p + 1 : hasDrive(text) ? 2 : 0;
-    return s.Mid(static_cast<unsigned int>(start), static_cast<unsigned int>(text.size() - start));
+std::string_view getFile(std::string_view s) {
+    s = withoutTrailingSeparators(s);
+    const std::size_t p = lastSeparator(s);
+    return s.substr(p != s.npos ? p + 1 : hasDrive(s) ? 2 : 0);
+}
+
+/// What follows the last "." of the last name; empty when it has none.
+std::string_view getFileExtension(std::string_view file) {
+    const std::size_t dot = file.rfind('.');
+    return dot == file.npos ? std::string_view() : file.substr(dot + 1);
+}
+
+std::string_view getFileBaseName(std::string_view file) { return file.substr(0, file.rfind('.')); }
+
+/// A part of the text as a text.
+String slice(const String& s, std::string_view part) {
+    return s.Mid(static_cast<unsigned int>(part.data() - s.Latin1()), static_cast<unsigned int>(part.size()));
 }
 
 /// Everything before the last name.
@@ -149,16 +173,6 @@ String getDirectory(const String& s) {
     return s.Left(static_cast<unsigned int>(p));
 }
 
-String getFileExtension(const String& s) {
-    const checked_value<unsigned int> dot = s.FindRev('.');
-    return dot.IsGiven() ? s.Mid(dot + 1) : String();
-}
-
-String getFileBaseName(const String& s) {
-    const checked_value<unsigned int> dot = s.FindRev('.');
-    return dot.IsGiven() ? s.Left(dot) : s;
-}
-
 } // namespace
 
 void FilePath::construct(const String& text, bool) {
@@ -167,21 +181,31 @@ void FilePath::construct(const String& text, bool) {
 
 bool FilePath::IsRelative(const String& text) { return isRelative(text); }
 
-String FilePath::GetFilename() const { return getFile(internal); }
+String FilePath::GetFilename() const { return slice(internal, getFile(view(internal))); }
 
-String FilePath::GetExtension() const { return getFileExtension(getFile(internal)); }
+String FilePath::GetExtension() const { return slice(internal, getFileExtension(getFile(view(internal)))); }
 
-String FilePath::GetBaseName() const { return getFileBaseName(getFile(internal)); }
+String FilePath::GetBaseName() const { return slice(internal, getFileBaseName(getFile(view(internal)))); }
 
 FolderPath FilePath::GetFolder() const {
+    const std::string_view path = view(internal);
+    const std::string_view file = getFile(path);
+    const std::size_t end = static_cast<std::size_t>(file.data() - path.data());
+    // In most paths the folder ends with the separator before the file, and is absolute as it stands.
+    if (end > 1 && isSeparator(path[0]) && path[end - 1] == '/' && !isSeparator(path[end - 2])) {
+        FolderPath folder;
+        folder.internal = internal.Left(static_cast<unsigned int>(end));
+        return folder;
+    }
     return IsEmpty() ? FolderPath() : FolderPath(getDirectory(internal), false);
 }
 
 String FilePath::ToString() const {
     const String& path = convertToLongPath(internal);
-    std::string scratch;
+    Scratch scratch;
     const std::string_view stem = canonicalStem(path, scratch);
-    return stem == view(path) ? path : fromBytes(stem);
+    if (stem.data() == path.Latin1() && stem.size() == path.GetLength()) return path;
+    return StringBuilder(stem.size()).Add(stem).Finish();
 }
 
 FolderPath::FolderPath(const String& text, bool flag) : internal(FilePath(text, flag).GetInternal()) {
@@ -189,7 +213,7 @@ FolderPath::FolderPath(const String& text, bool flag) : internal(FilePath(text, 
 }
 
 bool FolderPath::IsTopLevel() const {
-    std::string scratch;
+    Scratch scratch;
     const std::string_view stem = canonicalStem(internal, scratch);
     return stem.empty() || stem == ".";
 }
@@ -204,25 +228,23 @@ FolderPath FolderPath::GetParent() const {
 
 String FolderPath::ToString() const {
     const String& path = convertToLongPath(internal);
-    std::string scratch;
+    Scratch scratch;
     const std::string_view stem = canonicalStem(path, scratch);
     if (stem.data() == path.Latin1() && stem.size() + 1 == path.GetLength()) return path;
-    return fromBytes(stem) + "/";
+    return StringBuilder(stem.size() + 1).Add(stem).Add('/').Finish();
 }
 
 FilePath operator+(const FolderPath& folder, const String& name) {
     return FilePath(folder.GetInternal() + name, false);
 }
 
-bool operator==(const FilePath& a, const FilePath& b) {
-    return compare(a.GetInternal(), b.GetInternal()) == 0;
-}
+bool operator==(const FilePath& a, const FilePath& b) { return areEqual(a.GetInternal(), b.GetInternal()); }
 bool operator<(const FilePath& a, const FilePath& b) { return compare(a.GetInternal(), b.GetInternal()) < 0; }
 bool operator<=(const FilePath& a, const FilePath& b) {
     return compare(a.GetInternal(), b.GetInternal()) <= 0;
 }
 bool operator==(const FolderPath& a, const FolderPath& b) {
-    return compare(a.GetInternal(), b.GetInternal()) == 0;
+    return areEqual(a.GetInternal(), b.GetInternal());
 }
 bool operator<(const FolderPath& a, const FolderPath& b) {
     return compare(a.GetInternal(), b.GetInternal()) < 0;

@@ -53,6 +53,8 @@ public:
     String ToString() const; ///< Clean, with one "/" at the end; "/" for the empty path.
 
 private:
+    friend class FilePath;
+
     String internal;
 };
 

@@ -42,10 +42,7 @@ unsigned long long roomToGrow(std::size_t length) {
 
 } // namespace
 
-std::size_t checkedLength(unsigned long long n) {
-    if (n > 0xFFFFFFFFu || n > PTRDIFF_MAX) throw std::length_error("String: too long");
-    return static_cast<std::size_t>(n);
-}
+void refuseLength() { throw std::length_error("String: too long"); }
 
 /// A block for one holder, its bytes yet to be written. More room than can be counted is cut.
 String::Block* String::NewBlock(unsigned long long length, unsigned long long capacity) {

@@ -2,6 +2,7 @@
 
 #include <Kelbase/common/common_string_builder.h>
 #include <Kelbase/common/common_string_length.h>
+#include <Kelbase/common/common_string_scan.h>
 
 #include <algorithm>
 #include <utility>
@@ -9,6 +10,16 @@
 namespace {
 
 bool isSpace(char c) { return Char(c).IsSpace(); }
+
+/// Where `part` stands, left to right, no place overlapping the one before.
+std::vector<std::size_t> placesOf(std::string_view part, std::string_view text) {
+    std::vector<std::size_t> places;
+    for (std::size_t start = 0;; start = places.back() + part.size()) {
+        const std::size_t next = text_scan::Find(text.substr(start), part);
+        if (next == text.npos) return places;
+        places.push_back(start + next);
+    }
+}
 
 /// `map` of every byte.
 template <typename Map>
@@ -70,10 +81,7 @@ String String::ReplaceChar(const Char& from, const Char& to) const {
 String String::Replace(const String& from, const String& to) const {
     const std::string_view bytes = Bytes();
     if (!from.GetLength()) return *this;
-    std::vector<std::size_t> hits;
-    for (std::size_t hit = bytes.find(from.Bytes()); hit != bytes.npos;
-         hit = bytes.find(from.Bytes(), hit + from.GetLength()))
-        hits.push_back(hit);
+    const std::vector<std::size_t> hits = placesOf(from.Bytes(), bytes);
     if (hits.empty()) return *this;
 
     // No overflow: a hit takes a byte at least, so there are fewer than 2^32, and `to` has fewer bytes than
@@ -107,17 +115,9 @@ String String::SimplifyWhiteSpace() const {
     const std::string_view bytes = Bytes();
     if (bytes.empty()) return *this;
     StringBuilder words(bytes.size());
-    bool first = true;
-    for (std::size_t i = 0; i < bytes.size();) {
-        if (isSpace(bytes[i])) {
-            ++i;
-            continue;
-        }
-        if (!first) words.Add(' ');
-        first = false;
-        for (; i < bytes.size() && !isSpace(bytes[i]); ++i) words.Add(bytes[i]);
-    }
-    String simplified = words.Finish();
+    char* end = text_scan::WriteWords(bytes, words.End());
+    if (end > words.End() && end[-1] == ' ') --end;
+    String simplified = words.FinishAt(end);
     // Byte 0xA0 separates words also inside a UTF-8 sequence: the last one may have lost its tail.
     return simplified.Resize(simplified.GetLength(), true);
 }

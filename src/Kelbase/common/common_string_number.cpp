@@ -5,6 +5,7 @@
 #include <Kelbase/common/common_string_digits.h>
 #include <Kelbase/common/common_string_float_text.h>
 #include <Kelbase/common/common_string_length.h>
+#include <Kelbase/common/common_string_scan.h>
 
 #include <algorithm>
 #include <climits>
@@ -58,25 +59,11 @@ private:
     bool minus;
 };
 
-/// Position of the placeholder to fill: the lowest digit, and of equal ones the first. The end when there is
-/// none.
-std::size_t findPlaceholder(std::string_view s) {
-    std::size_t best = s.size();
-    char lowest = '9' + 1;
-    for (std::size_t p = s.find('%'); p != s.npos && p + 1 < s.size() && lowest > '0';
-         p = s.find('%', p + 1)) {
-        if (s[p + 1] < '0' || s[p + 1] >= lowest) continue;
-        lowest = s[p + 1];
-        best = p;
-    }
-    return best;
-}
-
 /// The template with `part` in the place of its placeholder, or behind it when it has none.
 template <typename Part>
 String filled(const String& pattern, const Part& part) {
     const std::string_view bytes(pattern.Latin1(), pattern.GetLength());
-    const std::size_t before = findPlaceholder(bytes);
+    const std::size_t before = std::min(text_scan::LowestPlaceholder(bytes), bytes.size());
     const std::size_t after = std::min(before + 2, bytes.size());
     StringBuilder text(bytes.size() - (after - before) + part.Length());
     text.Add(bytes.substr(0, before));

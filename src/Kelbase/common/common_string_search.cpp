@@ -1,5 +1,7 @@
 #include <Kelbase/common/common_string.h>
 
+#include <Kelbase/common/common_string_scan.h>
+
 #include <cstddef>
 
 namespace {
@@ -10,30 +12,16 @@ Position positionAt(std::size_t i) { return Position(static_cast<unsigned int>(i
 
 char folded(char c) { return Char(c).ToLower(); }
 
-/// Whether `part` stands at `s`, up to its NUL and without case.
-bool standsAt(const char* s, const char* part) {
-    for (; *part; ++s, ++part) {
-        if (folded(*s) != folded(*part)) return false;
-    }
-    return true;
-}
-
 /// As strstr, with "A"-"Z" and "a"-"z" taken as the same.
-const char* findFolded(const char* s, const char* part) {
-    for (; *s; ++s) {
-        if (standsAt(s, part)) return s;
-    }
-    return *part ? nullptr : s;
+const char* findFolded(const char* s, std::string_view part) {
+    if (part.empty()) return s;
+    const std::size_t place = text_scan::FindFolded(s, part);
+    return place == part.npos ? nullptr : s + place;
 }
 
 /// Whether `n` bytes are equal, or all those before a NUL that both have.
 bool equalUpToNul(const char* a, const char* b, std::size_t n, bool caseSensitive) {
-    if (caseSensitive) return std::strncmp(a, b, n) == 0;
-    for (std::size_t i = 0; i < n; ++i) {
-        if (folded(a[i]) != folded(b[i])) return false;
-        if (!a[i]) break;
-    }
-    return true;
+    return caseSensitive ? std::strncmp(a, b, n) == 0 : text_scan::EqualFolded(a, b, n);
 }
 
 } // namespace

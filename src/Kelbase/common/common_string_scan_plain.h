@@ -1,0 +1,69 @@
+#pragma once
+
+/// The plain forms of what common_string_scan.h declares, and what the others do with their last bytes.
+
+#include <Kelbase/common/common_char.h>
+
+#include <cstddef>
+#include <string_view>
+
+namespace text_scan::plain {
+
+inline char folded(char c) { return Char(c).ToLower(); }
+
+template <bool fold>
+bool StandsAt(const char* text, std::string_view part) {
+    for (std::size_t i = 0; i < part.size(); ++i) {
+        if (fold ? folded(text[i]) != folded(part[i]) : text[i] != part[i]) return false;
+    }
+    return true;
+}
+
+template <bool fold>
+std::size_t Find(std::string_view text, std::string_view part, std::size_t start = 0) {
+    for (std::size_t i = start; i + part.size() <= text.size(); ++i) {
+        if (StandsAt<fold>(text.data() + i, part)) return i;
+    }
+    return text.npos;
+}
+
+inline bool EqualFolded(const char* a, const char* b, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
+        if (folded(a[i]) != folded(b[i])) return false;
+        if (!a[i]) break;
+    }
+    return true;
+}
+
+/// `afterSpace` says whether white space, or nothing, stands before the text.
+inline char* WriteWords(std::string_view text, char* out, bool afterSpace) {
+    for (const char c : text) {
+        const bool space = Char(c).IsSpace();
+        *out = space ? ' ' : c; // what is not to stay is written over
+        out += !(space && afterSpace);
+        afterSpace = space;
+    }
+    return out;
+}
+
+inline std::size_t LowestPlaceholder(std::string_view text) {
+    std::size_t best = text.npos;
+    char above = '9' + 1;
+    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+        if (text[i] != '%' || text[i + 1] < '0' || text[i + 1] >= above) continue;
+        best = i;
+        above = text[i + 1];
+    }
+    return best;
+}
+
+inline bool HasDirtyPath(std::string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\') return true;
+        const std::string_view next = text.substr(i + 1, 2);
+        if (text[i] == '/' && (next.substr(0, 1) == "/" || next == "..")) return true;
+    }
+    return false;
+}
+
+} // namespace text_scan::plain

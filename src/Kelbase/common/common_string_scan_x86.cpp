@@ -1,0 +1,194 @@
+#include <Kelbase/common/common_string_scan.h>
+
+#include <Kelbase/common/common_string_scan_plain.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdint>
+
+#include <cpuid.h>
+#include <emmintrin.h>
+#include <tmmintrin.h>
+
+// Sixteen bytes at a time, the last ones by the plain forms. A mask has a bit for each of the sixteen.
+
+namespace text_scan {
+
+namespace {
+
+constexpr std::size_t width = 16;
+
+__m128i load(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+__m128i every(char c) { return _mm_set1_epi8(c); }
+__m128i is(__m128i v, char c) { return _mm_cmpeq_epi8(v, every(c)); }
+unsigned int maskOf(__m128i lanes) { return static_cast<unsigned int>(_mm_movemask_epi8(lanes)); }
+std::size_t firstOf(unsigned int mask) { return static_cast<std::size_t>(__builtin_ctz(mask)); }
+
+/// From `first` on, `count` bytes in the order of unsigned numbers.
+__m128i isAmong(__m128i v, char first, int count) {
+    const __m128i moved = _mm_add_epi8(v, every(static_cast<char>(SCHAR_MIN - first)));
+    return _mm_cmplt_epi8(moved, every(static_cast<char>(SCHAR_MIN + count)));
+}
+
+__m128i folded(__m128i v) { return _mm_or_si128(v, _mm_and_si128(isAmong(v, 'A', 26), every(0x20))); }
+
+/// Looks for first and last byte of the part at once, and only where both stand at the rest.
+template <bool fold>
+class Finder {
+public:
+    explicit Finder(std::string_view p)
+        : part(p), first(prepared(every(p.front()))), last(prepared(every(p.back()))) {}
+
+    std::size_t In(std::string_view text) const {
+        if (text.size() < part.size() + width) return plain::Find<fold>(text, part);
+        const std::size_t lastBlock = text.size() - part.size() + 1 - width;
+        for (std::size_t i = 0; i < lastBlock; i += width) {
+            const std::size_t hit = InBlock(text.data() + i);
+            if (hit < width) return i + hit;
+        }
+        const std::size_t hit = InBlock(text.data() + lastBlock); // may overlap the one before
+        return hit < width ? lastBlock + hit : text.npos;
+    }
+
+private:
+    static __m128i prepared(__m128i v) { return fold ? folded(v) : v; }
+
+    /// The first of the sixteen places from `block` on; `width` when there is none.
+    std::size_t InBlock(const char* block) const {
+        const __m128i firsts = _mm_cmpeq_epi8(prepared(load(block)), first);
+        const __m128i lasts = _mm_cmpeq_epi8(prepared(load(block + part.size() - 1)), last);
+        for (unsigned int hits = maskOf(_mm_and_si128(firsts, lasts)); hits; hits &= hits - 1) {
+            if (plain::StandsAt<fold>(block + firstOf(hits), part)) return firstOf(hits);
+        }
+        return width;
+    }
+
+    std::string_view part;
+    __m128i first, last;
+};
+
+bool findByteShuffle() {
+    unsigned int eax, ebx, ecx, edx;
+    return __get_cpuid(1, &eax, &ebx, &ecx, &edx) && (ecx & bit_SSSE3);
+}
+
+/// Whether the processor puts bytes in another order at once; asked once, and never before any code runs.
+bool hasByteShuffle() {
+    enum { unknown, no, yes };
+    static int answer = unknown; // the builtins keep two first calls at once from being a data race
+    int known = __atomic_load_n(&answer, __ATOMIC_RELAXED);
+    if (known == unknown) {
+        known = findByteShuffle() ? yes : no;
+        __atomic_store_n(&answer, known, __ATOMIC_RELAXED);
+    }
+    return known == yes;
+}
+
+/// For each mask of eight bytes, the places of those whose bit is clear, in order, and how many they are.
+struct KeptBytes {
+    std::array<std::uint64_t, 256> places{};
+    std::array<unsigned char, 256> count{};
+
+    constexpr KeptBytes() {
+        for (unsigned int dropped = 0; dropped < 256; ++dropped) {
+            for (std::uint64_t place = 0; place < 8; ++place) {
+                if (!(dropped >> place & 1)) places[dropped] |= place << 8 * count[dropped]++;
+            }
+        }
+    }
+};
+constexpr KeptBytes kept;
+
+/// Writes the eight lower bytes less the dropped ones.
+__attribute__((target("ssse3"))) char* writeKept(__m128i v, unsigned int dropped, char* out) {
+    const __m128i places = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&kept.places[dropped]));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(v, places));
+    return out + kept.count[dropped];
+}
+
+/// The white space in sixteen bytes, and the bytes with it made blanks.
+struct Blanked {
+    unsigned int spaces;
+    __m128i bytes;
+
+    explicit Blanked(__m128i v) {
+        const __m128i lanes = _mm_or_si128(isAmong(v, '\t', 5), _mm_or_si128(is(v, ' '), is(v, '\xA0')));
+        spaces = maskOf(lanes);
+        bytes = _mm_or_si128(_mm_andnot_si128(lanes, v), _mm_and_si128(lanes, every(' ')));
+    }
+    /// Those that white space stands before, too.
+    unsigned int Dropped(bool afterSpace) const { return spaces & (spaces << 1 | afterSpace) & 0xFFFF; }
+};
+
+__attribute__((target("ssse3"))) char* writeWordsByShuffles(std::string_view text, char* out) {
+    bool afterSpace = true;
+    std::size_t i = 0;
+    for (; i + width <= text.size(); i += width) {
+        const Blanked next(load(text.data() + i));
+        const unsigned int dropped = next.Dropped(afterSpace);
+        afterSpace = next.spaces >> (width - 1);
+        if (dropped == 0) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out), next.bytes);
+            out += width;
+        } else {
+            out = writeKept(next.bytes, dropped & 0xFF, out);
+            out = writeKept(_mm_unpackhi_epi64(next.bytes, next.bytes), dropped >> 8, out);
+        }
+    }
+    return plain::WriteWords(text.substr(i), out, afterSpace);
+}
+
+} // namespace
+
+std::size_t Find(std::string_view text, std::string_view part) { return Finder<false>(part).In(text); }
+
+std::size_t FindFolded(std::string_view text, std::string_view part) { return Finder<true>(part).In(text); }
+
+bool EqualFolded(const char* a, const char* b, std::size_t n) {
+    std::size_t i = 0;
+    for (; i + width <= n; i += width) {
+        const __m128i lanes = folded(load(a + i));
+        const unsigned int equal = maskOf(_mm_cmpeq_epi8(lanes, folded(load(b + i))));
+        const unsigned int ends = maskOf(is(lanes, '\0'));
+        const unsigned int stops = (equal ^ 0xFFFF) | ends;
+        if (stops) return equal >> firstOf(stops) & 1;
+    }
+    return plain::EqualFolded(a + i, b + i, n - i);
+}
+
+char* WriteWords(std::string_view text, char* out) {
+    return hasByteShuffle() ? writeWordsByShuffles(text, out) : plain::WriteWords(text, out, true);
+}
+
+std::size_t LowestPlaceholder(std::string_view text) {
+    if (text.size() <= width) return plain::LowestPlaceholder(text);
+    const std::size_t lastBlock = text.size() - 1 - width;
+    std::size_t best = text.npos;
+    char above = '9' + 1;
+    for (std::size_t i = 0;;
+         i = std::min(i + width, lastBlock)) { // the last block may overlap the one before
+        const char* const block = text.data() + i;
+        const __m128i signs = _mm_and_si128(is(load(block), '%'), isAmong(load(block + 1), '0', 10));
+        for (unsigned int hits = maskOf(signs); hits; hits &= hits - 1) {
+            const std::size_t place = firstOf(hits);
+            if (block[place + 1] >= above) continue;
+            best = i + place;
+            above = block[place + 1];
+        }
+        if (i == lastBlock) return best;
+    }
+}
+
+bool HasDirtyPath(std::string_view text) {
+    std::size_t i = 0;
+    for (; i + width + 2 <= text.size(); i += width) {
+        const __m128i here = load(text.data() + i), next = load(text.data() + i + 1);
+        const __m128i parents = _mm_and_si128(is(next, '.'), is(load(text.data() + i + 2), '.'));
+        const __m128i dirt = _mm_and_si128(is(here, '/'), _mm_or_si128(is(next, '/'), parents));
+        if (maskOf(_mm_or_si128(dirt, is(here, '\\')))) return true;
+    }
+    return plain::HasDirtyPath(text.substr(i));
+}
+
+} // namespace text_scan
