@@ -36,22 +36,23 @@ void blankCutSequence(char* bytes, std::size_t length) {
 }
 
 /// The room of a text that grew to `length` and may go on growing.
-unsigned long long roomToGrow(std::size_t length) {
-    return std::min<unsigned long long>(length + std::max<unsigned long long>(length, 16), PTRDIFF_MAX);
+std::size_t roomToGrow(std::size_t length) {
+    const unsigned long long room = length + std::max(0ull + length, 16ull);
+    return room > 0xFFFFFFFFu || room > PTRDIFF_MAX ? length : static_cast<std::size_t>(room);
 }
 
 } // namespace
 
 void refuseLength() { throw std::length_error("String: too long"); }
 
-/// A block for one holder, its bytes yet to be written. More room than can be counted is cut.
-String::Block* String::NewBlock(unsigned long long length, unsigned long long capacity) {
-    const std::size_t counted = checkedLength(length);
-    capacity = std::min<unsigned long long>(capacity, std::max<unsigned long long>(counted, 0x7FFFFFFF));
-    void* const memory = ::operator new(sizeof(Block) + static_cast<std::size_t>(capacity) + 1);
-    Block* const b =
-        new (memory) Block{1, static_cast<unsigned int>(counted), static_cast<unsigned int>(capacity)};
-    b->Bytes()[counted] = '\0';
+/// A block for one holder, its bytes yet to be written. Both numbers are such as `checkedLength` lets
+/// through.
+String::Block* String::NewBlock(std::size_t length, std::size_t capacity) {
+    void* const memory = ::operator new(sizeof(Block) + capacity + 1);
+    const auto newLength = static_cast<unsigned int>(length),
+               newCapacity = static_cast<unsigned int>(capacity);
+    Block* const b = new (memory) Block{1, newLength, newCapacity};
+    b->Bytes()[length] = '\0';
     return b;
 }
 
@@ -59,7 +60,7 @@ void String::Free(Block* b) noexcept { ::operator delete(b); }
 
 String::String(std::string_view bytes) {
     if (bytes.empty()) return;
-    block = NewBlock(bytes.size(), bytes.size());
+    block = NewBlock(checkedLength(bytes.size()), bytes.size());
     std::memcpy(block->Bytes(), bytes.data(), bytes.size());
 }
 

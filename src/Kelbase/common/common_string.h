@@ -4,6 +4,7 @@
 #include <Kelbase/common/common_checked_types.h>
 #include <Kelbase/common/common_smart_ptr.h>
 
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -187,7 +188,7 @@ private:
 
     explicit String(std::string_view bytes);
 
-    static Block* NewBlock(unsigned long long length, unsigned long long capacity);
+    static Block* NewBlock(std::size_t length, std::size_t capacity);
     static void Free(Block* b) noexcept;
 
     std::string_view Bytes() const { return {Latin1(), GetLength()}; }

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <Kelbase/common/common_string.h>
+#include <Kelbase/common/common_string_length.h>
 
 /// A new text, written from front to back into the one block of memory that it will take.
 class StringBuilder {
 public:
     /// Makes room for a text of at most `length` bytes; throws as `String` does.
     explicit StringBuilder(unsigned long long length) {
-        text.block = String::NewBlock(length, length);
+        const std::size_t room = checkedLength(length);
+        text.block = String::NewBlock(room, room);
         end = text.block->Bytes();
     }
 

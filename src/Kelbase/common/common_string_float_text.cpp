@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
-#include <type_traits>
 
 namespace {
 
@@ -99,14 +98,14 @@ FloatText::FloatText(double value, unsigned int precision, const checked_value<u
 bool FloatText::WriteFixed(double value, unsigned int precision, char point) {
     if (std::fabs(value) >= 9223372036854775808.0 || precision >= std::size(powersOfTen)) return false;
     FixedPoint number(std::fabs(value));
-    unsigned int parts = number.RoundToParts(powersOfTen[precision]);
+    const unsigned int parts = number.RoundToParts(powersOfTen[precision]);
     char* const end = room + sizeof room;
     char* p = end;
     if (precision > 0) {
-        for (unsigned int i = 0; i < precision; ++i, parts /= 10) *--p = digitAlphabet[parts % 10];
+        p = writeLowDigits(p, parts, precision);
         *--p = point;
     }
-    p = writeDigits(p, number.Whole(), std::integral_constant<unsigned int, 10>());
+    p = writeDecimal(p, number.Whole());
     if (std::signbit(value)) *--p = '-';
     first = p;
     length = static_cast<std::size_t>(end - p);

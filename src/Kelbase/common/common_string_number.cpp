@@ -32,30 +32,35 @@ struct TextPart {
 /// The digits of an integer, "0" before them up to a width, and the sign before all.
 class IntegerPart {
 public:
-    IntegerPart(unsigned long long magnitude, bool negative, unsigned int base, const Width& padTo)
-        : first(Digits(magnitude, base)), width(padTo), minus(negative) {}
+    IntegerPart(unsigned long long magnitude, bool negative, unsigned int base, const Width& width)
+        : first(Digits(magnitude, base)), minus(negative) {
+        if (width > Count())
+            zeros = width - Count();
+        else if (minus)
+            *--first = '-';
+    }
     IntegerPart(const IntegerPart&) = delete;
     IntegerPart& operator=(const IntegerPart&) = delete;
 
-    unsigned long long Length() const { return std::max(width, Count()) + 0ull + minus; }
+    unsigned long long Length() const { return Count() + (zeros ? 0ull + zeros + minus : 0); }
     void AddTo(StringBuilder& text) const {
-        if (minus) text.Add('-');
-        for (unsigned int i = Count(); i < width; ++i) text.Add('0');
+        if (zeros && minus) text.Add('-');
+        for (unsigned int i = 0; i < zeros; ++i) text.Add('0');
         text.Add(std::string_view(first, Count()));
     }
 
 private:
     char* Digits(unsigned long long v, unsigned int base) {
         char* const end = room + sizeof room;
-        if (base == 10) return writeDigits(end, v, std::integral_constant<unsigned int, 10>());
+        if (base == 10) return writeDecimal(end, v);
         if (base == 16) return writeDigits(end, v, std::integral_constant<unsigned int, 16>());
         return writeDigits(end, v, base);
     }
     unsigned int Count() const { return static_cast<unsigned int>(room + sizeof room - first); }
 
-    char room[sizeof(unsigned long long) * CHAR_BIT];
-    const char* first;
-    unsigned int width;
+    char room[sizeof(unsigned long long) * CHAR_BIT + 1];
+    char* first;
+    unsigned int zeros = 0;
     bool minus;
 };
 
