@@ -1,5 +1,7 @@
 #include <Kelbase/Util/Dir.h>
 
+#include <Kelbase/common/common_string_sort.h>
+
 #include <algorithm>
 #include <memory>
 #include <optional>
@@ -55,6 +57,7 @@ public:
         entry = view((folder + "x").ToString());
         entry.pop_back();
         prefixLength = entry.size();
+        prefixIsOpened = view(opened) == entry;
     }
     explicit Paths(const String& folder) : opened(folder), entry(view(join(folder, ""))) {
         prefixLength = entry.size();
@@ -69,10 +72,10 @@ public:
         return entry += name;
     }
 
-    /// Whether the path of the entry leads to what the opened folder calls by that name.
+    /// Whether the path of the entry leads to what the opened folder calls by that name, and is no longer
+    /// than the system takes.
     bool IsInOpened(std::string_view name) const {
-        return !IsReshaped(name) &&
-               (!cleaned || view(opened) == std::string_view(entry).substr(0, prefixLength));
+        return prefixIsOpened && prefixLength + name.size() < PATH_MAX && !IsReshaped(name);
     }
 
 private:
@@ -82,6 +85,7 @@ private:
     const FolderPath* cleaned = nullptr;
     std::string entry; // of the last name that was not reshaped
     std::size_t prefixLength;
+    bool prefixIsOpened = true;
     std::string reshaped;
 };
 
@@ -126,19 +130,18 @@ void list(Paths paths, std::vector<String>& names, const Pattern& pattern, bool 
         const std::string_view name(entry->d_name);
         if (name.empty() || name == "." || name == ".." || !pattern.Fits(name)) continue;
 
-        const std::string& path = paths.Of(name);
-        const bool recorded = paths.IsInOpened(name) && path.size() < PATH_MAX;
+        const bool recorded = paths.IsInOpened(name);
         std::optional<bool> file;
         if (recorded && entered) file = isRecordedAsFile(*entry);
         if (!file) {
-            file = isFile(path);
+            file = isFile(paths.Of(name));
             if (!file) continue;
             entered = entered || recorded;
         }
         if (wanted == Wanted::Everything || *file == (wanted == Wanted::Files))
             names.emplace_back(entry->d_name);
     }
-    std::sort(names.begin(), names.end());
+    sortTexts(names);
 }
 
 /// A search for one file through a folder and what is below it.

@@ -1,4 +1,5 @@
 #include <Kelbase/common/common_string.h>
+#include <Kelbase/common/common_string_sort.h>
 
 #include <gtest/gtest.h>
 
@@ -103,6 +104,24 @@ TEST(StringEdit, SplitsAndJoins) {
     parts[0].Split(',', parts);
     EXPECT_EQ(Bytes(String::Join("", parts)), "xy") << "the list may hold the text itself";
     EXPECT_EQ(Bytes(String::Join(",", {})), "");
+}
+
+TEST(StringList, SortsAsTheOperatorOrders) {
+    std::mt19937 random(99);
+    for (const std::size_t prefix : {0, 3, 9}) {
+        std::vector<String> texts(prefix == 0 ? 2 : 0), expected;
+        for (int i = 0; i < 500; ++i) {
+            String text(std::string(prefix, 'p').c_str());
+            for (std::size_t n = random() % 20; n > 0; --n) text += "ab\xE9\x01"[random() % 4];
+            texts.push_back(text);
+        }
+        expected = texts;
+        std::sort(expected.begin(), expected.end());
+        sortTexts(texts);
+        EXPECT_EQ(Bytes(String::Join("|", texts)), Bytes(String::Join("|", expected)));
+    }
+    std::vector<String> none;
+    sortTexts(none);
 }
 
 namespace {
