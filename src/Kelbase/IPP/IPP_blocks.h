@@ -35,7 +35,12 @@ template <bool stream, typename Block>
 void convertBlocks(unsigned int first, unsigned int last, const typename Block::Source* src,
                    typename Block::Target* dst, const Block& block) {
     std::size_t i = first;
-    for (; i < last; i += Block::count) block.template Convert<stream>(src + i, dst + i);
+    for (; i + Block::count < last;
+         i += 2 * Block::count) { // two, so that small blocks are not outrun by the loop
+        block.template Convert<stream>(src + i, dst + i);
+        block.template Convert<stream>(src + i + Block::count, dst + i + Block::count);
+    }
+    if (i < last) block.template Convert<stream>(src + i, dst + i);
     if (stream) _mm_sfence(); // stores past the caches are otherwise not ordered with those of other code
     block.template Convert<false>(src + last, dst + last);
 }

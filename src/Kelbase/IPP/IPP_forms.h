@@ -37,6 +37,13 @@ extern const Form avx2Form; ///< AVX2 and FMA.
 extern const Form* const allForms[];
 
 /// The first form that the processor supports; found at the first call, then kept.
-const Form& ChosenForm();
+const Form& ChooseForm();
+extern const Form* chosenForm; ///< Null until then.
+inline const Form& ChosenForm() {
+    // Threads that meet here at the first call find the same answer; the builtin keeps even that from being a
+    // data race.
+    const Form* const form = __atomic_load_n(&chosenForm, __ATOMIC_RELAXED);
+    return form ? *form : ChooseForm();
+}
 
 } // namespace IPP

@@ -4,6 +4,7 @@
 /// same bits from every form, so these are defined to the last bit and never depend on the rounding mode that
 /// a C library assumes.
 
+#include <cstring>
 #include <limits>
 
 namespace Util {
@@ -22,8 +23,31 @@ inline float HalfAwayFromZero(float x) { return x >= 0.0f ? 0.5f : -0.5f; }
 /// because there the sum itself is rounded. Out of range as `TruncateToInt`.
 inline int RoundToInt(float x) { return TruncateToInt(x + HalfAwayFromZero(x)); }
 
+namespace math_detail {
+
+/// The number whose fraction has `fractionBits` bits and whose exponent is stored with `bias` added. It is
+/// put together from its bits: exact by construction, and no C library is asked.
+template <typename Float, typename Bits>
+Float powerOfTwo(long long exponent, int fractionBits, int bias) {
+    static_assert(std::numeric_limits<Float>::is_iec559 && sizeof(Float) == sizeof(Bits),
+                  "the bit pattern below is that of IEEE 754");
+    if (exponent > bias) return std::numeric_limits<Float>::infinity();
+    if (exponent < 1 - bias - fractionBits) return 0; // half the smallest denormal rounds to even, so to 0
+    const Bits bits = exponent > -bias ? static_cast<Bits>(exponent + bias) << fractionBits
+                                       : Bits(1) << (exponent + bias + fractionBits - 1);
+    Float result;
+    std::memcpy(&result, &bits, sizeof result);
+    return result;
+}
+
+} // namespace math_detail
+
 /// 2 to the power of `exponent`, for any exponent: denormal, 0 or infinity where the type says so.
-float PowerOfTwo(long long exponent);
-double PowerOfTwoDouble(long long exponent);
+inline float PowerOfTwo(long long exponent) {
+    return math_detail::powerOfTwo<float, unsigned int>(exponent, 23, 127);
+}
+inline double PowerOfTwoDouble(long long exponent) {
+    return math_detail::powerOfTwo<double, unsigned long long>(exponent, 52, 1023);
+}
 
 } // namespace Util
