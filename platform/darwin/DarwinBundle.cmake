@@ -22,6 +22,10 @@ set(DARWIN_FOLDER ${CMAKE_CURRENT_LIST_DIR} CACHE INTERNAL "")
 set(DARWIN_FLAGS -target i386-apple-macosx10.6 -O2 -fPIC -fvisibility=hidden -fvisibility-inlines-hidden
     -fno-stack-protector -nostdinc++ -nostdlibinc -isystem ${DARWIN_RUNTIME}/libcxx/include
     -isystem ${DARWIN_RUNTIME}/libcxxabi/include -isystem ${DARWIN_FOLDER}/include CACHE INTERNAL "")
+set(writer write_bundle bundle_layout load_commands loader_tables macho_object)
+list(TRANSFORM writer PREPEND ${DARWIN_FOLDER}/)
+list(TRANSFORM writer APPEND .py)
+set(DARWIN_WRITER ${writer} CACHE INTERNAL "")
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${DARWIN_FOLDER}/include/*)
 set(DARWIN_HEADERS ${headers} CACHE INTERNAL "")
 
@@ -65,8 +69,7 @@ function(darwin_bundle target executable)
             ${module}.all.bc -o ${module}.bc
         COMMAND ${DARWIN_clang++-14} ${DARWIN_FLAGS} -Wno-unused-command-line-argument -c ${module}.bc -o ${module}.o
         COMMAND ${DARWIN_FOLDER}/write_bundle.py ${module}.o ${imports} ${exports} ${executable}
-        DEPENDS ${ARGN} MacRuntime ${runtime} ${imports} ${exports} ${DARWIN_FOLDER}/write_bundle.py
-            ${DARWIN_FOLDER}/loader_tables.py ${DARWIN_FOLDER}/macho_object.py
+        DEPENDS ${ARGN} MacRuntime ${runtime} ${imports} ${exports} ${DARWIN_WRITER}
         COMMENT "Making ${executable}"
         VERBATIM)
     add_custom_target(${target} ALL DEPENDS ${executable})

@@ -14,7 +14,7 @@ import subprocess
 import sys
 
 from macholib.MachO import MachO
-from write_bundle import read_imports
+from bundle_layout import read_imports
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 LARGEST = 200 * 1024

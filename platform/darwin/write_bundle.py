@@ -3,8 +3,6 @@
 
 usage: write_bundle.py OBJECT IMPORTS EXPORTS BUNDLE
 
-The object holds the whole program, so each of its sections moves as a block and nothing in it is left to be resolved but
-the imports. Calls of these go through position-independent stubs; every pointer that the loader must fill lies in __DATA.
 IMPORTS lists what may be imported, and EXPORTS what must be exported and nothing else. What is not handled is refused.
 """
 
@@ -13,295 +11,52 @@ import os
 import struct
 import sys
 
+from bundle_layout import Layout
+from load_commands import HEADER_SIZE, aligned, load_commands
 from loader_tables import bind_opcodes, export_trie, rebase_opcodes, symbol_table
-from macho_object import POINTERS, UNDEFINED_LOCAL, UNWIND, ZERO_FILL, Object, Refused, Section
-
-PAGE = 4096
-SYSTEM_VERSION = 10 << 16 | 6 << 8
-STUB_SIZE = 12
-SYMBOL_STUBS = 0x80000408
+from macho_object import Object, Refused
 
 
-def aligned(value, alignment):
-    return (value + alignment - 1) // alignment * alignment
+def link_edit(layout):
+    """The tables behind the segments, by name: (place in the file, bytes)."""
+    defined = {s.name: s for s in layout.program.symbols if s.name in layout.exports}
+    addresses = {name: layout.moved(symbol.address) for name, symbol in defined.items()}
+    symbols, texts = symbol_table(
+        [(name, layout.section_number(defined[name]), addresses[name]) for name in layout.exports],
+        [(name, layout.allowed[name]) for name in layout.imports],
+    )
+    tables = {
+        "rebase": rebase_opcodes(layout.rebased, layout.text_size),
+        "bind": bind_opcodes(layout.bound, layout.allowed, layout.text_size),
+        "export": export_trie(addresses),
+        "symbols": symbols,
+        "indirect": layout.indirect_table(),
+        "texts": texts,
+    }
+    placed, at = {}, layout.text_size + layout.data_file_size
+    for name, table in tables.items():
+        placed[name] = (at, table)
+        at += aligned(len(table), 4)
+    return placed, at
 
 
-def read_imports(path):
-    """The libraries in order, and the place of its library, from 1, for each symbol."""
-    libraries, ordinals = [], {}
-    for line in open(path):
-        if line.strip() and not line.startswith("#"):
-            if line[0].isspace():
-                ordinals[line.strip()] = len(libraries)
-            else:
-                libraries.append(line.strip())
-    return libraries, ordinals
+def image(layout, uuid=b""):
+    tables, end = link_edit(layout)
+    commands = load_commands(layout, tables, end, uuid)
+    # A bundle, whose imports name their libraries.
+    header = struct.pack("<7I", 0xFEEDFACE, 7, 3, 8, 8 + len(layout.libraries), len(commands), 0x84)
+    file = bytearray(end)
+    file[: HEADER_SIZE + len(commands)] = header + commands
+    for section in layout.text + layout.data:
+        file[section.offset : section.offset + len(section.data)] = section.data
+    for at, table in tables.values():
+        file[at : at + len(table)] = table
+    return bytes(file)
 
 
-class Bundle:
-    def __init__(self, program, imports, exports):
-        self.program = program
-        self.libraries, self.allowed = read_imports(imports)
-        self.exports = sorted(line.strip() for line in open(exports) if line.strip())
-        self.rebased = set()  # addresses of pointers into the bundle
-        self.bound = {}  # addresses of pointers to imports
-        self.check_symbols()
-        self.arrange()
-        self.place_sections()
-        self.relocate()
-        self.fill_stubs()
-
-    def check_symbols(self):
-        defined = sorted(s.name for s in self.program.symbols if s.external and s.section >= 0)
-        if defined != self.exports:
-            raise Refused(f"exports are {defined}, not {self.exports}")
-        self.imports = sorted(s.name for s in self.program.symbols if s.section < 0)
-        unknown = [name for name in self.imports if name not in self.allowed]
-        if unknown:
-            raise Refused("no import of these is allowed: " + ", ".join(unknown))
-
-    def arrange(self):
-        """Chooses the segment of each section, and adds the stubs and their pointers."""
-        kept = [s for s in self.program.sections if s.segment != "__LD" and s.size]
-        called = {r.symbol for s in kept for r in s.relocations if r.symbol >= 0 and r.relative}
-        self.called = sorted(name for name in (self.program.symbols[i].name for i in called) if name in self.imports)
-        self.stubs = self.new_section("__TEXT", "__symbol_stub", STUB_SIZE, SYMBOL_STUBS)
-        self.slots = self.new_section("__DATA", "__stub_ptr", 4, POINTERS)
-        for section in kept:
-            if section.type == POINTERS:
-                section.segment, section.name, section.alignment = "__DATA", "__nl_symbol_ptr", 4
-            if section.segment not in ("__TEXT", "__DATA"):
-                raise Refused(f"section {section.segment},{section.name}: no place for this segment")
-        added = [s for s in (self.stubs, self.slots) if s.size]
-        # Code first and what is not in the file last.
-        order = sorted(kept + added, key=lambda s: (s.segment == "__DATA", s.type == ZERO_FILL, s.type == UNWIND))
-        self.text = [s for s in order if s.segment == "__TEXT"]
-        self.data = [s for s in order if s.segment == "__DATA"]
-
-    def new_section(self, segment, name, entry, flags):
-        size = entry * len(self.called)
-        return Section(segment, name, 0, size, 4, flags, 0, bytearray(size))
-
-    def place_sections(self):
-        address = self.commands_size() + 28
-        for section in self.text:
-            address = section.new = aligned(address, max(section.alignment, 4))
-            address += section.size
-        self.text_size = aligned(address, PAGE)
-        address = self.text_size
-        for section in self.data:
-            address = section.new = aligned(address, max(section.alignment, 4))
-            address += section.size
-        in_file = [s.new + s.size for s in self.data if s.type != ZERO_FILL]
-        self.data_file_size = aligned(max(in_file, default=self.text_size), PAGE) - self.text_size
-        self.data_size = aligned(max(address, self.text_size + self.data_file_size), PAGE) - self.text_size
-        for section in self.text + self.data:
-            section.offset = 0 if section.type == ZERO_FILL else section.new
-
-    def moved(self, address):
-        return address + self.program.section_at(address).shift
-
-    def relocate(self):
-        for section in self.text + self.data:
-            for relocation in section.relocations:
-                if relocation.kind:
-                    shift = self.moved(relocation.value) - relocation.value
-                    shift -= self.moved(relocation.subtracted) - relocation.subtracted
-                    section.set_word(relocation.place, section.word(relocation.place) + shift)
-                elif relocation.symbol >= 0:
-                    self.resolve(section, relocation)
-                else:
-                    self.move_pointer(section, relocation)
-            if section.type == UNWIND:
-                self.move_unwind_entries(section)
-            if section.type == POINTERS and section is not self.slots:
-                self.bind_pointers(section)
-
-    def move_pointer(self, section, relocation):
-        by_number = relocation.value < 0
-        target = self.program.sections[relocation.section] if by_number else self.program.section_at(relocation.value)
-        if target not in self.text + self.data:
-            raise Refused(f"{section.name}+{relocation.place:#x} points to {target.name}, which is left out")
-        back = section.shift if relocation.relative else 0
-        section.set_word(relocation.place, section.word(relocation.place) + target.shift - back)
-        if not relocation.relative:
-            self.note_rebase(section, relocation.place)
-
-    def note_rebase(self, section, place):
-        if section.segment != "__DATA":
-            raise Refused(f"{section.name}+{place:#x}: an address in code that cannot be changed")
-        self.rebased.add(section.new + place)
-
-    def resolve(self, section, relocation):
-        """A field that names a symbol; what stands in it counts the symbol as 0."""
-        symbol = self.program.symbols[relocation.symbol]
-        place, here = relocation.place, section.new + relocation.place
-        addend = section.word(place)
-        if relocation.relative:
-            addend = (addend + section.old + place + 4) & 0xFFFFFFFF
-            target = self.stub_of(symbol.name) if symbol.section < 0 else self.moved(symbol.address)
-            section.set_word(place, target + addend - here - 4)
-        elif symbol.section >= 0:
-            section.set_word(place, self.moved(symbol.address) + addend)
-            self.note_rebase(section, place)
-        elif section.segment == "__DATA" and addend == 0:
-            self.bound[here] = symbol.name
-        else:
-            raise Refused(f"{section.name}+{place:#x}: {symbol.name} with an offset, or in code")
-
-    def stub_of(self, name):
-        return self.stubs.new + STUB_SIZE * self.called.index(name)
-
-    def bind_pointers(self, section):
-        for i in range(section.size // 4):
-            entry = self.program.indirect[section.first_pointer + i]
-            if entry & UNDEFINED_LOCAL:
-                if section.new + 4 * i not in self.rebased:
-                    raise Refused(f"{section.name}: pointer {i} has no target")
-            else:
-                self.bound[section.new + 4 * i] = self.program.symbols[entry].name
-
-    def move_unwind_entries(self, section):
-        """The assembler leaves no relocations for an entry's function and language data, as both are relative."""
-        done = {relocation.place for relocation in section.relocations}
-        has_language_data = {}
-        place = 0
-        while place < section.size:
-            length, common = section.word(place), section.word(place + 4)
-            if length == 0 or length == 0xFFFFFFFF:
-                raise Refused("unwind entries of a length that is not handled")
-            if common == 0:
-                has_language_data[place] = self.read_common_entry(section, place + 8)
-            else:
-                fields = [place + 8]
-                if has_language_data[place + 4 - common]:
-                    if section.data[place + 16] != 4:
-                        raise Refused("an unwind entry with data that is not handled")
-                    fields.append(place + 17)
-                for at in fields:
-                    if at not in done and section.word(at):
-                        target = (section.word(at) + section.old + at) & 0xFFFFFFFF
-                        section.set_word(at, self.moved(target) - section.new - at)
-            place += length + 4
-
-    @staticmethod
-    def read_common_entry(section, place):
-        """Whether the functions of this entry have language data."""
-        end = section.data.index(0, place + 1)
-        letters = section.data[place + 1 : end].decode()
-        at = end + 1 + 3 + 1  # code and data alignment, return address, and the length of what follows: a byte each
-        for letter in letters[1:]:
-            encoding = section.data[at]
-            known = {"P": (0x9B,), "L": (0x10,), "R": (0x10,)}.get(letter, ())
-            if encoding not in known:
-                raise Refused(f"an unwind entry with an encoding that is not handled: {letter} {encoding:#x}")
-            at += 5 if letter == "P" else 1
-        return "L" in letters
-
-    def fill_stubs(self):
-        for i, name in enumerate(self.called):
-            slot, here = self.slots.new + 4 * i, self.stubs.new + STUB_SIZE * i
-            # call the next instruction; pop %eax; jmp *slot(%eax)
-            code = b"\xe8\0\0\0\0\x58\xff\xa0" + struct.pack("<i", slot - here - 5)
-            self.stubs.data[STUB_SIZE * i : STUB_SIZE * (i + 1)] = code
-            self.bound[slot] = name
-
-    # The file.
-
-    def link_edit(self):
-        """The tables behind the segments, by name: (place in the file, bytes)."""
-        defined = {s.name: s for s in self.program.symbols if s.name in self.exports}
-        addresses = {name: self.moved(symbol.address) for name, symbol in defined.items()}
-        symbols, texts = symbol_table(
-            [(name, self.section_number(defined[name]), addresses[name]) for name in self.exports],
-            [(name, self.allowed[name]) for name in self.imports],
-        )
-        tables = {
-            "rebase": rebase_opcodes(self.rebased, self.text_size),
-            "bind": bind_opcodes(self.bound, self.allowed, self.text_size),
-            "export": export_trie(addresses),
-            "symbols": symbols,
-            "indirect": self.indirect_table(),
-            "texts": texts,
-        }
-        placed, at = {}, self.text_size + self.data_file_size
-        for name, table in tables.items():
-            placed[name] = (at, table)
-            at += aligned(len(table), 4)
-        return placed, at
-
-    def section_number(self, symbol):
-        return 1 + (self.text + self.data).index(self.program.sections[symbol.section])
-
-    def indirect_table(self):
-        """The symbol that each stub and each pointer stands for, section by section."""
-        numbers = {name: len(self.exports) + i for i, name in enumerate(self.imports)}
-        table = []
-        for section in (s for s in self.text + self.data if s.type == POINTERS or s is self.stubs):
-            section.first_pointer = len(table)
-            if section is self.stubs:
-                table += [numbers[name] for name in self.called]
-            else:
-                places = range(section.new, section.new + section.size, 4)
-                table += [numbers[self.bound[p]] if p in self.bound else UNDEFINED_LOCAL for p in places]
-        return struct.pack(f"<{len(table)}I", *table)
-
-    def commands_size(self):
-        sections = len(self.text + self.data)
-        libraries = sum(len(self.library_command(path)) for path in self.libraries)
-        return 3 * 56 + 68 * sections + 48 + 24 + 80 + 24 + 16 + libraries
-
-    @staticmethod
-    def library_command(path):
-        size = aligned(24 + len(path) + 1, 4)
-        return struct.pack("<6I", 12, size, 24, 2, 0x10000, 0x10000) + path.encode().ljust(size - 24, b"\0")
-
-    @staticmethod
-    def segment_command(name, address, size, offset, file_size, protection, sections):
-        command = struct.pack("<II16s", 1, 56 + 68 * len(sections), name.encode())
-        command += struct.pack("<8I", address, size, offset, file_size, 7, protection, len(sections), 0)
-        for s in sections:
-            stub_size = STUB_SIZE if s.flags == SYMBOL_STUBS else 0
-            power = s.alignment.bit_length() - 1
-            command += struct.pack("<16s16s", s.name.encode(), s.segment.encode())
-            command += struct.pack("<9I", s.new, s.size, s.offset, power, 0, 0, s.flags, s.first_pointer, stub_size)
-        return command
-
-    def commands(self, tables, end, uuid):
-        def place(name):
-            at, table = tables[name]
-            return (at, len(table)) if table else (0, 0)
-
-        text, data = self.text_size, self.data_size
-        link_edit = text + self.data_file_size
-        left = end - link_edit
-        commands = self.segment_command("__TEXT", 0, text, 0, text, 5, self.text)
-        commands += self.segment_command("__DATA", text, data, text, self.data_file_size, 3, self.data)
-        commands += self.segment_command("__LINKEDIT", text + data, aligned(left, PAGE), link_edit, left, 1, [])
-        exports, imports, indirect = len(self.exports), len(self.imports), tables["indirect"]
-        commands += struct.pack("<12I", 0x80000022, 48, *place("rebase"), *place("bind"), 0, 0, 0, 0, *place("export"))
-        commands += struct.pack("<6I", 2, 24, tables["symbols"][0], exports + imports, *place("texts"))
-        commands += struct.pack("<8I24x", 11, 80, 0, 0, 0, exports, exports, imports)
-        commands += struct.pack("<II16x", indirect[0], len(indirect[1]) // 4)
-        commands += struct.pack("<II16s", 0x1B, 24, uuid) + struct.pack("<4I", 0x24, 16, SYSTEM_VERSION, SYSTEM_VERSION)
-        return commands + b"".join(map(self.library_command, self.libraries))
-
-    def image(self, uuid=b""):
-        tables, end = self.link_edit()
-        commands = self.commands(tables, end, uuid)
-        # A bundle, whose imports name their libraries.
-        header = struct.pack("<7I", 0xFEEDFACE, 7, 3, 8, 8 + len(self.libraries), len(commands), 0x84)
-        file = bytearray(end)
-        file[: 28 + len(commands)] = header + commands
-        for section in self.text + self.data:
-            file[section.offset : section.offset + len(section.data)] = section.data
-        for at, table in tables.values():
-            file[at : at + len(table)] = table
-        return bytes(file)
-
-    def file(self):
-        """The same input gives the same file: its identifier is made of its bytes."""
-        return self.image(hashlib.md5(self.image()).digest())
+def bundle_file(layout):
+    """The same input gives the same file: its identifier is made of its bytes."""
+    return image(layout, hashlib.md5(image(layout)).digest())
 
 
 def main():
@@ -310,8 +65,8 @@ def main():
     program, imports, exports, output = sys.argv[1:]
     try:
         with open(program, "rb") as file:
-            bundle = Bundle(Object(file.read()), imports, exports).file()
-    except (Refused, OSError) as reason:
+            bundle = bundle_file(Layout(Object(file.read()), imports, exports))
+    except (Refused, OSError, struct.error) as reason:
         sys.exit(f"write_bundle: {program}: {reason}")
     with open(output + ".new", "wb") as file:
         file.write(bundle)
