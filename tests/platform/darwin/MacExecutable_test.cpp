@@ -175,7 +175,7 @@ TEST(MacExecutable, IsRefusedWithTheReason) {
         {[](auto& bytes) { bytes[12] = 2; }, "is no loadable bundle"},
         {[](auto& bytes) { bytes.resize(bytes.size() / 2); }, "is cut off or damaged"},
         {[](auto& bytes) { bytes.resize(100); }, "is cut off or damaged"},
-        {[](auto& bytes) { Rename(bytes, "_getenv", "_getenw"); }, "imports what is not here: _getenw"},
+        {[](auto& bytes) { Rename(bytes, "_NewPtr", "_NewPtx"); }, "imports what is not here: _NewPtx"},
         {[&](auto& bytes) { Replace(bytes, tables, word(0x22 | 0x10)); },
          "was linked for a system before 10.6"},
         {[&](auto& bytes) { Replace(bytes, tables, word(0x80000099)); }, "which is not handled"},

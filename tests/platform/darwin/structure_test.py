@@ -62,7 +62,7 @@ BROKEN = {
     "with an export hidden": (put(symbol_entry("_MyFactory") + 4, b"\x1e"), "symbol table exports"),
     "with another export in the trie": (put(WHOLE.index(b"MyFactory", TABLES.export_off), b"N"), "trie exports"),
     "with an export elsewhere": (put(symbol_entry("_PreInstall") + 8, b"\x00"), "different addresses"),
-    "with an import nobody allowed": (swap(b"_getenv\0", b"_getenw\0"), "_getenw of libSystem is not allowed"),
+    "with an import nobody allowed": (swap(b"_NewPtr\0", b"_NewPtx\0"), "_NewPtx of CoreServices is not allowed"),
     "with an import of another library": (put(LIBRARY, b"\x11"), "of libSystem is not allowed"),
     "with an import of any library": (put(LIBRARY, b"\x3e"), "is not allowed"),
     "with a bind of another kind": (put(TABLES.bind_off, b"\x53"), "is bound in|cannot be read"),
