@@ -209,7 +209,9 @@ private:
         const std::string_view quote = rest.substr(0, 1);
         if (quote != "\"" && quote != "'") return rest = before, std::nullopt;
         rest.remove_prefix(1);
-        return TakeUntil(quote);
+        const auto value = TakeUntil(quote);
+        if (!value) rest = before;
+        return value;
     }
 
     bool ReadDeclaration() {

@@ -131,6 +131,7 @@ TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
         {"<array>text<true/></array>", "its XML is damaged in line 1"},
         {"<array a=\"/>\"></array>", "its XML is damaged in line 1"},
         {"<array><true/>", "its XML is damaged in line 1"},
+        {"<plist version=\"><true/></plist>", "its XML is damaged in line 1"},
         {"<dict><key>a</key></dict>", "its XML is damaged in line 1"},
         {"<dict><true/><true/></dict>", "its XML is damaged in line 1"},
         {"<dict><key/><true/></dict>", "it has an empty key"},
