@@ -4,7 +4,9 @@
 #include "FailingCalls.h"
 #include "FileFailure.h"
 #include "TemporaryFolder.h"
+#include "Tried.h"
 
+#include <Kelbase/Util/ByteStream.h>
 #include <Kelbase/Util/Dir.h>
 #include <Kelbase/Util/File.h>
 
@@ -73,7 +75,11 @@ std::vector<std::string> WithEachCallFailing(const char* source, const std::stri
         }
         world.names.clear();
         const std::size_t left = LiveBlocks();
-        if (!failing.Name()) return outcomes;
+        if (!failing.Name()) {
+            Tried("file call or allocation of the library failing", number,
+                  testing::Test::HasFailure() ? 1 : 0);
+            return outcomes;
+        }
         EXPECT_EQ(left, blocks) << "leaked when call " << number << " failed: " << failing.Name();
         const bool isOpen = world.file.IsOpen();
         world.file.SetPath({});
@@ -195,4 +201,44 @@ TEST(Faults, OfAListingLeaveEntriesOut) {
     EXPECT_EQ(outcomes[1], "readdir: none");
     EXPECT_THAT(outcomes, Contains("stat: one"));
     EXPECT_EQ(outcomes.back(), "readdir: both") << "the end, where nothing is left to tell";
+}
+
+TEST(Faults, OfMemoryLeaveTextsAndStreamsAsTheyWere) {
+    struct Objects {
+        String text{"a text of %1 that is too long to lie in its own object,  really"}, copy{text};
+        std::vector<String> parts;
+        Util::ByteStream stream{0};
+    };
+    using Work = void (*)(Objects&);
+    const Work works[] = {
+        [](Objects& o) { o.text.Insert(3, "many words that need room"); },
+        [](Objects& o) { o.text.Remove(3, 2); },
+        [](Objects& o) { o.text.Resize(500, true); },
+        [](Objects& o) { o.text.detachAndExtend(500); },
+        [](Objects& o) { o.text += "many words that need room"; },
+        [](Objects& o) { o.text = o.text.Arg(4711).Replace("t", "many words that need room").ToUpper(); },
+        [](Objects& o) { o.text = o.text.SimplifyWhiteSpace().Mid(3) + o.text.Left(30); },
+        [](Objects& o) { o.text.Split(' ', o.parts); },
+        [](Objects& o) { o.stream << String("many words that need room"); },
+    };
+    unsigned tried = 0;
+    for (const Work work : works) {
+        for (unsigned number = 0;; ++number, ++tried) {
+            Objects objects;
+            const std::size_t blocks = LiveBlocks();
+            bool isOut = false;
+            const FailingCall failing(number, ENOMEM);
+            try {
+                work(objects);
+            } catch (const std::bad_alloc&) {
+                isOut = true;
+            }
+            if (!failing.Name()) break;
+            EXPECT_TRUE(isOut);
+            EXPECT_EQ(LiveBlocks(), blocks);
+            EXPECT_TRUE(objects.text == objects.copy && objects.parts.empty());
+        }
+    }
+    EXPECT_GT(tried, 2 * std::size(works));
+    Tried("allocation of a text or stream failing", tried, HasFailure() ? 1 : 0);
 }
