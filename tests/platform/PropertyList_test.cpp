@@ -1,5 +1,6 @@
 #include <macplatform/PropertyList.h>
 
+#include "CommaLocale.h"
 #include "TemporaryFolder.h"
 #include "platform/BinaryList.h"
 
@@ -152,4 +153,12 @@ TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
                                                                        std::string("\x61\0k", 3), "\x09"})))
                   .error,
               "a dictionary in it has the same key twice");
+}
+
+TEST(PropertyList, KeepsFractionsWithADecimalComma) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("list.plist", "<plist><real>-0.25</real></plist>");
+    const CommaLocale locale;
+    if (!locale.IsEntered()) GTEST_SKIP() << "there is no locale with a decimal comma";
+    EXPECT_EQ(ReadPropertyList(path).root.Describe(), "-0.25");
 }

@@ -1,13 +1,13 @@
 #include <Kelbase/common/common_string.h>
 
-#include "TemporaryFolder.h"
+#include "CommaLocale.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <clocale>
 #include <cmath>
-#include <cstdlib>
+#include <optional>
 #include <string>
 
 TEST(StringParse, ReadsWholeTextOrNothing) {
@@ -92,30 +92,13 @@ TEST(StringParse, KeepsTheRangesOfEachWidth) {
 class StringParseReal : public testing::TestWithParam<char> {
 protected:
     void SetUp() override {
-        if (GetParam() == ',' && !EnterCommaLocale()) {
+        if (GetParam() != ',') return;
+        if (!locale.emplace().IsEntered()) {
             GTEST_SKIP() << "no locale with a decimal comma is installed, and localedef cannot make one";
         }
     }
-    void TearDown() override {
-        unsetenv("LOCPATH");
-        std::setlocale(LC_ALL, "C");
-    }
 
-private:
-    static bool EnterLocale(const char* name) {
-        return std::setlocale(LC_ALL, name) && std::string(std::localeconv()->decimal_point) == ",";
-    }
-    bool EnterCommaLocale() {
-        for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "es_ES.UTF-8", "ru_RU.UTF-8"}) {
-            if (EnterLocale(name)) return true;
-        }
-        const std::string make = "localedef -c -i de_DE -f UTF-8 " + (made / "de_DE.UTF-8").string();
-        if (std::system((make + " >/dev/null 2>&1").c_str()) == -1) return false;
-        setenv("LOCPATH", made.Path().c_str(), 1);
-        return EnterLocale("de_DE.UTF-8");
-    }
-
-    TemporaryFolder made;
+    std::optional<CommaLocale> locale;
 };
 
 TEST_P(StringParseReal, TakesPointAndComma) {
