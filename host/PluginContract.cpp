@@ -45,16 +45,15 @@ std::string ParameterBlock::Describe() const {
            ", language " + std::to_string(Language());
 }
 
-bool ParameterBlock::DiffersElsewhere(const ParameterBlock& other, std::size_t& first,
-                                      std::size_t& last) const {
-    bool differs = false;
+std::string ParameterBlock::BytesChangedElsewhere(const ParameterBlock& other) const {
+    std::string first;
+    std::size_t last = 0;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         if ((i >= 8 && i < 12) || bytes[i] == other.bytes[i]) continue;
-        if (!differs) first = i;
+        if (first.empty()) first = std::to_string(i);
         last = i;
-        differs = true;
     }
-    return differs;
+    return first.empty() ? first : first + " to " + std::to_string(last);
 }
 
 } // namespace xcodhost

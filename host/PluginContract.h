@@ -60,9 +60,9 @@ public:
     /// "selector 1000, message 2 (pre-install), product 4900, language 11"
     std::string Describe() const;
 
-    /// The first and last place where `other`, of the same size, differs outside the error flags; false when
-    /// nowhere.
-    bool DiffersElsewhere(const ParameterBlock& other, std::size_t& first, std::size_t& last) const;
+    /// "20 to 23": the first and last place where `other`, of the same size, differs outside the error flags;
+    /// empty when nowhere.
+    std::string BytesChangedElsewhere(const ParameterBlock& other) const;
 
 private:
     template <typename T>
