@@ -1,19 +1,18 @@
 #include "Child.h"
 
-#include "Console.h"
+#include "ChildProcess.h"
+#include "Deadlines.h"
 #include "ExitStatus.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <fcntl.h>
+#include <optional>
 #include <poll.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,117 +20,78 @@ namespace xcodhost {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-/// A descriptor that closes itself.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : descriptor(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { Close(); }
-
-    int Number() const { return descriptor; }
-    void Close() {
-        if (descriptor >= 0) close(descriptor);
-        descriptor = -1;
-    }
-
-private:
-    int descriptor;
+/// The two ends of a channel of its own kind.
+struct Ends {
+    Descriptor ours;
+    Descriptor childs;
 };
 
-/// Ends the child's whole process group and reaps the child, at the latest when it goes out of scope.
-class ChildProcess {
-public:
-    explicit ChildProcess(pid_t childId)
-        : id(childId), process(static_cast<int>(syscall(SYS_pidfd_open, childId, 0))) {}
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
-    ~ChildProcess() { Reap(); }
-
-    int Descriptor() const { return process.Number(); } ///< Readable once the child has ended.
-
-    /// Kills the group, which does nothing to a child that has ended, and answers the child's status.
-    int Reap() {
-        if (isReaped) return status;
-        kill(-id, SIGKILL);
-        kill(id, SIGKILL); // it may not have reached its own group yet
-        while (waitpid(id, &status, 0) < 0 && errno == EINTR) {
-        }
-        isReaped = true;
-        return status;
+Ends NewSocket() {
+    int pair[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) < 0) {
+        throw ToolFault::FromErrno("no socket for the child process");
     }
+    return {Descriptor(pair[0]), Descriptor(pair[1])};
+}
 
-private:
-    pid_t id;
-    xcodhost::Descriptor process;
-    int status = 0;
-    bool isReaped = false;
-};
+Ends NewPipe() {
+    int pair[2];
+    if (pipe2(pair, O_CLOEXEC) < 0) throw ToolFault::FromErrno("no pipe for the child process");
+    fcntl(pair[0], F_SETFL, O_NONBLOCK);
+    return {Descriptor(pair[0]), Descriptor(pair[1])};
+}
 
-/// When the child has run for too long; both clocks can be held.
-class Deadlines {
-public:
-    explicit Deadlines(const ChildLimits& childLimits)
-        : limits(childLimits),
-          call(Clock::now() + Span(limits.secondsPerCall)),
-          run(Clock::now() + Span(limits.secondsPerRun)) {}
-
-    void CallBegins() { call = Clock::now() + Span(limits.secondsPerCall); }
-    void Hold(Clock::duration duration) {
-        call += duration;
-        run += duration;
+void RunBody(const std::function<void(const Channel&)>& body, int socket) {
+    const Channel channel(socket, getpid());
+    try {
+        body(channel);
+        channel.Tell(Done{});
+    } catch (const std::exception& fault) {
+        channel.Tell(ChildFault{fault.what()});
     }
-    bool HavePassed() const { return Clock::now() >= std::min(call, run); }
-    double PassedLimit() const { return call <= run ? limits.secondsPerCall : limits.secondsPerRun; }
-    /// For poll: never 0 before a deadline has passed.
-    int Milliseconds() const {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(std::min(call, run) - Clock::now());
-        return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
-    }
+}
 
-private:
-    static Clock::duration Span(double seconds) {
-        return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-    }
+bool IsRefused(ssize_t count) { return count < 0 && errno != EAGAIN && errno != EINTR; }
 
-    ChildLimits limits;
-    Clock::time_point call;
-    Clock::time_point run;
-};
+} // namespace
 
 /// Serves one child until it has ended.
-class Supervision {
+class Children::Supervision {
 public:
-    Supervision(pid_t id, Descriptor& parentSocket, const ChildLimits& childLimits,
-                const ChildListener& childListener, const Interruption& pendingSignals)
-        : child(id),
-          socket(parentSocket),
-          limits(childLimits),
-          deadlines(childLimits),
-          listener(childListener),
-          interruption(pendingSignals) {
-        if (child.Descriptor() < 0) throw ToolFault::FromErrno("the child process cannot be waited for");
+    Supervision(Ends&& channel, Ends&& print, const std::function<void(const Channel&)>& body,
+                const ChildLimits& childLimits, ChildListener&& childListener,
+                std::function<void(const ChildEnd&)>&& whenEnded, const Interruption& pendingSignals)
+        : limits(childLimits),
+          deadlines(childLimits.secondsPerCall, childLimits.secondsPerRun),
+          listener(std::move(childListener)),
+          onEnd(std::move(whenEnded)),
+          socket(std::move(channel.ours)),
+          output(std::move(print.ours)),
+          child({channel.childs.Number(), print.childs.Number()}, pendingSignals,
+                [&] { RunBody(body, channel.childs.Number()); }) {}
+
+    static constexpr std::size_t kDescriptors = 3;
+    void AppendTo(std::vector<pollfd>& waits) const {
+        waits.push_back({socket.Number(), POLLIN, 0});
+        waits.push_back({output.Number(), POLLIN, 0});
+        waits.push_back({child.EndDescriptor(), POLLIN, 0});
+    }
+    int Milliseconds() const { return deadlines.Milliseconds(); }
+
+    /// `ready` is the part of poll's answer that AppendTo asked for. The end, if this was it.
+    std::optional<ChildEnd> Serve(const pollfd* ready) {
+        if (deadlines.HavePassed()) return Ended(ChildEnd::Kind::OverTime, 0, deadlines.PassedLimit());
+        // Looked at before the rest is read: what a child told before its end is then all there.
+        const bool hasEnded = ready[2].revents != 0;
+        do {
+            gotBytes = false;
+            if (!ReadOutput()) return Ended(ChildEnd::Kind::OverOutput, 0, 0);
+            if (!ReadReport()) return Ended(ChildEnd::Kind::OverReport, 0, 0);
+        } while (hasEnded && gotBytes);
+        return hasEnded ? std::optional(EndOf(child.Reap())) : std::nullopt;
     }
 
-    ChildEnd Serve() {
-        while (true) {
-            if (deadlines.HavePassed()) return Ended(ChildEnd::Kind::OverTime, 0, deadlines.PassedLimit());
-            std::array<pollfd, 3> waits{{{socket.Number(), POLLIN, 0},
-                                         {child.Descriptor(), POLLIN, 0},
-                                         {interruption.Descriptor(), POLLIN, 0}}};
-            if (poll(waits.data(), waits.size(), deadlines.Milliseconds()) < 0 && errno != EINTR) {
-                throw ToolFault::FromErrno("the child process cannot be waited for");
-            }
-            interruption.Check();
-            // Looked at before the socket is read: what a child told before its end is then all there.
-            const bool hasEnded = waits[1].revents != 0;
-            const bool isSound = hasEnded ? ReadRest() : ReadSome();
-            if (!isSound) return Ended(ChildEnd::Kind::OverReport, 0, 0);
-            if (hasEnded) return EndOf(child.Reap());
-        }
-    }
+    void TellEnd(const ChildEnd& end) const { onEnd(end); }
 
 private:
     ChildEnd Ended(ChildEnd::Kind kind, int code, double seconds) {
@@ -145,23 +105,28 @@ private:
         return {ChildEnd::Kind::Exited, WEXITSTATUS(status), 0};
     }
 
+    /// False when the child prints too much.
+    bool ReadOutput() {
+        if (output.Number() < 0) return true;
+        const ssize_t count = read(output.Number(), buffer.data(), buffer.size());
+        if (count == 0 || IsRefused(count)) output.Close();
+        if (count <= 0) return true;
+        gotBytes = true;
+        printed += static_cast<std::size_t>(count);
+        listener.onOutput(std::string_view(buffer.data(), static_cast<std::size_t>(count)));
+        return printed <= limits.outputBytes;
+    }
+
     /// False when the report is too long or broken.
-    bool ReadSome() {
+    bool ReadReport() {
         if (socket.Number() < 0) return true;
         const ssize_t count = recv(socket.Number(), buffer.data(), buffer.size(), MSG_DONTWAIT);
-        gotBytes = count > 0;
-        if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) socket.Close();
+        if (count == 0 || IsRefused(count)) socket.Close();
         if (count <= 0) return true;
+        gotBytes = true;
         received += static_cast<std::size_t>(count);
         pending.append(buffer.data(), static_cast<std::size_t>(count));
         return received <= limits.reportBytes && HandleLines();
-    }
-
-    bool ReadRest() {
-        do {
-            if (!ReadSome()) return false;
-        } while (gotBytes && socket.Number() >= 0);
-        return true;
     }
 
     bool HandleLines() {
@@ -186,74 +151,68 @@ private:
     }
 
     void Answer(macplatform::Alert&& alert) {
-        const Clock::time_point asked = Clock::now();
+        const auto asked = Deadlines::Clock::now();
         const std::int32_t answer = listener.onAlert(std::move(alert));
-        deadlines.Hold(Clock::now() - asked);
+        deadlines.Hold(Deadlines::Clock::now() - asked);
         // A child that has ended meanwhile needs no answer; its end is seen in the next round.
         SendAll(socket.Number(), reinterpret_cast<const char*>(&answer), sizeof answer);
     }
 
-    ChildProcess child;
-    Descriptor& socket;
-    const ChildLimits& limits;
+    ChildLimits limits;
     Deadlines deadlines;
-    const ChildListener& listener;
-    const Interruption& interruption;
+    ChildListener listener;
+    std::function<void(const ChildEnd&)> onEnd;
+    Descriptor socket;
+    Descriptor output;
+    ChildProcess child;
     std::array<char, 65536> buffer{};
     std::string pending;      ///< The start of a line, whose end has not come yet.
     std::size_t searched = 0; ///< So much of it holds no line feed.
     std::size_t received = 0;
+    std::size_t printed = 0;
     bool gotBytes = false;
     bool isDone = false;
 };
 
-/// Standard input empty, standard output where standard error goes: the result is the parent's alone to
-/// print.
-void SettleStreams() {
-    const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) _exit(70);
-    if (nothing != STDIN_FILENO) close(nothing);
+Children::Children(const Interruption& pendingSignals) : interruption(pendingSignals) {}
+Children::~Children() = default;
+
+void Children::Start(std::function<void(const Channel&)> body, const ChildLimits& limits,
+                     ChildListener listener, std::function<void(const ChildEnd&)> onEnd) {
+    running.push_back(std::make_unique<Supervision>(NewSocket(), listener.onOutput ? NewPipe() : Ends{}, body,
+                                                    limits, std::move(listener), std::move(onEnd),
+                                                    interruption));
 }
 
-[[noreturn]] void RunChild(const std::function<void(const Channel&)>& body, int socket, pid_t parent,
-                           const Interruption& interruption) {
-    setpgid(0, 0);
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(70); // it died before the line above
-    SettleStreams();
-    interruption.LiftInChild();
-    const Channel channel(socket, getpid());
-    try {
-        body(channel);
-        channel.Tell(Done{});
-    } catch (const std::exception& fault) {
-        channel.Tell(ChildFault{fault.what()});
+void Children::Serve() {
+    std::vector<pollfd> waits{{interruption.Descriptor(), POLLIN, 0}};
+    int milliseconds = -1;
+    for (const auto& one : running) {
+        one->AppendTo(waits);
+        const int left = one->Milliseconds();
+        milliseconds = milliseconds < 0 ? left : std::min(milliseconds, left);
     }
-    _exit(0); // not exit(): the bundle's own clean-up at exit is no part of a delivery
+    if (poll(waits.data(), waits.size(), milliseconds) < 0 && errno != EINTR) {
+        throw ToolFault::FromErrno("the child process cannot be waited for");
+    }
+    interruption.Check();
+    const pollfd* ready = waits.data() + 1;
+    std::vector<std::pair<std::unique_ptr<Supervision>, ChildEnd>> ended;
+    for (auto& one : running) {
+        if (const auto end = one->Serve(ready)) ended.emplace_back(std::move(one), *end);
+        ready += Supervision::kDescriptors;
+    }
+    running.erase(std::remove(running.begin(), running.end(), nullptr), running.end());
+    for (const auto& [one, end] : ended) one->TellEnd(end);
 }
 
-} // namespace
-
-ChildEnd RunInChild(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
-                    const ChildListener& listener, const Interruption& interruption) {
-    SetSignalEffect(SIGCHLD,
-                    SIG_DFL); // ignored, as a caller may have left it, it would lose the child's status
-    int pair[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) < 0) {
-        throw ToolFault::FromErrno("no socket for the child process");
-    }
-    Descriptor parentSocket(pair[0]);
-    Descriptor childSocket(pair[1]);
-    const pid_t parent = getpid();
-    const pid_t id = fork();
-    if (id < 0) throw ToolFault::FromErrno("no child process");
-    if (id == 0) {
-        parentSocket.Close();
-        RunChild(body, childSocket.Number(), parent, interruption);
-    }
-    setpgid(id, id); // both do it, so that it is done whoever runs first
-    childSocket.Close();
-    return Supervision(id, parentSocket, limits, listener, interruption).Serve();
+ChildEnd RunInChild(std::function<void(const Channel&)> body, const ChildLimits& limits,
+                    ChildListener listener, const Interruption& interruption) {
+    ChildEnd result;
+    Children children(interruption);
+    children.Start(std::move(body), limits, std::move(listener), [&](const ChildEnd& end) { result = end; });
+    while (children.Count() > 0) children.Serve();
+    return result;
 }
 
 } // namespace xcodhost

@@ -62,6 +62,7 @@ Json EndJson(const RunResult& result) {
     case ChildEnd::Kind::OverTime:
         return {{"kind", "time-limit"}, {"seconds", result.end.seconds}};
     case ChildEnd::Kind::OverReport:
+    case ChildEnd::Kind::OverOutput:
         return {{"kind", "broken-report"}};
     case ChildEnd::Kind::Finished:
         break;

@@ -65,6 +65,7 @@ Verdict Judge(const RunResult& result) {
         return {ExitStatus::TimeLimit,
                 "FAIL no return within " + Seconds(result.end.seconds) + ' ' + LastCall(result)};
     case ChildEnd::Kind::OverReport:
+    case ChildEnd::Kind::OverOutput:
         return {ExitStatus::Crashed, "FAIL flooded or broke the report to the host " + LastCall(result)};
     case ChildEnd::Kind::Finished:
         break;

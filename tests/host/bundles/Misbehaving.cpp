@@ -105,7 +105,11 @@ void Deliver(char* block) {
         std::fflush(stdout);
         break;
     case LeaveProcessBehind:
-        if (fork() == 0) WaitForEver();
+        if (fork() == 0) {
+            setsid(); // out of the host's reach, but for what the kernel knows of its ancestors
+            if (fork() == 0) WaitForEver();
+            _exit(0);
+        }
         break;
     case CloseEverything:
         for (int i = 0; i < 1024; ++i) close(i);

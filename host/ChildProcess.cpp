@@ -1,0 +1,123 @@
+#include "ChildProcess.h"
+
+#include "ExitStatus.h"
+#include "Interruption.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <string>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+
+namespace xcodhost {
+
+namespace {
+
+/// The children that are not reaped yet. Whatever else is a child of this process is an orphan.
+std::vector<pid_t>& LivingChildren() {
+    static std::vector<pid_t> children;
+    return children;
+}
+
+int WaitFor(pid_t id) {
+    int status = 0;
+    while (waitpid(id, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
+}
+
+/// An orphan's own children become orphans when it dies, hence the rounds; their number is limited because a
+/// bundle may start processes faster than they can be ended.
+void EndOrphans() {
+    constexpr int rounds = 1000;
+    const auto& known = LivingChildren();
+    for (int round = 0; round < rounds; ++round) {
+        bool hasOrphan = false;
+        for (const pid_t child : ChildrenOfThisProcess()) {
+            if (std::find(known.begin(), known.end(), child) != known.end()) continue;
+            hasOrphan = true;
+            kill(child, SIGKILL);
+            WaitFor(child);
+        }
+        if (!hasOrphan) return;
+    }
+}
+
+/// Standard input empty; what the child prints goes to `output`.
+bool SettleStreams(int output) {
+    const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0) return false;
+    if (nothing != STDIN_FILENO) close(nothing);
+    if (output >= 0 && dup2(output, STDERR_FILENO) < 0) return false;
+    return dup2(STDERR_FILENO, STDOUT_FILENO) >= 0;
+}
+
+/// What the parent has open is none of the bundle's business.
+void CloseAllBut(int kept) {
+    const auto number = static_cast<unsigned>(kept);
+    if (number > STDERR_FILENO + 1) close_range(STDERR_FILENO + 1, number - 1, 0);
+    close_range(number + 1, ~0U, 0);
+}
+
+/// In the child.
+void Settle(const ChildProcess::Streams& streams, pid_t parent, const Interruption& interruption) {
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    prctl(PR_SET_CHILD_SUBREAPER,
+          1); // what the bundle leaves behind can be told from other bundles' leavings
+    if (getppid() != parent || !SettleStreams(streams.output)) _exit(70); // or: the parent died before
+    CloseAllBut(streams.socket);
+    interruption.LiftInChild();
+}
+
+} // namespace
+
+ChildProcess::ChildProcess(const Streams& streams, const Interruption& interruption,
+                           const std::function<void()>& body) {
+    // Ignored, as a caller may have left it, it would lose the child's status.
+    SetSignalEffect(SIGCHLD, SIG_DFL);
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const pid_t parent = getpid();
+    LivingChildren().reserve(LivingChildren().size() + 1);
+    id = fork();
+    if (id < 0) throw ToolFault::FromErrno("no child process");
+    if (id == 0) {
+        LivingChildren().clear();
+        Settle(streams, parent, interruption);
+        body();
+        _exit(0); // not exit(): the bundle's own clean-up at exit is no part of a delivery
+    }
+    setpgid(id, id); // both do it, so that it is done whoever runs first
+    LivingChildren().push_back(id);
+    end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
+    if (end.Number() < 0) {
+        const auto fault = ToolFault::FromErrno("the child process cannot be waited for");
+        Reap();
+        throw fault;
+    }
+}
+
+int ChildProcess::Reap() {
+    if (isReaped) return status;
+    isReaped = true;
+    kill(-id, SIGKILL);
+    kill(id, SIGKILL); // it may not have reached its own group yet
+    status = WaitFor(id);
+    auto& living = LivingChildren();
+    living.erase(std::remove(living.begin(), living.end(), id), living.end());
+    EndOrphans();
+    return status;
+}
+
+std::vector<pid_t> ChildrenOfThisProcess() {
+    std::vector<pid_t> children;
+    std::ifstream list("/proc/thread-self/children");
+    for (pid_t child; list >> child;) children.push_back(child);
+    return children;
+}
+
+} // namespace xcodhost
