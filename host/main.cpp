@@ -7,6 +7,7 @@
 #include "RunCommand.h"
 #include "ShowCommand.h"
 #include "VolumeCommand.h"
+#include "Worker.h"
 
 #include <exception>
 
@@ -25,6 +26,8 @@ struct Execute {
     ExitStatus operator()(const InfoOptions& options) const { return InfoCommand(options); }
 };
 
+bool RunsBundles(const Command& command) { return std::holds_alternative<RunOptions>(command); }
+
 int Refused(ExitStatus status, const std::string& text, bool isJson) {
     Note(text);
     try {
@@ -34,13 +37,11 @@ int Refused(ExitStatus status, const std::string& text, bool isJson) {
     return static_cast<int>(status);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    PrepareStandardStreams();
-    const bool isJson = WantsJson(argc, argv);
+/// `work`, with what it throws put into words.
+template <typename Work>
+int Guarded(bool isJson, Work work) {
     try {
-        return static_cast<int>(std::visit(Execute(), ParseCommandLine(argc, argv)));
+        return work();
     } catch (const Interrupted& interrupted) {
         DieOf(interrupted.signal);
     } catch (const Refusal& refusal) {
@@ -48,4 +49,17 @@ int main(int argc, char** argv) {
     } catch (const std::exception& fault) {
         return Refused(ExitStatus::ToolFault, fault.what(), isJson);
     }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    PrepareStandardStreams();
+    const bool isJson = WantsJson(argc, argv);
+    return Guarded(isJson, [&] {
+        const Command command = ParseCommandLine(argc, argv);
+        const auto work = [&] { return static_cast<int>(std::visit(Execute(), command)); };
+        if (!RunsBundles(command)) return work();
+        return RunInWorker([&] { return Guarded(isJson, work); });
+    });
 }

@@ -1,0 +1,57 @@
+#include "Worker.h"
+
+#include "Descriptor.h"
+#include "ExitStatus.h"
+#include "Interruption.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <optional>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace xcodhost {
+
+namespace {
+
+/// Hands the signals on until the worker has ended.
+void Attend(pid_t worker, const Interruption& interruption) {
+    const Descriptor end(static_cast<int>(syscall(SYS_pidfd_open, worker, 0)));
+    std::array<pollfd, 2> waits{{{end.Number(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
+    while (end.Number() >= 0 && waits[0].revents == 0) {
+        poll(waits.data(), waits.size(), -1);
+        try {
+            interruption.Check();
+        } catch (const Interrupted& interrupted) {
+            kill(worker, interrupted.signal);
+        }
+    }
+}
+
+} // namespace
+
+int RunInWorker(const std::function<int()>& work) {
+    SetSignalEffect(SIGCHLD, SIG_DFL); // ignored, it would lose the worker's status
+    std::optional<Interruption> interruption(std::in_place);
+    const pid_t parent = getpid();
+    const pid_t worker = fork();
+    if (worker < 0) throw ToolFault::FromErrno("no process for the work");
+    if (worker == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        interruption.reset();
+        if (getppid() != parent) _exit(70); // it died before the first line
+        _exit(work());
+    }
+    Attend(worker, *interruption);
+    int status = 0;
+    while (waitpid(worker, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (WIFSIGNALED(status)) DieOf(WTERMSIG(status));
+    return WEXITSTATUS(status);
+}
+
+} // namespace xcodhost
