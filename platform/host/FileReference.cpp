@@ -7,6 +7,7 @@
 #include "ResultCodes.h"
 #include "TextEncoding.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -28,13 +29,15 @@ struct Reference {
 };
 static_assert(sizeof(Reference) <= sizeof(FSRef));
 
-/// A path does not fit into an FSRef, so the last ones are kept here under a number.
+/// A path does not fit into an FSRef, so the last ones are kept here under a number, each once.
 struct PathTable {
     std::deque<std::string> paths;
     std::uint32_t firstNumber = 1;
 
     std::uint32_t NumberOf(const std::string& path) {
-        if (paths.empty() || paths.back() != path) paths.push_back(path);
+        const auto known = std::find(paths.begin(), paths.end(), path);
+        if (known != paths.end()) return firstNumber + static_cast<std::uint32_t>(known - paths.begin());
+        paths.push_back(path);
         if (paths.size() > 4096) {
             paths.pop_front();
             ++firstNumber;
