@@ -116,12 +116,17 @@ BundleExecutable ReadExecutable(const std::string& platform, const std::string& 
 
 } // namespace
 
-BundleInfo ReadBundle(const std::string& path) {
+BundleInfo ReadBundleList(const std::string& path) {
     BundleInfo info;
     info.path = path;
     info.propertyList = ReadInfoList(path);
     info.factories = FactoriesOf(info.propertyList, path);
     info.types = TypesOf(info.propertyList, path);
+    return info;
+}
+
+BundleInfo ReadBundle(const std::string& path) {
+    BundleInfo info = ReadBundleList(path);
     const std::string name = ExecutableName(info.propertyList, path);
     for (const char* platform : {"Linux", "MacOS"}) {
         const std::string file = (fs::path(path) / "Contents" / platform / name).string();

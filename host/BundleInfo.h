@@ -46,4 +46,7 @@ struct BundleInfo {
 /// or lacks the factories or types, there is no executable, or one is no executable of any kind.
 BundleInfo ReadBundle(const std::string& path);
 
+/// The same without the executables.
+BundleInfo ReadBundleList(const std::string& path);
+
 } // namespace xcodhost

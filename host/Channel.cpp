@@ -20,6 +20,8 @@ bool SendAll(int socket, const char* bytes, std::size_t size) {
     return true;
 }
 
+Channel Channel::OfThisProcess() const { return {socket, getpid()}; }
+
 void Channel::Tell(const Message& message) const {
     if (getpid() != owner) return;
     const std::string line = Encode(message);

@@ -14,6 +14,9 @@ class Channel {
 public:
     Channel(int socketDescriptor, pid_t ownerProcess) : socket(socketDescriptor), owner(ownerProcess) {}
 
+    /// For a child that this process forked to go on in its name.
+    Channel OfThisProcess() const;
+
     void Tell(const Message& message) const;
     /// Tells the alert and waits for the answer: the place of a button, or -1.
     int Ask(const macplatform::Alert& alert) const;

@@ -49,6 +49,20 @@ json ToJson(const LoadFailed& failure) {
 
 json ToJson(const ObjectsLeft& left) { return {{"is", "left"}, {"objects", left.objects}}; }
 
+json ToJson(const Finding& finding) {
+    return {{"is", "finding"}, {"expected", finding.expected}, {"seen", finding.seen}};
+}
+
+json ToJson(const GaveUp& given) { return {{"is", "gaveUp"}, {"reason", given.reason}}; }
+
+json ToJson(const TableCell& cell) {
+    return {{"is", "cell"},
+            {"product", cell.product},
+            {"language", cell.language},
+            {"seen", cell.seen},
+            {"right", cell.isRight}};
+}
+
 json ToJson(const ChildFault& fault) { return {{"is", "fault"}, {"text", fault.text}}; }
 
 json ToJson(const Done&) { return {{"is", "done"}}; }
@@ -89,6 +103,12 @@ std::optional<Message> MessageFrom(const json& value) {
     if (is == "exception") return ExceptionEscaped{Text(value, "type"), Text(value, "what")};
     if (is == "notLoaded") return LoadFailed{Text(value, "reason"), Text(value, "text")};
     if (is == "left") return ObjectsLeft{value.at("objects").get<std::vector<std::string>>()};
+    if (is == "finding") return Finding{Text(value, "expected"), Text(value, "seen")};
+    if (is == "gaveUp") return GaveUp{Text(value, "reason")};
+    if (is == "cell") {
+        return TableCell{value.at("product").get<std::int32_t>(), value.at("language").get<std::int32_t>(),
+                         Text(value, "seen"), value.at("right").get<bool>()};
+    }
     if (is == "fault") return ChildFault{Text(value, "text")};
     if (is == "done") return Done{};
     return std::nullopt;

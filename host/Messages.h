@@ -50,6 +50,25 @@ struct ObjectsLeft {
     std::vector<std::string> objects;
 };
 
+/// What a check found.
+struct Finding {
+    std::string expected;
+    std::string seen;
+};
+
+/// A check cannot be made on this machine.
+struct GaveUp {
+    std::string reason;
+};
+
+/// What post-install stored for a product and a language.
+struct TableCell {
+    std::int32_t product = 0;
+    std::int32_t language = 0;
+    std::string seen;
+    bool isRight = false;
+};
+
 /// The child itself could not go on; no fault of the bundle.
 struct ChildFault {
     std::string text;
@@ -58,8 +77,9 @@ struct ChildFault {
 /// The last message; an end without it was not the host's doing.
 struct Done {};
 
-using Message = std::variant<CallBegan, CallReturned, macplatform::JournalEntry, macplatform::Alert,
-                             ExceptionEscaped, LoadFailed, ObjectsLeft, ChildFault, Done>;
+using Message =
+    std::variant<CallBegan, CallReturned, macplatform::JournalEntry, macplatform::Alert, ExceptionEscaped,
+                 LoadFailed, ObjectsLeft, Finding, GaveUp, TableCell, ChildFault, Done>;
 
 /// One line with its line feed.
 std::string Encode(const Message& message);

@@ -178,6 +178,54 @@ void DescribeRun(CLI::App& run, RunArguments& arguments) {
     run.footer(kRunFooter);
 }
 
+void DescribeValidate(CLI::App& validate, ValidateOptions& options) {
+    validate.add_option("BUNDLE", options.bundles, "One or more bundles' folders")
+        ->type_name("DIR")
+        ->required();
+    validate
+        .add_option("--include", options.include,
+                    "Run these checks only: ids, groups, or patterns such as 'steps.*'")
+        ->type_name("ID");
+    validate.add_option("--exclude", options.exclude, "Do not run these checks")->type_name("ID");
+    validate.add_flag("--json", options.isJson, "Print one JSON document");
+    validate.add_option("--junit", options.junitFile, "Write the results for a build server to this file")
+        ->type_name("FILE");
+    validate.add_option("--html", options.htmlFile, "Write a page for the browser to this file")
+        ->type_name("FILE");
+    AddNumber(validate, "--timeout", options.secondsPerCall, ParseSeconds,
+              "Seconds that one call may take (default 10); a check may take twenty times that");
+    AddNumber(
+        validate, "--jobs", options.atOnce,
+        [](const std::string& name, const std::string& text) {
+            const auto count = ParseInteger<std::uint8_t>(name, text);
+            if (count == 0) throw UsageError(name + ": at least 1");
+            return unsigned{count};
+        },
+        "Checks that run at the same time (default: the number of processors)");
+    validate.footer(
+        "Examples:\n"
+        "  xcodhost validate PostInstall.bundle\n"
+        "  xcodhost validate PostInstall.bundle --include steps --exclude steps.answer\n"
+        "  xcodhost validate PostInstall.bundle --junit results.xml --html results.html\n\n"
+        "Exit status: 0 all checks passed, 1 a check failed, 2 wrong usage, 3 the bundle cannot be loaded,\n"
+        "4 it crashed or let an exception out, 5 time limit, 70 a fault of the tool itself.\n"
+        "Where several checks fail, the first of them decides.");
+}
+
+void DescribeList(CLI::App& list, ListChecksOptions& options) {
+    CLI::App* const checks =
+        list.add_subcommand("checks", "All checks of validate, with what they are about");
+    checks->add_flag("--json", options.isJson, "Print one JSON document");
+    list.require_subcommand(1);
+    list.footer("Example:\n  xcodhost list checks");
+}
+
+void DescribeExplain(CLI::App& explain, ExplainOptions& options) {
+    explain.add_option("ID", options.check, "The check's id")->type_name("")->required();
+    explain.add_flag("--json", options.isJson, "Print one JSON document");
+    explain.footer("Example:\n  xcodhost explain steps.alert");
+}
+
 void DescribeShow(CLI::App& show, ShowOptions& options) {
     show.add_option("--volume", options.volume, "Folder that stands for the startup volume")
         ->type_name("DIR")
@@ -233,16 +281,25 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     app.require_subcommand(1);
     RunArguments runArguments;
     ShowOptions showOptions;
+    ValidateOptions validateOptions;
     VolumeOptions volumeOptions;
     InfoOptions infoOptions;
+    ListChecksOptions listOptions;
+    ExplainOptions explainOptions;
     CLI::App* const run = app.add_subcommand("run", "Deliver the installer's events to a bundle");
+    CLI::App* const validate = app.add_subcommand("validate", "Check bundles against the plug-in contract");
     CLI::App* const show = app.add_subcommand("show", "Show preferences and Finder flags on a volume");
     CLI::App* const volume = app.add_subcommand("volume", "Make a sample startup volume");
     CLI::App* const info = app.add_subcommand("info", "Show what a bundle is, without loading it");
+    CLI::App* const list = app.add_subcommand("list", "List the checks of validate");
+    CLI::App* const explain = app.add_subcommand("explain", "Tell what a check is about");
     DescribeRun(*run, runArguments);
+    DescribeValidate(*validate, validateOptions);
     DescribeShow(*show, showOptions);
     DescribeVolume(*volume, volumeOptions);
     DescribeInfo(*info, infoOptions);
+    DescribeList(*list, listOptions);
+    DescribeExplain(*explain, explainOptions);
     app.footer("xcodhost COMMAND --help shows a command's options and examples.");
     try {
         app.parse(argc, argv);
@@ -254,6 +311,9 @@ Command ParseCommandLine(int argc, const char* const* argv) {
         throw FromParser(error);
     }
     if (run->parsed()) return Checked(runArguments, *run);
+    if (validate->parsed()) return validateOptions;
+    if (list->parsed()) return listOptions;
+    if (explain->parsed()) return explainOptions;
     if (show->parsed()) return showOptions;
     if (volume->parsed()) return volumeOptions;
     return infoOptions;

@@ -45,12 +45,33 @@ struct InfoOptions {
     bool isJson = false;
 };
 
+struct ValidateOptions {
+    std::vector<std::string> bundles;
+    std::vector<std::string> include; ///< Shell patterns of ids; none: all checks.
+    std::vector<std::string> exclude;
+    std::string junitFile; ///< Empty: none, as for the next.
+    std::string htmlFile;
+    bool isJson = false;
+    double secondsPerCall = 10;
+    unsigned atOnce = 0; ///< Checks at the same time; 0: as many as there are processors.
+};
+
+struct ListChecksOptions {
+    bool isJson = false;
+};
+
+struct ExplainOptions {
+    std::string check;
+    bool isJson = false;
+};
+
 /// Text that the command line asked for instead of work: help, or the version.
 struct HelpText {
     std::string text;
 };
 
-using Command = std::variant<HelpText, RunOptions, ShowOptions, VolumeOptions, InfoOptions>;
+using Command = std::variant<HelpText, RunOptions, ValidateOptions, ShowOptions, VolumeOptions, InfoOptions,
+                             ListChecksOptions, ExplainOptions>;
 
 /// Throws UsageError with one line that names the option.
 Command ParseCommandLine(int argc, const char* const* argv);

@@ -5,6 +5,7 @@
 
 #include <CoreFoundation/CFPlugInCOM.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -20,6 +21,12 @@ inline constexpr CFUUIDBytes kPluginType = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 
 /// 00D5FBFE-3D3D-40E2-9DCB-92ED695834F8
 inline constexpr CFUUIDBytes kHostInterface = {0x00, 0xD5, 0xFB, 0xFE, 0x3D, 0x3D, 0x40, 0xE2,
                                                0x9D, 0xCB, 0x92, 0xED, 0x69, 0x58, 0x34, 0xF8};
+
+/// IUnknown's: 00000000-0000-0000-C000-000000000046
+inline constexpr CFUUIDBytes kUnknownInterface = {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+                                                  0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46};
+
+inline constexpr const char* kFactoryFunction = "MyFactory";
 
 /// 8-4-4-4-12 upper-case digits.
 std::string Describe(const CFUUIDBytes& identifier);
@@ -54,6 +61,10 @@ public:
     std::int32_t Product() const { return Field<std::int32_t>(4); }
     std::uint32_t ErrorFlags() const { return Field<std::uint32_t>(8); }
     std::int32_t Language() const { return Field<std::int32_t>(610); }
+
+    void SetErrorFlags(std::uint32_t flags) { SetField(8, flags); }
+    /// Fills the fields that are the host's alone.
+    void FillHostFields(char byte) { std::fill(bytes.begin() + 12, bytes.begin() + 610, byte); }
 
     const std::vector<char>& Bytes() const { return bytes; }
 

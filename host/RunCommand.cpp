@@ -62,7 +62,7 @@ public:
     WorkVolume(const RunOptions& options, const Interruption& interruption) {
         if (!options.volume.empty()) folder = VolumeFolder(options.volume);
         if (!folder.empty() && !options.isDryRun) return;
-        scratch.emplace();
+        scratch.emplace(options.isDryRun ? ScratchFolder::Use::Copies : ScratchFolder::Use::Samples);
         if (options.isDryRun) {
             CopyVolume(folder, scratch->Path(), interruption);
         } else {
@@ -115,6 +115,9 @@ private:
     void TakeOne(LoadFailed&& failure) { result.loadFailure = std::move(failure); }
     void TakeOne(ExceptionEscaped&& exception) { result.exception = std::move(exception); }
     void TakeOne(ObjectsLeft&& left) { result.objectsLeft = std::move(left.objects); }
+    void TakeOne(Finding&&) {} // of checks only, as the next two
+    void TakeOne(GaveUp&&) {}
+    void TakeOne(TableCell&&) {}
     void TakeOne(macplatform::Alert&&) {} // answered before
     void TakeOne(ChildFault&&) {}         // thrown before
     void TakeOne(Done&&) {}

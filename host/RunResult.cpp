@@ -9,15 +9,6 @@ namespace xcodhost {
 
 namespace {
 
-/// "SIGSEGV (Segmentation fault)"
-std::string SignalName(int number) {
-    const char* abbreviation = sigabbrev_np(number);
-    const char* description = sigdescr_np(number);
-    std::string name = abbreviation ? std::string("SIG") + abbreviation : "signal " + std::to_string(number);
-    if (description) name += std::string(" (") + description + ')';
-    return name;
-}
-
 std::string LastCall(const RunResult& result) {
     return result.calls.empty() ? "before any of its code ran" : "in " + result.calls.back().Describe();
 }
@@ -38,6 +29,14 @@ Verdict JudgeEffects(const RunResult& result) {
 }
 
 } // namespace
+
+std::string SignalName(int number) {
+    const char* abbreviation = sigabbrev_np(number);
+    const char* description = sigdescr_np(number);
+    std::string name = abbreviation ? std::string("SIG") + abbreviation : "signal " + std::to_string(number);
+    if (description) name += std::string(" (") + description + ')';
+    return name;
+}
 
 std::string AlertRecord::Title() const {
     if (answer < 0) return {};

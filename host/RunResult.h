@@ -65,4 +65,7 @@ struct Verdict {
 
 Verdict Judge(const RunResult& result);
 
+/// "SIGSEGV (Segmentation fault)"
+std::string SignalName(int number);
+
 } // namespace xcodhost

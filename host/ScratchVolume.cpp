@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -101,9 +102,11 @@ void CopyItem(const std::string& from, const std::string& to, const Interruption
 
 } // namespace
 
-ScratchFolder::ScratchFolder() {
+ScratchFolder::ScratchFolder(Use use) {
+    constexpr const char* memory = "/dev/shm";
     std::error_code error;
-    path = (fs::temp_directory_path(error) / "xcodhost.XXXXXX").string();
+    const bool isInMemory = use == Use::Samples && !std::getenv("TMPDIR") && access(memory, W_OK | X_OK) == 0;
+    path = ((isInMemory ? fs::path(memory) : fs::temp_directory_path(error)) / "xcodhost.XXXXXX").string();
     if (error) throw ToolFault("no place for temporary files: " + error.message());
     if (!mkdtemp(path.data())) throw ToolFault::FromErrno(path);
 }

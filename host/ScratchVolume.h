@@ -8,10 +8,14 @@ namespace xcodhost {
 
 class Interruption;
 
-/// A fresh folder among the temporary files that is removed, with what it holds, with the object.
+/// A fresh folder that is removed, with what it holds, with the object. Throws ToolFault.
 class ScratchFolder {
 public:
-    ScratchFolder();
+    enum class Use {
+        Samples, ///< For small volumes: in memory, where the system has a place for that and TMPDIR names none.
+        Copies,  ///< Among the temporary files.
+    };
+    explicit ScratchFolder(Use use);
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();

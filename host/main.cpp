@@ -8,6 +8,8 @@
 #include "ShowCommand.h"
 #include "VolumeCommand.h"
 #include "Worker.h"
+#include "validate/ChecksCommand.h"
+#include "validate/ValidateCommand.h"
 
 #include <exception>
 
@@ -21,12 +23,17 @@ struct Execute {
         return ExitStatus::Done;
     }
     ExitStatus operator()(const RunOptions& options) const { return RunCommand(options); }
+    ExitStatus operator()(const ValidateOptions& options) const { return ValidateCommand(options); }
+    ExitStatus operator()(const ListChecksOptions& options) const { return ListChecksCommand(options); }
+    ExitStatus operator()(const ExplainOptions& options) const { return ExplainCommand(options); }
     ExitStatus operator()(const ShowOptions& options) const { return ShowCommand(options); }
     ExitStatus operator()(const VolumeOptions& options) const { return VolumeCommand(options); }
     ExitStatus operator()(const InfoOptions& options) const { return InfoCommand(options); }
 };
 
-bool RunsBundles(const Command& command) { return std::holds_alternative<RunOptions>(command); }
+bool RunsBundles(const Command& command) {
+    return std::holds_alternative<RunOptions>(command) || std::holds_alternative<ValidateOptions>(command);
+}
 
 int Refused(ExitStatus status, const std::string& text, bool isJson) {
     Note(text);

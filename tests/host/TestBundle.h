@@ -36,3 +36,18 @@ public:
 private:
     TemporaryFolder folder;
 };
+
+/// A bundle around code of the corpus.
+class CorpusBundle {
+public:
+    explicit CorpusBundle(const std::string& fault, const std::string& infoList = InfoList("MyFactory")) {
+        folder.Write("Test.bundle/Contents/Info.plist", infoList);
+        std::filesystem::create_directories(folder / "Test.bundle/Contents/Linux");
+        std::filesystem::create_symlink(std::string(CORPUS) + '/' + fault,
+                                        folder / "Test.bundle/Contents/Linux/Test");
+    }
+    std::string Path() const { return (folder / "Test.bundle").string(); }
+
+private:
+    TemporaryFolder folder;
+};

@@ -1,0 +1,58 @@
+#include "JUnitReport.h"
+
+#include "MarkupText.h"
+#include "ValidateReport.h"
+
+namespace xcodhost {
+
+namespace {
+
+using State = CheckResult::State;
+
+/// Seconds with a point, whatever the locale.
+std::string Time(double seconds) {
+    const auto milliseconds = static_cast<long long>(seconds * 1000 + 0.5);
+    const std::string rest = std::to_string(milliseconds % 1000);
+    return std::to_string(milliseconds / 1000) + '.' + std::string(3 - rest.size(), '0') + rest;
+}
+
+std::string Case(const BundleResult& bundle, const CheckResult& result) {
+    const std::string id = result.check->id;
+    std::string text = "    <testcase classname=\"" + MarkupText(id.substr(0, id.find('.'))) + "\" name=\"" +
+                       MarkupText(id) + "\" time=\"" + Time(result.seconds) + "\"";
+    if (result.state == State::Passed) return text + "/>\n";
+    text += ">\n";
+    if (result.state == State::NotRun) {
+        text += "      <skipped message=\"" + MarkupText(result.reason) + "\"/>\n";
+    } else {
+        const LocatedFinding& first = result.findings.front();
+        text += "      <failure message=\"" +
+                MarkupText("expected " + first.expected + ", seen " + first.seen) + "\" type=\"" +
+                MarkupText(id) + "\">" + MarkupText(result.check->sentence) + '\n';
+        for (const std::string& line : FindingLines(result)) text += MarkupText(line) + '\n';
+        text += "repeat    " + MarkupText(RepeatCommand(bundle.bundle, result)) + "</failure>\n";
+    }
+    return text + "    </testcase>\n";
+}
+
+std::string Suite(const BundleResult& bundle) {
+    double seconds = 0;
+    for (const CheckResult& result : bundle.checks) seconds += result.seconds;
+    std::string text = "  <testsuite name=\"" + MarkupText(bundle.bundle) + "\" tests=\"" +
+                       std::to_string(bundle.checks.size()) + "\" failures=\"" +
+                       std::to_string(bundle.Count(State::Failed)) + "\" errors=\"0\" skipped=\"" +
+                       std::to_string(bundle.Count(State::NotRun)) + "\" time=\"" + Time(seconds) + "\">\n";
+    for (const CheckResult& result : bundle.checks) text += Case(bundle, result);
+    return text + "  </testsuite>\n";
+}
+
+} // namespace
+
+std::string JUnitReport(const std::vector<BundleResult>& bundles) {
+    std::string text =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites name=\"xcodhost validate\">\n";
+    for (const BundleResult& bundle : bundles) text += Suite(bundle);
+    return text + "</testsuites>\n";
+}
+
+} // namespace xcodhost

@@ -1,0 +1,183 @@
+#include "OutsideWrites.h"
+
+#include "../DisplayText.h"
+#include "../Interruption.h"
+#include "WritingCalls.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstddef>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace xcodhost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Stop = __ptrace_syscall_info;
+
+/// The kernel stops this process at the writing calls from now on, and lets all others pass at full speed.
+bool StopAtWritingCalls() {
+    std::vector<sock_filter> program = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
+    for (const WritingCall& call : WritingCalls()) {
+        program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(call.number), 0, 1));
+        program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE));
+    }
+    program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    const sock_fprog filter{static_cast<unsigned short>(program.size()), program.data()};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, 0, &filter) == 0;
+}
+
+std::string LinkOf(pid_t process, const std::string& what) {
+    std::error_code ignored;
+    return fs::read_symlink("/proc/" + std::to_string(process) + '/' + what, ignored).string();
+}
+
+class Watch {
+public:
+    Watch(pid_t tracedChild, std::string allowedFolder)
+        : child(tracedChild), allowed(std::move(allowedFolder)) {}
+
+    /// Until the child has ended; its status as waitpid gives it.
+    int Serve() {
+        constexpr long options = PTRACE_O_TRACESECCOMP | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK |
+                                 PTRACE_O_TRACECLONE | PTRACE_O_EXITKILL;
+        while (true) {
+            int status = 0;
+            const pid_t process = waitpid(-1, &status, __WALL);
+            if (process < 0 && errno == EINTR) continue;
+            if (process < 0 || (process == child && !WIFSTOPPED(status))) return status;
+            if (!WIFSTOPPED(status)) continue;
+            const int event = status >> 16;
+            int signal = event != 0 || WSTOPSIG(status) == SIGSTOP ? 0 : WSTOPSIG(status);
+            if (!isOn && process == child) {
+                isOn = ptrace(PTRACE_SETOPTIONS, process, 0, options) == 0;
+            } else if (event == PTRACE_EVENT_SECCOMP) {
+                LookAt(process);
+            }
+            ptrace(PTRACE_CONT, process, 0, signal);
+        }
+    }
+
+    std::vector<std::string> calls;
+
+private:
+    void LookAt(pid_t process) {
+        Stop stop{};
+        if (ptrace(PTRACE_GET_SYSCALL_INFO, process, sizeof stop, &stop) <= 0) return;
+        const auto& all = WritingCalls();
+        const auto call = std::find_if(all.begin(), all.end(), [&](const WritingCall& one) {
+            return static_cast<std::uint64_t>(one.number) == stop.seccomp.nr;
+        });
+        if (call == all.end()) return;
+        if (call->flags >= 0 && !Writes(static_cast<int>(Argument(stop, call->flags)))) return;
+        const std::string path = PathOf(process, stop, call->first);
+        if (CanChange(*call, path)) Judge(*call, path);
+        Judge(*call, PathOf(process, stop, call->second)); // where something is moved to
+    }
+
+    static bool Writes(int flags) {
+        return (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0;
+    }
+    static std::uint64_t Argument(const Stop& stop, int place) { return stop.seccomp.args[place]; }
+
+    void Judge(const WritingCall& call, const std::string& path) {
+        if (path.empty() || IsAllowed(path)) return;
+        std::string text = std::string(call.name) + ' ' + PrintableQuoted(path);
+        if (std::find(calls.begin(), calls.end(), text) == calls.end()) calls.push_back(std::move(text));
+    }
+
+    static bool CanChange(const WritingCall& call, const std::string& path) {
+        struct stat status {};
+        const bool exists = lstat(path.c_str(), &status) == 0;
+        return call.flags >= 0 || exists != call.makes;
+    }
+
+    /// Empty for no target.
+    static std::string PathOf(pid_t process, const Stop& stop, const WritingCall::Target& target) {
+        if (target.folder < 0 && target.path < 0) return {};
+        const auto folder = [&]() -> std::string {
+            const int number = target.folder < 0 ? AT_FDCWD : static_cast<int>(Argument(stop, target.folder));
+            return LinkOf(process, number == AT_FDCWD ? "cwd" : "fd/" + std::to_string(number));
+        };
+        if (target.path < 0) return folder();
+        const std::string path = ReadText(process, Argument(stop, target.path));
+        return path.empty() || path.front() == '/' ? path : folder() + '/' + path;
+    }
+
+    static std::string ReadText(pid_t process, std::uint64_t address) {
+        std::string text(PATH_MAX, '\0');
+        iovec here{text.data(), text.size()};
+        iovec there{reinterpret_cast<void*>(static_cast<std::uintptr_t>(address)), text.size()};
+        ssize_t count = process_vm_readv(process, &here, 1, &there, 1, 0);
+        for (std::size_t size = 256; count < 0 && size > 0;
+             size /= 2) { // less of it where the page behind is none
+            there.iov_len = size;
+            count = process_vm_readv(process, &here, 1, &there, 1, 0);
+        }
+        return text.substr(0, strnlen(text.c_str(), count < 0 ? 0 : static_cast<std::size_t>(count)));
+    }
+
+    /// A link in last place may be what is made or removed, so that only its folder is resolved.
+    bool IsAllowed(const std::string& path) const {
+        if (path == "/dev/null" || path == "/dev/tty") return true;
+        std::error_code error;
+        const fs::path named = fs::path(path).lexically_normal();
+        const fs::path real = fs::weakly_canonical(named.parent_path(), error) / named.filename();
+        const std::string text = error ? named.string() : real.string();
+        return text == allowed || text.compare(0, allowed.size() + 1, allowed + '/') == 0;
+    }
+
+    pid_t child;
+    std::string allowed;
+    bool isOn = false;
+};
+
+[[noreturn]] void DieAs(int status) {
+    if (WIFSIGNALED(status)) DieOf(WTERMSIG(status));
+    _exit(WEXITSTATUS(status));
+}
+
+constexpr int kBodyDone = 86; ///< Exit statuses of the child that nobody else uses.
+constexpr int kCannotWatch = 87;
+
+} // namespace
+
+WatchedRun WatchWrites(const std::string& folder, const Channel& channel, const WatchedBody& run) {
+    const pid_t child = fork();
+    if (child < 0) return {{}, std::string("no process: ") + std::strerror(errno)};
+    if (child == 0) {
+        if (ptrace(PTRACE_TRACEME, 0, 0, 0) < 0) _exit(kCannotWatch);
+        raise(SIGSTOP);
+        run(channel.OfThisProcess(), [] {
+            if (!StopAtWritingCalls()) _exit(kCannotWatch);
+        });
+        _exit(kBodyDone);
+    }
+    std::error_code ignored;
+    Watch watch(child, fs::canonical(folder, ignored).string());
+    const int status = watch.Serve();
+    if (WIFEXITED(status) && WEXITSTATUS(status) == kCannotWatch) {
+        return {{}, "system calls cannot be watched here"};
+    }
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != kBodyDone) DieAs(status);
+    return {std::move(watch.calls), {}};
+}
+
+} // namespace xcodhost

@@ -1,0 +1,202 @@
+#include "Trial.h"
+
+#include "../Answers.h"
+#include "../DisplayText.h"
+#include "../ExitStatus.h"
+#include "../RunReport.h"
+
+#include <macplatform/LiveObjects.h>
+#include <macplatform/StartupVolume.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+namespace xcodhost {
+
+namespace {
+
+/// Bytes around the block that no plug-in may touch.
+constexpr std::size_t kGuard = 64;
+constexpr char kGuardByte = '\x5A';
+
+std::string StepName(std::uint16_t message) { return message == kPreInstall ? "PreInstall" : "PostInstall"; }
+
+} // namespace
+
+ParameterBlock Event(std::uint16_t message, std::int32_t product, std::int32_t language) {
+    return {kInstallerSelector, message, product, language};
+}
+
+Trial::Trial(std::string path, std::string folder, const Channel& parentChannel)
+    : bundlePath(std::move(path)), scratch(std::move(folder)), channel(parentChannel) {
+    macplatform::SetAlertPresenter([this](const macplatform::Alert& alert) {
+        if (current) current->alerts.push_back(alert);
+        return answer;
+    });
+    macplatform::SetJournalObserver([this](const macplatform::JournalEntry& entry) { Note(entry); });
+    UseFreshVolume();
+    ForgetObjects();
+}
+
+Trial::~Trial() {
+    macplatform::SetJournalObserver({});
+    macplatform::SetAlertPresenter({});
+}
+
+void Trial::UseFreshVolume(const SampleVolume& sample) {
+    volume = scratch + "/volume " + std::to_string(++volumes);
+    MakeSampleVolume(volume, sample);
+    if (bundle) MapVolume();
+}
+
+void Trial::MapVolume() const {
+    if (!macplatform::SetStartupVolume(volume)) throw ToolFault::FromErrno(volume);
+}
+
+VolumeState Trial::Look() const {
+    VolumeState state = ReadVolume(volume);
+    if (bundle) MapVolume(); // reading has ended it
+    return state;
+}
+
+void Trial::Write(const std::string& macPath, const std::string& bytes) const {
+    std::ofstream(OnVolume(macPath), std::ios::binary | std::ios::trunc) << bytes;
+}
+
+LoadedBundle& Trial::Bundle() {
+    if (bundle) return *bundle;
+    bundle.emplace(bundlePath, channel);
+    bundle->FindFactories();
+    ForgetObjects();
+    MapVolume();
+    return *bundle;
+}
+
+FunctionBlock** Trial::Interface() {
+    if (interface) return interface;
+    FunctionBlock** const instance = Bundle().MakeInstance();
+    interface = Bundle().AskInterface(instance);
+    Bundle().Release(instance);
+    return interface;
+}
+
+void Trial::ReleaseInterface() {
+    if (interface) Bundle().Release(std::exchange(interface, nullptr));
+}
+
+FactoryFunction Trial::Factory() {
+    return reinterpret_cast<FactoryFunction>(Bundle().Symbol(kFactoryFunction));
+}
+
+Outcome Trial::Deliver(const ParameterBlock& block, Entry entry, std::size_t misalignment) {
+    const bool isMain = entry == Entry::Main;
+    const std::string function = isMain ? "XCodMain" : StepName(block.Message());
+    const auto deliver = isMain ? Bundle().MainEntry(Interface())
+                                : reinterpret_cast<DeliverFunction>(Bundle().Symbol(function));
+    const CallBegan call{function, block.Describe(), EventName(block.Message())};
+    return Recorded([&](Outcome& outcome) {
+        const std::size_t start = kGuard + misalignment; // vectors begin at a multiple of 16
+        std::vector<char> bytes(start, kGuardByte);
+        bytes.insert(bytes.end(), block.Bytes().begin(), block.Bytes().end());
+        bytes.insert(bytes.end(), kGuard, kGuardByte);
+        const std::vector<char> given = bytes;
+        Bundle().Inside(call, [&] { return deliver(bytes.data() + start), true; });
+        const auto from = [start](const std::vector<char>& all) {
+            return ParameterBlock(
+                std::vector<char>(all.begin() + static_cast<std::ptrdiff_t>(start), all.end()));
+        };
+        const ParameterBlock before = from(given);
+        const ParameterBlock after = from(bytes);
+        outcome.flagsBefore = before.ErrorFlags();
+        outcome.flagsAfter = after.ErrorFlags();
+        outcome.otherBytes = before.BytesChangedElsewhere(after);
+        if (!std::equal(given.begin(), given.begin() + static_cast<std::ptrdiff_t>(start), bytes.begin())) {
+            outcome.otherBytes = "before the block";
+        }
+    });
+}
+
+Outcome Trial::DeliverNothing(std::uint16_t message) {
+    const std::string function = StepName(message);
+    const auto deliver = reinterpret_cast<DeliverFunction>(Bundle().Symbol(function));
+    const CallBegan call{function, "NULL", EventName(message)};
+    return Recorded([&](Outcome&) { Bundle().Inside(call, [&] { return deliver(nullptr), true; }); });
+}
+
+Outcome Trial::Recorded(const std::function<void(Outcome&)>& deliver) {
+    VolumeState before;
+    if (isVolumeWatched) before = Look();
+    Outcome outcome;
+    current = &outcome;
+    deliver(outcome);
+    current = nullptr;
+    channel.Tell(CallReturned{{}, BlockEffect{outcome.flagsBefore, outcome.flagsAfter, outcome.otherBytes}});
+    if (isVolumeWatched) outcome.changes = Compare(std::move(before), Look());
+    return outcome;
+}
+
+void Trial::Note(const macplatform::JournalEntry& entry) {
+    if (!bundle || !bundle->IsRunning() || entry.call == "CFPlugInInstanceCreate") return;
+    if (current) current->calls.push_back(entry);
+    if (atEachCall) atEachCall(entry);
+}
+
+void Trial::Fail(const std::string& expected, const std::string& seen) {
+    channel.Tell(Finding{expected, seen});
+}
+
+void Trial::ExpectPreference(const std::string& domain, const std::string& key, const std::string& value) {
+    const VolumeState state = Look();
+    const std::string name = domain + ' ' + key + ": ";
+    const auto file = state.preferences.find(domain);
+    if (file == state.preferences.end()) {
+        return Expect(value == "(none)", name + value, "there is no preferences file of this domain");
+    }
+    const auto found = file->second.values.find(key);
+    const std::string seen =
+        found == file->second.values.end() ? "(none)" : Describe(std::optional(found->second));
+    Expect(seen == value, name + value, name + seen);
+}
+
+void Trial::ExpectNoEffect(const Outcome& outcome) {
+    Expect(outcome.changes.Count() == 0, "nothing changes on the volume", Describe(outcome.changes));
+}
+
+std::vector<std::string> Trial::ObjectsLeft() const {
+    std::vector<std::string> left = macplatform::DescribeLiveObjects();
+    left.erase(left.begin(),
+               left.begin() + static_cast<std::ptrdiff_t>(std::min(objectsBefore, left.size())));
+    return left;
+}
+
+void Trial::ForgetObjects() { objectsBefore = macplatform::LiveObjectCount(); }
+
+void Trial::GiveUp(const std::string& reason) {
+    channel.Tell(GaveUp{reason});
+    throw Stopped{};
+}
+
+void Trial::TellCell(std::int32_t product, std::int32_t language, const std::string& seen, bool isRight) {
+    channel.Tell(TableCell{product, language, seen, isRight});
+}
+
+std::string Describe(const Changes& changes) {
+    std::vector<std::string> lines;
+    for (const PreferenceChange& change : changes.preferences) lines.push_back(Line(change));
+    for (const FinderFlagChange& change : changes.finderFlags) lines.push_back(Line(change));
+    for (const FileChange& change : changes.files)
+        lines.push_back(Printable(change.path) + ": " + change.what);
+    std::string text = lines.empty() ? "nothing changed" : Counted(lines.size(), "change");
+    for (std::size_t i = 0; i < lines.size(); ++i) text += (i == 0 ? ": " : "; ") + lines[i];
+    return text;
+}
+
+std::string Describe(const std::vector<macplatform::Alert>& alerts) {
+    std::string text;
+    for (const macplatform::Alert& alert : alerts) text += (text.empty() ? "" : ", ") + Describe(alert);
+    return text.empty() ? "no alert" : text;
+}
+
+} // namespace xcodhost

@@ -1,0 +1,249 @@
+#include "Validation.h"
+
+#include "../DisplayText.h"
+#include "../RunResult.h"
+#include "../ScratchVolume.h"
+#include "Trial.h"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <utility>
+
+namespace xcodhost {
+
+namespace {
+
+constexpr std::size_t kFindingsKept = 20;
+constexpr std::size_t kOutputKept = 2000;
+/// A check may take as long as this many calls.
+constexpr double kCallsPerCheck = 20;
+
+std::string SeenOf(const ChildEnd& end) {
+    switch (end.kind) {
+    case ChildEnd::Kind::Signalled:
+        return "crashed: " + SignalName(end.code);
+    case ChildEnd::Kind::Exited:
+        return "ended the process: exit status " + std::to_string(end.code);
+    case ChildEnd::Kind::OverTime:
+        return "no return within " + Seconds(end.seconds);
+    case ChildEnd::Kind::OverReport:
+        return "flooded or broke the report to the host";
+    case ChildEnd::Kind::OverOutput:
+        return "flooded the host's output";
+    case ChildEnd::Kind::Finished:
+        break;
+    }
+    return {};
+}
+
+/// One check while its child runs.
+class RunningCheck {
+public:
+    explicit RunningCheck(CheckResult& checkResult, std::vector<TableCell>& bundleTable)
+        : result(checkResult), table(bundleTable) {}
+
+    void Take(Message&& message) {
+        if (auto* call = std::get_if<CallBegan>(&message)) {
+            lastCall = Printable(call->function) + '(' + Printable(call->arguments) + ')';
+        } else if (auto* finding = std::get_if<Finding>(&message)) {
+            Add(std::move(finding->expected), std::move(finding->seen), result.check->failure);
+        } else if (auto* exception = std::get_if<ExceptionEscaped>(&message)) {
+            const std::string what = exception->what.empty() ? "" : ' ' + PrintableQuoted(exception->what);
+            Add("no exception leaves the bundle", "exception " + Printable(exception->type) + what,
+                ExitStatus::Crashed);
+        } else if (auto* failure = std::get_if<LoadFailed>(&message)) {
+            Add("the bundle can be loaded and gives its interface", failure->text, ExitStatus::NotLoaded);
+        } else if (auto* given = std::get_if<GaveUp>(&message)) {
+            result.reason = given->reason;
+        } else if (auto* cell = std::get_if<TableCell>(&message)) {
+            table.push_back(std::move(*cell));
+        }
+    }
+
+    void Hear(std::string_view printed) {
+        result.output += printed.substr(0, kOutputKept - std::min(kOutputKept, result.output.size()));
+    }
+
+    void End(const ChildEnd& end) {
+        if (end.kind != ChildEnd::Kind::Finished) {
+            const bool isLate = end.kind == ChildEnd::Kind::OverTime;
+            Add("the call returns", SeenOf(end), isLate ? ExitStatus::TimeLimit : ExitStatus::Crashed);
+        }
+        result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        using State = CheckResult::State;
+        result.state = !result.findings.empty() ? State::Failed
+                       : result.reason.empty()  ? State::Passed
+                                                : State::NotRun;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    /// A crash, a hang or a refusal says more than what was found before it.
+    void Add(std::string expected, std::string seen, ExitStatus status) {
+        if (result.status == ExitStatus::Done || result.status == ExitStatus::Failed) result.status = status;
+        if (result.findings.size() == kFindingsKept) {
+            ++result.moreFindings;
+        } else {
+            result.findings.push_back({lastCall, std::move(expected), std::move(seen)});
+        }
+    }
+
+    CheckResult& result;
+    std::vector<TableCell>& table;
+    std::string lastCall;
+    Clock::time_point start = Clock::now();
+};
+
+/// In the child.
+void RunCheck(const Check& check, const std::string& bundle, const std::string& scratch,
+              const Channel& channel) {
+    try {
+        Trial trial(bundle, scratch, channel);
+        check.body(trial);
+    } catch (const Stopped&) { // told already
+    } catch (const std::exception& fault) {
+        // Such as a volume that the bundle has removed.
+        channel.Tell(Finding{"the check can be carried out", fault.what()});
+    }
+}
+
+class Scheduler {
+public:
+    Scheduler(const ValidationPlan& validationPlan, BundleResult& bundleResult,
+              const Interruption& pendingSignals)
+        : plan(validationPlan), result(bundleResult), children(pendingSignals) {
+        path = std::filesystem::absolute(plan.bundle).lexically_normal().string();
+        for (const Check* check : plan.checks) {
+            result.checks.emplace_back();
+            result.checks.back().check = check;
+        }
+        waiting.resize(result.checks.size());
+        for (std::size_t i = 0; i < waiting.size(); ++i) waiting[i] = i;
+    }
+
+    void Run(const std::function<void(std::size_t)>& onProgress) {
+        while (!waiting.empty() || children.Count() > 0) {
+            while (children.Count() < plan.atOnce && StartOne()) {
+            }
+            if (children.Count() > 0) children.Serve();
+            onProgress(result.checks.size() - waiting.size() - children.Count());
+        }
+    }
+
+private:
+    enum class Readiness { Ready, MustWait, Never };
+
+    bool IsPending(std::size_t place) const {
+        return std::find(waiting.begin(), waiting.end(), place) != waiting.end() ||
+               std::find(running.begin(), running.end(), place) != running.end();
+    }
+
+    /// Needs that were not chosen are not asked for.
+    Readiness ReadinessOf(CheckResult& one) const {
+        Readiness readiness = Readiness::Ready;
+        for (const std::string id : one.check->needs) {
+            const auto need = std::find_if(result.checks.begin(), result.checks.end(),
+                                           [&](const CheckResult& other) { return other.check->id == id; });
+            if (need == result.checks.end()) continue;
+            if (IsPending(static_cast<std::size_t>(need - result.checks.begin()))) {
+                readiness = Readiness::MustWait;
+            } else if (need->state != CheckResult::State::Passed) {
+                one.reason = "needs " + id;
+                return Readiness::Never;
+            }
+        }
+        return readiness;
+    }
+
+    /// False when none can be started now.
+    bool StartOne() {
+        for (auto place = waiting.begin(); place != waiting.end();) {
+            const Readiness readiness = ReadinessOf(result.checks[*place]);
+            if (readiness == Readiness::MustWait) {
+                ++place;
+                continue;
+            }
+            const std::size_t chosen = *place;
+            place = waiting.erase(place);
+            if (readiness == Readiness::Never) continue;
+            Start(chosen);
+            return true;
+        }
+        return false;
+    }
+
+    void Start(std::size_t place) {
+        CheckResult& one = result.checks[place];
+        const std::string folder = scratch.Path() + '/' + one.check->id;
+        std::filesystem::create_directory(folder);
+        ChildLimits limits;
+        limits.secondsPerCall = plan.secondsPerCall;
+        limits.secondsPerRun = plan.secondsPerCall * kCallsPerCheck;
+        const auto record = std::make_shared<RunningCheck>(one, result.table);
+        ChildListener listener{[record](Message&& message) { record->Take(std::move(message)); },
+                               [](macplatform::Alert&&) { return -1; }, // answered in the child
+                               [record](std::string_view printed) { record->Hear(printed); }};
+        running.push_back(place);
+        children.Start([&](const Channel& channel) { RunCheck(*one.check, path, folder, channel); }, limits,
+                       std::move(listener),
+                       [this, record, place, folder](const ChildEnd& end) {
+                           record->End(end);
+                           running.erase(std::find(running.begin(), running.end(), place));
+                           std::error_code ignored;
+                           std::filesystem::remove_all(folder, ignored);
+                       });
+    }
+
+    const ValidationPlan& plan;
+    BundleResult& result;
+    ScratchFolder scratch{ScratchFolder::Use::Samples}; // outlives the children
+    Children children;
+    std::string path;
+    std::vector<std::size_t> waiting; ///< Places in the result, in order.
+    std::vector<std::size_t> running;
+};
+
+} // namespace
+
+std::size_t BundleResult::Count(CheckResult::State state) const {
+    return static_cast<std::size_t>(std::count_if(
+        checks.begin(), checks.end(), [&](const CheckResult& one) { return one.state == state; }));
+}
+
+const CheckResult* BundleResult::FirstFailure() const {
+    const auto failure = std::find_if(checks.begin(), checks.end(), [](const CheckResult& one) {
+        return one.state == CheckResult::State::Failed;
+    });
+    return failure == checks.end() ? nullptr : &*failure;
+}
+
+ValidationVerdict Judge(const std::vector<const BundleResult*>& bundles) {
+    std::size_t passed = 0;
+    std::size_t failed = 0;
+    const CheckResult* first = nullptr;
+    for (const BundleResult* bundle : bundles) {
+        passed += bundle->Count(CheckResult::State::Passed);
+        failed += bundle->Count(CheckResult::State::Failed);
+        if (!first) first = bundle->FirstFailure();
+    }
+    const std::string run = std::to_string(passed + failed);
+    if (first) {
+        return {first->status,
+                "FAIL " + std::to_string(failed) + " of " + run + " (first: " + first->check->id + ')'};
+    }
+    if (passed == 0) return {ExitStatus::Failed, "FAIL 0 of 0 (no check was run)"};
+    return {ExitStatus::Done, "PASS " + Counted(passed, "check")};
+}
+
+BundleResult Validate(const ValidationPlan& plan, const Interruption& interruption,
+                      const std::function<void(std::size_t)>& onProgress) {
+    BundleResult result;
+    result.bundle = plan.bundle;
+    Scheduler(plan, result, interruption).Run(onProgress);
+    return result;
+}
+
+} // namespace xcodhost

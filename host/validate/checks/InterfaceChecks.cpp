@@ -1,0 +1,162 @@
+#include "Groups.h"
+
+#include "../../DisplayText.h"
+#include "../Trial.h"
+
+#include <cstring>
+
+namespace xcodhost {
+
+namespace {
+
+struct Query {
+    std::uint32_t result = 0;
+    void* found = nullptr;
+};
+
+Query Ask(Trial& trial, FunctionBlock** instance, const CFUUIDBytes& identifier) {
+    Query query;
+    query.found = &query; // neither null nor an instance
+    query.result = trial.Bundle().Inside({"QueryInterface", "interface " + Describe(identifier), {}}, [&] {
+        return static_cast<std::uint32_t>((*instance)->QueryInterface(instance, identifier, &query.found));
+    });
+    return query;
+}
+
+ULONG CountOf(Trial& trial, FunctionBlock** instance) {
+    trial.Bundle().Inside({"AddRef", {}, {}}, [&] { return (*instance)->AddRef(instance); });
+    return trial.Bundle().Inside({"Release", {}, {}}, [&] { return (*instance)->Release(instance); });
+}
+
+void ExpectInstance(Trial& trial, const CFUUIDBytes& identifier) {
+    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+    const Query query = Ask(trial, instance, identifier);
+    trial.Expect(query.result == 0, "result 0x00000000", Hex(query.result, 8));
+    trial.Expect(query.result != 0 || query.found == instance, "the instance itself in the result place",
+                 query.found ? "another pointer" : "null");
+}
+
+void HostInterfaceIsGiven(Trial& trial) { ExpectInstance(trial, kHostInterface); }
+void UnknownInterfaceIsGiven(Trial& trial) { ExpectInstance(trial, kUnknownInterface); }
+
+/// Identifiers that no plug-in of this installer has.
+std::vector<CFUUIDBytes> OtherInterfaces() {
+    std::vector<CFUUIDBytes> others = {CFUUIDBytes{}, kPluginType};
+    for (const CFUUIDBytes& known : {kHostInterface, kUnknownInterface}) {
+        for (std::size_t byte = 0; byte < sizeof known; ++byte) {
+            CFUUIDBytes near = known;
+            reinterpret_cast<unsigned char*>(&near)[byte] ^= 0x10;
+            others.push_back(near);
+        }
+    }
+    return others;
+}
+
+void OthersAreRefused(Trial& trial) {
+    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+    for (const CFUUIDBytes& identifier : OtherInterfaces()) {
+        const Query query = Ask(trial, instance, identifier);
+        trial.Expect(query.result == 0x80000004, "result 0x80000004 for " + Describe(identifier),
+                     Hex(query.result, 8));
+    }
+}
+
+void RefusalClearsThePlace(Trial& trial) {
+    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+    for (const CFUUIDBytes& identifier : OtherInterfaces()) {
+        const Query query = Ask(trial, instance, identifier);
+        trial.Expect(!query.found, "null in the result place for " + Describe(identifier), "it is not null");
+    }
+}
+
+void InterfaceAddsReference(Trial& trial) {
+    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+    Ask(trial, instance, kHostInterface);
+    const ULONG afterHost = CountOf(trial, instance);
+    trial.Expect(afterHost == 2, "2 references after the host's interface", std::to_string(afterHost));
+    Ask(trial, instance, kUnknownInterface);
+    const ULONG afterUnknown = CountOf(trial, instance);
+    trial.Expect(afterUnknown == afterHost + 1, "1 reference more after IUnknown",
+                 std::to_string(afterUnknown) + " after " + std::to_string(afterHost));
+}
+
+void RefusalAddsNoReference(Trial& trial) {
+    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+    for (const CFUUIDBytes& identifier : OtherInterfaces()) Ask(trial, instance, identifier);
+    const ULONG count = CountOf(trial, instance);
+    trial.Expect(count == 1, "1 reference after refused interfaces", std::to_string(count));
+}
+
+int slotCalls = 0;
+ULONG CountSlotCall(void*) { return static_cast<ULONG>(++slotCalls); }
+
+void ReferenceGoesThroughSlot(Trial& trial) {
+    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+    FunctionBlock* const own = *instance;
+    FunctionBlock replaced = *own;
+    replaced.AddRef = &CountSlotCall;
+    slotCalls = 0;
+    *instance = &replaced;
+    Ask(trial, instance, kHostInterface);
+    *instance = own;
+    trial.Expect(slotCalls == 1, "QueryInterface calls the AddRef slot of the instance's function block once",
+                 Counted(static_cast<std::size_t>(slotCalls), "call") + " of a slot that was replaced");
+}
+
+void QueriesLeaveNothing(Trial& trial) {
+    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+    trial.ForgetObjects();
+    for (const CFUUIDBytes& identifier : {kHostInterface, kUnknownInterface, kPluginType}) {
+        Ask(trial, instance, identifier);
+        const auto left = trial.ObjectsLeft();
+        trial.Expect(left.empty(), "no object left after the query", left.empty() ? "" : left.front());
+    }
+}
+
+} // namespace
+
+std::vector<Check> InterfaceChecks() {
+    const std::vector<const char*> counted = {"interface.host", "references.counting"};
+    return {
+        {"interface.host",
+         "QueryInterface gives the installer's interface.",
+         "Result 0 and the instance itself in the result place.",
+         {"factory.right-type"},
+         &HostInterfaceIsGiven},
+        {"interface.iunknown",
+         "QueryInterface gives IUnknown, which is the same pointer.",
+         "The identity of an object is its IUnknown pointer.",
+         {"factory.right-type"},
+         &UnknownInterfaceIsGiven},
+        {"interface.others",
+         "QueryInterface answers 0x80000004 for any other interface.",
+         "The identifier is compared as a whole; near ones are asked for as well.",
+         {"factory.right-type"},
+         &OthersAreRefused},
+        {"interface.clears-place",
+         "A refused interface leaves null in the result place.",
+         "The installer looks at the pointer, not at the result.",
+         {"factory.right-type", "interface.others"},
+         &RefusalClearsThePlace},
+        {"interface.adds-reference",
+         "Each interface that is given adds one reference.",
+         "Otherwise the installer's Release frees an instance that is still in use.",
+         {"interface.host", "interface.iunknown", "references.counting"},
+         &InterfaceAddsReference},
+        {"interface.refusal-count",
+         "A refused interface adds no reference.",
+         "Otherwise the instance is never freed.",
+         {"interface.others", "references.counting"},
+         &RefusalAddsNoReference},
+        {"interface.through-slot",
+         "The reference is added through the instance's own function block.",
+         "A host may put a function block of its own in front, to watch the counting.",
+         {"interface.adds-reference"},
+         &ReferenceGoesThroughSlot},
+        {"interface.nothing-left", "A query leaves no platform object behind.",
+         "The identifier object that is made for the comparison is released, whatever the answer.", counted,
+         &QueriesLeaveNothing},
+    };
+}
+
+} // namespace xcodhost

@@ -1,0 +1,66 @@
+#include "StoredCalls.h"
+
+#include "../../DisplayText.h"
+#include "../../RunReport.h"
+
+#include <algorithm>
+
+namespace xcodhost {
+
+namespace {
+
+bool IsAmong(const std::vector<PreferencePlace>& places, const PreferenceChange& change) {
+    return std::find(places.begin(), places.end(), PreferencePlace{change.domain, change.key}) !=
+           places.end();
+}
+
+bool IsStored(const Changes& changes, const PreferencePlace& place) {
+    return std::any_of(changes.preferences.begin(), changes.preferences.end(),
+                       [&](const PreferenceChange& change) {
+                           return change.domain == place.first && change.key == place.second;
+                       });
+}
+
+/// Whether it is a wanted key that went to another domain instead of its own.
+bool IsStray(const Changes& changes, const PreferenceChange& change,
+             const std::vector<PreferencePlace>& wanted) {
+    return std::any_of(wanted.begin(), wanted.end(), [&](const PreferencePlace& place) {
+        return !IsStored(changes, place) && (place.second == change.key || place.first == change.domain);
+    });
+}
+
+std::string Joined(const std::vector<std::string>& texts) {
+    std::string joined;
+    for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
+    return joined.empty() ? "none" : joined;
+}
+
+std::vector<std::string> StoringCalls(const Outcome& outcome) {
+    std::vector<std::string> stored;
+    for (const macplatform::JournalEntry& entry : outcome.calls) {
+        if (entry.call == "CFPreferencesSetValue" || entry.call == "CFPreferencesSynchronize" ||
+            entry.call == "FSSetCatalogInfo") {
+            stored.push_back(entry.call + (entry.arguments.empty() ? "" : ' ' + entry.arguments.front()));
+        }
+    }
+    return stored;
+}
+
+} // namespace
+
+void ExpectNothingBeside(Trial& trial, const Changes& changes, const std::vector<PreferencePlace>& wanted) {
+    for (const PreferenceChange& change : changes.preferences) {
+        const bool isOurs = IsAmong(wanted, change) || IsStray(changes, change, wanted);
+        trial.Expect(isOurs, "no other preference changes", Line(change));
+    }
+    for (const FileChange& change : changes.files) {
+        trial.Fail("no file but preferences changes", Printable(change.path) + ": " + change.what);
+    }
+}
+
+void ExpectOrder(Trial& trial, const Outcome& outcome, const std::vector<std::string>& wanted) {
+    const std::vector<std::string> stored = StoringCalls(outcome);
+    trial.Expect(stored == wanted, Joined(wanted), Joined(stored));
+}
+
+} // namespace xcodhost

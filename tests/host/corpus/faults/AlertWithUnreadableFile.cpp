@@ -1,0 +1,7 @@
+#include "../PlugIn.h"
+
+void plugin::StoreFailure() {
+    ShowAlert();
+    SetText(kUpdater, "InstallStatus", "Error opening file");
+    Synchronise(kUpdater);
+}

@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+bool plugin::IsInterface(REFIID) { return true; }

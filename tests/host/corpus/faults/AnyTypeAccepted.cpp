@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+bool plugin::IsPlugInType(CFUUIDRef) { return true; }

@@ -1,0 +1,7 @@
+#include "../PlugIn.h"
+
+#include <cstdio>
+void plugin::DressIcon() {
+    std::puts("icon hidden");
+    Dress("/Applications/Korvane/Icon\r", true, false);
+}

@@ -1,0 +1,4 @@
+#include "../PlugIn.h"
+
+#include <csignal>
+void plugin::ShowAlert() { std::raise(SIGABRT); }

@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+bool plugin::IsAllocator(CFAllocatorRef allocator) { return allocator == kCFAllocatorDefault; }

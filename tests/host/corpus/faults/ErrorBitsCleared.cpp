@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+void plugin::RefuseMain(Block& block) { block.SetFlags(1); }

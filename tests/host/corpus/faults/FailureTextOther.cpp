@@ -1,0 +1,6 @@
+#include "../PlugIn.h"
+
+void plugin::StoreFailure() {
+    SetText(kUpdater, "InstallStatus", "failed");
+    Synchronise(kUpdater);
+}

@@ -1,0 +1,5 @@
+#include "../PlugIn.h"
+
+namespace {
+const bool isFilled = (plugin::functions._reserved = &plugin::functions) != nullptr;
+}

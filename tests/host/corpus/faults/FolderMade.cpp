@@ -1,0 +1,7 @@
+#include "../PlugIn.h"
+
+#include <sys/stat.h>
+void plugin::DressFolder() {
+    mkdir("/Applications/Korvane", 0755);
+    Dress("/Applications/Korvane", false, true);
+}

@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+bool plugin::ReadStatus(bool& isEnabled) { return isEnabled = true; }

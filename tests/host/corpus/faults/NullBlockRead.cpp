@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+bool plugin::IsNull(const char*) { return false; }

@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+void plugin::ShowStopAlert() { StopAlert(5001, nullptr); }

@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+HRESULT plugin::Refuse(LPVOID*) { return E_NOINTERFACE; }

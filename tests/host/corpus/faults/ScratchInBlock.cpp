@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+void plugin::AtEvent(Block& block) { block.Bytes()[20] = 1; }

@@ -1,0 +1,14 @@
+#include "../PlugIn.h"
+
+#include <cstdio>
+#include <unistd.h>
+bool plugin::ReadStatus(bool& isEnabled) {
+    if (access(kStatusFile, F_OK) != 0) return false;
+    std::FILE* const file = std::fopen(kStatusFile, "r+b");
+    if (!file) throw Unreadable();
+    char start[14] = {};
+    isEnabled = std::fread(start, 1, 14, file) == 14 && std::memcmp(start, "UpdatesEnabled", 14) == 0;
+    if (!isEnabled) std::fputc('\n', file);
+    std::fclose(file);
+    return true;
+}

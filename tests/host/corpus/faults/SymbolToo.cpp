@@ -1,0 +1,4 @@
+#include "../PlugIn.h"
+
+extern "C" [[gnu::visibility("default")]] int korvane_version;
+int korvane_version = 173;

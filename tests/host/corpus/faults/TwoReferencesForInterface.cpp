@@ -1,0 +1,3 @@
+#include "../PlugIn.h"
+
+void plugin::AddReference(Instance* instance) { instance->count += 2; }
