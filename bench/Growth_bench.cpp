@@ -8,6 +8,8 @@
 #include <CoreFoundation/CFPreferences.h>
 #include <CoreFoundation/CFString.h>
 
+#include <macplatform/StartupVolume.h>
+
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -112,6 +114,7 @@ void enterListing() {
 /// A preferences file of `n` keys, one of which is changed and synchronised.
 void enterPreferences() {
     grow("preferences", 100, 100000, [](std::int64_t n) {
+        if (!macplatform::SetStartupVolume(ownFolder().string())) std::abort();
         const fs::path folder = ownFolder() / "Library/Preferences";
         fs::create_directories(folder);
         const std::string domain = "growth.keys" + std::to_string(n);
