@@ -187,6 +187,7 @@ void DescribeValidate(CLI::App& validate, ValidateOptions& options) {
                     "Run these checks only: ids, groups, or patterns such as 'steps.*'")
         ->type_name("ID");
     validate.add_option("--exclude", options.exclude, "Do not run these checks")->type_name("ID");
+    AddMacFlag(validate);
     validate.add_flag("--json", options.isJson, "Print one JSON document");
     validate.add_option("--junit", options.junitFile, "Write the results for a build server to this file")
         ->type_name("FILE");

@@ -3,6 +3,8 @@
 #include "../DisplayText.h"
 #include "../JsonDocument.h"
 
+#include <macplatform/Bundles.h>
+
 #include <algorithm>
 
 namespace xcodhost {
@@ -112,7 +114,8 @@ std::vector<std::string> FindingLines(const CheckResult& result) {
 }
 
 std::string RepeatCommand(const std::string& bundle, const CheckResult& result) {
-    return "xcodhost validate " + ShellQuoted(bundle) + " --include " + result.check->id;
+    const char* const mac = macplatform::MacCodeIsPreferred() ? " --mac" : "";
+    return "xcodhost validate " + ShellQuoted(bundle) + mac + " --include " + result.check->id;
 }
 
 const char* StateName(CheckResult::State state) {

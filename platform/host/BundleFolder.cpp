@@ -96,6 +96,8 @@ bool PreferMacCode(bool preferred) {
     return true;
 }
 
+bool MacCodeIsPreferred() { return prefersMacCode; }
+
 BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
     const PlatformInside inside;
     if (!IsFolder(path))

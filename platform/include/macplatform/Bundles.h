@@ -27,6 +27,7 @@ struct BundleFailure {
 /// Whether a bundle that has code for this system and for the Mac is to be loaded from the latter, from now
 /// on. False, and nothing is changed, where such code cannot run: only 32-bit x86 processes can.
 bool PreferMacCode(bool preferred);
+bool MacCodeIsPreferred();
 
 /// About the last CFPlugInCreate or CFPlugInInstanceCreate of this process.
 const BundleFailure& LastBundleFailure();

@@ -142,6 +142,12 @@ void Rename(std::string& bytes, const std::string& from, const std::string& to) 
     }
 }
 
+TEST(MacExecutable, KeepsThePlugInContract) {
+    const HostTool tool = RunHost({"validate", POSTINSTALL_BUNDLE, "--mac"});
+    EXPECT_EQ(tool.ExitStatus(), 0) << tool.out << tool.err;
+    EXPECT_THAT(tool.Verdict(), testing::StartsWith("PASS "));
+}
+
 TEST(MacExecutable, IsToldOfWhenItFails) {
     const TemporaryFolder folder;
     folder.Write("Throwing.bundle/Contents/Info.plist",
@@ -155,6 +161,9 @@ TEST(MacExecutable, IsToldOfWhenItFails) {
     EXPECT_THAT(verdict("2"), HasSubstr("exception int left XCodMain("));
     EXPECT_THAT(verdict("3"), HasSubstr("exception std::out_of_range left XCodMain("));
     EXPECT_THAT(verdict("4"), HasSubstr("crashed in XCodMain("));
+    const HostTool checked =
+        RunHost({"validate", (folder / "Throwing.bundle").string(), "--mac", "--include", "steps"});
+    EXPECT_THAT(checked.out, HasSubstr("Throwing.bundle --mac --include steps."));
 }
 
 TEST(MacExecutable, IsTheOneThatRunsWhereThereIsNoOther) {
