@@ -21,6 +21,13 @@ namespace IPP {
 /// when it is read. Half this size already loses then.
 constexpr unsigned int streamingBytes = 24u << 20;
 
+/// Bytes from which on the processor's own string store fills faster than a loop: it does not read first what
+/// it is going to write.
+constexpr std::size_t stringFillBytes = 1u << 20;
+
+/// Fills by that store where the pattern repeats four bytes; else answers false.
+bool FillByString(std::size_t bytes, unsigned char* dst, const unsigned char* pattern);
+
 /// Elements up to the first address that is a multiple of `alignment`; more than a block when there is none.
 template <unsigned int alignment, typename Block>
 unsigned int elementsToAlignment(const typename Block::Target* dst) {

@@ -211,6 +211,7 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
         IPP::sse2Form.fill(bytes, dst, pattern);
         return;
     }
+    if (bytes >= IPP::stringFillBytes && IPP::FillByString(bytes, dst, pattern)) return;
     const __m256i v = _mm256_broadcastq_epi64(getQuarter(pattern));
     const std::size_t last = bytes - 32;
     for (std::size_t i = 0; i < last; i += 32) put<false>(dst + i, v);

@@ -205,6 +205,7 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
         IPP::scalarForm.fill(bytes, dst, pattern);
         return;
     }
+    if (bytes >= IPP::stringFillBytes && IPP::FillByString(bytes, dst, pattern)) return;
     const __m128i half = getHalf(pattern);
     const __m128i v = _mm_unpacklo_epi64(half, half);
     const std::size_t last = bytes - 16;

@@ -181,6 +181,21 @@ void expectFillsWholeElements(const Form& form, std::size_t element) {
         }
 }
 
+TEST(IPPForms, FillLargeArraysAlike) {
+    const unsigned char patterns[][8] = {
+        {1, 2, 1, 2, 1, 2, 1, 2}, {1, 2, 3, 4, 1, 2, 3, 4}, {1, 2, 3, 4, 5, 6, 7, 8}};
+    constexpr std::size_t most = (1 << 20) + 16;
+    for (const Form* form : formsUpTo(nullptr))
+        for (const auto& pattern : patterns)
+            for (const std::size_t count : {most - 24, most - 16, most - 14, most - 8}) {
+                if (!form->isSupported() || (count % 4 != 0 && pattern[2] == 3)) continue;
+                std::vector<unsigned char> bytes = guarded<unsigned char>(most), expected = bytes;
+                for (std::size_t i = 0; i < count; ++i) expected[2 + i] = pattern[i % 8];
+                form->fill(count, &bytes[2], pattern);
+                ASSERT_TRUE(sameBytes(bytes, expected)) << form->name << " " << count;
+            }
+}
+
 TEST(IPPForms, FillWholeElementsOnly) {
     for (const Form* form : formsUpTo(nullptr)) {
         SCOPED_TRACE(form->name);
