@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <sched.h>
@@ -49,8 +50,9 @@ public:
     ~Progress() {
         if (isTerminal) WriteError("\r\x1B[K");
     }
-    void Show(std::size_t done) const {
-        if (!isTerminal) return;
+    void Show(std::size_t done) {
+        if (!isTerminal || done == shown) return;
+        shown = done;
         WriteError("\r\x1B[K" + std::to_string(done) + " of " + Counted(count, "check") + "  " +
                    Printable(bundle));
     }
@@ -58,6 +60,7 @@ public:
 private:
     std::string bundle;
     std::size_t count;
+    std::size_t shown = SIZE_MAX;
     bool isTerminal = isatty(STDERR_FILENO) == 1;
 };
 
@@ -89,7 +92,7 @@ ExitStatus ValidateCommand(const ValidateOptions& options) {
     for (const std::string& bundle : options.bundles) {
         const Interruption interruption;
         plan.bundle = bundle;
-        const Progress progress(bundle, plan.checks.size());
+        Progress progress(bundle, plan.checks.size());
         results.push_back(Validate(plan, interruption, [&](std::size_t done) { progress.Show(done); }));
     }
     std::vector<const BundleResult*> all;

@@ -156,11 +156,10 @@ void NothingIsPrinted(Trial& trial) {
         const CapturedOutput captured(file);
         LiveOnce(trial);
     }
-    const std::uintmax_t size = fs::file_size(file);
-    std::string start(static_cast<std::size_t>(std::min<std::uintmax_t>(size, 200)), '\0');
+    const auto size = static_cast<std::size_t>(fs::file_size(file));
+    std::string start(std::min<std::size_t>(size, 200), '\0');
     std::ifstream(file, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
-    trial.Expect(size == 0, "nothing is printed",
-                 Counted(static_cast<std::size_t>(size), "byte") + ": " + PrintableQuoted(start));
+    trial.Expect(size == 0, "nothing is printed", Counted(size, "byte") + ": " + PrintableQuoted(start));
 }
 
 void NothingIsWrittenOutside(Trial& trial) {
