@@ -40,7 +40,7 @@ pid_t StartHanging(const std::string& bundle, const std::string& scratch, std::v
         _exit(127);
     }
     constexpr std::size_t workerCheckAndLeftBehind = 3;
-    while (descendants.size() < workerCheckAndLeftBehind && kill(tool, 0) == 0) {
+    while (descendants.size() < workerCheckAndLeftBehind && waitpid(tool, nullptr, WNOHANG) == 0) {
         descendants = DescendantsOf(tool);
         sched_yield();
     }
