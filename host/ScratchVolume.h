@@ -12,7 +12,8 @@ class Interruption;
 class ScratchFolder {
 public:
     enum class Use {
-        Samples, ///< For small volumes: in memory, where the system has a place for that and TMPDIR names none.
+        Samples, ///< For small volumes: in memory, where the system has a place for that and TMPDIR names
+                 ///< none.
         Copies,  ///< Among the temporary files.
     };
     explicit ScratchFolder(Use use);
