@@ -23,13 +23,6 @@ std::vector<pid_t>& LivingChildren() {
     return children;
 }
 
-int WaitFor(pid_t id) {
-    int status = 0;
-    while (waitpid(id, &status, 0) < 0 && errno == EINTR) {
-    }
-    return status;
-}
-
 /// An orphan's own children become orphans when it dies, hence the rounds; their number is limited because a
 /// bundle may start processes faster than they can be ended.
 void EndOrphans() {
@@ -104,13 +97,24 @@ ChildProcess::ChildProcess(const Streams& streams, const Interruption& interrupt
 int ChildProcess::Reap() {
     if (isReaped) return status;
     isReaped = true;
-    kill(-id, SIGKILL);
-    kill(id, SIGKILL); // it may not have reached its own group yet
-    status = WaitFor(id);
+    status = EndGroup(id);
     auto& living = LivingChildren();
     living.erase(std::remove(living.begin(), living.end(), id), living.end());
     EndOrphans();
     return status;
+}
+
+int WaitFor(pid_t child) {
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
+}
+
+int EndGroup(pid_t child) {
+    kill(-child, SIGKILL);
+    kill(child, SIGKILL); // it may not have reached its own group yet
+    return WaitFor(child);
 }
 
 std::vector<pid_t> ChildrenOfThisProcess() {

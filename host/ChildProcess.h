@@ -41,6 +41,12 @@ private:
     bool isReaped = false;
 };
 
+/// Waits for the child's end; its status as waitpid gives it.
+int WaitFor(pid_t child);
+
+/// Kills a child and its process group, waits for it and answers its status.
+int EndGroup(pid_t child);
+
 /// The direct children of this process, as the kernel lists them.
 std::vector<pid_t> ChildrenOfThisProcess();
 

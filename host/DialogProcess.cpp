@@ -1,5 +1,6 @@
 #include "DialogProcess.h"
 
+#include "ChildProcess.h"
 #include "ExitStatus.h"
 #include "Interruption.h"
 
@@ -71,12 +72,8 @@ public:
 private:
     int Reap() {
         if (isReaped) return status;
-        kill(-id, SIGKILL);
-        kill(id, SIGKILL); // it may not have reached its own group yet
-        while (waitpid(id, &status, 0) < 0 && errno == EINTR) {
-        }
         isReaped = true;
-        return status;
+        return status = EndGroup(id);
     }
 
     pid_t id;

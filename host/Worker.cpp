@@ -1,11 +1,11 @@
 #include "Worker.h"
 
+#include "ChildProcess.h"
 #include "Descriptor.h"
 #include "ExitStatus.h"
 #include "Interruption.h"
 
 #include <array>
-#include <cerrno>
 #include <csignal>
 #include <optional>
 #include <poll.h>
@@ -47,9 +47,7 @@ int RunInWorker(const std::function<int()>& work) {
         _exit(work());
     }
     Attend(worker, *interruption);
-    int status = 0;
-    while (waitpid(worker, &status, 0) < 0 && errno == EINTR) {
-    }
+    const int status = WaitFor(worker);
     if (WIFSIGNALED(status)) DieOf(WTERMSIG(status));
     return WEXITSTATUS(status);
 }

@@ -24,7 +24,7 @@ std::string RepeatCommand(const std::string& bundle, const CheckResult& result);
 /// "passed", "failed", "not run"
 const char* StateName(CheckResult::State state);
 
-/// One bundle's checks not run for want of another are no verdict of their own.
+/// Of one bundle alone.
 ValidationVerdict Judge(const BundleResult& bundle);
 
 } // namespace xcodhost
