@@ -7,10 +7,12 @@
 
 /// The property list of a plug-in whose factory is `factory`.
 inline std::string InfoList(const std::string& factory,
-                            const std::string& type = "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8") {
+                            const std::string& type = "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8",
+                            const std::string& executable = "Test") {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
-           "<key>CFBundleExecutable</key><string>Test</string>"
-           "<key>CFPlugInDynamicRegistration</key><string>NO</string>"
+           "<key>CFBundleExecutable</key><string>" +
+           executable +
+           "</string><key>CFPlugInDynamicRegistration</key><string>NO</string>"
            "<key>CFPlugInFactories</key><dict><key>A0A0A0A0-0000-4000-8000-000000000001</key><string>" +
            factory + "</string></dict><key>CFPlugInTypes</key><dict><key>" + type +
            "</key><array><string>A0A0A0A0-0000-4000-8000-000000000001</string></array></dict></dict></"
@@ -25,29 +27,29 @@ public:
         folder.Write("Test.bundle/keep");
         if (!infoList.empty()) folder.Write("Test.bundle/Contents/Info.plist", infoList);
         if (code == "plug-in") {
-            std::filesystem::create_directories(folder / "Test.bundle/Contents/Linux");
-            std::filesystem::create_symlink(TEST_PLUGIN, folder / "Test.bundle/Contents/Linux/Test");
+            Link(TEST_PLUGIN, "Test");
         } else if (!code.empty()) {
             folder.Write("Test.bundle/Contents/Linux/Test", code);
         }
     }
     std::string Path() const { return (folder / "Test.bundle").string(); }
 
+protected:
+    void Link(const std::string& code, const std::string& name) const {
+        std::filesystem::create_directories(folder / "Test.bundle/Contents/Linux");
+        std::filesystem::create_symlink(code, folder / ("Test.bundle/Contents/Linux/" + name));
+    }
+
 private:
     TemporaryFolder folder;
 };
 
-/// A bundle around code of the corpus.
-class CorpusBundle {
+/// A bundle around code of the corpus, to which its executable's name orders the fault.
+class CorpusBundle : public TestBundle {
 public:
-    explicit CorpusBundle(const std::string& fault, const std::string& infoList = InfoList("MyFactory")) {
-        folder.Write("Test.bundle/Contents/Info.plist", infoList);
-        std::filesystem::create_directories(folder / "Test.bundle/Contents/Linux");
-        std::filesystem::create_symlink(std::string(CORPUS) + '/' + fault,
-                                        folder / "Test.bundle/Contents/Linux/Test");
+    explicit CorpusBundle(const std::string& fault, const std::string& factory = "MyFactory")
+        : TestBundle(InfoList(factory, "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8", fault), "") {
+        const std::string own = std::string(CORPUS) + '/' + fault;
+        Link(std::filesystem::exists(own) ? own : CORPUS "/PlugIn", fault);
     }
-    std::string Path() const { return (folder / "Test.bundle").string(); }
-
-private:
-    TemporaryFolder folder;
 };

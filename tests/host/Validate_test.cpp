@@ -240,7 +240,7 @@ INSTANTIATE_TEST_SUITE_P(Validate, ABrokenBundle,
                          [](const auto& row) { return row.param.name; });
 
 TEST(Validate, ToldFactoryNameIsTheInstallers) {
-    const CorpusBundle bundle("None", InfoList("PreInstall"));
+    const CorpusBundle bundle("None", "PreInstall");
     EXPECT_EQ(Validate(bundle.Path(), {"--include", "bundle.factory-name"}).status, 1);
     EXPECT_EQ(Validate("/not/there.bundle").status, 3);
 }

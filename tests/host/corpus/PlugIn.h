@@ -1,7 +1,7 @@
 #pragma once
 
-/// A small plug-in of its own that keeps the whole contract. Every function here can be replaced: a file that
-/// defines one of them and is linked with PlugIn.cpp makes a bundle with that fault.
+/// A small plug-in of its own that keeps the whole contract, unless the name of its executable orders a
+/// fault: each breaks it in the one place where the code asks for it.
 
 #include <Carbon/Carbon.h>
 #include <CoreFoundation/CFPlugInCOM.h>
@@ -11,7 +11,13 @@
 #include <cstring>
 #include <string>
 
+extern "C" void PreInstall(char* block);
+extern "C" void PostInstall(char* block);
+
 namespace plugin {
+
+/// Whether this fault is ordered.
+bool Is(const char* fault);
 
 /// The installer's parameter block, at any address.
 class Block {
@@ -35,64 +41,32 @@ private:
     char* bytes;
 };
 
-struct Functions {
-    IUNKNOWN_C_GUTS;
-    void (*main)(char*);
-};
-extern Functions functions;
-
-struct Instance {
-    Functions* block;
-    SInt32 count;
-};
-
 struct Product {
     const char* domain;
     const char* name;
 };
+const Product* Find(std::int32_t code); ///< Null for an unknown product.
 
-bool IsPlugInType(CFUUIDRef type);
-bool IsAllocator(CFAllocatorRef allocator);
-Instance* Allocate();
-void Dispose(Instance* instance);
-bool IsInterface(REFIID identifier);
-HRESULT Refuse(LPVOID* place);
-void AddReference(Instance* instance);
-/// The new count.
-SInt32 Count(Instance* instance, int change);
-
-bool IsNull(const char* block);
-void AtEvent(Block& block); ///< Called first in each event that is carried out; does nothing.
-bool IsSelector(std::uint16_t selector);
-void RefuseMain(Block& block);
-void Dispatch(Block& block);
+void Main(char* block);
 void ShowAlert();
-void AddButtons(void* alert); ///< Adds none.
-void AddButton(void* alert, CFStringRef title);
-void ShowStopAlert();
-void SetErrorBit(Block& block);
 
-/// Null for an unknown product.
-const Product* Find(std::int32_t code);
 void StoreVersion(const Product& product);
-const char* Tag(std::int32_t language);
-/// 14 bytes of the file: true and `isEnabled`; false when it is not there; throws `Unreadable`.
-struct Unreadable {};
-bool ReadStatus(bool& isEnabled);
 void SetInterval(const Product& product);
 void StoreInterval(int interval);
-void StoreFailure();
-void StoreLanguage(const Product& product, const char* tag);
-void DressFolder();
-void DressIcon();
-std::uint16_t Dressed(std::uint16_t flags, bool invisible, bool customIcon);
+void StoreLanguage(const Product& product, std::int32_t language);
+void SetText(const char* domain, const char* key, const char* text); ///< And synchronises.
+CFStringRef NewText(const char* text);
 
-void SetText(const char* domain, const std::string& key, const char* text);
-void Synchronise(const char* domain);
-void Release(CFTypeRef object);
-void Dress(const char* path, bool invisible, bool customIcon);
+void DressFolder(bool isKnownProduct);
+void DressIcon();
+void LeaveTraces(); ///< None in the process, without a fault.
+
+void ChangeFunctionBlock();
+bool LacksItsInstance(); ///< The one that lived when the event began.
+void NoteInstance();
 
 constexpr const char* kUpdater = "com.korvane.updater";
-constexpr const char* kStatusFile = "/Library/Application Support/Korvane/Updater/install_status.txt";
+constexpr const char* kFolder = "/Applications/Korvane";
+constexpr const char* kIcon = "/Applications/Korvane/Icon\r";
 
 } // namespace plugin

@@ -1,4 +1,2 @@
-#include "../PlugIn.h"
-
 extern "C" [[gnu::visibility("default")]] int korvane_version;
 int korvane_version = 173;

@@ -1,0 +1,161 @@
+// What is stored, where, and what the status file says about it.
+
+#include "PlugIn.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <strings.h>
+#include <unistd.h>
+
+namespace plugin {
+
+namespace {
+
+constexpr const char* kStatusFile = "/Library/Application Support/Korvane/Updater/install_status.txt";
+bool hasFailed = false;
+
+std::string ListOf(const char* domain) { return std::string("/Library/Preferences/") + domain + ".plist"; }
+bool HasList(const char* domain) { return access(ListOf(domain).c_str(), F_OK) == 0; }
+
+void Release(CFTypeRef object) {
+    if (object || Is("StringTakenForGranted")) CFRelease(object);
+}
+
+void RemoveBrokenList(const std::string& list) {
+    std::FILE* const file = std::fopen(list.c_str(), "rb");
+    if (!file) return;
+    const bool isBroken = std::fseek(file, 0, SEEK_END) == 0 && std::ftell(file) < 50;
+    std::fclose(file);
+    if (isBroken) std::remove(list.c_str());
+}
+
+void Synchronise(const char* domain) {
+    const CFStringRef text = NewText(domain);
+    if (text || Is("StringTakenForGranted")) {
+        const bool isStored =
+            CFPreferencesSynchronize(text, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
+        if (!isStored && Is("ErrorForLostPreference")) NewText("lost");
+        if (!isStored && Is("BrokenListReplaced")) RemoveBrokenList(ListOf(domain));
+    }
+    Release(text);
+}
+
+void Set(const char* domain, const char* key, CFPropertyListRef value) {
+    const CFStringRef domainText = NewText(domain), keyText = NewText(key);
+    if (domainText && keyText)
+        CFPreferencesSetValue(keyText, value, domainText, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
+    Release(domainText);
+    Release(keyText);
+}
+
+bool HoldsVersions(const std::string& list) {
+    std::ifstream file(list, std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    return bytes.find("InstalledProducts") != std::string::npos;
+}
+
+/// Faults that show only in what a second installation finds.
+void LookAtOlderLists(const Product& product) {
+    const bool hasOwn = HasList(product.domain);
+    if (!HasList(kUpdater)) return;
+    if (Is("AgainBeforePostInstall") && !hasOwn) SetText(kUpdater, "Again", "yes");
+    if (Is("OrderMatters") && HasList("com.korvane.audioplugins.Fusewright")) {
+        DressFolder(true);
+        SetText(kUpdater, "Late", "yes");
+    }
+    if (Is("ReinstallationNoted") && hasOwn && HoldsVersions(ListOf(kUpdater)))
+        SetText(kUpdater, "Reinstalled", "yes");
+}
+
+enum class Status { Missing, Unreadable, Disabled, Enabled };
+
+Status ReadStatus() {
+    if (access(kStatusFile, F_OK) != 0) return Status::Missing;
+    std::FILE* const file = std::fopen(kStatusFile, Is("StatusFileEmptied") ? "r+b" : "rb");
+    if (!file) return Status::Unreadable;
+    char start[15] = {};
+    const bool isWhole = std::fread(start, 1, 14, file) == 14;
+    const bool isEnabled =
+        isWhole && (Is("CaseIgnored") ? strcasecmp : std::strcmp)(start, "UpdatesEnabled") == 0;
+    if (!isEnabled && Is("StatusFileEmptied")) std::fputc('\n', file);
+    std::fclose(file);
+    return isEnabled ? Status::Enabled : Status::Disabled;
+}
+
+bool IsNever(Status status) {
+    if (Is("IntervalAlwaysTwo")) return false;
+    return status == Status::Disabled || (status == Status::Missing && Is("MissingMeansNever")) ||
+           (status == Status::Unreadable && Is("NeverWithUnreadableFile"));
+}
+
+void StoreFailure() {
+    hasFailed = true;
+    if (Is("AlertWithUnreadableFile")) ShowAlert();
+    if (!Is("FailureNotTold"))
+        SetText(kUpdater, "InstallStatus", Is("FailureTextOther") ? "failed" : "Error opening file");
+}
+
+const char* Tag(std::int32_t language) {
+    const char* const tags[] = {"en", "fr", "de", "it", "en", "en", "es", "en", "en", "en", "en", "ja"};
+    if (Is("NegativeLanguage") && language < 0) return "de";
+    if (Is("JapaneseAsFrench") && language == 11) return "fr";
+    return static_cast<std::uint32_t>(language) < 12 ? tags[language] : "en";
+}
+
+} // namespace
+
+CFStringRef NewText(const char* text) {
+    return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
+}
+
+void SetText(const char* domain, const char* key, const char* text) {
+    const CFStringRef value = NewText(text);
+    if (value) Set(domain, key, value);
+    Release(value);
+    Synchronise(domain);
+}
+
+void StoreVersion(const Product& product) {
+    if (Is("Exit")) std::_Exit(3);
+    while (Is("OutputFlood")) std::puts("more and more");
+    if (Is("FirstVersionStays") && HasList(kUpdater) && product.name[0] == 'T') return;
+    if (Is("FileMade")) std::ofstream("/Library/install.log");
+    if (Is("MoreStored")) SetText(kUpdater, "Installer", "VISE X");
+    if (Is("SynchronisedFirst")) Synchronise(kUpdater); // a crash in between would lose the value
+    LookAtOlderLists(product);
+    std::string name = product.name;
+    if (Is("VersionOfSpacelessName")) name.erase(0, name.find(' ') + 1);
+    SetText(Is("VersionInOwnDomain") ? product.domain : kUpdater,
+            ("InstalledProducts/" + name + "/CurrentVersion").c_str(), Is("OtherVersion") ? "1.72" : "1.73");
+}
+
+void SetInterval(const Product& product) {
+    const bool isSkipped = Is("OneProductWithoutInterval") && std::strcmp(product.name, "TCL") == 0;
+    const Status status = isSkipped ? Status::Enabled : ReadStatus();
+    if (status == Status::Missing && Is("FileTakenForGranted")) NewText("no file");
+    if (status == Status::Unreadable || (status == Status::Missing && Is("FailureWithoutFile")))
+        StoreFailure();
+    StoreInterval(IsNever(status) ? 0 : 2);
+}
+
+void StoreInterval(int interval) {
+    const CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &interval);
+    if (!number && !Is("ValueRemovedWithoutNumber")) return;
+    Set(kUpdater, "UpdateInterval", number);
+    Release(number);
+    Synchronise(kUpdater);
+}
+
+void StoreLanguage(const Product& product, std::int32_t language) {
+    const bool isFirst = !HasList(product.domain);
+    if (Is("FirstLanguageStays") && !isFirst && std::strcmp(product.name, "Tamblor") == 0) return;
+    if (Is("NoLanguageAfterFailure") && hasFailed) return;
+    if (Is("PreferencesReplaced")) std::remove(ListOf(product.domain).c_str());
+    if (!Is("LanguageInUpdaterDomain")) SetText(product.domain, "Lang", Tag(language));
+    if (Is("LanguageInUpdaterDomain") || Is("LanguageInBothDomains"))
+        SetText(kUpdater, "Lang", Tag(language));
+}
+
+} // namespace plugin

@@ -1,6 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::AddButtons(void* alert) {
-    AddButton(alert, CFSTR("OK"));
-    AddButton(alert, CFSTR("Cancel"));
-}

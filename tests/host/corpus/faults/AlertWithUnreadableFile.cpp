@@ -1,7 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::StoreFailure() {
-    ShowAlert();
-    SetText(kUpdater, "InstallStatus", "Error opening file");
-    Synchronise(kUpdater);
-}

@@ -1,3 +1,0 @@
-#include "../PlugIn.h"
-
-bool plugin::IsPlugInType(CFUUIDRef) { return true; }

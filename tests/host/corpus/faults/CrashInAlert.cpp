@@ -1,4 +1,0 @@
-#include "../PlugIn.h"
-
-#include <csignal>
-void plugin::ShowAlert() { std::raise(SIGABRT); }

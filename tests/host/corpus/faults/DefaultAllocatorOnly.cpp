@@ -1,3 +1,0 @@
-#include "../PlugIn.h"
-
-bool plugin::IsAllocator(CFAllocatorRef allocator) { return allocator == kCFAllocatorDefault; }

@@ -1,4 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::SetErrorBit(Block&) {}
-void plugin::RefuseMain(Block& block) { block.SetFlags(block.Flags() | 1); }

@@ -1,3 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::RefuseMain(Block& block) { block.SetFlags(1); }

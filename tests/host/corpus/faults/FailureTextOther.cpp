@@ -1,6 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::StoreFailure() {
-    SetText(kUpdater, "InstallStatus", "failed");
-    Synchronise(kUpdater);
-}

@@ -1,4 +1,0 @@
-#include "../PlugIn.h"
-
-// On the first event.
-void plugin::AtEvent(Block&) { functions._reserved = &functions; }

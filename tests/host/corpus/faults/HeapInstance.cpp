@@ -1,4 +1,0 @@
-#include "../PlugIn.h"
-
-plugin::Instance* plugin::Allocate() { return new Instance; }
-void plugin::Dispose(Instance* instance) { delete instance; }

@@ -1,7 +1,0 @@
-#include "../PlugIn.h"
-
-bool plugin::IsInterface(REFIID identifier) {
-    const unsigned char host[] = {0x00, 0xD5, 0xFB, 0xFE, 0x3D, 0x3D, 0x40, 0xE2,
-                                  0x9D, 0xCB, 0x92, 0xED, 0x69, 0x58, 0x34, 0xF8};
-    return std::memcmp(&identifier, host, sizeof host) == 0;
-}

@@ -1,6 +1,0 @@
-#include "../PlugIn.h"
-
-std::uint16_t plugin::Dressed(std::uint16_t flags, bool invisible, bool customIcon) {
-    const int icon = invisible ? flags & 0x0400 : customIcon ? 0x0400 : 0;
-    return static_cast<std::uint16_t>((flags & ~0x4400) | (invisible ? 0x4000 : 0) | icon);
-}

@@ -1,7 +1,0 @@
-#include "../PlugIn.h"
-
-HRESULT plugin::Refuse(LPVOID* place) {
-    CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, CFUUIDBytes{});
-    *place = nullptr;
-    return E_NOINTERFACE;
-}

@@ -1,3 +1,0 @@
-#include "../PlugIn.h"
-
-bool plugin::ReadStatus(bool& isEnabled) { return isEnabled = true; }

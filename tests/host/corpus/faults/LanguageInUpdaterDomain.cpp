@@ -1,6 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::StoreLanguage(const Product&, const char* tag) {
-    SetText(kUpdater, "Lang", tag);
-    Synchronise(kUpdater);
-}

@@ -1,3 +1,0 @@
-#include "../PlugIn.h"
-
-bool plugin::IsNull(const char*) { return false; }

@@ -1,8 +1,0 @@
-#include "../PlugIn.h"
-
-extern "C" void PreInstall(char*);
-extern "C" void PostInstall(char*);
-void plugin::Dispatch(Block& block) {
-    if (block.Message() == 2) PreInstall(block.Bytes());
-    if (block.Message() >= 3) PostInstall(block.Bytes());
-}

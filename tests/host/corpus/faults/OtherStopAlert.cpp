@@ -1,3 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::ShowStopAlert() { StopAlert(5001, nullptr); }

@@ -1,3 +1,0 @@
-#include "../PlugIn.h"
-
-HRESULT plugin::Refuse(LPVOID*) { return E_NOINTERFACE; }

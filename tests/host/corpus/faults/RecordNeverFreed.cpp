@@ -1,3 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::Dispose(Instance*) {}

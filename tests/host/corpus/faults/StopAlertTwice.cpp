@@ -1,6 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::ShowStopAlert() {
-    StopAlert(5000, nullptr);
-    StopAlert(5000, nullptr);
-}

@@ -1,6 +1,0 @@
-#include "../PlugIn.h"
-
-void plugin::RefuseMain(Block& block) {
-    SetErrorBit(block);
-    StoreInterval(0);
-}
