@@ -41,7 +41,7 @@ TEST(Imports, HoldNoThreadsAndNoLocks) {
 
 TEST(Imports, ComeFromThePlatformAndTheLanguage) {
     const auto libraries = lastWords(READELF " -d '" PLUGIN_EXECUTABLE "' | grep NEEDED");
-    EXPECT_THAT(libraries, testing::Contains("[libmacplatform.so]"));
+    EXPECT_THAT(libraries, testing::Contains("[libmacplatform.so.1]"));
     EXPECT_THAT(libraries,
                 testing::Each(testing::ContainsRegex(
                     "libmacplatform|libstdc\\+\\+|libc\\.so|libm\\.so|libgcc_s|ld-linux|libasan|libubsan")));

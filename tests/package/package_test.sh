@@ -1,0 +1,36 @@
+#!/bin/sh
+# What a newcomer does with what is delivered, in a folder that is moved first: package_test.sh library BUILD
+set -eu
+sources=$(cd "$(dirname "$0")/../.." && pwd)
+outside=$sources/tests/package/outside
+build=$2
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+export CXXFLAGS=-O0 CMAKE_GENERATOR=Ninja
+
+# says PROGRAM: the outside program runs and is right.
+says() {
+    [ "$(LD_LIBRARY_PATH=$folder/moved/lib "$1")" = "a 0.50" ] || { echo "$1 does not work" >&2; exit 1; }
+}
+
+library() {
+    cmake --install "$build" --prefix "$folder/installed" >/dev/null
+    mv installed moved
+
+    cmake -S "$outside" -B found -DCMAKE_PREFIX_PATH="$folder/moved" >/dev/null
+    cmake --build found
+    says found/outside
+
+    (cd moved/include && find Kelbase Vellora -name '*.h' | sed 's/.*/#include <&>/') >every.h
+    # shellcheck disable=SC2046 # one argument a flag
+    c++ -std=c++17 -Wall -Wextra -Werror -include ./every.h "$outside/main.cpp" -o plain \
+        $(PKG_CONFIG_PATH=moved/lib/pkgconfig pkg-config --cflags --libs kelbase)
+    says ./plain
+
+    cmake -S "$outside" -B beside -DKELBASE_SOURCES="$sources" >/dev/null
+    cmake --build beside
+    says beside/outside
+}
+
+"$1"
