@@ -1,5 +1,5 @@
 #!/bin/sh
-# What a newcomer does with what is delivered, in a folder that is moved first: package_test.sh library BUILD
+# What a newcomer does with what is delivered, in a folder that is moved first: package_test.sh library|archives BUILD
 set -eu
 sources=$(cd "$(dirname "$0")/../.." && pwd)
 outside=$sources/tests/package/outside
@@ -31,6 +31,30 @@ library() {
     cmake -S "$outside" -B beside -DKELBASE_SOURCES="$sources" >/dev/null
     cmake --build beside
     says beside/outside
+}
+
+# ends_in LINE COMMAND...: the command's last line is that one.
+ends_in() {
+    line=$1
+    shift
+    "$@" >report.txt
+    tail -n 1 report.txt | grep -q "^$line" || { cat report.txt >&2; exit 1; }
+}
+
+# tool FOLDER: the tool there runs the plug-in beside it, with its own libraries.
+tool() {
+    ends_in 'DONE 5 changes' "$1/bin/xcodhost" run "$1/lib/kelbase/PostInstall.bundle" --product 4900 --language 11
+    ends_in PASS "$1/bin/xcodhost" validate "$1/lib/kelbase/PostInstall.bundle"
+    ldd "$1/bin/xcodhost" | grep -q "$(realpath "$1")/.*/libmacplatform" || { ldd "$1/bin/xcodhost" >&2; exit 1; }
+}
+
+archives() {
+    (cd "$build" && cpack -B "$folder") >/dev/null
+    tar -xzf kelbase-*.tar.gz
+    rm -r _CPack_Packages
+    tool "$(echo kelbase-*-Linux)"
+    dpkg-deb --extract kelbase_*.deb system
+    tool system/usr
 }
 
 "$1"

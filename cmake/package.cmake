@@ -1,0 +1,58 @@
+# What "cpack" makes of the installed tree: a package for Debian, and an archive that works wherever it is unpacked.
+set(CPACK_GENERATOR DEB TGZ)
+set(CPACK_PACKAGE_NAME kelbase)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "host for installer plug-ins, and the library they stand on")
+set(CPACK_PACKAGE_DESCRIPTION
+"The program xcodhost loads an installer plug-in as the installer does,
+delivers events to it against a folder that stands for the startup volume,
+shows what it did, and checks it against the plug-in contract.
+.
+The plug-in, its C++ base library and the platform layer come with it.")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(email $ENV{DEBEMAIL}) # where Debian's own tools look
+if(NOT email)
+    set(email kelbase@korvane.example)
+endif()
+set(CPACK_PACKAGE_CONTACT "Kelbase maintainers <${email}>" CACHE STRING "Who answers for the packages: name <address>")
+
+set(debian ${PROJECT_BINARY_DIR}/debian)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "yad | zenity | kdialog") # show alerts in windows
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE i386)
+endif()
+set(shared_library "macplatform ${PROJECT_VERSION_MAJOR}")
+file(WRITE ${debian}/shlibs "lib${shared_library} kelbase (>= ${PROJECT_VERSION_MAJOR}.0)\n")
+file(WRITE ${debian}/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${debian}/shlibs ${debian}/triggers)
+
+string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
+file(WRITE ${debian}/changelog "kelbase (${PROJECT_VERSION}) stable; urgency=medium
+
+  * Packages of version ${PROJECT_VERSION}.
+
+ -- ${CPACK_PACKAGE_CONTACT}  ${now}
+")
+compressed(changelog ${debian}/changelog changelog.gz)
+
+# The terms of the libraries whose code goes into the tool's; their own packages bring them.
+set(terms "Copyright 2026 the Kelbase maintainers\n")
+if(TARGET xcodhost)
+    foreach(library libcli11-dev nlohmann-json3-dev)
+        set(file /usr/share/doc/${library}/copyright)
+        if(EXISTS ${file})
+            file(READ ${file} own)
+            string(APPEND terms "\nThe program xcodhost contains code of ${library}:\n\n${own}")
+        else()
+            message(STATUS "No ${file}: a package made here must not be passed on without these terms")
+        endif()
+    endforeach()
+endif()
+file(WRITE ${debian}/copyright "${terms}")
+install(FILES ${changelog} ${debian}/copyright DESTINATION ${documents})
+
+include(CPack)
