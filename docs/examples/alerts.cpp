@@ -1,0 +1,26 @@
+// Asks before it overwrites, with the answers given beforehand as a test would give them.
+#include <Vellora/UI/Native/MessageBox.h>
+
+#include <macplatform/Alerts.h>
+
+#include <cstdio>
+
+static const char* AskToKeep(const String& name) {
+    bool cancelled = false;
+    const String question = String("Replace \"%1\"?").Arg(name);
+    if (UI::Native::MessageYesNoCancel(cancelled, nullptr, "Export", question,
+                                       UI::Native::YesNoCancelFocus::FirstButton, false))
+        return "replaced";
+    return cancelled ? "stopped" : "kept";
+}
+
+int main() {
+    // Off a Mac the presenter answers by the place of a button; any other number means "not shown".
+    int answer = 0;
+    macplatform::SetAlertPresenter([&answer](const macplatform::Alert& alert) {
+        std::printf("%s", alert.message.c_str());
+        for (const std::string& button : alert.buttons) std::printf(" [%s]", button.c_str());
+        return answer;
+    });
+    for (answer = 0; answer < 4; ++answer) std::printf(" -> %s\n", AskToKeep("Warm.fxp"));
+}

@@ -1,0 +1,46 @@
+// Keeps two small files, lists their folder, and reports what fails.
+#include <Kelbase/Util/Dir.h>
+#include <Kelbase/Util/Exception/FileIO.h>
+#include <Kelbase/Util/File.h>
+
+#include <cstdio>
+#include <vector>
+
+static void Write(const FilePath& path, const String& text) {
+    Util::File file(path);
+    file.Open(Util::File::Write); // empties what is there
+    file.WriteBlock(text.Latin1(), text.GetLength());
+    file.Close(); // here and not by the destructor, so that a full disk is noticed
+}
+
+static String Read(const FilePath& path) {
+    Util::File file(path);
+    file.Open(Util::File::Read);
+    std::vector<char> bytes(static_cast<unsigned int>(file.Size()));
+    file.ReadBlock(bytes.data(), static_cast<unsigned int>(bytes.size()));
+    return String(bytes.data(), static_cast<unsigned int>(bytes.size()));
+}
+
+int main() {
+    const FolderPath folder("presets.example/Old", false); // in the working folder
+    Util::Dir(folder).Create(true);
+    Write(folder + "draft.txt", "one");
+    Write(folder + "Notes.txt", "two words");
+    Util::File::Rename(folder + "draft.txt", folder + "notes-2.txt");
+
+    std::vector<String> names;
+    Util::Dir(folder).GetFilenames(names, "notes*.txt", false, false);
+    for (const String& name : names) std::printf("%s: %s\n", name.Latin1(), Read(folder + name).Latin1());
+
+    try {
+        Read(folder + "missing.txt");
+    } catch (const Util::Exception::FileIO& failure) {
+        const String name = failure.GetFilePath().GetFilename();
+        std::printf("%s: %s (%s, errno %d)\n", name.Latin1(), failure.GetMessageText().Latin1(),
+                    failure.GetErrorDescription().Latin1(), failure.GetErrorNumber());
+    }
+
+    for (const String& name : names) Util::File(folder + name).Remove(true);
+    Util::Dir(folder).Remove();
+    Util::Dir(folder.GetParent()).Remove();
+}

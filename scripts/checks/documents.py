@@ -1,0 +1,61 @@
+"""What stands in the documents: fenced blocks, headings, links, and names of files."""
+
+import pathlib
+import re
+import subprocess
+
+
+class Block:
+    """A fenced block: what follows its fence, its lines, and where it begins."""
+
+    def __init__(self, document, line, info):
+        self.document, self.line, self.info, self.lines = document, line, info.split(), []
+
+    @property
+    def place(self):
+        return f"{self.document}:{self.line}"
+
+    @property
+    def text(self):
+        return "".join(line + "\n" for line in self.lines)
+
+
+def documents():
+    """The tree's documents, as they are on the disk."""
+    names = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "--", "*.md"], capture_output=True, text=True,
+                           check=True).stdout.split("\n")
+    return [pathlib.Path(name) for name in names if name and pathlib.Path(name).exists()]
+
+
+def read(document):
+    """The fenced blocks of a document, and the numbered lines outside them."""
+    blocks, prose, block = [], [], None
+    for number, line in enumerate(document.read_text(encoding="utf-8").splitlines(), 1):
+        if line.startswith("```"):
+            if block is None:
+                block = Block(document, number, line[3:])
+                blocks.append(block)
+            else:
+                block = None
+        elif block is not None:
+            block.lines.append(line)
+        else:
+            prose.append((number, line))
+    return blocks, prose
+
+
+def blocks_of(language):
+    """All fenced blocks of a language, document by document."""
+    return [block for document in documents() for block in read(document)[0] if block.info[:1] == [language]]
+
+
+def anchors(document):
+    """What a link can name behind "#": the headings, in small letters, with hyphens for blanks, without other signs."""
+    found = {}
+    for _, line in read(document)[1]:
+        heading = re.match(r"#+ +(.*)", line)
+        if heading:
+            text = re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", heading[1]).lower()
+            anchor = re.sub(r"[^\w\- ]", "", text).replace(" ", "-")
+            found[anchor] = found.get(anchor, -1) + 1
+    return {anchor if count == 0 else f"{anchor}-{count}" for anchor, last in found.items() for count in range(last + 1)}
