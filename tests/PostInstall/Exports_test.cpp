@@ -1,7 +1,7 @@
-#include <array>
-#include <cstdio>
+#include "CommandOutput.h"
+
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -10,16 +10,9 @@ namespace {
 /// The last word of each line that a command prints.
 std::vector<std::string> lastWords(const std::string& command) {
     std::vector<std::string> words;
-    FILE* const pipe = popen(command.c_str(), "r");
-    if (!pipe) return words;
-    std::array<char, 4096> line;
-    while (std::fgets(line.data(), line.size(), pipe)) {
-        std::string text = line.data();
-        if (!text.empty() && text.back() == '\n') text.pop_back();
-        const std::size_t blank = text.find_last_of(' ');
-        words.push_back(blank == std::string::npos ? text : text.substr(blank + 1));
-    }
-    EXPECT_EQ(pclose(pipe), 0) << command;
+    std::istringstream lines(Printed(command));
+    for (std::string line; std::getline(lines, line);)
+        words.push_back(line.substr(line.find_last_of(' ') + 1));
     return words;
 }
 

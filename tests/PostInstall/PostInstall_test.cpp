@@ -1,19 +1,17 @@
+#include "Allocations.h"
+#include "InChild.h"
 #include "InstallerHost.h"
-#include "ScarceMemory.h"
 #include "TracedChild.h"
 #include "Tried.h"
+#include "platform/FinderItem.h"
 
-#include <Carbon/Carbon.h>
 #include <climits>
-#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <macplatform/FinderFlags.h>
 #include <macplatform/Journal.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -36,13 +34,7 @@ protected:
         } else {
             volume.Write(path.substr(1));
         }
-        FSRef reference;
-        FSCatalogInfo catalog = {};
-        FileInfo finder = {};
-        finder.finderFlags = flags;
-        std::memcpy(catalog.finderInfo, &finder, sizeof finder);
-        ASSERT_EQ(FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), &reference, nullptr), noErr);
-        ASSERT_EQ(FSSetCatalogInfo(&reference, kFSCatInfoFinderInfo, &catalog), noErr);
+        ASSERT_EQ(SetFinderInfo(path, FileInfo{0, 0, flags, {}, 0}), noErr);
         effects.clear();
     }
     int Flags(const std::string& path) const {
@@ -132,15 +124,7 @@ TEST_F(PostInstallStep, UserWithoutReadPermissionGetsTheFailureNoted) {
     fs::create_directories(OnVolume("/Library/Preferences"));
     fs::permissions(OnVolume("/Library/Preferences"), fs::perms::all);
     fs::permissions(volume.Path(), fs::perms::all);
-    const pid_t child = fork();
-    if (child == 0) {
-        constexpr uid_t nobody = 65534;
-        if (getuid() == 0 && setuid(nobody) != 0) _exit(2);
-        _exit(Deliver({3}) == 0 ? 0 : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(HoldsForAnyUser([] { return Deliver({3}) == 0; }));
     EXPECT_THAT(Preferences(updater),
                 testing::UnorderedElementsAre("InstallStatus = \"Error opening file\"", enabled));
 }

@@ -1,5 +1,6 @@
 // Executables read without loading them, good and broken, and what `info` makes of them.
 
+#include "CommandOutput.h"
 #include "ElfFile.h"
 #include "HostTool.h"
 #include "MachOFile.h"
@@ -123,9 +124,9 @@ protected:
         ASSERT_EQ(std::system(line.c_str()), 0) << command;
     }
     std::vector<std::string> NamesByOthers(const std::string& file) const {
-        Tool("llvm-nm-14 --extern-only --defined-only --just-symbol-name " + file + " > names");
         std::vector<std::string> names;
-        std::stringstream lines(ReadBytes(folder / "names"));
+        std::istringstream lines(Printed("llvm-nm-14 --extern-only --defined-only --just-symbol-name '" +
+                                         (folder / file).string() + "'"));
         for (std::string line; std::getline(lines, line);) names.push_back(line.substr(1));
         std::sort(names.begin(), names.end());
         return names;

@@ -1,26 +1,15 @@
 // The real plug-in, end to end; its effects are read back by tools that know nothing of this project.
 
+#include "CommandOutput.h"
 #include "HostTool.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <array>
-
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
-
-/// What a shell command prints.
-std::string Printed(const std::string& command) {
-    std::string text;
-    std::array<char, 4096> part{};
-    std::FILE* const pipe = popen(command.c_str(), "r");
-    for (std::size_t n; (n = fread(part.data(), 1, part.size(), pipe)) > 0;) text.append(part.data(), n);
-    EXPECT_EQ(pclose(pipe), 0) << command;
-    return text;
-}
 
 class InstalledProduct : public testing::Test {
 protected:

@@ -1,11 +1,8 @@
-#include <Carbon/Carbon.h>
 #include <macplatform/Journal.h>
 #include <macplatform/LiveObjects.h>
-#include <macplatform/StartupVolume.h>
 
-#include "TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "platform/FinderItem.h"
+#include "platform/VolumeTest.h"
 
 #include <cstdlib>
 #include <unistd.h>
@@ -15,7 +12,7 @@ namespace {
 /// Asks the Finder to move the item to a place; the answer of AESend.
 OSErr Ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh') {
     FSRef ref{};
-    FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), &ref, nullptr);
+    MakeRef(path, ref);
     AEDesc address, object, nowhere = {typeNull, nullptr}, property, specifier;
     AppleEvent event, reply;
     AECreateDesc(typeApplSignature, &target, sizeof target, &address);
@@ -32,23 +29,20 @@ OSErr Ask(const std::string& path, OSType target = 'MACS', DescType place = 'trs
     return result;
 }
 
-class AppleEvents : public testing::Test {
+class AppleEvents : public VolumeTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(macplatform::SetStartupVolume(volume.Path().string()));
         macplatform::SetJournalObserver([this](const macplatform::JournalEntry& entry) {
             if (entry.call == "AESend") note = entry.note;
         });
     }
     void TearDown() override {
         macplatform::SetJournalObserver({});
-        macplatform::SetStartupVolume("");
         EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore);
     }
     std::filesystem::path Trash() const { return volume / (".Trash-" + std::to_string(getuid())); }
 
     std::size_t liveBefore = macplatform::LiveObjectCount();
-    TemporaryFolder volume;
     std::string note;
 };
 

@@ -3,6 +3,8 @@
 #include <macplatform/Journal.h>
 #include <macplatform/LiveObjects.h>
 
+#include "platform/ToldCalls.h"
+
 #include <gmock/gmock.h>
 
 #include <thread>
@@ -88,21 +90,15 @@ TEST(ObjectsDeathTest, EndTheProcessWithALineWhenMisused) {
 }
 
 TEST(Objects, TellTheJournal) {
-    std::vector<std::string> lines;
-    macplatform::SetJournalObserver([&lines](const macplatform::JournalEntry& entry) {
-        std::string line = entry.call + '(';
-        for (const std::string& argument : entry.arguments) line += argument + ';';
-        lines.push_back(line + ") " + entry.result);
-    });
+    const ToldCalls told;
     macplatform::OrderFault({"CFStringCreateWithCString", 0, 1});
     const CFStringRef text = NewText("a\nb");
     EXPECT_EQ(NewText("refused"), nullptr);
     CFRelease(text);
-    macplatform::SetJournalObserver({});
-    EXPECT_THAT(lines,
-                ElementsAre("CFStringCreateWithCString(NULL;\"a\\nb\";kCFStringEncodingUTF8;) \"a\\nb\"",
-                            "CFStringCreateWithCString(NULL;\"refused\";kCFStringEncodingUTF8;) NULL",
-                            "CFRelease(\"a\\nb\";) "));
+    EXPECT_THAT(told.lines,
+                ElementsAre("CFStringCreateWithCString(NULL, \"a\\nb\", kCFStringEncodingUTF8) = \"a\\nb\"",
+                            "CFStringCreateWithCString(NULL, \"refused\", kCFStringEncodingUTF8) = NULL",
+                            "CFRelease(\"a\\nb\") = "));
 }
 
 } // namespace

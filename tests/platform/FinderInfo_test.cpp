@@ -1,16 +1,15 @@
-#include <Carbon/Carbon.h>
 #include <macplatform/FinderFlags.h>
 #include <macplatform/Journal.h>
 #include <macplatform/StartupVolume.h>
 
-#include "OtherUser.h"
+#include "CommandOutput.h"
+#include "InChild.h"
 #include "TemporaryFolder.h"
+#include "platform/FinderItem.h"
+#include "platform/ToldCalls.h"
 
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <memory>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -22,10 +21,6 @@ namespace {
 
 constexpr char attribute[] = "user.com.apple.FinderInfo";
 
-OSStatus MakeRef(const std::string& path, FSRef& ref) {
-    return FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), &ref, nullptr);
-}
-
 /// The sixteen bytes as FileInfo or FolderInfo.
 template <typename Info>
 OSStatus Get(const std::string& path, Info& info) {
@@ -35,15 +30,6 @@ OSStatus Get(const std::string& path, Info& info) {
     const OSErr result = FSGetCatalogInfo(&ref, kFSCatInfoFinderInfo, &catalog, nullptr, nullptr, nullptr);
     std::memcpy(&info, catalog.finderInfo, sizeof info);
     return result;
-}
-
-template <typename Info>
-OSStatus Set(const std::string& path, const Info& info) {
-    FSRef ref;
-    FSCatalogInfo catalog{};
-    if (const OSStatus result = MakeRef(path, ref)) return result;
-    std::memcpy(catalog.finderInfo, &info, sizeof info);
-    return FSSetCatalogInfo(&ref, kFSCatInfoFinderInfo, &catalog);
 }
 
 std::string Attribute(const std::string& path) {
@@ -67,7 +53,7 @@ protected:
 };
 
 TEST_F(FinderInfoTest, LiesBigEndianInTheAttribute) {
-    ASSERT_EQ(Set(file, sampleFile), noErr);
+    ASSERT_EQ(SetFinderInfo(file, sampleFile), noErr);
     EXPECT_EQ(Attribute(file), sampleBytes);
     EXPECT_EQ(ReadFinderFlags(file), 0x4400);
 
@@ -75,16 +61,13 @@ TEST_F(FinderInfoTest, LiesBigEndianInTheAttribute) {
     EXPECT_EQ(Get(file, read), noErr);
     EXPECT_EQ(std::memcmp(&read, &sampleFile, sizeof read), 0);
 
-    const std::string command = "getfattr --absolute-names -e hex -n " + std::string(attribute) + " " + file;
-    const std::unique_ptr<FILE, int (*)(FILE*)> tool(popen(command.c_str(), "r"), &pclose);
-    char text[400] = {};
-    EXPECT_GT(std::fread(text, 1, sizeof text - 1, tool.get()), 0U);
-    EXPECT_NE(std::strstr(text, "FinderInfo=0x544558547474787444000102000300000000"), nullptr) << text;
+    EXPECT_THAT(Printed("getfattr --absolute-names -e hex -n " + std::string(attribute) + " " + file),
+                testing::HasSubstr("FinderInfo=0x544558547474787444000102000300000000"));
 }
 
 TEST_F(FinderInfoTest, OfAFolderHasAnotherLayout) {
     const FolderInfo info{{1, 2, 3, 4}, kHasCustomIcon, {5, 6}, 7};
-    ASSERT_EQ(Set(folder.Path(), info), noErr);
+    ASSERT_EQ(SetFinderInfo(folder.Path(), info), noErr);
     EXPECT_EQ(Attribute(folder.Path()),
               Bytes({0, 1, 0, 2, 0, 3, 0, 4, 4, 0, 0, 5, 0, 6, 0, 7}) + std::string(16, '\0'));
     FolderInfo read{};
@@ -96,16 +79,16 @@ TEST_F(FinderInfoTest, OfAFolderHasAnotherLayout) {
 TEST_F(FinderInfoTest, KeepsTheExtendedHalfAndGoesWhenEmpty) {
     const std::string extended = sampleBytes.substr(0, 16) + std::string(16, 'e');
     ASSERT_EQ(setxattr(file.c_str(), attribute, extended.data(), 32, 0), 0);
-    ASSERT_EQ(Set(file, FileInfo{}), noErr);
+    ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
     EXPECT_EQ(Attribute(file), std::string(16, '\0') + std::string(16, 'e'));
 
     ASSERT_EQ(setxattr(file.c_str(), attribute, sampleBytes.data(), 32, 0), 0);
-    ASSERT_EQ(Set(file, FileInfo{}), noErr);
+    ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
     EXPECT_EQ(Attribute(file), "ENODATA");
-    EXPECT_EQ(Set(file, FileInfo{}), noErr);
+    EXPECT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
 
     ASSERT_EQ(setxattr(file.c_str(), attribute, "short", 5, 0), 0);
-    EXPECT_EQ(Set(file, sampleFile), ioErr);
+    EXPECT_EQ(SetFinderInfo(file, sampleFile), ioErr);
     EXPECT_EQ(Attribute(file), "short");
     EXPECT_EQ(ReadFinderFlags(file), std::nullopt);
 }
@@ -116,20 +99,20 @@ TEST_F(FinderInfoTest, IsTheOwnersToSetAndNobodyElses) {
     fs::permissions(folder.Path(), fs::perms(0755));
     ASSERT_EQ(chown(own.c_str(), otherUser, otherUser), 0);
     chmod(own.c_str(), 0444);
-    ASSERT_EQ(Set(file, sampleFile), noErr);
+    ASSERT_EQ(SetFinderInfo(file, sampleFile), noErr);
     chmod(file.c_str(), 0444);
-    EXPECT_EQ(AsOtherUser([&] { return Set(own, sampleFile) == noErr; }), 0);
+    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(own, sampleFile) == noErr; }));
     EXPECT_EQ(Attribute(own), sampleBytes);
     EXPECT_EQ(fs::status(own).permissions(), fs::perms(0444));
     // What is there already needs no right to write.
-    EXPECT_EQ(AsOtherUser([&] { return Set(file, sampleFile) == noErr; }), 0);
-    EXPECT_EQ(AsOtherUser([&] { return Set(file, FileInfo{}) == permErr; }), 0);
+    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, sampleFile) == noErr; }));
+    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, FileInfo{}) == permErr; }));
     EXPECT_EQ(Attribute(file), sampleBytes);
 }
 
 TEST_F(FinderInfoTest, GoesIntoASidecarWhereThereAreNoAttributes) {
     RefuseExtendedAttributes(true);
-    ASSERT_EQ(Set(file, sampleFile), noErr);
+    ASSERT_EQ(SetFinderInfo(file, sampleFile), noErr);
     const std::string header = Bytes({0, 5, 0x16, 7, 0, 2, 0, 0}) + std::string(16, '\0') +
                                Bytes({0, 2, 0, 0, 0, 9, 0, 0, 0, 50, 0, 0, 0, 32}) +
                                Bytes({0, 0, 0, 2, 0, 0, 0, 82, 0, 0, 0, 0});
@@ -138,13 +121,13 @@ TEST_F(FinderInfoTest, GoesIntoASidecarWhereThereAreNoAttributes) {
     EXPECT_EQ(Attribute(file), "ENODATA");
 
     fs::create_directory(folder / "sub");
-    ASSERT_EQ(Set(folder / "sub", FolderInfo{{}, kIsInvisible, {}, 0}), noErr);
+    ASSERT_EQ(SetFinderInfo(folder / "sub", FolderInfo{{}, kIsInvisible, {}, 0}), noErr);
     EXPECT_EQ(fs::file_size(folder / "._sub"), 82U);
     EXPECT_TRUE(fs::is_empty(folder / "sub"));
 
     // With attributes again, the sidecar stays the one place as long as no attribute is there.
     RefuseExtendedAttributes(false);
-    ASSERT_EQ(Set(file, FileInfo{}), noErr);
+    ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
     EXPECT_EQ(ReadBytes(folder / "._file"), header + std::string(32, '\0'));
     EXPECT_EQ(Attribute(file), "ENODATA");
 }
@@ -162,7 +145,7 @@ TEST_F(FinderInfoTest, ChangesAForeignSidecarInThirtyTwoBytesOnly) {
     ASSERT_EQ(Get(file, info), noErr);
     EXPECT_EQ(info.fileType, sampleFile.fileType);
     info.finderFlags = kIsAlias;
-    ASSERT_EQ(Set(file, info), noErr);
+    ASSERT_EQ(SetFinderInfo(file, info), noErr);
     std::string expected = ForeignSidecar();
     expected[68] = '\x80';
     expected[69] = 0;
@@ -187,12 +170,12 @@ TEST_F(FinderInfoTest, IsNotFoundInABrokenSidecarWhichStaysAsItIs) {
         FileInfo info = sampleFile;
         EXPECT_EQ(Get(file, info), noErr);
         EXPECT_EQ(info.fileType, 0U) << bytes.size();
-        EXPECT_EQ(Set(file, sampleFile), ioErr);
+        EXPECT_EQ(SetFinderInfo(file, sampleFile), ioErr);
         EXPECT_EQ(ReadBytes(folder / "._file"), bytes);
     }
     fs::remove(folder / "._file");
     fs::create_symlink("file", folder / "._file");
-    EXPECT_EQ(Set(file, sampleFile), ioErr);
+    EXPECT_EQ(SetFinderInfo(file, sampleFile), ioErr);
     EXPECT_EQ(ReadBytes(file), "data");
 }
 
@@ -272,21 +255,18 @@ Boolean RefOfUrl(const char* path) {
 TEST_F(FinderInfoTest, IsSetOnTheStartupVolumeAndTold) {
     folder.Write("Applications/App");
     ASSERT_TRUE(SetStartupVolume(folder.Path()));
-    std::vector<std::string> told;
-    SetJournalObserver([&](const JournalEntry& entry) {
-        std::string line = entry.call + "(";
-        for (const auto& argument : entry.arguments) line += argument + ";";
-        told.push_back(line + ") = " + entry.result);
-    });
-    EXPECT_EQ(Set("/Applications/App", sampleFile), noErr);
-    SetJournalObserver({});
+    {
+        const ToldCalls told;
+        EXPECT_EQ(SetFinderInfo("/Applications/App", sampleFile), noErr);
+        EXPECT_THAT(told.lines,
+                    testing::ElementsAre(
+                        "FSPathMakeRef(\"/Applications/App\") = 0",
+                        "FSSetCatalogInfo(\"/Applications/App\", FinderInfo, Finder flags 0x4400) = 0"));
+    }
     EXPECT_EQ(RefOfUrl("/Applications/App"), 1);
     EXPECT_EQ(RefOfUrl("/Applications/Other"), 0);
     SetStartupVolume("");
     EXPECT_EQ(ReadFinderFlags(folder / "Applications/App"), 0x4400);
-    EXPECT_EQ(told, (std::vector<std::string>{
-                        "FSPathMakeRef(\"/Applications/App\";) = 0",
-                        "FSSetCatalogInfo(\"/Applications/App\";FinderInfo;Finder flags 0x4400;) = 0"}));
 }
 
 } // namespace

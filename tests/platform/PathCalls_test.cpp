@@ -1,9 +1,7 @@
-#include <macplatform/Journal.h>
-#include <macplatform/StartupVolume.h>
+#include "platform/ToldCalls.h"
+#include "platform/VolumeTest.h"
 
-#include "TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cerrno>
 #include <climits>
@@ -18,12 +16,7 @@
 
 namespace {
 
-class PathCalls : public testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(macplatform::SetStartupVolume(volume.Path().string())); }
-    void TearDown() override { macplatform::SetStartupVolume(""); }
-    TemporaryFolder volume;
-};
+using PathCalls = VolumeTest;
 
 bool Exists(const char* path) { return access(path, F_OK) == 0; }
 
@@ -166,20 +159,14 @@ TEST_F(PathCalls, RefuseAnEmptyPathAndAnOverlongOne) {
 
 TEST_F(PathCalls, AreToldAndFailAsOrdered) {
     volume.Write("Library/a.txt");
-    std::vector<std::string> told;
-    macplatform::SetJournalObserver([&told](const macplatform::JournalEntry& entry) {
-        std::string line = entry.call + '(';
-        for (const auto& argument : entry.arguments) line += argument + ' ';
-        told.push_back(line + ") " + entry.result);
-        errno = 0; // what an observer does must not show
-    });
+    const ToldCalls told;
     EXPECT_FALSE(Exists("/Library/none"));
     EXPECT_EQ(errno, ENOENT);
     macplatform::OrderFault({"fopen", EACCES, 0});
     EXPECT_EQ(std::fopen("/Library/a.txt", "rb"), nullptr);
     EXPECT_EQ(errno, EACCES);
     EXPECT_TRUE(Exists("/etc/passwd"));
-    macplatform::SetJournalObserver({});
-    EXPECT_EQ(told, (std::vector<std::string>{"access(\"/Library/none\" 0 ) -1: No such file or directory",
-                                              "fopen(\"/Library/a.txt\" \"rb\" ) NULL: Permission denied"}));
+    EXPECT_THAT(told.lines,
+                testing::ElementsAre("access(\"/Library/none\", 0) = -1: No such file or directory",
+                                     "fopen(\"/Library/a.txt\", \"rb\") = NULL: Permission denied"));
 }

@@ -1,14 +1,12 @@
 // Preferences outlive whatever ends or hinders their synchronisation.
 
 #include <macplatform/PropertyList.h>
-#include <macplatform/StartupVolume.h>
 
-#include "TemporaryFolder.h"
+#include "InChild.h"
 #include "TracedChild.h"
 #include "Tried.h"
 #include "platform/PreferenceCalls.h"
-
-#include <gtest/gtest.h>
+#include "platform/VolumeTest.h"
 
 #include <cerrno>
 #include <csignal>
@@ -47,19 +45,8 @@ bool IsKilledAt(unsigned stop, const std::function<int()>& work) {
     return end.isReached;
 }
 
-/// What a child says of the work: 0 when it holds, 77 when it cannot be tried here.
-int InChild(const std::function<int()>& work) {
-    const pid_t child = fork();
-    if (child == 0) _exit(work());
-    int status = -1;
-    return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-class PreferencesSurvival : public testing::Test {
+class PreferencesSurvival : public VolumeTest {
 protected:
-    void SetUp() override { ASSERT_TRUE(macplatform::SetStartupVolume(volume.Path().string())); }
-    void TearDown() override { macplatform::SetStartupVolume(""); }
-
     std::filesystem::path Folder() const { return volume / "Library/Preferences"; }
     std::filesystem::path File() const { return Folder() / "com.example.app.plist"; }
     void WriteOld() const { volume.Write("Library/Preferences/com.example.app.plist", old); }
@@ -68,7 +55,6 @@ protected:
     }
 
     const std::string old = "<plist version=\"1.0\"><dict><key>Lang</key><string>de</string></dict></plist>";
-    const TemporaryFolder volume;
 };
 
 } // namespace

@@ -3,13 +3,12 @@
 #include <macplatform/Journal.h>
 #include <macplatform/LiveObjects.h>
 #include <macplatform/PropertyList.h>
-#include <macplatform/StartupVolume.h>
 
-#include "TemporaryFolder.h"
+#include "CommandOutput.h"
+#include "InChild.h"
 #include "platform/BinaryList.h"
 #include "platform/PreferenceCalls.h"
-
-#include <gtest/gtest.h>
+#include "platform/VolumeTest.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -22,23 +21,16 @@ using macplatform::PropertyValue;
 
 namespace {
 
-class Preferences : public testing::Test {
+class Preferences : public VolumeTest {
 protected:
-    void SetUp() override { ASSERT_TRUE(macplatform::SetStartupVolume(volume.Path().string())); }
-    void TearDown() override { macplatform::SetStartupVolume(""); }
-
     std::filesystem::path File() const { return volume / "Library/Preferences/com.example.app.plist"; }
     PropertyValue Stored() const { return macplatform::ReadPropertyList(File().string()).root; }
     /// What another reader makes of the file.
     std::string Python() const {
-        const std::string out = (volume / "python.txt").string();
-        const std::string command =
+        return Printed(
             "/usr/bin/python3 -c 'import plistlib,sys; print(plistlib.load(open(sys.argv[1],\"rb\")))' '" +
-            File().string() + "' > '" + out + "'";
-        return std::system(command.c_str()) == 0 ? ReadBytes(out) : "refused";
+            File().string() + "'");
     }
-
-    TemporaryFolder volume;
 };
 
 } // namespace
@@ -151,18 +143,11 @@ TEST_F(Preferences, SayWhenTheFolderMayNotBeWritten) {
                  "<plist><dict><key>a</key><true/></dict></plist>");
     std::filesystem::permissions(volume.Path(), std::filesystem::perms(0755));
     const std::string before = ReadBytes(File());
-    const pid_t child = fork();
-    if (child == 0) {
-        constexpr uid_t nobody = 65534;
-        if (geteuid() == 0 && setuid(nobody) != 0) _exit(2);
-        if (geteuid() != nobody)
-            std::filesystem::permissions(volume / "Library/Preferences", std::filesystem::perms(0555));
+    std::filesystem::permissions(volume / "Library/Preferences", std::filesystem::perms(0555));
+    EXPECT_TRUE(HoldsForAnyUser([] {
         Set("Lang", "ja");
-        _exit(Synchronise() ? 1 : 0);
-    }
-    int status = 1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+        return !Synchronise();
+    }));
     std::filesystem::permissions(volume / "Library/Preferences", std::filesystem::perms(0755));
     EXPECT_EQ(ReadBytes(File()), before);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(volume / "Library/Preferences"), {}), 1);

@@ -4,9 +4,6 @@
 
 #include <string>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 /// What a call threw, as "LINE KIND ERRNO: MESSAGE"; empty when nothing. `source` and `path` must be its own.
 template <typename Call>
 std::string FailureOf(const char* source, const std::string& path, Call call) {
@@ -21,16 +18,4 @@ std::string FailureOf(const char* source, const std::string& path, Call call) {
                std::to_string(failure.GetErrorNumber()) + ": " + failure.GetMessageText().Latin1() +
                (own ? "" : " in another place");
     }
-}
-
-/// Whether the check holds in a child process of a user without privileges, whom permissions bind.
-template <typename Check>
-bool HoldsForAnyUser(Check check) {
-    const pid_t child = fork();
-    if (child == 0) {
-        const bool bound = geteuid() != 0 || setuid(65534) == 0;
-        _exit(bound && check() ? 0 : 1);
-    }
-    int status = -1;
-    return child > 0 && waitpid(child, &status, 0) == child && status == 0;
 }

@@ -1,14 +1,12 @@
 #include "FileFailure.h"
 #include "TemporaryFolder.h"
+#include "platform/FinderItem.h"
 
-#include <Carbon/Carbon.h>
 #include <Kelbase/Util/File.h>
 #include <macplatform/Journal.h>
 #include <macplatform/LiveObjects.h>
 
 #include <gmock/gmock.h>
-
-#include <cstring>
 
 namespace {
 
@@ -58,12 +56,7 @@ TEST_F(FileFinder, RenameMovesOrTellsWhyNot) {
 TEST_F(FileFinder, GivesTheFileTypeOr0) {
     const File file(toPath(name));
     EXPECT_EQ(file.GetOSXFileType(), 0U) << "no Finder information";
-    FSRef ref;
-    ASSERT_EQ(FSPathMakeRef(reinterpret_cast<const UInt8*>(name.c_str()), &ref, nullptr), noErr);
-    const FileInfo info = {'WAVE', 'ttxt', 0, {}, 0};
-    FSCatalogInfo catalog = {};
-    std::memcpy(catalog.finderInfo, &info, sizeof info);
-    ASSERT_EQ(FSSetCatalogInfo(&ref, kFSCatInfoFinderInfo, &catalog), noErr);
+    ASSERT_EQ(SetFinderInfo(name, FileInfo{'WAVE', 'ttxt', 0, {}, 0}), noErr);
     EXPECT_EQ(file.GetOSXFileType(), 0x57415645U);
 
     macplatform::OrderFault({"FSGetCatalogInfo", ioErr});

@@ -1,4 +1,5 @@
 #include "FileFailure.h"
+#include "InChild.h"
 #include "TemporaryFolder.h"
 
 #include <Kelbase/Util/File.h>

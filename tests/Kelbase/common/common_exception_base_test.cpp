@@ -1,6 +1,8 @@
 #include <Kelbase/Util/Exception/DataStreamIO.h>
 #include <Kelbase/Util/Exception/FileIO.h>
 
+#include "Kelbase/TextBytes.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -8,22 +10,20 @@ namespace {
 using Util::Exception::DataStreamIO;
 using Util::Exception::FileIO;
 
-std::string text(const String& s) { return {s.Latin1(), s.GetLength()}; }
-
 TEST(Exception, RendersMessagePlaceAndPath) {
     const std::string head = "Base:\n\tNo %1\n\t (-1): Thrown, GetLastError(): 0\n";
-    EXPECT_EQ(text(Exception::Base("No %1").ToString()), head);
-    EXPECT_EQ(text(FileIO("No %1", FilePath("/a//b", false), FileIO::OpenError, 13).ToString()),
+    EXPECT_EQ(Bytes(Exception::Base("No %1").ToString()), head);
+    EXPECT_EQ(Bytes(FileIO("No %1", FilePath("/a//b", false), FileIO::OpenError, 13).ToString()),
               head + "\nFileIO:\n/a//b: Open error");
-    EXPECT_EQ(text(FileIO("No %1", FolderPath("/a//b", false), FileIO::RemoveError, 13).ToString()),
+    EXPECT_EQ(Bytes(FileIO("No %1", FolderPath("/a//b", false), FileIO::RemoveError, 13).ToString()),
               head + "\nFileIO:\n/a//b/: Remove error");
-    EXPECT_EQ(text(FileIO("No %1", FilePath(), FileIO::ErrorKind(0xFFFFFFFF), 0).ToString()),
+    EXPECT_EQ(Bytes(FileIO("No %1", FilePath(), FileIO::ErrorKind(0xFFFFFFFF), 0).ToString()),
               head + "\nFileIO:\n:  Unknown error");
     const char* const kinds[] = {"File not found", "Open error",       "Read error",
                                  "Write error",    "Close error",      "Remove error",
                                  "Rename error",   "Unexpected error", " Unknown error"};
     for (unsigned int kind = 0; kind < 9; ++kind)
-        EXPECT_EQ(text(FileIO("", FilePath(), FileIO::ErrorKind(kind), 0).GetErrorDescription()),
+        EXPECT_EQ(Bytes(FileIO("", FilePath(), FileIO::ErrorKind(kind), 0).GetErrorDescription()),
                   kinds[kind]);
 }
 
@@ -34,8 +34,8 @@ TEST(Exception, IsCaughtAsItsBaseWithAllItHolds) {
         throw DataStreamIO(failure);
     } catch (const Exception::Base& caught) {
         EXPECT_EQ(caught.GetLineNumber(), 12) << "the low 32 bits";
-        EXPECT_EQ(text(caught.ToString()), "Base:\n\tNo\n\tsrc/Kelbase/Util/ByteStream (12): "
-                                           "Thrown, GetLastError(): 0\n\nDataStreamIO\n");
+        EXPECT_EQ(Bytes(caught.ToString()), "Base:\n\tNo\n\tsrc/Kelbase/Util/ByteStream (12): "
+                                            "Thrown, GetLastError(): 0\n\nDataStreamIO\n");
     }
 }
 

@@ -1,3 +1,4 @@
+#include "Kelbase/TextBytes.h"
 #include "TemporaryFolder.h"
 
 #include <Kelbase/common/common_path.h>
@@ -7,8 +8,6 @@
 #include <sstream>
 
 namespace {
-
-std::string text(const String& s) { return {s.Latin1(), s.GetLength()}; }
 
 /// HOME and the working folder as a test wants them, put back at its end.
 class Surroundings {
@@ -34,20 +33,20 @@ TEST(Path, PrintsClean) {
         /../x x/             //../x /x/   /.. /
     )");
     for (std::string given, clean; pairs >> given >> clean;) {
-        EXPECT_EQ(text(FilePath(given.c_str(), false).ToString()) + "/", clean) << given;
-        EXPECT_EQ(text(FolderPath(given.c_str(), true).ToString()), clean) << given;
+        EXPECT_EQ(Bytes(FilePath(given.c_str(), false).ToString()) + "/", clean) << given;
+        EXPECT_EQ(Bytes(FolderPath(given.c_str(), true).ToString()), clean) << given;
     }
     for (const char* blank : {"", " \t\n"})
         EXPECT_TRUE(FilePath(blank, false).IsEmpty() && FolderPath(blank, true).IsEmpty());
-    EXPECT_EQ(text(FilePath().ToString() + "|" + FolderPath().ToString()), "|/");
-    EXPECT_EQ(text(FilePath("/\xff//\x80", false).ToString()), "/\xff/\x80");
+    EXPECT_EQ(Bytes(FilePath().ToString() + "|" + FolderPath().ToString()), "|/");
+    EXPECT_EQ(Bytes(FilePath("/\xff//\x80", false).ToString()), "/\xff/\x80");
 
     const FilePath clean("/a/b.txt", false);
     EXPECT_EQ(clean.ToString().Latin1(), clean.GetInternal().Latin1()) << "nothing to clean, nothing to copy";
     String withNul("/a");
     withNul += '\0';
     withNul += "/b/../c";
-    EXPECT_EQ(text(FilePath(withNul, false).ToString()), std::string("/a\0/c", 5));
+    EXPECT_EQ(Bytes(FilePath(withNul, false).ToString()), std::string("/a\0/c", 5));
 }
 
 TEST(Path, IsMadeAbsolute) {
@@ -59,18 +58,18 @@ TEST(Path, IsMadeAbsolute) {
                                    {"~", "/Users/a/"},           {"~/x", "/Users/a/x"},
                                    {"~\\x", "/Users/a/x"}};
     for (const auto& [given, expected] : rows)
-        EXPECT_EQ(text(FilePath(given.c_str(), false).GetInternal()), expected) << given;
-    EXPECT_EQ(text(FolderPath("docs", false).GetInternal()), here + "/docs/");
-    EXPECT_EQ(text(FolderPath("/Users/a\\", false).GetInternal()), "/Users/a\\");
+        EXPECT_EQ(Bytes(FilePath(given.c_str(), false).GetInternal()), expected) << given;
+    EXPECT_EQ(Bytes(FolderPath("docs", false).GetInternal()), here + "/docs/");
+    EXPECT_EQ(Bytes(FolderPath("/Users/a\\", false).GetInternal()), "/Users/a\\");
     EXPECT_TRUE(FilePath::IsRelative("C:/x"));
     EXPECT_FALSE(FolderPath::IsRelative("\\x") || FolderPath::IsRelative(""));
 
     const Surroundings nothing(nullptr, folder.Path());
-    EXPECT_EQ(text(FilePath("~/x", false).GetInternal()), "/x");
+    EXPECT_EQ(Bytes(FilePath("~/x", false).GetInternal()), "/x");
     std::filesystem::create_directory(folder / "gone");
     std::filesystem::current_path(folder / "gone");
     std::filesystem::remove(folder / "gone");
-    EXPECT_EQ(text(FilePath("x", false).GetInternal()), "/x");
+    EXPECT_EQ(Bytes(FilePath("x", false).GetInternal()), "/x");
 }
 
 TEST(Path, IsTakenApart) {
@@ -87,21 +86,21 @@ TEST(Path, IsTakenApart) {
     for (const auto& [given, name, extension, base, folder] : rows) {
         SCOPED_TRACE(given);
         const FilePath path(given, false);
-        EXPECT_EQ(text(path.GetFilename()), name);
-        EXPECT_EQ(text(path.GetExtension()), extension);
-        EXPECT_EQ(text(path.GetBaseName()), base);
-        EXPECT_EQ(text(path.GetFolder().GetInternal()), folder);
+        EXPECT_EQ(Bytes(path.GetFilename()), name);
+        EXPECT_EQ(Bytes(path.GetExtension()), extension);
+        EXPECT_EQ(Bytes(path.GetBaseName()), base);
+        EXPECT_EQ(Bytes(path.GetFolder().GetInternal()), folder);
     }
     for (const char* top : {"/", "//", "/a/..", "/..", ""}) {
         const FolderPath folder(top, false);
         EXPECT_TRUE(folder.IsTopLevel() && folder.GetParent().IsEmpty()) << top;
-        EXPECT_EQ(text(folder.GetFolderName()), "") << top;
+        EXPECT_EQ(Bytes(folder.GetFolderName()), "") << top;
     }
     const FolderPath deep("/Users/a/b\\", false);
-    EXPECT_EQ(text(deep.GetFolderName()), "b");
-    EXPECT_EQ(text(deep.GetParent().GetInternal()), "/Users/a/");
-    EXPECT_EQ(text(FolderPath("/Users", false).GetParent().GetInternal()), "/");
-    EXPECT_EQ(text((deep + "c/d.txt").GetInternal()), "/Users/a/b\\c/d.txt");
+    EXPECT_EQ(Bytes(deep.GetFolderName()), "b");
+    EXPECT_EQ(Bytes(deep.GetParent().GetInternal()), "/Users/a/");
+    EXPECT_EQ(Bytes(FolderPath("/Users", false).GetParent().GetInternal()), "/");
+    EXPECT_EQ(Bytes((deep + "c/d.txt").GetInternal()), "/Users/a/b\\c/d.txt");
 }
 
 TEST(Path, ComparesCleanFormsWithoutCase) {

@@ -1,6 +1,8 @@
 #include <Kelbase/common/common_string.h>
 #include <Kelbase/common/common_string_sort.h>
 
+#include "Kelbase/TextBytes.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,8 +10,6 @@
 #include <random>
 
 namespace {
-
-std::string Bytes(const String& s) { return {s.Latin1(), s.GetLength()}; }
 
 constexpr int absent = -1;
 int Position(const checked_value<unsigned int>& found) {

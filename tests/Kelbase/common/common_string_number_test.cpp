@@ -2,6 +2,8 @@
 
 #include <Kelbase/common/common_string_decimal.h>
 
+#include "Kelbase/TextBytes.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -9,12 +11,6 @@
 #include <cstring>
 #include <random>
 #include <stdexcept>
-
-namespace {
-
-std::string Bytes(const String& s) { return {s.Latin1(), s.GetLength()}; }
-
-} // namespace
 
 TEST(StringArg, FillsTheLowestPlaceholder) {
     struct Row {

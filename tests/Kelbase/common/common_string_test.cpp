@@ -1,14 +1,9 @@
 #include <Kelbase/common/common_string.h>
 
-#include "AllocationCount.h"
+#include "Allocations.h"
+#include "Kelbase/TextBytes.h"
 
 #include <gtest/gtest.h>
-
-namespace {
-
-std::string Bytes(const String& s) { return {s.Latin1(), s.GetLength()}; }
-
-} // namespace
 
 TEST(Char, CategoriesAreThoseOfLatin1) {
     struct Range {

@@ -1,12 +1,8 @@
 #include <Kelbase/common/common_string.h>
 
+#include "Kelbase/TextBytes.h"
+
 #include <gtest/gtest.h>
-
-namespace {
-
-std::string Bytes(const String& s) { return {s.Latin1(), s.GetLength()}; }
-
-} // namespace
 
 TEST(StringUnicode, ConvertsBothWays) {
     const unsigned short units[] = {'h', 0xE9, 0x20AC, 0xD83D, 0xDE00, 0};

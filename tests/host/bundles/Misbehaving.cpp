@@ -1,9 +1,9 @@
 // A plug-in that does to its host whatever the product code orders.
 
+#include "SendMessage.h"
+
 #include <Carbon/Carbon.h>
 #include <CoreFoundation/CoreFoundation.h>
-#include <objc/message.h>
-#include <objc/runtime.h>
 
 #include <csignal>
 #include <cstdint>
@@ -17,53 +17,33 @@
 
 namespace {
 
+// clang-format off
 enum Order : std::int32_t {
-    Nothing = 0,
-    Crash = 1,
-    Hang = 2,
-    ThrowException = 3,
-    ThrowNumber = 4,
-    Exit = 5,
-    SetErrorBit = 6,
-    WriteBesideErrorFlags = 7,
-    Print = 8,
-    LeaveProcessBehind = 9,
-    CloseEverything = 10,
-    SignalHost = 11,
-    AskYesNo = 12,
-    AskForEver = 13,
-    LeakString = 14,
-    ChangeFiles = 15,
-    WriteBrokenList = 16,
-    ReadStandardInput = 17,
-    AskButtons = 18,
-    AskOddTitles = 19,
-    ShowStopAlert = 20,
+    Nothing = 0, Crash = 1, Hang = 2, ThrowException = 3, ThrowNumber = 4, Exit = 5, SetErrorBit = 6,
+    WriteBesideErrorFlags = 7, Print = 8, LeaveProcessBehind = 9, CloseEverything = 10, SignalHost = 11,
+    AskYesNo = 12, AskForEver = 13, LeakString = 14, ChangeFiles = 15, WriteBrokenList = 16,
+    ReadStandardInput = 17, AskButtons = 18, AskOddTitles = 19, ShowStopAlert = 20,
 };
+// clang-format on
 
-template <typename Result, typename... Arguments>
-Result Send(id receiver, const char* selector, Arguments... arguments) {
-    using Function = Result (*)(id, SEL, Arguments...);
-    return reinterpret_cast<Function>(&objc_msgSend)(receiver, sel_registerName(selector), arguments...);
+CFStringRef NewText(const char* text) {
+    return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
 }
 
-/// 1000 for the first button, 1001 for the second, ...
-int Ask(const char* message, const std::vector<const char*>& titles) {
-    const auto text = [](const char* bytes) {
-        return CFStringCreateWithCString(kCFAllocatorDefault, bytes, kCFStringEncodingUTF8);
-    };
-    const id alert = Send<id>(Send<id>(reinterpret_cast<id>(objc_getClass("NSAlert")), "alloc"), "init");
-    const CFStringRef shown = text(message);
+/// 1 for the first button, 2 for the second, ...
+std::uint32_t Ask(const char* message, const std::vector<const char*>& titles) {
+    const id alert = NewAlert();
+    const CFStringRef shown = NewText(message);
     Send<void>(alert, "setMessageText:", shown);
     CFRelease(shown);
     for (const char* title : titles) {
-        const CFStringRef button = text(title);
-        Send<id>(alert, "addButtonWithTitle:", button);
+        const CFStringRef button = NewText(title);
+        Send(alert, "addButtonWithTitle:", button);
         CFRelease(button);
     }
-    const int answer = static_cast<int>(Send<long>(alert, "runModal"));
+    const long answer = Send<long>(alert, "runModal");
     Send<void>(alert, "release");
-    return answer;
+    return static_cast<std::uint32_t>(answer - 999);
 }
 
 void SetErrorFlags(char* block, std::uint32_t flags) { std::memcpy(block + 8, &flags, sizeof flags); }
@@ -79,81 +59,54 @@ void Write(const char* path, const char* text) {
     while (true) pause();
 }
 
-void Deliver(char* block) {
-    std::int32_t order = 0;
-    std::memcpy(&order, block + 4, sizeof order);
-    switch (order) {
-    case Crash:
-        std::raise(SIGSEGV);
-        break;
-    case Hang:
-        WaitForEver();
-    case ThrowException:
-        throw std::runtime_error("no good");
-    case ThrowNumber:
-        throw 42;
-    case Exit:
-        _exit(7);
-    case SetErrorBit:
-        SetErrorFlags(block, 1);
-        break;
-    case WriteBesideErrorFlags:
-        block[20] = block[613] = 'x';
-        break;
-    case Print:
-        std::puts("printed by the bundle");
-        std::fflush(stdout);
-        break;
-    case LeaveProcessBehind:
-        if (fork() == 0) {
-            setsid(); // out of the host's reach, but for what the kernel knows of its ancestors
-            if (fork() == 0) WaitForEver();
-            _exit(0);
-        }
-        break;
-    case CloseEverything:
-        for (int i = 0; i < 1024; ++i) close(i);
-        break;
-    case SignalHost:
-        kill(getppid(), SIGTERM);
-        WaitForEver();
-    case AskYesNo:
-        SetErrorFlags(block, Ask("Go on?", {"Yes", "No"}) == 1001 ? 0x10000 : 0);
-        break;
-    case AskForEver:
-        while (true) Ask("Go on?", {"Yes", "No"});
-    case LeakString:
-        CFStringCreateWithCString(kCFAllocatorDefault, "left behind", kCFStringEncodingUTF8);
-        break;
-    case ChangeFiles:
+/// Out of the host's reach, but for what the kernel knows of its ancestors.
+void LeaveAProcess() {
+    if (fork() != 0) return;
+    setsid();
+    if (fork() == 0) WaitForEver();
+    _exit(0);
+}
+
+void DoToTheHost(Order order) {
+    if (order == Crash) std::raise(SIGSEGV);
+    if (order == Hang) WaitForEver();
+    if (order == ThrowException) throw std::runtime_error("no good");
+    if (order == ThrowNumber) throw 42;
+    if (order == Exit) _exit(7);
+    if (order == Print) std::fflush((std::puts("printed by the bundle"), stdout));
+    if (order == LeaveProcessBehind) LeaveAProcess();
+    for (int i = 0; i < 1024 && order == CloseEverything; ++i) close(i);
+    if (order == SignalHost) kill(getppid(), SIGTERM);
+    if (order == SignalHost) WaitForEver();
+    while (order == AskForEver) Ask("Go on?", {"Yes", "No"});
+    if (order == LeakString) NewText("left behind");
+    if (order == WriteBrokenList) Write("/Library/Preferences/com.example.broken.plist", "not a list");
+    if (order == ChangeFiles) {
         Write("/Users/new \x1B.txt", "new");
         chmod("/Library/old.txt", 0600);
         std::remove("/Library/gone.txt");
-        break;
-    case WriteBrokenList:
-        Write("/Library/Preferences/com.example.broken.plist", "not a list");
-        break;
-    case ReadStandardInput:
-        SetErrorFlags(block, std::getchar() == EOF ? 0 : 1);
-        break;
-    case AskButtons: {
-        std::vector<const char*> titles{"OK", "Cancel", "Retry", "Cancel"};
-        titles.resize(static_cast<unsigned char>(block[610]), "Again");
-        SetErrorFlags(block, static_cast<std::uint32_t>(Ask("Go?", titles) - 999) << 16);
-        break;
     }
-    case AskOddTitles: {
-        const char* const message = "--version <b>&amp;</b>\n\\x5F $(false) \x1B";
-        const int answer = Ask(message, {"gtk-ok", "A_B:7", "x!y!z", "--help"});
-        SetErrorFlags(block, static_cast<std::uint32_t>(answer - 999) << 16);
-        break;
-    }
-    case ShowStopAlert:
+}
+
+void DoToTheBlock(Order order, char* block) {
+    std::vector<const char*> titles{"OK", "Cancel", "Retry", "Cancel"};
+    titles.resize(order == AskButtons ? static_cast<unsigned char>(block[610]) : 0, "Again");
+    const char* const odd = "--version <b>&amp;</b>\n\\x5F $(false) \x1B";
+    if (order == SetErrorBit) SetErrorFlags(block, 1);
+    if (order == WriteBesideErrorFlags) block[20] = block[613] = 'x';
+    if (order == AskYesNo) SetErrorFlags(block, Ask("Go on?", {"Yes", "No"}) == 2 ? 0x10000 : 0);
+    if (order == AskButtons) SetErrorFlags(block, Ask("Go?", titles) << 16);
+    if (order == AskOddTitles) SetErrorFlags(block, Ask(odd, {"gtk-ok", "A_B:7", "x!y!z", "--help"}) << 16);
+    if (order == ReadStandardInput) SetErrorFlags(block, std::getchar() == EOF ? 0 : 1);
+    if (order == ShowStopAlert)
         SetErrorFlags(block, static_cast<std::uint32_t>(StopAlert(5000, nullptr)) << 16);
-        break;
-    default:
-        break;
-    }
+}
+
+void Deliver(char* block) {
+    Order order = Nothing;
+    std::memcpy(&order, block + 4, sizeof order);
+    DoToTheHost(order);
+    DoToTheBlock(order, block);
 }
 
 struct FunctionBlock {

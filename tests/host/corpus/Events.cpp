@@ -1,9 +1,7 @@
 // What is made of a call: its message, its block, the alerts and the error bit of a refusal.
 
 #include "PlugIn.h"
-
-#include <objc/message.h>
-#include <objc/runtime.h>
+#include "SendMessage.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -19,12 +17,6 @@ bool isStopSeen = false;
 bool IsSelector(std::uint16_t selector) { return selector == 1000; }
 
 void SetErrorBit(Block& block) { block.SetFlags(block.Flags() | 1); }
-
-template <typename Result, typename... Arguments>
-Result Send(id receiver, const char* selector, Arguments... arguments) {
-    using Function = Result (*)(id, SEL, Arguments...);
-    return reinterpret_cast<Function>(&objc_msgSend)(receiver, sel_registerName(selector), arguments...);
-}
 
 void ShowStopAlert() {
     if (Is("StopAlertMissing")) return;
@@ -94,12 +86,12 @@ void ShowAlert() {
     if (Is("AlertMissing")) return;
     if (Is("CrashInAlert")) std::raise(SIGABRT);
     const CFStringRef text = NewText("Unable to set post install option keys.");
-    const id alert = Send<id>(Send<id>(reinterpret_cast<id>(objc_getClass("NSAlert")), "alloc"), "init");
+    const id alert = NewAlert();
     Send<void>(alert, "setMessageText:", text);
     if (text) CFRelease(text);
     if (Is("AlertWithChoice")) {
-        Send<id>(alert, "addButtonWithTitle:", CFSTR("OK"));
-        Send<id>(alert, "addButtonWithTitle:", CFSTR("Cancel"));
+        Send(alert, "addButtonWithTitle:", CFSTR("OK"));
+        Send(alert, "addButtonWithTitle:", CFSTR("Cancel"));
     }
     Send<long>(alert, "runModal");
     Send<void>(alert, "release");

@@ -1,18 +1,23 @@
-#include "ScarceMemory.h"
+#include "Allocations.h"
 
 #include <cstdint>
 #include <cstdlib>
 #include <new>
 
-// The operators stand in a file of their own: a compiler that sees both them and a use of them would take the
-// pair for a mismatch.
+// In a file of its own: a compiler that sees both these and a use of them would take the pair for a mismatch.
 
-static std::size_t limit = SIZE_MAX;
+namespace {
+std::size_t count = 0;
+std::size_t limit = SIZE_MAX;
+} // namespace
+
+std::size_t allocationCount() { return count; }
 
 ScarceMemory::ScarceMemory(std::size_t largestBlock) { limit = largestBlock; }
 ScarceMemory::~ScarceMemory() { limit = SIZE_MAX; }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    ++count;
     return size <= limit ? std::malloc(size ? size : 1) : nullptr;
 }
 void* operator new(std::size_t size) {

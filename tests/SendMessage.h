@@ -1,0 +1,13 @@
+#pragma once
+
+#include <objc/message.h>
+#include <objc/runtime.h>
+
+/// Sends an Objective-C message.
+template <typename Result = id, typename... Arguments>
+Result Send(id receiver, const char* message, Arguments... arguments) {
+    const auto send = reinterpret_cast<Result (*)(id, SEL, Arguments...)>(&objc_msgSend);
+    return send(receiver, sel_registerName(message), arguments...);
+}
+
+inline id NewAlert() { return Send(Send(objc_getClass("NSAlert"), "alloc"), "init"); }

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <Carbon/Carbon.h>
+
+#include <cstring>
+#include <string>
+
+inline OSStatus MakeRef(const std::string& path, FSRef& ref) {
+    return FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), &ref, nullptr);
+}
+
+/// Sets the sixteen bytes, a FileInfo or FolderInfo.
+template <typename Info>
+OSStatus SetFinderInfo(const std::string& path, const Info& info) {
+    FSRef ref;
+    FSCatalogInfo catalog{};
+    if (const OSStatus result = MakeRef(path, ref)) return result;
+    std::memcpy(catalog.finderInfo, &info, sizeof info);
+    return FSSetCatalogInfo(&ref, kFSCatInfoFinderInfo, &catalog);
+}
