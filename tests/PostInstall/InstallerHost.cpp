@@ -1,6 +1,6 @@
 #include "InstallerHost.h"
+#include "NewText.h"
 
-#include <Carbon/Carbon.h>
 #include <macplatform/Alerts.h>
 #include <macplatform/Bundles.h>
 #include <macplatform/Journal.h>
@@ -18,12 +18,9 @@ struct LoadedPlugIn {
 };
 
 LoadedPlugIn load(const CFUUIDBytes& typeBytes) {
-    const CFStringRef path =
-        CFStringCreateWithCString(kCFAllocatorDefault, PLUGIN_BUNDLE, kCFStringEncodingUTF8);
-    const CFURLRef url = CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path, kCFURLPOSIXPathStyle, true);
+    const CFURLRef url = NewURL(PLUGIN_BUNDLE);
     const CFPlugInRef plugIn = CFPlugInCreate(kCFAllocatorDefault, url);
     CFRelease(url);
-    CFRelease(path);
     if (!plugIn) throw std::runtime_error(macplatform::LastBundleFailure().text);
 
     const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, typeBytes);

@@ -15,7 +15,7 @@ namespace {
 
 struct WrongUsage {
     const char* name;
-    std::vector<std::string> arguments; ///< "BUNDLE" stands for a good one, "SHORT" for a file of 613 bytes.
+    const char* order; ///< "BUNDLE" stands for a good one, "SHORT" for a file of 613 bytes.
     std::string told;
 };
 
@@ -25,11 +25,10 @@ TEST_P(AWrongUsage, IsOneLineOnStandardErrorAndNothingElse) {
     const TestBundle bundle;
     const TemporaryFolder files;
     const std::string shortFile = files.Write("short", std::string(613, '\0'));
-    std::vector<std::string> arguments = GetParam().arguments;
-    for (std::string& argument : arguments) {
-        if (argument == "BUNDLE") argument = bundle.Path();
-        if (argument == "SHORT") argument = shortFile;
-    }
+    std::vector<std::string> arguments;
+    std::istringstream words(GetParam().order);
+    for (std::string word; words >> word;)
+        arguments.push_back(word == "BUNDLE" ? bundle.Path() : word == "SHORT" ? shortFile : word);
     const HostTool run = RunHost(arguments);
     EXPECT_EQ(run.ExitStatus(), 2);
     EXPECT_EQ(run.out, "");
@@ -45,26 +44,24 @@ TEST_P(AWrongUsage, IsOneLineOnStandardErrorAndNothingElse) {
 INSTANTIATE_TEST_SUITE_P(
     Command, AWrongUsage,
     testing::ValuesIn(std::vector<WrongUsage>{
-        {"UnknownOption", {"run", "BUNDLE", "--product", "1", "--bogus"}, "--bogus"},
-        {"NoProduct", {"run", "BUNDLE"}, "--product"},
-        {"ProductIsNoNumber", {"run", "BUNDLE", "--product", "12x"}, "--product: \"12x\""},
-        {"ProductIsTooLarge", {"run", "BUNDLE", "--product", "2147483648"}, "--product: \"2147483648\""},
-        {"MessageIsNegative", {"run", "BUNDLE", "--product", "1", "--message", "-1"}, "--message"},
-        {"UnknownEvent", {"run", "BUNDLE", "--product", "1", "--event", "mid"}, "--event: \"mid\""},
-        {"TimeoutIsZero", {"run", "BUNDLE", "--product", "1", "--timeout", "0"}, "--timeout: \"0\""},
-        {"TimeoutIsNaN", {"run", "BUNDLE", "--product", "1", "--timeout", "nan"}, "--timeout: \"nan\""},
-        {"VolumeIsMissing", {"run", "BUNDLE", "--product", "1", "--volume", "/nowhere"}, "/nowhere"},
-        {"VolumeIsAFile", {"run", "BUNDLE", "--product", "1", "--volume", "SHORT"}, "not a folder"},
-        {"VolumeIsThisMachine",
-         {"run", "BUNDLE", "--product", "1", "--volume", "/"},
-         "/: this machine's own root"},
-        {"ShownVolumeIsMissing", {"show", "--volume", "/nowhere"}, "/nowhere"},
-        {"BlockIsMissing", {"run", "BUNDLE", "--block", "/nowhere"}, "/nowhere"},
-        {"BlockIsShort", {"run", "BUNDLE", "--block", "SHORT"}, "613 bytes"},
-        {"BlockIsADevice", {"run", "BUNDLE", "--block", "/dev/zero"}, "/dev/zero: not a file"},
-        {"BlockAndProduct", {"run", "BUNDLE", "--block", "SHORT", "--product", "1"}, "--product and --block"},
-        {"DryRunOfNothing", {"run", "BUNDLE", "--product", "1", "--dry-run"}, "--dry-run needs --volume"},
-        {"DirectOtherMessage", {"run", "BUNDLE", "--product", "1", "--direct", "--message", "4"}, "--direct"},
+        {"UnknownOption", "run BUNDLE --product 1 --bogus", "--bogus"},
+        {"NoProduct", "run BUNDLE", "--product"},
+        {"ProductIsNoNumber", "run BUNDLE --product 12x", "--product: \"12x\""},
+        {"ProductIsTooLarge", "run BUNDLE --product 2147483648", "--product: \"2147483648\""},
+        {"MessageIsNegative", "run BUNDLE --product 1 --message -1", "--message"},
+        {"UnknownEvent", "run BUNDLE --product 1 --event mid", "--event: \"mid\""},
+        {"TimeoutIsZero", "run BUNDLE --product 1 --timeout 0", "--timeout: \"0\""},
+        {"TimeoutIsNaN", "run BUNDLE --product 1 --timeout nan", "--timeout: \"nan\""},
+        {"VolumeIsMissing", "run BUNDLE --product 1 --volume /nowhere", "/nowhere"},
+        {"VolumeIsAFile", "run BUNDLE --product 1 --volume SHORT", "not a folder"},
+        {"VolumeIsThisMachine", "run BUNDLE --product 1 --volume /", "/: this machine's own root"},
+        {"ShownVolumeIsMissing", "show --volume /nowhere", "/nowhere"},
+        {"BlockIsMissing", "run BUNDLE --block /nowhere", "/nowhere"},
+        {"BlockIsShort", "run BUNDLE --block SHORT", "613 bytes"},
+        {"BlockIsADevice", "run BUNDLE --block /dev/zero", "/dev/zero: not a file"},
+        {"BlockAndProduct", "run BUNDLE --block SHORT --product 1", "--product and --block"},
+        {"DryRunOfNothing", "run BUNDLE --product 1 --dry-run", "--dry-run needs --volume"},
+        {"DirectOtherMessage", "run BUNDLE --product 1 --direct --message 4", "--direct"},
     }),
     [](const auto& row) { return row.param.name; });
 

@@ -117,36 +117,29 @@ HostTool RunWith(const std::string& person, std::vector<std::string> arguments,
     return RunHost(arguments, {}, scratch);
 }
 
-struct Row {
-    const char* name;
-    std::string program;
-    int buttons;
-    int clicked;
-};
+using Row = std::tuple<const char*, std::pair<int, int>>;
 
 class AWindow : public testing::TestWithParam<Row> {};
 
 TEST_P(AWindow, AnswersTheButtonThatIsClicked) {
+    const auto& [program, clicked] = GetParam();
     const Desktop desktop;
-    const Installed installed({GetParam().program});
-    const HostTool run = RunWith(Click(GetParam().clicked, GetParam().buttons),
-                                 {"18", "--language", std::to_string(GetParam().buttons)});
-    EXPECT_THAT(run.out, HasSubstr("0x00000000 -> 0x000" + std::to_string(GetParam().clicked + 1) + "0000"))
+    const Installed installed({program});
+    const HostTool run =
+        RunWith(Click(clicked.second, clicked.first), {"18", "--language", std::to_string(clicked.first)});
+    EXPECT_THAT(run.out, HasSubstr("0x00000000 -> 0x000" + std::to_string(clicked.second + 1) + "0000"))
         << run.out << run.err;
 }
 
+/// How many buttons, and which is clicked.
+const std::pair<int, int> clicks[] = {{1, 0}, {2, 1}, {3, 1}, {4, 1}, {4, 3}};
+std::string NameOf(const testing::TestParamInfo<Row>& row) {
+    const auto& [program, clicked] = row.param;
+    return program + ("Of" + std::to_string(clicked.first)) + "Click" + std::to_string(clicked.second + 1);
+}
 INSTANTIATE_TEST_SUITE_P(Desktop, AWindow,
-                         testing::ValuesIn(std::vector<Row>{{"YadOneButton", "yad", 1, 0},
-                                                            {"YadTwoButtons", "yad", 2, 1},
-                                                            {"YadThreeButtons", "yad", 3, 1},
-                                                            {"YadFourButtonsSecond", "yad", 4, 1},
-                                                            {"YadFourButtonsLast", "yad", 4, 3},
-                                                            {"ZenityOneButton", "zenity", 1, 0},
-                                                            {"ZenityTwoButtons", "zenity", 2, 1},
-                                                            {"ZenityThreeButtons", "zenity", 3, 1},
-                                                            {"ZenityFourButtonsSecond", "zenity", 4, 1},
-                                                            {"ZenityFourButtonsLast", "zenity", 4, 3}}),
-                         [](const auto& row) { return row.param.name; });
+                         testing::Combine(testing::Values("yad", "zenity"), testing::ValuesIn(clicks)),
+                         NameOf);
 
 class AnyProgram : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Desktop, AnyProgram, testing::Values("yad", "zenity"),

@@ -30,15 +30,9 @@ std::vector<pid_t> DescendantsOf(pid_t process) {
 /// Runs a bundle that starts a process of another session and hangs; answers the tool's process when all of
 /// its processes are there, and those.
 pid_t StartHanging(const std::string& bundle, const std::string& scratch, std::vector<pid_t>& descendants) {
-    std::fflush(nullptr);
-    const pid_t tool = fork();
-    if (tool == 0) {
-        setenv("TMPDIR", scratch.c_str(), 1);
-        if (!std::freopen("/dev/null", "w", stdout) || !std::freopen("/dev/null", "w", stderr)) _exit(127);
-        execl(XCODHOST, XCODHOST, "validate", bundle.c_str(), "--include", "dispatch.post-install",
-              "--timeout", "600", nullptr);
-        _exit(127);
-    }
+    const pid_t tool =
+        StartHost({"validate", bundle, "--include", "dispatch.post-install", "--timeout", "600"},
+                  {"/dev/null", "/dev/null", "/dev/null"}, scratch);
     constexpr std::size_t workerCheckAndLeftBehind = 3;
     while (descendants.size() < workerCheckAndLeftBehind && waitpid(tool, nullptr, WNOHANG) == 0) {
         descendants = DescendantsOf(tool);

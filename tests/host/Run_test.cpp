@@ -16,19 +16,13 @@ using testing::StartsWith;
 
 namespace {
 
-std::vector<std::string> RunArguments(const std::string& bundle, const std::vector<std::string>& more) {
-    std::vector<std::string> arguments{"run", bundle};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return arguments;
-}
-
 std::string Call(const std::string& product) {
     return "XCodMain(selector 1000, message 2 (pre-install), product " + product + ", language 0)";
 }
 
 struct Misdeed {
     const char* name;
-    std::vector<std::string> arguments;
+    const char* options;
     int status;
     std::string verdict;
 };
@@ -38,7 +32,7 @@ class AMisdeed : public testing::TestWithParam<Misdeed> {};
 TEST_P(AMisdeed, IsToldWithTheCallAndTheStatus) {
     const TestBundle bundle;
     const TemporaryFolder scratch;
-    const HostTool run = RunHost(RunArguments(bundle.Path(), GetParam().arguments), {}, scratch.Path());
+    const HostTool run = RunHostWith({"run", bundle.Path()}, GetParam().options, scratch.Path());
     EXPECT_EQ(run.Verdict(), GetParam().verdict) << run.out << run.err;
     EXPECT_EQ(run.ExitStatus(), GetParam().status);
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Path())) << "the scratch volume is left";
@@ -47,31 +41,21 @@ TEST_P(AMisdeed, IsToldWithTheCallAndTheStatus) {
 INSTANTIATE_TEST_SUITE_P(
     Run, AMisdeed,
     testing::ValuesIn(std::vector<Misdeed>{
-        {"None", {"--product", "0"}, 0, "DONE 0 changes"},
-        {"Crash", {"--product", "1"}, 4, "FAIL crashed in " + Call("1") + ": SIGSEGV (Segmentation fault)"},
-        {"CrashWhenDirect",
-         {"--product", "1", "--direct", "--event", "pre"},
-         4,
+        {"None", "--product 0", 0, "DONE 0 changes"},
+        {"Crash", "--product 1", 4, "FAIL crashed in " + Call("1") + ": SIGSEGV (Segmentation fault)"},
+        {"CrashWhenDirect", "--product 1 --direct --event pre", 4,
          "FAIL crashed in PreInstall(selector 1000, message 2 (pre-install), product 1, language 0): "
          "SIGSEGV (Segmentation fault)"},
-        {"Hang", {"--product", "2", "--timeout", "0.2"}, 5, "FAIL no return within 0.2 s in " + Call("2")},
-        {"Exception",
-         {"--product", "3"},
-         4,
-         "FAIL exception std::runtime_error \"no good\" left " + Call("3")},
-        {"ThrownNumber", {"--product", "4"}, 4, "FAIL exception int left " + Call("4")},
-        {"Exit", {"--product", "5"}, 4, "FAIL ended the process in " + Call("5") + ": exit status 7"},
-        {"ErrorBit", {"--product", "6"}, 1, "FAIL error bit set by pre-install (0 changes)"},
-        {"ErrorBitOfPostInstall",
-         {"--product", "6", "--event", "post"},
-         1,
+        {"Hang", "--product 2 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + Call("2")},
+        {"Exception", "--product 3", 4, "FAIL exception std::runtime_error \"no good\" left " + Call("3")},
+        {"ThrownNumber", "--product 4", 4, "FAIL exception int left " + Call("4")},
+        {"Exit", "--product 5", 4, "FAIL ended the process in " + Call("5") + ": exit status 7"},
+        {"ErrorBit", "--product 6", 1, "FAIL error bit set by pre-install (0 changes)"},
+        {"ErrorBitOfPostInstall", "--product 6 --event post", 1,
          "FAIL error bit set by post-install (0 changes)"},
-        {"ProcessLeftBehind", {"--product", "9"}, 0, "DONE 0 changes"},
-        {"AlertsWithoutEnd",
-         {"--product", "13", "--timeout", "0.2"},
-         5,
-         "FAIL no return within 0.2 s in " + Call("13")},
-        {"StandardInputIsEmpty", {"--product", "17"}, 0, "DONE 0 changes"},
+        {"ProcessLeftBehind", "--product 9", 0, "DONE 0 changes"},
+        {"AlertsWithoutEnd", "--product 13 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + Call("13")},
+        {"StandardInputIsEmpty", "--product 17", 0, "DONE 0 changes"},
     }),
     [](const auto& row) { return row.param.name; });
 
@@ -200,42 +184,6 @@ TEST(Run, DescribesEachEndInJson) {
     EXPECT_EQ(end("3"), json({{"kind", "exception"}, {"type", "std::runtime_error"}, {"what", "no good"}}));
     EXPECT_EQ(end("5"), json({{"kind", "exit"}, {"code", 7}}));
 }
-
-struct Unloadable {
-    const char* name;
-    std::string infoList;
-    std::string code;
-    std::string reason;
-    std::string told; ///< In the one line on standard error.
-};
-
-class AnUnloadableBundle : public testing::TestWithParam<Unloadable> {};
-
-TEST_P(AnUnloadableBundle, IsRefusedWithItsReason) {
-    const TestBundle bundle(GetParam().infoList, GetParam().code);
-    const HostTool run = RunHost({"run", bundle.Path(), "--product", "0"});
-    EXPECT_EQ(run.ExitStatus(), 3);
-    EXPECT_EQ(run.out, "FAIL not loaded (" + GetParam().reason + ")\n");
-    EXPECT_THAT(run.err, HasSubstr(bundle.Path()));
-    EXPECT_THAT(run.err, HasSubstr(GetParam().told));
-    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Run, AnUnloadableBundle,
-    testing::ValuesIn(std::vector<Unloadable>{
-        {"NoList", "", "plug-in", "no-bundle", "Test.bundle"},
-        {"BrokenList", "<plist><dict>", "plug-in", "broken-property-list", "Info.plist"},
-        {"NoFactories", "<plist version=\"1.0\"><dict/></plist>", "plug-in", "missing-key", "Test.bundle"},
-        {"OtherType", InfoList("Make", "A0A0A0A0-0000-4000-8000-00000000000F"), "plug-in", "missing-key",
-         "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8"},
-        {"NoExecutable", InfoList("Make"), "", "no-executable", "Linux/Test"},
-        {"TextForCode", InfoList("Make"), "#!/bin/sh\n", "wrong-architecture", "Linux/Test"},
-        {"NoSuchFunction", InfoList("Absent"), "plug-in", "symbol-missing", "Absent"},
-        {"NullFromFactory", InfoList("MakeNothing"), "plug-in", "factory-refused", "answered null"},
-        {"NoInterface", InfoList("MakeRefusing"), "plug-in", "interface-refused", "(0x80000004)"},
-    }),
-    [](const auto& row) { return row.param.name; });
 
 TEST(Run, TellsACrashInTheFactory) {
     const TestBundle bundle(InfoList("MakeCrash"));

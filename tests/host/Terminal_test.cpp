@@ -80,13 +80,6 @@ TEST(Terminal, AsksAgainUntilAButtonIsNamed) {
     EXPECT_THAT(run.Report(), HasSubstr("[Yes] [No]: No\n"));
 }
 
-TEST(Terminal, TakesANumber) {
-    TerminalRun run;
-    run.ShownUntil(kPrompt);
-    run.Type("2\n");
-    EXPECT_THAT(run.Report(), HasSubstr("[Yes] [No]: No\n"));
-}
-
 TEST(Terminal, TakesTheEndOfTheInputAsNotShown) {
     TerminalRun run;
     run.ShownUntil(kPrompt);

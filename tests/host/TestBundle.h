@@ -1,23 +1,10 @@
 #pragma once
 
+#include "InfoList.h"
 #include "TemporaryFolder.h"
 
 #include <filesystem>
 #include <string>
-
-/// The property list of a plug-in whose factory is `factory`.
-inline std::string InfoList(const std::string& factory,
-                            const std::string& type = "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8",
-                            const std::string& executable = "Test") {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
-           "<key>CFBundleExecutable</key><string>" +
-           executable +
-           "</string><key>CFPlugInDynamicRegistration</key><string>NO</string>"
-           "<key>CFPlugInFactories</key><dict><key>A0A0A0A0-0000-4000-8000-000000000001</key><string>" +
-           factory + "</string></dict><key>CFPlugInTypes</key><dict><key>" + type +
-           "</key><array><string>A0A0A0A0-0000-4000-8000-000000000001</string></array></dict></dict></"
-           "plist>\n";
-}
 
 /// A bundle around the test plug-in's code, in a folder of its own. An empty text leaves the file out;
 /// "plug-in" stands for that code.
@@ -48,7 +35,7 @@ private:
 class CorpusBundle : public TestBundle {
 public:
     explicit CorpusBundle(const std::string& fault, const std::string& factory = "MyFactory")
-        : TestBundle(InfoList(factory, "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8", fault), "") {
+        : TestBundle(InfoList(factory, pluginType, fault), "") {
         const std::string own = std::string(CORPUS) + '/' + fault;
         Link(std::filesystem::exists(own) ? own : CORPUS "/PlugIn", fault);
     }

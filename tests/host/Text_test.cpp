@@ -14,8 +14,3 @@ TEST(DisplayText, EscapesWhatATerminalObeysAndWhatIsNoUtf8) {
     EXPECT_EQ(Printable("\xF4\x90\x80\x80"), "\\xF4\\x90\\x80\\x80") << "above U+10FFFF";
     EXPECT_EQ(Printable("a\xE6\x97"), "a\\xE6\\x97") << "cut off";
 }
-
-TEST(DisplayText, CountsInWords) {
-    EXPECT_EQ(Counted(0, "change"), "0 changes");
-    EXPECT_EQ(Counted(1, "change"), "1 change");
-}

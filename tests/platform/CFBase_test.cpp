@@ -3,6 +3,7 @@
 #include <macplatform/Journal.h>
 #include <macplatform/LiveObjects.h>
 
+#include "NewText.h"
 #include "platform/ToldCalls.h"
 
 #include <gmock/gmock.h>
@@ -14,10 +15,6 @@ using macplatform::LiveObjectCount;
 using testing::ElementsAre;
 
 namespace {
-
-CFStringRef NewText(const char* text) {
-    return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
-}
 
 TEST(Objects, CountReferencesUntilTheLastFrees) {
     const std::size_t before = LiveObjectCount();

@@ -66,10 +66,7 @@ TEST(String, IsDecodedFromUtf8Strictly) {
         {"WrongContinuation", "\xE2\x82(", refused},
         {"LeadAsContinuation", "\xC3\xC3", refused},
         {"StrayContinuation", "a\x80", refused},
-        {"LoneA9",
-         "\xA9"
-         "2\xA9",
-         Units{0xFFFD, '2', 0xFFFD}},
+        {"LoneA9", "\2512\xA9", Units{0xFFFD, '2', 0xFFFD}},
         {"A9AsContinuation", "\xC2\xA9", Units{0xA9}},
         {"LeadingByteOrderMark", "\xEF\xBB\xBFx", Units{'x'}},
         {"ByteOrderMarkAlone", "\xEF\xBB\xBF", Units{}},

@@ -4,6 +4,7 @@
 
 #include "CommandOutput.h"
 #include "InChild.h"
+#include "NewText.h"
 #include "TemporaryFolder.h"
 #include "platform/FinderItem.h"
 #include "platform/ToldCalls.h"
@@ -243,12 +244,10 @@ TEST_F(FinderInfoTest, FSPathMakeRefSaysWhatIsWrong) {
 }
 
 Boolean RefOfUrl(const char* path) {
-    const CFStringRef text = CFStringCreateWithCString(kCFAllocatorDefault, path, kCFStringEncodingUTF8);
-    const CFURLRef url = CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text, kCFURLPOSIXPathStyle, 1);
+    const CFURLRef url = NewURL(path);
     FSRef ref;
     const Boolean found = CFURLGetFSRef(url, &ref);
     CFRelease(url);
-    CFRelease(text);
     return found;
 }
 

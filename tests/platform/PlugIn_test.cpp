@@ -4,36 +4,24 @@
 #include <macplatform/LiveObjects.h>
 #include <macplatform/StartupVolume.h>
 
+#include "InfoList.h"
+#include "NewText.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-using macplatform::BundleFault;
 using macplatform::LastBundleFailure;
 
 namespace {
 
-const char typeText[] = "11111111-2222-3333-4444-555555555555";
-const char factoryText[] = "AAAAAAAA-2222-3333-4444-555555555555";
-constexpr CFUUIDBytes typeBytes = {0x11, 0x11, 0x11, 0x11, 0x22, 0x22, 0x33, 0x33,
-                                   0x44, 0x44, 0x55, 0x55, 0x55, 0x55, 0x55, 0x55};
-
-constexpr CFUUIDBytes factoryBytes = {0xAA, 0xAA, 0xAA, 0xAA, 0x22, 0x22, 0x33, 0x33,
-                                      0x44, 0x44, 0x55, 0x55, 0x55, 0x55, 0x55, 0x55};
-
-std::string InfoList(const std::string& function, const std::string& executable = "Sample") {
-    return std::string("<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>") + executable +
-           "</string><key>CFPlugInFactories</key><dict><key>" + factoryText + "</key><string>" + function +
-           "</string></dict><key>CFPlugInTypes</key><dict><key>" + typeText + "</key><array><string>" +
-           factoryText + "</string></array></dict></dict></plist>";
-}
+constexpr CFUUIDBytes typeBytes = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 0x4C, 0xA2,
+                                   0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8};
+constexpr CFUUIDBytes factoryBytes = {0xA0, 0xA0, 0xA0, 0xA0, 0, 0, 0x40, 0, 0x80, 0, 0, 0, 0, 0, 0, 1};
 
 CFPlugInRef Create(const std::filesystem::path& bundle) {
-    const CFStringRef path = CFStringCreateWithCString(nullptr, bundle.c_str(), kCFStringEncodingUTF8);
-    const CFURLRef url = CFURLCreateWithFileSystemPath(nullptr, path, kCFURLPOSIXPathStyle, true);
+    const CFURLRef url = NewURL(bundle);
     const CFPlugInRef plugIn = CFPlugInCreate(nullptr, url);
     CFRelease(url);
-    CFRelease(path);
     return plugIn;
 }
 
@@ -60,7 +48,7 @@ protected:
     void WriteInfo(const std::string& list) { folder.Write("Sample.bundle/Contents/Info.plist", list); }
     void CopyCode() {
         std::filesystem::create_directories(bundle / "Contents/Linux");
-        std::filesystem::copy(SAMPLE_BUNDLE_CODE, bundle / "Contents/Linux/Sample");
+        std::filesystem::copy(SAMPLE_BUNDLE_CODE, bundle / "Contents/Linux/Test");
     }
     void TearDown() override { EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore); }
 };
@@ -124,51 +112,4 @@ TEST_F(PlugIn, IsFoundOnTheStartupVolume) {
     macplatform::SetStartupVolume("");
     ASSERT_TRUE(plugIn) << LastBundleFailure().text;
     CFRelease(plugIn);
-}
-
-TEST_F(PlugIn, SaysWhyThereIsNone) {
-    struct Row {
-        const char* name;
-        std::string list;
-        bool code;
-        BundleFault fault;
-    };
-    const Row rows[] = {
-        {"factory answers null", InfoList("RefuseSample"), true, BundleFault::FactoryRefused},
-        {"no such function", InfoList("Missing"), true, BundleFault::SymbolMissing},
-        {"no code", InfoList("MakeSample"), false, BundleFault::NoExecutable},
-        {"name that leaves the bundle", InfoList("MakeSample", "../../x"), true, BundleFault::MissingKey},
-        {"broken list", "rubbish", true, BundleFault::BrokenList},
-        {"no dictionary", "<plist><string>x</string></plist>", true, BundleFault::BrokenList},
-        {"no tables", "<plist><dict/></plist>", true, BundleFault::MissingKey},
-    };
-    for (const Row& row : rows) {
-        std::filesystem::remove_all(bundle);
-        WriteInfo(row.list);
-        if (row.code) CopyCode();
-        const CFPlugInRef plugIn = Create(bundle);
-        EXPECT_FALSE(plugIn && MakeInstance(plugIn)) << row.name;
-        EXPECT_EQ(LastBundleFailure().fault, row.fault) << row.name << ": " << LastBundleFailure().text;
-        EXPECT_EQ(LastBundleFailure().text.find('\n'), std::string::npos);
-        if (plugIn) CFRelease(plugIn);
-    }
-    EXPECT_FALSE(Create(folder / "missing"));
-    EXPECT_EQ(LastBundleFailure().fault, BundleFault::NoBundle);
-}
-
-TEST_F(PlugIn, RefusesCodeForOthers) {
-    std::string elf = ReadBytes(SAMPLE_BUNDLE_CODE);
-    elf[18] = 8; // MIPS
-    const std::string files[] = {"#!/bin/sh\n", "",
-                                 std::string("\xCE\xFA\xED\xFE", 4) + std::string(60, '\0'), elf};
-    for (const std::string& code : files) {
-        std::filesystem::remove_all(bundle);
-        WriteInfo(InfoList("MakeSample"));
-        folder.Write("Sample.bundle/Contents/Linux/Sample", code);
-        const CFPlugInRef plugIn = Create(bundle);
-        ASSERT_TRUE(plugIn);
-        EXPECT_FALSE(MakeInstance(plugIn));
-        EXPECT_EQ(LastBundleFailure().fault, BundleFault::WrongArchitecture) << LastBundleFailure().text;
-        CFRelease(plugIn);
-    }
 }

@@ -1,18 +1,18 @@
 #pragma once
 
-#include <CoreFoundation/CoreFoundation.h>
+#include "NewText.h"
 
 /// Sets a text (null removes the key) for any user on the current host.
 inline void Set(const char* key, const char* value) {
-    const CFStringRef k = CFStringCreateWithCString(nullptr, key, kCFStringEncodingUTF8);
-    const CFStringRef v = value ? CFStringCreateWithCString(nullptr, value, kCFStringEncodingUTF8) : nullptr;
+    const CFStringRef k = NewText(key);
+    const CFStringRef v = value ? NewText(value) : nullptr;
     CFPreferencesSetValue(k, v, CFSTR("com.example.app"), kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
     CFRelease(k);
     if (v) CFRelease(v);
 }
 
 inline void SetNumber(const char* key, int value) {
-    const CFStringRef k = CFStringCreateWithCString(nullptr, key, kCFStringEncodingUTF8);
+    const CFStringRef k = NewText(key);
     const CFNumberRef v = CFNumberCreate(nullptr, kCFNumberIntType, &value);
     CFPreferencesSetValue(k, v, CFSTR("com.example.app"), kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
     CFRelease(k);

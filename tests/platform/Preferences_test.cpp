@@ -124,10 +124,7 @@ TEST_F(Preferences, LeaveAloneWhatTheyCannotRead) {
 }
 
 TEST_F(Preferences, LeaveAloneWhatTheyCannotWriteAgain) {
-    const std::string aSet("\xC1\x03"), loneSurrogate("\x61\xD8\x00", 3),
-        nul("\x52"
-            "a\0",
-            3),
+    const std::string aSet("\xC1\x03"), loneSurrogate("\x61\xD8\x00", 3), nul("\122a\0", 3),
         notAscii("\x51\xE9");
     for (const std::string& object : {aSet, loneSurrogate, nul, notAscii}) {
         const std::string list = BinaryList({"\xD1\x01\x02", "\x51k", object, "\x09"});

@@ -83,11 +83,7 @@ TEST(Sysctl, KeepsErrnoWhateverTheObserverDoes) {
 }
 
 TEST(Machine, CountsProcessorsAndNanoseconds) {
-    SetProcessorCount(7);
-    EXPECT_EQ(MPProcessors(), 7U);
-    SetProcessorCount({});
     EXPECT_GE(MPProcessors(), 1U);
-
     mach_timebase_info_data_t base{};
     EXPECT_EQ(mach_timebase_info(&base), 0);
     EXPECT_EQ(base.numer, base.denom);

@@ -87,10 +87,8 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
     EXPECT_EQ(errorOf(BinaryList({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
               "an object in it holds itself");
     EXPECT_EQ(errorOf(BinaryList({"\xA1\x09", "\x09"})), "its binary form is damaged");
-    for (const std::string& key : {std::string("\x52"
-                                               "a\0",
-                                               3),
-                                   std::string("\x10\x07"), std::string("\x51\xE9")}) {
+    for (const std::string& key :
+         {std::string("\122a\0", 3), std::string("\x10\x07"), std::string("\x51\xE9")}) {
         EXPECT_EQ(errorOf(BinaryList({"\xD1\x01\x02", key, "\x09"})), "its binary form is damaged");
     }
     std::vector<std::string> doubling;
@@ -98,10 +96,7 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
     doubling.push_back("\x09");
     EXPECT_EQ(errorOf(BinaryList(doubling)), "it holds too many values");
 
-    const std::string whole = BinaryList({"\xD1\x01\x02",
-                                          "\x51"
-                                          "k",
-                                          "\xA2\x03\x03", "\x10\x07"});
+    const std::string whole = BinaryList({"\xD1\x01\x02", "\121k", "\xA2\x03\x03", "\x10\x07"});
     EXPECT_EQ(errorOf(whole), "");
     for (std::size_t length = 0; length < whole.size(); ++length) {
         EXPECT_NE(errorOf(whole.substr(0, length)), "") << length;

@@ -232,31 +232,29 @@ TEST(Convert, RoundsFloatsToShorts) {
         int scale;
         bool round;
         int expected;
-    } rows[] = {
-        {1.5f, 0, true, 2},
-        {-1.5f, 0, true, -2},
-        {2.4f, 0, true, 2},
-        {-0.0f, 0, true, 0},
-        {0.49999997f, 0, true, 1},
-        {32767.5f, 0, true, 32767},
-        {40000.0f, 0, true, 32767},
-        {-40000.0f, 0, true, -32768},
-        {nan, 0, true, -32768},
-        {3.0e9f, 0, true, -32768},
-        {infinity, 0, false, -32768},
-        {2147483520.0f, 0, false, 32767},
-        {1.9f, 0, false, 1},
-        {-1.9f, 0, false, -1},
-        {0.75f, -1, false, 1},
-        {-1.0f, -31, false, -32768},
-        {0.5f / 65536, 1, true, -16383},
-        {-0.5f / 65536, 1, true, 16383},
-        {3.0f, 32, false, 3},
-        {3.0f, -32, false, 3},
-        {0.5f / 65536, 2, false, 8192},
-        {5.0f, INT_MIN, false, 5},
-        {-5.0f, INT_MAX, false, -10},
-    };
+    } rows[] = {{1.5f, 0, true, 2},
+                {-1.5f, 0, true, -2},
+                {2.4f, 0, true, 2},
+                {-0.0f, 0, true, 0},
+                {0.49999997f, 0, true, 1},
+                {32767.5f, 0, true, 32767},
+                {40000.0f, 0, true, 32767},
+                {-40000.0f, 0, true, -32768},
+                {nan, 0, true, -32768},
+                {3.0e9f, 0, true, -32768},
+                {infinity, 0, false, -32768},
+                {2147483520.0f, 0, false, 32767},
+                {1.9f, 0, false, 1},
+                {-1.9f, 0, false, -1},
+                {0.75f, -1, false, 1},
+                {-1.0f, -31, false, -32768},
+                {0.5f / 65536, 1, true, -16383},
+                {-0.5f / 65536, 1, true, 16383},
+                {3.0f, 32, false, 3},
+                {3.0f, -32, false, 3},
+                {0.5f / 65536, 2, false, 8192},
+                {5.0f, INT_MIN, false, 5},
+                {-5.0f, INT_MAX, false, -10}};
     for (const auto& row : rows)
         EXPECT_EQ(converted<short>(row.value, row.scale, row.round), row.expected)
             << row.value << " " << row.scale;
@@ -268,27 +266,25 @@ TEST(Convert, RoundsFloatsToInts) {
         int scale;
         bool round;
         int expected;
-    } rows[] = {
-        {2147483520.0f, 0, true, 2147483520},
-        {2147483648.0f, 0, false, INT_MIN},
-        {-2147483648.0f, 0, true, INT_MIN},
-        {nan, 0, true, INT_MIN},
-        {nan, 3, false, INT_MIN},
-        {-2.5f, 0, true, -3},
-        {8388609.0f, 0, true, 8388610},
-        {8388609.0f, 0, false, 8388609},
-        {5.0f, 1, true, 3},
-        {5.0f, 1, false, 2},
-        {1.0f, -31, false, INT_MIN},
-        {-3.0e9f, 1, false, -1500000000},
-        {1.0f, INT_MIN, false, INT_MIN},
-        {0.0f, INT_MIN, false, INT_MIN},
-        {1e30f, INT_MAX, true, 0},
-        {infinity, INT_MAX, true, INT_MIN},
-        {FLT_MAX, 127, true, 2},
-        {denormal, -149, false, INT_MIN},
-        {denormal, -127, true, 0},
-    };
+    } rows[] = {{2147483520.0f, 0, true, 2147483520},
+                {2147483648.0f, 0, false, INT_MIN},
+                {-2147483648.0f, 0, true, INT_MIN},
+                {nan, 0, true, INT_MIN},
+                {nan, 3, false, INT_MIN},
+                {-2.5f, 0, true, -3},
+                {8388609.0f, 0, true, 8388610},
+                {8388609.0f, 0, false, 8388609},
+                {5.0f, 1, true, 3},
+                {5.0f, 1, false, 2},
+                {1.0f, -31, false, INT_MIN},
+                {-3.0e9f, 1, false, -1500000000},
+                {1.0f, INT_MIN, false, INT_MIN},
+                {0.0f, INT_MIN, false, INT_MIN},
+                {1e30f, INT_MAX, true, 0},
+                {infinity, INT_MAX, true, INT_MIN},
+                {FLT_MAX, 127, true, 2},
+                {denormal, -149, false, INT_MIN},
+                {denormal, -127, true, 0}};
     for (const auto& row : rows)
         EXPECT_EQ(converted<int>(row.value, row.scale, row.round), row.expected)
             << row.value << " " << row.scale;

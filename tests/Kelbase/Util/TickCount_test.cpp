@@ -25,22 +25,20 @@ kern_return_t mach_timebase_info(mach_timebase_info_t base) {
 namespace {
 
 TEST(TickCount, RoundsHalfAwayFromZeroAndWraps) {
-    const std::pair<double, unsigned int> rows[] = {
-        {0.0, 0},
-        {0.0004, 0},
-        {0.0625, 63},
-        {4294967.295, 4294967295U},
-        {4294967.296, 0},
-        {800000000.125, 1136083069U},
-        {-0.0004, 0},
-        {-0.0625, 4294967233U},
-        {-1.0, 4294966296U},
-        // no clock shows these: too large for 64 bits
-        {1e30, 0},
-        {-1e30, 0},
-        {std::numeric_limits<double>::infinity(), 0},
-        {std::numeric_limits<double>::quiet_NaN(), 0},
-    };
+    // No clock shows the last ones, which are too large for 64 bits.
+    const std::pair<double, unsigned int> rows[] = {{0.0, 0},
+                                                    {0.0004, 0},
+                                                    {0.0625, 63},
+                                                    {4294967.295, 4294967295U},
+                                                    {4294967.296, 0},
+                                                    {800000000.125, 1136083069U},
+                                                    {-0.0004, 0},
+                                                    {-0.0625, 4294967233U},
+                                                    {-1.0, 4294966296U},
+                                                    {1e30, 0},
+                                                    {-1e30, 0},
+                                                    {std::numeric_limits<double>::infinity(), 0},
+                                                    {std::numeric_limits<double>::quiet_NaN(), 0}};
     for (const auto& [seconds, millis] : rows) {
         now = seconds;
         EXPECT_EQ(Util::GetTickCountMillis(), millis) << seconds;

@@ -17,37 +17,34 @@ TEST(StringParse, ReadsWholeTextOrNothing) {
         bool ok;
         int value;
     };
-    const Row rows[] = {
-        {" 42 ", 10, true, 42},
-        {"4 2", 10, false, 0},
-        {"", 10, false, 0},
-        {"  ", 10, false, 0},
-        {"+7", 10, true, 7},
-        {"--7", 10, false, 0},
-        {"-", 10, false, 0},
-        {"ff", 16, true, 255},
-        {"FF", 16, true, 255},
-        {"0xff", 16, false, 0},
-        {"19", 8, false, 0},
-        {"zZ", 36, true, 1295},
-        {"2147483647", 10, true, INT_MAX},
-        {"2147483648", 10, false, 0},
-        {"-2147483648", 10, true, INT_MIN},
-        {"-2147483649", 10, false, 0},
-        {"4294967296", 10, false, 0},
-        {"1.0", 10, false, 0},
-        {"\xEF\xBC\x91\xEF\xBC\x92", 10, true, 12}, // full-width digits
-        {"\xE2\x88\x92"
-         "5",
-         10, true, -5}, // minus sign
-        {"5\xE9", 10, false, 0},
-        {"{", 36, false, 0},
-        {"0", 0, false, 0},
-        {"000", 1, true, 0}, // the one digit that base 1 has
-        {"1", 1, false, 0},
-        {"7", 37, false, 0},
-        {"7", UINT_MAX, false, 0},
-    };
+    // Full-width digits and the minus sign count; base 1 has the digit 0.
+    const Row rows[] = {{" 42 ", 10, true, 42},
+                        {"4 2", 10, false, 0},
+                        {"", 10, false, 0},
+                        {"  ", 10, false, 0},
+                        {"+7", 10, true, 7},
+                        {"--7", 10, false, 0},
+                        {"-", 10, false, 0},
+                        {"ff", 16, true, 255},
+                        {"FF", 16, true, 255},
+                        {"0xff", 16, false, 0},
+                        {"19", 8, false, 0},
+                        {"zZ", 36, true, 1295},
+                        {"2147483647", 10, true, INT_MAX},
+                        {"2147483648", 10, false, 0},
+                        {"-2147483648", 10, true, INT_MIN},
+                        {"-2147483649", 10, false, 0},
+                        {"4294967296", 10, false, 0},
+                        {"1.0", 10, false, 0},
+                        {"\xEF\xBC\x91\xEF\xBC\x92", 10, true, 12},
+                        {"\xE2\x88\2225", 10, true, -5},
+                        {"5\xE9", 10, false, 0},
+                        {"{", 36, false, 0},
+                        {"0", 0, false, 0},
+                        {"000", 1, true, 0},
+                        {"1", 1, false, 0},
+                        {"7", 37, false, 0},
+                        {"7", UINT_MAX, false, 0}};
     for (const Row& row : rows) {
         bool ok = !row.ok;
         EXPECT_EQ(String(row.text).ToInt(&ok, row.base), row.value) << row.text;
@@ -107,25 +104,21 @@ TEST_P(StringParseReal, TakesPointAndComma) {
         bool ok;
         double value;
     };
-    const Row rows[] = {
-        {"1,5", true, 1.5},
-        {"1.5", true, 1.5},
-        {" 2.5 ", true, 2.5},
-        {"1.000,5", false, 0},
-        {"1e3", true, 1000},
-        {"-0,25", true, -0.25},
-        {"", false, 0},
-        {"  ", false, 0},
-        {"1.5x", false, 0},
-        {"1.5 x", false, 0},
-        {"inf", true, INFINITY},
-        {"\xEF\xBC\x91\xE3\x80\x82\xEF\xBC\x92", true, 1.2}, // full-width digits, ideographic full stop
-        {"\xEF\xBC\x8D"
-         "1\xEF\xBC\x8E"
-         "5",
-         true, -1.5}, // full-width hyphen-minus and full stop
-        {"\xE9", false, 0},
-    };
+    // Full-width digits, hyphen-minus and full stop count, and the ideographic full stop.
+    const Row rows[] = {{"1,5", true, 1.5},
+                        {"1.5", true, 1.5},
+                        {" 2.5 ", true, 2.5},
+                        {"1.000,5", false, 0},
+                        {"1e3", true, 1000},
+                        {"-0,25", true, -0.25},
+                        {"", false, 0},
+                        {"  ", false, 0},
+                        {"1.5x", false, 0},
+                        {"1.5 x", false, 0},
+                        {"inf", true, INFINITY},
+                        {"\xEF\xBC\x91\xE3\x80\x82\xEF\xBC\x92", true, 1.2},
+                        {"\xEF\xBC\2151\xEF\xBC\2165", true, -1.5},
+                        {"\xE9", false, 0}};
     for (const Row& row : rows) {
         bool ok = !row.ok;
         EXPECT_EQ(String(row.text).ToDouble(&ok), row.value) << row.text;

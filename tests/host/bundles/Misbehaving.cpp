@@ -1,5 +1,7 @@
 // A plug-in that does to its host whatever the product code orders.
 
+#include "NewText.h"
+#include "PlugInFunctions.h"
 #include "SendMessage.h"
 
 #include <Carbon/Carbon.h>
@@ -25,10 +27,6 @@ enum Order : std::int32_t {
     ReadStandardInput = 17, AskButtons = 18, AskOddTitles = 19, ShowStopAlert = 20,
 };
 // clang-format on
-
-CFStringRef NewText(const char* text) {
-    return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
-}
 
 /// 1 for the first button, 2 for the second, ...
 std::uint32_t Ask(const char* message, const std::vector<const char*>& titles) {
@@ -109,28 +107,14 @@ void Deliver(char* block) {
     DoToTheBlock(order, block);
 }
 
-struct FunctionBlock {
-    void* reserved;
-    HRESULT (*queryInterface)(void*, REFIID, LPVOID*);
-    ULONG (*addReference)(void*);
-    ULONG (*release)(void*);
-    void (*deliver)(char*);
-};
-
-HRESULT QueryInterface(void* self, REFIID, LPVOID* result) {
-    *result = self;
-    return S_OK;
-}
 HRESULT RefuseInterface(void*, REFIID, LPVOID* result) {
     *result = nullptr;
     return E_NOINTERFACE;
 }
-ULONG CountNothing(void*) { return 1; }
-
-FunctionBlock goodBlock = {nullptr, &QueryInterface, &CountNothing, &CountNothing, &Deliver};
-FunctionBlock refusingBlock = {nullptr, &RefuseInterface, &CountNothing, &CountNothing, &Deliver};
-FunctionBlock* good = &goodBlock;
-FunctionBlock* refusing = &refusingBlock;
+PlugInFunctions goodBlock = {nullptr, &GiveInterface, &CountNothing, &CountNothing, &Deliver};
+PlugInFunctions refusingBlock = {nullptr, &RefuseInterface, &CountNothing, &CountNothing, &Deliver};
+PlugInFunctions* good = &goodBlock;
+PlugInFunctions* refusing = &refusingBlock;
 
 } // namespace
 

@@ -3,9 +3,10 @@
 /// A small plug-in of its own that keeps the whole contract, unless the name of its executable orders a
 /// fault: each breaks it in the one place where the code asks for it.
 
+#include "NewText.h"
+
 #include <Carbon/Carbon.h>
 #include <CoreFoundation/CFPlugInCOM.h>
-#include <CoreFoundation/CoreFoundation.h>
 
 #include <cstdint>
 #include <cstring>
@@ -55,7 +56,6 @@ void SetInterval(const Product& product);
 void StoreInterval(int interval);
 void StoreLanguage(const Product& product, std::int32_t language);
 void SetText(const char* domain, const char* key, const char* text); ///< And synchronises.
-CFStringRef NewText(const char* text);
 
 void DressFolder(bool isKnownProduct);
 void DressIcon();

@@ -106,10 +106,6 @@ const char* Tag(std::int32_t language) {
 
 } // namespace
 
-CFStringRef NewText(const char* text) {
-    return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
-}
-
 void SetText(const char* domain, const char* key, const char* text) {
     const CFStringRef value = NewText(text);
     if (value) Set(domain, key, value);

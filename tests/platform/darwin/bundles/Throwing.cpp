@@ -1,6 +1,6 @@
 // A plug-in for the Mac that lets out of its calls what the product code orders.
 
-#include <CoreFoundation/CoreFoundation.h>
+#include "../../../PlugInFunctions.h"
 
 #include <cstdint>
 #include <cstring>
@@ -8,14 +8,6 @@
 #include <vector>
 
 namespace {
-
-struct FunctionBlock {
-    void* reserved;
-    HRESULT (*queryInterface)(void*, REFIID, LPVOID*);
-    ULONG (*addReference)(void*);
-    ULONG (*release)(void*);
-    void (*deliver)(char*);
-};
 
 CFStringRef madeByAnInitialiser = CFSTR("made before the first call");
 
@@ -38,14 +30,8 @@ void Deliver(char* block) {
     }
 }
 
-HRESULT QueryInterface(void* self, REFIID, LPVOID* result) {
-    *result = self;
-    return S_OK;
-}
-ULONG CountNothing(void*) { return 1; }
-
-FunctionBlock functions = {nullptr, &QueryInterface, &CountNothing, &CountNothing, &Deliver};
-FunctionBlock* instance = &functions;
+PlugInFunctions functions = {nullptr, &GiveInterface, &CountNothing, &CountNothing, &Deliver};
+PlugInFunctions* instance = &functions;
 
 } // namespace
 

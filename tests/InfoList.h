@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+constexpr const char* pluginType = "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8";
+constexpr const char* pluginFactory = "A0A0A0A0-0000-4000-8000-000000000001";
+
+/// The property list of a plug-in whose factory is the function `factory`.
+inline std::string InfoList(const std::string& factory, const std::string& type = pluginType,
+                            const std::string& executable = "Test") {
+    const auto tag = [](const std::string& name, const std::string& content) {
+        return '<' + name + '>' + content + "</" + name + '>';
+    };
+    const auto entry = [&](const std::string& key, const std::string& value) {
+        return tag("key", key) + value;
+    };
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">" +
+           tag("dict",
+               entry("CFBundleExecutable", tag("string", executable)) +
+                   entry("CFPlugInDynamicRegistration", tag("string", "NO")) +
+                   entry("CFPlugInFactories", tag("dict", entry(pluginFactory, tag("string", factory)))) +
+                   entry("CFPlugInTypes",
+                         tag("dict", entry(type, tag("array", tag("string", pluginFactory)))))) +
+           "</plist>\n";
+}
