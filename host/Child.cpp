@@ -177,7 +177,7 @@ private:
 Children::Children(const Interruption& pendingSignals) : interruption(pendingSignals) {}
 Children::~Children() = default;
 
-void Children::Start(std::function<void(const Channel&)> body, const ChildLimits& limits,
+void Children::Start(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
                      ChildListener listener, std::function<void(const ChildEnd&)> onEnd) {
     running.push_back(std::make_unique<Supervision>(NewSocket(), listener.onOutput ? NewPipe() : Ends{}, body,
                                                     limits, std::move(listener), std::move(onEnd),
@@ -206,11 +206,11 @@ void Children::Serve() {
     for (const auto& [one, end] : ended) one->TellEnd(end);
 }
 
-ChildEnd RunInChild(std::function<void(const Channel&)> body, const ChildLimits& limits,
+ChildEnd RunInChild(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
                     ChildListener listener, const Interruption& interruption) {
     ChildEnd result;
     Children children(interruption);
-    children.Start(std::move(body), limits, std::move(listener), [&](const ChildEnd& end) { result = end; });
+    children.Start(body, limits, std::move(listener), [&](const ChildEnd& end) { result = end; });
     while (children.Count() > 0) children.Serve();
     return result;
 }

@@ -54,8 +54,8 @@ public:
 
     /// Runs `body` in a child of this process, which must have one thread only. The child reads nothing on
     /// its standard input. `onEnd` is called once, when it has ended and was reaped. Throws ToolFault.
-    void Start(std::function<void(const Channel&)> body, const ChildLimits& limits, ChildListener listener,
-               std::function<void(const ChildEnd&)> onEnd);
+    void Start(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
+               ChildListener listener, std::function<void(const ChildEnd&)> onEnd);
     std::size_t Count() const { return running.size(); }
     /// Waits until something happens and calls the listeners; `onEnd` may start another child. Throws
     /// ToolFault, Interrupted, or what a listener throws.
@@ -68,7 +68,7 @@ private:
 };
 
 /// One child, served until it has ended.
-ChildEnd RunInChild(std::function<void(const Channel&)> body, const ChildLimits& limits,
+ChildEnd RunInChild(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
                     ChildListener listener, const Interruption& interruption);
 
 } // namespace xcodhost

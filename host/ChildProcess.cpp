@@ -88,9 +88,10 @@ ChildProcess::ChildProcess(const Streams& streams, const Interruption& interrupt
     LivingChildren().push_back(id);
     end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
     if (end.Number() < 0) {
-        const auto fault = ToolFault::FromErrno("the child process cannot be waited for");
+        const int error = errno;
         Reap();
-        throw fault;
+        errno = error;
+        throw ToolFault::FromErrno("the child process cannot be waited for");
     }
 }
 

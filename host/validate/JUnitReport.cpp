@@ -3,6 +3,8 @@
 #include "MarkupText.h"
 #include "ValidateReport.h"
 
+#include <cmath>
+
 namespace xcodhost {
 
 namespace {
@@ -11,7 +13,7 @@ using State = CheckResult::State;
 
 /// Seconds with a point, whatever the locale.
 std::string Time(double seconds) {
-    const auto milliseconds = static_cast<long long>(seconds * 1000 + 0.5);
+    const auto milliseconds = std::llround(seconds * 1000);
     const std::string rest = std::to_string(milliseconds % 1000);
     return std::to_string(milliseconds / 1000) + '.' + std::string(3 - rest.size(), '0') + rest;
 }

@@ -124,6 +124,7 @@ private:
     static std::string ReadText(pid_t process, std::uint64_t address) {
         std::string text(PATH_MAX, '\0');
         iovec here{text.data(), text.size()};
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): an address of the other process
         iovec there{reinterpret_cast<void*>(static_cast<std::uintptr_t>(address)), text.size()};
         ssize_t count = process_vm_readv(process, &here, 1, &there, 1, 0);
         for (std::size_t size = 256; count < 0 && size > 0;
@@ -164,7 +165,7 @@ WatchedRun WatchWrites(const std::string& folder, const Channel& channel, const 
     if (child < 0) return {{}, std::string("no process: ") + std::strerror(errno)};
     if (child == 0) {
         if (ptrace(PTRACE_TRACEME, 0, 0, 0) < 0) _exit(kCannotWatch);
-        raise(SIGSTOP);
+        if (raise(SIGSTOP) != 0) _exit(kCannotWatch);
         run(channel.OfThisProcess(), [] {
             if (!StopAtWritingCalls()) _exit(kCannotWatch);
         });

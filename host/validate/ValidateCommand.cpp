@@ -96,6 +96,7 @@ ExitStatus ValidateCommand(const ValidateOptions& options) {
         results.push_back(Validate(plan, interruption, [&](std::size_t done) { progress.Show(done); }));
     }
     std::vector<const BundleResult*> all;
+    all.reserve(results.size());
     for (const BundleResult& result : results) all.push_back(&result);
     const ValidationVerdict verdict = Judge(all);
     if (!options.junitFile.empty()) WriteFile(options.junitFile, JUnitReport(results));

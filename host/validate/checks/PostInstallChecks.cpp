@@ -93,10 +93,10 @@ void ScopesAreRight(Trial& trial) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const macplatform::JournalEntry& entry : trial.Deliver(Event(message, 4900)).calls) {
             if (entry.call.rfind("CFPreferences", 0) != 0 || entry.arguments.size() < 2) continue;
-            const std::string user = entry.arguments[entry.arguments.size() - 2];
-            const std::string host = entry.arguments.back();
-            trial.Expect(user == "kCFPreferencesAnyUser" && host == "kCFPreferencesCurrentHost",
-                         entry.call + " for any user on the current host", user + ", " + host);
+            std::string scope = entry.arguments[entry.arguments.size() - 2];
+            scope.append(", ").append(entry.arguments.back());
+            trial.Expect(scope == "kCFPreferencesAnyUser, kCFPreferencesCurrentHost",
+                         entry.call + " for any user on the current host", scope);
         }
     }
 }

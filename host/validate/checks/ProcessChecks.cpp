@@ -129,7 +129,7 @@ void ProcessStateStays(Trial& trial) {
 class CapturedOutput {
 public:
     explicit CapturedOutput(std::string path) : file(std::move(path)) {
-        std::fflush(nullptr);
+        (void)std::fflush(nullptr);
         const Descriptor target(open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
         output = Descriptor(dup(STDOUT_FILENO));
         error = Descriptor(dup(STDERR_FILENO));
@@ -139,7 +139,7 @@ public:
     CapturedOutput(const CapturedOutput&) = delete;
     CapturedOutput& operator=(const CapturedOutput&) = delete;
     ~CapturedOutput() {
-        std::fflush(nullptr);
+        (void)std::fflush(nullptr);
         dup2(output.Number(), STDOUT_FILENO);
         dup2(error.Number(), STDERR_FILENO);
     }
