@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Languages of the products.
+
 #include <CoreFoundation/CoreFoundation.h>
 #include <cstdint>
 

@@ -5,23 +5,26 @@
 #include <CoreFoundation/CFPlugInCOM.h>
 #include <CoreFoundation/CoreFoundation.h>
 
+/// @file
 /// How the installer calls the plug-in: it makes an instance through the factory, asks it for the interface,
 /// calls `XCodMain` once an event, and releases what it holds. All on one thread; the count is a plain
 /// integer.
 
+/// The installer's interface: the slots that every plug-in instance begins with, and one of its own.
 struct XCodFunctionBlock {
     IUNKNOWN_C_GUTS;
-    void (*XCodMain)(XCodParamBlock*);
+    void (*XCodMain)(XCodParamBlock*); ///< Without the instance: the block is all it works on.
 };
 
-/// Lies in a Memory Manager block. The host reads a pointer to it as a pointer to the function block's
-/// address, hence the order.
+/// One instance. Lies in a Memory Manager block. The host reads a pointer to it as a pointer to the function
+/// block's address, hence the order.
 struct XCodInstance {
-    const XCodFunctionBlock* functionBlock;
+    const XCodFunctionBlock* functionBlock; ///< Lent; the same for all instances.
     CFUUIDRef factoryID; ///< Owned; null unless the instance was added to the platform's bookkeeping.
-    SInt32 refCount;
+    SInt32 refCount;     ///< The instance is freed when it reaches 0.
 };
 
+/// The slots of this plug-in.
 extern const XCodFunctionBlock gXcodFunctionBlock;
 
 /// Runs the step that the block's message names; a message without a step does nothing. A wrong selector sets

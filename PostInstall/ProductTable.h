@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Products, their names and identifiers.
+
 #include <CoreFoundation/CoreFoundation.h>
 #include <cstdint>
 
@@ -10,4 +13,5 @@ struct Product {
     const char* shortName; ///< Null for an unknown product.
 };
 
+/// The product of this number; null members for a number that the maker does not have.
 Product FindProduct(std::int32_t productCode);

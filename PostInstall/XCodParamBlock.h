@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// What the installer hands to the plug-in at each event.
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -8,12 +11,12 @@
 template <typename T>
 class Unaligned {
 public:
-    operator T() const {
+    operator T() const { ///< The value as it is now.
         T value;
         std::memcpy(&value, bytes, sizeof value);
         return value;
     }
-    Unaligned& operator=(T value) {
+    Unaligned& operator=(T value) { ///< Writes its own bytes and none beside them.
         std::memcpy(bytes, &value, sizeof value);
         return *this;
     }
@@ -22,6 +25,7 @@ private:
     unsigned char bytes[sizeof(T)];
 };
 
+/// What the installer writes into the first two fields.
 enum : std::int16_t {
     kXCodSelector = 1000,     ///< The only call kind that the plug-in acts on.
     kXCodPreInstallation = 2, ///< Messages: before and after the product's files are copied.
@@ -33,11 +37,11 @@ constexpr std::uint32_t kXCodCallFailed = 1;
 /// The installer's parameter block. It belongs to the host, may lie at any address, and goes on after the
 /// last field here; of the error flags only `kXCodCallFailed` is ever touched, and only set.
 struct XCodParamBlock {
-    Unaligned<std::int16_t> selector;
-    Unaligned<std::int16_t> message;
-    Unaligned<std::int32_t> productCode;
-    Unaligned<std::uint32_t> errorFlags;
-    unsigned char hostFields[598];
+    Unaligned<std::int16_t> selector;     ///< Kind of the call; anything but `kXCodSelector` is refused.
+    Unaligned<std::int16_t> message;      ///< The event; one without a step is passed over.
+    Unaligned<std::int32_t> productCode;  ///< As ProductTable.h has them; others are no error.
+    Unaligned<std::uint32_t> errorFlags;  ///< In and out.
+    unsigned char hostFields[598];        ///< The host's own, never looked at.
     Unaligned<std::int32_t> languageCode; ///< A classic Mac OS language code.
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Who answers the alerts.
 
 #include <functional>
@@ -9,10 +10,12 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
+/// What is to be asked.
 struct Alert {
+    /// `NSAlert`'s, or that of `StopAlert`.
     enum class Kind { Message, Stop };
-    Kind kind = Kind::Message;
-    std::string message; ///< UTF-8; empty for a stop alert, whose text lies in a resource.
+    Kind kind = Kind::Message; ///< Says which of the other members mean something.
+    std::string message;       ///< UTF-8; empty for a stop alert, whose text lies in a resource.
     std::vector<std::string>
         buttons;      ///< In the order in which they were added; the platform's one "OK" when none was.
     int resource = 0; ///< The number of a stop alert.

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Why a plug-in gave no instance.
 
 #include <string>
@@ -7,6 +8,7 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
+/// The first thing that stood in the way.
 enum class BundleFault {
     None,
     NoBundle,          ///< No such folder, or no property list in it.
@@ -19,15 +21,16 @@ enum class BundleFault {
     FactoryRefused,    ///< The factory function answered null.
 };
 
+/// Why the last attempt gave nothing.
 struct BundleFailure {
-    BundleFault fault = BundleFault::None;
-    std::string text; ///< One line that names the thing and its path.
+    BundleFault fault = BundleFault::None; ///< `None` when it succeeded, and `text` is then empty.
+    std::string text;                      ///< One line that names the thing and its path.
 };
 
 /// Whether a bundle that has code for this system and for the Mac is to be loaded from the latter, from now
 /// on. False, and nothing is changed, where such code cannot run: only 32-bit x86 processes can.
 bool PreferMacCode(bool preferred);
-bool MacCodeIsPreferred();
+bool MacCodeIsPreferred(); ///< As last set; false at first.
 
 /// About the last CFPlugInCreate or CFPlugInInstanceCreate of this process.
 const BundleFailure& LastBundleFailure();

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Finder flags of an item of this machine.
 
 #include <cstdint>

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// What the platform is asked to do, in order, and what it is made to refuse.
 ///
 /// While an observer is set, each platform call (those of `CoreFoundation/`, `Carbon/`, `objc/`, `mach/`,
@@ -13,6 +14,7 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
+/// One call, after it is done.
 struct JournalEntry {
     std::string call; ///< The function's name.
     /// As a person would write them: texts in quotation marks; of objc_msgSend receiver, selector and
@@ -22,6 +24,7 @@ struct JournalEntry {
     std::string note;   ///< Why it failed or had no effect, where the result does not tell.
 };
 
+/// Called on the thread that made the call, before that goes on.
 using JournalObserver = std::function<void(const JournalEntry&)>;
 
 /// Replaces the observer; an empty one ends the telling. The observer must not throw.
@@ -32,10 +35,11 @@ void SetJournalObserver(JournalObserver observer);
 /// result code of the Carbon calls, and `code` as errno for those of the C library. It then has no other
 /// effect.
 struct OrderedFault {
-    std::string call;
-    long code = 0;
-    unsigned skip = 0;
+    std::string call;  ///< The function's name, as the journal tells it.
+    long code = 0;     ///< For calls that answer with a code.
+    unsigned skip = 0; ///< Calls that succeed before.
 };
+/// Adds one to those that are waiting. A name that no call has waits until `CancelFaults`.
 void OrderFault(const OrderedFault& fault);
 
 /// Takes back every fault that has not happened yet; answers how many those were.

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// What was made and not freed: objects, Memory Manager blocks, alerts, Apple-event descriptors.
 /// Constant strings and constant UUIDs are never freed and do not count.
 
@@ -10,7 +11,7 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-std::size_t LiveObjectCount();
+std::size_t LiveObjectCount(); ///< Of all kinds together; compare it before and after.
 
 /// One line each, in the order of their making: kind, value as a person would write it, references.
 std::vector<std::string> DescribeLiveObjects();

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// What the platform says of this process and machine, where a test or a tool must decide it.
 
 #include <cstdint>

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Property lists, XML or binary, read from and written to memory.
 ///
 /// A file is refused, with the reason, when it is no property list, is nested deeper than 512 levels or is
@@ -12,12 +13,14 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
+/// What a file was written as; changes are written back as the same.
 enum class PropertyListFormat { Xml, Binary };
 
 /// One value, taken out of its list: a copy that owns what it holds.
 struct PropertyValue {
+    /// Those of both forms; only binary lists have a `Uid`.
     enum class Kind { None, Boolean, Integer, Real, Text, Data, Date, Uid, Array, Dictionary };
-    Kind kind = Kind::None;
+    Kind kind = Kind::None;   ///< Says which of the other members mean something.
     std::string text;         ///< The text; for scalars as a person would write them; data in hexadecimal.
     std::int64_t integer = 0; ///< Boolean and Integer.
     std::vector<PropertyValue> items;  ///< Array.
@@ -28,12 +31,16 @@ struct PropertyValue {
     const char* KindName() const; ///< "string", "integer", ... as the XML form names it.
     std::string Describe() const; ///< One line; texts in quotation marks.
 };
+///@{
+/// By kind and content; dictionaries with their keys in another order differ.
 bool operator==(const PropertyValue& left, const PropertyValue& right);
 inline bool operator!=(const PropertyValue& left, const PropertyValue& right) { return !(left == right); }
+///@}
 
+/// A file, or why it could not be read.
 struct PropertyListFile {
-    PropertyValue root;
-    PropertyListFormat format = PropertyListFormat::Binary;
+    PropertyValue root;                                     ///< Of kind `None` when there is an error.
+    PropertyListFormat format = PropertyListFormat::Binary; ///< `Binary` too when there is an error.
     std::string error;   ///< Empty, or why the file could not be read, as one line without the path.
     int errorNumber = 0; ///< errno where the system refused; ENOENT for a file that is not there.
 };

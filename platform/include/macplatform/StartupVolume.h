@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The folder that stands for "/" of the Mac.
 ///
 /// While one is set, the platform's own services and the path calls of the C library made in this process see
@@ -28,6 +29,7 @@ bool SetStartupVolume(const std::string& folder);
 /// The folder as an absolute path without links and without a trailing "/"; empty when none is set.
 const std::string& StartupVolume();
 
+/// What becomes of a link at the end of a path.
 enum class LastLink { Follow, Keep };
 
 /// Where a path of the Mac lies on this machine: inside the startup volume, with every link on the way

@@ -6,10 +6,14 @@
 /// destination hold `count` elements each and must not overlap, but for `Move`. Nothing is allocated, nothing
 /// throws, nothing is reported.
 ///
+/// Where a conversion takes a scale, the result is the value times 2 to the power of -scale. Any `int` may be
+/// given.
+///
 /// Results do not depend on the processor, to the last bit: the widest instructions that it has are used, and
 /// all give the same answers. The current rounding direction is taken to be "to nearest".
 namespace IPP {
 
+///@{
 /// Byte copies.
 void Copy(unsigned int count, const char* src, char* dst);
 void Copy(unsigned int count, const unsigned char* src, unsigned char* dst);
@@ -18,13 +22,17 @@ void Copy(unsigned int count, const int* src, int* dst);
 void Copy(unsigned int count, const unsigned int* src, unsigned int* dst);
 void Copy(unsigned int count, const float* src, float* dst);
 void Copy(unsigned int count, const double* src, double* dst);
+///@}
 
+///@{
 /// Byte copies between arrays that may overlap.
 void Move(unsigned int count, const unsigned char* src, unsigned char* dst);
 void Move(unsigned int count, const short* src, short* dst);
 void Move(unsigned int count, const float* src, float* dst);
 void Move(unsigned int count, const double* src, double* dst);
+///@}
 
+///@{
 /// Every element becomes `value`. A value that compares equal to 0 is stored as zero bytes: -0.0 becomes
 /// +0.0.
 void Set(unsigned int count, unsigned char* dst, unsigned char value);
@@ -33,7 +41,9 @@ void Set(unsigned int count, int* dst, int value);
 void Set(unsigned int count, unsigned int* dst, unsigned int value);
 void Set(unsigned int count, float* dst, float value);
 void Set(unsigned int count, double* dst, double value);
+///@}
 
+///@{
 /// Every byte becomes 0.
 void Zero(unsigned int count, unsigned char* dst);
 void Zero(unsigned int count, short* dst);
@@ -41,27 +51,32 @@ void Zero(unsigned int count, int* dst);
 void Zero(unsigned int count, unsigned int* dst);
 void Zero(unsigned int count, float* dst);
 void Zero(unsigned int count, double* dst);
+///@}
 
 /// Whether all bytes are equal; true for none.
 bool Equal(unsigned int count, const unsigned char* a, const unsigned char* b);
 
+///@{
 /// Exact.
 void Convert(unsigned int count, const unsigned char* src, float* dst);
 void Convert(unsigned int count, const float* src, double* dst);
+///@}
 /// To the nearest float; infinity where there is none.
 void Convert(unsigned int count, const double* src, float* dst);
 
-// With a scale, the result is the value times 2 to the power of -scale. Any `int` may be given.
-
+///@{
 /// Divides by the signed 32-bit integer 1 << (scale mod 32): by 2^scale for 0 to 30, by -2^31 for 31 and for
 /// -1, by 2^(scale mod 32) for any other.
 void Convert(unsigned int count, const short* src, float* dst, int scale);
 void Convert(unsigned int count, const short* src, double* dst, int scale);
+///@}
 
+///@{
 /// Multiplies by 2^-scale, which may be a denormal, 0 or infinity in the type of the destination. To float,
 /// the integer is rounded to the nearest float first, then the product.
 void Convert(unsigned int count, const int* src, float* dst, int scale);
 void Convert(unsigned int count, const int* src, double* dst, int scale);
+///@}
 
 /// Multiplies by the signed 32-bit integer 1 << (-scale mod 32), in single precision: by 2^-scale for 0 to
 /// -30, by -2^31 for 1 and for -31, by 2^(32 - scale) for 2 to 31. With `round`, half with the sign of the
@@ -74,8 +89,10 @@ void Convert(unsigned int count, const float* src, short* dst, int scale, bool r
 /// becomes -2147483648.
 void Convert(unsigned int count, const float* src, int* dst, int scale, bool round);
 
+///@{
 /// These two leave the destination as it is, by design: callers count on getting it back unchanged.
 void Convert(unsigned int count, const float* src, unsigned char* dst, int scale, bool round);
 void Convert(unsigned int count, const double* src, int* dst, int scale, bool round);
+///@}
 
 } // namespace IPP

@@ -16,9 +16,10 @@ public:
         if (capacity > 0) Enlarge(capacity);
     }
 
-    unsigned int Size() const { return size; }
+    unsigned int Size() const { return size; } ///< Bytes written, not those there is room for.
+    /// Lent until the next `Place`; null when there never was room.
     const unsigned char* Data() const { return bytes.get(); }
-    void Clear() { size = 0; }
+    void Clear() { size = 0; } ///< No bytes, and the room as before.
 
     /// Where `count` bytes from `position` on are to be written, all of them: the buffer now has them. Zeros
     /// fill a gap before them. Throws `std::length_error` or `std::bad_alloc`, and is then as before.

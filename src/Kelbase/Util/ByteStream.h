@@ -16,14 +16,17 @@ public:
     // Here, and all that follows of one value: where the compiler sees a stream made, it calls without the
     // table.
 
-    explicit ByteStream(unsigned int capacity)
-        : data(capacity) {} ///< Empty, with storage for that many bytes.
+    /// Empty, with storage for that many bytes.
+    explicit ByteStream(unsigned int capacity) : data(capacity) {}
+    ///@{
+    /// With a copy of these bytes to be read, or to be written over and on.
     explicit ByteStream(const std::vector<unsigned char>& bytes) : data(0) {
         if (!bytes.empty()) std::memcpy(data.Place(0, bytes.size()), bytes.data(), bytes.size());
     }
     ByteStream(unsigned int count, const unsigned char* bytes) : data(count) {
         if (count > 0) IPP::Copy(count, bytes, data.Place(0, count));
     }
+    ///@}
 
     EndianType GetEndianType() const override { return endianType; }
     void SetEndianType(EndianType type) override { endianType = type; }
@@ -84,14 +87,15 @@ public:
     void SetPosition(unsigned int p) override { position = p; }
     void Skip(int n) override;
 
-    // Eight bytes; not part of the abstract interface.
-
+    ///@{
+    /// Eight bytes; not part of the abstract interface.
     virtual DataStream& operator>>(long long& v) { return ReadAs<long long>(v); }
     virtual DataStream& operator>>(unsigned long long& v) { return ReadAs<unsigned long long>(v); }
     virtual long long ReadPrimitive(long long) { return ReadValue<long long>(); }
     virtual unsigned long long ReadPrimitive(unsigned long long) { return ReadValue<unsigned long long>(); }
     virtual DataStream& operator<<(long long v) { return WriteNumber(v); }
     virtual DataStream& operator<<(unsigned long long v) { return WriteNumber(v); }
+    ///@}
 
     /// Drops all bytes and goes to position 0; byte order and string lengths stay as they are set.
     void Clear();

@@ -13,13 +13,17 @@ namespace Util {
 /// that the reference can always be handed on. Not copyable.
 class CFString {
 public:
+    /// Who gives the reference back.
     enum ReleaseBehavior : int {
         kReleaseOnDestroy = 0, ///< The holder owns its reference.
         kDontRelease = 1,      ///< It only borrows it; any other value means the same.
     };
 
-    CFString(const char* text, ReleaseBehavior rb); ///< UTF-8; null gives an empty string.
+    ///@{
+    /// From UTF-8, up to the first NUL; null gives an empty string.
+    CFString(const char* text, ReleaseBehavior rb);
     CFString(const String& text, ReleaseBehavior rb);
+    ///@}
     /// Takes `ref` as it is, without a reference of its own; null gives a new empty string.
     CFString(CFStringRef ref, ReleaseBehavior rb);
     CFString(const CFString&) = delete;

@@ -20,15 +20,16 @@ namespace Util {
 /// the old names are sorted in.
 class Dir {
 public:
+    /// What a volume tells.
     struct DirInfo {
         unsigned long long availableSpace; ///< For unprivileged users, in bytes. See `GetDirInfo`.
     };
 
     Dir() = default;
-    explicit Dir(const FolderPath& folder) : path(folder) {}
-    void SetPath(const FolderPath& folder) { path = folder; }
+    explicit Dir(const FolderPath& folder) : path(folder) {}  ///< The disk is not asked yet.
+    void SetPath(const FolderPath& folder) { path = folder; } ///< The disk is not asked yet.
 
-    bool Exists() const;
+    bool Exists() const; ///< As a folder, or as a link to one; false too where the way to it is barred.
     /// Free space of the folder's volume; false, and `info` as it was, when the system does not tell.
     /// Reckoned in 32 bits and then sign-extended, so that only an amount below 2 GiB is to be trusted.
     bool GetDirInfo(DirInfo& info) const;
@@ -49,12 +50,13 @@ public:
     /// All entries but regular files: also devices, pipes and sockets.
     void GetFoldernames(std::vector<String>& names, const String& pattern, bool append) const;
 
-    // Of a folder given as text, which is used as it is: not cleaned, not made absolute
-
+    ///@{
+    /// The same of a folder given as text, which is used as it is: not cleaned, not made absolute.
     static void GetFilenames(const String& folder, std::vector<String>& names, const String& pattern,
                              bool append, bool includeAll);
     static void GetFoldernames(const String& folder, std::vector<String>& names, const String& pattern,
                                bool append);
+    ///@}
 
     /// The first file with the last name of `name`, whatever its case: among a folder's own files before
     /// those of its subfolders, each in sorted order. Empty when there is none, or when `count` passes 5000,

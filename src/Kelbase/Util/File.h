@@ -16,6 +16,7 @@ namespace Util {
 /// `Size` does not see what `Flush` or `Close` has yet to write.
 class File : private noncopyable {
 public:
+    /// Bits for `Open`. Nothing is translated in text mode on this platform.
     enum OpenMode : unsigned int {
         Read = 0x02,
         Write = 0x04,
@@ -26,12 +27,12 @@ public:
     };
 
     File() = default;
-    explicit File(const FilePath& path);
+    explicit File(const FilePath& path); ///< Not open; the disk is not asked yet.
     ~File(); ///< Closes; a failure of that is lost, so what was written should be closed by `Close`.
 
-    void SetPath(const FilePath& path); ///< Closes first, as the destructor does.
-    bool IsNull() const { return path.IsEmpty(); }
-    bool IsOpen() const { return handle != nullptr; }
+    void SetPath(const FilePath& path);               ///< Closes first, as the destructor does.
+    bool IsNull() const { return path.IsEmpty(); }    ///< Without a path: opening then fails.
+    bool IsOpen() const { return handle != nullptr; } ///< Also after a failed transfer.
 
     // Opening and closing
 
@@ -44,7 +45,7 @@ public:
     /// reach.
     void Open(unsigned int mode);
     void Close(); ///< Throws `CloseError` with `errno`, and is closed all the same. Nothing when not open.
-    void Flush();
+    void Flush(); ///< Hands what was written to the system; a failure is told by `Close`.
 
     // Position and size, in bytes
 
@@ -53,6 +54,7 @@ public:
     /// Throws `UnexpectedError`, with `errno` when open. May lie past the end.
     void At(unsigned long long position);
     bool AtEnd() const; ///< Whether a read has met the end.
+    /// Of the file on its disk, open or not; absent when it has no path or cannot be asked.
     checked_value<unsigned long long> Size() const;
     checked_value<unsigned long long>
     Remaining() const; ///< From the position to the end; absent when not open.
@@ -68,9 +70,12 @@ public:
 
     // The file on its disk
 
-    bool Exists() const;
+    bool Exists() const; ///< Whatever it is, a folder too.
+    ///@{
+    /// Whether this process may; the answer may be out of date when the file is opened.
     bool IsReadable() const;
     bool IsWritable() const;
+    ///@}
     void SetMode(unsigned short permissions); ///< POSIX bits. Throws `UnexpectedError`.
     void SetTime(const FileTime& time);       ///< Throws `UnexpectedError`.
     void GetTime(FileTime* time);             ///< Throws `UnexpectedError`.

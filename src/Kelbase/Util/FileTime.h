@@ -8,8 +8,8 @@ namespace Util {
 ///
 /// 32 bits end in January 2038 and begin in December 1901; a time outside is read as the nearer end.
 struct FileTime {
-    int accessed;
-    int modified;
+    int accessed; ///< When it was last read, as far as the volume keeps that.
+    int modified; ///< When what is in it was last changed.
 };
 
 /// Reads the times of what is at a path; false, and `time` as it was, when that cannot be asked.

@@ -13,16 +13,18 @@ unsigned long long GetTotalHeapAllocatedBytes(); ///< Always 0: this platform do
 /// The running process's name, for a plug-in that of the program which loaded it; empty when unknown.
 String GetCurrentProcessName();
 
-// Looking up return addresses in a linker's map file. This platform captures no stack and reads no map: the
-// calls are here so that one caller serves every platform.
-
+/// A function of a linker's map file.
+///
+/// This platform captures no stack and reads no map: the types and calls for that are here so that one caller
+/// serves every platform.
 struct MapFileFunctionInfo {
-    String name;
+    String name;           ///< As the linker has it.
     unsigned int size = 0; ///< In bytes.
 };
 
+/// The function that a return address lies in.
 struct ReturnAddressInfo {
-    String function;
+    String function;         ///< Its name.
     unsigned int offset = 0; ///< From the function's beginning, in bytes.
 };
 

@@ -15,8 +15,10 @@ double GetCycleCountSeconds();
 /// The processor's frequency in hertz modulo 2^32, as "hw.cpufrequency" tells it; 0.0 where it does not.
 double GetCPUCyclesPerSecond();
 
+///@{
 /// Marks for a profiler; there is none in this build, and they do nothing.
 void TimeMeasureStart(bool);
 void TimeMeasureEnd(bool, const char*);
+///@}
 
 } // namespace Util

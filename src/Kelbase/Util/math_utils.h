@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Rounding of single-precision values to integers, and exact powers of two. The vector routines promise the
 /// same bits from every form, so these are defined to the last bit and never depend on the rounding mode that
 /// a C library assumes.
@@ -42,6 +43,7 @@ Float powerOfTwo(long long exponent, int fractionBits, int bias) {
 
 } // namespace math_detail
 
+///@{
 /// 2 to the power of `exponent`, for any exponent: denormal, 0 or infinity where the type says so.
 inline float PowerOfTwo(long long exponent) {
     return math_detail::powerOfTwo<float, unsigned int>(exponent, 23, 127);
@@ -49,5 +51,6 @@ inline float PowerOfTwo(long long exponent) {
 inline double PowerOfTwoDouble(long long exponent) {
     return math_detail::powerOfTwo<double, unsigned long long>(exponent, 52, 1023);
 }
+///@}
 
 } // namespace Util

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Owning pointers whose counts are plain integers: a handle and its copies belong to one thread at a time.
 
 #include <cstddef>
@@ -14,6 +15,7 @@ void checked_delete(T* p) {
     delete p;
 }
 
+/// The same of an array made with `new[]`.
 template <typename T>
 void checked_array_delete(T* p) {
     static_assert(sizeof(T) != 0, "the type must be complete where its objects are deleted");
@@ -114,8 +116,11 @@ public:
         return shared_ptr(new typename base::block(std::forward<Arguments>(arguments)...));
     }
 
+    ///@{
+    /// Undefined for a null handle.
     T& operator*() const noexcept { return *this->get(); }
     T* operator->() const noexcept { return this->get(); }
+    ///@}
 
 private:
     explicit shared_ptr(typename base::block* b) noexcept : base(b) {}
@@ -128,6 +133,7 @@ public:
     using smart_ptr_detail::shared_handle<T, &checked_array_delete<T>>::shared_handle;
     shared_array() noexcept = default;
 
+    /// The index is not checked: the length is not known here.
     T& operator[](std::size_t index) const noexcept { return this->get()[index]; }
 };
 
@@ -135,19 +141,22 @@ public:
 template <typename T>
 class scoped_array {
 public:
+    /// Takes `p` over.
     explicit scoped_array(T* p = nullptr) noexcept : array(p) {}
     scoped_array(const scoped_array&) = delete;
     scoped_array& operator=(const scoped_array&) = delete;
     ~scoped_array() { checked_array_delete(array); }
 
+    /// Frees the present array and takes `p` over; nothing happens when `p` is the present one.
     void reset(T* p = nullptr) {
         if (p == array) return;
         checked_array_delete(array);
         array = p;
     }
-    T* get() const noexcept { return array; }
+    T* get() const noexcept { return array; } ///< Lent; null when nothing is owned.
+    /// The index is not checked: the length is not known here.
     T& operator[](std::size_t index) const noexcept { return array[index]; }
-    explicit operator bool() const noexcept { return array != nullptr; }
+    explicit operator bool() const noexcept { return array != nullptr; } ///< Whether anything is owned.
 
 private:
     T* array;

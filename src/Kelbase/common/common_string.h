@@ -10,6 +10,9 @@
 #include <utility>
 #include <vector>
 
+/// @file
+/// Text, its concatenation and its comparison.
+
 /// UTF-8 text, shared on copy.
 ///
 /// A `String` is a handle on bytes that it shares with its copies; an edit never reaches the copies, they
@@ -23,6 +26,7 @@
 class String {
 public:
     String() noexcept = default;
+    /// Shares the text; neither can change the other's from then on.
     String(const String& other) noexcept : block(other.block) {
         if (block) ++block->holders;
     }
@@ -38,25 +42,28 @@ public:
     /// from 100,000 units or more, and when a character cannot be converted.
     String(const unsigned short* s, unsigned int encoding);
 
+    /// Shares the text, or takes it over from a temporary.
     String& operator=(String other) noexcept {
         std::swap(block, other.block);
         return *this;
     }
-    String& operator=(const char* s);
+    String& operator=(const char* s); ///< Up to the NUL; null gives null.
 
     // Reading
 
+    /// In bytes, without the terminator; 0 for both empty states.
     unsigned int GetLength() const { return block ? block->length : 0; }
     /// The bytes as they are stored, ended by a NUL; valid until this `String` changes. Never null.
     const char* Latin1() const { return block ? block->Bytes() : ""; }
     /// UTF-16 units ended by 0. A null array when the bytes are not valid in the encoding (2 Mac Roman, else
     /// UTF-8) or make more than 100,000 units.
     shared_array<unsigned short> Unicode(unsigned int encoding) const;
-    static String GetPlatformLinefeed();
+    static String GetPlatformLinefeed(); ///< One line feed: the Mac of today, not the classic one.
 
     // Appending
 
     String& operator+=(const String& r); ///< Shares `r` when this one is empty.
+    /// One byte, also when it is 0; room for more is made ahead, so that many of these cost little.
     String& operator+=(char c) {
         if (!IsSoleHolder() || block->length == block->capacity) return Append(std::string_view(&c, 1));
         char* const end = block->Bytes() + block->length++;
@@ -65,19 +72,24 @@ public:
         return *this;
     }
 
-    // Placeholders: "%" and one digit. The lowest digit is replaced, its leftmost one first, one a call; a
-    // template without a placeholder gets the argument at its end. See `Number` for base, width, precision
-    // and format.
-
+    ///@{
+    /// A copy with the argument in place of a placeholder, "%" and one digit: of the lowest digit, its
+    /// leftmost one. Without a placeholder the argument goes to the end. See `Number` for base, width,
+    /// precision and format.
     String Arg(const String& a) const;
     String Arg(char c) const;
     String Arg(const Char& c) const;
-    /// In base 16 an `int` or a `long` that fits 32 bits is written as its unsigned bits: -1 gives
+    ///@}
+    ///@{
+    /// The same. In base 16 an `int` or a `long` that fits 32 bits is written as its unsigned bits: -1 gives
     /// "FFFFFFFF".
     String Arg(int v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     String Arg(long v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
-    /// Keeps its sign in every base.
+    ///@}
+    /// The same; keeps its sign in every base.
     String Arg(short v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
+    ///@{
+    /// As for text.
     String Arg(unsigned short v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     String Arg(unsigned int v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     String Arg(unsigned long v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
@@ -88,9 +100,11 @@ public:
                const checked_value<unsigned int>& format = {}) const;
     String Arg(float v, unsigned int precision = 0xFFFFFFFF,
                const checked_value<unsigned int>& format = {}) const;
+    ///@}
 
     // Numbers to text
 
+    ///@{
     /// Bases 2 to 36, any other is 10; upper-case digits. `width` pads with "0" on the left and does not
     /// count the sign. The smallest `int` with a width is written as two pieces, each padded by itself.
     static String Number(int v, unsigned int base = 10, const checked_value<unsigned int>& width = {});
@@ -99,36 +113,50 @@ public:
                          const checked_value<unsigned int>& width = {});
     static String Number(unsigned long v, unsigned int base = 10,
                          const checked_value<unsigned int>& width = {});
+    ///@}
+    ///@{
     /// Base 16 (of the bits, unsigned) or decimal; no other base.
     static String Number(long long v, unsigned int base = 10, const checked_value<unsigned int>& width = {});
     static String Number(unsigned long long v, unsigned int base = 10,
                          const checked_value<unsigned int>& width = {});
+    ///@}
+    ///@{
     /// As printf writes it: `format` is one of the letters f F e E g G, anything else is f. `precision` is
     /// cut to 99; 0xFFFFFFFF means the default of 6. At most 1023 characters.
     static String Number(double v, unsigned int precision = 0xFFFFFFFF,
                          const checked_value<unsigned int>& format = {});
     static String Number(float v, unsigned int precision = 0xFFFFFFFF,
                          const checked_value<unsigned int>& format = {});
+    ///@}
 
-    // Text to numbers. The whole text, less the white space around it, must be one number; otherwise the
-    // result is 0 and `*ok` false. "." and "," are both decimal separators; full-width digits and signs are
-    // read. Bases up to 36, letters in either case and no prefix; base 0 and those above 36 read nothing.
+    /// @name Text to numbers
+    /// The whole text, less the white space around it, must be one number; otherwise the result is 0 and
+    /// `*ok` false. "." and "," are both decimal separators; full-width digits and signs are read. Bases up
+    /// to 36, letters in either case and no prefix; base 0 and those above 36 read nothing.
+    ///@{
 
     /// Behind "-" every magnitude up to 65535 is taken and cut to 16 bits: "-40000" gives 25536.
     short ToShort(bool* ok = nullptr, unsigned int base = 10) const;
+    /// 0 to 65535; "-" fails in all unsigned types, also before 0.
     unsigned short ToUShort(bool* ok = nullptr, unsigned int base = 10) const;
+    /// -2147483647 to 2147483647: the smallest `int` fails.
     int ToInt(bool* ok = nullptr, unsigned int base = 10) const;
+    /// 0 to 4294967295.
     unsigned int ToUInt(bool* ok = nullptr, unsigned int base = 10) const;
     /// Takes 32 bits and extends their sign: "3000000000" gives -1294967296, "4294967296" fails. Behind "-"
     /// nothing but 0 is taken.
     long long ToInt64(bool* ok = nullptr, unsigned int base = 10) const;
+    /// 0 to 18446744073709551615, unlike `ToInt64`.
     unsigned long long ToUInt64(bool* ok = nullptr, unsigned int base = 10) const;
     /// Exponents, hexadecimal numbers, infinities and NaN as strtod reads them.
     double ToDouble(bool* ok = nullptr) const;
     /// `ToDouble`, narrowed: infinite when no float is that large.
     float ToFloat(bool* ok = nullptr) const;
+    ///@}
 
-    // Searching. Without `caseSensitive`, "A"-"Z" and "a"-"z" are the same; no other letters fold.
+    /// @name Searching
+    /// Without `caseSensitive`, "A"-"Z" and "a"-"z" are the same; no other letters fold.
+    ///@{
 
     /// First position at or after `start`; absent also when `start` is at or past the end.
     checked_value<unsigned int> Find(char c, unsigned int start = 0, bool caseSensitive = true) const;
@@ -138,19 +166,26 @@ public:
     /// end.
     checked_value<unsigned int> FindRev(char c, const checked_value<unsigned int>& start = {},
                                         bool caseSensitive = true) const;
+    /// True for an empty `p`. Bytes behind a NUL that both have are not compared.
     bool BeginsWith(const String& p, bool caseSensitive = true) const;
+    /// As `BeginsWith`.
     bool EndsWith(const String& p, bool caseSensitive = true) const;
+    ///@}
 
     // Slices
 
+    ///@{
+    /// `n` bytes, which may cut a character; the whole text, shared, where there are no more.
     String Left(unsigned int n) const;
     String Right(unsigned int n) const;
+    ///@}
     /// From `start`, at most `n` bytes (absent: to the end); null when `start` is at or past the end.
     String Mid(unsigned int start, const checked_value<unsigned int>& n = {}) const;
 
     // Editing in place: these change this `String` and answer it
 
     String& Insert(unsigned int pos, const String& s); ///< At or past the end it appends.
+    /// From `pos`, at most `n` bytes (absent: to the end); nothing when `pos` is at or past the end.
     String& Remove(unsigned int pos, const checked_value<unsigned int>& n = {});
     String& Truncate(unsigned int n); ///< As `Resize(n, true)` when that is shorter; else nothing.
     /// Exactly `n` bytes, new ones NUL. With `keepWholeCharacters` a UTF-8 sequence that is cut off at the
@@ -162,17 +197,21 @@ public:
 
     // Edited copies
 
-    String ReplaceChar(const Char& from, const Char& to) const;
+    String ReplaceChar(const Char& from, const Char& to) const; ///< Every byte that is `from`.
     String Replace(const String& from, const String& to) const; ///< Every occurrence, left to right.
+    ///@{
+    /// "a"-"z" and "A"-"Z" alone, whatever the locale.
     String ToUpper() const;
     String ToLower() const;
-    String StripWhiteSpace() const;
+    ///@}
+    String StripWhiteSpace() const;    ///< Without that of `Char::IsSpace` at both ends.
     String SimplifyWhiteSpace() const; ///< Stripped, and every run of white space made one blank.
 
     // Lists
 
     /// Empties `out` and fills it with what stands between the separators: one element at least.
     void Split(char sep, std::vector<String>& out) const;
+    /// Null for no parts.
     static String Join(const String& sep, const std::vector<String>& parts);
 
 private:
@@ -202,10 +241,14 @@ private:
     Block* block = nullptr; // null for no text
 };
 
+///@{
+/// Shares the other text where one is empty. A null pointer adds nothing.
 String operator+(String a, const String& b);
-String operator+(String a, const char* b); ///< Null adds nothing.
+String operator+(String a, const char* b);
+///@}
 
-// By the bytes up to the first NUL, as unsigned numbers. A null character pointer ranks above every String.
+///@{
+/// By the bytes up to the first NUL, as unsigned numbers. A null character pointer ranks above every String.
 inline bool operator==(const String& l, const String& r) {
     return l.Latin1() == r.Latin1() || std::strcmp(l.Latin1(), r.Latin1()) == 0;
 }
@@ -214,3 +257,4 @@ inline bool operator<=(const String& l, const String& r) { return std::strcmp(l.
 inline bool operator==(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) == 0; }
 inline bool operator<(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) < 0; }
 inline bool operator<=(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) <= 0; }
+///@}

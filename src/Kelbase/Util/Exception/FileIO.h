@@ -8,6 +8,7 @@ namespace Util::Exception {
 /// A failed access to a file or a folder.
 class FileIO : public ::Exception::Base {
 public:
+    /// What failed; the numbers are part of the interface.
     enum ErrorKind : unsigned int {
         FileNotFound = 0,
         OpenError = 1,
@@ -19,20 +20,25 @@ public:
         UnexpectedError = 7,
     };
 
+    ///@{
     /// `errorNumber` is the `errno` of the failed call, 0 where none was recorded.
     FileIO(const String& message, const FilePath& file, ErrorKind kind, int errorNumber);
     FileIO(const String& message, const FolderPath& folder, ErrorKind kind, int errorNumber);
+    ///@}
+    ///@{
+    /// Shares the texts of the other one.
     FileIO(const FileIO&) = default;
     FileIO& operator=(const FileIO&) = default;
+    ///@}
     ~FileIO() override;
 
     String ToString() const override;
 
-    String GetErrorDescription() const; ///< The kind in words.
-    FilePath GetFilePath() const { return filePath; }
-    FolderPath GetFolderPath() const { return folderPath; }
-    ErrorKind GetErrorKind() const { return kind; }
-    int GetErrorNumber() const { return errorNumber; }
+    String GetErrorDescription() const;                     ///< The kind in words.
+    FilePath GetFilePath() const { return filePath; }       ///< Empty where it was a folder.
+    FolderPath GetFolderPath() const { return folderPath; } ///< Empty where it was a file.
+    ErrorKind GetErrorKind() const { return kind; }         ///< As the thrower gave it.
+    int GetErrorNumber() const { return errorNumber; }      ///< `errno`, 0 where none was recorded.
 
 private:
     FilePath filePath; // the one that does not apply stays empty

@@ -12,20 +12,25 @@
 /// While `Util::IsModalDialogAllowed()` is false, nothing is shown and the answer is false.
 namespace UI::Native {
 
-// Which button answers the Return key.
+///@{
+/// Which button answers the Return key, counted as they are named.
 enum class OKCancelFocus { FirstButton, SecondButton };
 enum class YesNoFocus { FirstButton, SecondButton };
 enum class YesNoCancelFocus { FirstButton, SecondButton, ThirdButton };
 enum class RetryCancelFocus { FirstButton, SecondButton };
+///@}
 
+/// Waits until the box is closed.
 void MessageOK(void* parent, const String& title, const String& message, bool);
 /// UTF-16 without a terminator. `second` is the message; nothing is shown when it or `third` is empty.
 void MessageOK(void* parent, const std::vector<unsigned short>& first,
                const std::vector<unsigned short>& second, const std::vector<unsigned short>& third, bool);
 
+/// True for "OK".
 bool MessageOKCancel(void* parent, const String& title, const String& message, OKCancelFocus focus, bool);
+/// True for "Yes".
 bool MessageYesNo(void* parent, const String& title, const String& message, YesNoFocus focus, bool);
-/// `cancelled` tells "Cancel" from "No"; it stays as it is when no box may be shown.
+/// True for "Yes"; `cancelled` tells "Cancel" from "No"; it stays as it is when no box may be shown.
 bool MessageYesNoCancel(bool& cancelled, void* parent, const String& title, const String& message,
                         YesNoCancelFocus focus, bool);
 /// Shows "OK", "Cancel", "Retry", "Cancel"; true for "OK" alone.
