@@ -3,7 +3,7 @@
 
 #include "Property.h"
 
-#include "ElfFile.h"
+#include "bundle/ElfFile.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,7 +3,7 @@
 
 #include "Property.h"
 
-#include "MachOFile.h"
+#include "bundle/MachOFile.h"
 
 #include <algorithm>
 #include <set>

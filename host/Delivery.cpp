@@ -1,7 +1,7 @@
 #include "Delivery.h"
 
 #include "ExitStatus.h"
-#include "LoadedBundle.h"
+#include "bundle/LoadedBundle.h"
 
 #include <macplatform/LiveObjects.h>
 #include <macplatform/StartupVolume.h>

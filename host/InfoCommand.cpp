@@ -1,10 +1,10 @@
 #include "InfoCommand.h"
 
-#include "BundleInfo.h"
 #include "Console.h"
 #include "DisplayText.h"
 #include "JsonDocument.h"
 #include "PluginContract.h"
+#include "bundle/BundleInfo.h"
 
 #include <set>
 #include <strings.h>

@@ -1,7 +1,7 @@
 #include "Check.h"
 
-#include "../DisplayText.h"
-#include "checks/Groups.h"
+#include "DisplayText.h"
+#include "validate/checks/Groups.h"
 
 #include <algorithm>
 #include <fnmatch.h>

@@ -2,7 +2,7 @@
 
 /// One thing that holds for every plug-in that the installer can work with.
 
-#include "../ExitStatus.h"
+#include "ExitStatus.h"
 
 #include <string>
 #include <vector>

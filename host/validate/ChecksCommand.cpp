@@ -1,9 +1,9 @@
 #include "ChecksCommand.h"
 
-#include "../Console.h"
-#include "../DisplayText.h"
-#include "../JsonDocument.h"
 #include "Check.h"
+#include "Console.h"
+#include "DisplayText.h"
+#include "JsonDocument.h"
 
 #include <algorithm>
 #include <string>

@@ -2,8 +2,8 @@
 
 /// `xcodhost list checks` and `xcodhost explain`
 
-#include "../ExitStatus.h"
-#include "../Options.h"
+#include "ExitStatus.h"
+#include "Options.h"
 
 namespace xcodhost {
 

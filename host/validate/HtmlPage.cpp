@@ -1,10 +1,10 @@
 #include "HtmlPage.h"
 
-#include "../DisplayText.h"
-#include "../PluginContract.h"
-#include "../RunCommand.h"
+#include "DisplayText.h"
 #include "MarkupText.h"
+#include "PluginContract.h"
 #include "ProductContract.h"
+#include "RunCommand.h"
 #include "ValidateReport.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "MarkupText.h"
 
-#include "../DisplayText.h"
+#include "DisplayText.h"
 
 namespace xcodhost {
 

@@ -1,7 +1,7 @@
 #include "OutsideWrites.h"
 
-#include "../DisplayText.h"
-#include "../Interruption.h"
+#include "DisplayText.h"
+#include "Interruption.h"
 #include "WritingCalls.h"
 
 #include <algorithm>

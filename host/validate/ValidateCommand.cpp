@@ -1,9 +1,9 @@
 #include "ValidateCommand.h"
 
-#include "../Console.h"
-#include "../DisplayText.h"
-#include "../Interruption.h"
+#include "Console.h"
+#include "DisplayText.h"
 #include "HtmlPage.h"
+#include "Interruption.h"
 #include "JUnitReport.h"
 #include "ValidateReport.h"
 

@@ -2,8 +2,8 @@
 
 /// `xcodhost validate`
 
-#include "../ExitStatus.h"
-#include "../Options.h"
+#include "ExitStatus.h"
+#include "Options.h"
 
 namespace xcodhost {
 

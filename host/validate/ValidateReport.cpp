@@ -1,7 +1,7 @@
 #include "ValidateReport.h"
 
-#include "../DisplayText.h"
-#include "../JsonDocument.h"
+#include "DisplayText.h"
+#include "JsonDocument.h"
 
 #include <macplatform/Bundles.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Console.h"
+#include "Console.h"
 #include "Validation.h"
 
 #include <string>

@@ -1,8 +1,8 @@
 #include "Validation.h"
 
-#include "../DisplayText.h"
-#include "../RunResult.h"
-#include "../ScratchVolume.h"
+#include "DisplayText.h"
+#include "RunResult.h"
+#include "ScratchVolume.h"
 #include "Trial.h"
 
 #include <algorithm>

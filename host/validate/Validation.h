@@ -2,10 +2,10 @@
 
 /// A bundle looked at by checks, each in a child process of its own.
 
-#include "../Child.h"
-#include "../ExitStatus.h"
-#include "../Messages.h"
 #include "Check.h"
+#include "Child.h"
+#include "ExitStatus.h"
+#include "Messages.h"
 
 #include <cstddef>
 #include <functional>

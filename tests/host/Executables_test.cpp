@@ -1,10 +1,10 @@
 // Executables read without loading them, good and broken, and what `info` makes of them.
 
 #include "CommandOutput.h"
-#include "ElfFile.h"
 #include "HostTool.h"
-#include "MachOFile.h"
 #include "TestBundle.h"
+#include "bundle/ElfFile.h"
+#include "bundle/MachOFile.h"
 
 #include <elf.h>
 #include <gmock/gmock.h>

@@ -1,10 +1,10 @@
 #include "Groups.h"
 
-#include "../../BundleInfo.h"
-#include "../../DisplayText.h"
-#include "../../ElfFile.h"
-#include "../../ExitStatus.h"
-#include "../Trial.h"
+#include "DisplayText.h"
+#include "ExitStatus.h"
+#include "bundle/BundleInfo.h"
+#include "bundle/ElfFile.h"
+#include "validate/Trial.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "Groups.h"
 
-#include "../../DisplayText.h"
-#include "../ProductContract.h"
-#include "../Trial.h"
+#include "DisplayText.h"
+#include "validate/ProductContract.h"
+#include "validate/Trial.h"
 
 #include <algorithm>
 

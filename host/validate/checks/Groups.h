@@ -2,7 +2,7 @@
 
 /// The checks by group, in the order of their needs.
 
-#include "../Check.h"
+#include "validate/Check.h"
 
 namespace xcodhost {
 

@@ -1,7 +1,7 @@
 #include "Groups.h"
 
-#include "../../DisplayText.h"
-#include "../Trial.h"
+#include "DisplayText.h"
+#include "validate/Trial.h"
 
 #include <cstring>
 

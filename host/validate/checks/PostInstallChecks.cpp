@@ -1,9 +1,9 @@
 #include "Groups.h"
 
-#include "../../DisplayText.h"
-#include "../ProductContract.h"
-#include "../Trial.h"
+#include "DisplayText.h"
 #include "StoredCalls.h"
+#include "validate/ProductContract.h"
+#include "validate/Trial.h"
 
 #include <algorithm>
 

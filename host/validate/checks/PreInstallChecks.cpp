@@ -1,8 +1,8 @@
 #include "Groups.h"
 
-#include "../ProductContract.h"
-#include "../Trial.h"
 #include "StoredCalls.h"
+#include "validate/ProductContract.h"
+#include "validate/Trial.h"
 
 namespace xcodhost {
 

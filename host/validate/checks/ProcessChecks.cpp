@@ -1,10 +1,10 @@
 #include "Groups.h"
 
-#include "../../ChildProcess.h"
-#include "../../Descriptor.h"
-#include "../../DisplayText.h"
-#include "../OutsideWrites.h"
-#include "../Trial.h"
+#include "ChildProcess.h"
+#include "Descriptor.h"
+#include "DisplayText.h"
+#include "validate/OutsideWrites.h"
+#include "validate/Trial.h"
 
 #include <algorithm>
 #include <clocale>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Trial.h"
+#include "validate/Trial.h"
 
 #include <string>
 #include <utility>
