@@ -3,7 +3,7 @@
 #include "Console.h"
 #include "DisplayText.h"
 #include "ExitStatus.h"
-#include "Interruption.h"
+#include "process/Interruption.h"
 
 #include <algorithm>
 #include <array>

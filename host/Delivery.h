@@ -2,8 +2,8 @@
 
 /// Loading a bundle and delivering events to it. Runs in the child process.
 
-#include "Child.h"
 #include "PluginContract.h"
+#include "process/Child.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 #include "DialogProcess.h"
 
-#include "ChildProcess.h"
 #include "ExitStatus.h"
-#include "Interruption.h"
+#include "process/ChildProcess.h"
+#include "process/Interruption.h"
 
 #include <array>
 #include <cerrno>

@@ -5,11 +5,11 @@
 #include "Console.h"
 #include "Delivery.h"
 #include "DisplayText.h"
-#include "Interruption.h"
 #include "RunReport.h"
 #include "RunReportJson.h"
 #include "ScratchVolume.h"
 #include "VolumeFolder.h"
+#include "process/Interruption.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -3,9 +3,9 @@
 /// What one run showed, before it is put into words.
 
 #include "Changes.h"
-#include "Child.h"
 #include "ExitStatus.h"
-#include "Messages.h"
+#include "process/Child.h"
+#include "process/Messages.h"
 
 #include <optional>
 #include <string>

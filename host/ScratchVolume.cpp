@@ -2,7 +2,7 @@
 
 #include "DisplayText.h"
 #include "ExitStatus.h"
-#include "Interruption.h"
+#include "process/Interruption.h"
 
 #include <array>
 #include <cerrno>

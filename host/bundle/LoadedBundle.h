@@ -2,8 +2,8 @@
 
 /// A bundle as the installer holds it. Runs in the child process and tells the parent what it is about to do.
 
-#include "Channel.h"
 #include "PluginContract.h"
+#include "process/Channel.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

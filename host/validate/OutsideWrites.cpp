@@ -1,8 +1,8 @@
 #include "OutsideWrites.h"
 
 #include "DisplayText.h"
-#include "Interruption.h"
 #include "WritingCalls.h"
+#include "process/Interruption.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Channel.h"
+#include "process/Channel.h"
 
 #include <functional>
 #include <string>

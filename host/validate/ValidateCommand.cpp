@@ -3,9 +3,9 @@
 #include "Console.h"
 #include "DisplayText.h"
 #include "HtmlPage.h"
-#include "Interruption.h"
 #include "JUnitReport.h"
 #include "ValidateReport.h"
+#include "process/Interruption.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -3,9 +3,9 @@
 /// A bundle looked at by checks, each in a child process of its own.
 
 #include "Check.h"
-#include "Child.h"
 #include "ExitStatus.h"
-#include "Messages.h"
+#include "process/Child.h"
+#include "process/Messages.h"
 
 #include <cstddef>
 #include <functional>

@@ -1,8 +1,8 @@
 #include "Groups.h"
 
-#include "ChildProcess.h"
-#include "Descriptor.h"
 #include "DisplayText.h"
+#include "process/ChildProcess.h"
+#include "process/Descriptor.h"
 #include "validate/OutsideWrites.h"
 #include "validate/Trial.h"
 
