@@ -3,7 +3,7 @@
 /// JSON as every command prints it.
 
 #include "ExitStatus.h"
-#include "FinderFlagNames.h"
+#include "volume/FinderFlagNames.h"
 
 #include <macplatform/PropertyList.h>
 

@@ -3,7 +3,7 @@
 /// The command line.
 
 #include "Answers.h"
-#include "SampleVolume.h"
+#include "volume/SampleVolume.h"
 
 #include <cstdint>
 #include <optional>

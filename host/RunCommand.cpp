@@ -7,9 +7,9 @@
 #include "DisplayText.h"
 #include "RunReport.h"
 #include "RunReportJson.h"
-#include "ScratchVolume.h"
-#include "VolumeFolder.h"
 #include "process/Interruption.h"
+#include "volume/ScratchVolume.h"
+#include "volume/VolumeFolder.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -2,10 +2,10 @@
 
 /// What one run showed, before it is put into words.
 
-#include "Changes.h"
 #include "ExitStatus.h"
 #include "process/Child.h"
 #include "process/Messages.h"
+#include "volume/Changes.h"
 
 #include <optional>
 #include <string>

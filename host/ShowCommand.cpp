@@ -1,11 +1,11 @@
 #include "ShowCommand.h"
 
-#include "Changes.h"
 #include "Console.h"
 #include "DisplayText.h"
 #include "JsonDocument.h"
-#include "VolumeFolder.h"
-#include "VolumeState.h"
+#include "volume/Changes.h"
+#include "volume/VolumeFolder.h"
+#include "volume/VolumeState.h"
 
 #include <utility>
 

@@ -3,10 +3,10 @@
 /// What a check works with, in its child process: the bundle, scratch volumes, and a record of all that the
 /// bundle does.
 
-#include "Changes.h"
-#include "SampleVolume.h"
-#include "VolumeState.h"
 #include "bundle/LoadedBundle.h"
+#include "volume/Changes.h"
+#include "volume/SampleVolume.h"
+#include "volume/VolumeState.h"
 
 #include <macplatform/Alerts.h>
 #include <macplatform/Journal.h>

@@ -2,8 +2,8 @@
 
 #include "DisplayText.h"
 #include "RunResult.h"
-#include "ScratchVolume.h"
 #include "Trial.h"
+#include "volume/ScratchVolume.h"
 
 #include <algorithm>
 #include <chrono>
