@@ -2,7 +2,7 @@
 
 /// The command line.
 
-#include "Answers.h"
+#include "alert/Answers.h"
 #include "volume/SampleVolume.h"
 
 #include <cstdint>

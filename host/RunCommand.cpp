@@ -1,12 +1,12 @@
 #include "RunCommand.h"
 
-#include "Answers.h"
 #include "BlockFile.h"
 #include "Console.h"
 #include "Delivery.h"
 #include "DisplayText.h"
 #include "RunReport.h"
 #include "RunReportJson.h"
+#include "alert/Answers.h"
 #include "process/Interruption.h"
 #include "volume/ScratchVolume.h"
 #include "volume/VolumeFolder.h"

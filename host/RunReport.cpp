@@ -1,7 +1,7 @@
 #include "RunReport.h"
 
-#include "Answers.h"
 #include "DisplayText.h"
+#include "alert/Answers.h"
 
 namespace xcodhost {
 

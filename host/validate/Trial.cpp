@@ -1,9 +1,9 @@
 #include "Trial.h"
 
-#include "Answers.h"
 #include "DisplayText.h"
 #include "ExitStatus.h"
 #include "RunReport.h"
+#include "alert/Answers.h"
 
 #include <macplatform/LiveObjects.h>
 #include <macplatform/StartupVolume.h>
