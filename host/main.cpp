@@ -3,11 +3,11 @@
 #include "InfoCommand.h"
 #include "JsonDocument.h"
 #include "Options.h"
-#include "RunCommand.h"
 #include "ShowCommand.h"
 #include "VolumeCommand.h"
 #include "process/Interruption.h"
 #include "process/Worker.h"
+#include "run/RunCommand.h"
 #include "validate/ChecksCommand.h"
 #include "validate/ValidateCommand.h"
 

@@ -4,8 +4,8 @@
 #include "MarkupText.h"
 #include "PluginContract.h"
 #include "ProductContract.h"
-#include "RunCommand.h"
 #include "ValidateReport.h"
+#include "run/RunCommand.h"
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 
 #include "DisplayText.h"
 #include "ExitStatus.h"
-#include "RunReport.h"
 #include "alert/Answers.h"
+#include "run/RunReport.h"
 
 #include <macplatform/LiveObjects.h>
 #include <macplatform/StartupVolume.h>

@@ -1,8 +1,8 @@
 #include "Validation.h"
 
 #include "DisplayText.h"
-#include "RunResult.h"
 #include "Trial.h"
+#include "run/RunResult.h"
 #include "volume/ScratchVolume.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "StoredCalls.h"
 
 #include "DisplayText.h"
-#include "RunReport.h"
+#include "run/RunReport.h"
 
 #include <algorithm>
 
