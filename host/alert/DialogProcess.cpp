@@ -2,6 +2,7 @@
 
 #include "ExitStatus.h"
 #include "process/ChildProcess.h"
+#include "process/Descriptor.h"
 #include "process/Interruption.h"
 
 #include <array>
@@ -26,40 +27,36 @@ constexpr std::size_t kMostOutput = 65536;
 /// its end open.
 class Captured {
 public:
-    Captured() : descriptor(memfd_create("dialog", MFD_CLOEXEC)) {
-        if (descriptor < 0) throw ToolFault::FromErrno("no memory for the window's answer");
+    Captured() : file(memfd_create("dialog", MFD_CLOEXEC)) {
+        if (file.Number() < 0) throw ToolFault::FromErrno("no memory for the window's answer");
     }
-    Captured(const Captured&) = delete;
-    Captured& operator=(const Captured&) = delete;
-    ~Captured() { close(descriptor); }
 
-    int Descriptor() const { return descriptor; }
+    int Number() const { return file.Number(); }
     std::string Text() const {
         std::string text(kMostOutput, '\0');
-        const ssize_t count = pread(descriptor, text.data(), text.size(), 0);
+        const ssize_t count = pread(file.Number(), text.data(), text.size(), 0);
         text.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
         return text;
     }
 
 private:
-    int descriptor;
+    Descriptor file;
 };
 
 /// Ends the program's whole process group and reaps it, at the latest when it goes out of scope.
 class RunningDialog {
 public:
     explicit RunningDialog(pid_t processId)
-        : id(processId), process(static_cast<int>(syscall(SYS_pidfd_open, processId, 0))) {}
+        : id(processId), end(static_cast<int>(syscall(SYS_pidfd_open, processId, 0))) {}
     RunningDialog(const RunningDialog&) = delete;
     RunningDialog& operator=(const RunningDialog&) = delete;
     ~RunningDialog() {
-        Reap();
-        if (process >= 0) close(process);
+        if (id > 0) Reap();
     }
 
     int Wait(const Interruption& interruption) {
-        if (process < 0) throw ToolFault::FromErrno("the window cannot be waited for");
-        std::array<pollfd, 2> waits{{{process, POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
+        if (end.Number() < 0) throw ToolFault::FromErrno("the window cannot be waited for");
+        std::array<pollfd, 2> waits{{{end.Number(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
         while (waits[0].revents == 0) {
             if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
                 throw ToolFault::FromErrno("the window cannot be waited for");
@@ -70,16 +67,10 @@ public:
     }
 
 private:
-    int Reap() {
-        if (isReaped) return status;
-        isReaped = true;
-        return status = EndGroup(id);
-    }
+    int Reap() { return EndGroup(std::exchange(id, 0)); }
 
-    pid_t id;
-    int process;
-    int status = 0;
-    bool isReaped = false;
+    pid_t id; ///< 0 once it is reaped.
+    Descriptor end;
 };
 
 [[noreturn]] void Become(const std::vector<std::string>& command, const Captured& output,
@@ -88,8 +79,8 @@ private:
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(127); // it died before the line above
     const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0 || dup2(output.Descriptor(), STDOUT_FILENO) < 0 ||
-        dup2(errors.Descriptor(), STDERR_FILENO) < 0) {
+    if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0 || dup2(output.Number(), STDOUT_FILENO) < 0 ||
+        dup2(errors.Number(), STDERR_FILENO) < 0) {
         _exit(127);
     }
     interruption.LiftInChild();
