@@ -5,7 +5,6 @@
 #include "Tried.h"
 #include "platform/FinderItem.h"
 
-#include <climits>
 #include <exception>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -182,44 +181,6 @@ TEST_F(PostInstallStep, RunningOutOfMemoryReachesTheHost) {
     EXPECT_EQ(Preferences(updater), Texts{});
 }
 
-TEST_F(PostInstallStep, StoresTheLanguageWithTheProduct) {
-    const std::pair<std::int32_t, const char*> products[] = {
-        {1400, "com.korvane.audioplugins.Tamblor"},   {3100, "com.korvane.audioapps.Restora"},
-        {3500, "com.korvane.audioplugins.Meridian4"}, {5200, "com.korvane.audioplugins.Gildmark"},
-        {5100, "com.korvane.audioplugins.Larynth"},   {5000, "com.korvane.tonecleanser"},
-        {4900, "com.korvane.audioplugins.Fusewright"}};
-    const std::pair<std::int32_t, const char*> languages[] = {
-        {0, "en"},  {1, "fr"},  {2, "de"},   {3, "it"},       {4, "en"},      {5, "en"},
-        {6, "es"},  {7, "en"},  {8, "en"},   {9, "en"},       {10, "en"},     {11, "ja"},
-        {12, "en"}, {-1, "en"}, {267, "en"}, {INT_MAX, "en"}, {INT_MIN, "en"}};
-    for (const auto& [product, domain] : products) {
-        for (const auto& [language, tag] : languages) {
-            EXPECT_EQ(Deliver({3, product, language}), 0U);
-            EXPECT_EQ(Preferences(domain), Texts{"Lang = \"" + std::string(tag) + '"'}) << language;
-        }
-    }
-}
-
-TEST_F(PostInstallStep, UnknownProductGetsTheFinderFlagsAlone) {
-    WriteStatus("UpdatesEnabled");
-    MakeItem(folder, true, 0);
-    MakeItem(icon, false, 0);
-    EXPECT_EQ(Deliver({3, 1234}), 0U);
-    EXPECT_EQ(effects, (Texts{"FSSetCatalogInfo \"/Applications/Korvane\"",
-                              "FSSetCatalogInfo \"/Applications/Korvane/Icon\\r\""}));
-    EXPECT_FALSE(fs::exists(OnVolume("/Library/Preferences")));
-}
-
-TEST_F(PostInstallStep, ChangesItsTwoFinderFlagsAndNoOther) {
-    MakeItem(folder, true, 0x4000 | 0x1001);
-    MakeItem(icon, false, 0x0400 | 0x200E);
-    for (int run = 1; run <= 2; ++run) {
-        EXPECT_EQ(Deliver({3}), 0U);
-        EXPECT_EQ(Flags(folder), 0x0400 | 0x1001) << run;
-        EXPECT_EQ(Flags(icon), 0x4000 | 0x200E) << run;
-    }
-}
-
 TEST_F(PostInstallStep, MissingOrRefusingItemsAreSkipped) {
     EXPECT_EQ(Deliver({3, 1234}), 0U);
     EXPECT_EQ(effects, Texts{});
@@ -238,15 +199,6 @@ TEST_F(PostInstallStep, MissingOrRefusingItemsAreSkipped) {
         EXPECT_EQ(Flags(folder), 0x4000) << call;
         EXPECT_EQ(Flags(icon), 0x4000) << call;
     }
-}
-
-TEST_F(PostInstallStep, NoMemoryForTheNumberLeavesTheIntervalAsItStands) {
-    WriteStatus("disabled");
-    EXPECT_EQ(Deliver({3}), 0U);
-    WriteStatus("UpdatesEnabled");
-    macplatform::OrderFault({"CFNumberCreate"});
-    EXPECT_EQ(Deliver({3}), 0U);
-    EXPECT_EQ(Preferences(updater), Texts{disabled});
 }
 
 } // namespace

@@ -16,18 +16,6 @@ using testing::ElementsAre;
 
 namespace {
 
-TEST(Objects, CountReferencesUntilTheLastFrees) {
-    const std::size_t before = LiveObjectCount();
-    const CFStringRef text = NewText("abc");
-    EXPECT_EQ(CFGetRetainCount(text), 1);
-    EXPECT_EQ(CFRetain(text), text);
-    EXPECT_EQ(CFGetRetainCount(text), 2);
-    CFRelease(text);
-    EXPECT_EQ(LiveObjectCount(), before + 1);
-    CFRelease(text);
-    EXPECT_EQ(LiveObjectCount(), before);
-}
-
 TEST(Objects, AreListedInTheOrderOfTheirMaking) {
     const CFStringRef first = NewText("first");
     const CFStringRef gone = NewText("gone");

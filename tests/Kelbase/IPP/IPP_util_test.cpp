@@ -204,12 +204,6 @@ TEST(IPPForms, FillWholeElementsOnly) {
     }
 }
 
-TEST(IPPForms, UsesTheBestOneThatTheProcessorHas) {
-    const Form* const* form = IPP::allForms;
-    while (!(*form)->isSupported()) ++form;
-    EXPECT_EQ(&IPP::ChosenForm(), *form);
-}
-
 // The routines themselves, with literals
 
 template <typename Target, typename Source, typename... Arguments>
