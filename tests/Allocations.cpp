@@ -16,10 +16,13 @@ std::size_t allocationCount() { return count; }
 ScarceMemory::ScarceMemory(std::size_t largestBlock) { limit = largestBlock; }
 ScarceMemory::~ScarceMemory() { limit = SIZE_MAX; }
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+extern "C" void* __real_malloc(std::size_t size);
+extern "C" void* __wrap_malloc(std::size_t size) {
     ++count;
-    return size <= limit ? std::malloc(size ? size : 1) : nullptr;
+    return size <= limit ? __real_malloc(size) : nullptr;
 }
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size ? size : 1); }
 void* operator new(std::size_t size) {
     if (void* const block = operator new(size, std::nothrow)) return block;
     throw std::bad_alloc();

@@ -2,9 +2,10 @@
 
 #include <cstddef>
 
-// A program that links Allocations.cpp has its own global operator new; bundles that it loads take it, too.
+// A program that links counted_allocations has its own malloc, and operator new; bundles that it loads take
+// the operator, too.
 
-/// Calls of operator new so far.
+/// Calls of malloc and of operator new so far.
 std::size_t allocationCount();
 
 /// Allocations that `work` makes.
@@ -15,7 +16,7 @@ std::size_t AllocationsOf(Work work) {
     return allocationCount() - before;
 }
 
-/// While one lives, operator new refuses blocks larger than this.
+/// While one lives, malloc and operator new refuse blocks larger than this.
 class ScarceMemory {
 public:
     explicit ScarceMemory(std::size_t largestBlock);

@@ -39,17 +39,24 @@ const char* FailingCall::Name() const { return failed; }
 
 std::size_t LiveBlocks() { return liveBlocks; }
 
-void* operator new(std::size_t size) {
-    void* const block = Fails("new") ? nullptr : std::malloc(size ? size : 1);
-    if (!block) throw std::bad_alloc();
-    ++liveBlocks;
+extern "C" void* __real_malloc(std::size_t size);
+extern "C" void* __wrap_malloc(std::size_t size) {
+    void* const block = Fails("malloc") ? nullptr : __real_malloc(size);
+    if (block) ++liveBlocks;
     return block;
 }
-void operator delete(void* block) noexcept {
+extern "C" void __real_free(void* block);
+extern "C" void __wrap_free(void* block) {
     if (block) --liveBlocks;
-    std::free(block);
+    __real_free(block);
 }
-void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
+
+void* operator new(std::size_t size) {
+    if (void* const block = std::malloc(size ? size : 1)) return block;
+    throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 /// A call of the library under its own name, and under the one for large files that 32-bit code takes.
 #define FAILING_CALL(RESULT, FAILURE, NAME, LARGE, PARAMETERS, ARGUMENTS)                                    \

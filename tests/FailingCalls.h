@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// While one lives, call `number` (from 0) of those below fails with `errorNumber`: operator new, and the
+/// While one lives, call `number` (from 0) of those below fails with `errorNumber`: malloc, and the
 /// file calls of the C library that code linked into this program makes. A call that moves bytes moves half
 /// of them first; a failing fclose closes. A program links FailingCalls.cpp and is linked with the options
 /// that failing_calls names.
@@ -13,9 +13,9 @@ public:
     FailingCall& operator=(const FailingCall&) = delete;
     ~FailingCall();
 
-    /// "fopen", or "new"; null as long as none failed.
+    /// "fopen", or "malloc"; null as long as none failed.
     const char* Name() const;
 };
 
-/// Blocks that operator new gave and nobody gave back.
+/// Blocks that malloc and operator new gave and nobody gave back.
 std::size_t LiveBlocks();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <new>
 #include <stdexcept>
 
@@ -48,7 +49,8 @@ void refuseLength() { throw std::length_error("String: too long"); }
 /// A block for one holder, its bytes yet to be written. Both numbers are such as `checkedLength` lets
 /// through.
 String::Block* String::NewBlock(std::size_t length, std::size_t capacity) {
-    void* const memory = ::operator new(sizeof(Block) + capacity + 1);
+    void* const memory = std::malloc(sizeof(Block) + capacity + 1); // the operators would only pass it on
+    if (!memory) throw std::bad_alloc();
     const auto newLength = static_cast<unsigned int>(length),
                newCapacity = static_cast<unsigned int>(capacity);
     Block* const b = new (memory) Block{1, newLength, newCapacity};
@@ -56,7 +58,7 @@ String::Block* String::NewBlock(std::size_t length, std::size_t capacity) {
     return b;
 }
 
-void String::Free(Block* b) noexcept { ::operator delete(b); }
+void String::Free(Block* b) noexcept { std::free(b); }
 
 String::String(std::string_view bytes) {
     if (bytes.empty()) return;

@@ -84,7 +84,7 @@ std::vector<std::string> WithEachCallFailing(const char* source, const std::stri
         const bool isOpen = world.file.IsOpen();
         world.file.SetPath({});
         EXPECT_EQ(OpenDescriptors(), descriptors) << failing.Name();
-        if (failing.Name() == std::string("new")) {
+        if (failing.Name() == std::string("malloc")) {
             EXPECT_THAT(told, AnyOf(StrEq("out of memory"), StrEq(world.answer)));
         } else {
             outcomes.push_back(failing.Name() + std::string(": ") + told + (isOpen ? " (open)" : ""));
