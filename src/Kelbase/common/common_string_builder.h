@@ -25,6 +25,9 @@ public:
         return *this;
     }
 
+    /// The next `n` bytes, for the caller to write.
+    char* Take(std::size_t n) { return std::exchange(end, end + n); }
+
     /// Where the next byte goes, for those who write there themselves; they then `Finish` at another place.
     char* End() { return end; }
 

@@ -2,21 +2,29 @@
 
 #include <array>
 #include <climits>
+#include <cstddef>
 #include <cstring>
+#include <limits>
 
 constexpr char digitAlphabet[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
-/// "00" to "99": two digits a division.
-inline constexpr std::array<char, 200> digitPairs = [] {
-    std::array<char, 200> pairs{};
-    for (unsigned int i = 0; i < 200; ++i) pairs[i] = digitAlphabet[i % 2 == 0 ? i / 20 : i / 2 % 10];
+/// All pairs of digits of a base, in order: two digits a division.
+template <unsigned int base>
+constexpr std::array<char, 2 * base * base> allPairs() {
+    std::array<char, 2 * base * base> pairs{};
+    for (unsigned int i = 0; i < base * base; ++i) {
+        pairs[2 * i] = digitAlphabet[i / base];
+        pairs[2 * i + 1] = digitAlphabet[i % base];
+    }
     return pairs;
-}();
+}
+inline constexpr auto decimalPairs = allPairs<10>();
+inline constexpr auto hexadecimalPairs = allPairs<16>();
 
 /// Writes exactly `count` decimal digits in front of `end`, the lowest ones of `v`, and answers where they
 /// begin.
 inline char* writeLowDigits(char* end, unsigned int v, unsigned int count) {
-    for (; count > 1; count -= 2, v /= 100) std::memcpy(end -= 2, &digitPairs[v % 100 * 2], 2);
+    for (; count > 1; count -= 2, v /= 100) std::memcpy(end -= 2, &decimalPairs[v % 100 * 2], 2);
     if (count > 0) *--end = digitAlphabet[v % 10];
     return end;
 }
@@ -26,22 +34,55 @@ inline char* writeDecimal(char* end, unsigned long long v) {
     for (; v > UINT_MAX; v /= 100000000)
         end = writeLowDigits(end, static_cast<unsigned int>(v % 100000000), 8);
     auto low = static_cast<unsigned int>(v); // 32 bits divide faster
-    for (; low >= 100; low /= 100) std::memcpy(end -= 2, &digitPairs[low % 100 * 2], 2);
+    for (; low >= 100; low /= 100) std::memcpy(end -= 2, &decimalPairs[low % 100 * 2], 2);
     if (low < 10) {
         *--end = digitAlphabet[low];
         return end;
     }
     end -= 2;
-    std::memcpy(end, &digitPairs[low * 2], 2);
+    std::memcpy(end, &decimalPairs[low * 2], 2);
     return end;
 }
 
-/// The same in another base, from 2 to 36.
-template <typename Base>
-char* writeDigits(char* end, unsigned long long v, Base base) {
+/// Bits that `v` takes, 1 for zero.
+inline unsigned int countBits(unsigned long long v) {
+    return static_cast<unsigned int>(std::numeric_limits<unsigned long long>::digits -
+                                     __builtin_clzll(v | 1));
+}
+
+/// Digits of `v` in base 10.
+inline unsigned int countDecimal(unsigned long long v) {
+    static constexpr std::array<unsigned long long, 20> powers = [] {
+        std::array<unsigned long long, 20> list{}; // 0 for the first: zero has a digit too
+        for (std::size_t i = 1; i < list.size(); ++i) list[i] = i == 1 ? 10 : list[i - 1] * 10;
+        return list;
+    }();
+    const unsigned int atLeast = countBits(v) * 1233 / 4096; // 1233 / 4096 is just above log10 2
+    return atLeast + (v >= powers[atLeast]);
+}
+
+/// The same in base 16.
+inline unsigned int countHexadecimal(unsigned long long v) { return (countBits(v) + 3) / 4; }
+
+/// Writes them in front of `end`, as many as there are.
+inline void writeHexadecimal(char* end, unsigned long long v, unsigned int count) {
+    for (; count > 1; count -= 2, v >>= 8) std::memcpy(end -= 2, &hexadecimalPairs[(v & 0xFF) * 2], 2);
+    if (count > 0) *--end = digitAlphabet[v];
+}
+
+/// Digits of `v` in a base from 2 to 36.
+inline unsigned int countDigits(unsigned long long v, unsigned int base) {
+    const unsigned long long lastToGrow = ULLONG_MAX / base;
+    unsigned int count = 1;
+    for (unsigned long long power = base; v >= power; power *= base) {
+        ++count;
+        if (power > lastToGrow) break;
+    }
+    return count;
+}
+inline void writeDigits(char* end, unsigned long long v, unsigned int base) {
     do {
         *--end = digitAlphabet[v % base];
         v /= base;
     } while (v != 0);
-    return end;
 }

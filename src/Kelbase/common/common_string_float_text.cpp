@@ -18,8 +18,9 @@ constexpr unsigned int powersOfTen[] = {1,      10,      100,      1000,      10
                                         100000, 1000000, 10000000, 100000000, 1000000000};
 
 char letterOf(const checked_value<unsigned int>& format) {
+    if (!format.IsGiven()) return 'f';
     for (const char known : {'F', 'e', 'E', 'g', 'G'}) {
-        if (format.IsGiven() && format == static_cast<unsigned int>(known)) return known;
+        if (format == static_cast<unsigned int>(known)) return known;
     }
     return 'f';
 }

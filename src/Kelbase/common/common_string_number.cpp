@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <type_traits>
 
 char g_chDecimalPoint = '.';
 
@@ -32,35 +31,33 @@ struct TextPart {
 /// The digits of an integer, "0" before them up to a width, and the sign before all.
 class IntegerPart {
 public:
-    IntegerPart(unsigned long long magnitude, bool negative, unsigned int base, const Width& width)
-        : first(Digits(magnitude, base)), minus(negative) {
-        if (width > Count())
-            zeros = width - Count();
-        else if (minus)
-            *--first = '-';
+    IntegerPart(unsigned long long m, bool negative, unsigned int b, const Width& width)
+        : magnitude(m), base(b), digits(Count()), minus(negative) {
+        if (width > digits) zeros = width - digits;
     }
-    IntegerPart(const IntegerPart&) = delete;
-    IntegerPart& operator=(const IntegerPart&) = delete;
 
-    unsigned long long Length() const { return Count() + (zeros ? 0ull + zeros + minus : 0); }
+    unsigned long long Length() const { return 0ull + minus + zeros + digits; }
     void AddTo(StringBuilder& text) const {
-        if (zeros && minus) text.Add('-');
-        for (unsigned int i = 0; i < zeros; ++i) text.Add('0');
-        text.Add(std::string_view(first, Count()));
+        if (minus) text.Add('-');
+        if (zeros) std::memset(text.Take(zeros), '0', zeros);
+        char* const end = text.Take(digits) + digits;
+        if (base == 10)
+            writeDecimal(end, magnitude);
+        else if (base == 16)
+            writeHexadecimal(end, magnitude, digits);
+        else
+            writeDigits(end, magnitude, base);
     }
 
 private:
-    char* Digits(unsigned long long v, unsigned int base) {
-        char* const end = room + sizeof room;
-        if (base == 10) return writeDecimal(end, v);
-        if (base == 16) return writeDigits(end, v, std::integral_constant<unsigned int, 16>());
-        return writeDigits(end, v, base);
+    unsigned int Count() const {
+        return base == 10   ? countDecimal(magnitude)
+               : base == 16 ? countHexadecimal(magnitude)
+                            : countDigits(magnitude, base);
     }
-    unsigned int Count() const { return static_cast<unsigned int>(room + sizeof room - first); }
 
-    char room[sizeof(unsigned long long) * CHAR_BIT + 1];
-    char* first;
-    unsigned int zeros = 0;
+    unsigned long long magnitude;
+    unsigned int base, digits, zeros = 0;
     bool minus;
 };
 

@@ -110,5 +110,16 @@ TEST(StringNumber, AgreesWithTheCLibrary) {
         }
         const auto bits = static_cast<long long>(random() >> random() % 64);
         ASSERT_EQ(Bytes(String::Number(bits)), std::to_string(bits));
+        const auto base = static_cast<unsigned int>(2 + random() % 35);
+        const auto value = static_cast<unsigned int>(random() >> (32 + random() % 32));
+        std::string digits;
+        for (unsigned int rest = value; rest != 0 || digits.empty(); rest /= base)
+            digits.insert(0, 1, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"[rest % base]);
+        ASSERT_EQ(Bytes(String::Number(value, base)), digits) << base;
+        ASSERT_EQ(String(digits.c_str()).ToUInt(nullptr, base), value) << digits << " " << base;
+    }
+    for (unsigned long long power = 1; power < ULLONG_MAX / 10; power *= 10) {
+        for (const unsigned long long v : {power - 1, power})
+            ASSERT_EQ(Bytes(String::Number(v)), std::to_string(v));
     }
 }
