@@ -3,6 +3,7 @@
 #include <Kelbase/common/common_string_decimal.h>
 #include <Kelbase/common/common_string_locale.h>
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -48,25 +49,40 @@ String normalizeNumberString(const String& s) {
     return String(units.get(), 1);
 }
 
-/// The value of a digit in a base up to 36; more than any such base for what is no digit.
-unsigned int digitValue(char c) {
-    const unsigned int decimal = static_cast<unsigned char>(c) - unsigned{'0'};
-    if (decimal < 10) return decimal;
-    const unsigned int letter = (static_cast<unsigned char>(c) | 0x20) - unsigned{'a'};
-    return letter < 26 ? letter + 10 : 99;
-}
+constexpr unsigned char noDigit = 99;
+
+/// The value that each byte has as a digit of a base up to 36.
+constexpr std::array<unsigned char, 256> digitValues = [] {
+    std::array<unsigned char, 256> values{};
+    for (unsigned char& value : values) value = noDigit;
+    for (unsigned char i = 0; i < 10; ++i) values['0' + i] = i;
+    for (unsigned char i = 0; i < 26; ++i)
+        values['a' + i] = values['A' + i] = static_cast<unsigned char>(10 + i);
+    return values;
+}();
+
+unsigned int digitValue(char c) { return digitValues[static_cast<unsigned char>(c)]; }
 
 const char* skipSpace(const char* p, const char* end) {
     while (p < end && Char(*p).IsSpace()) ++p;
     return p;
 }
 
-/// Reads the digits at `p`, which it moves behind them. False when they make no `U`.
+/// What a text says an integer is: nothing but white space around a sign and digits.
 template <typename U>
-bool scanUInt(const char*& p, const char* end, unsigned int base, U& value) {
+struct Integer {
+    U magnitude = 0;
+    bool minus = false;
+    bool isGood = false;
+};
+
+/// Reads the digits at `p`, which it moves behind them; what ends them may be the NUL behind the text. False
+/// when they make no `U`.
+template <typename U>
+bool scanUInt(const char*& p, unsigned int base, U& value) {
     constexpr U largest = std::numeric_limits<U>::max();
     unsigned long long sum = 0;
-    for (unsigned int digit; p < end && (digit = digitValue(*p)) < base; ++p) {
+    for (unsigned int digit; (digit = digitValue(*p)) < base; ++p) {
         if constexpr (sizeof(U) < sizeof sum) {
             sum = sum * base + digit;
             if (sum > largest) return false;
@@ -79,34 +95,39 @@ bool scanUInt(const char*& p, const char* end, unsigned int base, U& value) {
     return true;
 }
 
-/// Sign, digits and nothing else but white space around them. `minus` is null where "-" is no sign.
 template <typename U>
-bool readMagnitude(const String& s, unsigned int base, U& magnitude, bool* minus) {
-    const char* const end = s.Latin1() + s.GetLength();
-    const char* p = skipSpace(s.Latin1(), end);
-    if (p < end && (*p == '+' || (minus && *p == '-'))) {
-        if (minus) *minus = *p == '-';
-        ++p;
+Integer<U> readInteger(const String& s, unsigned int base, bool minusAllowed) {
+    Integer<U> number;
+    const char* p = s.Latin1();
+    const char* const end = p + s.GetLength();
+    if (digitValue(*p) >= base) { // most texts begin with a digit
+        p = skipSpace(p, end);
+        if (p < end && (*p == '+' || (minusAllowed && *p == '-'))) number.minus = *p++ == '-';
+        if (digitValue(*p) >= base) return number;
     }
-    if (p == end || digitValue(*p) >= base) return false;
-    return scanUInt(p, end, base, magnitude) && skipSpace(p, end) == end;
+    number.isGood = scanUInt(p, base, number.magnitude) && (p == end || skipSpace(p, end) == end);
+    return number;
+}
+
+/// Out of the way of those that most texts take.
+template <typename U>
+[[gnu::noinline]] Integer<U> readNormalizedInteger(const String& s, unsigned int base, bool minusAllowed) {
+    return isAscii(s) ? Integer<U>() : readInteger<U>(normalizeNumberString(s), base, minusAllowed);
 }
 
 /// Normalising changes no digit, sign or white space of ASCII: only a text with others is read again.
 template <typename U>
-bool parseMagnitude(const String& s, unsigned int base, U& magnitude, bool* minus) {
-    if (base > 36) return false;
-    return readMagnitude(s, base, magnitude, minus) ||
-           (!isAscii(s) && readMagnitude(normalizeNumberString(s), base, magnitude, minus));
+Integer<U> parseInteger(const String& s, unsigned int base, bool minusAllowed) {
+    if (base > 36) return {};
+    const Integer<U> number = readInteger<U>(s, base, minusAllowed);
+    return number.isGood ? number : readNormalizedInteger<U>(s, base, minusAllowed);
 }
 
 template <typename U>
 U toUInt(bool* ok, unsigned int base, const String& s) {
-    if (ok) *ok = false;
-    U value = 0;
-    if (!parseMagnitude<U>(s, base, value, nullptr)) return 0;
-    if (ok) *ok = true;
-    return value;
+    const Integer<U> number = parseInteger<U>(s, base, false);
+    if (ok) *ok = number.isGood;
+    return number.isGood ? number.magnitude : 0;
 }
 
 // Each width has accepted ranges of its own, which callers have come to rely on.
@@ -128,12 +149,9 @@ long long fromMagnitude(unsigned long long magnitude, bool minus, bool& good) {
 
 template <typename U, typename S>
 S toInt(bool* ok, unsigned int base, const String& s) {
-    if (ok) *ok = false;
-    U magnitude = 0;
-    bool minus = false;
-    if (!parseMagnitude<U>(s, base, magnitude, &minus)) return 0;
-    bool good = false;
-    const S value = fromMagnitude(magnitude, minus, good);
+    const Integer<U> number = parseInteger<U>(s, base, true);
+    bool good = number.isGood;
+    const S value = good ? fromMagnitude(number.magnitude, number.minus, good) : S{0};
     if (ok) *ok = good;
     return good ? value : S{0};
 }
