@@ -230,6 +230,9 @@ private:
     static Block* NewBlock(std::size_t length, std::size_t capacity);
     static void Free(Block* b) noexcept;
 
+    /// As strstr, with "A"-"Z" and "a"-"z" taken as the same.
+    static const char* FindFolded(const char* s, const char* part);
+
     std::string_view Bytes() const { return {Latin1(), GetLength()}; }
     /// Nobody else sees the text: it may be edited in place.
     bool IsSoleHolder() const { return block && block->holders == 1; }
@@ -246,6 +249,14 @@ private:
 String operator+(String a, const String& b);
 String operator+(String a, const char* b);
 ///@}
+
+inline checked_value<unsigned int> String::Find(const char* s, unsigned int start, bool caseSensitive) const {
+    if (!s || start >= GetLength()) return {};
+    const char* const from = Latin1() + start;
+    const char* const found = caseSensitive ? std::strstr(from, s) : FindFolded(from, s);
+    if (!found) return {};
+    return static_cast<unsigned int>(found - Latin1());
+}
 
 ///@{
 /// By the bytes up to the first NUL, as unsigned numbers. A null character pointer ranks above every String.

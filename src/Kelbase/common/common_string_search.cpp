@@ -12,13 +12,6 @@ Position positionAt(std::size_t i) { return Position(static_cast<unsigned int>(i
 
 char folded(char c) { return Char(c).ToLower(); }
 
-/// As strstr, with "A"-"Z" and "a"-"z" taken as the same.
-const char* findFolded(const char* s, std::string_view part) {
-    if (part.empty()) return s;
-    const std::size_t place = text_scan::FindFolded(s, part);
-    return place == part.npos ? nullptr : s + place;
-}
-
 /// Whether `n` bytes are equal, or all those before a NUL that both have.
 bool equalUpToNul(const char* a, const char* b, std::size_t n, bool caseSensitive) {
     return caseSensitive ? std::strncmp(a, b, n) == 0 : text_scan::EqualFolded(a, b, n);
@@ -39,13 +32,6 @@ checked_value<unsigned int> String::Find(char c, unsigned int start, bool caseSe
     return {};
 }
 
-checked_value<unsigned int> String::Find(const char* s, unsigned int start, bool caseSensitive) const {
-    if (!s || start >= GetLength()) return {};
-    const char* from = Latin1() + start;
-    const char* found = caseSensitive ? std::strstr(from, s) : findFolded(from, s);
-    return found ? positionAt(static_cast<std::size_t>(found - Latin1())) : Position();
-}
-
 checked_value<unsigned int> String::FindRev(char c, const checked_value<unsigned int>& start,
                                             bool caseSensitive) const {
     const std::string_view bytes = Bytes();
@@ -55,6 +41,12 @@ checked_value<unsigned int> String::FindRev(char c, const checked_value<unsigned
         if (bytes[i] == c || (!caseSensitive && folded(bytes[i]) == folded(c))) return positionAt(i);
     }
     return {};
+}
+
+const char* String::FindFolded(const char* s, const char* part) {
+    if (!*part) return s;
+    const std::size_t place = text_scan::FindFolded(s, part);
+    return place == std::string_view::npos ? nullptr : s + place;
 }
 
 bool String::BeginsWith(const String& p, bool caseSensitive) const {
