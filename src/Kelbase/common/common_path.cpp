@@ -70,7 +70,7 @@ private:
 ///
 /// The name that follows such a ".." is taken over unseen, so that of two in a row the second one stays. A
 /// separator at the start stands behind an empty name, two or more behind two; a ".." takes these away as
-/// well.
+/// well. What has been written is never longer than what has been read.
 std::string_view cleanDirPath(std::string_view s, char* const out) {
     if (s.empty()) return {};
     s = withoutTrailingSeparators(s);
@@ -84,11 +84,13 @@ std::string_view cleanDirPath(std::string_view s, char* const out) {
     for (bool examine = true; p < last;) {
         const std::string_view before(out, static_cast<std::size_t>(end - out));
         if (count > 0) *end++ = '/';
-        const char* const name = end;
-        while (p < last && !isSeparator(*p)) *end++ = *p++;
+        const std::size_t size = text_scan::CopyName({p, static_cast<std::size_t>(last - p)}, end);
+        const std::string_view name(end, size);
+        end += size;
+        p += size;
         while (p < last && isSeparator(*p)) ++p;
-        if (examine && count > 0 && isParent({name, static_cast<std::size_t>(end - name)})) {
-            end = out + (--count > 0 ? before.rfind('/') : 0);
+        if (examine && count > 0 && isParent(name)) {
+            end = out + (--count > 0 ? text_scan::LastSeparator(before) : 0);
             examine = false;
         } else {
             ++count;
@@ -134,19 +136,12 @@ bool areEqual(const String& a, const String& b) {
     return (hasNul(stemA) || hasNul(stemB)) && compare(a, b) == 0;
 }
 
-/// Position of the last separator; `npos` when there is none.
-std::size_t lastSeparator(std::string_view s) {
-    std::size_t n = s.size();
-    while (n > 0 && !isSeparator(s[n - 1])) --n;
-    return n - 1;
-}
-
 bool hasDrive(std::string_view s) { return s.size() >= 2 && s[1] == ':'; }
 
 /// The last name.
 std::string_view getFile(std::string_view s) {
     s = withoutTrailingSeparators(s);
-    const std::size_t p = lastSeparator(s);
+    const std::size_t p = text_scan::LastSeparator(s);
     return s.substr(p != s.npos ? p + 1 : hasDrive(s) ? 2 : 0);
 }
 
@@ -166,7 +161,7 @@ String slice(const String& s, std::string_view part) {
 /// Everything before the last name.
 String getDirectory(const String& s) {
     const std::string_view text = withoutTrailingSeparators(view(s));
-    const std::size_t p = lastSeparator(text);
+    const std::size_t p = text_scan::LastSeparator(text);
     if (p == text.npos) return hasDrive(text) ? s.Left(2) + "/" : String(".");
     if (p == 0) return "/";
     if (p == 2 && hasDrive(text)) return s.Left(3);

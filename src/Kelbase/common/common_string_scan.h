@@ -24,6 +24,13 @@ char* WriteWords(std::string_view text, char* out);
 /// Place of the "%" that the lowest digit follows, the first of equal ones; `npos` when there is none.
 std::size_t LowestPlaceholder(std::string_view text);
 
+/// Place of the last "/" or "\"; `npos` when there is none.
+std::size_t LastSeparator(std::string_view text);
+
+/// Copies what stands before the first "/" or "\" to `out` and answers how many bytes; those of `out` from
+/// there to `text.size()` are undefined.
+std::size_t CopyName(std::string_view text, char* out);
+
 /// Whether the text has a "\", a doubled "/", or a "/" before "..".
 bool HasDirtyPath(std::string_view text);
 

@@ -57,6 +57,20 @@ inline std::size_t LowestPlaceholder(std::string_view text) {
     return best;
 }
 
+inline bool isSeparator(char c) { return c == '/' || c == '\\'; }
+
+inline std::size_t LastSeparator(std::string_view text) {
+    std::size_t n = text.size();
+    while (n > 0 && !isSeparator(text[n - 1])) --n;
+    return n - 1;
+}
+
+inline std::size_t CopyName(std::string_view text, char* out) {
+    std::size_t n = 0;
+    for (; n < text.size() && !isSeparator(text[n]); ++n) out[n] = text[n];
+    return n;
+}
+
 inline bool HasDirtyPath(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '\\') return true;

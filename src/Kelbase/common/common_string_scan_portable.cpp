@@ -16,4 +16,8 @@ char* text_scan::WriteWords(std::string_view text, char* out) { return plain::Wr
 
 std::size_t text_scan::LowestPlaceholder(std::string_view text) { return plain::LowestPlaceholder(text); }
 
+std::size_t text_scan::LastSeparator(std::string_view text) { return plain::LastSeparator(text); }
+
+std::size_t text_scan::CopyName(std::string_view text, char* out) { return plain::CopyName(text, out); }
+
 bool text_scan::HasDirtyPath(std::string_view text) { return plain::HasDirtyPath(text); }

@@ -6,6 +6,7 @@
 #include <array>
 #include <climits>
 #include <cstdint>
+#include <type_traits>
 
 #include <cpuid.h>
 #include <emmintrin.h>
@@ -25,6 +26,9 @@ __m128i is(__m128i v, char c) { return _mm_cmpeq_epi8(v, every(c)); }
 unsigned int maskOf(__m128i lanes) { return static_cast<unsigned int>(_mm_movemask_epi8(lanes)); }
 std::size_t firstOf(unsigned int mask) { return static_cast<std::size_t>(__builtin_ctz(mask)); }
 
+std::size_t lastOf(unsigned int mask) { return static_cast<std::size_t>(31 - __builtin_clz(mask)); }
+unsigned int separators(__m128i v) { return maskOf(_mm_or_si128(is(v, '/'), is(v, '\\'))); }
+
 /// From `first` on, `count` bytes in the order of unsigned numbers.
 __m128i isAmong(__m128i v, char first, int count) {
     const __m128i moved = _mm_add_epi8(v, every(static_cast<char>(SCHAR_MIN - first)));
@@ -33,12 +37,45 @@ __m128i isAmong(__m128i v, char first, int count) {
 
 __m128i folded(__m128i v) { return _mm_or_si128(v, _mm_and_si128(isAmong(v, 'A', 26), every(0x20))); }
 
+/// Whether sixteen bytes are equal, "A"-"Z" read as "a"-"z", or all those before a NUL that both have.
+/// `ended` is set where such a NUL, or a difference, has decided.
+bool equalFolded(__m128i a, __m128i b, bool& ended) {
+    const __m128i lanes = folded(a);
+    const unsigned int equal = maskOf(_mm_cmpeq_epi8(lanes, folded(b)));
+    const unsigned int stops = (equal ^ 0xFFFF) | maskOf(is(lanes, '\0'));
+    ended = stops != 0;
+    return !ended || (equal >> firstOf(stops) & 1);
+}
+
+/// Eight bytes, and from the end of `n` of them, eight to sixteen, eight again: what overlaps comes twice.
+__m128i loadEnds(const char* p, std::size_t n) {
+    return _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
+                              _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + n - width / 2)));
+}
+
+/// A byte in both cases, if it is a letter.
+class EitherCase {
+public:
+    explicit EitherCase(char c) : lower(every(Char(c).ToLower())), upper(every(Char(c).ToUpper())) {}
+    __m128i In(__m128i v) const { return _mm_or_si128(_mm_cmpeq_epi8(v, lower), _mm_cmpeq_epi8(v, upper)); }
+
+private:
+    __m128i lower, upper;
+};
+class OneCase {
+public:
+    explicit OneCase(char c) : lanes(every(c)) {}
+    __m128i In(__m128i v) const { return _mm_cmpeq_epi8(v, lanes); }
+
+private:
+    __m128i lanes;
+};
+
 /// Looks for first and last byte of the part at once, and only where both stand at the rest.
 template <bool fold>
 class Finder {
 public:
-    explicit Finder(std::string_view p)
-        : part(p), first(prepared(every(p.front()))), last(prepared(every(p.back()))) {}
+    explicit Finder(std::string_view p) : part(p), first(p.front()), last(p.back()) {}
 
     std::size_t In(std::string_view text) const {
         if (text.size() < part.size() + width) return plain::Find<fold>(text, part);
@@ -52,12 +89,10 @@ public:
     }
 
 private:
-    static __m128i prepared(__m128i v) { return fold ? folded(v) : v; }
-
     /// The first of the sixteen places from `block` on; `width` when there is none.
     std::size_t InBlock(const char* block) const {
-        const __m128i firsts = _mm_cmpeq_epi8(prepared(load(block)), first);
-        const __m128i lasts = _mm_cmpeq_epi8(prepared(load(block + part.size() - 1)), last);
+        const __m128i firsts = first.In(load(block));
+        const __m128i lasts = last.In(load(block + part.size() - 1));
         for (unsigned int hits = maskOf(_mm_and_si128(firsts, lasts)); hits; hits &= hits - 1) {
             if (plain::StandsAt<fold>(block + firstOf(hits), part)) return firstOf(hits);
         }
@@ -65,7 +100,7 @@ private:
     }
 
     std::string_view part;
-    __m128i first, last;
+    std::conditional_t<fold, EitherCase, OneCase> first, last;
 };
 
 bool findByteShuffle() {
@@ -146,15 +181,16 @@ std::size_t Find(std::string_view text, std::string_view part) { return Finder<f
 std::size_t FindFolded(std::string_view text, std::string_view part) { return Finder<true>(part).In(text); }
 
 bool EqualFolded(const char* a, const char* b, std::size_t n) {
-    std::size_t i = 0;
-    for (; i + width <= n; i += width) {
-        const __m128i lanes = folded(load(a + i));
-        const unsigned int equal = maskOf(_mm_cmpeq_epi8(lanes, folded(load(b + i))));
-        const unsigned int ends = maskOf(is(lanes, '\0'));
-        const unsigned int stops = (equal ^ 0xFFFF) | ends;
-        if (stops) return equal >> firstOf(stops) & 1;
+    bool ended = false;
+    if (n < width) {
+        if (n < width / 2) return plain::EqualFolded(a, b, n);
+        return equalFolded(loadEnds(a, n), loadEnds(b, n), ended);
     }
-    return plain::EqualFolded(a + i, b + i, n - i);
+    for (std::size_t i = 0;;
+         i = std::min(i + width, n - width)) { // the last block may overlap the one before
+        const bool equal = equalFolded(load(a + i), load(b + i), ended);
+        if (ended || i == n - width) return equal;
+    }
 }
 
 char* WriteWords(std::string_view text, char* out) {
@@ -180,15 +216,38 @@ std::size_t LowestPlaceholder(std::string_view text) {
     }
 }
 
-bool HasDirtyPath(std::string_view text) {
+std::size_t LastSeparator(std::string_view text) {
+    if (text.size() < width) return plain::LastSeparator(text);
+    for (std::size_t i = text.size() - width;; i = i > width ? i - width : 0) { // the last block may overlap
+        const unsigned int hits = separators(load(text.data() + i));
+        if (hits) return i + lastOf(hits);
+        if (i == 0) return text.npos;
+    }
+}
+
+std::size_t CopyName(std::string_view text, char* out) {
     std::size_t i = 0;
-    for (; i + width + 2 <= text.size(); i += width) {
+    for (; i + width <= text.size(); i += width) {
+        const __m128i v = load(text.data() + i);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), v);
+        const unsigned int ends = separators(v);
+        if (ends) return i + firstOf(ends);
+    }
+    return i + plain::CopyName(text.substr(i), out + i);
+}
+
+bool HasDirtyPath(std::string_view text) {
+    constexpr std::size_t behind = 2; // bytes that are looked at beside each
+    if (text.size() < width + behind) return plain::HasDirtyPath(text);
+    const std::size_t lastBlock = text.size() - behind - width;
+    for (std::size_t i = 0;;
+         i = std::min(i + width, lastBlock)) { // the last block may overlap the one before
         const __m128i here = load(text.data() + i), next = load(text.data() + i + 1);
-        const __m128i parents = _mm_and_si128(is(next, '.'), is(load(text.data() + i + 2), '.'));
+        const __m128i parents = _mm_and_si128(is(next, '.'), is(load(text.data() + i + behind), '.'));
         const __m128i dirt = _mm_and_si128(is(here, '/'), _mm_or_si128(is(next, '/'), parents));
         if (maskOf(_mm_or_si128(dirt, is(here, '\\')))) return true;
+        if (i == lastBlock) return plain::HasDirtyPath(text.substr(text.size() - behind));
     }
-    return plain::HasDirtyPath(text.substr(i));
 }
 
 } // namespace text_scan

@@ -52,6 +52,10 @@ TEST(TextScan, AgreesWithPlainForms) {
 
         const std::string path = textOf(random() % 9 ? "abcdefghijklm/.." : "/.\\", random);
         EXPECT_EQ(HasDirtyPath(path), plain::HasDirtyPath(path)) << path;
+        EXPECT_EQ(LastSeparator(path), plain::LastSeparator(path)) << path;
+        std::string copied(path.size(), '?');
+        copied.resize(CopyName(path, copied.data()));
+        EXPECT_EQ(copied, path.substr(0, path.find_first_of("/\\"))) << path;
 
         const std::string untidy = textOf(random() % 2 ? " \t\r\x0E\x08\xA0xyz" : "uvwxyz ", random);
         const auto plainly = [](std::string_view s, char* out) { return plain::WriteWords(s, out, true); };
