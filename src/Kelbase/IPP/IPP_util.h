@@ -11,6 +11,10 @@
 ///
 /// Results do not depend on the processor, to the last bit: the widest instructions that it has are used, and
 /// all give the same answers. The current rounding direction is taken to be "to nearest".
+
+#include <cstddef>
+#include <cstring>
+
 namespace IPP {
 
 ///@{
@@ -94,5 +98,25 @@ void Convert(unsigned int count, const float* src, int* dst, int scale, bool rou
 void Convert(unsigned int count, const float* src, unsigned char* dst, int scale, bool round);
 void Convert(unsigned int count, const double* src, int* dst, int scale, bool round);
 ///@}
+
+// The two whose call would outweigh their work.
+
+namespace detail {
+template <typename T>
+void zeroElements(unsigned int count, T* dst) {
+    if (count) std::memset(dst, 0, std::size_t{count} * sizeof(T)); // which may not be given a null pointer
+}
+} // namespace detail
+
+inline void Zero(unsigned int count, unsigned char* dst) { detail::zeroElements(count, dst); }
+inline void Zero(unsigned int count, short* dst) { detail::zeroElements(count, dst); }
+inline void Zero(unsigned int count, int* dst) { detail::zeroElements(count, dst); }
+inline void Zero(unsigned int count, unsigned int* dst) { detail::zeroElements(count, dst); }
+inline void Zero(unsigned int count, float* dst) { detail::zeroElements(count, dst); }
+inline void Zero(unsigned int count, double* dst) { detail::zeroElements(count, dst); }
+
+inline bool Equal(unsigned int count, const unsigned char* a, const unsigned char* b) {
+    return count == 0 || std::memcmp(a, b, count) == 0;
+}
 
 } // namespace IPP

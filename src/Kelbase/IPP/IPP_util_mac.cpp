@@ -21,14 +21,9 @@ void moveElements(unsigned int count, const T* src, T* dst) {
 }
 
 template <typename T>
-void zeroElements(unsigned int count, T* dst) {
-    if (count) std::memset(dst, 0, std::size_t(count) * sizeof(T));
-}
-
-template <typename T>
 void setElements(unsigned int count, T* dst, T value) {
     if (value == T(0)) {
-        zeroElements(count, dst);
+        IPP::Zero(count, dst);
         return;
     }
     unsigned char pattern[8];
@@ -71,17 +66,6 @@ void IPP::Set(unsigned int count, int* dst, int value) { setElements(count, dst,
 void IPP::Set(unsigned int count, unsigned int* dst, unsigned int value) { setElements(count, dst, value); }
 void IPP::Set(unsigned int count, float* dst, float value) { setElements(count, dst, value); }
 void IPP::Set(unsigned int count, double* dst, double value) { setElements(count, dst, value); }
-
-void IPP::Zero(unsigned int count, unsigned char* dst) { zeroElements(count, dst); }
-void IPP::Zero(unsigned int count, short* dst) { zeroElements(count, dst); }
-void IPP::Zero(unsigned int count, int* dst) { zeroElements(count, dst); }
-void IPP::Zero(unsigned int count, unsigned int* dst) { zeroElements(count, dst); }
-void IPP::Zero(unsigned int count, float* dst) { zeroElements(count, dst); }
-void IPP::Zero(unsigned int count, double* dst) { zeroElements(count, dst); }
-
-bool IPP::Equal(unsigned int count, const unsigned char* a, const unsigned char* b) {
-    return count == 0 || std::memcmp(a, b, count) == 0;
-}
 
 void IPP::Convert(unsigned int count, const unsigned char* src, float* dst) {
     ChosenForm().charToFloat(count, src, dst);
