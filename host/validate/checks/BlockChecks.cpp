@@ -71,7 +71,7 @@ void ExpectSameEffects(Trial& trial, const ParameterBlock& plain, const Paramete
 
 void AnyAddressWorks(Trial& trial) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
-        for (const std::size_t misalignment : {1, 2, 3, 5, 7}) {
+        for (const std::size_t misalignment : {1u, 2u, 3u, 5u, 7u}) {
             ExpectSameEffects(trial, Event(message, 4900, 11), Event(message, 4900, 11), misalignment,
                               "the same at an odd address");
         }

@@ -102,7 +102,7 @@ TEST(StringEdit, SplitsAndJoins) {
 
 TEST(StringList, SortsAsTheOperatorOrders) {
     std::mt19937 random(99);
-    for (const std::size_t prefix : {0, 3, 9}) {
+    for (const std::size_t prefix : {0u, 3u, 9u}) {
         std::vector<String> texts(prefix == 0 ? 2 : 0), expected;
         for (int i = 0; i < 500; ++i) {
             String text(std::string(prefix, 'p').c_str());
