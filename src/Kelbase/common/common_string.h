@@ -250,14 +250,6 @@ String operator+(String a, const String& b);
 String operator+(String a, const char* b);
 ///@}
 
-inline checked_value<unsigned int> String::Find(const char* s, unsigned int start, bool caseSensitive) const {
-    if (!s || start >= GetLength()) return {};
-    const char* const from = Latin1() + start;
-    const char* const found = caseSensitive ? std::strstr(from, s) : FindFolded(from, s);
-    if (!found) return {};
-    return static_cast<unsigned int>(found - Latin1());
-}
-
 ///@{
 /// By the bytes up to the first NUL, as unsigned numbers. A null character pointer ranks above every String.
 inline bool operator==(const String& l, const String& r) {
@@ -269,3 +261,11 @@ inline bool operator==(const String& l, const char* r) { return r && std::strcmp
 inline bool operator<(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) < 0; }
 inline bool operator<=(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) <= 0; }
 ///@}
+
+inline checked_value<unsigned int> String::Find(const char* s, unsigned int start, bool caseSensitive) const {
+    if (!s || start >= GetLength()) return {};
+    const char* const from = Latin1() + start;
+    const char* const found = caseSensitive ? std::strstr(from, s) : FindFolded(from, s);
+    if (!found) return {};
+    return static_cast<unsigned int>(found - Latin1());
+}
