@@ -135,6 +135,37 @@ std::string replacedAll(std::string s, const std::string& from, const std::strin
     return s;
 }
 
+/// 4096 bytes in some 110 lines, no two alike.
+std::string linesOfProse() {
+    std::mt19937 random(5);
+    std::string text;
+    while (text.size() < 4096) text += prose.substr(random() % 1024, 20 + random() % 32) + "\n";
+    text.resize(4096);
+    return text;
+}
+
+void enterReplace(const char* job, const std::string& text, const char* from, const char* to) {
+    Contest(job)
+        .by("ours", [s = String(text.c_str()), a = String(from),
+                     b = String(to)]() mutable { return opaque(s).Replace(opaque(a), opaque(b)); })
+        .by("std", [s = text, a = std::string(from),
+                    b = std::string(to)]() mutable { return replacedAll(opaque(s), opaque(a), opaque(b)); })
+#ifdef BENCH_POCO
+        .by("Poco",
+            [s = text, a = std::string(from), b = std::string(to)]() mutable {
+                return Poco::replace(opaque(s), opaque(a), opaque(b));
+            })
+#endif
+#ifdef BENCH_QT
+        .by("QByteArray",
+            [s = QByteArray(text.c_str()), a = QByteArray(from), b = QByteArray(to)]() mutable {
+                QByteArray copy = opaque(s);
+                return copy.replace(opaque(a), opaque(b));
+            })
+#endif
+        ;
+}
+
 void enterLower(const char* job, const std::string& text) {
     Contest(job)
         .by("ours", [s = String(text.c_str())]() mutable { return opaque(s).ToLower(); })
@@ -146,12 +177,12 @@ void enterLower(const char* job, const std::string& text) {
         ;
 }
 
-/// 256 texts of five to seven words with white space of random length between them: with one text alone the
-/// processor would learn its branches by heart.
+/// 4096 texts of five to seven words with white space of random length between them: the branches of one
+/// text, and even of some hundred, the processor learns by heart.
 std::vector<std::string> untidyTexts() {
     std::mt19937 random(11);
     const std::string blanks = " \t\n  ";
-    std::vector<std::string> texts(256);
+    std::vector<std::string> texts(4096);
     for (std::string& text : texts) {
         for (unsigned long word = 0, words = 5 + random() % 3; word < words; ++word)
             text += std::string(2 + random() % 6, 'w') + blanks.substr(random() % 5);
@@ -183,27 +214,8 @@ void enterSimplify(const char* job, const std::vector<std::string>& texts) {
 }
 
 void enterEditing() {
-    Contest("replace_4K")
-        .by("ours", [s = String(prose.c_str()), a = String("the"),
-                     b = String("each")]() mutable { return opaque(s).Replace(opaque(a), opaque(b)); })
-        .by("std",
-            [s = prose, a = std::string("the"), b = std::string("each")]() mutable {
-                return replacedAll(opaque(s), opaque(a), opaque(b));
-            })
-#ifdef BENCH_POCO
-        .by("Poco",
-            [s = prose, a = std::string("the"), b = std::string("each")]() mutable {
-                return Poco::replace(opaque(s), opaque(a), opaque(b));
-            })
-#endif
-#ifdef BENCH_QT
-        .by("QByteArray",
-            [s = QByteArray(prose.c_str()), a = QByteArray("the"), b = QByteArray("each")]() mutable {
-                QByteArray copy = opaque(s);
-                return copy.replace(opaque(a), opaque(b));
-            })
-#endif
-        ;
+    enterReplace("replace_4K", linesOfProse(), "\n", "\r\n");
+    enterReplace("replace_word_4K", prose, "the", "each");
     Contest("replace_char_4K")
         .by("ours", [s = String(prose.c_str())]() mutable { return opaque(s).ReplaceChar('e', 'o'); })
         .by("std",
