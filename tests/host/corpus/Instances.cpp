@@ -100,7 +100,7 @@ ULONG Count(void* self, int change) {
     auto* const instance = static_cast<Instance*>(self);
     SInt32 count = CountOf(instance) += change;
     if (Is("CountOf16Bits")) count = instance->count = static_cast<std::int16_t>(count);
-    if (count == 0) Dispose(instance);
+    if (change < 0 && count == 0) Dispose(instance);
     if (Is("LastReleaseAnswersOne") && count == 0) return 1;
     return static_cast<ULONG>(Is("CountStartsAtZero") ? count - 1 : count);
 }
