@@ -10,12 +10,10 @@ constexpr char digitAlphabet[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
 /// All pairs of digits of a base, in order: two digits a division.
 template <unsigned int base>
-constexpr std::array<char, 2 * base * base> allPairs() {
-    std::array<char, 2 * base * base> pairs{};
-    for (unsigned int i = 0; i < base * base; ++i) {
-        pairs[2 * i] = digitAlphabet[i / base];
-        pairs[2 * i + 1] = digitAlphabet[i % base];
-    }
+constexpr auto allPairs() {
+    std::array<std::array<char, 2>, std::size_t{base} * base> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i)
+        pairs[i] = {digitAlphabet[i / base], digitAlphabet[i % base]};
     return pairs;
 }
 inline constexpr auto decimalPairs = allPairs<10>();
@@ -24,7 +22,7 @@ inline constexpr auto hexadecimalPairs = allPairs<16>();
 /// Writes exactly `count` decimal digits in front of `end`, the lowest ones of `v`, and answers where they
 /// begin.
 inline char* writeLowDigits(char* end, unsigned int v, unsigned int count) {
-    for (; count > 1; count -= 2, v /= 100) std::memcpy(end -= 2, &decimalPairs[v % 100 * 2], 2);
+    for (; count > 1; count -= 2, v /= 100) std::memcpy(end -= 2, &decimalPairs[v % 100], 2);
     if (count > 0) *--end = digitAlphabet[v % 10];
     return end;
 }
@@ -34,13 +32,13 @@ inline char* writeDecimal(char* end, unsigned long long v) {
     for (; v > UINT_MAX; v /= 100000000)
         end = writeLowDigits(end, static_cast<unsigned int>(v % 100000000), 8);
     auto low = static_cast<unsigned int>(v); // 32 bits divide faster
-    for (; low >= 100; low /= 100) std::memcpy(end -= 2, &decimalPairs[low % 100 * 2], 2);
+    for (; low >= 100; low /= 100) std::memcpy(end -= 2, &decimalPairs[low % 100], 2);
     if (low < 10) {
         *--end = digitAlphabet[low];
         return end;
     }
     end -= 2;
-    std::memcpy(end, &decimalPairs[low * 2], 2);
+    std::memcpy(end, &decimalPairs[low], 2);
     return end;
 }
 
@@ -66,7 +64,7 @@ inline unsigned int countHexadecimal(unsigned long long v) { return (countBits(v
 
 /// Writes them in front of `end`, as many as there are.
 inline void writeHexadecimal(char* end, unsigned long long v, unsigned int count) {
-    for (; count > 1; count -= 2, v >>= 8) std::memcpy(end -= 2, &hexadecimalPairs[(v & 0xFF) * 2], 2);
+    for (; count > 1; count -= 2, v >>= 8) std::memcpy(end -= 2, &hexadecimalPairs[v & 0xFF], 2);
     if (count > 0) *--end = digitAlphabet[v];
 }
 
