@@ -165,7 +165,7 @@ const Fault kFaults[] = {
 class AFault : public testing::TestWithParam<Fault> {};
 
 TEST_P(AFault, IsFoundByTheCheckThatItBreaksAndNoOther) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef IS_SANITIZED
     if (GetParam().name == std::string("MemoryLeaked"))
         GTEST_SKIP() << "the sanitizer allocates, and tells nobody";
 #endif
