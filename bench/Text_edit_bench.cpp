@@ -135,7 +135,7 @@ std::string replacedAll(std::string s, const std::string& from, const std::strin
     return s;
 }
 
-/// 4096 bytes in some 110 lines, no two alike.
+/// 4096 bytes in some 110 lines of random length.
 std::string linesOfProse() {
     std::mt19937 random(5);
     std::string text;

@@ -12,14 +12,14 @@
 
 namespace {
 
-bool isSeparator(char c) { return c == '/' || c == '\\'; }
+using text_scan::IsSeparator;
 
 std::string_view view(const String& s) { return {s.Latin1(), s.GetLength()}; }
 
 /// The hook of platforms that keep short names beside the long ones.
 const String& convertToLongPath(const String& s) { return s; }
 
-bool isRelative(const String& s) { return s.GetLength() > 0 && !isSeparator(*s.Latin1()); }
+bool isRelative(const String& s) { return s.GetLength() > 0 && !IsSeparator(*s.Latin1()); }
 
 /// Whether simplifying its white space would leave nothing.
 bool isBlank(std::string_view s) {
@@ -29,7 +29,7 @@ bool isBlank(std::string_view s) {
 String convertRelative(const String& s) {
     if (!isRelative(s)) return s;
     const char* const text = s.Latin1();
-    if (text[0] == '~' && (text[1] == '\0' || isSeparator(text[1]))) {
+    if (text[0] == '~' && (text[1] == '\0' || IsSeparator(text[1]))) {
         const char* home = std::getenv("HOME");
         return String(home ? home : "") + "/" + (text[1] ? s.Mid(2) : String());
     }
@@ -43,12 +43,12 @@ bool isParent(std::string_view name) {
 }
 
 std::string_view withoutTrailingSeparators(std::string_view s) {
-    while (!s.empty() && isSeparator(s.back())) s.remove_suffix(1);
+    while (!s.empty() && IsSeparator(s.back())) s.remove_suffix(1);
     return s;
 }
 
 std::size_t leadingSeparators(std::string_view s) {
-    return static_cast<std::size_t>(std::find_if_not(s.begin(), s.end(), isSeparator) - s.begin());
+    return static_cast<std::size_t>(std::find_if_not(s.begin(), s.end(), IsSeparator) - s.begin());
 }
 
 /// Memory for the clean form of one path: that of the caller's stack unless the path is long.
@@ -88,7 +88,7 @@ std::string_view cleanDirPath(std::string_view s, char* const out) {
         const std::string_view name(end, size);
         end += size;
         p += size;
-        while (p < last && isSeparator(*p)) ++p;
+        while (p < last && IsSeparator(*p)) ++p;
         if (examine && count > 0 && isParent(name)) {
             end = out + (--count > 0 ? text_scan::LastSeparator(before) : 0);
             examine = false;
@@ -187,7 +187,7 @@ FolderPath FilePath::GetFolder() const {
     const std::string_view file = getFile(path);
     const std::size_t end = static_cast<std::size_t>(file.data() - path.data());
     // In most paths the folder ends with the separator before the file, and is absolute as it stands.
-    if (end > 1 && isSeparator(path[0]) && path[end - 1] == '/' && !isSeparator(path[end - 2])) {
+    if (end > 1 && IsSeparator(path[0]) && path[end - 1] == '/' && !IsSeparator(path[end - 2])) {
         FolderPath folder;
         folder.internal = internal.Left(static_cast<unsigned int>(end));
         return folder;
@@ -204,7 +204,7 @@ String FilePath::ToString() const {
 }
 
 FolderPath::FolderPath(const String& text, bool flag) : internal(FilePath(text, flag).GetInternal()) {
-    if (!IsEmpty() && !isSeparator(view(internal).back())) internal += '/';
+    if (!IsEmpty() && !IsSeparator(view(internal).back())) internal += '/';
 }
 
 bool FolderPath::IsTopLevel() const {

@@ -24,10 +24,13 @@ char* WriteWords(std::string_view text, char* out);
 /// Place of the "%" that the lowest digit follows, the first of equal ones; `npos` when there is none.
 std::size_t LowestPlaceholder(std::string_view text);
 
-/// Place of the last "/" or "\"; `npos` when there is none.
+/// Names of a path end here.
+inline bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+
+/// Place of the last separator; `npos` when there is none.
 std::size_t LastSeparator(std::string_view text);
 
-/// Copies what stands before the first "/" or "\" to `out` and answers how many bytes; those of `out` from
+/// Copies what stands before the first separator to `out` and answers how many bytes; those of `out` from
 /// there to `text.size()` are undefined.
 std::size_t CopyName(std::string_view text, char* out);
 

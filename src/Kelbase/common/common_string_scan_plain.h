@@ -3,6 +3,7 @@
 /// The plain forms of what common_string_scan.h declares, and what the others do with their last bytes.
 
 #include <Kelbase/common/common_char.h>
+#include <Kelbase/common/common_string_scan.h>
 
 #include <cstddef>
 #include <string_view>
@@ -57,17 +58,15 @@ inline std::size_t LowestPlaceholder(std::string_view text) {
     return best;
 }
 
-inline bool isSeparator(char c) { return c == '/' || c == '\\'; }
-
 inline std::size_t LastSeparator(std::string_view text) {
     std::size_t n = text.size();
-    while (n > 0 && !isSeparator(text[n - 1])) --n;
+    while (n > 0 && !IsSeparator(text[n - 1])) --n;
     return n - 1;
 }
 
 inline std::size_t CopyName(std::string_view text, char* out) {
     std::size_t n = 0;
-    for (; n < text.size() && !isSeparator(text[n]); ++n) out[n] = text[n];
+    for (; n < text.size() && !IsSeparator(text[n]); ++n) out[n] = text[n];
     return n;
 }
 
