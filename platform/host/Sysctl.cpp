@@ -2,12 +2,13 @@
 #include <sys/sysctl.h>
 
 #include "PlatformCall.h"
+#include "WholeFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <new>
 #include <string>
 
@@ -32,22 +33,28 @@ std::uint64_t ToHertz(const std::string& text, double unit) {
                : 0;
 }
 
+/// Empty when it cannot be read.
+std::string TextOf(const std::string& path) {
+    constexpr std::size_t limit = std::size_t{16} << 20;
+    std::string text;
+    return macplatform::ReadWholeFile(path, limit, text) == 0 ? text : std::string();
+}
+
 std::uint64_t FrequencyOfGovernor() {
     for (const char* name : {"base_frequency", "cpuinfo_max_freq"}) {
-        std::ifstream file(std::string("/sys/devices/system/cpu/cpu0/cpufreq/") + name);
-        std::string kilohertz;
-        if (std::getline(file, kilohertz)) {
-            if (const auto hertz = ToHertz(kilohertz, 1e3)) return hertz;
-        }
+        const std::string kilohertz = TextOf(std::string("/sys/devices/system/cpu/cpu0/cpufreq/") + name);
+        if (const auto hertz = ToHertz(kilohertz, 1e3)) return hertz;
     }
     return 0;
 }
 
 /// The nominal frequency at the end of the model's name, else what the processor runs at just now.
 std::uint64_t FrequencyOfCpuInfo() {
-    std::ifstream file("/proc/cpuinfo");
+    const std::string text = TextOf("/proc/cpuinfo");
     std::uint64_t present = 0;
-    for (std::string line; std::getline(file, line);) {
+    for (std::size_t start = 0, end; start < text.size(); start = end + 1) {
+        end = std::min(text.find('\n', start), text.size());
+        const std::string line = text.substr(start, end - start);
         if (const auto at = line.find("@ "); line.rfind("model name", 0) == 0 && at != line.npos) {
             const double unit = line.find("MHz", at) != line.npos ? 1e6 : 1e9;
             if (const auto hertz = ToHertz(line.substr(at + 2), unit)) return hertz;
