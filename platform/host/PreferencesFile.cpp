@@ -27,17 +27,25 @@ constexpr char preferencesFolder[] = "/Library/Preferences";
 
 std::string Why(const std::string& thing, int error) { return thing + ": " + std::strerror(error); }
 
-/// The folder as a descriptor, with everything on the way to it made.
-int OpenFolder(std::string& path) {
-    path = HostPath(preferencesFolder);
-    if (path.empty()) return -1;
+/// Makes a folder, and everything on the way to it.
+void MakeFolder(const std::string& path) {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
         mkdir(path.substr(0, slash).c_str(), 0755);
     }
     // Admins may add files there, whatever this process's mask is.
-    if (mkdir(path.c_str(), 0775) == 0 && chmod(path.c_str(), 0775) != 0) return -1;
-    return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (mkdir(path.c_str(), 0775) == 0) chmod(path.c_str(), 0775);
+}
+
+/// The folder as a descriptor; it is made when there is none.
+int OpenFolder(std::string& path) {
+    path = HostPath(preferencesFolder);
+    if (path.empty()) return -1;
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    const int folder = open(path.c_str(), flags);
+    if (folder >= 0 || errno != ENOENT) return folder;
+    MakeFolder(path);
+    return open(path.c_str(), flags);
 }
 
 /// Waits for other writers, five seconds at most (well within the limit of a call to a bundle): the lock goes
