@@ -32,9 +32,10 @@ const char* AttributeName(const std::string& path) {
     return statfs(path.c_str(), &disk) == 0 && disk.f_type == hfsPlusMark ? macDisksAttribute : attribute;
 }
 
-/// ENODATA when there is none, also where there can be none.
+/// ENODATA when the item has none, also where there can be none.
 int ReadAttribute(const std::string& path, FinderInfo& info) {
-    if (attributesAreRefused) return ENODATA;
+    struct stat item {};
+    if (attributesAreRefused) return lstat(path.c_str(), &item) == 0 ? ENODATA : errno;
     const ssize_t size = lgetxattr(path.c_str(), AttributeName(path), info.data(), info.size());
     if (size == static_cast<ssize_t>(info.size())) return 0;
     if (size >= 0 || errno == ERANGE) return EIO; // of another size, which nobody who knows it writes
@@ -112,9 +113,8 @@ void SwapBasicFinderInfo(const std::uint8_t* from, std::uint8_t* to, bool isFold
 
 std::optional<std::uint16_t> ReadFinderFlags(const std::string& path) {
     const PlatformInside inside;
-    struct stat item {};
     FinderInfo info;
-    if (lstat(path.c_str(), &item) != 0 || ReadFinderInfo(path, info) != 0) return std::nullopt;
+    if (ReadFinderInfo(path, info) != 0) return std::nullopt;
     return static_cast<std::uint16_t>(info[8] << 8 | info[9]);
 }
 
