@@ -165,7 +165,7 @@ private:
     Descriptor socket;
     Descriptor output;
     ChildProcess child;
-    std::array<char, 65536> buffer{};
+    std::array<char, 8192> buffer{};
     std::string pending;      ///< The start of a line, whose end has not come yet.
     std::size_t searched = 0; ///< So much of it holds no line feed.
     std::size_t received = 0;
