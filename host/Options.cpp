@@ -262,6 +262,14 @@ void DescribeInfo(CLI::App& info, InfoOptions& options) {
     info.footer("Example:\n  xcodhost info PostInstall.bundle");
 }
 
+/// The command's options are made when it is met, and those of the others never.
+template <typename Describe>
+CLI::App* AddCommand(CLI::App& app, const char* name, const char* summary, Describe describe) {
+    CLI::App* const command = app.add_subcommand(name, summary);
+    command->preparse_callback([command, describe](std::size_t) { describe(*command); });
+    return command;
+}
+
 /// The parser's own words, without line feeds.
 UsageError FromParser(const CLI::ParseError& error) {
     std::string text = error.what();
@@ -287,20 +295,22 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     InfoOptions infoOptions;
     ListChecksOptions listOptions;
     ExplainOptions explainOptions;
-    CLI::App* const run = app.add_subcommand("run", "Deliver the installer's events to a bundle");
-    CLI::App* const validate = app.add_subcommand("validate", "Check bundles against the plug-in contract");
-    CLI::App* const show = app.add_subcommand("show", "Show preferences and Finder flags on a volume");
-    CLI::App* const volume = app.add_subcommand("volume", "Make a sample startup volume");
-    CLI::App* const info = app.add_subcommand("info", "Show what a bundle is, without loading it");
-    CLI::App* const list = app.add_subcommand("list", "List the checks of validate");
-    CLI::App* const explain = app.add_subcommand("explain", "Tell what a check is about");
-    DescribeRun(*run, runArguments);
-    DescribeValidate(*validate, validateOptions);
-    DescribeShow(*show, showOptions);
-    DescribeVolume(*volume, volumeOptions);
-    DescribeInfo(*info, infoOptions);
-    DescribeList(*list, listOptions);
-    DescribeExplain(*explain, explainOptions);
+    CLI::App* const run = AddCommand(app, "run", "Deliver the installer's events to a bundle",
+                                     [&](CLI::App& command) { DescribeRun(command, runArguments); });
+    CLI::App* const validate =
+        AddCommand(app, "validate", "Check bundles against the plug-in contract",
+                   [&](CLI::App& command) { DescribeValidate(command, validateOptions); });
+    CLI::App* const show = AddCommand(app, "show", "Show preferences and Finder flags on a volume",
+                                      [&](CLI::App& command) { DescribeShow(command, showOptions); });
+    CLI::App* const volume = AddCommand(app, "volume", "Make a sample startup volume",
+                                        [&](CLI::App& command) { DescribeVolume(command, volumeOptions); });
+    AddCommand(app, "info", "Show what a bundle is, without loading it",
+               [&](CLI::App& command) { DescribeInfo(command, infoOptions); });
+    CLI::App* const list = AddCommand(app, "list", "List the checks of validate",
+                                      [&](CLI::App& command) { DescribeList(command, listOptions); });
+    CLI::App* const explain =
+        AddCommand(app, "explain", "Tell what a check is about",
+                   [&](CLI::App& command) { DescribeExplain(command, explainOptions); });
     app.footer("xcodhost COMMAND --help shows a command's options and examples.");
     try {
         app.parse(argc, argv);
