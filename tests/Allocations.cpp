@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <fstream>
 #include <new>
+#include <unistd.h>
 
 // In a file of its own: a compiler that sees both these and a use of them would take the pair for a mismatch.
 
@@ -13,8 +15,20 @@ std::size_t limit = SIZE_MAX;
 
 std::size_t allocationCount() { return count; }
 
-ScarceMemory::ScarceMemory(std::size_t largestBlock) { limit = largestBlock; }
-ScarceMemory::~ScarceMemory() { limit = SIZE_MAX; }
+ScarceMemory::ScarceMemory(std::size_t largestBlock) {
+    limit = largestBlock;
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    getrlimit(RLIMIT_AS, &before);
+    rlimit scarce = before;
+    scarce.rlim_cur = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) + largestBlock;
+    setrlimit(RLIMIT_AS, &scarce);
+}
+
+ScarceMemory::~ScarceMemory() {
+    setrlimit(RLIMIT_AS, &before);
+    limit = SIZE_MAX;
+}
 
 extern "C" void* __real_malloc(std::size_t size);
 extern "C" void* __wrap_malloc(std::size_t size) {
