@@ -88,7 +88,7 @@ void TakeEntries(plist_t node, PropertyValue& value) {
     }
 }
 
-/// The parser reads and writes numbers as the locale has it: with a decimal comma, it would lose fractions.
+/// Numbers are written as the locale has it: with a decimal comma, they would lose their fractions.
 class PlainNumbers {
 public:
     PlainNumbers() : plain(newlocale(LC_ALL_MASK, "C", nullptr)), before(uselocale(plain)) {}
@@ -121,24 +121,25 @@ PropertyListFormat FormatOf(const std::string& bytes) {
 PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error) {
     error.clear();
     const bool isBinary = FormatOf(bytes) == PropertyListFormat::Binary;
+    std::string converted;
     if (bytes.size() > maxPropertyListBytes) {
         error = "it is larger than 64 MiB";
     } else if (bytes.empty()) {
         error = "the file is empty";
     } else if (isBinary) {
         error = BinaryListDanger(bytes);
+    } else {
+        converted = BinaryListFromXml(bytes, error);
     }
-    const std::string canonical = error.empty() && !isBinary ? CanonicalXml(bytes, error) : std::string();
     if (!error.empty()) return nullptr;
 
-    const PlainNumbers plain;
     plist_t tree = nullptr; // the parser reads what stands here
-    const std::string& safe = isBinary ? bytes : canonical;
-    (isBinary ? plist_from_bin : plist_from_xml)(safe.data(), static_cast<std::uint32_t>(safe.size()), &tree);
+    const std::string& safe = isBinary ? bytes : converted;
+    plist_from_bin(safe.data(), static_cast<std::uint32_t>(safe.size()), &tree);
     PropertyListTree owned(tree);
     if (!tree) {
         error = "it is not a property list";
-    } else if (HasRepeatedKey(ValueOf(tree))) {
+    } else if (isBinary && HasRepeatedKey(ValueOf(tree))) {
         error = "a dictionary in it has the same key twice";
     }
     return error.empty() ? std::move(owned) : nullptr;

@@ -1,5 +1,6 @@
 #include "PropertyListXml.h"
 
+#include "BinaryListWriter.h"
 #include "PropertyListLimits.h"
 #include "TextEncoding.h"
 
@@ -47,37 +48,54 @@ bool IsXmlText(std::string_view bytes) {
            bytes.find("\xEF\xBF\xBF") == bytes.npos;
 }
 
-// Texts of scalars, in the form that the parser reads as the Mac does; nothing when they are damaged.
+// Scalars as objects of a binary list, from their texts; nothing when they are damaged.
 
-std::optional<std::string> CanonicalInteger(std::string_view text) {
+/// Takes a sign off; true for minus.
+bool TakeSign(std::string_view& text) {
+    const bool isMinus = text.substr(0, 1) == "-";
+    if (isMinus || text.substr(0, 1) == "+") text.remove_prefix(1);
+    return isMinus;
+}
+
+std::optional<std::string> IntegerFrom(std::string_view text) {
     text = Stripped(text);
-    const bool minus = !text.empty() && text.front() == '-';
-    if (minus || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
+    const bool isMinus = TakeSign(text);
     const bool isHexadecimal = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
     if (isHexadecimal) text.remove_prefix(2);
     std::uint64_t value = 0;
     const char* const end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, value, isHexadecimal ? 16 : 10);
     constexpr std::uint64_t lowest = std::uint64_t{1} << 63;
-    if (text.empty() || read.ec != std::errc() || read.ptr != end || (minus && value > lowest))
+    if (text.empty() || read.ec != std::errc() || read.ptr != end || (isMinus && value > lowest))
         return std::nullopt;
-    return (minus && value > 0 ? "-" : "") + std::to_string(value);
+    return IntegerObject(value, isMinus && value > 0);
 }
 
-std::optional<std::string> CanonicalReal(std::string_view text) {
+std::optional<std::string> RealFrom(std::string_view text) {
     text = Stripped(text);
-    const bool minus = !text.empty() && text.front() == '-';
-    if (minus || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
+    const bool isMinus = TakeSign(text);
     double value = 0;
     const char* const end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, value);
     const bool isNumber = !text.empty() && (IsDigit(text[0]) || text[0] == '.');
     const bool isWord = text == "nan" || text == "inf" || text == "infinity";
     if ((!isNumber && !isWord) || read.ec != std::errc() || read.ptr != end) return std::nullopt;
-    return (minus && value != 0 ? "-" : "") + std::string(text); // the parser writes no negative zero
+    return RealObject(isMinus && value != 0 ? -value : value); // the parser writes no negative zero
 }
 
-std::optional<std::string> CanonicalDate(std::string_view text) {
+/// From 2001-01-01 to a day of the Gregorian calendar.
+int DaysFrom2001(int year, int month, int day) {
+    if (month < 3) {
+        --year; // the day that leap years have more then ends a year
+        month += 12;
+    }
+    year += 400; // a whole cycle of 146,097 days, lest a division have a negative number
+    const int days = 365 * year + year / 4 - year / 100 + year / 400 + (153 * (month - 3) + 2) / 5 + day;
+    constexpr int daysUntil2001 = 876889;
+    return days - daysUntil2001;
+}
+
+std::optional<std::string> DateFrom(std::string_view text) {
     constexpr std::string_view form = "0000-00-00T00:00:00Z";
     text = Stripped(text);
     if (text.size() != form.size()) return std::nullopt;
@@ -87,56 +105,58 @@ std::optional<std::string> CanonicalDate(std::string_view text) {
     const auto number = [text](std::size_t at) { return (text[at] - '0') * 10 + (text[at + 1] - '0'); };
     const bool isDay = number(5) >= 1 && number(5) <= 12 && number(8) >= 1 && number(8) <= 31;
     if (!isDay || number(11) > 23 || number(14) > 59 || number(17) > 59) return std::nullopt;
-    return std::string(text);
+    const int days = DaysFrom2001(number(0) * 100 + number(2), number(5), number(8));
+    return DateObject(days * 86400.0 + number(11) * 3600 + number(14) * 60 + number(17));
 }
 
-/// Base 64 without white space.
-std::optional<std::string> CanonicalData(std::string_view text) {
+/// The value of a digit of base 64; 64 for what is none.
+unsigned Base64Value(char c) {
+    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    return static_cast<unsigned>(std::min(digits.find(c), digits.size()));
+}
+
+std::optional<std::string> DataFrom(std::string_view text) {
     std::string digits;
     std::copy_if(text.begin(), text.end(), std::back_inserter(digits), [](char c) { return !IsSpace(c); });
-    const std::size_t end = digits.find('=');
-    const std::size_t padding = digits.size() - std::min(end, digits.size());
-    const bool isBase64 =
-        std::all_of(digits.begin(), digits.end() - static_cast<std::ptrdiff_t>(padding),
-                    [](char c) { return IsDigit(c) || IsLetter(c) || c == '+' || c == '/'; });
-    if (!isBase64 || digits.size() % 4 != 0 || padding > 2 || (padding == 2 && digits.back() != '='))
-        return std::nullopt;
-    return digits;
-}
-
-std::optional<std::string> EscapedText(std::string_view text) {
-    std::string escaped;
-    for (const char c : text) {
-        if (c == '&') {
-            escaped += "&amp;";
-        } else if (c == '<') {
-            escaped += "&lt;";
-        } else if (c == '>') {
-            escaped += "&gt;";
-        } else {
-            escaped += c;
-        }
+    const std::size_t count = std::min(digits.find('='), digits.size());
+    const std::size_t padding = digits.size() - count;
+    if (digits.size() % 4 != 0 || padding > 2 || (padding == 2 && digits.back() != '=')) return std::nullopt;
+    std::string bytes;
+    std::uint32_t bits = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned value = Base64Value(digits[i]);
+        if (value > 63) return std::nullopt;
+        bits = bits << 6 | value;
+        if (i % 4 != 0) bytes += static_cast<char>(bits >> (6 - 2 * (i % 4)) & 0xFF);
     }
-    return escaped;
+    return DataObject(bytes);
 }
 
-std::optional<std::string> NoText(std::string_view text) {
-    return text.empty() ? std::optional<std::string>(std::string()) : std::nullopt;
+std::optional<std::string> TextFrom(std::string_view text) { return TextObject(text); }
+
+template <bool value>
+std::optional<std::string> BooleanFrom(std::string_view text) {
+    return text.empty() ? std::optional(BooleanObject(value)) : std::nullopt;
 }
 
 enum class Role { List, Dictionary, Array, Key, Scalar };
 struct Element {
     std::string_view name;
     Role role;
-    std::optional<std::string> (*canonical)(std::string_view); ///< Of its text; null for a container.
+    std::optional<std::string> (*object)(std::string_view); ///< Of its text; null for a container.
 };
 constexpr Element elements[] = {
-    {"plist", Role::List, nullptr},        {"dict", Role::Dictionary, nullptr},
-    {"array", Role::Array, nullptr},       {"key", Role::Key, EscapedText},
-    {"string", Role::Scalar, EscapedText}, {"integer", Role::Scalar, CanonicalInteger},
-    {"real", Role::Scalar, CanonicalReal}, {"date", Role::Scalar, CanonicalDate},
-    {"data", Role::Scalar, CanonicalData}, {"true", Role::Scalar, NoText},
-    {"false", Role::Scalar, NoText},
+    {"plist", Role::List, nullptr},
+    {"dict", Role::Dictionary, nullptr},
+    {"array", Role::Array, nullptr},
+    {"key", Role::Key, TextFrom},
+    {"string", Role::Scalar, TextFrom},
+    {"integer", Role::Scalar, IntegerFrom},
+    {"real", Role::Scalar, RealFrom},
+    {"date", Role::Scalar, DateFrom},
+    {"data", Role::Scalar, DataFrom},
+    {"true", Role::Scalar, BooleanFrom<true>},
+    {"false", Role::Scalar, BooleanFrom<false>},
 };
 
 /// One pass over the text, without recursion. Steps answer false when the text is damaged where they stand.
@@ -153,7 +173,7 @@ public:
         return open.empty() && hasRoot;
     }
 
-    std::string TakeCanonical() { return std::move(canonical); }
+    std::string Binary() const { return list.Bytes(root); }
 
     std::string Error() const {
         if (!reason.empty()) return reason;
@@ -166,8 +186,8 @@ public:
 private:
     struct Opened {
         const Element* element;
-        std::size_t children = 0;
-        std::set<std::string> keys; ///< Of a dictionary: the parser would keep the last of two.
+        std::vector<BinaryListWriter::Object> members; ///< Keys and values of a dictionary by turns.
+        std::set<std::string> keys; ///< Of a dictionary: which of two would count, readers do not agree on.
     };
 
     bool Take(std::string_view token) {
@@ -301,14 +321,12 @@ private:
         SkipSpace();
         const bool isEmpty = Take("/");
         if (!Take(">")) return false;
-        if (!open.empty()) ++open.back().children;
-        open.push_back({element, 0, {}});
+        open.push_back({element, {}, {}});
         content.clear();
         if (open.size() > maxPropertyListDepth + 2 || ++count > maxPropertyListValues) {
             reason = count > maxPropertyListValues ? "it holds too many values" : "it is nested too deeply";
             return false;
         }
-        if (!element->canonical) ((canonical += '<') += name) += '>';
         return !isEmpty || Close();
     }
 
@@ -318,9 +336,9 @@ private:
         const Opened& parent = open.back();
         switch (parent.element->role) {
         case Role::List:
-            return parent.children == 0 && role != Role::List && role != Role::Key;
+            return parent.members.empty() && role != Role::List && role != Role::Key;
         case Role::Dictionary:
-            return role != Role::List && (role == Role::Key) == (parent.children % 2 == 0);
+            return role != Role::List && (role == Role::Key) == (parent.members.size() % 2 == 0);
         case Role::Array:
             return role != Role::List && role != Role::Key;
         default:
@@ -335,19 +353,37 @@ private:
     }
 
     bool Close() {
-        const Element& element = *open.back().element;
-        const std::size_t children = open.back().children;
-        if (element.role == Role::List && children != 1) return false;
-        if (element.role == Role::Dictionary && children % 2 != 0) return false;
+        const Opened closed = std::move(open.back());
         open.pop_back();
-        if (element.canonical) {
-            const auto form = element.canonical(content);
-            if (element.role == Role::Key) reason = KeyFault();
-            if (!form || !reason.empty()) return false;
-            (((canonical += '<') += element.name) += '>') += *form;
+        if (closed.element->role == Role::List) return closed.members.size() == 1;
+        const auto object = closed.element->object ? Scalar(*closed.element) : Container(closed);
+        if (!object) return false;
+        if (open.empty()) {
+            root = *object;
+        } else {
+            open.back().members.push_back(*object);
+            if (open.back().element->role == Role::List) root = *object;
         }
-        ((canonical += "</") += element.name) += '>';
         return true;
+    }
+
+    std::optional<BinaryListWriter::Object> Scalar(const Element& element) {
+        const auto bytes = element.object(content);
+        if (element.role == Role::Key) reason = KeyFault();
+        if (!bytes || !reason.empty()) return std::nullopt;
+        return list.Add(*bytes);
+    }
+
+    std::optional<BinaryListWriter::Object> Container(const Opened& closed) {
+        if (closed.element->role == Role::Array) return list.AddContainer(BinaryKind::Array, closed.members);
+        const std::size_t pairs = closed.members.size() / 2;
+        if (closed.members.size() != 2 * pairs) return std::nullopt;
+        std::vector<BinaryListWriter::Object> keysAndValues(closed.members.size());
+        for (std::size_t i = 0; i < pairs; ++i) {
+            keysAndValues[i] = closed.members[2 * i];
+            keysAndValues[pairs + i] = closed.members[2 * i + 1];
+        }
+        return list.AddContainer(BinaryKind::Dictionary, keysAndValues);
     }
 
     /// Why the key that was read cannot stand in its dictionary; empty when it can.
@@ -356,7 +392,7 @@ private:
         return open.back().keys.insert(content).second ? "" : "a dictionary in it has the same key twice";
     }
 
-    bool TakesText() const { return !open.empty() && open.back().element->canonical; }
+    bool TakesText() const { return !open.empty() && open.back().element->object; }
 
     bool ReadLiteralText() {
         const auto literal = TakeUntil("]]>");
@@ -407,7 +443,8 @@ private:
 
     const std::string& xml;
     std::string_view rest;
-    std::string canonical;
+    BinaryListWriter list;
+    BinaryListWriter::Object root = 0;
     std::vector<Opened> open;
     std::string content; ///< Of the innermost element, as far as it is read.
     std::size_t count = 0;
@@ -417,9 +454,9 @@ private:
 
 } // namespace
 
-std::string CanonicalXml(const std::string& xml, std::string& error) {
+std::string BinaryListFromXml(const std::string& xml, std::string& error) {
     XmlReader reader(xml);
-    if (reader.Read()) return reader.TakeCanonical();
+    if (reader.Read()) return reader.Binary();
     error = reader.Error();
     return {};
 }

@@ -1,0 +1,109 @@
+#include "BinaryListWriter.h"
+
+#include "TextEncoding.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace macplatform {
+
+namespace {
+
+void AppendNumber(std::string& bytes, std::uint64_t value, unsigned width) {
+    for (unsigned shift = width * 8; shift > 0; shift -= 8)
+        bytes += static_cast<char>(value >> (shift - 8) & 0xFF);
+}
+
+/// The width of a number that is at most `largest`: 1, 2, 4 or 8 bytes.
+unsigned WidthFor(std::uint64_t largest) {
+    unsigned width = 1;
+    while (width < 8 && largest >> (width * 8) != 0) width *= 2;
+    return width;
+}
+
+/// The start of an object with a count.
+std::string Head(BinaryKind kind, std::size_t count) {
+    constexpr std::size_t inItsOwnObject = 0x0F;
+    const auto upper = static_cast<unsigned>(kind) << 4;
+    std::string bytes(1, static_cast<char>(upper | std::min(count, inItsOwnObject)));
+    if (count >= inItsOwnObject) bytes += IntegerObject(count, false);
+    return bytes;
+}
+
+std::string EightBytes(BinaryKind kind, double value) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    std::string bytes(1, static_cast<char>(static_cast<unsigned>(kind) << 4 | 3)); // two to the third
+    AppendNumber(bytes, bits, 8);
+    return bytes;
+}
+
+} // namespace
+
+std::string BooleanObject(bool value) { return value ? "\x09" : "\x08"; }
+
+/// Only eight bytes and more have a sign, so numbers from 2^63 take sixteen.
+std::string IntegerObject(std::uint64_t magnitude, bool isNegative) {
+    const bool isHuge = !isNegative && magnitude > INT64_MAX;
+    const unsigned width = isNegative ? 8 : WidthFor(magnitude);
+    const unsigned power = isHuge ? 4 : width == 8 ? 3 : width / 2;
+    std::string bytes(1, static_cast<char>(0x10 | power));
+    if (isHuge) bytes.append(8, '\0');
+    AppendNumber(bytes, isNegative ? 0 - magnitude : magnitude, width);
+    return bytes;
+}
+
+std::string RealObject(double value) { return EightBytes(BinaryKind::Real, value); }
+std::string DateObject(double seconds) { return EightBytes(BinaryKind::Date, seconds); }
+std::string DataObject(std::string_view bytes) { return Head(BinaryKind::Data, bytes.size()).append(bytes); }
+
+std::string TextObject(std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+        return Head(BinaryKind::AsciiText, text.size()).append(text);
+    }
+    // Decoding drops a byte order mark at the start: this one, and not one of the text's own.
+    const auto units = DecodeUtf8("\xEF\xBB\xBF" + std::string(text)).value_or(u"");
+    std::string bytes = Head(BinaryKind::Utf16Text, units.size());
+    for (const char16_t unit : units) AppendNumber(bytes, unit, 2);
+    return bytes;
+}
+
+BinaryListWriter::Object BinaryListWriter::Add(std::string_view scalar) {
+    objects.push_back({BinaryKind::Simple, scalars.size(), scalar.size()});
+    scalars += scalar;
+    return static_cast<Object>(objects.size() - 1);
+}
+
+BinaryListWriter::Object BinaryListWriter::AddContainer(BinaryKind kind, const std::vector<Object>& members) {
+    objects.push_back({kind, references.size(), members.size()});
+    references.insert(references.end(), members.begin(), members.end());
+    return static_cast<Object>(objects.size() - 1);
+}
+
+std::string BinaryListWriter::Bytes(Object root) const {
+    const unsigned referenceWidth = WidthFor(objects.size() - 1);
+    std::string bytes = "bplist00";
+    std::vector<std::size_t> offsets;
+    for (const Extent& object : objects) {
+        offsets.push_back(bytes.size());
+        if (object.kind == BinaryKind::Simple) {
+            bytes.append(scalars, object.first, object.count);
+            continue;
+        }
+        bytes += Head(object.kind, object.kind == BinaryKind::Dictionary ? object.count / 2 : object.count);
+        for (std::size_t i = 0; i < object.count; ++i) {
+            AppendNumber(bytes, references[object.first + i], referenceWidth);
+        }
+    }
+    const std::size_t table = bytes.size();
+    const unsigned offsetWidth = WidthFor(table);
+    for (const std::size_t offset : offsets) AppendNumber(bytes, offset, offsetWidth);
+    bytes.append(6, '\0');
+    AppendNumber(bytes, offsetWidth, 1);
+    AppendNumber(bytes, referenceWidth, 1);
+    for (const std::size_t number : {offsets.size(), std::size_t{root}, table})
+        AppendNumber(bytes, number, 8);
+    return bytes;
+}
+
+} // namespace macplatform
