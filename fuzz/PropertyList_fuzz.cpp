@@ -1,9 +1,10 @@
 // Hostile property lists: what is accepted reads as an XML reader that others wrote has it, and survives
-// being written in both forms.
+// being edited and written.
 
 #include "Property.h"
 
-#include "PropertyListBinary.h"
+#include "BinaryListEdit.h"
+#include "BinaryListWriter.h"
 #include "PropertyListTree.h"
 
 #include <algorithm>
@@ -11,12 +12,14 @@
 #include <memory>
 #include <vector>
 
+using macplatform::BinaryFormOf;
 using macplatform::FormatOf;
+using macplatform::ParseBinaryForm;
 using macplatform::ParsePropertyList;
 using macplatform::PropertyListFormat;
 using macplatform::PropertyValue;
 using macplatform::ValueOf;
-using macplatform::WritePropertyList;
+using macplatform::XmlFormOf;
 
 namespace {
 
@@ -86,23 +89,43 @@ bool HoldsDate(const PropertyValue& value) {
            std::any_of(value.values.begin(), value.values.end(), HoldsDate);
 }
 
+/// The list with one key more, which binary lists take whatever else they hold.
+void CheckEdit(const std::string& list, PropertyValue root) {
+    if (root.kind != PropertyValue::Kind::Dictionary || root.Find("added")) return;
+    const auto edited = macplatform::EditBinaryList(list, {{"added", macplatform::BooleanObject(true)}});
+    if (!edited) return; // who edits such a list leaves the file as it is
+    std::string error;
+    const auto again = ParsePropertyList(*edited, error);
+    Require(again != nullptr, "an edited list can be read");
+    PropertyValue value;
+    value.kind = PropertyValue::Kind::Boolean;
+    value.text = "true";
+    value.integer = 1;
+    root.keys.push_back("added");
+    root.values.push_back(value);
+    Require(ValueOf(again.get()) == root, "and has the key, and all that was there");
+    const auto back = macplatform::EditBinaryList(*edited, {{"added", std::nullopt}});
+    Require(back.has_value() && ParsePropertyList(*back, error) != nullptr, "the key goes away again");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(Bytes(data, size));
     std::string error;
-    const auto tree = ParsePropertyList(bytes, error);
+    const std::string list = BinaryFormOf(bytes, error);
+    Require(list.empty() == !error.empty(), "no list has a reason");
+    const auto tree = list.empty() ? nullptr : ParseBinaryForm(list, error);
     Require((tree == nullptr) == !error.empty(), "no list has a reason");
     if (!tree) return 0;
     const PropertyValue root = ValueOf(tree.get());
-    const PropertyListFormat format = FormatOf(bytes);
-    const bool isXml = format == PropertyListFormat::Xml;
-    if (isXml) CheckXml(bytes, root);
-    const bool isKept = isXml ? bytes.find("&#") == bytes.npos && !HoldsDate(root)
-                              : macplatform::BinaryListLoss(bytes).empty();
-    if (!isKept) return 0; // who rewrites such a list compares, and leaves the file as it is
+    CheckEdit(list, root);
+    if (FormatOf(bytes) == PropertyListFormat::Binary) return 0;
+    CheckXml(bytes, root);
+    if (bytes.find("&#") != bytes.npos || HoldsDate(root))
+        return 0; // who rewrites such a list compares, and leaves the file as it is
 
-    const auto again = ParsePropertyList(WritePropertyList(tree.get(), format), error);
+    const auto again = ParsePropertyList(XmlFormOf(list), error);
     Require(again != nullptr, "its form can be written and read");
     Require(ValueOf(again.get()) == root, "and is the same list");
     return 0;

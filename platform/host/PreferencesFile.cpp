@@ -1,9 +1,10 @@
 #include "PreferencesFile.h"
 
 #include "AtomicFile.h"
+#include "BinaryListEdit.h"
+#include "BinaryListWriter.h"
 #include "Descriptor.h"
 #include "PlatformCall.h"
-#include "PropertyListBinary.h"
 #include "PropertyListLimits.h"
 #include "PropertyListTree.h"
 #include "WholeFile.h"
@@ -74,13 +75,50 @@ bool CanHold(PropertyListFormat format, const std::string& text) {
     });
 }
 
-PropertyListTree NewNode(const PreferenceValue& value) {
-    if (const auto* text = std::get_if<std::string>(&value))
-        return PropertyListTree(plist_new_string(text->c_str()));
-    if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        return PropertyListTree(plist_new_uint(static_cast<std::uint64_t>(*number)));
+/// As a list has it.
+std::string ObjectOf(const PreferenceValue& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) return TextObject(*text);
+    if (const auto* real = std::get_if<double>(&value)) return RealObject(*real);
+    const std::int64_t number = std::get<std::int64_t>(value);
+    const auto bits = static_cast<std::uint64_t>(number);
+    return IntegerObject(number < 0 ? 0 - bits : bits, number < 0);
+}
+
+PropertyValue AsReadAgain(const PreferenceValue& value) {
+    PropertyValue read;
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        read.kind = PropertyValue::Kind::Text;
+        read.text = *text;
+    } else if (const auto* real = std::get_if<double>(&value)) {
+        read.kind = PropertyValue::Kind::Real;
+        read.text = Digits(*real);
+    } else {
+        read.kind = PropertyValue::Kind::Integer;
+        read.integer = std::get<std::int64_t>(value);
+        read.text = std::to_string(read.integer);
     }
-    return PropertyListTree(plist_new_real(std::get<double>(value)));
+    return read;
+}
+
+/// The entries with the changes laid over them: those that stay in their order, and new ones in theirs.
+PropertyValue WithChanges(PropertyValue&& before, PreferenceChanges changes) {
+    PropertyValue after;
+    after.kind = PropertyValue::Kind::Dictionary;
+    for (std::size_t i = 0; i < before.keys.size(); ++i) {
+        const auto change = changes.find(before.keys[i]);
+        const bool isChanged = change != changes.end();
+        if (!isChanged || change->second) {
+            after.keys.push_back(std::move(before.keys[i]));
+            after.values.push_back(isChanged ? AsReadAgain(*change->second) : std::move(before.values[i]));
+        }
+        if (isChanged) changes.erase(change);
+    }
+    for (const auto& [key, value] : changes) {
+        if (!value) continue;
+        after.keys.push_back(key);
+        after.values.push_back(AsReadAgain(*value));
+    }
+    return after;
 }
 
 /// The domain's file between being read and being replaced.
@@ -93,7 +131,7 @@ public:
         struct stat status {};
         if (fstatat(folder.Get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
             if (errno != ENOENT) return Why(path, errno);
-            tree.reset(plist_new_dict());
+            list = EmptyBinaryList();
             return {};
         }
         exists = true;
@@ -103,39 +141,52 @@ public:
         if (const int failed = target.empty() ? errno : ReadWholeFile(target, maxPropertyListBytes, bytes)) {
             return Why(path, failed);
         }
-        tree = ParsePropertyList(bytes, error);
+        list = BinaryFormOf(bytes, error);
+        const PropertyListTree tree = list.empty() ? nullptr : ParseBinaryForm(list, error);
         if (!tree) return path + ": " + error;
         format = FormatOf(bytes);
-        if (format == PropertyListFormat::Binary) loss = BinaryListLoss(bytes);
-        return plist_get_node_type(tree.get()) == PLIST_DICT ? std::string()
-                                                             : path + ": it holds no dictionary";
+        entries = ValueOf(tree.get());
+        return entries.kind == PropertyValue::Kind::Dictionary ? std::string()
+                                                               : path + ": it holds no dictionary";
     }
 
-    std::string Apply(const PreferenceChanges& changes) {
-        for (const auto& [key, value] : changes) {
+    /// Keeps the changes that change something.
+    std::string Apply(const PreferenceChanges& wanted) {
+        for (const auto& [key, value] : wanted) {
             const auto* const text = value ? std::get_if<std::string>(&*value) : nullptr;
             if (!CanHold(format, key) || (text && !CanHold(format, *text))) {
                 return path + ": its format has no form for the control characters of " + Quoted(key);
             }
-            if (value) {
-                Set(key, *value);
-            } else {
-                Remove(key);
-            }
+        }
+        changes = wanted;
+        PreferenceChanges absent = wanted;
+        for (std::size_t i = 0; i < entries.keys.size(); ++i) {
+            const auto change = changes.find(entries.keys[i]);
+            if (change == changes.end()) continue;
+            absent.erase(change->first);
+            if (change->second && AsReadAgain(*change->second) == entries.values[i]) changes.erase(change);
+        }
+        for (const auto& [key, value] : absent) {
+            if (!value) changes.erase(key);
         }
         return {};
     }
 
     std::string Write() {
-        if (!changed) return {};
-        if (plist_dict_get_size(tree.get()) == 0) {
+        if (changes.empty()) return {};
+        BinaryListChanges objects;
+        for (const auto& [key, value] : changes) {
+            objects.emplace(key, value ? std::optional(ObjectOf(*value)) : std::nullopt);
+        }
+        const auto edited = EditBinaryList(list, objects);
+        entries = WithChanges(std::move(entries), std::move(changes));
+        if (entries.keys.empty()) {
             return !exists || unlinkat(folder.Get(), name.c_str(), 0) == 0 ? std::string() : Why(path, errno);
         }
-        if (!loss.empty()) return path + ": it cannot be written again without loss: it holds " + loss;
-        const std::string bytes = WritePropertyList(tree.get(), format);
-        std::string error;
+        std::string bytes, error;
+        if (edited) bytes = format == PropertyListFormat::Binary ? *edited : XmlFormOf(*edited);
         const PropertyListTree again = ParsePropertyList(bytes, error);
-        if (!again || ValueOf(again.get()) != ValueOf(tree.get())) {
+        if (!again || ValueOf(again.get()) != entries) {
             return path + ": it cannot be written again without loss";
         }
         const int failed = ReplaceFile(folder.Get(), name, bytes);
@@ -143,27 +194,13 @@ public:
     }
 
 private:
-    void Set(const std::string& key, const PreferenceValue& value) {
-        PropertyListTree fresh = NewNode(value);
-        if (!fresh) throw std::bad_alloc();
-        const plist_t present = plist_dict_get_item(tree.get(), key.c_str());
-        if (present && ValueOf(present) == ValueOf(fresh.get())) return;
-        plist_dict_set_item(tree.get(), key.c_str(), fresh.release());
-        changed = true;
-    }
-
-    void Remove(const std::string& key) {
-        if (!plist_dict_get_item(tree.get(), key.c_str())) return;
-        plist_dict_remove_item(tree.get(), key.c_str());
-        changed = true;
-    }
-
     const Descriptor& folder;
     std::string name, path;
-    PropertyListTree tree;
-    std::string loss; ///< What the tree lacks of the file.
+    std::string list;      ///< In binary form.
+    PropertyValue entries; ///< Of it; after Write, of what was written.
+    PreferenceChanges changes;
     PropertyListFormat format = PropertyListFormat::Binary;
-    bool exists = false, changed = false;
+    bool exists = false;
 };
 
 } // namespace

@@ -5,12 +5,10 @@
 #include "PropertyListLimits.h"
 #include "PropertyListXml.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
 #include <locale.h>
-#include <vector>
 
 namespace macplatform {
 
@@ -103,53 +101,45 @@ private:
     locale_t plain, before;
 };
 
-/// Which of the two would be the value, readers do not agree on, and writing the list again loses one.
-bool HasRepeatedKey(const PropertyValue& value) {
-    std::vector<std::string> keys = value.keys;
-    std::sort(keys.begin(), keys.end());
-    return std::adjacent_find(keys.begin(), keys.end()) != keys.end() ||
-           std::any_of(value.values.begin(), value.values.end(), HasRepeatedKey) ||
-           std::any_of(value.items.begin(), value.items.end(), HasRepeatedKey);
-}
-
 } // namespace
 
 PropertyListFormat FormatOf(const std::string& bytes) {
     return bytes.compare(0, 8, "bplist00") == 0 ? PropertyListFormat::Binary : PropertyListFormat::Xml;
 }
 
-PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error) {
+std::string BinaryFormOf(const std::string& bytes, std::string& error) {
     error.clear();
-    const bool isBinary = FormatOf(bytes) == PropertyListFormat::Binary;
-    std::string converted;
     if (bytes.size() > maxPropertyListBytes) {
         error = "it is larger than 64 MiB";
     } else if (bytes.empty()) {
         error = "the file is empty";
-    } else if (isBinary) {
-        error = BinaryListDanger(bytes);
+    } else if (FormatOf(bytes) == PropertyListFormat::Xml) {
+        return BinaryListFromXml(bytes, error);
     } else {
-        converted = BinaryListFromXml(bytes, error);
+        error = BinaryListDanger(bytes);
     }
-    if (!error.empty()) return nullptr;
-
-    plist_t tree = nullptr; // the parser reads what stands here
-    const std::string& safe = isBinary ? bytes : converted;
-    plist_from_bin(safe.data(), static_cast<std::uint32_t>(safe.size()), &tree);
-    PropertyListTree owned(tree);
-    if (!tree) {
-        error = "it is not a property list";
-    } else if (isBinary && HasRepeatedKey(ValueOf(tree))) {
-        error = "a dictionary in it has the same key twice";
-    }
-    return error.empty() ? std::move(owned) : nullptr;
+    return error.empty() ? bytes : std::string();
 }
 
-std::string WritePropertyList(plist_t tree, PropertyListFormat format) {
+PropertyListTree ParseBinaryForm(const std::string& list, std::string& error) {
+    plist_t tree = nullptr; // the parser reads what stands here
+    plist_from_bin(list.data(), static_cast<std::uint32_t>(list.size()), &tree);
+    if (!tree) error = "it is not a property list";
+    return PropertyListTree(tree);
+}
+
+PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error) {
+    const std::string list = BinaryFormOf(bytes, error);
+    return list.empty() ? nullptr : ParseBinaryForm(list, error);
+}
+
+std::string XmlFormOf(const std::string& list) {
+    std::string error;
+    const PropertyListTree tree = ParseBinaryForm(list, error);
     const PlainNumbers plain;
     char* text = nullptr;
     std::uint32_t length = 0;
-    (format == PropertyListFormat::Binary ? plist_to_bin : plist_to_xml)(tree, &text, &length);
+    if (tree) plist_to_xml(tree.get(), &text, &length);
     const Block owned(text);
     return text ? std::string(text, length) : std::string();
 }

@@ -16,14 +16,20 @@ struct FreeTree {
 };
 using PropertyListTree = std::unique_ptr<void, FreeTree>;
 
-/// The tree of these bytes; null when they are no property list or a dangerous one, and then `error` tells
-/// why, as one line.
-PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error);
-
 PropertyListFormat FormatOf(const std::string& bytes);
 
-/// The bytes of a tree; empty when it cannot be written.
-std::string WritePropertyList(plist_t tree, PropertyListFormat format);
+/// The list in binary form, which ParseBinaryForm may see; empty when the bytes are no property list or a
+/// dangerous one, and then `error` tells why, as one line.
+std::string BinaryFormOf(const std::string& bytes, std::string& error);
+
+/// Null, with `error` as one line, when the parser refuses the list.
+PropertyListTree ParseBinaryForm(const std::string& list, std::string& error);
+
+/// Both at once.
+PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error);
+
+/// A list from BinaryFormOf as XML; empty when it cannot be written.
+std::string XmlFormOf(const std::string& list);
 
 /// A copy in our own terms.
 PropertyValue ValueOf(plist_t node);

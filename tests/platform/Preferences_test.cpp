@@ -123,16 +123,44 @@ TEST_F(Preferences, LeaveAloneWhatTheyCannotRead) {
     EXPECT_TRUE(std::filesystem::is_directory(File()));
 }
 
-TEST_F(Preferences, LeaveAloneWhatTheyCannotWriteAgain) {
+TEST_F(Preferences, KeepObjectsThatTheParserWouldNot) {
     const std::string aSet("\xC1\x03"), loneSurrogate("\x61\xD8\x00", 3), nul("\122a\0", 3),
         notAscii("\x51\xE9");
     for (const std::string& object : {aSet, loneSurrogate, nul, notAscii}) {
         const std::string list = BinaryList({"\xD1\x01\x02", "\x51k", object, "\x09"});
         volume.Write("Library/Preferences/com.example.app.plist", list);
         Set("Lang", "ja");
-        EXPECT_FALSE(Synchronise());
-        EXPECT_EQ(ReadBytes(File()), list);
+        EXPECT_TRUE(Synchronise());
+        EXPECT_EQ(Stored().keys, (std::vector<std::string>{"k", "Lang"}));
+        const bool hasMember = object == aSet; // whose number is another one now
+        EXPECT_NE(ReadBytes(File()).find(hasMember ? "\xC1" : object), std::string::npos);
     }
+}
+
+TEST_F(Preferences, KeepSharedObjectsOnceAndDropOthers) {
+    const std::string shared = BinaryList({"\xD3\x01\x02\x03\x04\x04\x05",
+                                           "\x51"
+                                           "a",
+                                           "\x51"
+                                           "b",
+                                           "\x51"
+                                           "c",
+                                           "\xA1\x06",
+                                           "\x57"
+                                           "dropped",
+                                           "\x56"
+                                           "shared"});
+    volume.Write("Library/Preferences/com.example.app.plist", shared);
+    Set("c", "changed");
+    ASSERT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'a': ['shared'], 'b': ['shared'], 'c': 'changed'}\n");
+    const std::string bytes = ReadBytes(File());
+    EXPECT_EQ(bytes.find("shared"), bytes.rfind("shared"));
+    EXPECT_EQ(bytes.find("dropped"), std::string::npos);
+    Set("c", nullptr);
+    Set("a", "\xE6\x97\xA5");
+    ASSERT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'a': '\xE6\x97\xA5', 'b': ['shared']}\n");
 }
 
 TEST_F(Preferences, SayWhenTheFolderMayNotBeWritten) {

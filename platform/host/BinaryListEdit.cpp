@@ -1,0 +1,92 @@
+#include "BinaryListEdit.h"
+
+#include "BinaryListReader.h"
+#include "BinaryListWriter.h"
+
+#include <vector>
+
+namespace macplatform {
+
+namespace {
+
+using Object = BinaryListWriter::Object;
+
+class BinaryListCopy {
+public:
+    explicit BinaryListCopy(const std::string& bytes) : source(bytes) {}
+
+    std::optional<std::string> With(BinaryListChanges changes) {
+        if (!source.ReadTrailer() || source.KindOf(source.Root()) != BinaryKind::Dictionary)
+            return std::nullopt;
+        const auto entries = source.Children(source.Root());
+        if (!entries) return std::nullopt;
+        copies.resize(source.ObjectCount());
+        const std::size_t count = entries->size() / 2;
+        for (std::size_t i = 0; i < count; ++i) {
+            if (!TakeEntry((*entries)[i], (*entries)[count + i], changes)) return std::nullopt;
+        }
+        for (const auto& [key, value] : changes) {
+            if (value) AddEntry(copy.Add(TextObject(key)), copy.Add(*value));
+        }
+        keys.insert(keys.end(), values.begin(), values.end());
+        return copy.Bytes(copy.AddContainer(BinaryKind::Dictionary, keys));
+    }
+
+private:
+    void AddEntry(Object key, Object value) {
+        keys.push_back(key);
+        values.push_back(value);
+    }
+
+    /// With its change, which is then done; false when it cannot be copied.
+    bool TakeEntry(std::size_t key, std::size_t value, BinaryListChanges& changes) {
+        const auto text = source.TextOf(key);
+        if (!text) return false;
+        const auto change = changes.find(*text);
+        const bool isChanged = change != changes.end();
+        if (!isChanged || change->second) {
+            const auto keyCopy = Copied(key);
+            const auto valueCopy = isChanged ? std::optional(copy.Add(*change->second)) : Copied(value);
+            if (!keyCopy || !valueCopy) return false;
+            AddEntry(*keyCopy, *valueCopy);
+        }
+        if (isChanged) changes.erase(change);
+        return true;
+    }
+
+    /// Recursion ends: a list without danger has no cycles, and is not nested deeply.
+    std::optional<Object> Copied(std::size_t object) {
+        if (copies[object]) return copies[object];
+        const auto kind = source.KindOf(object);
+        if (!kind || !IsContainer(*kind)) {
+            const auto bytes = source.ScalarBytes(object);
+            return copies[object] = bytes ? std::optional(copy.Add(*bytes)) : std::nullopt;
+        }
+        const auto children = source.Children(object);
+        std::vector<Object> members;
+        for (std::size_t i = 0; children && i < children->size(); ++i) {
+            const auto member = Copied((*children)[i]);
+            if (!member) return std::nullopt;
+            members.push_back(*member);
+        }
+        return copies[object] = children ? std::optional(copy.AddContainer(*kind, members)) : std::nullopt;
+    }
+
+    BinaryListReader source;
+    BinaryListWriter copy;
+    std::vector<std::optional<Object>> copies; ///< By the object's number in the source.
+    std::vector<Object> keys, values;          ///< Of the root.
+};
+
+} // namespace
+
+std::optional<std::string> EditBinaryList(const std::string& bytes, const BinaryListChanges& changes) {
+    return BinaryListCopy(bytes).With(changes);
+}
+
+std::string EmptyBinaryList() {
+    BinaryListWriter list;
+    return list.Bytes(list.AddContainer(BinaryKind::Dictionary, {}));
+}
+
+} // namespace macplatform
