@@ -1,5 +1,5 @@
 // How time and memory grow with size. The last two lines of a group tell the order that fits best and how far
-// the figures are from it; "bytes_each" is what an item allocated, freed again or not.
+// the figures are from it; "bytes_each" is what was allocated for an item, freed again or not.
 
 #include <Kelbase/Util/ByteStream.h>
 #include <Kelbase/Util/Dir.h>
@@ -15,7 +15,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <new>
+#include <malloc.h>
 
 namespace {
 
@@ -23,13 +23,26 @@ std::size_t allocated = 0;
 
 } // namespace
 
-void* operator new(std::size_t size) {
+// The C library's own functions under their second names: its blocks may be freed as ever, and those of all
+// libraries of the process are counted.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+
+void* malloc(std::size_t size) noexcept {
     allocated += size;
-    if (void* const p = std::malloc(size)) return p;
-    throw std::bad_alloc();
+    return __libc_malloc(size);
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void* calloc(std::size_t count, std::size_t size) noexcept {
+    allocated += count * size;
+    return __libc_calloc(count, size);
+}
+void* realloc(void* block, std::size_t size) noexcept {
+    allocated += size;
+    return __libc_realloc(block, size);
+}
+}
 
 namespace {
 
@@ -111,32 +124,50 @@ void enterListing() {
     });
 }
 
-/// A preferences file of `n` keys, one of which is changed and synchronised.
-void enterPreferences() {
-    grow("preferences", 100, 100000, [](std::int64_t n) {
+void setNumber(CFStringRef key, int value, CFStringRef domain) {
+    const CFNumberRef number = CFNumberCreate(nullptr, kCFNumberIntType, &value);
+    CFPreferencesSetValue(key, number, domain, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
+    CFRelease(number);
+}
+
+void synchronise(CFStringRef domain) {
+    if (!CFPreferencesSynchronize(domain, kCFPreferencesAnyUser, kCFPreferencesCurrentHost)) std::abort();
+}
+
+/// A preferences file of `n` keys in the form that stands there before, one of which is changed and
+/// synchronised.
+void enterPreferences(const char* name, bool isXml) {
+    grow(name, 100, 100000, [isXml](std::int64_t n) {
         if (!macplatform::SetStartupVolume(ownFolder().string())) std::abort();
         const fs::path folder = ownFolder() / "Library/Preferences";
         fs::create_directories(folder);
-        const std::string domain = "growth.keys" + std::to_string(n);
-        std::ofstream file(folder / (domain + ".plist"));
-        file << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>\n";
-        for (std::int64_t i = 0; i < n; ++i)
-            file << "<key>Key" << i << "</key><integer>" << i << "</integer>\n";
-        file << "</dict></plist>\n";
+        const std::string text = (isXml ? "growth.xml" : "growth.binary") + std::to_string(n);
+        const CFStringRef domain = CFStringCreateWithCString(nullptr, text.c_str(), kCFStringEncodingUTF8);
+        if (isXml) std::ofstream(folder / (text + ".plist")) << "<plist version=\"1.0\"><dict/></plist>\n";
+        for (int i = 0; i < n; ++i) {
+            const std::string digits = "Key" + std::to_string(i);
+            const CFStringRef key = CFStringCreateWithCString(nullptr, digits.c_str(), kCFStringEncodingUTF8);
+            setNumber(key, i, domain);
+            CFRelease(key);
+        }
+        synchronise(domain);
         return [domain, value = 0]() mutable {
-            const CFStringRef name =
-                CFStringCreateWithCString(nullptr, domain.c_str(), kCFStringEncodingUTF8);
-            const CFNumberRef number = CFNumberCreate(nullptr, kCFNumberIntType, &++value);
-            CFPreferencesSetValue(CFSTR("Key7"), number, name, kCFPreferencesAnyUser,
-                                  kCFPreferencesCurrentHost);
-            if (!CFPreferencesSynchronize(name, kCFPreferencesAnyUser, kCFPreferencesCurrentHost))
-                std::abort();
-            CFRelease(number);
-            CFRelease(name);
+            setNumber(CFSTR("Key7"), --value, domain);
+            synchronise(domain);
         };
     });
 }
 
-[[maybe_unused]] const bool entered = (enterTexts(), enterListing(), enterPreferences(), true);
+/// Else the C library gives freed blocks back to the system after each run at a large size, and the next run
+/// pays for having them mapped again, where runs at small sizes do not.
+void keepMemory() {
+    constexpr int twoGigabytes = 2'000'000'000;
+    mallopt(M_TRIM_THRESHOLD, twoGigabytes);
+    mallopt(M_MMAP_THRESHOLD, twoGigabytes);
+}
+
+[[maybe_unused]] const bool entered =
+    (keepMemory(), enterTexts(), enterListing(), enterPreferences("preferences_xml", true),
+     enterPreferences("preferences_binary", false), true);
 
 } // namespace
