@@ -1,6 +1,6 @@
 #pragma once
 
-/// Property lists as the parser's own trees, which keep all that a file can hold.
+/// Property lists as bytes, as the parser's own trees, and as values.
 
 #include <macplatform/PropertyList.h>
 

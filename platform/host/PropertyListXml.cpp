@@ -3,12 +3,13 @@
 #include "BinaryListWriter.h"
 #include "PropertyListLimits.h"
 #include "TextEncoding.h"
+#include "XmlCharacters.h"
+#include "XmlScalars.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -18,20 +19,10 @@ namespace macplatform {
 
 namespace {
 
-bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsLetter(char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; }
-
 std::string LowerCase(std::string_view text) {
     std::string lower(text);
     for (char& c : lower) c = static_cast<char>(IsLetter(c) ? c | 0x20 : c);
     return lower;
-}
-
-std::string_view Stripped(std::string_view text) {
-    while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
-    while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
-    return text;
 }
 
 /// What XML lets stand in a text.
@@ -48,97 +39,6 @@ bool IsXmlText(std::string_view bytes) {
            bytes.find("\xEF\xBF\xBF") == bytes.npos;
 }
 
-// Scalars as objects of a binary list, from their texts; nothing when they are damaged.
-
-/// Takes a sign off; true for minus.
-bool TakeSign(std::string_view& text) {
-    const bool isMinus = text.substr(0, 1) == "-";
-    if (isMinus || text.substr(0, 1) == "+") text.remove_prefix(1);
-    return isMinus;
-}
-
-std::optional<std::string> IntegerFrom(std::string_view text) {
-    text = Stripped(text);
-    const bool isMinus = TakeSign(text);
-    const bool isHexadecimal = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
-    if (isHexadecimal) text.remove_prefix(2);
-    std::uint64_t value = 0;
-    const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, value, isHexadecimal ? 16 : 10);
-    constexpr std::uint64_t lowest = std::uint64_t{1} << 63;
-    if (text.empty() || read.ec != std::errc() || read.ptr != end || (isMinus && value > lowest))
-        return std::nullopt;
-    return IntegerObject(value, isMinus && value > 0);
-}
-
-std::optional<std::string> RealFrom(std::string_view text) {
-    text = Stripped(text);
-    const bool isMinus = TakeSign(text);
-    double value = 0;
-    const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, value);
-    const bool isNumber = !text.empty() && (IsDigit(text[0]) || text[0] == '.');
-    const bool isWord = text == "nan" || text == "inf" || text == "infinity";
-    if ((!isNumber && !isWord) || read.ec != std::errc() || read.ptr != end) return std::nullopt;
-    return RealObject(isMinus && value != 0 ? -value : value); // the parser writes no negative zero
-}
-
-/// From 2001-01-01 to a day of the Gregorian calendar.
-int DaysFrom2001(int year, int month, int day) {
-    if (month < 3) {
-        --year; // the day that leap years have more then ends a year
-        month += 12;
-    }
-    year += 400; // a whole cycle of 146,097 days, lest a division have a negative number
-    const int days = 365 * year + year / 4 - year / 100 + year / 400 + (153 * (month - 3) + 2) / 5 + day;
-    constexpr int daysUntil2001 = 876889;
-    return days - daysUntil2001;
-}
-
-std::optional<std::string> DateFrom(std::string_view text) {
-    constexpr std::string_view form = "0000-00-00T00:00:00Z";
-    text = Stripped(text);
-    if (text.size() != form.size()) return std::nullopt;
-    for (std::size_t i = 0; i < form.size(); ++i) {
-        if (form[i] == '0' ? !IsDigit(text[i]) : text[i] != form[i]) return std::nullopt;
-    }
-    const auto number = [text](std::size_t at) { return (text[at] - '0') * 10 + (text[at + 1] - '0'); };
-    const bool isDay = number(5) >= 1 && number(5) <= 12 && number(8) >= 1 && number(8) <= 31;
-    if (!isDay || number(11) > 23 || number(14) > 59 || number(17) > 59) return std::nullopt;
-    const int days = DaysFrom2001(number(0) * 100 + number(2), number(5), number(8));
-    return DateObject(days * 86400.0 + number(11) * 3600 + number(14) * 60 + number(17));
-}
-
-/// The value of a digit of base 64; 64 for what is none.
-unsigned Base64Value(char c) {
-    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    return static_cast<unsigned>(std::min(digits.find(c), digits.size()));
-}
-
-std::optional<std::string> DataFrom(std::string_view text) {
-    std::string digits;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(digits), [](char c) { return !IsSpace(c); });
-    const std::size_t count = std::min(digits.find('='), digits.size());
-    const std::size_t padding = digits.size() - count;
-    if (digits.size() % 4 != 0 || padding > 2 || (padding == 2 && digits.back() != '=')) return std::nullopt;
-    std::string bytes;
-    std::uint32_t bits = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const unsigned value = Base64Value(digits[i]);
-        if (value > 63) return std::nullopt;
-        bits = bits << 6 | value;
-        if (i % 4 != 0) bytes += static_cast<char>(bits >> (6 - 2 * (i % 4)) & 0xFF);
-    }
-    return DataObject(bytes);
-}
-
-std::optional<std::string> TextFrom(std::string_view text) { return TextObject(text); }
-
-template <bool value>
-std::optional<std::string> BooleanFrom(std::string_view text) {
-    return text.empty() ? std::optional(BooleanObject(value)) : std::nullopt;
-}
-
 enum class Role { List, Dictionary, Array, Key, Scalar };
 struct Element {
     std::string_view name;
@@ -146,17 +46,12 @@ struct Element {
     std::optional<std::string> (*object)(std::string_view); ///< Of its text; null for a container.
 };
 constexpr Element elements[] = {
-    {"plist", Role::List, nullptr},
-    {"dict", Role::Dictionary, nullptr},
-    {"array", Role::Array, nullptr},
-    {"key", Role::Key, TextFrom},
-    {"string", Role::Scalar, TextFrom},
-    {"integer", Role::Scalar, IntegerFrom},
-    {"real", Role::Scalar, RealFrom},
-    {"date", Role::Scalar, DateFrom},
-    {"data", Role::Scalar, DataFrom},
-    {"true", Role::Scalar, BooleanFrom<true>},
-    {"false", Role::Scalar, BooleanFrom<false>},
+    {"plist", Role::List, nullptr},     {"dict", Role::Dictionary, nullptr},
+    {"array", Role::Array, nullptr},    {"key", Role::Key, TextFrom},
+    {"string", Role::Scalar, TextFrom}, {"integer", Role::Scalar, IntegerFrom},
+    {"real", Role::Scalar, RealFrom},   {"date", Role::Scalar, DateFrom},
+    {"data", Role::Scalar, DataFrom},   {"true", Role::Scalar, TrueFrom},
+    {"false", Role::Scalar, FalseFrom},
 };
 
 /// One pass over the text, without recursion. Steps answer false when the text is damaged where they stand.
