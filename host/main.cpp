@@ -11,7 +11,9 @@
 #include "validate/ChecksCommand.h"
 #include "validate/ValidateCommand.h"
 
+#include <algorithm>
 #include <exception>
+#include <string_view>
 
 namespace {
 
@@ -31,8 +33,11 @@ struct Execute {
     ExitStatus operator()(const InfoOptions& options) const { return InfoCommand(options); }
 };
 
-bool RunsBundles(const Command& command) {
-    return std::holds_alternative<RunOptions>(command) || std::holds_alternative<ValidateOptions>(command);
+/// Asked before the arguments are understood: the process for the work shall begin with as little as there is
+/// to copy. One word too many means one process too many, and nothing else.
+bool MayRunBundles(int argc, const char* const* argv) {
+    return std::any_of(argv, argv + argc,
+                       [](std::string_view argument) { return argument == "run" || argument == "validate"; });
 }
 
 int Refused(ExitStatus status, const std::string& text, bool isJson) {
@@ -63,10 +68,9 @@ int Guarded(bool isJson, Work work) {
 int main(int argc, char** argv) {
     PrepareStandardStreams();
     const bool isJson = WantsJson(argc, argv);
-    return Guarded(isJson, [&] {
-        const Command command = ParseCommandLine(argc, argv);
-        const auto work = [&] { return static_cast<int>(std::visit(Execute(), command)); };
-        if (!RunsBundles(command)) return work();
-        return RunInWorker([&] { return Guarded(isJson, work); });
-    });
+    const auto work = [&] {
+        return Guarded(isJson,
+                       [&] { return static_cast<int>(std::visit(Execute(), ParseCommandLine(argc, argv))); });
+    };
+    return MayRunBundles(argc, argv) ? Guarded(isJson, [&] { return RunInWorker(work); }) : work();
 }
