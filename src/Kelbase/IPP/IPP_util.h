@@ -99,14 +99,33 @@ void Convert(unsigned int count, const float* src, unsigned char* dst, int scale
 void Convert(unsigned int count, const double* src, int* dst, int scale, bool round);
 ///@}
 
-// The two whose call would outweigh their work.
+// Those whose call would outweigh their work. The C library may not be given null pointers.
 
 namespace detail {
 template <typename T>
+void copyElements(unsigned int count, const T* src, T* dst) {
+    if (count) std::memcpy(dst, src, std::size_t{count} * sizeof(T));
+}
+
+template <typename T>
 void zeroElements(unsigned int count, T* dst) {
-    if (count) std::memset(dst, 0, std::size_t{count} * sizeof(T)); // which may not be given a null pointer
+    if (count) std::memset(dst, 0, std::size_t{count} * sizeof(T));
 }
 } // namespace detail
+
+inline void Copy(unsigned int count, const char* src, char* dst) { detail::copyElements(count, src, dst); }
+inline void Copy(unsigned int count, const unsigned char* src, unsigned char* dst) {
+    detail::copyElements(count, src, dst);
+}
+inline void Copy(unsigned int count, const short* src, short* dst) { detail::copyElements(count, src, dst); }
+inline void Copy(unsigned int count, const int* src, int* dst) { detail::copyElements(count, src, dst); }
+inline void Copy(unsigned int count, const unsigned int* src, unsigned int* dst) {
+    detail::copyElements(count, src, dst);
+}
+inline void Copy(unsigned int count, const float* src, float* dst) { detail::copyElements(count, src, dst); }
+inline void Copy(unsigned int count, const double* src, double* dst) {
+    detail::copyElements(count, src, dst);
+}
 
 inline void Zero(unsigned int count, unsigned char* dst) { detail::zeroElements(count, dst); }
 inline void Zero(unsigned int count, short* dst) { detail::zeroElements(count, dst); }

@@ -11,11 +11,6 @@ namespace {
 // count of 0 the block operations are not called: they may not be given null pointers.
 
 template <typename T>
-void copyElements(unsigned int count, const T* src, T* dst) {
-    if (count) std::memcpy(dst, src, std::size_t(count) * sizeof(T));
-}
-
-template <typename T>
 void moveElements(unsigned int count, const T* src, T* dst) {
     if (count) std::memmove(dst, src, std::size_t(count) * sizeof(T));
 }
@@ -38,18 +33,6 @@ double shiftedOne(unsigned int shift) {
 }
 
 } // namespace
-
-void IPP::Copy(unsigned int count, const char* src, char* dst) { copyElements(count, src, dst); }
-void IPP::Copy(unsigned int count, const unsigned char* src, unsigned char* dst) {
-    copyElements(count, src, dst);
-}
-void IPP::Copy(unsigned int count, const short* src, short* dst) { copyElements(count, src, dst); }
-void IPP::Copy(unsigned int count, const int* src, int* dst) { copyElements(count, src, dst); }
-void IPP::Copy(unsigned int count, const unsigned int* src, unsigned int* dst) {
-    copyElements(count, src, dst);
-}
-void IPP::Copy(unsigned int count, const float* src, float* dst) { copyElements(count, src, dst); }
-void IPP::Copy(unsigned int count, const double* src, double* dst) { copyElements(count, src, dst); }
 
 void IPP::Move(unsigned int count, const unsigned char* src, unsigned char* dst) {
     moveElements(count, src, dst);
