@@ -1,4 +1,4 @@
-#include "PropertyListBinary.h"
+#include "BinaryListDanger.h"
 
 #include "BinaryListReader.h"
 #include "PropertyListLimits.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "BinaryListWriter.h"
+#include "BinaryKind.h"
 
 #include <cstddef>
 #include <optional>
@@ -26,7 +26,7 @@ public:
     /// Nothing when the object does not lie before the offset table, as far as its first bytes tell.
     std::optional<BinaryKind> KindOf(std::size_t object) const;
     /// The references of an array, set or dictionary (its keys, then its values); none for a scalar; nothing
-    /// when they lie outside, or a key is no whole text.
+    /// when they lie outside.
     std::optional<std::vector<std::size_t>> Children(std::size_t object) const;
     /// In UTF-8; nothing when the object is no text or the parser would not keep each of its characters: one
     /// with a NUL, a lone surrogate or a byte that is not ASCII.
@@ -48,10 +48,5 @@ private:
     unsigned offsetWidth = 0, referenceWidth = 0;
     std::size_t objectCount = 0, root = 0, table = 0;
 };
-
-/// Whether an object of the kind holds others.
-inline bool IsContainer(BinaryKind kind) {
-    return kind == BinaryKind::Array || kind == BinaryKind::Set || kind == BinaryKind::Dictionary;
-}
 
 } // namespace macplatform

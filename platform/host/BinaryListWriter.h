@@ -1,26 +1,13 @@
 #pragma once
 
+#include "BinaryKind.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace macplatform {
-
-/// What an object of a binary property list is: the upper half of its first byte.
-enum class BinaryKind : unsigned char {
-    Simple = 0,
-    Integer = 1,
-    Real = 2,
-    Date = 3,
-    Data = 4,
-    AsciiText = 5,
-    Utf16Text = 6,
-    Uid = 8,
-    Array = 0xA,
-    Set = 0xC,
-    Dictionary = 0xD
-};
 
 // Scalars as whole objects.
 

@@ -1,7 +1,7 @@
 #include "PropertyListTree.h"
 
+#include "BinaryListDanger.h"
 #include "PlatformCall.h"
-#include "PropertyListBinary.h"
 #include "PropertyListLimits.h"
 #include "PropertyListXml.h"
 

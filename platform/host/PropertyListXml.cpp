@@ -253,12 +253,8 @@ private:
         if (closed.element->role == Role::List) return closed.members.size() == 1;
         const auto object = closed.element->object ? Scalar(*closed.element) : Container(closed);
         if (!object) return false;
-        if (open.empty()) {
-            root = *object;
-        } else {
-            open.back().members.push_back(*object);
-            if (open.back().element->role == Role::List) root = *object;
-        }
+        root = *object; // the last one is
+        if (!open.empty()) open.back().members.push_back(*object);
         return true;
     }
 
