@@ -134,8 +134,7 @@ void synchronise(CFStringRef domain) {
     if (!CFPreferencesSynchronize(domain, kCFPreferencesAnyUser, kCFPreferencesCurrentHost)) std::abort();
 }
 
-/// A preferences file of `n` keys in the form that stands there before, one of which is changed and
-/// synchronised.
+/// A preferences file of `n` keys, one of which is changed and synchronised.
 void enterPreferences(const char* name, bool isXml) {
     grow(name, 100, 100000, [isXml](std::int64_t n) {
         if (!macplatform::SetStartupVolume(ownFolder().string())) std::abort();

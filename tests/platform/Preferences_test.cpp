@@ -138,18 +138,8 @@ TEST_F(Preferences, KeepObjectsThatTheParserWouldNot) {
 }
 
 TEST_F(Preferences, KeepSharedObjectsOnceAndDropOthers) {
-    const std::string shared = BinaryList({"\xD3\x01\x02\x03\x04\x04\x05",
-                                           "\x51"
-                                           "a",
-                                           "\x51"
-                                           "b",
-                                           "\x51"
-                                           "c",
-                                           "\xA1\x06",
-                                           "\x57"
-                                           "dropped",
-                                           "\x56"
-                                           "shared"});
+    const std::string shared = BinaryList(
+        {"\xD3\x01\x02\x03\x04\x04\x05", "\121a", "\121b", "\121c", "\xA1\x06", "\127dropped", "\126shared"});
     volume.Write("Library/Preferences/com.example.app.plist", shared);
     Set("c", "changed");
     ASSERT_TRUE(Synchronise());
