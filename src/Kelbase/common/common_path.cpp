@@ -1,7 +1,7 @@
 #include <Kelbase/common/common_path.h>
 
-#include <Kelbase/common/common_string_builder.h>
-#include <Kelbase/common/common_string_scan.h>
+#include <Kelbase/common/detail/common_string_builder.h>
+#include <Kelbase/common/detail/common_string_scan.h>
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include <Kelbase/common/common_string.h>
 
-#include <Kelbase/common/common_string_length.h>
+#include <Kelbase/common/detail/common_string_length.h>
 
 #include <algorithm>
 #include <cstdint>

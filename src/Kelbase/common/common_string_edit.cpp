@@ -1,8 +1,8 @@
 #include <Kelbase/common/common_string.h>
 
-#include <Kelbase/common/common_string_builder.h>
-#include <Kelbase/common/common_string_length.h>
-#include <Kelbase/common/common_string_scan.h>
+#include <Kelbase/common/detail/common_string_builder.h>
+#include <Kelbase/common/detail/common_string_length.h>
+#include <Kelbase/common/detail/common_string_scan.h>
 
 #include <algorithm>
 #include <utility>

@@ -1,11 +1,11 @@
 #include <Kelbase/common/common_string.h>
 
-#include <Kelbase/common/common_string_builder.h>
-#include <Kelbase/common/common_string_decimal.h>
-#include <Kelbase/common/common_string_digits.h>
-#include <Kelbase/common/common_string_float_text.h>
-#include <Kelbase/common/common_string_length.h>
-#include <Kelbase/common/common_string_scan.h>
+#include <Kelbase/common/detail/common_string_builder.h>
+#include <Kelbase/common/detail/common_string_decimal.h>
+#include <Kelbase/common/detail/common_string_digits.h>
+#include <Kelbase/common/detail/common_string_float_text.h>
+#include <Kelbase/common/detail/common_string_length.h>
+#include <Kelbase/common/detail/common_string_scan.h>
 
 #include <algorithm>
 #include <climits>

@@ -1,7 +1,7 @@
 #include <Kelbase/common/common_string.h>
 
-#include <Kelbase/common/common_string_decimal.h>
-#include <Kelbase/common/common_string_locale.h>
+#include <Kelbase/common/detail/common_string_decimal.h>
+#include <Kelbase/common/detail/common_string_locale.h>
 
 #include <array>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 #include <Kelbase/common/common_string.h>
-#include <Kelbase/common/common_string_sort.h>
+#include <Kelbase/common/detail/common_string_sort.h>
 
 #include "Kelbase/TextBytes.h"
 

@@ -1,6 +1,6 @@
 #include <Kelbase/common/common_string.h>
 
-#include <Kelbase/common/common_string_decimal.h>
+#include <Kelbase/common/detail/common_string_decimal.h>
 
 #include "Kelbase/TextBytes.h"
 

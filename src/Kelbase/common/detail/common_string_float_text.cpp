@@ -1,7 +1,7 @@
-#include <Kelbase/common/common_string_float_text.h>
+#include <Kelbase/common/detail/common_string_float_text.h>
 
-#include <Kelbase/common/common_string_digits.h>
-#include <Kelbase/common/common_string_locale.h>
+#include <Kelbase/common/detail/common_string_digits.h>
+#include <Kelbase/common/detail/common_string_locale.h>
 
 #include <algorithm>
 #include <charconv>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Kelbase/common/common_string.h>
-#include <Kelbase/common/common_string_length.h>
+#include <Kelbase/common/detail/common_string_length.h>
 
 /// A new text, written from front to back into the one block of memory that it will take.
 class StringBuilder {

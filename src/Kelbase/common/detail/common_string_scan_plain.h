@@ -3,7 +3,7 @@
 /// The plain forms of what common_string_scan.h declares, and what the others do with their last bytes.
 
 #include <Kelbase/common/common_char.h>
-#include <Kelbase/common/common_string_scan.h>
+#include <Kelbase/common/detail/common_string_scan.h>
 
 #include <cstddef>
 #include <string_view>

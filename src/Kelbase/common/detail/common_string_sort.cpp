@@ -1,4 +1,4 @@
-#include <Kelbase/common/common_string_sort.h>
+#include <Kelbase/common/detail/common_string_sort.h>
 
 #include <algorithm>
 #include <cstdint>

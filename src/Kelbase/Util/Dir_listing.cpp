@@ -1,6 +1,6 @@
 #include <Kelbase/Util/Dir.h>
 
-#include <Kelbase/common/common_string_sort.h>
+#include <Kelbase/common/detail/common_string_sort.h>
 
 #include <algorithm>
 #include <memory>
