@@ -3,7 +3,7 @@
 
 #include "Property.h"
 
-#include "AppleDouble.h"
+#include "carbon/AppleDouble.h"
 
 #include <cerrno>
 #include <fcntl.h>

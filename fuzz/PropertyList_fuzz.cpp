@@ -3,9 +3,9 @@
 
 #include "Property.h"
 
-#include "BinaryListEdit.h"
-#include "BinaryListWriter.h"
-#include "PropertyListTree.h"
+#include "plist/BinaryListEdit.h"
+#include "plist/BinaryListWriter.h"
+#include "plist/PropertyListTree.h"
 
 #include <algorithm>
 #include <expat.h>

@@ -3,7 +3,7 @@
 #include "DarwinCalls.h"
 #include "Fixups.h"
 #include "UnwindEntries.h"
-#include "WholeFile.h"
+#include "posix/WholeFile.h"
 
 #include <algorithm>
 #include <cstdlib>

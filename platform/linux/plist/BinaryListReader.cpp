@@ -1,7 +1,7 @@
 #include "BinaryListReader.h"
 
 #include "PropertyListLimits.h"
-#include "TextEncoding.h"
+#include "corefoundation/TextEncoding.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -2,9 +2,9 @@
 
 #include "BinaryListWriter.h"
 #include "PropertyListLimits.h"
-#include "TextEncoding.h"
 #include "XmlCharacters.h"
 #include "XmlScalars.h"
+#include "corefoundation/TextEncoding.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
 #include "Trash.h"
 
-#include "Descriptor.h"
+#include "posix/Descriptor.h"
 
 #include <macplatform/StartupVolume.h>
 

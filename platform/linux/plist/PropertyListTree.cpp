@@ -1,9 +1,9 @@
 #include "PropertyListTree.h"
 
 #include "BinaryListDanger.h"
-#include "PlatformCall.h"
 #include "PropertyListLimits.h"
 #include "PropertyListXml.h"
+#include "trace/PlatformCall.h"
 
 #include <cstdlib>
 #include <ctime>

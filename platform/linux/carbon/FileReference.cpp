@@ -3,9 +3,9 @@
 #include <Carbon/MacErrors.h>
 #include <macplatform/StartupVolume.h>
 
-#include "PlatformCall.h"
 #include "ResultCodes.h"
-#include "TextEncoding.h"
+#include "corefoundation/TextEncoding.h"
+#include "trace/PlatformCall.h"
 
 #include <algorithm>
 #include <cerrno>

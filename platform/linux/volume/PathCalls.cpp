@@ -9,8 +9,8 @@
 // its exact declarations, and the forms for 32-bit and 64-bit file offsets stay apart whatever this file is
 // compiled with.
 
-#include "Descriptor.h"
 #include "PathCall.h"
+#include "posix/Descriptor.h"
 
 #include <algorithm>
 #include <cstdarg>

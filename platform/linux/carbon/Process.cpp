@@ -3,7 +3,7 @@
 #include <Carbon/Processes.h>
 #include <macplatform/ProcessIdentity.h>
 
-#include "PlatformCall.h"
+#include "trace/PlatformCall.h"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,8 @@
 
 /// The C library's path calls, caught on their way: see PathCalls.cpp for the calls themselves.
 
-#include "PlatformCall.h"
 #include "VolumePath.h"
+#include "trace/PlatformCall.h"
 
 #include <macplatform/StartupVolume.h>
 

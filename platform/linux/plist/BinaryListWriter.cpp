@@ -1,6 +1,6 @@
 #include "BinaryListWriter.h"
 
-#include "TextEncoding.h"
+#include "corefoundation/TextEncoding.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,11 +2,11 @@
 #include <Carbon/MacErrors.h>
 #include <CoreFoundation/CFURL.h>
 
-#include "CFURLPath.h"
 #include "FileReference.h"
 #include "FinderInfo.h"
-#include "PlatformCall.h"
 #include "ResultCodes.h"
+#include "corefoundation/CFURLPath.h"
+#include "trace/PlatformCall.h"
 
 #include <algorithm>
 #include <cstdio>

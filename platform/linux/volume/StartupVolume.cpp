@@ -1,7 +1,7 @@
 #include <macplatform/StartupVolume.h>
 
-#include "PlatformCall.h"
 #include "VolumePath.h"
+#include "trace/PlatformCall.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include <macplatform/ProcessIdentity.h>
 #include <sys/sysctl.h>
 
-#include "PlatformCall.h"
 #include "WholeFile.h"
+#include "trace/PlatformCall.h"
 
 #include <algorithm>
 #include <cerrno>

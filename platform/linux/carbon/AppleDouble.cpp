@@ -1,8 +1,8 @@
 #include "AppleDouble.h"
 
-#include "AtomicFile.h"
-#include "Descriptor.h"
-#include "VolumePath.h"
+#include "posix/AtomicFile.h"
+#include "posix/Descriptor.h"
+#include "volume/VolumePath.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -3,7 +3,7 @@
 #include <Carbon/Dialogs.h>
 
 #include "AlertPresenter.h"
-#include "PlatformCall.h"
+#include "trace/PlatformCall.h"
 
 #include <algorithm>
 #include <new>

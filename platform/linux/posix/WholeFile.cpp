@@ -1,7 +1,7 @@
 #include "WholeFile.h"
 
 #include "Descriptor.h"
-#include "PlatformCall.h"
+#include "trace/PlatformCall.h"
 
 #include <cerrno>
 #include <fcntl.h>

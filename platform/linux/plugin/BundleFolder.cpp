@@ -1,8 +1,8 @@
 #include "BundleFolder.h"
 
-#include "Descriptor.h"
 #include "MachOLoader.h"
-#include "PlatformCall.h"
+#include "posix/Descriptor.h"
+#include "trace/PlatformCall.h"
 
 #include <cerrno>
 #include <cstring>

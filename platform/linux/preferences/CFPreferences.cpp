@@ -1,8 +1,8 @@
 #include <CoreFoundation/CFPreferences.h>
 
-#include "CFNumberObject.h"
-#include "CFStringObject.h"
 #include "PreferencesFile.h"
+#include "corefoundation/CFNumberObject.h"
+#include "corefoundation/CFStringObject.h"
 
 #include <macplatform/StartupVolume.h>
 

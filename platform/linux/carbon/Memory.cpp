@@ -1,9 +1,9 @@
 #include <Carbon/MacErrors.h>
 #include <Carbon/MacMemory.h>
 
-#include "CFObject.h"
-#include "LiveRegistry.h"
-#include "PlatformCall.h"
+#include "corefoundation/CFObject.h"
+#include "trace/LiveRegistry.h"
+#include "trace/PlatformCall.h"
 
 #include <cstddef>
 #include <cstdlib>

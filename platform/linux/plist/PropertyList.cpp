@@ -1,9 +1,9 @@
 #include <macplatform/PropertyList.h>
 
-#include "PlatformCall.h"
 #include "PropertyListLimits.h"
 #include "PropertyListTree.h"
-#include "WholeFile.h"
+#include "posix/WholeFile.h"
+#include "trace/PlatformCall.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,13 +1,13 @@
 #include "PreferencesFile.h"
 
-#include "AtomicFile.h"
-#include "BinaryListEdit.h"
-#include "BinaryListWriter.h"
-#include "Descriptor.h"
-#include "PlatformCall.h"
-#include "PropertyListLimits.h"
-#include "PropertyListTree.h"
-#include "WholeFile.h"
+#include "plist/BinaryListEdit.h"
+#include "plist/BinaryListWriter.h"
+#include "plist/PropertyListLimits.h"
+#include "plist/PropertyListTree.h"
+#include "posix/AtomicFile.h"
+#include "posix/Descriptor.h"
+#include "posix/WholeFile.h"
+#include "trace/PlatformCall.h"
 
 #include <macplatform/StartupVolume.h>
 

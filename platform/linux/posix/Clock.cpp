@@ -1,7 +1,7 @@
 #include <CoreFoundation/CFDate.h>
 #include <mach/mach_time.h>
 
-#include "PlatformCall.h"
+#include "trace/PlatformCall.h"
 
 #include <ctime>
 

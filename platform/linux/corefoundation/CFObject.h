@@ -9,8 +9,8 @@
 
 #include <CoreFoundation/CFBase.h>
 
-#include "LiveRegistry.h"
-#include "PlatformCall.h"
+#include "trace/LiveRegistry.h"
+#include "trace/PlatformCall.h"
 
 #include <atomic>
 #include <cstddef>

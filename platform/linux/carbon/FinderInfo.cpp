@@ -3,7 +3,7 @@
 #include <macplatform/FinderFlags.h>
 
 #include "AppleDouble.h"
-#include "PlatformCall.h"
+#include "trace/PlatformCall.h"
 
 #include <cerrno>
 #include <cstring>

@@ -4,10 +4,10 @@
 #include <Carbon/MacErrors.h>
 
 #include "FileReference.h"
-#include "LiveRegistry.h"
-#include "PlatformCall.h"
 #include "ResultCodes.h"
 #include "Trash.h"
+#include "trace/LiveRegistry.h"
+#include "trace/PlatformCall.h"
 
 #include <algorithm>
 #include <cstring>

@@ -4,11 +4,11 @@
 #include <macplatform/StartupVolume.h>
 
 #include "BundleFolder.h"
-#include "CFArrayObject.h"
-#include "CFObject.h"
-#include "CFURLPath.h"
-#include "CFUUIDObject.h"
 #include "MachOLoader.h"
+#include "corefoundation/CFArrayObject.h"
+#include "corefoundation/CFObject.h"
+#include "corefoundation/CFURLPath.h"
+#include "corefoundation/CFUUIDObject.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -6,10 +6,10 @@
 #include <CoreFoundation/CFString.h>
 
 #include "AlertPresenter.h"
-#include "CFStringObject.h"
-#include "LiveRegistry.h"
-#include "PlatformCall.h"
-#include "TextEncoding.h"
+#include "corefoundation/CFStringObject.h"
+#include "corefoundation/TextEncoding.h"
+#include "trace/LiveRegistry.h"
+#include "trace/PlatformCall.h"
 
 #include <cstdint>
 #include <cstring>
