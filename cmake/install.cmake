@@ -62,4 +62,4 @@ set_target_properties(xcodhost PROPERTIES INSTALL_RPATH $ORIGIN/${libraries_from
 install(TARGETS xcodhost)
 compressed(manual ${PROJECT_SOURCE_DIR}/docs/xcodhost.1 xcodhost.1.gz)
 install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES host/completion.bash DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions RENAME xcodhost)
+install(FILES xcodhost/completion.bash DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions RENAME xcodhost)

@@ -2,7 +2,7 @@
 # What bash offers behind the start of a command line: completion_test.sh XCODHOST COMPLETION
 set -uo pipefail
 tool=$1
-# shellcheck source=host/completion.bash
+# shellcheck source=xcodhost/completion.bash
 . "$2"
 # shellcheck disable=SC2317 # the completion calls it
 compopt() { echo "<$2>"; } # what bash itself is then to complete

@@ -1,0 +1,64 @@
+#include "ChecksCommand.h"
+
+#include "Console.h"
+#include "DisplayText.h"
+#include "JsonDocument.h"
+#include "validate/Check.h"
+
+#include <algorithm>
+#include <string>
+
+namespace xcodhost {
+
+namespace {
+
+Json ToJson(const Check& check) {
+    return {{"id", check.id},
+            {"sentence", check.sentence},
+            {"why", check.why},
+            {"needs", std::vector<std::string>(check.needs.begin(), check.needs.end())}};
+}
+
+const Check& CheckNamed(const std::string& id) {
+    const auto& checks = AllChecks();
+    const auto found =
+        std::find_if(checks.begin(), checks.end(), [&](const Check& one) { return one.id == id; });
+    if (found != checks.end()) return *found;
+    std::string near;
+    for (const Check& one : checks) {
+        if (std::string(one.id).find(id) != std::string::npos)
+            near += (near.empty() ? "" : ", ") + std::string(one.id);
+    }
+    throw UsageError(
+        "there is no check " + PrintableQuoted(id) +
+        (near.empty() ? "; xcodhost list checks shows them all" : "; did you mean one of: " + near));
+}
+
+std::string Explanation(const Check& check, const Style& style) {
+    std::string text = style.Heading(check.id) + "\n" + check.sentence + "\n\n" + check.why + '\n';
+    for (const char* need : check.needs) text += std::string("needs  ") + need + '\n';
+    return text + "run    xcodhost validate BUNDLE --include " + check.id + '\n';
+}
+
+} // namespace
+
+ExitStatus ListChecksCommand(const ListChecksOptions& options) {
+    std::string text;
+    Json document = {{"command", "list checks"}, {"checks", Json::array()}, {"exitStatus", 0}};
+    for (const Check& check : AllChecks()) {
+        const std::string id = check.id;
+        text += id + std::string(id.size() < 30 ? 30 - id.size() : 1, ' ') + ' ' + check.sentence + '\n';
+        document["checks"].push_back(ToJson(check));
+    }
+    WriteResult(options.isJson ? DumpDocument(document) : text);
+    return ExitStatus::Done;
+}
+
+ExitStatus ExplainCommand(const ExplainOptions& options) {
+    const Check& check = CheckNamed(options.check);
+    Json document = {{"command", "explain"}, {"check", ToJson(check)}, {"exitStatus", 0}};
+    WriteResult(options.isJson ? DumpDocument(document) : Explanation(check, Style()));
+    return ExitStatus::Done;
+}
+
+} // namespace xcodhost

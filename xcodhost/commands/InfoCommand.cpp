@@ -1,0 +1,116 @@
+#include "InfoCommand.h"
+
+#include "Console.h"
+#include "DisplayText.h"
+#include "JsonDocument.h"
+#include "bundle/BundleInfo.h"
+#include "contract/PluginContract.h"
+
+#include <set>
+#include <strings.h>
+
+namespace xcodhost {
+
+namespace {
+
+/// Identifiers may be written in either case.
+bool IsPluginType(const std::string& identifier) {
+    return strcasecmp(identifier.c_str(), Describe(kPluginType).c_str()) == 0;
+}
+
+std::string Joined(const std::vector<std::string>& texts) {
+    std::string joined;
+    for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + Printable(text);
+    return joined.empty() ? "none" : joined;
+}
+
+std::vector<std::string> ArchitecturesOf(const BundleExecutable& executable) {
+    std::vector<std::string> names;
+    for (const BundleImage& image : executable.images) {
+        if (!image.architecture.empty()) names.push_back(image.architecture);
+    }
+    return names;
+}
+
+std::string ExecutableText(const BundleExecutable& executable) {
+    std::string text = "executable  " + Printable(executable.path) + ": " + executable.format + ' ' +
+                       Joined(ArchitecturesOf(executable)) + '\n';
+    for (const BundleImage& image : executable.images) {
+        const std::string whose = executable.images.size() > 1 ? " of " + image.architecture : "";
+        text += "  exports" + whose + "  " + Joined(image.exports) + '\n';
+        if (!image.problem.empty()) text += "  problem" + whose + "  " + image.problem + '\n';
+    }
+    if (!executable.problem.empty()) text += "  problem  " + executable.problem + '\n';
+    return text;
+}
+
+Json TextOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+
+Json ExecutableJson(const BundleExecutable& executable) {
+    Json images = Json::array();
+    std::set<std::string> exports;
+    std::string problem = executable.problem;
+    for (const BundleImage& image : executable.images) {
+        exports.insert(image.exports.begin(), image.exports.end());
+        if (problem.empty()) problem = image.problem;
+        images.push_back({{"architecture", TextOrNull(image.architecture)},
+                          {"exports", image.exports},
+                          {"problem", TextOrNull(image.problem)}});
+    }
+    return {{"platform", executable.platform},
+            {"path", executable.path},
+            {"format", executable.format},
+            {"architectures", ArchitecturesOf(executable)},
+            {"exports", exports},
+            {"images", std::move(images)},
+            {"problem", TextOrNull(problem)}};
+}
+
+std::string InfoText(const BundleInfo& info, const Style& style) {
+    std::string text = style.Heading("bundle  " + Printable(info.path)) + '\n';
+    for (std::size_t i = 0; i < info.propertyList.keys.size(); ++i) {
+        const std::string& key = info.propertyList.keys[i];
+        if (key == "CFPlugInFactories" || key == "CFPlugInTypes") continue;
+        text += Printable(key) + ": " + Printable(info.propertyList.values[i].Describe()) + '\n';
+    }
+    for (const BundleFactory& factory : info.factories) {
+        text += "factory  " + Printable(factory.identifier) + ": " + Printable(factory.function) + '\n';
+    }
+    for (const BundleType& type : info.types) {
+        text += "type  " + Printable(type.identifier) +
+                (IsPluginType(type.identifier) ? " (installer plug-in)" : "") + ": " +
+                Joined(type.factories) + '\n';
+    }
+    for (const BundleExecutable& executable : info.executables) text += ExecutableText(executable);
+    return text;
+}
+
+std::string InfoJson(const BundleInfo& info) {
+    Json document = {{"command", "info"},
+                     {"bundle", info.path},
+                     {"propertyList", ValueJson(info.propertyList)["value"]},
+                     {"factories", Json::array()},
+                     {"types", Json::array()},
+                     {"executables", Json::array()},
+                     {"exitStatus", 0}};
+    for (const BundleFactory& factory : info.factories) {
+        document["factories"].push_back({{"identifier", factory.identifier}, {"function", factory.function}});
+    }
+    for (const BundleType& type : info.types) {
+        document["types"].push_back({{"identifier", type.identifier}, {"factories", type.factories}});
+    }
+    for (const BundleExecutable& executable : info.executables) {
+        document["executables"].push_back(ExecutableJson(executable));
+    }
+    return DumpDocument(document);
+}
+
+} // namespace
+
+ExitStatus InfoCommand(const InfoOptions& options) {
+    const BundleInfo info = ReadBundle(options.bundle);
+    WriteResult(options.isJson ? InfoJson(info) : InfoText(info, Style()));
+    return ExitStatus::Done;
+}
+
+} // namespace xcodhost

@@ -1,0 +1,340 @@
+#include "Options.h"
+
+#include "DisplayText.h"
+#include "ExitStatus.h"
+#include "contract/PluginContract.h"
+
+#include <CLI/CLI.hpp>
+#include <macplatform/Bundles.h>
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <sstream>
+#include <string_view>
+#include <unistd.h>
+
+#ifndef XCODHOST_VERSION
+#error "the build files give the version"
+#endif
+
+namespace xcodhost {
+
+namespace {
+
+constexpr double kLongestLimit = 86400;
+
+constexpr const char* kRunFooter =
+    "Examples:\n"
+    "  xcodhost run PostInstall.bundle --product 4900 --language 11 --volume vol\n"
+    "  xcodhost run PostInstall.bundle --product 4900 --volume vol --dry-run --trace\n"
+    "  xcodhost run PostInstall.bundle --product 4900 --selector 7 --direct --event pre --answers OK\n\n"
+    "Exit status: 0 done, 1 the plug-in set an error bit, 2 wrong usage, 3 the bundle cannot be loaded,\n"
+    "4 it crashed or let an exception out, 5 time limit, 70 a fault of the tool itself.";
+
+/// What the parser fills in before the values are checked together.
+struct RunArguments {
+    RunOptions options;
+    std::optional<std::uint16_t> message;
+    std::string event = "both";
+    std::string answers;
+    std::vector<CLI::Option*> excludedByBlock;
+};
+
+/// Decimal, or hexadecimal after "0x"; the whole text.
+template <typename Integer>
+Integer ParseInteger(const std::string& name, const std::string& text) {
+    std::string_view digits = text;
+    const bool isNegative = !digits.empty() && digits.front() == '-';
+    if (isNegative) digits.remove_prefix(1);
+    const bool isHex = digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X');
+    if (isHex) digits.remove_prefix(2);
+    std::int64_t value = 0;
+    const auto [end, error] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), value, isHex ? 16 : 10);
+    const bool isWhole =
+        error == std::errc() && end == digits.data() + digits.size() && digits.front() != '-';
+    if (isNegative) value = -value;
+    if (!isWhole || value < std::numeric_limits<Integer>::min() ||
+        value > std::numeric_limits<Integer>::max()) {
+        throw UsageError(name + ": " + PrintableQuoted(text) + " is not a whole number from " +
+                         std::to_string(std::numeric_limits<Integer>::min()) + " to " +
+                         std::to_string(std::numeric_limits<Integer>::max()));
+    }
+    return static_cast<Integer>(value);
+}
+
+double ParseSeconds(const std::string& name, const std::string& text) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || !(value > 0) || value > kLongestLimit) {
+        throw UsageError(name + ": " + PrintableQuoted(text) +
+                         " is not a number of seconds above 0, up to 86400");
+    }
+    return value;
+}
+
+template <typename Target, typename Parse>
+CLI::Option* AddNumber(CLI::App& app, const std::string& name, Target& target, Parse parse,
+                       const std::string& description) {
+    const auto take = [&target, parse, name](const std::string& text) { target = parse(name, text); };
+    return app.add_option_function<std::string>(name, take, description)->type_name("N");
+}
+
+std::vector<std::uint16_t> MessagesFor(const RunArguments& arguments) {
+    if (arguments.message) return {*arguments.message};
+    if (arguments.event == "pre") return {kPreInstall};
+    if (arguments.event == "post") return {kPostInstall};
+    if (arguments.event == "both") return {kPreInstall, kPostInstall};
+    throw UsageError("--event: " + PrintableQuoted(arguments.event) + " is none of pre, post, both");
+}
+
+std::vector<std::string> SplitTitles(const std::string& text) {
+    std::vector<std::string> titles;
+    std::stringstream in(text);
+    for (std::string title; std::getline(in, title, ',');) titles.push_back(title);
+    return titles;
+}
+
+AnswerPolicy PolicyFor(const std::string& text, bool isGiven) {
+    using Kind = AnswerPolicy::Kind;
+    if (!isGiven) return {isatty(STDIN_FILENO) == 1 ? Kind::Ask : Kind::First, {}, {}};
+    if (text == "ask") return {Kind::Ask, {}, {}};
+    if (text == "desktop") return {Kind::Desktop, {}, FindDialogPrograms()};
+    if (text == "first") return {Kind::First, {}, {}};
+    if (text.empty()) throw UsageError("--answers: give ask, desktop, first, or the titles of buttons");
+    return {Kind::Titles, SplitTitles(text), {}};
+}
+
+RunOptions Checked(RunArguments& arguments, const CLI::App& run) {
+    RunOptions& options = arguments.options;
+    if (!options.blockFile.empty()) {
+        for (const CLI::Option* option : arguments.excludedByBlock) {
+            if (option->count() > 0) throw UsageError(option->get_name() + " and --block exclude each other");
+        }
+    } else {
+        if (!options.product)
+            throw UsageError("--product is missing (or --block, a file with the whole block)");
+        if (arguments.message && run.count("--event") > 0) {
+            throw UsageError("--event and --message exclude each other");
+        }
+        options.messages = MessagesFor(arguments);
+    }
+    if (options.isDryRun && options.volume.empty()) {
+        throw UsageError("--dry-run needs --volume: without one the run has a scratch volume anyway");
+    }
+    options.answers = PolicyFor(arguments.answers, run.count("--answers") > 0);
+    return options;
+}
+
+/// What stands in the parameter block.
+void DescribeBlock(CLI::App& run, RunArguments& arguments) {
+    RunOptions& options = arguments.options;
+    auto* product = AddNumber(run, "--product", options.product, ParseInteger<std::int32_t>, "Product code");
+    auto* language = AddNumber(run, "--language", options.language, ParseInteger<std::int32_t>,
+                               "Language code (default 0)");
+    auto* selector = AddNumber(run, "--selector", options.selector, ParseInteger<std::uint16_t>,
+                               "Call kind (default 1000)");
+    auto* event =
+        run.add_option("--event", arguments.event, "Events to deliver: pre, post or both (default)");
+    event->type_name("EVENT");
+    auto* message = AddNumber(run, "--message", arguments.message, ParseInteger<std::uint16_t>,
+                              "Deliver this message alone: 2 pre-install, 3 post-install, or any other");
+    arguments.excludedByBlock = {product, language, selector, event, message};
+    run.add_option("--block", options.blockFile,
+                   "Deliver this file's bytes as the parameter block (at least 614)")
+        ->type_name("FILE");
+}
+
+/// A switch of the platform, which the child process inherits.
+void AddMacFlag(CLI::App& app) {
+    const auto prefer = [] {
+        if (!macplatform::PreferMacCode(true))
+            throw UsageError("--mac: only the 32-bit build of this tool runs a bundle's code for the Mac");
+    };
+    app.add_flag_callback("--mac", prefer, "Load the bundle's executable for the Mac, not that for Linux");
+}
+
+void DescribeRun(CLI::App& run, RunArguments& arguments) {
+    RunOptions& options = arguments.options;
+    run.add_option("BUNDLE", options.bundle, "The bundle's folder")->type_name("DIR")->required();
+    DescribeBlock(run, arguments);
+    run.add_flag("--direct", options.isDirect, "Call the exported PreInstall and PostInstall by name");
+    run.add_option("--volume", options.volume,
+                   "Folder that stands for the startup volume (default: a scratch sample volume)")
+        ->type_name("DIR");
+    run.add_flag("--dry-run", options.isDryRun, "Work on a scratch copy of the volume");
+    run.add_option(
+           "--answers", arguments.answers,
+           "Who answers alerts: ask (default on a terminal), desktop (a window), first (the first button; "
+           "default elsewhere), or the titles of buttons, one for each alert, with commas between")
+        ->type_name("WHO");
+    AddMacFlag(run);
+    run.add_flag("--trace", options.hasTrace, "Show every platform call in order");
+    AddNumber(run, "--timeout", options.secondsPerCall, ParseSeconds,
+              "Seconds that one call may take (default 10)");
+    run.add_flag("--json", options.isJson, "Print one JSON document");
+    run.footer(kRunFooter);
+}
+
+void DescribeValidate(CLI::App& validate, ValidateOptions& options) {
+    validate.add_option("BUNDLE", options.bundles, "One or more bundles' folders")
+        ->type_name("DIR")
+        ->required();
+    validate
+        .add_option("--include", options.include,
+                    "Run these checks only: ids, groups, or patterns such as 'steps.*'")
+        ->type_name("ID");
+    validate.add_option("--exclude", options.exclude, "Do not run these checks")->type_name("ID");
+    AddMacFlag(validate);
+    validate.add_flag("--json", options.isJson, "Print one JSON document");
+    validate.add_option("--junit", options.junitFile, "Write the results for a build server to this file")
+        ->type_name("FILE");
+    validate.add_option("--html", options.htmlFile, "Write a page for the browser to this file")
+        ->type_name("FILE");
+    AddNumber(validate, "--timeout", options.secondsPerCall, ParseSeconds,
+              "Seconds that one call may take (default 10); a check may take twenty times that");
+    AddNumber(
+        validate, "--jobs", options.atOnce,
+        [](const std::string& name, const std::string& text) {
+            const auto count = ParseInteger<std::uint8_t>(name, text);
+            if (count == 0) throw UsageError(name + ": at least 1");
+            return unsigned{count};
+        },
+        "Checks that run at the same time (default: the number of processors)");
+    validate.footer(
+        "Examples:\n"
+        "  xcodhost validate PostInstall.bundle\n"
+        "  xcodhost validate PostInstall.bundle --include steps --exclude steps.answer\n"
+        "  xcodhost validate PostInstall.bundle --junit results.xml --html results.html\n\n"
+        "Exit status: 0 all checks passed, 1 a check failed, 2 wrong usage, 3 the bundle cannot be loaded,\n"
+        "4 it crashed or let an exception out, 5 time limit, 70 a fault of the tool itself.\n"
+        "Where several checks fail, the first of them decides.");
+}
+
+void DescribeList(CLI::App& list, ListChecksOptions& options) {
+    CLI::App* const checks =
+        list.add_subcommand("checks", "All checks of validate, with what they are about");
+    checks->add_flag("--json", options.isJson, "Print one JSON document");
+    list.require_subcommand(1);
+    list.footer("Example:\n  xcodhost list checks");
+}
+
+void DescribeExplain(CLI::App& explain, ExplainOptions& options) {
+    explain.add_option("ID", options.check, "The check's id")->type_name("")->required();
+    explain.add_flag("--json", options.isJson, "Print one JSON document");
+    explain.footer("Example:\n  xcodhost explain steps.alert");
+}
+
+void DescribeShow(CLI::App& show, ShowOptions& options) {
+    show.add_option("--volume", options.volume, "Folder that stands for the startup volume")
+        ->type_name("DIR")
+        ->required();
+    show.add_flag("--json", options.isJson, "Print one JSON document");
+    show.footer("Example:\n  xcodhost show --volume vol");
+}
+
+void DescribeVolume(CLI::App& volume, VolumeOptions& options) {
+    volume.add_option("DIR", options.folder, "A new folder, an empty one, or a sample volume to complete")
+        ->type_name("")
+        ->required();
+    auto* status = volume.add_option_function<std::string>(
+        "--status", [&options](const std::string& text) { options.sample.status = text; },
+        "What the updater's status file holds (default UpdatesEnabled; '' for an empty file)");
+    volume
+        .add_flag_callback(
+            "--no-status", [&options] { options.sample.status.reset(); }, "Make no status file")
+        ->excludes(status);
+    volume.add_flag_callback(
+        "--no-folder", [&options] { options.sample.hasFolder = false; }, "Make no /Applications/Korvane");
+    volume.add_flag_callback(
+        "--no-icon", [&options] { options.sample.hasIcon = false; }, "Make no icon file in that folder");
+    volume.add_flag("--json", options.isJson, "Print one JSON document");
+    volume.footer("Examples:\n"
+                  "  xcodhost volume vol\n"
+                  "  xcodhost volume vol --status 'UpdatesDisabled' --no-icon");
+}
+
+void DescribeInfo(CLI::App& info, InfoOptions& options) {
+    info.add_option("BUNDLE", options.bundle, "The bundle's folder")->type_name("DIR")->required();
+    info.add_flag("--json", options.isJson, "Print one JSON document");
+    info.footer("Example:\n  xcodhost info PostInstall.bundle");
+}
+
+/// The command's options are made when it is met, and those of the others never.
+template <typename Describe>
+CLI::App* AddCommand(CLI::App& app, const char* name, const char* summary, Describe describe) {
+    CLI::App* const command = app.add_subcommand(name, summary);
+    command->preparse_callback([command, describe](std::size_t) { describe(*command); });
+    return command;
+}
+
+/// The parser's own words, without line feeds.
+UsageError FromParser(const CLI::ParseError& error) {
+    std::string text = error.what();
+    for (char& c : text) {
+        if (c == '\n') c = ' ';
+    }
+    return UsageError(text + " (xcodhost --help tells more)");
+}
+
+} // namespace
+
+Command ParseCommandLine(int argc, const char* const* argv) {
+    CLI::App app("Loads an installer plug-in as the installer does, delivers events to it against a folder "
+                 "that stands "
+                 "for the startup volume,\nand shows what it did.",
+                 "xcodhost");
+    app.set_version_flag("--version", "xcodhost " XCODHOST_VERSION);
+    app.require_subcommand(1);
+    RunArguments runArguments;
+    ShowOptions showOptions;
+    ValidateOptions validateOptions;
+    VolumeOptions volumeOptions;
+    InfoOptions infoOptions;
+    ListChecksOptions listOptions;
+    ExplainOptions explainOptions;
+    CLI::App* const run = AddCommand(app, "run", "Deliver the installer's events to a bundle",
+                                     [&](CLI::App& command) { DescribeRun(command, runArguments); });
+    CLI::App* const validate =
+        AddCommand(app, "validate", "Check bundles against the plug-in contract",
+                   [&](CLI::App& command) { DescribeValidate(command, validateOptions); });
+    CLI::App* const show = AddCommand(app, "show", "Show preferences and Finder flags on a volume",
+                                      [&](CLI::App& command) { DescribeShow(command, showOptions); });
+    CLI::App* const volume = AddCommand(app, "volume", "Make a sample startup volume",
+                                        [&](CLI::App& command) { DescribeVolume(command, volumeOptions); });
+    AddCommand(app, "info", "Show what a bundle is, without loading it",
+               [&](CLI::App& command) { DescribeInfo(command, infoOptions); });
+    CLI::App* const list = AddCommand(app, "list", "List the checks of validate",
+                                      [&](CLI::App& command) { DescribeList(command, listOptions); });
+    CLI::App* const explain =
+        AddCommand(app, "explain", "Tell what a check is about",
+                   [&](CLI::App& command) { DescribeExplain(command, explainOptions); });
+    app.footer("xcodhost COMMAND --help shows a command's options and examples.");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) {
+        std::ostringstream out;
+        app.exit(request, out, out);
+        return HelpText{out.str()};
+    } catch (const CLI::ParseError& error) {
+        throw FromParser(error);
+    }
+    if (run->parsed()) return Checked(runArguments, *run);
+    if (validate->parsed()) return validateOptions;
+    if (list->parsed()) return listOptions;
+    if (explain->parsed()) return explainOptions;
+    if (show->parsed()) return showOptions;
+    if (volume->parsed()) return volumeOptions;
+    return infoOptions;
+}
+
+bool WantsJson(int argc, const char* const* argv) {
+    for (int i = 1; i < argc; ++i) {
+        if (std::string_view(argv[i]) == "--json") return true;
+    }
+    return false;
+}
+
+} // namespace xcodhost

@@ -1,0 +1,197 @@
+#include "RunCommand.h"
+
+#include "Console.h"
+#include "DisplayText.h"
+#include "alert/Answers.h"
+#include "process/Interruption.h"
+#include "run/BlockFile.h"
+#include "run/Delivery.h"
+#include "run/RunReport.h"
+#include "run/RunReportJson.h"
+#include "volume/ScratchVolume.h"
+#include "volume/VolumeFolder.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace xcodhost {
+
+namespace {
+
+/// A run may take as long as this many calls.
+constexpr double kCallsPerRun = 20;
+
+std::vector<ParameterBlock> BlocksFor(const RunOptions& options) {
+    std::vector<ParameterBlock> blocks;
+    if (!options.blockFile.empty()) blocks.push_back(ReadBlockFile(options.blockFile));
+    for (const std::uint16_t message : options.messages) {
+        blocks.emplace_back(options.selector, message, *options.product, options.language);
+    }
+    const bool isPlain = std::all_of(blocks.begin(), blocks.end(), [](const ParameterBlock& block) {
+        return block.Message() == kPreInstall || block.Message() == kPostInstall;
+    });
+    if (options.isDirect && !isPlain) {
+        throw UsageError(
+            "--direct calls PreInstall for message 2 and PostInstall for message 3; the block has another");
+    }
+    return blocks;
+}
+
+DeliveryPlan PlanFor(const RunOptions& options) {
+    DeliveryPlan plan;
+    plan.blocks = BlocksFor(options);
+    plan.bundle = std::filesystem::absolute(options.bundle).lexically_normal().string();
+    plan.isDirect = options.isDirect;
+    plan.tellsAll = options.hasTrace;
+    return plan;
+}
+
+ChildLimits LimitsFor(const RunOptions& options) {
+    ChildLimits limits;
+    limits.secondsPerCall = options.secondsPerCall;
+    limits.secondsPerRun = options.secondsPerCall * kCallsPerRun;
+    return limits;
+}
+
+/// The folder that the run works on: the named one, or a scratch volume that goes away with this.
+class WorkVolume {
+public:
+    WorkVolume(const RunOptions& options, const Interruption& interruption) {
+        if (!options.volume.empty()) folder = VolumeFolder(options.volume);
+        if (!folder.empty() && !options.isDryRun) return;
+        scratch.emplace(options.isDryRun ? ScratchFolder::Use::Copies : ScratchFolder::Use::Samples);
+        if (options.isDryRun) {
+            CopyVolume(folder, scratch->Path(), interruption);
+        } else {
+            MakeSampleVolume(scratch->Path(), {});
+        }
+        folder = scratch->Path();
+    }
+    const std::string& Folder() const { return folder; }
+
+private:
+    std::optional<ScratchFolder> scratch;
+    std::string folder;
+};
+
+/// Sorts what the child tells into the result.
+class Recorder {
+public:
+    Recorder(RunResult& runResult, Answers& alertAnswers) : result(runResult), answers(alertAnswers) {}
+
+    void Take(Message&& message) {
+        std::visit([this](auto&& one) { TakeOne(std::forward<decltype(one)>(one)); }, std::move(message));
+    }
+
+    int Answer(macplatform::Alert&& alert) {
+        const auto [button, note] = answers.To(alert);
+        const bool isStop = alert.kind == macplatform::Alert::Kind::Stop;
+        if (!note.empty() && !isStop && !std::exchange(hasNoted, true)) {
+            Note(Describe(alert) + " was not shown: " + note);
+        }
+        if (!result.calls.empty()) result.calls.back().alerts.push_back({std::move(alert), button, note});
+        return button;
+    }
+
+private:
+    void TakeOne(CallBegan&& call) {
+        result.calls.emplace_back();
+        result.calls.back().call = std::move(call);
+    }
+    void TakeOne(CallReturned&& returned) {
+        if (!result.calls.empty()) result.calls.back().returned = std::move(returned);
+    }
+    void TakeOne(macplatform::JournalEntry&& entry) {
+        if (result.calls.empty()) return;
+        CallRecord& call = result.calls.back();
+        if (entry.call == "CFPreferencesSynchronize" && entry.result == "false" && !entry.arguments.empty()) {
+            call.lostWrites.push_back({Unquoted(entry.arguments.front()), entry.note});
+        }
+        if (result.hasTrace) call.platformCalls.push_back(std::move(entry));
+    }
+    void TakeOne(LoadFailed&& failure) { result.loadFailure = std::move(failure); }
+    void TakeOne(ExceptionEscaped&& exception) { result.exception = std::move(exception); }
+    void TakeOne(ObjectsLeft&& left) { result.objectsLeft = std::move(left.objects); }
+    void TakeOne(Finding&&) {} // of checks only, as the next two
+    void TakeOne(GaveUp&&) {}
+    void TakeOne(TableCell&&) {}
+    void TakeOne(macplatform::Alert&&) {} // answered before
+    void TakeOne(ChildFault&&) {}         // thrown before
+    void TakeOne(Done&&) {}
+
+    static std::string Unquoted(const std::string& text) {
+        const bool isQuoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+        return isQuoted ? text.substr(1, text.size() - 2) : text;
+    }
+
+    RunResult& result;
+    Answers& answers;
+    bool hasNoted = false;
+};
+
+/// What became of a preferences file that cannot be read now.
+std::string FileProblem(const std::string& domain, const PreferencesFile& file, const VolumeState& before,
+                        const VolumeState& after, bool hasLostWrite) {
+    std::string text = Printable(domain) + ": " + Printable(file.path) + ' ' + file.problem;
+    if (!IsUntouched(before, after, file.path)) return text + "; the run made it so";
+    return text + "; left as it was" + (hasLostWrite ? ", nothing was stored" : "");
+}
+
+std::vector<std::string> FindProblems(const RunResult& result, const VolumeState& before,
+                                      const VolumeState& after) {
+    std::map<std::string, std::string> lost; // the first reason for each domain
+    for (const CallRecord& call : result.calls) {
+        for (const LostWrite& write : call.lostWrites) lost.emplace(write.domain, write.reason);
+    }
+    std::vector<std::string> problems = after.problems;
+    for (const auto& [domain, file] : after.preferences) {
+        if (file.problem.empty()) continue;
+        const bool hasLostWrite = lost.erase(domain) > 0;
+        problems.push_back(FileProblem(domain, file, before, after, hasLostWrite));
+    }
+    for (const auto& [domain, reason] : lost) {
+        problems.push_back(
+            Printable(domain + ": nothing was stored" + (reason.empty() ? "" : ": " + reason)));
+    }
+    return problems;
+}
+
+} // namespace
+
+RunResult RunBundle(const RunOptions& options) {
+    DeliveryPlan plan = PlanFor(options);
+    RunResult result;
+    result.bundle = options.bundle;
+    result.volume = options.volume;
+    result.isDryRun = options.isDryRun;
+    result.hasTrace = options.hasTrace;
+
+    const Interruption interruption;
+    const WorkVolume volume(options, interruption);
+    plan.volume = volume.Folder();
+    VolumeState before = ReadVolume(volume.Folder());
+    Answers answers(options.answers, interruption);
+    Recorder recorder(result, answers);
+    const ChildListener listener{
+        [&](Message&& message) { recorder.Take(std::move(message)); },
+        [&](macplatform::Alert&& alert) { return recorder.Answer(std::move(alert)); }};
+    result.end = RunInChild([&](const Channel& channel) { Deliver(plan, channel); }, LimitsFor(options),
+                            listener, interruption);
+    VolumeState after = ReadVolume(volume.Folder());
+    result.problems = FindProblems(result, before, after);
+    result.changes = Compare(std::move(before), std::move(after));
+    return result;
+}
+
+ExitStatus RunCommand(const RunOptions& options) {
+    const RunResult result = RunBundle(options);
+    const Verdict verdict = Judge(result);
+    if (verdict.status == ExitStatus::NotLoaded) Note(result.loadFailure->text);
+    WriteResult(options.isJson ? RunReportJson(result, verdict) : RunReport(result, verdict, Style()));
+    return verdict.status;
+}
+
+} // namespace xcodhost

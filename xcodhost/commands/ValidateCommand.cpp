@@ -1,0 +1,109 @@
+#include "ValidateCommand.h"
+
+#include "Console.h"
+#include "DisplayText.h"
+#include "process/Interruption.h"
+#include "validate/report/HtmlPage.h"
+#include "validate/report/JUnitReport.h"
+#include "validate/report/ValidateReport.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <sched.h>
+#include <unistd.h>
+
+namespace xcodhost {
+
+namespace {
+
+/// The processors that this process may use.
+unsigned Processors() {
+    cpu_set_t allowed;
+    CPU_ZERO(&allowed);
+    if (sched_getaffinity(0, sizeof allowed, &allowed) < 0) return 1;
+    return static_cast<unsigned>(std::max(CPU_COUNT(&allowed), 1));
+}
+
+std::vector<const Check*> Chosen(const ValidateOptions& options) {
+    std::vector<const Check*> checks = MatchingChecks(options.include);
+    if (options.exclude.empty()) return checks;
+    const auto excluded = MatchingChecks(options.exclude);
+    checks.erase(std::remove_if(checks.begin(), checks.end(),
+                                [&](const Check* check) {
+                                    return std::find(excluded.begin(), excluded.end(), check) !=
+                                           excluded.end();
+                                }),
+                 checks.end());
+    return checks;
+}
+
+/// A line on the terminal that is written over again and vanishes in the end.
+class Progress {
+public:
+    Progress(std::string bundleName, std::size_t checkCount)
+        : bundle(std::move(bundleName)), count(checkCount) {}
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress() {
+        if (isTerminal) WriteError("\r\x1B[K");
+    }
+    void Show(std::size_t done) {
+        if (!isTerminal || done == shown) return;
+        shown = done;
+        WriteError("\r\x1B[K" + std::to_string(done) + " of " + Counted(count, "check") + "  " +
+                   Printable(bundle));
+    }
+
+private:
+    std::string bundle;
+    std::size_t count;
+    std::size_t shown = SIZE_MAX;
+    bool isTerminal = isatty(STDERR_FILENO) == 1;
+};
+
+void WriteFile(const std::string& path, const std::string& text) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"), &std::fclose);
+    if (!file || std::fwrite(text.data(), 1, text.size(), file.get()) != text.size() ||
+        std::fflush(file.get()) != 0) {
+        throw ToolFault::FromErrno(Printable(path));
+    }
+}
+
+/// Told before a long run, not after it.
+void ExpectWritable(const std::string& path) {
+    if (path.empty()) return;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "ab"), &std::fclose);
+    if (!file) throw UsageError(ToolFault::FromErrno(Printable(path)).what());
+}
+
+} // namespace
+
+ExitStatus ValidateCommand(const ValidateOptions& options) {
+    ExpectWritable(options.junitFile);
+    ExpectWritable(options.htmlFile);
+    ValidationPlan plan;
+    plan.checks = Chosen(options);
+    plan.secondsPerCall = options.secondsPerCall;
+    plan.atOnce = options.atOnce == 0 ? Processors() : options.atOnce;
+    std::vector<BundleResult> results;
+    for (const std::string& bundle : options.bundles) {
+        const Interruption interruption;
+        plan.bundle = bundle;
+        Progress progress(bundle, plan.checks.size());
+        results.push_back(Validate(plan, interruption, [&](std::size_t done) { progress.Show(done); }));
+    }
+    std::vector<const BundleResult*> all;
+    all.reserve(results.size());
+    for (const BundleResult& result : results) all.push_back(&result);
+    const ValidationVerdict verdict = Judge(all);
+    if (!options.junitFile.empty()) WriteFile(options.junitFile, JUnitReport(results));
+    if (!options.htmlFile.empty()) WriteFile(options.htmlFile, HtmlPage(results, verdict));
+    WriteResult(options.isJson ? ValidateReportJson(results, verdict)
+                               : ValidateReport(results, verdict, Style()));
+    return verdict.status;
+}
+
+} // namespace xcodhost

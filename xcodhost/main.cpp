@@ -1,0 +1,76 @@
+#include "Console.h"
+#include "ExitStatus.h"
+#include "JsonDocument.h"
+#include "commands/ChecksCommand.h"
+#include "commands/InfoCommand.h"
+#include "commands/Options.h"
+#include "commands/RunCommand.h"
+#include "commands/ShowCommand.h"
+#include "commands/ValidateCommand.h"
+#include "commands/VolumeCommand.h"
+#include "process/Interruption.h"
+#include "process/Worker.h"
+
+#include <algorithm>
+#include <exception>
+#include <string_view>
+
+namespace {
+
+using namespace xcodhost;
+
+struct Execute {
+    ExitStatus operator()(const HelpText& help) const {
+        WriteResult(help.text);
+        return ExitStatus::Done;
+    }
+    ExitStatus operator()(const RunOptions& options) const { return RunCommand(options); }
+    ExitStatus operator()(const ValidateOptions& options) const { return ValidateCommand(options); }
+    ExitStatus operator()(const ListChecksOptions& options) const { return ListChecksCommand(options); }
+    ExitStatus operator()(const ExplainOptions& options) const { return ExplainCommand(options); }
+    ExitStatus operator()(const ShowOptions& options) const { return ShowCommand(options); }
+    ExitStatus operator()(const VolumeOptions& options) const { return VolumeCommand(options); }
+    ExitStatus operator()(const InfoOptions& options) const { return InfoCommand(options); }
+};
+
+/// Asked before the arguments are understood: the process for the work shall begin with as little as there is
+/// to copy. One word too many means one process too many, and nothing else.
+bool MayRunBundles(int argc, const char* const* argv) {
+    return std::any_of(argv, argv + argc,
+                       [](std::string_view argument) { return argument == "run" || argument == "validate"; });
+}
+
+int Refused(ExitStatus status, const std::string& text, bool isJson) {
+    Note(text);
+    try {
+        if (isJson) WriteResult(ErrorDocument(status, text));
+    } catch (const Refusal&) { // nowhere to write it to; the line above has said what is wrong
+    }
+    return static_cast<int>(status);
+}
+
+/// `work`, with what it throws put into words.
+template <typename Work>
+int Guarded(bool isJson, Work work) {
+    try {
+        return work();
+    } catch (const Interrupted& interrupted) {
+        DieOf(interrupted.signal);
+    } catch (const Refusal& refusal) {
+        return Refused(refusal.status, refusal.what(), isJson);
+    } catch (const std::exception& fault) {
+        return Refused(ExitStatus::ToolFault, fault.what(), isJson);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    PrepareStandardStreams();
+    const bool isJson = WantsJson(argc, argv);
+    const auto work = [&] {
+        return Guarded(isJson,
+                       [&] { return static_cast<int>(std::visit(Execute(), ParseCommandLine(argc, argv))); });
+    };
+    return MayRunBundles(argc, argv) ? Guarded(isJson, [&] { return RunInWorker(work); }) : work();
+}

@@ -1,0 +1,88 @@
+#include "Groups.h"
+
+#include "StoredCalls.h"
+#include "contract/ProductContract.h"
+#include "validate/Trial.h"
+
+namespace xcodhost {
+
+namespace {
+
+std::string VersionKey(const ProductContract& product) {
+    return std::string("InstalledProducts/") + product.shortName + "/CurrentVersion";
+}
+
+const std::string kVersionValue = std::string("(string) \"") + kCurrentVersion + '"';
+
+void VersionIsStored(Trial& trial) {
+    for (const ProductContract& product : kProducts) {
+        trial.UseFreshVolume();
+        trial.Deliver(Event(kPreInstall, product.code));
+        trial.ExpectPreference(kUpdaterDomain, VersionKey(product), kVersionValue);
+    }
+}
+
+void OldVersionIsReplaced(Trial& trial) {
+    const ProductContract& product = kProducts.front();
+    trial.Write("/Library/Preferences/com.korvane.updater.plist",
+                "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>" + VersionKey(product) +
+                    "</key><integer>9</integer></dict></plist>");
+    trial.Deliver(Event(kPreInstall, product.code));
+    trial.ExpectPreference(kUpdaterDomain, VersionKey(product), kVersionValue);
+}
+
+void UnknownProductHasNoEffect(Trial& trial) {
+    for (const std::int32_t product : kUnknownProducts) {
+        trial.ExpectNoEffect(trial.Deliver(Event(kPreInstall, product)));
+    }
+}
+
+void NothingElseChanges(Trial& trial) {
+    for (const ProductContract& product : kProducts) {
+        trial.UseFreshVolume();
+        ExpectNothingBeside(trial, trial.Deliver(Event(kPreInstall, product.code)).changes,
+                            {{kUpdaterDomain, VersionKey(product)}});
+    }
+}
+
+void StoredInOrder(Trial& trial) {
+    const Outcome outcome = trial.Deliver(Event(kPreInstall, 4900));
+    ExpectOrder(trial, outcome,
+                {"CFPreferencesSetValue \"InstalledProducts/Fusewright/CurrentVersion\"",
+                 "CFPreferencesSynchronize \"com.korvane.updater\""});
+}
+
+} // namespace
+
+std::vector<Check> PreInstallChecks() {
+    const std::vector<const char*> event = {"dispatch.pre-install"};
+    return {
+        {"pre-install.version", "The product's version is stored under its key in the updater's preferences.",
+         "InstalledProducts/NAME/CurrentVersion in com.korvane.updater is the text 1.73, for each known "
+         "product. "
+         "The updater compares it with the newest one.",
+         event, &VersionIsStored},
+        {"pre-install.replaces",
+         "A version that is stored already is replaced, whatever its type.",
+         "The file of an older installation may hold anything under the key.",
+         {"pre-install.version"},
+         &OldVersionIsReplaced},
+        {"pre-install.unknown-product",
+         "An unknown product is left alone.",
+         "No preference is stored. Codes are compared as 32 bits; near and far ones are tried.",
+         {"dispatch.pre-install-alone"},
+         &UnknownProductHasNoEffect},
+        {"pre-install.nothing-else",
+         "Pre-install changes nothing else on the volume.",
+         "One preference key; no further file, key or Finder flag.",
+         {"dispatch.pre-install-alone"},
+         &NothingElseChanges},
+        {"pre-install.order",
+         "The value is set once, and then the domain is synchronised once.",
+         "A value that is set after the synchronisation is lost when the installer ends.",
+         {"pre-install.version", "pre-install.nothing-else", "preferences.scope"},
+         &StoredInOrder},
+    };
+}
+
+} // namespace xcodhost

@@ -1,0 +1,214 @@
+#include "Groups.h"
+
+#include "DisplayText.h"
+#include "process/ChildProcess.h"
+#include "process/Descriptor.h"
+#include "sandbox/OutsideWrites.h"
+#include "validate/Trial.h"
+
+#include <algorithm>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <malloc.h>
+#include <set>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace xcodhost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The bundle's whole life: both events, known and unknown product, a refused call.
+void LiveOnce(Trial& trial) {
+    trial.WatchVolume(false);
+    for (const std::int32_t product : {4900, 3100, 1234}) {
+        for (const std::uint16_t message : {kPreInstall, kPostInstall})
+            trial.Deliver(Event(message, product));
+    }
+    trial.Deliver({std::uint16_t{7}, kPostInstall, 4900, 0});
+    trial.ReleaseInterface();
+}
+
+void NoObjectIsLeft(Trial& trial) {
+    trial.Bundle();
+    trial.ForgetObjects();
+    LiveOnce(trial);
+    for (const std::string& object : trial.ObjectsLeft()) {
+        trial.Fail("every platform object is released", object);
+    }
+}
+
+/// What the first runs allocate may stay, such as the C library's own buffers.
+void NoMemoryGrows(Trial& trial) {
+    constexpr std::size_t lives = 50;
+    constexpr std::size_t smallestBlock = 32; // the C library's own caches may grow by a few of them
+    for (std::size_t i = 0; i < lives; ++i) LiveOnce(trial);
+    trial.ForgetObjects();
+    const std::size_t before = mallinfo2().uordblks;
+    for (std::size_t i = 0; i < lives; ++i) LiveOnce(trial);
+    const std::size_t after = mallinfo2().uordblks;
+    const auto left = trial.ObjectsLeft();
+    trial.Expect(left.empty(), std::to_string(lives) + " further runs leave no platform object",
+                 Counted(left.size(), "object"));
+    trial.Expect(after < before + lives * smallestBlock,
+                 std::to_string(lives) + " further runs leave no memory allocated",
+                 Counted(after - before, "byte") + " more");
+}
+
+std::size_t EntriesOf(const char* folder) {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+void NoProcessIsLeft(Trial& trial) {
+    LiveOnce(trial);
+    const std::size_t children = ChildrenOfThisProcess().size();
+    trial.Expect(children == 0, "no process is started",
+                 std::to_string(children) + (children == 1 ? " process" : " processes"));
+}
+
+void NoThreadIsLeft(Trial& trial) {
+    trial.Interface();
+    const std::size_t before = EntriesOf("/proc/self/task");
+    LiveOnce(trial);
+    const std::size_t after = EntriesOf("/proc/self/task");
+    trial.Expect(after == before, "no thread is started", Counted(after - before, "thread") + " more");
+}
+
+/// Numbers of the open descriptors; the one that reads the list is among them both times.
+std::set<std::string> Descriptors() {
+    std::set<std::string> numbers;
+    for (const auto& entry : fs::directory_iterator("/proc/self/fd")) numbers.insert(entry.path().filename());
+    return numbers;
+}
+
+void DescriptorsAreClosed(Trial& trial) {
+    trial.Interface();
+    const auto before = Descriptors();
+    LiveOnce(trial);
+    const auto after = Descriptors();
+    trial.Expect(after == before, Counted(before.size(), "open file descriptor"),
+                 std::to_string(after.size()));
+}
+
+struct ProcessState {
+    std::string folder = fs::current_path().string();
+    mode_t mask = umask(0);
+    std::string locale = std::setlocale(LC_ALL, nullptr);
+    std::vector<struct sigaction> signals;
+
+    ProcessState() {
+        umask(mask);
+        for (int number = 1; number < 32; ++number) {
+            signals.emplace_back();
+            sigaction(number, nullptr, &signals.back());
+        }
+    }
+};
+
+void ProcessStateStays(Trial& trial) {
+    trial.Interface();
+    const ProcessState before;
+    LiveOnce(trial);
+    const ProcessState after;
+    trial.Expect(after.folder == before.folder, "working folder " + before.folder, after.folder);
+    trial.Expect(after.mask == before.mask, "file mode mask " + Hex(before.mask, 4), Hex(after.mask, 4));
+    trial.Expect(after.locale == before.locale, "locale " + before.locale, after.locale);
+    for (std::size_t i = 0; i < before.signals.size(); ++i) {
+        trial.Expect(after.signals[i].sa_handler == before.signals[i].sa_handler,
+                     "the signals' handlers stay", "another handler for signal " + std::to_string(i + 1));
+    }
+}
+
+/// Standard output and standard error go to a file while one lives.
+class CapturedOutput {
+public:
+    explicit CapturedOutput(std::string path) : file(std::move(path)) {
+        (void)std::fflush(nullptr);
+        const Descriptor target(open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
+        output = Descriptor(dup(STDOUT_FILENO));
+        error = Descriptor(dup(STDERR_FILENO));
+        dup2(target.Number(), STDOUT_FILENO);
+        dup2(target.Number(), STDERR_FILENO);
+    }
+    CapturedOutput(const CapturedOutput&) = delete;
+    CapturedOutput& operator=(const CapturedOutput&) = delete;
+    ~CapturedOutput() {
+        (void)std::fflush(nullptr);
+        dup2(output.Number(), STDOUT_FILENO);
+        dup2(error.Number(), STDERR_FILENO);
+    }
+
+private:
+    std::string file;
+    Descriptor output;
+    Descriptor error;
+};
+
+void NothingIsPrinted(Trial& trial) {
+    const std::string file = trial.Volume() + " output";
+    {
+        const CapturedOutput captured(file);
+        LiveOnce(trial);
+    }
+    const auto size = static_cast<std::size_t>(fs::file_size(file));
+    std::string start(std::min<std::size_t>(size, 200), '\0');
+    std::ifstream(file, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
+    trial.Expect(size == 0, "nothing is printed", Counted(size, "byte") + ": " + PrintableQuoted(start));
+}
+
+void NothingIsWrittenOutside(Trial& trial) {
+    const std::string folder = trial.Volume() + " watched";
+    fs::create_directory(folder);
+    const auto run = [&](const Channel& channel, const std::function<void()>& watch) {
+        try {
+            Trial inner(trial.BundlePath(), folder, channel);
+            watch();
+            LiveOnce(inner);
+        } catch (const Stopped&) { // told already
+        }
+    };
+    const WatchedRun watched = WatchWrites(folder, trial.Parent(), run);
+    if (!watched.problem.empty()) trial.GiveUp(watched.problem);
+    for (const std::string& call : watched.calls) trial.Fail("nothing is written outside the volume", call);
+}
+
+} // namespace
+
+std::vector<Check> ProcessChecks() {
+    const std::vector<const char*> life = {"dispatch.pre-install", "dispatch.post-install",
+                                           "references.zero"};
+    return {
+        {"process.objects",
+         "Every platform object is released when the last reference is gone.",
+         "Strings, numbers, URLs, blocks of the Memory Manager and the rest; the report names each.",
+         {"dispatch.pre-install", "dispatch.post-install", "references.zero", "references.frees"},
+         &NoObjectIsLeft},
+        {"process.growth",
+         "Further runs in the same process leave nothing either.",
+         "Installers of several products call the plug-in many times.",
+         {"process.objects", "process.threads"},
+         &NoMemoryGrows},
+        {"process.processes", "No process is started.", "It would outlive the installation.", life,
+         &NoProcessIsLeft},
+        {"process.threads", "No thread is started.", "The installer unloads the bundle's code.", life,
+         &NoThreadIsLeft},
+        {"process.descriptors", "Every file that is opened is closed.", "The installer's process lives on.",
+         life, &DescriptorsAreClosed},
+        {"process.state", "Working folder, file mode mask, locale and signal handlers stay.",
+         "They belong to the installer and its other plug-ins.", life, &ProcessStateStays},
+        {"process.silent", "Nothing is printed.", "The installer's output is not the plug-in's.", life,
+         &NothingIsPrinted},
+        {"volume.nothing-outside", "Nothing is written outside the startup volume.",
+         "Every system call that makes, changes or removes something by its path is looked at, whoever makes "
+         "it.",
+         life, &NothingIsWrittenOutside},
+    };
+}
+
+} // namespace xcodhost

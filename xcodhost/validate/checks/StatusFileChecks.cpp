@@ -1,0 +1,175 @@
+#include "Groups.h"
+
+#include "DisplayText.h"
+#include "contract/ProductContract.h"
+#include "validate/Trial.h"
+
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+
+namespace xcodhost {
+
+namespace {
+
+struct StatusText {
+    std::string bytes;
+    const char* interval;
+};
+
+const std::vector<StatusText>& StatusTexts() {
+    static const std::vector<StatusText> texts = {
+        {"UpdatesEnabled", "2"},
+        {"UpdatesEnabled\r\n", "2"},
+        {"UpdatesEnabled=no", "2"},
+        {std::string("UpdatesEnabled\0tail", 19), "2"},
+        {"UpdatesEnabled" + std::string(100000, '\n'), "2"},
+        {"", "0"},
+        {"Updates", "0"},
+        {"UpdatesEnable", "0"},
+        {"updatesenabled", "0"},
+        {"UpdatesDisabled", "0"},
+        {" UpdatesEnabled", "0"},
+        {std::string("Updates\0Enabled", 15), "0"},
+        {std::string("\0", 1), "0"},
+        {"\xEF\xBB\xBFUpdatesEnabled", "0"},
+        {"\xFF\xFE\x80", "0"},
+    };
+    return texts;
+}
+
+SampleVolume WithStatus(std::optional<std::string> status) {
+    SampleVolume sample;
+    sample.status = std::move(status);
+    return sample;
+}
+
+std::string IntervalValue(const char* interval) { return std::string("(integer) ") + interval; }
+
+void IntervalFollowsText(Trial& trial) {
+    for (const StatusText& text : StatusTexts()) {
+        trial.UseFreshVolume(WithStatus(text.bytes));
+        trial.Deliver(Event(kPostInstall, 4900));
+        trial.ExpectPreference(kUpdaterDomain, kIntervalKey, IntervalValue(text.interval));
+    }
+}
+
+void EveryProductSetsInterval(Trial& trial) {
+    for (const ProductContract& product : kProducts) {
+        trial.UseFreshVolume(WithStatus("UpdatesDisabled"));
+        trial.Deliver(Event(kPostInstall, product.code));
+        trial.ExpectPreference(kUpdaterDomain, kIntervalKey, IntervalValue("0"));
+    }
+}
+
+void MissingFileMeansDefault(Trial& trial) {
+    trial.UseFreshVolume(WithStatus(std::nullopt));
+    trial.Deliver(Event(kPostInstall, 4900));
+    trial.ExpectPreference(kUpdaterDomain, kIntervalKey, IntervalValue("2"));
+}
+
+void NoFailureNoText(Trial& trial) {
+    for (const auto& status : {std::optional<std::string>(), std::optional<std::string>("UpdatesDisabled")}) {
+        trial.UseFreshVolume(WithStatus(status));
+        trial.Deliver(Event(kPostInstall, 4900));
+        trial.ExpectPreference(kUpdaterDomain, kFailureKey, "(none)");
+    }
+}
+
+/// The file is there, and the first call that opens it is refused.
+Outcome DeliverUnreadable(Trial& trial, std::uint32_t errorFlags) {
+    trial.UseFreshVolume(WithStatus("UpdatesDisabled"));
+    trial.Interface();
+    for (const char* const call : {"fopen", "open", "openat"}) macplatform::OrderFault({call, EACCES, 0});
+    ParameterBlock block = Event(kPostInstall, 4900);
+    block.SetErrorFlags(errorFlags);
+    Outcome outcome = trial.Deliver(block);
+    macplatform::CancelFaults();
+    return outcome;
+}
+
+void UnreadableFileMeansDefault(Trial& trial) {
+    DeliverUnreadable(trial, 0);
+    trial.ExpectPreference(kUpdaterDomain, kIntervalKey, IntervalValue("2"));
+}
+
+void UnreadableFileIsTold(Trial& trial) {
+    DeliverUnreadable(trial, 0);
+    trial.ExpectPreference(kUpdaterDomain, kFailureKey, "(string) \"Error opening file\"");
+}
+
+void UnreadableFileIsNoError(Trial& trial) {
+    for (const std::uint32_t given : {0U, 0xFFFFFFFEU}) {
+        const Outcome outcome = DeliverUnreadable(trial, given);
+        trial.Expect(outcome.flagsAfter == given, "error flags " + Hex(given, 8) + " stay",
+                     Hex(outcome.flagsAfter, 8));
+        trial.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
+    }
+}
+
+void UnreadableFileLeavesTheRest(Trial& trial) {
+    const Outcome outcome = DeliverUnreadable(trial, 0);
+    trial.ExpectPreference("com.korvane.audioplugins.Fusewright", kLanguageKey, "(string) \"en\"");
+    trial.Expect(outcome.changes.finderFlags.size() == 2,
+                 "the language and both Finder flags are stored all the same", Describe(outcome.changes));
+}
+
+void FileIsOnlyRead(Trial& trial) {
+    for (const StatusText& text : StatusTexts()) {
+        trial.UseFreshVolume(WithStatus(text.bytes));
+        const Outcome outcome = trial.Deliver(Event(kPostInstall, 4900));
+        for (const FileChange& change : outcome.changes.files) {
+            trial.Expect(change.path != kStatusFile, "the status file stays as it is", change.what);
+        }
+        std::ifstream in(trial.OnVolume(kStatusFile), std::ios::binary);
+        const std::string bytes(std::istreambuf_iterator<char>(in), {});
+        trial.Expect(bytes == text.bytes, "the status file keeps its " + Counted(text.bytes.size(), "byte"),
+                     Counted(bytes.size(), "byte"));
+    }
+}
+
+} // namespace
+
+std::vector<Check> StatusFileChecks() {
+    const std::vector<const char*> event = {"dispatch.post-install"};
+    return {
+        {"status-file.interval",
+         "UpdateInterval is 2 where the status file begins with UpdatesEnabled, and else 0.",
+         "The first 14 bytes count, upper and lower case apart; a NUL ends the text. Fifteen files are "
+         "tried, an empty one, "
+         "a long one and damaged ones among them.",
+         event, &IntervalFollowsText},
+        {"status-file.products",
+         "Every known product reads the status file.",
+         "The updater is shared by all products.",
+         {"status-file.interval"},
+         &EveryProductSetsInterval},
+        {"status-file.missing", "Without a status file UpdateInterval is 2.", "The updater has not run yet.",
+         event, &MissingFileMeansDefault},
+        {"status-file.no-failure", "InstallStatus is not stored unless reading failed.",
+         "The updater takes it for a failure.", event, &NoFailureNoText},
+        {"status-file.unreadable",
+         "With a status file that cannot be read UpdateInterval is 2.",
+         "Opening the file is refused, as for a file of another user.",
+         {"status-file.interval"},
+         &UnreadableFileMeansDefault},
+        {"status-file.failure-text",
+         "With a status file that cannot be opened InstallStatus says \"Error opening file\".",
+         "The updater reads the reason there.",
+         {"status-file.interval"},
+         &UnreadableFileIsTold},
+        {"status-file.failure-silent",
+         "A status file that cannot be read is no error to the installer or the user.",
+         "No error bit is set or cleared, no alert is shown.", event, &UnreadableFileIsNoError},
+        {"status-file.failure-rest",
+         "Language and Finder flags are stored although the status file cannot be read.",
+         "The failure concerns the updater alone.",
+         {"status-file.failure-text", "post-install.language", "finder.folder", "finder.icon",
+          "finder.other-items"},
+         &UnreadableFileLeavesTheRest},
+        {"status-file.kept", "The status file is only read.", "It is the updater's own.", event,
+         &FileIsOnlyRead},
+    };
+}
+
+} // namespace xcodhost
