@@ -1,4 +1,4 @@
-#include "CommandOutput.h"
+#include "support/CommandOutput.h"
 
 #include <gmock/gmock.h>
 #include <sstream>

@@ -1,5 +1,5 @@
 #include "InstallerHost.h"
-#include "NewText.h"
+#include "support/NewText.h"
 
 #include <macplatform/Alerts.h>
 #include <macplatform/Bundles.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <PostInstall/PluginEntry.h>
-#include <TemporaryFolder.h>
+#include <support/TemporaryFolder.h>
 
 #include <cstdint>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-#include "Allocations.h"
-#include "InChild.h"
 #include "InstallerHost.h"
-#include "TracedChild.h"
-#include "Tried.h"
-#include "platform/FinderItem.h"
+#include "support/Allocations.h"
+#include "support/FinderItem.h"
+#include "support/InChild.h"
+#include "support/TracedChild.h"
+#include "support/Tried.h"
 
 #include <exception>
 #include <filesystem>

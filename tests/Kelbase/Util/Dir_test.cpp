@@ -1,6 +1,6 @@
 #include "FileFailure.h"
-#include "InChild.h"
-#include "TemporaryFolder.h"
+#include "support/InChild.h"
+#include "support/TemporaryFolder.h"
 
 #include <Kelbase/Util/Dir.h>
 

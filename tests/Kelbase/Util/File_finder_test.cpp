@@ -1,6 +1,6 @@
 #include "FileFailure.h"
-#include "TemporaryFolder.h"
-#include "platform/FinderItem.h"
+#include "support/FinderItem.h"
+#include "support/TemporaryFolder.h"
 
 #include <Kelbase/Util/File.h>
 #include <macplatform/Journal.h>

@@ -1,7 +1,7 @@
 #include <Kelbase/Util/Exception/DataStreamIO.h>
 #include <Kelbase/Util/Exception/FileIO.h>
 
-#include "Kelbase/TextBytes.h"
+#include "TextBytes.h"
 
 #include <gtest/gtest.h>
 

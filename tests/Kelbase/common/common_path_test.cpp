@@ -1,5 +1,5 @@
-#include "Kelbase/TextBytes.h"
-#include "TemporaryFolder.h"
+#include "TextBytes.h"
+#include "support/TemporaryFolder.h"
 
 #include <Kelbase/common/common_path.h>
 

@@ -1,7 +1,7 @@
 #include <Kelbase/common/common_string.h>
 #include <Kelbase/common/detail/common_string_sort.h>
 
-#include "Kelbase/TextBytes.h"
+#include "TextBytes.h"
 
 #include <gtest/gtest.h>
 

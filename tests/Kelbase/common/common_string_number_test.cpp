@@ -2,7 +2,7 @@
 
 #include <Kelbase/common/detail/common_string_decimal.h>
 
-#include "Kelbase/TextBytes.h"
+#include "TextBytes.h"
 
 #include <gtest/gtest.h>
 

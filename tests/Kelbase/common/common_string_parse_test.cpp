@@ -1,6 +1,6 @@
 #include <Kelbase/common/common_string.h>
 
-#include "CommaLocale.h"
+#include "support/CommaLocale.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <Kelbase/common/common_string.h>
 
-#include "Allocations.h"
-#include "Kelbase/TextBytes.h"
+#include "TextBytes.h"
+#include "support/Allocations.h"
 
 #include <gtest/gtest.h>
 

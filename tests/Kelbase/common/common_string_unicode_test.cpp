@@ -1,6 +1,6 @@
 #include <Kelbase/common/common_string.h>
 
-#include "Kelbase/TextBytes.h"
+#include "TextBytes.h"
 
 #include <gtest/gtest.h>
 

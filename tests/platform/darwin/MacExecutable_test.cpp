@@ -1,6 +1,6 @@
 // The plug-in's executable for the Mac, run beside that for this system: the same calls, the same effects.
 
-#include "HostTool.h"
+#include "support/HostTool.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

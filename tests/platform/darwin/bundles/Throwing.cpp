@@ -1,6 +1,6 @@
 // A plug-in for the Mac that lets out of its calls what the product code orders.
 
-#include "../../../PlugInFunctions.h"
+#include "../../../support/PlugInFunctions.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,0 +1,81 @@
+#include <Carbon/Carbon.h>
+#include <macplatform/Alerts.h>
+#include <macplatform/LiveObjects.h>
+
+#include "support/SendMessage.h"
+#include "support/ToldCalls.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+/// Shows an alert with these buttons; the number that runModal answers.
+int Show(const std::vector<CFStringRef>& buttons) {
+    const id alert = NewAlert();
+    Send(alert, "setMessageText:", CFSTR("Really?"));
+    for (const CFStringRef button : buttons) Send(alert, "addButtonWithTitle:", button);
+    const int number = Send<int>(alert, "runModal");
+    Send(alert, "release");
+    return number;
+}
+
+class Alerts : public testing::Test {
+protected:
+    std::size_t liveBefore = macplatform::LiveObjectCount();
+    void TearDown() override {
+        macplatform::SetAlertPresenter({});
+        EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore);
+    }
+};
+
+} // namespace
+
+TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
+    const std::vector<CFStringRef> buttons = {CFSTR("Yes"), CFSTR("Cancel"), CFSTR("No")};
+    std::vector<macplatform::Alert> shown;
+    for (int choice = 0; choice < 3; ++choice) {
+        macplatform::SetAlertPresenter([&shown, choice](const macplatform::Alert& alert) {
+            shown.push_back(alert);
+            return choice;
+        });
+        EXPECT_EQ(Show(buttons), 1000 + choice);
+    }
+    EXPECT_EQ(shown.at(0).message, "Really?");
+    EXPECT_EQ(shown.at(0).buttons, (std::vector<std::string>{"Yes", "Cancel", "No"}));
+    EXPECT_EQ(Show({}), -1001) << "the third button of an alert that has one";
+    EXPECT_EQ(shown.back().buttons, std::vector<std::string>{"OK"}) << "the platform's own";
+    macplatform::SetAlertPresenter({});
+    EXPECT_EQ(Show(buttons), 1000) << "nobody to ask: the first";
+}
+
+TEST_F(Alerts, StopAlertIsNotShownUnlessSomebodyShowsIt) {
+    EXPECT_EQ(StopAlert(5000, nullptr), -1);
+    int resource = 0;
+    macplatform::SetAlertPresenter([&](const macplatform::Alert& alert) {
+        resource = alert.kind == macplatform::Alert::Kind::Stop ? alert.resource : -1;
+        return 0;
+    });
+    EXPECT_EQ(StopAlert(5000, nullptr), 1);
+    EXPECT_EQ(resource, 5000);
+}
+
+TEST_F(Alerts, AreToldAndCounted) {
+    const ToldCalls told;
+    const id alert = NewAlert();
+    EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1);
+    Send(alert, "setMessageText:", CFSTR("a\nb"));
+    Send(alert, "setIcon:", CFSTR("x"));
+    Send(nullptr, "release");
+    Send(alert, "retain");
+    Send(alert, "release");
+    Send(alert, "release");
+    EXPECT_THAT(told.lines,
+                testing::IsSupersetOf(
+                    {"objc_msgSend(NSAlert, alloc) = NSAlert", "objc_msgSend(NSAlert, init) = NSAlert",
+                     "objc_msgSend(NSAlert, setMessageText:, \"a\\nb\") = 0",
+                     "objc_msgSend(NSAlert, setIcon:, \"x\") = 0", "objc_msgSend(nil, release) = nil",
+                     "objc_msgSend(NSAlert, retain) = NSAlert", "objc_msgSend(NSAlert, release) = 0",
+                     "objc_msgSend(NSAlert, release) = 0"}));
+    EXPECT_EQ(objc_getClass("NSWindow"), nullptr);
+    EXPECT_EQ(sel_registerName("runModal"), sel_registerName("runModal"));
+}

@@ -1,0 +1,109 @@
+#include <macplatform/Journal.h>
+#include <macplatform/LiveObjects.h>
+
+#include "support/FinderItem.h"
+#include "support/VolumeTest.h"
+
+#include <cstdlib>
+#include <unistd.h>
+
+namespace {
+
+/// Asks the Finder to move the item to a place; the answer of AESend.
+OSErr Ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh') {
+    FSRef ref{};
+    MakeRef(path, ref);
+    AEDesc address, object, nowhere = {typeNull, nullptr}, property, specifier;
+    AppleEvent event, reply;
+    AECreateDesc(typeApplSignature, &target, sizeof target, &address);
+    AECreateAppleEvent(kAECoreSuite, kAEMove, &address, kAutoGenerateReturnID, kAnyTransactionID, &event);
+    AECreateDesc(typeFSRef, &ref, sizeof ref, &object);
+    AEPutParamDesc(&event, keyDirectObject, &object);
+    AECreateDesc(typeType, &place, sizeof place, &property);
+    CreateObjSpecifier(cObject, &nowhere, formPropertyID, &property, false, &specifier);
+    AEPutParamDesc(&event, keyAEInsertHere, &specifier);
+    const OSErr result =
+        AESend(&event, &reply, kAEWaitReply, kAENormalPriority, kAEDefaultTimeout, nullptr, nullptr);
+    for (AEDesc* const desc : {&address, &object, &property, &specifier, &event, &reply, &reply})
+        AEDisposeDesc(desc);
+    return result;
+}
+
+class AppleEvents : public VolumeTest {
+protected:
+    void SetUp() override {
+        macplatform::SetJournalObserver([this](const macplatform::JournalEntry& entry) {
+            if (entry.call == "AESend") note = entry.note;
+        });
+    }
+    void TearDown() override {
+        macplatform::SetJournalObserver({});
+        EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore);
+    }
+    std::filesystem::path Trash() const { return volume / (".Trash-" + std::to_string(getuid())); }
+
+    std::size_t liveBefore = macplatform::LiveObjectCount();
+    std::string note;
+};
+
+} // namespace
+
+TEST_F(AppleEvents, MoveToTheTrashWithARecord) {
+    volume.Write("Users/a b/\xC3\xA9.txt", "one");
+    volume.Write("Users/a b/._\xC3\xA9.txt", "sidecar");
+    EXPECT_EQ(Ask("/Users/a b/\xC3\xA9.txt"), noErr);
+    EXPECT_EQ(note, "");
+    EXPECT_FALSE(std::filesystem::exists(volume / "Users/a b/\xC3\xA9.txt"));
+    EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one");
+    EXPECT_EQ(ReadBytes(Trash() / "files/._\xC3\xA9.txt"), "sidecar");
+    const std::string record = ReadBytes(Trash() / "info/\xC3\xA9.txt.trashinfo");
+    EXPECT_EQ(record.substr(0, record.find("\nDeletionDate=")), "[Trash Info]\nPath=Users/a%20b/%C3%A9.txt");
+
+    volume.Write("Users/a b/\xC3\xA9.txt", "two");
+    EXPECT_EQ(Ask("/Users/a b/\xC3\xA9.txt"), noErr);
+    EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one") << "the first of that name stays";
+    EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.2.txt"), "two");
+}
+
+TEST_F(AppleEvents, KeepToTheVolumeAndToNamesThatFit) {
+    const TemporaryFolder outside;
+    volume.Write("Users/x");
+    std::filesystem::create_directory_symlink(outside.Path(), Trash());
+    EXPECT_EQ(Ask("/Users/x"), noErr);
+    EXPECT_EQ(note, "the Finder answered -1407");
+    EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));
+    EXPECT_TRUE(std::filesystem::is_empty(outside.Path()));
+
+    std::filesystem::remove(Trash());
+    const std::string name(255, 'n');
+    volume.Write("Users/" + name);
+    EXPECT_EQ(Ask("/Users/" + name), noErr);
+    EXPECT_EQ(note, "") << "the record's name is longer than the item's";
+    EXPECT_TRUE(std::filesystem::exists(Trash() / "files" / name.substr(0, 230)));
+}
+
+TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
+    const TemporaryFolder home;
+    const char* const before = std::getenv("XDG_DATA_HOME");
+    const std::string kept = before ? before : "";
+    setenv("XDG_DATA_HOME", home.Path().c_str(), 1);
+    const std::string file = home.Write("x.txt");
+    EXPECT_EQ(Ask(file), noErr);
+    EXPECT_TRUE(std::filesystem::exists(home / "Trash/files/x.txt"));
+    EXPECT_NE(ReadBytes(home / "Trash/info/x.txt.trashinfo").find("Path=" + file + "\n"), std::string::npos);
+    EXPECT_EQ(Ask((home / "Trash").string()), noErr);
+    EXPECT_EQ(note, "the Finder answered -47") << "the Trash itself stays";
+    before ? setenv("XDG_DATA_HOME", kept.c_str(), 1) : unsetenv("XDG_DATA_HOME");
+}
+
+TEST_F(AppleEvents, RefuseWhatNobodyDoes) {
+    volume.Write("Users/x");
+    EXPECT_EQ(Ask("/Users/x", 'ttxt'), procNotFound);
+    EXPECT_EQ(Ask("/Users/x", 'MACS', 'desk'), noErr) << "the reply has the Finder's own failure";
+    EXPECT_EQ(note, "the Finder answered -1728");
+    EXPECT_EQ(Ask("/Users/missing"), noErr);
+    EXPECT_EQ(note, "the Finder answered -1401") << "a reference that was never made";
+    macplatform::OrderFault({"AESend", procNotFound});
+    EXPECT_EQ(Ask("/Users/x"), procNotFound) << "no Finder";
+    EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));
+}

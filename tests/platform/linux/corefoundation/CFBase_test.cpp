@@ -1,0 +1,89 @@
+#include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFString.h>
+#include <macplatform/Journal.h>
+#include <macplatform/LiveObjects.h>
+
+#include "support/NewText.h"
+#include "support/ToldCalls.h"
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+using macplatform::DescribeLiveObjects;
+using macplatform::LiveObjectCount;
+using testing::ElementsAre;
+
+namespace {
+
+TEST(Objects, AreListedInTheOrderOfTheirMaking) {
+    const CFStringRef first = NewText("first");
+    const CFStringRef gone = NewText("gone");
+    const CFStringRef second = NewText("say \"2\"\n");
+    CFRetain(second);
+    CFRelease(gone);
+    EXPECT_THAT(DescribeLiveObjects(),
+                ElementsAre("string \"first\", 1 reference", "string \"say \\\"2\\\"\\n\", 2 references"));
+    CFRelease(first);
+    CFRelease(second);
+    CFRelease(second);
+    EXPECT_THAT(DescribeLiveObjects(), ElementsAre());
+}
+
+TEST(Objects, ThatAreConstantAreNeverFreedNorListed) {
+    for (const CFTypeRef constant : {CFTypeRef(CFSTR("constant")), CFTypeRef(kCFAllocatorSystemDefault),
+                                     CFTypeRef(NewText("")), CFTypeRef(CFSTR(""))}) {
+        CFRelease(constant);
+        CFRetain(constant);
+        EXPECT_EQ(CFGetRetainCount(constant), 0x7FFFFFFF);
+    }
+    EXPECT_THAT(DescribeLiveObjects(), ElementsAre());
+    EXPECT_EQ(kCFAllocatorDefault, nullptr);
+}
+
+TEST(Objects, AreCountedExactlyByTwoThreads) {
+    const CFStringRef text = NewText("shared");
+    const auto work = [text] {
+        for (int i = 0; i < 20000; ++i) {
+            CFRetain(text);
+            CFRelease(NewText("own"));
+            CFRelease(text);
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(CFGetRetainCount(text), 1);
+    CFRelease(text);
+    EXPECT_EQ(LiveObjectCount(), 0U);
+}
+
+TEST(ObjectsDeathTest, EndTheProcessWithALineWhenMisused) {
+    EXPECT_DEATH(CFRetain(nullptr), "CFRetain: the object is NULL");
+    EXPECT_DEATH(CFRelease(nullptr), "CFRelease: the object is NULL");
+    EXPECT_DEATH(
+        {
+            const CFStringRef text = NewText("abc");
+            CFRelease(text);
+            CFRelease(text);
+        },
+        "CFRelease: the object at 0x[0-9a-f]+ was freed before");
+    static const std::uint64_t none[16] = {};
+    EXPECT_DEATH(CFGetTypeID(none), "CFGetTypeID: there is no object at 0x");
+    EXPECT_DEATH(CFStringGetLength(reinterpret_cast<CFStringRef>(kCFAllocatorSystemDefault)),
+                 "CFStringGetLength: a string is wanted, not the allocator kCFAllocatorSystemDefault");
+}
+
+TEST(Objects, TellTheJournal) {
+    const ToldCalls told;
+    macplatform::OrderFault({"CFStringCreateWithCString", 0, 1});
+    const CFStringRef text = NewText("a\nb");
+    EXPECT_EQ(NewText("refused"), nullptr);
+    CFRelease(text);
+    EXPECT_THAT(told.lines,
+                ElementsAre("CFStringCreateWithCString(NULL, \"a\\nb\", kCFStringEncodingUTF8) = \"a\\nb\"",
+                            "CFStringCreateWithCString(NULL, \"refused\", kCFStringEncodingUTF8) = NULL",
+                            "CFRelease(\"a\\nb\") = "));
+}
+
+} // namespace

@@ -1,0 +1,163 @@
+#include <macplatform/PropertyList.h>
+
+#include "support/BinaryList.h"
+#include "support/CommaLocale.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <sys/stat.h>
+
+using macplatform::PropertyListFormat;
+using macplatform::PropertyValue;
+using macplatform::ReadPropertyList;
+
+namespace {
+
+const char oneOfEach[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0"><dict>
+<key>text</key><string>caf&#233; &lt;1&gt;</string><key>integer</key><integer>-5</integer>
+<key>real</key><real>0.5</real><key>yes</key><true/><key>data</key><data>CgsM</data>
+<key>date</key><date>2011-02-03T04:05:06Z</date><key>array</key><array><string/><dict/><date>2040-02-29T23:59:58Z</date></array>
+</dict></plist>)";
+
+} // namespace
+
+TEST(PropertyList, ReadsBothFormatsAlike) {
+    const TemporaryFolder folder;
+    const std::string xml = folder.Write("list.plist", oneOfEach);
+    const std::string binary = (folder / "binary.plist").string();
+    ASSERT_EQ(std::system(("plistutil -f bin -i '" + xml + "' -o '" + binary + "'").c_str()), 0);
+
+    const auto fromXml = ReadPropertyList(xml), fromBinary = ReadPropertyList(binary);
+    EXPECT_EQ(fromXml.error, "");
+    EXPECT_EQ(fromXml.format, PropertyListFormat::Xml);
+    EXPECT_EQ(fromBinary.format, PropertyListFormat::Binary);
+    EXPECT_EQ(fromXml.root, fromBinary.root);
+    EXPECT_EQ(
+        fromXml.root.Describe(),
+        "{\"text\": \"caf\xC3\xA9 <1>\", \"integer\": -5, \"real\": 0.5, \"yes\": true, \"data\": <0a0b0c>, "
+        "\"date\": 2011-02-03T04:05:06Z, \"array\": [\"\", {}, 2040-02-29T23:59:58Z]}");
+    EXPECT_EQ(fromXml.root.Find("integer")->integer, -5);
+    EXPECT_STREQ(fromXml.root.Find("text")->KindName(), "string");
+    EXPECT_EQ(fromXml.root.Find("none"), nullptr);
+}
+
+TEST(PropertyList, RefusesWhatIsNone) {
+    const TemporaryFolder folder;
+    for (const std::string text :
+         {"", "UpdatesEnabled", "bplist00", "{ old = style; }", "<plist><dict><key>a", "<"}) {
+        const auto list = ReadPropertyList(folder.Write("bad.plist", text));
+        EXPECT_NE(list.error, "") << text;
+        EXPECT_EQ(list.root.kind, PropertyValue::Kind::None);
+    }
+    EXPECT_EQ(ReadPropertyList((folder / "missing").string()).errorNumber, ENOENT);
+    EXPECT_EQ(ReadPropertyList(folder.Path().string()).errorNumber, EISDIR);
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(ReadPropertyList((folder / "pipe").string()).errorNumber, EINVAL)
+        << "nobody waits for a writer";
+}
+
+TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
+    const TemporaryFolder folder;
+    const auto errorOf = [&folder](const std::string& bytes) {
+        return ReadPropertyList(folder.Write("hostile.plist", bytes)).error;
+    };
+    const auto nested = [](const std::string& open) {
+        std::string text = "<plist>";
+        for (int i = 0; i < 100000; ++i) text += open;
+        return text;
+    };
+    EXPECT_EQ(errorOf(nested("<array>")), "it is nested too deeply");
+    EXPECT_EQ(errorOf(nested("<array><!-- </array> -->")), "it is nested too deeply");
+    EXPECT_EQ(
+        errorOf("<plist><array>" + std::string(std::size_t{7} << 20, '\n') + nested("<true/>").substr(7)),
+        "its XML is damaged in line 7340033");
+
+    folder.Write("hostile.plist", "<plist>");
+    std::filesystem::resize_file(folder / "hostile.plist", 100'000'000);
+    EXPECT_EQ(ReadPropertyList((folder / "hostile.plist").string()).error, "it is larger than 64 MiB");
+    EXPECT_EQ(errorOf("bplist00" + std::string(std::size_t{60} << 20, '\xFF')), "its binary form is damaged");
+    EXPECT_EQ(errorOf("<plist>" + std::string(std::size_t{60} << 20, '\xFF')),
+              "its XML is damaged in line 1");
+
+    EXPECT_EQ(errorOf(BinaryList({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
+    EXPECT_EQ(errorOf(BinaryList({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
+              "an object in it holds itself");
+    EXPECT_EQ(errorOf(BinaryList({"\xA1\x09", "\x09"})), "its binary form is damaged");
+    for (const std::string& key :
+         {std::string("\122a\0", 3), std::string("\x10\x07"), std::string("\x51\xE9")}) {
+        EXPECT_EQ(errorOf(BinaryList({"\xD1\x01\x02", key, "\x09"})), "its binary form is damaged");
+    }
+    std::vector<std::string> doubling;
+    for (char i = 1; i <= 30; ++i) doubling.push_back(std::string("\xA2") + i + i);
+    doubling.push_back("\x09");
+    EXPECT_EQ(errorOf(BinaryList(doubling)), "it holds too many values");
+
+    const std::string whole = BinaryList({"\xD1\x01\x02", "\121k", "\xA2\x03\x03", "\x10\x07"});
+    EXPECT_EQ(errorOf(whole), "");
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        EXPECT_NE(errorOf(whole.substr(0, length)), "") << length;
+    }
+}
+
+TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
+    const TemporaryFolder folder;
+    const struct {
+        const char* xml;
+        const char* described; ///< Or the error.
+    } rows[] = {
+        {"\xEF\xBB\xBF<dict/>", "{}"},
+        {"<plist><!-- <a> --><?note?><true></true></plist>\n<!---->", "true"},
+        {"<string>a\r\nb\r<![CDATA[<&]]>&#x41;&apos;</string>", "\"a\\nb\\n<&A'\""},
+        {"<array><integer> +0x1F </integer><integer>-9223372036854775808</integer></array>",
+         "[31, -9223372036854775808]"},
+        {"<array><real>-0.25</real><real>-0e1</real><data>\n AA EC\t</data></array>", "[-0.25, 0, <000102>]"},
+        {"<array><date>1936-02-29T23:59:58Z</date><date>2001-01-01T00:00:00Z</date></array>",
+         "[1936-02-29T23:59:58Z, 2001-01-01T00:00:00Z]"},
+        {"<string>\xEF\xBB\xBF\xC3\xA9\xF0\x9F\x8E\xB5</string>", "\"\xEF\xBB\xBF\xC3\xA9\xF0\x9F\x8E\xB5\""},
+        {"<data>AA==AAAA</data>", "its XML is damaged in line 1"},
+        {"<string>a & b</string>", "its XML is damaged in line 1"},
+        {"<plist>\n<string>&nbsp;</string></plist>", "its XML is damaged in line 2"},
+        {"<!DOCTYPE plist [<!ENTITY a \"b\">]><string>&a;</string>", "its XML is damaged in line 1"},
+        {"<string>&#0;</string>", "its XML is damaged in line 1"},
+        {"<string>\x01</string>", "its XML is damaged in line 1"},
+        {"<string>\xC0\xAF</string>", "its XML is damaged in line 1"},
+        {"<string>\xA9</string>", "its XML is damaged in line 1"},
+        {"<array><true></array></true>", "its XML is damaged in line 1"},
+        {"<true/><true/>", "its XML is damaged in line 1"},
+        {"<array>text<true/></array>", "its XML is damaged in line 1"},
+        {"<array a=\"/>\"></array>", "its XML is damaged in line 1"},
+        {"<array><true/>", "its XML is damaged in line 1"},
+        {"<plist version=\"><true/></plist>", "its XML is damaged in line 1"},
+        {"<dict><key>a</key></dict>", "its XML is damaged in line 1"},
+        {"<dict><true/><true/></dict>", "its XML is damaged in line 1"},
+        {"<dict><key/><true/></dict>", "it has an empty key"},
+        {"<dict><key>a</key><true/><key>&#97;</key><false/></dict>",
+         "a dictionary in it has the same key twice"},
+        {"<integer>18446744073709551616</integer>", "its XML is damaged in line 1"},
+        {"<date>2011-02-30</date>", "its XML is damaged in line 1"},
+        {"<data>AAE</data>", "its XML is damaged in line 1"},
+        {"<?xml version=\"1.0\" encoding=\"UTF-16\"?><true/>", "its XML is not in UTF-8"},
+        {"<?xml version=\"1.0\" encoding=\"UTF\r8\"?><true/>",
+         "its XML is not in UTF-8"}, // which | 0x20 makes "-"
+    };
+    for (const auto& row : rows) {
+        const auto list = ReadPropertyList(folder.Write("list.plist", row.xml));
+        EXPECT_EQ(list.error.empty() ? list.root.Describe() : list.error, row.described) << row.xml;
+    }
+    EXPECT_EQ(ReadPropertyList(folder.Write("twice.plist", BinaryList({"\xD2\x01\x02\x03\x03", "\x51k",
+                                                                       std::string("\x61\0k", 3), "\x09"})))
+                  .error,
+              "a dictionary in it has the same key twice");
+}
+
+TEST(PropertyList, KeepsFractionsWithADecimalComma) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("list.plist", "<plist><real>-0.25</real></plist>");
+    const CommaLocale locale;
+    if (!locale.IsEntered()) GTEST_SKIP() << "there is no locale with a decimal comma";
+    EXPECT_EQ(ReadPropertyList(path).root.Describe(), "-0.25");
+}

@@ -1,0 +1,115 @@
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <macplatform/Bundles.h>
+#include <macplatform/LiveObjects.h>
+#include <macplatform/StartupVolume.h>
+
+#include "support/InfoList.h"
+#include "support/NewText.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+using macplatform::LastBundleFailure;
+
+namespace {
+
+constexpr CFUUIDBytes typeBytes = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 0x4C, 0xA2,
+                                   0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8};
+constexpr CFUUIDBytes factoryBytes = {0xA0, 0xA0, 0xA0, 0xA0, 0, 0, 0x40, 0, 0x80, 0, 0, 0, 0, 0, 0, 1};
+
+CFPlugInRef Create(const std::filesystem::path& bundle) {
+    const CFURLRef url = NewURL(bundle);
+    const CFPlugInRef plugIn = CFPlugInCreate(nullptr, url);
+    CFRelease(url);
+    return plugIn;
+}
+
+/// Makes an instance as an installer does; null where any step fails.
+void* MakeInstance(CFPlugInRef plugIn) {
+    const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, typeBytes);
+    const CFArrayRef factories = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, plugIn);
+    void* instance = nullptr;
+    if (factories && CFArrayGetCount(factories) > 0) {
+        const auto factory = static_cast<CFUUIDRef>(CFArrayGetValueAtIndex(factories, 0));
+        instance = CFPlugInInstanceCreate(nullptr, factory, type);
+    }
+    if (factories) CFRelease(factories);
+    CFRelease(type);
+    return instance;
+}
+
+class PlugIn : public testing::Test {
+protected:
+    std::size_t liveBefore = macplatform::LiveObjectCount();
+    TemporaryFolder folder;
+    std::filesystem::path bundle = folder / "Sample.bundle";
+
+    void WriteInfo(const std::string& list) { folder.Write("Sample.bundle/Contents/Info.plist", list); }
+    void CopyCode() {
+        std::filesystem::create_directories(bundle / "Contents/Linux");
+        std::filesystem::copy(SAMPLE_BUNDLE_CODE, bundle / "Contents/Linux/Test");
+    }
+    void TearDown() override { EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore); }
+};
+
+} // namespace
+
+TEST_F(PlugIn, GivesAnInstance) {
+    WriteInfo(InfoList("MakeSample"));
+    CopyCode();
+    const CFPlugInRef plugIn = Create(bundle);
+    ASSERT_TRUE(plugIn);
+    EXPECT_TRUE(MakeInstance(plugIn)) << LastBundleFailure().text;
+    EXPECT_TRUE(macplatform::BundleSymbol(plugIn, "RefuseSample"));
+    const CFPlugInRef again = Create(bundle);
+    EXPECT_EQ(again, plugIn);
+    EXPECT_EQ(CFGetRetainCount(plugIn), 2);
+    CFRelease(again);
+    CFRelease(plugIn);
+}
+
+TEST_F(PlugIn, LivesAsLongAsItsInstances) {
+    WriteInfo(InfoList("MakeSample"));
+    const CFPlugInRef plugIn = Create(bundle);
+    const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, factoryBytes);
+    CFPlugInRemoveInstanceForFactory(factory);
+    EXPECT_EQ(CFGetRetainCount(plugIn), 1) << "there was no instance";
+    CFPlugInAddInstanceForFactory(factory);
+    CFRelease(plugIn);
+    EXPECT_EQ(CFGetRetainCount(plugIn), 1);
+    CFPlugInRemoveInstanceForFactory(factory);
+    CFPlugInRemoveInstanceForFactory(factory);
+    CFPlugInAddInstanceForFactory(factory);
+    EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1) << "the UUID alone";
+    CFRelease(factory);
+}
+
+TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
+    WriteInfo(InfoList("MakeSample"));
+    folder.Write("Other.bundle/Contents/Info.plist", "<plist><dict/></plist>");
+    const CFPlugInRef empty = Create(folder / "Other.bundle");
+    const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, typeBytes);
+    EXPECT_EQ(CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, empty), nullptr);
+    const CFPlugInRef plugIn = Create(bundle);
+    const CFArrayRef none = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, empty);
+    ASSERT_TRUE(none);
+    EXPECT_EQ(CFArrayGetCount(none), 0);
+    const CFArrayRef one = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, plugIn);
+    ASSERT_EQ(CFArrayGetCount(one), 1);
+    const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, factoryBytes);
+    EXPECT_TRUE(CFEqual(CFArrayGetValueAtIndex(one, 0), factory));
+    for (const CFTypeRef object : {CFTypeRef(empty), CFTypeRef(type), CFTypeRef(plugIn), CFTypeRef(none),
+                                   CFTypeRef(one), CFTypeRef(factory)}) {
+        CFRelease(object);
+    }
+}
+
+TEST_F(PlugIn, IsFoundOnTheStartupVolume) {
+    folder.Write("Library/Sample.bundle/Contents/Info.plist", InfoList("MakeSample"));
+    macplatform::SetStartupVolume(folder.Path().string());
+    const CFPlugInRef plugIn = Create("/Library/Sample.bundle");
+    macplatform::SetStartupVolume("");
+    ASSERT_TRUE(plugIn) << LastBundleFailure().text;
+    CFRelease(plugIn);
+}

@@ -1,0 +1,225 @@
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <macplatform/Journal.h>
+#include <macplatform/LiveObjects.h>
+#include <macplatform/PropertyList.h>
+
+#include "PreferenceCalls.h"
+#include "support/BinaryList.h"
+#include "support/CommandOutput.h"
+#include "support/InChild.h"
+#include "support/VolumeTest.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using macplatform::PropertyListFormat;
+using macplatform::PropertyValue;
+
+namespace {
+
+class Preferences : public VolumeTest {
+protected:
+    std::filesystem::path File() const { return volume / "Library/Preferences/com.example.app.plist"; }
+    PropertyValue Stored() const { return macplatform::ReadPropertyList(File().string()).root; }
+    /// What another reader makes of the file.
+    std::string Python() const {
+        return Printed(
+            "/usr/bin/python3 -c 'import plistlib,sys; print(plistlib.load(open(sys.argv[1],\"rb\")))' '" +
+            File().string() + "'");
+    }
+};
+
+} // namespace
+
+TEST_F(Preferences, WaitForTheSynchronisation) {
+    Set("Lang", "ja");
+    SetNumber("UpdateInterval", 2);
+    EXPECT_FALSE(std::filesystem::exists(File()));
+    EXPECT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'Lang': 'ja', 'UpdateInterval': 2}\n");
+    EXPECT_EQ(ReadBytes(File()).substr(0, 8), "bplist00");
+    struct stat status {};
+    ASSERT_EQ(stat(File().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0644u);
+    ASSERT_EQ(stat((volume / "Library/Preferences").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0775u);
+}
+
+TEST_F(Preferences, WaitForTheVolumeThatTheyWereSetOn) {
+    const TemporaryFolder other;
+    Set("Lang", "ja");
+    macplatform::SetStartupVolume(other.Path().string());
+    EXPECT_TRUE(Synchronise());
+    EXPECT_TRUE(std::filesystem::is_empty(other.Path()));
+    macplatform::SetStartupVolume(volume.Path().string());
+    EXPECT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'Lang': 'ja'}\n");
+}
+
+TEST_F(Preferences, KeepEverythingElseInItsFormat) {
+    const char before[] =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
+        "<key>z</key><real>0.1</real><key>UpdateInterval</key><integer>0</integer>"
+        "<key>a</key><array><date>2011-02-03T04:05:06Z</date><data>AAEC</data><true/></array>"
+        "<key>n</key><integer>-9000000000</integer></dict></plist>";
+    for (const bool binary : {false, true}) {
+        volume.Write("Library/Preferences/com.example.app.plist", before);
+        if (binary) {
+            const std::string path = "'" + File().string() + "'";
+            ASSERT_EQ(std::system(("plistutil -f bin -i " + path + " -o " + path).c_str()), 0);
+        }
+        SetNumber("UpdateInterval", 2);
+        Set("InstalledProducts/Korvane Restora/CurrentVersion", "1.73");
+        EXPECT_TRUE(Synchronise());
+        EXPECT_EQ(ReadBytes(File()).substr(0, 5), binary ? "bplis" : "<?xml");
+        EXPECT_EQ(Stored().Describe(), "{\"z\": 0.1, \"UpdateInterval\": 2, \"a\": [2011-02-03T04:05:06Z, "
+                                       "<000102>, true], \"n\": -9000000000, "
+                                       "\"InstalledProducts/Korvane Restora/CurrentVersion\": \"1.73\"}");
+        EXPECT_EQ(Python(), "{'z': 0.1, 'UpdateInterval': 2, 'a': [datetime.datetime(2011, 2, 3, 4, 5, 6), "
+                            "b'\\x00\\x01\\x02', True], 'n': -9000000000, "
+                            "'InstalledProducts/Korvane Restora/CurrentVersion': '1.73'}\n");
+    }
+}
+
+TEST_F(Preferences, WriteNothingWhereNothingChanges) {
+    Set("Lang", "ja");
+    ASSERT_TRUE(Synchronise());
+    struct stat before {
+    }, after{};
+    ASSERT_EQ(stat(File().c_str(), &before), 0);
+    Set("Lang", "ja");
+    Set("Missing", nullptr);
+    EXPECT_TRUE(Synchronise());
+    ASSERT_EQ(stat(File().c_str(), &after), 0);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    Set("Lang", nullptr);
+    EXPECT_TRUE(Synchronise());
+    EXPECT_FALSE(std::filesystem::exists(File())) << "no key is left";
+}
+
+TEST_F(Preferences, LeaveAloneWhatTheyCannotRead) {
+    for (const std::string content : {"rubbish", "", "<plist><array/></plist>", "bplist00\x01\x02"}) {
+        volume.Write("Library/Preferences/com.example.app.plist", content);
+        Set("Lang", "ja");
+        EXPECT_FALSE(Synchronise()) << content;
+        EXPECT_EQ(ReadBytes(File()), content);
+    }
+    std::filesystem::remove(File());
+    EXPECT_TRUE(Synchronise()) << "the value went on waiting";
+    EXPECT_EQ(Stored().Find("Lang")->text, "ja");
+
+    std::filesystem::remove(File());
+    std::filesystem::create_symlink("nowhere", File());
+    Set("Lang", "de");
+    EXPECT_FALSE(Synchronise());
+    EXPECT_TRUE(std::filesystem::is_symlink(File())) << "a dangling link";
+    std::filesystem::remove(File());
+    std::filesystem::create_directory(File());
+    EXPECT_FALSE(Synchronise());
+    EXPECT_TRUE(std::filesystem::is_directory(File()));
+}
+
+TEST_F(Preferences, KeepObjectsThatTheParserWouldNot) {
+    const std::string aSet("\xC1\x03"), loneSurrogate("\x61\xD8\x00", 3), nul("\122a\0", 3),
+        notAscii("\x51\xE9");
+    for (const std::string& object : {aSet, loneSurrogate, nul, notAscii}) {
+        const std::string list = BinaryList({"\xD1\x01\x02", "\x51k", object, "\x09"});
+        volume.Write("Library/Preferences/com.example.app.plist", list);
+        Set("Lang", "ja");
+        EXPECT_TRUE(Synchronise());
+        EXPECT_EQ(Stored().keys, (std::vector<std::string>{"k", "Lang"}));
+        const bool hasMember = object == aSet; // whose number is another one now
+        EXPECT_NE(ReadBytes(File()).find(hasMember ? "\xC1" : object), std::string::npos);
+    }
+}
+
+TEST_F(Preferences, KeepSharedObjectsOnceAndDropOthers) {
+    const std::string shared = BinaryList(
+        {"\xD3\x01\x02\x03\x04\x04\x05", "\121a", "\121b", "\121c", "\xA1\x06", "\127dropped", "\126shared"});
+    volume.Write("Library/Preferences/com.example.app.plist", shared);
+    Set("c", "changed");
+    ASSERT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'a': ['shared'], 'b': ['shared'], 'c': 'changed'}\n");
+    const std::string bytes = ReadBytes(File());
+    EXPECT_EQ(bytes.find("shared"), bytes.rfind("shared"));
+    EXPECT_EQ(bytes.find("dropped"), std::string::npos);
+    Set("c", nullptr);
+    Set("a", "\xE6\x97\xA5");
+    ASSERT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'a': '\xE6\x97\xA5', 'b': ['shared']}\n");
+}
+
+TEST_F(Preferences, SayWhenTheFolderMayNotBeWritten) {
+    volume.Write("Library/Preferences/com.example.app.plist",
+                 "<plist><dict><key>a</key><true/></dict></plist>");
+    std::filesystem::permissions(volume.Path(), std::filesystem::perms(0755));
+    const std::string before = ReadBytes(File());
+    std::filesystem::permissions(volume / "Library/Preferences", std::filesystem::perms(0555));
+    EXPECT_TRUE(HoldsForAnyUser([] {
+        Set("Lang", "ja");
+        return !Synchronise();
+    }));
+    std::filesystem::permissions(volume / "Library/Preferences", std::filesystem::perms(0755));
+    EXPECT_EQ(ReadBytes(File()), before);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(volume / "Library/Preferences"), {}), 1);
+}
+
+TEST_F(Preferences, RefuseNamesThatLeaveTheirFolder) {
+    const UniChar withNul[] = {'a', 0, 'b'};
+    const CFStringRef nul = CFStringCreateWithCharacters(nullptr, withNul, 3);
+    for (const CFStringRef bad : {CFSTR("../../x"), CFSTR("a/b"), CFSTR(""), CFSTR(".."), CFSTR("."), nul}) {
+        CFPreferencesSetValue(CFSTR("k"), CFSTR("v"), bad, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
+        EXPECT_FALSE(Synchronise(bad));
+    }
+    CFRelease(nul);
+    EXPECT_FALSE(
+        CFPreferencesSynchronize(CFSTR("com.example.app"), kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
+    // The constants are known as objects: a text like theirs is somebody's name.
+    EXPECT_FALSE(CFPreferencesSynchronize(CFSTR("com.example.app"), CFSTR("kCFPreferencesAnyUser"),
+                                          kCFPreferencesCurrentHost));
+    EXPECT_TRUE(std::filesystem::is_empty(volume.Path()));
+}
+
+TEST_F(Preferences, WaitForALockAndRemoveLeftovers) {
+    const std::string leftover = volume.Write("Library/Preferences/.cf#1-0", "half a file");
+    const int folder = open((volume / "Library/Preferences").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(flock(folder, LOCK_EX), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        close(folder); // or this process would hold the lock too
+        Set("Lang", "ja");
+        _exit(Synchronise() ? 0 : 1);
+    }
+    EXPECT_EQ(waitpid(child, nullptr, WNOHANG), 0) << "it waits";
+    close(folder);
+    int status = 1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_FALSE(std::filesystem::exists(leftover));
+    EXPECT_EQ(Stored().Find("Lang")->text, "ja");
+}
+
+TEST_F(Preferences, FailAsOrderedAndSayWhy) {
+    std::vector<macplatform::JournalEntry> told;
+    macplatform::SetJournalObserver(
+        [&told](const macplatform::JournalEntry& entry) { told.push_back(entry); });
+    volume.Write("Library/Preferences/com.example.app.plist", "rubbish");
+    Set("Lang", "ja");
+    told.clear();
+    EXPECT_FALSE(Synchronise());
+    macplatform::SetJournalObserver({});
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_EQ(told[0].call, "CFPreferencesSynchronize");
+    EXPECT_EQ(told[0].result, "false");
+    EXPECT_EQ(told[0].note, File().string() + ": it is not a property list");
+
+    std::filesystem::remove(File());
+    macplatform::OrderFault({"CFPreferencesSynchronize"});
+    EXPECT_FALSE(Synchronise());
+    EXPECT_FALSE(std::filesystem::exists(File()));
+    EXPECT_TRUE(Synchronise());
+}

@@ -1,0 +1,147 @@
+// The command line: wrong usage, sample volumes, streams.
+
+#include "support/HostTool.h"
+#include "support/TestBundle.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+using testing::HasSubstr;
+
+namespace {
+
+struct WrongUsage {
+    const char* name;
+    const char* order; ///< "BUNDLE" stands for a good one, "SHORT" for a file of 613 bytes.
+    std::string told;
+};
+
+class AWrongUsage : public testing::TestWithParam<WrongUsage> {};
+
+TEST_P(AWrongUsage, IsOneLineOnStandardErrorAndNothingElse) {
+    const TestBundle bundle;
+    const TemporaryFolder files;
+    const std::string shortFile = files.Write("short", std::string(613, '\0'));
+    std::vector<std::string> arguments;
+    std::istringstream words(GetParam().order);
+    for (std::string word; words >> word;)
+        arguments.push_back(word == "BUNDLE" ? bundle.Path() : word == "SHORT" ? shortFile : word);
+    const HostTool run = RunHost(arguments);
+    EXPECT_EQ(run.ExitStatus(), 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr(GetParam().told));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+
+    arguments.emplace_back("--json");
+    const auto document = nlohmann::json::parse(RunHost(arguments).out);
+    EXPECT_EQ(document["exitStatus"], 2);
+    EXPECT_THAT(document["error"]["message"].get<std::string>(), HasSubstr(GetParam().told));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Command, AWrongUsage,
+    testing::ValuesIn(std::vector<WrongUsage>{
+        {"UnknownOption", "run BUNDLE --product 1 --bogus", "--bogus"},
+        {"NoProduct", "run BUNDLE", "--product"},
+        {"ProductIsNoNumber", "run BUNDLE --product 12x", "--product: \"12x\""},
+        {"ProductIsTooLarge", "run BUNDLE --product 2147483648", "--product: \"2147483648\""},
+        {"MessageIsNegative", "run BUNDLE --product 1 --message -1", "--message"},
+        {"UnknownEvent", "run BUNDLE --product 1 --event mid", "--event: \"mid\""},
+        {"TimeoutIsZero", "run BUNDLE --product 1 --timeout 0", "--timeout: \"0\""},
+        {"TimeoutIsNaN", "run BUNDLE --product 1 --timeout nan", "--timeout: \"nan\""},
+        {"VolumeIsMissing", "run BUNDLE --product 1 --volume /nowhere", "/nowhere"},
+        {"VolumeIsAFile", "run BUNDLE --product 1 --volume SHORT", "not a folder"},
+        {"VolumeIsThisMachine", "run BUNDLE --product 1 --volume /", "/: this machine's own root"},
+        {"ShownVolumeIsMissing", "show --volume /nowhere", "/nowhere"},
+        {"BlockIsMissing", "run BUNDLE --block /nowhere", "/nowhere"},
+        {"BlockIsShort", "run BUNDLE --block SHORT", "613 bytes"},
+        {"BlockIsADevice", "run BUNDLE --block /dev/zero", "/dev/zero: not a file"},
+        {"BlockAndProduct", "run BUNDLE --block SHORT --product 1", "--product and --block"},
+        {"DryRunOfNothing", "run BUNDLE --product 1 --dry-run", "--dry-run needs --volume"},
+        {"DirectOtherMessage", "run BUNDLE --product 1 --direct --message 4", "--direct"},
+    }),
+    [](const auto& row) { return row.param.name; });
+
+TEST(Command, HandsABlockFileOverAsItIs) {
+    const TestBundle bundle;
+    const TemporaryFolder files;
+    std::string block(700, '\xEE');
+    block.replace(0, 12, std::string("\x03\x00\x09\x00\x06\x00\x00\x00\x00\x00\x00\x80", 12));
+    const HostTool run = RunHost({"run", bundle.Path(), "--block", files.Write("block", block)});
+    EXPECT_THAT(run.out, HasSubstr("XCodMain(selector 3, message 9, product 6, language -286331154)\n"
+                                   "  errorFlags 0x80000000 -> 0x00000001\n"));
+    EXPECT_EQ(run.Verdict(), "FAIL error bit set by message 9 (0 changes)");
+}
+
+TEST(Command, NegativeNumbersAreValues) {
+    const TestBundle bundle;
+    const HostTool run =
+        RunHost({"run", bundle.Path(), "--product", "-1", "--language", "-2", "--selector", "0xFF"});
+    EXPECT_THAT(run.out,
+                HasSubstr("XCodMain(selector 255, message 2 (pre-install), product -1, language -2)\n"));
+}
+
+TEST(Command, MakesASampleVolumeAndCompletesIt) {
+    const TemporaryFolder folder;
+    const std::string volume = (folder / "vol").string();
+    const std::string status = volume + "/Library/Application Support/Korvane/Updater/install_status.txt";
+    const std::string icon = volume + "/Applications/Korvane/Icon\r";
+    EXPECT_EQ(RunHost({"volume", volume, "--status", "", "--no-icon"}).ExitStatus(), 0);
+    EXPECT_TRUE(std::filesystem::exists(status));
+    EXPECT_FALSE(std::filesystem::exists(icon));
+    EXPECT_EQ(RunHost({"volume", volume, "--status", "other"}).ExitStatus(), 0);
+    EXPECT_EQ(ReadBytes(status), "") << "what is there is kept";
+    EXPECT_TRUE(std::filesystem::exists(icon));
+}
+
+TEST(Command, MakesNoSampleVolumeAmongOtherFiles) {
+    const TemporaryFolder folder;
+    folder.Write("precious");
+    const HostTool run = RunHost({"volume", folder.Path()});
+    EXPECT_EQ(run.ExitStatus(), 2);
+    EXPECT_THAT(run.err, HasSubstr("not empty"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+}
+
+TEST(Command, ShowsHiddenListsBrokenOnesAndFlags) {
+    const TemporaryFolder volume;
+    volume.Write("Library/Preferences/.GlobalPreferences.plist",
+                 "<plist version=\"1.0\"><dict><key>a\nb</key><true/></dict></plist>");
+    volume.Write("Library/Preferences/broken.plist", "nothing");
+    ASSERT_EQ(mkfifo((volume / "Library/Preferences/pipe.plist").c_str(), 0600), 0);
+    std::string finderInfo(32, '\0');
+    finderInfo.replace(8, 2, "\xC0\x06"); // alias, invisible, label 3
+    const std::string item = volume.Write("item");
+    if (setxattr(item.c_str(), "user.com.apple.FinderInfo", finderInfo.data(), finderInfo.size(), 0) != 0) {
+        GTEST_FAIL() << "this test needs a folder for temporary files that takes extended attributes";
+    }
+    const HostTool show = RunHost({"show", "--volume", volume.Path()});
+    EXPECT_EQ(show.ExitStatus(), 0);
+    EXPECT_EQ(show.out, ".GlobalPreferences a\\nb: (boolean) true\n"
+                        "/item: A alias (0x8000) on\n"
+                        "/item: V invisible (0x4000) on\n"
+                        "/item: L label colour (0x000E) 3\n"
+                        "broken: /Library/Preferences/broken.plist is not a property list\n"
+                        "pipe: /Library/Preferences/pipe.plist is not a file\n");
+}
+
+TEST(Command, OutlivesAnOutputThatTakesNothing) {
+    const TestBundle bundle;
+    const HostTool full = RunHost({"run", bundle.Path(), "--product", "0"}, {}, {}, "/dev/full");
+    EXPECT_EQ(full.ExitStatus(), 70);
+    EXPECT_THAT(full.err, HasSubstr("No space left on device"));
+    EXPECT_EQ(RunHost({"run", bundle.Path(), "--product", "0"}, {}, {}, "-").ExitStatus(), 0);
+}
+
+TEST(Command, HelpGivesExamples) {
+    for (const char* command : {"run", "show", "volume", "info"}) {
+        const HostTool help = RunHost({command, "--help"});
+        EXPECT_EQ(help.ExitStatus(), 0);
+        EXPECT_THAT(help.out, HasSubstr(std::string("\n  xcodhost ") + command));
+    }
+}
+
+} // namespace

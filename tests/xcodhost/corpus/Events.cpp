@@ -1,0 +1,142 @@
+// What is made of a call: its message, its block, the alerts and the error bit of a refusal.
+
+#include "PlugIn.h"
+#include "support/SendMessage.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <dlfcn.h>
+
+namespace plugin {
+
+namespace {
+
+bool isInMain = false;
+bool isStopSeen = false;
+
+bool IsSelector(std::uint16_t selector) { return selector == 1000; }
+
+void SetErrorBit(Block& block) { block.SetFlags(block.Flags() | 1); }
+
+void ShowStopAlert() {
+    if (Is("StopAlertMissing")) return;
+    isStopSeen = StopAlert(Is("OtherStopAlert") ? 5001 : 5000, nullptr) == -1;
+    if (Is("StopAlertTwice")) StopAlert(5000, nullptr);
+    if (Is("RefusalStored")) SetText(kUpdater, "InstallStatus", "refused");
+}
+
+void RefuseMain(Block& block) {
+    if (Is("AlertInMain")) ShowAlert();
+    if (Is("ErrorBitsCleared")) block.SetFlags(0);
+    if (!Is("ErrorBitMissingInMain")) SetErrorBit(block);
+    if (Is("WorkInSpiteOfRefusal")) StoreInterval(0);
+}
+
+void RefuseStep(Block& block) {
+    ShowAlert();
+    ShowStopAlert();
+    if (Is("StepFlagsReplaced")) block.SetFlags(0);
+    if (Is("ErrorBitMissingInSteps")) return;
+    if (Is("ErrorBitForStop") && isStopSeen && block.Message() == 3) return;
+    SetErrorBit(block);
+}
+
+void BeginEvent(Block& block) {
+    static int events = 0;
+    if (++events > 30 && Is("MemoryGrows")) NewText("one more");
+    if (Is("Crash") && block.Message() == 2 && block.Product() == 3500) std::raise(SIGSEGV);
+    if (Is("FunctionBlockChanged")) ChangeFunctionBlock();
+    if (Is("ScratchInBlock")) block.Bytes()[20] = 1;
+    if (Is("HostFieldRead") && block.Bytes()[100] != 0) SetErrorBit(block);
+    if (Is("ErrorBitOnSuccess") && block.Product() == 5000) SetErrorBit(block);
+    if (Is("AlignmentAssumed") && reinterpret_cast<std::uintptr_t>(block.Bytes()) % 2 != 0)
+        SetErrorBit(block);
+    if (Is("AlertOnUnknownProduct") && block.Product() == 1234 && block.Language() == 0) ShowStopAlert();
+    NoteInstance();
+}
+
+bool IsAccepted(char* bytes) {
+    if (!bytes && !Is("NullBlockRead")) return false;
+    Block block(bytes);
+    const bool isAccepted = IsSelector(block.Selector());
+    isAccepted ? BeginEvent(block) : RefuseStep(block);
+    return isAccepted;
+}
+
+} // namespace
+
+bool Is(const char* fault) {
+    Dl_info executable{};
+    if (dladdr(&isInMain, &executable) == 0) std::abort();
+    return std::strcmp(std::strrchr(executable.dli_fname, '/') + 1, fault) == 0;
+}
+
+void Main(char* bytes) {
+    Block block(bytes);
+    if (!IsSelector(block.Selector())) return RefuseMain(block);
+    const int message = block.Message();
+    isInMain = true;
+    if (message == 2 || (message == 3 && Is("BothStepsOnPostInstall"))) PreInstall(bytes);
+    if (message == 3 || (message == 2 && Is("BothStepsOnPreInstall"))) PostInstall(bytes);
+    if (message > 3 && Is("OtherMessageTaken")) PostInstall(bytes);
+    isInMain = false;
+}
+
+void ShowAlert() {
+    if (Is("AlertMissing")) return;
+    if (Is("CrashInAlert")) std::raise(SIGABRT);
+    const CFStringRef text = NewText("Unable to set post install option keys.");
+    const id alert = NewAlert();
+    Send<void>(alert, "setMessageText:", text);
+    if (text) CFRelease(text);
+    if (Is("AlertWithChoice")) {
+        Send(alert, "addButtonWithTitle:", CFSTR("OK"));
+        Send(alert, "addButtonWithTitle:", CFSTR("Cancel"));
+    }
+    Send<long>(alert, "runModal");
+    Send<void>(alert, "release");
+}
+
+const Product* Find(std::int32_t code) {
+    static const struct {
+        std::int32_t code;
+        Product product;
+    } products[] = {{1400, {"com.korvane.audioplugins.Tamblor", "Tamblor"}},
+                    {3100, {"com.korvane.audioapps.Restora", "Korvane Restora"}},
+                    {3500, {"com.korvane.audioplugins.Meridian4", "Meridian4"}},
+                    {5200, {"com.korvane.audioplugins.Gildmark", "Gildmark"}},
+                    {5100, {"com.korvane.audioplugins.Larynth", "Larynth"}},
+                    {5000, {"com.korvane.tonecleanser", "TCL"}},
+                    {4900, {"com.korvane.audioplugins.Fusewright", "Fusewright"}}};
+    if (Is("LowWordOfProduct") && (code & 0xFFFF) == 4900) code = 4900;
+    for (const auto& one : products) {
+        if (one.code == code) return &one.product;
+    }
+    return nullptr;
+}
+
+} // namespace plugin
+
+using namespace plugin;
+
+extern "C" {
+[[gnu::visibility("default")]] void PreInstall(char* bytes) {
+    if (!IsAccepted(bytes) || (Is("StepsWithoutMessage") && !isInMain)) return;
+    if (const Product* product = Find(Block(bytes).Product())) StoreVersion(*product);
+}
+
+[[gnu::visibility("default")]] void PostInstall(char* bytes) {
+    if (!IsAccepted(bytes)) return;
+    const Block block(bytes);
+    const Product* const product = Find(block.Product());
+    if (product) {
+        SetInterval(*product);
+        StoreLanguage(*product, block.Language());
+    } else if (Is("UnknownProductStored")) {
+        SetText("com.korvane.unknown", "Lang", "en");
+    }
+    DressFolder(product != nullptr);
+    LeaveTraces();
+    DressIcon();
+}
+}

@@ -1,0 +1,195 @@
+// What a run tells of a bundle that misbehaves, and that it outlives it.
+
+#include "support/HostTool.h"
+#include "support/TestBundle.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+std::string Call(const std::string& product) {
+    return "XCodMain(selector 1000, message 2 (pre-install), product " + product + ", language 0)";
+}
+
+struct Misdeed {
+    const char* name;
+    const char* options;
+    int status;
+    std::string verdict;
+};
+
+class AMisdeed : public testing::TestWithParam<Misdeed> {};
+
+TEST_P(AMisdeed, IsToldWithTheCallAndTheStatus) {
+    const TestBundle bundle;
+    const TemporaryFolder scratch;
+    const HostTool run = RunHostWith({"run", bundle.Path()}, GetParam().options, scratch.Path());
+    EXPECT_EQ(run.Verdict(), GetParam().verdict) << run.out << run.err;
+    EXPECT_EQ(run.ExitStatus(), GetParam().status);
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path())) << "the scratch volume is left";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Run, AMisdeed,
+    testing::ValuesIn(std::vector<Misdeed>{
+        {"None", "--product 0", 0, "DONE 0 changes"},
+        {"Crash", "--product 1", 4, "FAIL crashed in " + Call("1") + ": SIGSEGV (Segmentation fault)"},
+        {"CrashWhenDirect", "--product 1 --direct --event pre", 4,
+         "FAIL crashed in PreInstall(selector 1000, message 2 (pre-install), product 1, language 0): "
+         "SIGSEGV (Segmentation fault)"},
+        {"Hang", "--product 2 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + Call("2")},
+        {"Exception", "--product 3", 4, "FAIL exception std::runtime_error \"no good\" left " + Call("3")},
+        {"ThrownNumber", "--product 4", 4, "FAIL exception int left " + Call("4")},
+        {"Exit", "--product 5", 4, "FAIL ended the process in " + Call("5") + ": exit status 7"},
+        {"ErrorBit", "--product 6", 1, "FAIL error bit set by pre-install (0 changes)"},
+        {"ErrorBitOfPostInstall", "--product 6 --event post", 1,
+         "FAIL error bit set by post-install (0 changes)"},
+        {"ProcessLeftBehind", "--product 9", 0, "DONE 0 changes"},
+        {"AlertsWithoutEnd", "--product 13 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + Call("13")},
+        {"StandardInputIsEmpty", "--product 17", 0, "DONE 0 changes"},
+    }),
+    [](const auto& row) { return row.param.name; });
+
+TEST(Run, TellsOfBytesBesideTheErrorFlags) {
+    const TestBundle bundle;
+    const HostTool run = RunHost({"run", bundle.Path(), "--product", "7", "--event", "pre"});
+    EXPECT_THAT(run.out, HasSubstr("other bytes of the parameter block changed: 20 to 613\n"));
+    EXPECT_EQ(run.ExitStatus(), 0);
+}
+
+TEST(Run, KeepsWhatTheBundlePrintsOutOfTheResult) {
+    const TestBundle bundle;
+    const HostTool run = RunHost({"run", bundle.Path(), "--product", "8", "--json"});
+    EXPECT_EQ(nlohmann::json::parse(run.out)["exitStatus"], 0);
+    EXPECT_THAT(run.err, HasSubstr("printed by the bundle"));
+}
+
+TEST(Run, FailsWhenTheBundleClosesTheHostsDescriptors) {
+    const TestBundle bundle;
+    EXPECT_EQ(RunHost({"run", bundle.Path(), "--product", "10"}).ExitStatus(), 4);
+}
+
+TEST(Run, CleansUpBeforeItDiesOfASignal) {
+    const TestBundle bundle;
+    const TemporaryFolder scratch;
+    const HostTool run = RunHost({"run", bundle.Path(), "--product", "11"}, {}, scratch.Path());
+    EXPECT_TRUE(WIFSIGNALED(run.status) && WTERMSIG(run.status) == SIGTERM) << run.status;
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
+}
+
+TEST(Run, NamesObjectsThatWereNeverReleased) {
+    const TestBundle bundle;
+    const HostTool run = RunHost({"run", bundle.Path(), "--product", "14", "--event", "pre"});
+    EXPECT_THAT(run.out, HasSubstr("warning: 1 platform object never released:\n"));
+    EXPECT_THAT(run.out, HasSubstr("left behind"));
+    EXPECT_EQ(run.ExitStatus(), 0);
+}
+
+struct Answering {
+    const char* name;
+    std::string answers;
+    std::string input;
+    std::string told;      ///< On the report.
+    std::string errorBits; ///< The plug-in sets bit 16 for "No".
+    std::string noted;     ///< On standard error.
+};
+
+class AnAlert : public testing::TestWithParam<Answering> {};
+
+TEST_P(AnAlert, IsAnsweredAsOrdered) {
+    const TestBundle bundle;
+    std::vector<std::string> arguments{"run", bundle.Path(), "--product", "12", "--event", "pre"};
+    if (!GetParam().answers.empty()) arguments.insert(arguments.end(), {"--answers", GetParam().answers});
+    const HostTool run = RunHost(arguments, GetParam().input);
+    EXPECT_THAT(run.out, HasSubstr("Alert \"Go on?\" [Yes] [No]: " + GetParam().told + '\n'));
+    EXPECT_THAT(run.out, HasSubstr(GetParam().errorBits));
+    EXPECT_THAT(run.err, HasSubstr(GetParam().noted));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Run, AnAlert,
+    testing::ValuesIn(std::vector<Answering>{
+        {"InputIsNoTerminal", "", "2\n", "Yes", "(unchanged)", ""},
+        {"First", "first", "", "Yes", "(unchanged)", ""},
+        {"Title", "No,Yes", "", "No", "0x00000000 -> 0x00010000", ""},
+        {"TitleOfNoButton", "Maybe", "", "not shown, it has no button \"Maybe\"", "(unchanged)",
+         "xcodhost: Alert \"Go on?\" was not shown: it has no button \"Maybe\""},
+        {"AskedNumber", "ask", "2\n", "No", "0x00000000 -> 0x00010000", "  2  No\n"},
+        {"AskedNonsenseThenTitle", "ask", "3\nNo\n", "No", "0x00000000 -> 0x00010000",
+         "There is no button \"3\"."},
+        {"AskedNobody", "ask", "", "not shown, nobody answered", "(unchanged)", "  1  Yes\n"},
+    }),
+    [](const auto& row) { return row.param.name; });
+
+TEST(Run, ListsChangedFilesWithNamesEscaped) {
+    const TestBundle bundle;
+    const TemporaryFolder volume;
+    volume.Write("Library/old.txt");
+    volume.Write("Library/gone.txt");
+    volume.Write("Users/kept.txt");
+    chmod((volume / "Library/old.txt").c_str(), 0644);
+    const HostTool run =
+        RunHost({"run", bundle.Path(), "--product", "15", "--event", "pre", "--volume", volume.Path()});
+    EXPECT_THAT(run.out, HasSubstr("\n/Library/gone.txt: removed\n"
+                                   "/Library/old.txt: mode 0644 -> 0600\n"
+                                   "/Users/new \\x1B.txt: created\n"
+                                   "DONE 3 changes\n"));
+    EXPECT_EQ(ReadBytes(volume / "Users/new \x1B.txt"), "new");
+}
+
+TEST(Run, LeavesTheVolumeAloneInADryRun) {
+    const TestBundle bundle;
+    const TemporaryFolder volume;
+    const TemporaryFolder scratch;
+    volume.Write("Library/gone.txt", "kept");
+    const std::string old = volume.Write("Library/old.txt");
+    ASSERT_EQ(setxattr(old.c_str(), "user.com.apple.FinderInfo", std::string(32, '\x40').data(), 32, 0), 0);
+    std::filesystem::create_directories(volume / "Users");
+    std::filesystem::create_symlink("/nowhere", volume / "Users/link");
+    const HostTool run =
+        RunHost({"run", bundle.Path(), "--product", "15", "--volume", volume.Path(), "--dry-run"}, {},
+                scratch.Path());
+    EXPECT_THAT(run.Verdict(), StartsWith("DONE 3 changes")) << run.out << run.err;
+    EXPECT_EQ(ReadBytes(volume / "Library/gone.txt"), "kept");
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
+}
+
+TEST(Run, SaysThatAListBecameUnreadable) {
+    const TestBundle bundle;
+    const HostTool run = RunHost({"run", bundle.Path(), "--product", "16"});
+    EXPECT_THAT(run.out, HasSubstr("com.example.broken: /Library/Preferences/com.example.broken.plist "
+                                   "is not a property list; the run made it so\n"));
+}
+
+TEST(Run, DescribesEachEndInJson) {
+    const TestBundle bundle;
+    const auto end = [&](const char* product) {
+        const HostTool run =
+            RunHost({"run", bundle.Path(), "--product", product, "--json", "--timeout", "0.2"});
+        return nlohmann::json::parse(run.out)["end"];
+    };
+    using nlohmann::json;
+    EXPECT_EQ(end("0"), json({{"kind", "finished"}}));
+    EXPECT_EQ(end("1"), json({{"kind", "signal"}, {"signal", "SIGSEGV"}}));
+    EXPECT_EQ(end("2"), json({{"kind", "time-limit"}, {"seconds", 0.2}}));
+    EXPECT_EQ(end("3"), json({{"kind", "exception"}, {"type", "std::runtime_error"}, {"what", "no good"}}));
+    EXPECT_EQ(end("5"), json({{"kind", "exit"}, {"code", 7}}));
+}
+
+TEST(Run, TellsACrashInTheFactory) {
+    const TestBundle bundle(InfoList("MakeCrash"));
+    const HostTool run = RunHost({"run", bundle.Path(), "--product", "0"});
+    EXPECT_THAT(run.Verdict(), StartsWith("FAIL crashed in CFPlugInInstanceCreate(factory A0A0A0A0-"));
+    EXPECT_EQ(run.ExitStatus(), 4);
+}
+
+} // namespace

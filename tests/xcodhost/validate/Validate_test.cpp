@@ -1,0 +1,293 @@
+// What validate tells of good bundles and of each that has one fault.
+
+#include "support/HostTool.h"
+#include "support/TestBundle.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <set>
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+struct Validation {
+    int status = 0;
+    json document;
+
+    std::vector<std::string> Failed() const {
+        std::vector<std::string> ids;
+        for (const json& check : document["bundles"][0]["checks"]) {
+            if (check["state"] == "failed") ids.push_back(check["id"]);
+        }
+        return ids;
+    }
+    json Check(const std::string& id) const {
+        for (const json& check : document["bundles"][0]["checks"]) {
+            if (check["id"] == id) return check;
+        }
+        return {};
+    }
+};
+
+Validation Validate(const std::string& bundle, const std::string& more = {}) {
+    const HostTool run = RunHostWith({"validate", bundle, "--json"}, more);
+    return {run.ExitStatus(), json::parse(run.out)};
+}
+
+struct Fault {
+    const char* name;
+    const char* check; ///< The one that it breaks.
+    const char* seen;  ///< A part of what that says.
+    int status = 1;
+};
+
+const Fault kFaults[] = {
+    {"AgainBeforePostInstall", "dispatch.twice", "1 change: com.korvane.updater Again: (none)"},
+    {"AlertInMain", "dispatch.wrong-selector-silent", "Unable to set"},
+    {"AlertMissing", "steps.alert", "Stop alert 5000"},
+    {"AlertOnUnknownProduct", "steps.silent", "Stop alert 5000"},
+    {"AlertWithChoice", "steps.alert-buttons", "2 buttons"},
+    {"AlertWithUnreadableFile", "status-file.failure-silent", "Unable to set"},
+    {"AlignmentAssumed", "block.odd-address", "0x00000001"},
+    {"AnyInterfaceGiven", "interface.others", "0x00000000"},
+    {"AnyTypeAccepted", "factory.wrong-types", "an instance"},
+    {"ApplicationsHidden", "finder.other-items", "/Applications: V invisible (0x4000)"},
+    {"BothStepsOnPostInstall", "dispatch.post-install-alone", "InstalledProducts"},
+    {"BothStepsOnPreInstall", "dispatch.pre-install-alone", "Lang"},
+    {"BrokenListReplaced", "faults.broken-list", "bplist00"},
+    {"CaseIgnored", "status-file.interval", "UpdateInterval: (integer) 2"},
+    {"Chatter", "process.silent", "icon hidden"},
+    {"CountOf16Bits", "references.many", "4465"},
+    {"CountStartsAtZero", "references.counting", "1"},
+    {"Crash", "dispatch.pre-install", "crashed: SIGSEGV (Segmentation fault)", 4},
+    {"CrashInAlert", "steps.return", "crashed: SIGABRT (Aborted)", 4},
+    {"CurrentUser", "preferences.scope", "kCFPreferencesCurrentUser, kCFPreferencesAnyHost"},
+    {"DefaultAllocatorOnly", "factory.allocator", "null with kCFAllocatorSystemDefault"},
+    {"ErrorBitForStop", "steps.answer", "error flags 0x00000000"},
+    {"ErrorBitMissingInMain", "dispatch.wrong-selector", "0x00000000"},
+    {"ErrorBitMissingInSteps", "steps.error-bit", "0x00000000"},
+    {"ErrorBitOnSuccess", "block.no-error", "0x00000001"},
+    {"ErrorBitsCleared", "block.error-bits", "0x00000001"},
+    {"ErrorForLostPreference", "faults.preferences", "string \"lost\", 1 reference"},
+    {"ErrorForRefusedFinder", "faults.finder", "string \"no folder\", 1 reference"},
+    {"ExceptionLetOut", "dispatch.post-install", "exception std::runtime_error \"no folder\"", 4},
+    {"Exit", "dispatch.pre-install", "ended the process: exit status 3", 4},
+    {"FailureNotTold", "status-file.failure-text", "InstallStatus: (none)"},
+    {"FailureTextOther", "status-file.failure-text", "InstallStatus: (string) \"failed\""},
+    {"FailureWithoutFile", "status-file.no-failure", "Error opening file"},
+    {"FileLeftOpen", "process.descriptors", "8"},
+    {"FileMade", "pre-install.nothing-else", "/Library/install.log: created"},
+    {"FileTakenForGranted", "faults.files", "string \"no file\", 1 reference"},
+    {"FirstLanguageStays", "post-install.replaces", "Tamblor Lang: (string) \"ja\""},
+    {"FirstSlotFilled", "function-block.slots", "it is not null"},
+    {"FirstVersionStays", "pre-install.replaces", "(integer) 9"},
+    {"FolderMade", "finder.missing", "4 changes"},
+    {"FolderStaysInvisible", "finder.folder", "0xFFFE"},
+    {"FunctionBlockChanged", "function-block.constant", "it has changed after both events"},
+    {"Hang", "dispatch.post-install", "no return within 1 s", 5},
+    {"HeapInstance", "factory.pointer-block", "NewPtr was not called"},
+    {"HostFieldRead", "block.host-fields", "0x00000001"},
+    {"HostInterfaceOnly", "interface.iunknown", "0x80000004"},
+    {"IconAfterFolder", "faults.finder-apart", "2 changes"},
+    {"IconBeforeFolder", "post-install.order", "Icon"},
+    {"IconFirst", "finder.no-icon", "0x0000"},
+    {"IconKeepsIconFlag", "finder.icon", "0xFFFE"},
+    {"IdentifierLeaked", "interface.nothing-left", "UUID"},
+    {"InstanceTouchedAfterRelease", "references.inside-call", "crashed: SIGILL (Illegal instruction)", 4},
+    {"IntervalAlwaysTwo", "status-file.interval", "UpdateInterval: (integer) 2"},
+    {"JapaneseAsFrench", "post-install.language", "Tamblor Lang: (string) \"fr\""},
+    {"KnownProductsDressed", "finder.unknown-product",
+     "1 change: /Applications/Korvane/Icon\\r: V invisible (0x4000)"},
+    {"LabelLost", "finder.other-flags", "0xBBF0"},
+    {"LanguageInBothDomains", "post-install.nothing-else", "Lang: (none) -> (string) \"en\""},
+    {"LanguageInUpdaterDomain", "post-install.language", "there is no preferences file of this domain"},
+    {"LastReleaseAnswersOne", "references.zero", "1"},
+    {"LowWordOfProduct", "pre-install.unknown-product", "InstalledProducts/Fusewright"},
+    {"MemoryGrows", "process.growth", "objects"},
+    {"MemoryLeaked", "process.growth", "bytes more"},
+    {"MemoryTakenForGranted", "factory.no-memory", "crashed: SIGSEGV (Segmentation fault)", 4},
+    {"MissingMeansNever", "status-file.missing", "UpdateInterval: (integer) 0"},
+    {"MoreStored", "pre-install.nothing-else", "Installer: (none) -> (string) \"VISE X\""},
+    {"NegativeLanguage", "post-install.other-languages", "Fusewright Lang: (string) \"de\""},
+    {"NeverWithUnreadableFile", "status-file.unreadable", "UpdateInterval: (integer) 0"},
+    {"NoLanguageAfterFailure", "status-file.failure-rest", "there is no preferences file of this domain"},
+    {"NoPostInstall", "bundle.exports", "PostInstall is not exported", 3},
+    {"NoReferenceForInterface", "interface.adds-reference", "1"},
+    {"NoType", "factory.right-type", "answered null", 3},
+    {"NullBlockRead", "steps.null-block", "crashed: SIGSEGV (Segmentation fault)", 4},
+    {"OneProductWithoutInterval", "status-file.products", "UpdateInterval: (integer) 2"},
+    {"OrderMatters", "dispatch.order", "1 change: com.korvane.updater Late: (none)"},
+    {"OtherInstancesReset", "dispatch.two-instances", "0"},
+    {"OtherMessageTaken", "dispatch.other-messages", "UpdateInterval"},
+    {"OtherStopAlert", "steps.stop-alert", "Stop alert 5001"},
+    {"OtherVersion", "pre-install.version", "1.72"},
+    {"OutputFlood", "dispatch.pre-install", "flooded the host's output", 4},
+    {"PlaceNotCleared", "interface.clears-place", "it is not null"},
+    {"PreferencesReplaced", "preferences.other-keys", "Fusewright Other: (none)"},
+    {"ProcessLeft", "process.processes", "processes"},
+    {"QueryTakesMemoryForGranted", "faults.query", "crashed: SIGABRT (Aborted)", 4},
+    {"RecordNeverFreed", "references.frees", "it is still allocated"},
+    {"ReferenceBesideSlot", "interface.through-slot", "0 calls of a slot that was replaced"},
+    {"ReferenceForRefusal", "interface.refusal-count", "35"},
+    {"RefusalStored", "steps.refused-idle", "InstallStatus"},
+    {"ReinstallationNoted", "dispatch.second-run", "1 change: com.korvane.updater Reinstalled: (none)"},
+    {"ScratchInBlock", "block.rest", "bytes changed: 20 to 20"},
+    {"SharedCount", "factory.two-instances", "3"},
+    {"SignalIgnored", "process.state", "another handler for signal 13"},
+    {"StatusFileEmptied", "status-file.kept", "contents changed"},
+    {"StepFlagsReplaced", "steps.other-bits", "0x00000001"},
+    {"StepsWithoutMessage", "steps.same-effects", "nothing changed"},
+    {"StopAlertMissing", "steps.stop-alert", "Unable to set"},
+    {"StopAlertTwice", "steps.alerts-once", "Stop alert 5000, Stop alert 5000"},
+    {"StringLeaked", "process.objects", "string \"left behind\", 1 reference"},
+    {"StringTakenForGranted", "faults.no-string", "crashed: SIGABRT (Aborted)", 4},
+    {"SymbolToo", "bundle.exports-only", "also korvane_version"},
+    {"SymbolUndefined", "bundle.loads", "undefined symbol: function_of_no_library", 3},
+    {"SynchronisedFirst", "pre-install.order", "CFPreferencesSynchronize"},
+    {"ThreadLeft", "process.threads", "more"},
+    {"TwoReferencesForInterface", "interface.adds-reference", "3"},
+    {"UnknownInterfaceOnly", "interface.host", "0x80000004"},
+    {"UnknownProductStored", "post-install.unknown-product", "com.korvane.unknown Lang"},
+    {"ValueRemovedWithoutNumber", "faults.no-number", "UpdateInterval"},
+    {"VersionInOwnDomain", "pre-install.version", "there is no preferences file of this domain"},
+    {"VersionOfSpacelessName", "pre-install.version", "(none)"},
+    {"WorkInSpiteOfRefusal", "dispatch.wrong-selector-idle",
+     "1 change: com.korvane.updater UpdateInterval: (none)"},
+    {"WriteOutside", "volume.nothing-outside", "openat \"/tmp/xcodhost-corpus.log\""},
+    {"WrongInterfaceCode", "interface.others", "0x80004005"},
+};
+
+class AFault : public testing::TestWithParam<Fault> {};
+
+TEST_P(AFault, IsFoundByTheCheckThatItBreaksAndNoOther) {
+#ifdef IS_SANITIZED
+    if (GetParam().name == std::string("MemoryLeaked"))
+        GTEST_SKIP() << "the sanitizer allocates, and tells nobody";
+#endif
+    const CorpusBundle bundle(GetParam().name);
+    const bool hangs = GetParam().status == 5;
+    const Validation found = Validate(bundle.Path(), hangs ? "--timeout 1" : "--timeout 60");
+    EXPECT_THAT(found.Failed(), ElementsAre(GetParam().check));
+    EXPECT_EQ(found.status, GetParam().status);
+    const json check = found.Check(GetParam().check);
+    EXPECT_THAT(check["findings"].dump(),
+                HasSubstr(json(GetParam().seen).dump().substr(1, std::string(GetParam().seen).size())));
+    EXPECT_EQ(check["repeat"], "xcodhost validate " + bundle.Path() + " --include " + GetParam().check);
+}
+
+INSTANTIATE_TEST_SUITE_P(Validate, AFault, testing::ValuesIn(kFaults),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Validate, ToldFactoryNameIsTheInstallers) {
+    const CorpusBundle bundle("None", "PreInstall");
+    EXPECT_EQ(Validate(bundle.Path(), "--include bundle.factory-name").status, 1);
+    EXPECT_EQ(Validate("/not/there.bundle").status, 3);
+}
+
+TEST(Validate, PassesGoodBundles) {
+    const CorpusBundle other("None"); // shares no line with ours
+    const HostTool run = RunHost({"validate", POSTINSTALL_BUNDLE, other.Path()});
+    EXPECT_EQ(run.ExitStatus(), 0) << run.out;
+    EXPECT_THAT(run.out, Not(HasSubstr("FAIL")));
+    EXPECT_THAT(run.Verdict(), testing::MatchesRegex("PASS [0-9]+ checks"));
+}
+
+TEST(Validate, HasForEachCheckABundleThatBreaksIt) {
+    std::set<std::string> broken = {"bundle.property-list", "bundle.factory", "bundle.factory-name",
+                                    "bundle.executable", "bundle.architecture"};
+    for (const Fault& fault : kFaults) broken.insert(fault.check);
+    const json list = json::parse(RunHost({"list", "checks", "--json"}).out);
+    std::set<std::string> ids;
+    for (const json& check : list["checks"]) {
+        EXPECT_TRUE(ids.insert(check["id"]).second) << check["id"];
+    }
+    EXPECT_GE(ids.size(), 40u);
+    EXPECT_EQ(broken, ids);
+    for (const json& check : list["checks"]) {
+        for (const std::string need : check["needs"]) EXPECT_EQ(ids.count(need), 1u) << need;
+    }
+}
+
+TEST(Validate, RunsWhatIsChosen) {
+    const CorpusBundle bundle("AlertMissing");
+    const struct {
+        const char* options;
+        int status;
+        const char* verdict;
+    } rows[] = {
+        {"--include steps.alert", 1, "FAIL 1 of 1 (first: steps.alert)"},
+        {"--include steps.stop-alert references.zero", 0, "PASS 2 checks"},
+        {"--include references", 0, "PASS 5 checks"},
+        {"--include steps.* --exclude steps.a*", 0, "PASS 8 checks"},
+        {"--include steps.alert --exclude steps", 1, "FAIL 0 of 0 (no check was run)"},
+    };
+    for (const auto& row : rows) {
+        const HostTool run = RunHostWith({"validate", bundle.Path()}, row.options);
+        EXPECT_EQ(run.Verdict(), row.verdict) << run.out;
+        EXPECT_EQ(run.ExitStatus(), row.status);
+    }
+    const HostTool wrong = RunHost({"validate", bundle.Path(), "--include", "steps.nothing"});
+    EXPECT_EQ(wrong.ExitStatus(), 2);
+    EXPECT_THAT(wrong.err, HasSubstr("\"steps.nothing\" matches no check"));
+    EXPECT_EQ(RunHost({"validate", bundle.Path(), "--junit", "/not/there/file"}).ExitStatus(), 2);
+}
+
+TEST(Validate, ExplainsAChecks) {
+    EXPECT_THAT(RunHost({"explain", "steps.alert"}).out, HasSubstr("needs  steps.return"));
+    const HostTool wrong = RunHost({"explain", "stop"});
+    EXPECT_EQ(wrong.ExitStatus(), 2);
+    EXPECT_THAT(wrong.err, HasSubstr("steps.stop-alert"));
+}
+
+/// Runs a program with the system's Python, which has the packaged modules; it ends with 0 where it finds the
+/// file as it must be.
+int Python(const std::string& program, const std::string& file) {
+    const TemporaryFolder folder;
+    return std::system(("/usr/bin/python3 " + folder.Write("program.py", program) + " " + file).c_str());
+}
+
+TEST(Validate, WritesFilesThatOthersRead) {
+    const CorpusBundle bundle("AlertMissing");
+    const TemporaryFolder folder;
+    const std::string junit = folder.Write("junit.xml", "old");
+    const std::string html = folder.Write("page.html", "old");
+    EXPECT_EQ(RunHost({"validate", bundle.Path(), "--junit", junit, "--html", html}).ExitStatus(), 1);
+    EXPECT_EQ(Python("import sys\n"
+                     "from junitparser import JUnitXml\n"
+                     "xml = JUnitXml.fromfile(sys.argv[1])\n"
+                     "cases = [case for suite in xml for case in suite]\n"
+                     "failed = [case.name for case in cases if any(type(r).__name__ == 'Failure' for r in "
+                     "case.result)]\n"
+                     "skipped = [case.name for case in cases if any(type(r).__name__ == 'Skipped' for r in "
+                     "case.result)]\n"
+                     "assert failed == ['steps.alert'] and skipped == ['steps.answer'], (failed, skipped)\n"
+                     "suite = list(xml)[0]\n"
+                     "assert (suite.tests, suite.failures, suite.skipped) == (len(cases), 1, 1)\n",
+                     junit),
+              0);
+    EXPECT_EQ(
+        Python(
+            "import sys\n"
+            "from html.parser import HTMLParser\n"
+            "class Page(HTMLParser):\n"
+            "    open, text = [], ''\n"
+            "    def handle_starttag(self, tag, attrs):\n"
+            "        assert tag not in ('link', 'script', 'img') and not dict(attrs).get('src')\n"
+            "        if tag != 'meta': self.open.append(tag)\n"
+            "    def handle_endtag(self, tag): assert self.open.pop() == tag\n"
+            "    def handle_data(self, data): self.text += data\n"
+            "page = Page()\n"
+            "page.feed(open(sys.argv[1], encoding='utf-8').read())\n"
+            "assert not page.open\n"
+            "for part in ('FAIL 1 of', '3100 Korvane Restora', 'UpdateInterval', '(integer) 2', '(none)'):\n"
+            "    assert part in page.text, part\n",
+            html),
+        0);
+}
+
+} // namespace

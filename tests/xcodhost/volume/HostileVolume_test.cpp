@@ -1,0 +1,133 @@
+// What a run touches, as the system call tracer sees it: nothing outside of the volume, whatever lies on
+// that.
+
+#include "support/TemporaryFolder.h"
+#include "support/Tried.h"
+
+#include <gmock/gmock.h>
+
+#include <regex>
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const char kUpdater[] = "Library/Preferences/com.korvane.updater.plist";
+const char kStatusFolder[] = "Library/Application Support/Korvane/Updater";
+
+bool IsBelow(const std::string& path, const std::string& folder) {
+    return path.rfind(folder + '/', 0) == 0 || path == folder;
+}
+
+/// A call of the trace that did what it was asked for.
+struct Call {
+    std::string line, name, arguments, opened;
+
+    explicit Call(const std::string& traced) : line(traced) {
+        static const std::regex form(R"re(^\d+ +(\w+)\((.*)\) += \d+(?:<(.*)>)?$)re");
+        std::smatch parts;
+        if (!std::regex_match(line, parts, form)) return;
+        name = parts[1];
+        arguments = parts[2];
+        opened = parts[3];
+    }
+
+    /// As absolute paths: the texts among the arguments, behind the folders that they are in.
+    std::vector<std::string> Paths() const {
+        static const std::regex path(R"re((?:<([^<>]*)>, )?"([^"]*)")re");
+        std::vector<std::string> paths;
+        for (std::sregex_iterator it(arguments.begin(), arguments.end(), path), end; it != end; ++it) {
+            const std::string text = (*it)[2];
+            paths.push_back(text.rfind('/', 0) == 0 ? text : (*it)[1].str() + '/' + text);
+        }
+        const bool hasOnePath = name.rfind("readlink", 0) == 0 || name.find("xattr") != name.npos;
+        if (hasOnePath && !paths.empty()) paths.resize(1); // the rest is what was found, or is set
+        return paths;
+    }
+
+    bool Changes() const {
+        static const std::regex changing("mkdir.*|rmdir|unlink.*|rename.*|.*link|linkat|symlinkat|.*chmod.*|."
+                                         "*chown.*|truncate|mknod.*|utime.*|.*setxattr|.*removexattr");
+        if (name.rfind("open", 0) == 0)
+            return std::regex_search(arguments, std::regex("O_WRONLY|O_RDWR|O_CREAT"));
+        return name.rfind("readlink", 0) != 0 && std::regex_match(name, changing);
+    }
+};
+
+class HostileVolume : public testing::Test {
+protected:
+    HostileVolume() {
+        folder.Write("outside/secret", "<plist><dict><key>Lang</key><string>secret</string></dict></plist>");
+        folder.Write("outside/install_status.txt", "disabled");
+        folder.Write("volume/Applications/other");
+        folder.Write("volume/Library/other");
+    }
+
+    std::string Trace() const {
+        const std::string trace = (folder / "trace").string(), out = (folder / "out").string();
+        // The leak checker is a tracer itself, and there can be one alone.
+        const std::string command =
+            "ASAN_OPTIONS=detect_leaks=0 strace -f -y -s 4096 -e trace=%file -o '" + trace +
+            "' '" XCODHOST "' run '" POSTINSTALL_BUNDLE "' --product 4900 --language 11 --volume '" + volume +
+            "' > '" + out + "' 2>&1";
+        const int status = std::system(command.c_str());
+        const std::string told = ReadBytes(out);
+        EXPECT_EQ(status, 0) << told;
+        EXPECT_THAT(told, testing::HasSubstr("\nDONE "));
+        return ReadBytes(trace);
+    }
+
+    /// Calls that reached what is outside, or changed what is not on the volume.
+    std::vector<std::string> Stray() const {
+        std::vector<std::string> stray;
+        std::istringstream trace(Trace());
+        for (std::string line; std::getline(trace, line);) {
+            const Call call(line);
+            if (call.name.empty() || call.name == "execve") continue;
+            std::vector<std::string> paths = call.Paths();
+            if (!call.opened.empty()) paths.push_back(call.opened);
+            for (const std::string& path : paths) {
+                const bool isChange = call.Changes() && !IsBelow(path, volume) && !IsBelow(path, "/dev");
+                if (isChange || IsBelow(path, outside)) stray.push_back(line);
+            }
+        }
+        return stray;
+    }
+
+    const TemporaryFolder folder;
+    const std::string volume = folder / "volume", outside = folder / "outside";
+};
+
+} // namespace
+
+TEST_F(HostileVolume, LeadsNowhereElse) {
+    if (std::system("strace -o /dev/null true 2>/dev/null") != 0)
+        GTEST_SKIP() << "nothing can be traced here";
+    const std::pair<const char*, std::string> links[] = {
+        {kUpdater, outside + "/secret"},
+        {kUpdater, "../../../outside/secret"},
+        {kUpdater, "/proc/self/root" + outside + "/secret"},
+        {kStatusFolder, outside},
+        {kStatusFolder, "../../../../../outside"},
+        {"Library/Preferences", outside},
+        {"Applications/Korvane", outside},
+        {"Applications", "../outside"},
+        {"Library", outside},
+    };
+    unsigned lost = 0;
+    for (const auto& [place, target] : links) {
+        SCOPED_TRACE(place + (" -> " + target));
+        const fs::path path = fs::path(volume) / place;
+        fs::remove_all(path);
+        fs::create_directories(path.parent_path());
+        fs::create_symlink(target, path);
+        const std::vector<std::string> stray = Stray();
+        EXPECT_THAT(stray, testing::IsEmpty());
+        lost += static_cast<unsigned>(stray.size());
+        fs::remove_all(path);
+    }
+    EXPECT_EQ(ReadBytes(outside + "/secret").size(), 66U);
+    EXPECT_EQ(std::distance(fs::directory_iterator(outside), {}), 2);
+    Tried("link on the volume that leads out of it", std::size(links), lost);
+}
