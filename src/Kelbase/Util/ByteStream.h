@@ -1,9 +1,9 @@
 #pragma once
 
 #include <Kelbase/IPP/IPP_util.h>
-#include <Kelbase/Util/ByteBuffer.h>
-#include <Kelbase/Util/ByteOrder.h>
 #include <Kelbase/Util/DataStream.h>
+#include <Kelbase/Util/detail/ByteBuffer.h>
+#include <Kelbase/Util/detail/ByteOrder.h>
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include <Kelbase/Util/ByteBuffer.h>
+#include <Kelbase/Util/detail/ByteBuffer.h>
 
 #include <algorithm>
 #include <new>
