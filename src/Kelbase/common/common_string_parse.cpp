@@ -3,9 +3,12 @@
 #include <Kelbase/common/detail/common_string_decimal.h>
 #include <Kelbase/common/detail/common_string_locale.h>
 
+#include <algorithm>
 #include <array>
+#include <climits>
+#include <cstddef>
 #include <cstdlib>
-#include <cstring>
+#include <iterator>
 #include <limits>
 
 namespace {
@@ -18,7 +21,8 @@ bool isAscii(const String& s) {
     return true;
 }
 
-unsigned short asciiForm(unsigned short unit, char decimalPoint) {
+/// Returns the ASCII character that a full-width digit or sign stands for, and every other unit as it is.
+unsigned short toAscii(unsigned short unit, char decimalPoint) {
     if (unit >= 0xFF10 && unit <= 0xFF19) return static_cast<unsigned short>(unit - 0xFF10 + '0');
     switch (unit) {
     case 0xFF0E: // full-width full stop
@@ -32,8 +36,8 @@ unsigned short asciiForm(unsigned short unit, char decimalPoint) {
     }
 }
 
-/// The text with both decimal separators made the locale's, and full-width digits and signs made ASCII. No
-/// text when the bytes are no UTF-8.
+/// Returns the text with the locale's decimal separator for both separators, and with full-width digits and
+/// signs as ASCII. Returns an empty text if the bytes are not UTF-8.
 String normalizeNumberString(const String& s) {
     if (s.GetLength() == 0) return s;
     const char decimalPoint = *localeDecimalPoint();
@@ -45,30 +49,38 @@ String normalizeNumberString(const String& s) {
 
     const shared_array<unsigned short> units = t.Unicode(1);
     if (!units) return {};
-    for (std::size_t i = 0; units[i] != 0; ++i) units[i] = asciiForm(units[i], decimalPoint);
+    for (std::size_t i = 0; units[i] != 0; ++i) units[i] = toAscii(units[i], decimalPoint);
     return String(units.get(), 1);
 }
 
-constexpr unsigned char noDigit = 99;
+/// What a byte is as a digit.
+struct Digit {
+    unsigned int rank; ///< The byte is a digit of every base above this number.
+    unsigned int value;
+};
 
-/// The value that each byte has as a digit of a base up to 36.
-constexpr std::array<unsigned char, 256> digitValues = [] {
-    std::array<unsigned char, 256> values{};
-    for (unsigned char& value : values) value = noDigit;
-    for (unsigned char i = 0; i < 10; ++i) values['0' + i] = i;
-    for (unsigned char i = 0; i < 26; ++i)
-        values['a' + i] = values['A' + i] = static_cast<unsigned char>(10 + i);
-    return values;
+/// The digits. The bytes between "Z" and "a", and those from "{" on, are digits of bases above 36. For the
+/// latter the rank is counted from "a", but the value from "A": their values are above the base.
+constexpr std::array<Digit, 256> kDigits = [] {
+    std::array<Digit, 256> digits{};
+    for (Digit& digit : digits) digit = {UINT_MAX, 0};
+    for (unsigned int c = '0'; c <= '9'; ++c) digits[c] = {c - '0', c - '0'};
+    for (unsigned int c = 'A'; c < 'a'; ++c) digits[c] = {c - 'A' + 10, c - 'A' + 10};
+    for (unsigned int c = 'a'; c <= 'z'; ++c) digits[c] = {c - 'a' + 10, c - 'a' + 10};
+    for (unsigned int c = 'z' + 1; c < 0x80; ++c) digits[c] = {c - 'a' + 10, c - 'A' + 10};
+    return digits;
 }();
 
-unsigned int digitValue(char c) { return digitValues[static_cast<unsigned char>(c)]; }
+const Digit& digitOf(const Char& c) { return kDigits[static_cast<unsigned char>(c)]; }
+
+bool checkCharInBase(const Char& c, unsigned int base) { return digitOf(c).rank < base; }
 
 const char* skipSpace(const char* p, const char* end) {
     while (p < end && Char(*p).IsSpace()) ++p;
     return p;
 }
 
-/// What a text says an integer is: nothing but white space around a sign and digits.
+/// An integer as its text gives it: white space around a sign and digits, and nothing else.
 template <typename U>
 struct Integer {
     U magnitude = 0;
@@ -76,20 +88,17 @@ struct Integer {
     bool isGood = false;
 };
 
-/// Reads the digits at `p`, which it moves behind them; what ends them may be the NUL behind the text. False
-/// when they make no `U`.
+/// Reads the digits at `p`, and moves `p` behind the last one. The text ends with a byte that is no digit,
+/// such as its NUL. Returns false if the number does not fit `U`.
 template <typename U>
 bool scanUInt(const char*& p, unsigned int base, U& value) {
     constexpr U largest = std::numeric_limits<U>::max();
+    const unsigned long long mostBeforeDigit = largest / base;
     unsigned long long sum = 0;
-    for (unsigned int digit; (digit = digitValue(*p)) < base; ++p) {
-        if constexpr (sizeof(U) < sizeof sum) {
-            sum = sum * base + digit;
-            if (sum > largest) return false;
-        } else {
-            if (sum > largest / base || (sum == largest / base && digit > largest % base)) return false;
-            sum = sum * base + digit;
-        }
+    for (; checkCharInBase(*p, base); ++p) {
+        const unsigned int digit = digitOf(*p).value;
+        if (sum > mostBeforeDigit || digit > largest - sum * base) return false;
+        sum = sum * base + digit;
     }
     value = static_cast<U>(sum);
     return true;
@@ -100,25 +109,25 @@ Integer<U> readInteger(const String& s, unsigned int base, bool minusAllowed) {
     Integer<U> number;
     const char* p = s.Latin1();
     const char* const end = p + s.GetLength();
-    if (digitValue(*p) >= base) { // most texts begin with a digit
+    if (!checkCharInBase(*p, base)) { // most texts begin with a digit
         p = skipSpace(p, end);
         if (p < end && (*p == '+' || (minusAllowed && *p == '-'))) number.minus = *p++ == '-';
-        if (digitValue(*p) >= base) return number;
+        if (!checkCharInBase(*p, base)) return number;
     }
-    number.isGood = scanUInt(p, base, number.magnitude) && (p == end || skipSpace(p, end) == end);
+    number.isGood = scanUInt(p, base, number.magnitude) && skipSpace(p, end) == end;
     return number;
 }
 
-/// Out of the way of those that most texts take.
+/// Not inlined: few texts need this way.
 template <typename U>
 [[gnu::noinline]] Integer<U> readNormalizedInteger(const String& s, unsigned int base, bool minusAllowed) {
     return isAscii(s) ? Integer<U>() : readInteger<U>(normalizeNumberString(s), base, minusAllowed);
 }
 
-/// Normalising changes no digit, sign or white space of ASCII: only a text with others is read again.
+/// The normaliser changes no digit, sign or white space of ASCII, so only a text with other bytes is read
+/// again.
 template <typename U>
 Integer<U> parseInteger(const String& s, unsigned int base, bool minusAllowed) {
-    if (base > 36) return {};
     const Integer<U> number = readInteger<U>(s, base, minusAllowed);
     return number.isGood ? number : readNormalizedInteger<U>(s, base, minusAllowed);
 }
@@ -130,7 +139,7 @@ U toUInt(bool* ok, unsigned int base, const String& s) {
     return number.isGood ? number.magnitude : 0;
 }
 
-// Each width has accepted ranges of its own, which callers have come to rely on.
+// Each width accepts a range of its own. Callers rely on these ranges.
 
 int fromMagnitude(unsigned int magnitude, bool minus, bool& good) {
     good = magnitude <= 2147483647u + (minus ? 1u : 0u);
@@ -138,7 +147,7 @@ int fromMagnitude(unsigned int magnitude, bool minus, bool& good) {
 }
 
 short fromMagnitude(unsigned short magnitude, bool minus, bool& good) {
-    good = minus || magnitude <= 32767; // behind "-" any 16 bits are taken, and cut
+    good = minus || magnitude <= 32767; // any 16 bits after "-", cut to a short
     return static_cast<short>(minus ? -magnitude : magnitude);
 }
 
@@ -177,63 +186,85 @@ unsigned long long String::ToUInt64(bool* ok, unsigned int base) const {
 
 namespace {
 
-/// A decimal number as it is written in most texts: digits, perhaps a separator among them, perhaps an
-/// exponent.
+/// A decimal number in its usual notation: an integer and a power of ten.
 struct PlainDecimal {
     unsigned long long digits = 0;
     int exponent = 0;
     bool minus = false;
 };
 
-/// Reads a whole text; false for anything that is not so plain, be it a number or none.
-bool readPlain(const char* p, const char* end, PlainDecimal& number) {
-    p = skipSpace(p, end);
-    if (p < end && (*p == '-' || *p == '+')) number.minus = *p++ == '-';
-    int count = 0, behindSeparator = 0;
-    bool separated = false;
-    for (; p < end; ++p) {
-        const unsigned int digit = static_cast<unsigned char>(*p) - unsigned{'0'};
-        if (digit < 10) {
-            number.digits = number.digits * 10 + digit;
-            ++count;
-            behindSeparator += separated;
-        } else if ((*p == '.' || *p == ',') && !separated) {
-            separated = true;
-        } else {
-            break;
-        }
-    }
-    if (count == 0 || count > 19) return false;
-    if (p < end && (*p == 'e' || *p == 'E')) {
-        ++p;
-        const bool minus = p < end && *p == '-';
-        if (p < end && (*p == '-' || *p == '+')) ++p;
-        if (p == end || end - p > 3) return false;
-        for (unsigned int digit; p < end && (digit = static_cast<unsigned char>(*p) - unsigned{'0'}) < 10;
-             ++p)
-            number.exponent = number.exponent * 10 + static_cast<int>(digit);
-        if (minus) number.exponent = -number.exponent;
-    }
-    number.exponent -= behindSeparator;
-    return skipSpace(p, end) == end;
+bool isDecimalDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// Reads a sign, if there is one. Returns whether it is a minus.
+bool readSign(const char*& p) {
+    if (*p != '-' && *p != '+') return false;
+    return *p++ == '-';
 }
 
-/// The double nearest to the text, where one operation is certain to give it: on a whole number and a power
-/// of ten that are doubles themselves.
-bool readExactly(const String& s, double& value) {
-    static constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                             1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                             1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+/// Appends the digits at `p` to `number`. Returns how many digits there are.
+std::ptrdiff_t readDigits(const char*& p, unsigned long long& number) {
+    const char* const first = p;
+    for (; isDecimalDigit(*p); ++p) number = number * 10 + static_cast<unsigned int>(*p - '0');
+    return p - first;
+}
+
+/// Reads digits with at most one separator among them. Returns false if there are none, or more than 64 bits
+/// can hold.
+bool readMantissa(const char*& p, PlainDecimal& number) {
+    std::ptrdiff_t count = readDigits(p, number.digits);
+    if (*p == '.' || *p == ',') {
+        const std::ptrdiff_t fraction = readDigits(++p, number.digits);
+        number.exponent = -static_cast<int>(std::min<std::ptrdiff_t>(fraction, 20));
+        count += fraction;
+    }
+    return count > 0 && count <= std::numeric_limits<unsigned long long>::digits10;
+}
+
+/// Reads an exponent of one to three digits, if there is an exponent. Returns false for any other.
+bool readExponent(const char*& p, PlainDecimal& number) {
+    if (*p != 'e' && *p != 'E') return true;
+    ++p;
+    const bool minus = readSign(p);
+    unsigned long long exponent = 0;
+    const std::ptrdiff_t count = readDigits(p, exponent);
+    if (count < 1 || count > 3) return false;
+    number.exponent += minus ? -static_cast<int>(exponent) : static_cast<int>(exponent);
+    return true;
+}
+
+/// Reads a whole text, which a NUL ends. Returns false for every text that has another notation, a number or
+/// not.
+bool readPlain(const char* p, const char* end, PlainDecimal& number) {
+    p = skipSpace(p, end);
+    number.minus = readSign(p);
+    return readMantissa(p, number) && readExponent(p, number) && skipSpace(p, end) == end;
+}
+
+/// Powers of ten that a double holds exactly.
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kLargestPower = static_cast<int>(std::size(kPowersOfTen)) - 1;
+constexpr unsigned long long kLargestExactInteger = 1ull << std::numeric_limits<double>::digits;
+
+/// Returns whether the normaliser turns both separators, and no other character, into the separator of
+/// `strtod`.
+bool isUsualLocale() {
     const char* const point = localeDecimalPoint();
-    if ((*point != '.' && *point != ',') || point[1] != '\0' || g_chDecimalPoint != '.') return false;
+    return (*point == '.' || *point == ',') && point[1] == '\0' && g_chDecimalPoint == '.';
+}
+
+/// Reads a text that needs one multiplication or division of doubles that are exact, and so is rounded once,
+/// as `strtod` rounds. Returns false for every other text.
+bool readExactly(const String& s, double& value) {
+    if (!isUsualLocale()) return false;
     PlainDecimal number;
-    if (!readPlain(s.Latin1(), s.Latin1() + s.GetLength(), number) || number.digits > 1ull << 53 ||
-        number.exponent < -22 || number.exponent > 22)
-        return false;
-    const double digits = static_cast<double>(number.digits);
-    value =
-        number.exponent < 0 ? digits / powersOfTen[-number.exponent] : digits * powersOfTen[number.exponent];
-    if (number.minus) value = -value;
+    if (!readPlain(s.Latin1(), s.Latin1() + s.GetLength(), number)) return false;
+    if (number.digits > kLargestExactInteger) return false;
+    if (number.exponent < -kLargestPower || number.exponent > kLargestPower) return false;
+    const double magnitude = static_cast<double>(number.digits);
+    const double digits = number.minus ? -magnitude : magnitude;
+    value = number.exponent < 0 ? digits / kPowersOfTen[-number.exponent]
+                                : digits * kPowersOfTen[number.exponent];
     return true;
 }
 
@@ -254,6 +285,6 @@ double String::ToDouble(bool* ok) const {
     return value;
 }
 
-// What is too large for a float becomes infinite, as IEEE 754 has it, and is not undefined.
+// IEEE 754 defines the conversion of a double that is too large for a float: it becomes infinite.
 static_assert(std::numeric_limits<float>::is_iec559);
 float String::ToFloat(bool* ok) const { return static_cast<float>(ToDouble(ok)); }

@@ -43,8 +43,13 @@ TEST(StringParse, ReadsWholeTextOrNothing) {
                         {"0", 0, false, 0},
                         {"000", 1, true, 0},
                         {"1", 1, false, 0},
-                        {"7", 37, false, 0},
-                        {"7", UINT_MAX, false, 0}};
+                        {"2", 37, true, 2},
+                        {"z", 37, true, 35},
+                        {"10", 40, true, 40},
+                        {"^", 40, true, 39},
+                        {"_", 40, false, 0},
+                        {"{", 37, true, 68},
+                        {"7", UINT_MAX, true, 7}};
     for (const Row& row : rows) {
         bool ok = !row.ok;
         EXPECT_EQ(String(row.text).ToInt(&ok, row.base), row.value) << row.text;
@@ -115,6 +120,10 @@ TEST_P(StringParseReal, TakesPointAndComma) {
                         {"  ", false, 0},
                         {"1.5x", false, 0},
                         {"1.5 x", false, 0},
+                        {"5e ", false, 0},
+                        {"3,5e+\t", false, 0},
+                        {".5e\n", false, 0},
+                        {"5e1 ", true, 50},
                         {"inf", true, INFINITY},
                         {"\xEF\xBC\x91\xE3\x80\x82\xEF\xBC\x92", true, 1.2},
                         {"\xEF\xBC\2151\xEF\xBC\2165", true, -1.5},
