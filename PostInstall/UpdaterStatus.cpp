@@ -7,37 +7,34 @@
 #include <Kelbase/Util/File.h>
 #include <Kelbase/common/common_path.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <new>
 #include <vector>
 
 namespace {
 
-enum UpdateInterval : int { never = 0, byDefault = 2 };
+enum UpdateInterval : int { kNever = 0, kDefault = 2 };
 
 unsigned int low32BitsOfSize(const Util::File& file) {
     const unsigned long long size = file.Size();
     return static_cast<unsigned int>(size);
 }
 
-/// The file's text up to its first NUL.
-String readWhole(Util::File& file) {
+/// Returns the file's text up to its first NUL. Throws FileIO if the file has become shorter since its size
+/// was taken, and ignores what has been added since.
+String readText(Util::File& file) {
     file.Open(Util::File::Read);
     const unsigned int size = low32BitsOfSize(file);
-    const std::size_t room = std::size_t{size} + 1;
-    if (room == 0) throw std::bad_alloc(); // the terminator does not fit the address space
-    std::vector<char> text;
-    text.resize(room);
-    // The size is taken again, since the updater may be writing; what was added since is left out.
-    file.ReadBlock(text.data(), std::min(size, low32BitsOfSize(file)));
-    text.back() = 0;
+    const std::size_t capacity = std::size_t{size} + 1;
+    if (capacity == 0) throw std::bad_alloc(); // the terminator does not fit the address space
+    std::vector<char> text(capacity);
+    file.ReadBlock(text.data(), size);
     file.Close();
     return String(text.data());
 }
 
 UpdateInterval readInterval(Util::File& file) {
-    return readWhole(file).Left(14) == String("UpdatesEnabled") ? byDefault : never;
+    return readText(file).Left(14) == String("UpdatesEnabled") ? kDefault : kNever;
 }
 
 void storeInterval(UpdateInterval interval) {
@@ -70,5 +67,5 @@ void SetUpdateIntervalFromStatusFile() {
     } catch (const Util::Exception::FileIO& failure) {
         storeFailure(failure);
     }
-    if (!intervalWritten) storeInterval(byDefault);
+    if (!intervalWritten) storeInterval(kDefault);
 }

@@ -5,13 +5,27 @@
 #include "support/TracedChild.h"
 #include "support/Tried.h"
 
+#include <dlfcn.h>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <gmock/gmock.h>
 #include <macplatform/FinderFlags.h>
 #include <macplatform/Journal.h>
 #include <sys/stat.h>
 #include <utility>
+
+/// Called once, after the next `fstat` of this process.
+static std::function<void()> gAfterNextFstat;
+
+// In the place of the C library's. 32-bit code calls it by its name for large files.
+extern "C" int fstat(int file, struct stat* status) noexcept {
+    using Fstat = int (*)(int, struct stat*);
+    const char* const name = sizeof(long) == 4 ? "fstat64" : "fstat";
+    const int result = reinterpret_cast<Fstat>(dlsym(RTLD_NEXT, name))(file, status);
+    if (const std::function<void()> act = std::exchange(gAfterNextFstat, nullptr)) act();
+    return result;
+}
 
 namespace {
 
@@ -157,6 +171,23 @@ TEST_F(PostInstallStep, StatusFileMayShrinkWhileItIsRead) {
     EXPECT_EQ(lost, 0U);
     EXPECT_GT(noted, 0U);
     Tried("status file cut at a system call of its reader", stop, lost);
+}
+
+/// The file gets its new size right after the step has taken its size for the first time.
+TEST_F(PostInstallStep, FirstSizeOfTheStatusFileCounts) {
+    const std::string text = "UpdatesEnabled" + std::string(100, '.');
+    const auto deliverWithSize = [&](std::uintmax_t size) {
+        WriteStatus(text);
+        fs::remove_all(OnVolume("/Library/Preferences"));
+        gAfterNextFstat = [&] { fs::resize_file(OnVolume(statusFile), size); };
+        EXPECT_EQ(Deliver({3}), 0U);
+        EXPECT_FALSE(gAfterNextFstat) << "nothing took the size";
+        return Preferences(updater);
+    };
+    EXPECT_THAT(deliverWithSize(4),
+                testing::UnorderedElementsAre(
+                    "InstallStatus = \"Attempt to read 114 bytes, only read 4 bytes\"", enabled));
+    EXPECT_EQ(deliverWithSize(100000), Texts{enabled});
 }
 
 TEST_F(PostInstallStep, SizeCountsModulo4GiB) {
