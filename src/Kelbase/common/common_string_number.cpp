@@ -18,8 +18,8 @@ using Width = checked_value<unsigned int>;
 
 unsigned int usableBase(unsigned int base) { return base < 2 || base > 36 ? 10 : base; }
 
-// Whatever becomes a text, or a part of one, tells its length and then adds itself: a result is written once,
-// where it stays.
+// A part of a text knows its length and appends itself to a builder, so that a result is written once, in its
+// place.
 
 struct TextPart {
     std::string_view bytes;
@@ -28,7 +28,7 @@ struct TextPart {
     void AddTo(StringBuilder& text) const { text.Add(bytes); }
 };
 
-/// The digits of an integer, "0" before them up to a width, and the sign before all.
+/// The digits of an integer, with zeros before them up to a width, and with the sign before the zeros.
 class IntegerPart {
 public:
     IntegerPart(unsigned long long m, bool negative, unsigned int b, const Width& width)
@@ -61,9 +61,10 @@ private:
     bool minus;
 };
 
-/// The template with `part` in the place of its placeholder, or behind it when it has none.
+/// Returns the template with `part` in place of its placeholder, or with `part` appended if it has no
+/// placeholder.
 template <typename Part>
-String filled(const String& pattern, const Part& part) {
+String fill(const String& pattern, const Part& part) {
     const std::string_view bytes(pattern.Latin1(), pattern.GetLength());
     const std::size_t before = std::min(text_scan::LowestPlaceholder(bytes), bytes.size());
     const std::size_t after = std::min(before + 2, bytes.size());
@@ -80,36 +81,40 @@ String textOf(const Part& part) {
     return text.Finish();
 }
 
-// What a part is wanted for.
+// What a formatter does with the part that it has made.
 
-struct MakeText {
+struct ToText {
     template <typename Part>
     String operator()(const Part& part) const {
         return textOf(part);
     }
 };
-struct Fill {
-    explicit Fill(const String& p) : pattern(p) {}
+class ToTemplate {
+public:
+    explicit ToTemplate(const String& p) : pattern(p) {}
     template <typename Part>
     String operator()(const Part& part) const {
-        return filled(pattern, part);
+        return fill(pattern, part);
     }
+
+private:
     const String& pattern;
 };
 
-// A `long` counts as 32 bits wide wherever its value fits them; a wider one is written whole.
+// A `long` counts as 32 bits wide if its value fits 32 bits. A wider value is written whole.
 bool fitsInt(long v) { return v >= INT_MIN && v <= INT_MAX; }
 
-/// Hands `use` the part that a number is written as, and answers what it answers.
+// The formatters pass a part to `use` and return its result.
+
 template <typename Use>
-String withPart(unsigned long v, unsigned int base, const Width& width, Use use) {
+String formatInteger(unsigned long v, unsigned int base, const Width& width, Use use) {
     return use(IntegerPart(v, false, usableBase(base), width));
 }
 template <typename Use>
-String withPart(long v, unsigned int base, const Width& width, Use use) {
+String formatInteger(long v, unsigned int base, const Width& width, Use use) {
     const unsigned long magnitude = v < 0 ? 0 - static_cast<unsigned long>(v) : static_cast<unsigned long>(v);
     if (v != INT_MIN || !width.IsGiven()) return use(IntegerPart(magnitude, v < 0, usableBase(base), width));
-    // The one int without a positive twin is written in two pieces, and the width pads each.
+    // The smallest int is written in two pieces, and each is padded to the width.
     checkedLength(2ull * width + 1);
     base = usableBase(base);
     const String pieces = textOf(IntegerPart(magnitude / base, true, base, width)) +
@@ -117,17 +122,17 @@ String withPart(long v, unsigned int base, const Width& width, Use use) {
     return use(TextPart{std::string_view(pieces.Latin1(), pieces.GetLength())});
 }
 template <typename Use>
-String withPart(unsigned long long v, unsigned int base, const Width& width, Use use) {
+String formatInteger(unsigned long long v, unsigned int base, const Width& width, Use use) {
     return use(IntegerPart(v, false, base == 16 ? 16 : 10, width));
 }
 template <typename Use>
-String withPart(long long v, unsigned int base, const Width& width, Use use) {
+String formatInteger(long long v, unsigned int base, const Width& width, Use use) {
     const auto bits = static_cast<unsigned long long>(v);
     const bool minus = v < 0 && base != 16;
     return use(IntegerPart(minus ? 0 - bits : bits, minus, base == 16 ? 16 : 10, width));
 }
 template <typename Use>
-String withPart(double v, unsigned int precision, const checked_value<unsigned int>& format, Use use) {
+String formatFloat(double v, unsigned int precision, const checked_value<unsigned int>& format, Use use) {
     const FloatText text(v, precision, format);
     if (g_chDecimalPoint == '.') return use(TextPart{text.View()});
     const String pointed = textOf(TextPart{text.View()}).StripWhiteSpace().ReplaceChar('.', g_chDecimalPoint);
@@ -136,65 +141,65 @@ String withPart(double v, unsigned int precision, const checked_value<unsigned i
 
 } // namespace
 
-String String::Arg(const String& a) const { return filled(*this, TextPart{a.Bytes()}); }
-String String::Arg(char c) const { return filled(*this, TextPart{std::string_view(&c, 1)}); }
+String String::Arg(const String& a) const { return fill(*this, TextPart{a.Bytes()}); }
+String String::Arg(char c) const { return fill(*this, TextPart{std::string_view(&c, 1)}); }
 String String::Arg(const Char& c) const { return Arg(static_cast<char>(c)); }
 
 String String::Arg(int v, unsigned int base, const Width& width) const {
     if (base == 16) return Arg(static_cast<unsigned int>(v), base, width);
-    return withPart(long{v}, base, width, Fill(*this));
+    return formatInteger(long{v}, base, width, ToTemplate(*this));
 }
 String String::Arg(long v, unsigned int base, const Width& width) const {
     if (fitsInt(v)) return Arg(static_cast<int>(v), base, width);
     if (base == 16) return Arg(static_cast<unsigned long>(v), base, width);
-    return withPart(v, base, width, Fill(*this));
+    return formatInteger(v, base, width, ToTemplate(*this));
 }
 String String::Arg(short v, unsigned int base, const Width& width) const {
-    return withPart(long{v}, base, width, Fill(*this));
+    return formatInteger(long{v}, base, width, ToTemplate(*this));
 }
 String String::Arg(unsigned short v, unsigned int base, const Width& width) const {
-    return withPart(long{v}, base, width, Fill(*this));
+    return formatInteger(long{v}, base, width, ToTemplate(*this));
 }
 String String::Arg(unsigned int v, unsigned int base, const Width& width) const {
-    return withPart(static_cast<unsigned long>(v), base, width, Fill(*this));
+    return formatInteger(static_cast<unsigned long>(v), base, width, ToTemplate(*this));
 }
 String String::Arg(unsigned long v, unsigned int base, const Width& width) const {
-    return withPart(v, base, width, Fill(*this));
+    return formatInteger(v, base, width, ToTemplate(*this));
 }
 String String::Arg(long long v, unsigned int base, const Width& width) const {
-    return withPart(v, base, width, Fill(*this));
+    return formatInteger(v, base, width, ToTemplate(*this));
 }
 String String::Arg(unsigned long long v, unsigned int base, const Width& width) const {
-    return withPart(v, base, width, Fill(*this));
+    return formatInteger(v, base, width, ToTemplate(*this));
 }
 String String::Arg(double v, unsigned int precision, const checked_value<unsigned int>& format) const {
-    return withPart(v, precision, format, Fill(*this));
+    return formatFloat(v, precision, format, ToTemplate(*this));
 }
 String String::Arg(float v, unsigned int precision, const checked_value<unsigned int>& format) const {
-    return withPart(double{v}, precision, format, Fill(*this));
+    return formatFloat(double{v}, precision, format, ToTemplate(*this));
 }
 
 String String::Number(int v, unsigned int base, const Width& width) {
-    return withPart(long{v}, base, width, MakeText());
+    return formatInteger(long{v}, base, width, ToText());
 }
 String String::Number(unsigned int v, unsigned int base, const Width& width) {
-    return withPart(static_cast<unsigned long>(v), base, width, MakeText());
+    return formatInteger(static_cast<unsigned long>(v), base, width, ToText());
 }
 String String::Number(long v, unsigned int base, const Width& width) {
-    return withPart(v, base, width, MakeText());
+    return formatInteger(v, base, width, ToText());
 }
 String String::Number(unsigned long v, unsigned int base, const Width& width) {
-    return withPart(v, base, width, MakeText());
+    return formatInteger(v, base, width, ToText());
 }
 String String::Number(long long v, unsigned int base, const Width& width) {
-    return withPart(v, base, width, MakeText());
+    return formatInteger(v, base, width, ToText());
 }
 String String::Number(unsigned long long v, unsigned int base, const Width& width) {
-    return withPart(v, base, width, MakeText());
+    return formatInteger(v, base, width, ToText());
 }
 String String::Number(double v, unsigned int precision, const checked_value<unsigned int>& format) {
-    return withPart(v, precision, format, MakeText());
+    return formatFloat(v, precision, format, ToText());
 }
 String String::Number(float v, unsigned int precision, const checked_value<unsigned int>& format) {
-    return withPart(double{v}, precision, format, MakeText());
+    return formatFloat(double{v}, precision, format, ToText());
 }
