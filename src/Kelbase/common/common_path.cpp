@@ -16,17 +16,26 @@ using text_scan::IsSeparator;
 
 std::string_view view(const String& s) { return {s.Latin1(), s.GetLength()}; }
 
-/// The hook of platforms that keep short names beside the long ones.
+/// Returns the text. A platform that keeps short names beside the long ones expands them here.
 const String& convertToLongPath(const String& s) { return s; }
 
-bool isRelative(const String& s) { return s.GetLength() > 0 && !IsSeparator(*s.Latin1()); }
+char slashify(char c) { return c == '\\' ? '/' : c; }
 
-/// Whether simplifying its white space would leave nothing.
+/// Writes the text to `out` with "/" for every "\". Returns what it wrote.
+std::string_view convertSeparators(std::string_view s, char* out) {
+    std::transform(s.begin(), s.end(), out, slashify);
+    return {out, s.size()};
+}
+
+bool isRelative(const String& s) { return s.GetLength() > 0 && slashify(*s.Latin1()) != '/'; }
+
+/// Returns whether `SimplifyWhiteSpace` would leave nothing.
 bool isBlank(std::string_view s) {
     return std::all_of(s.begin(), s.end(), [](char c) { return Char(c).IsSpace(); });
 }
 
-String convertRelative(const String& s) {
+/// Returns the absolute path. The flag has no meaning on this platform.
+String convertRelative(const String& s, bool /*flag*/) {
     if (!isRelative(s)) return s;
     const char* const text = s.Latin1();
     if (text[0] == '~' && (text[1] == '\0' || IsSeparator(text[1]))) {
@@ -37,7 +46,7 @@ String convertRelative(const String& s) {
     return (getcwd(folder, sizeof folder - 1) ? String(folder) + "/" : String("/")) + s;
 }
 
-/// Whether the name reads as "..": up to a NUL, as texts compare.
+/// Returns whether the name is "..", up to its first NUL, where comparisons of `String` end.
 bool isParent(std::string_view name) {
     return name.substr(0, 2) == ".." && (name.size() == 2 || name[2] == '\0');
 }
@@ -51,10 +60,10 @@ std::size_t leadingSeparators(std::string_view s) {
     return static_cast<std::size_t>(std::find_if_not(s.begin(), s.end(), IsSeparator) - s.begin());
 }
 
-/// Memory for the clean form of one path: that of the caller's stack unless the path is long.
-class Scratch {
+/// Memory for one path: on the stack, or on the heap for a long path.
+class PathMemory {
 public:
-    char* Room(std::size_t n) {
+    char* Take(std::size_t n) {
         if (n <= sizeof small) return small;
         large = std::make_unique<char[]>(n);
         return large.get();
@@ -65,57 +74,82 @@ private:
     std::unique_ptr<char[]> large;
 };
 
-/// Names between single "/", each ".." gone together with the name before it. Written to `out`, which has
-/// room for one byte more than the text.
+/// A list of names, kept as one text with "/" between two names.
+class JoinedNames {
+public:
+    /// A list of empty names, two at most. The text is written to `out`.
+    JoinedNames(char* out, std::size_t emptyNames) : begin(out), end(out), count(emptyNames) {
+        if (count == 2) *end++ = '/';
+    }
+
+    std::size_t Count() const { return count; }
+    std::string_view Text() const { return {begin, static_cast<std::size_t>(end - begin)}; }
+
+    /// Appends the first name of `text` and returns it.
+    std::string_view Append(std::string_view text) {
+        if (count > 0) *end++ = '/';
+        ++count;
+        char* const name = end;
+        end += text_scan::CopyName(text, name);
+        return {name, static_cast<std::size_t>(end - name)};
+    }
+    void RemoveLast() {
+        --count;
+        end = begin + (count > 0 ? text_scan::LastSeparator(Text()) : 0);
+    }
+
+private:
+    char* const begin;
+    char* end;
+    std::size_t count;
+};
+
+/// Writes the names of `s` to `out`, with one "/" between two names, and without each ".." and the name
+/// before it. `out` holds one byte more than the text.
 ///
-/// The name that follows such a ".." is taken over unseen, so that of two in a row the second one stays. A
-/// separator at the start stands behind an empty name, two or more behind two; a ".." takes these away as
-/// well. What has been written is never longer than what has been read.
+/// A separator at the start follows an empty name, two or more separators follow two empty names. A ".."
+/// removes an empty name as well. The name after a removed ".." is not examined, so that the second one of
+/// two ".." in a row stays.
 std::string_view cleanDirPath(std::string_view s, char* const out) {
     if (s.empty()) return {};
     s = withoutTrailingSeparators(s);
     if (s.empty()) return "/";
 
-    const char* p = s.data() + leadingSeparators(s);
-    const char* const last = s.data() + s.size();
-    std::size_t count = std::min<std::size_t>(leadingSeparators(s), 2);
-    char* end = out;
-    if (count == 2) *end++ = '/'; // `count` names joined
-    for (bool examine = true; p < last;) {
-        const std::string_view before(out, static_cast<std::size_t>(end - out));
-        if (count > 0) *end++ = '/';
-        const std::size_t size = text_scan::CopyName({p, static_cast<std::size_t>(last - p)}, end);
-        const std::string_view name(end, size);
-        end += size;
-        p += size;
-        while (p < last && IsSeparator(*p)) ++p;
-        if (examine && count > 0 && isParent(name)) {
-            end = out + (--count > 0 ? text_scan::LastSeparator(before) : 0);
-            examine = false;
-        } else {
-            ++count;
-            examine = true;
+    JoinedNames names(out, std::min<std::size_t>(leadingSeparators(s), 2));
+    bool isExamined = true;
+    for (s.remove_prefix(leadingSeparators(s)); !s.empty(); s.remove_prefix(leadingSeparators(s))) {
+        const std::string_view name = names.Append(s);
+        s.remove_prefix(name.size());
+        const bool isRemoved = isExamined && names.Count() > 1 && isParent(name);
+        if (isRemoved) {
+            names.RemoveLast();
+            names.RemoveLast();
         }
+        isExamined = !isRemoved;
     }
-    return {out, static_cast<std::size_t>(end - out)};
+    return names.Text();
 }
 
-/// The canonical form of `s` less the "/" that ends it: a part of `s` where that is clean, else in `scratch`.
-std::string_view canonicalStem(const String& s, Scratch& scratch) {
+/// Returns the canonical form of `s` without the "/" that ends it: a part of `s` if that is clean, otherwise
+/// in `memory`.
+std::string_view canonicalize(const String& s, PathMemory& memory) {
     const auto withoutSlashes = [](std::string_view text) {
         while (!text.empty() && text.back() == '/') text.remove_suffix(1);
         return text;
     };
-    const std::string_view stem = withoutSlashes(view(s));
-    if (!text_scan::HasDirtyPath(stem)) return stem; // some clean ones are not recognised
-    return withoutSlashes(cleanDirPath(view(s), scratch.Room(s.GetLength() + std::size_t{1})));
+    const std::string_view text = view(s);
+    const std::string_view stem = withoutSlashes(text);
+    if (!text_scan::HasDirtyPath(stem)) return stem; // some clean paths count as dirty
+    PathMemory converted;
+    const std::string_view slashed = convertSeparators(text, converted.Take(text.size()));
+    return withoutSlashes(cleanDirPath(slashed, memory.Take(text.size() + 1)));
 }
 
-/// As strcmp orders the canonical forms of two paths, capital letters read as small ones.
+/// Compares the canonical forms of two paths as strcmp does, with "A"-"Z" folded to "a"-"z".
 int compare(const String& a, const String& b) {
-    Scratch scratchA, scratchB;
-    const std::string_view stemA = canonicalStem(convertToLongPath(a), scratchA);
-    const std::string_view stemB = canonicalStem(convertToLongPath(b), scratchB);
+    PathMemory memoryA, memoryB;
+    const std::string_view stemA = canonicalize(convertToLongPath(a), memoryA);
+    const std::string_view stemB = canonicalize(convertToLongPath(b), memoryB);
     const auto at = [](std::string_view stem, std::size_t i) -> int {
         if (i >= stem.size()) return i == stem.size() ? '/' : '\0';
         return static_cast<unsigned char>(Char(stem[i]).ToLower());
@@ -128,9 +162,9 @@ int compare(const String& a, const String& b) {
 }
 
 bool areEqual(const String& a, const String& b) {
-    Scratch scratchA, scratchB;
-    const std::string_view stemA = canonicalStem(convertToLongPath(a), scratchA);
-    const std::string_view stemB = canonicalStem(convertToLongPath(b), scratchB);
+    PathMemory memoryA, memoryB;
+    const std::string_view stemA = canonicalize(convertToLongPath(a), memoryA);
+    const std::string_view stemB = canonicalize(convertToLongPath(b), memoryB);
     if (stemA.size() == stemB.size()) return text_scan::EqualFolded(stemA.data(), stemB.data(), stemA.size());
     const auto hasNul = [](std::string_view s) { return s.find('\0') != s.npos; };
     return (hasNul(stemA) || hasNul(stemB)) && compare(a, b) == 0;
@@ -138,14 +172,14 @@ bool areEqual(const String& a, const String& b) {
 
 bool hasDrive(std::string_view s) { return s.size() >= 2 && s[1] == ':'; }
 
-/// The last name.
+/// Returns the last name.
 std::string_view getFile(std::string_view s) {
     s = withoutTrailingSeparators(s);
     const std::size_t p = text_scan::LastSeparator(s);
     return s.substr(p != s.npos ? p + 1 : hasDrive(s) ? 2 : 0);
 }
 
-/// What follows the last "." of the last name; empty when it has none.
+/// Returns what follows the last "." of a name. The result is empty if there is no ".".
 std::string_view getFileExtension(std::string_view file) {
     const std::size_t dot = file.rfind('.');
     return dot == file.npos ? std::string_view() : file.substr(dot + 1);
@@ -153,12 +187,12 @@ std::string_view getFileExtension(std::string_view file) {
 
 std::string_view getFileBaseName(std::string_view file) { return file.substr(0, file.rfind('.')); }
 
-/// A part of the text as a text.
+/// Returns a part of the text as a `String`.
 String slice(const String& s, std::string_view part) {
     return s.Mid(static_cast<unsigned int>(part.data() - s.Latin1()), static_cast<unsigned int>(part.size()));
 }
 
-/// Everything before the last name.
+/// Returns everything before the last name.
 String getDirectory(const String& s) {
     const std::string_view text = withoutTrailingSeparators(view(s));
     const std::size_t p = text_scan::LastSeparator(text);
@@ -170,8 +204,8 @@ String getDirectory(const String& s) {
 
 } // namespace
 
-void FilePath::construct(const String& text, bool) {
-    internal = isBlank(view(text)) ? String() : convertRelative(text);
+void FilePath::construct(const String& text, bool flag) {
+    internal = isBlank(view(text)) ? String() : convertRelative(text, flag);
 }
 
 bool FilePath::IsRelative(const String& text) { return isRelative(text); }
@@ -186,7 +220,7 @@ FolderPath FilePath::GetFolder() const {
     const std::string_view path = view(internal);
     const std::string_view file = getFile(path);
     const std::size_t end = static_cast<std::size_t>(file.data() - path.data());
-    // In most paths the folder ends with the separator before the file, and is absolute as it stands.
+    // The usual path: the folder ends with the separator before the file, and is absolute.
     if (end > 1 && IsSeparator(path[0]) && path[end - 1] == '/' && !IsSeparator(path[end - 2])) {
         FolderPath folder;
         folder.internal = internal.Left(static_cast<unsigned int>(end));
@@ -197,8 +231,8 @@ FolderPath FilePath::GetFolder() const {
 
 String FilePath::ToString() const {
     const String& path = convertToLongPath(internal);
-    Scratch scratch;
-    const std::string_view stem = canonicalStem(path, scratch);
+    PathMemory memory;
+    const std::string_view stem = canonicalize(path, memory);
     if (stem.data() == path.Latin1() && stem.size() == path.GetLength()) return path;
     return StringBuilder(stem.size()).Add(stem).Finish();
 }
@@ -208,8 +242,8 @@ FolderPath::FolderPath(const String& text, bool flag) : internal(FilePath(text, 
 }
 
 bool FolderPath::IsTopLevel() const {
-    Scratch scratch;
-    const std::string_view stem = canonicalStem(internal, scratch);
+    PathMemory memory;
+    const std::string_view stem = canonicalize(internal, memory);
     return stem.empty() || stem == ".";
 }
 
@@ -223,8 +257,8 @@ FolderPath FolderPath::GetParent() const {
 
 String FolderPath::ToString() const {
     const String& path = convertToLongPath(internal);
-    Scratch scratch;
-    const std::string_view stem = canonicalStem(path, scratch);
+    PathMemory memory;
+    const std::string_view stem = canonicalize(path, memory);
     if (stem.data() == path.Latin1() && stem.size() + 1 == path.GetLength()) return path;
     return StringBuilder(stem.size() + 1).Add(stem).Add('/').Finish();
 }
