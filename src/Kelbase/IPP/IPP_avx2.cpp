@@ -22,7 +22,11 @@ bool isSupported() {
     const unsigned int wanted = bit_FMA | bit_OSXSAVE | bit_AVX;
     if (!__get_cpuid(1, &eax, &ebx, &ecx, &edx) || (ecx & wanted) != wanted) return false;
     if ((savedRegisters() & 6) != 6) return false;
-    return __get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) && (ebx & bit_AVX2);
+    constexpr unsigned int extendedFeatures = 7;
+    // Old headers lack __get_cpuid_count. The result is signed in some headers and unsigned in others.
+    if (static_cast<unsigned int>(__get_cpuid_max(0, nullptr)) < extendedFeatures) return false;
+    __cpuid_count(extendedFeatures, 0, eax, ebx, ecx, edx);
+    return ebx & bit_AVX2;
 }
 
 template <bool stream>

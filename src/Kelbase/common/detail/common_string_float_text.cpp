@@ -4,12 +4,14 @@
 #include <Kelbase/common/detail/common_string_locale.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#if __has_include(<charconv>)
+#include <charconv>
+#endif
 
 namespace {
 
@@ -113,7 +115,8 @@ bool FloatText::WriteFixed(double value, unsigned int precision, char point) {
     return true;
 }
 
-/// By the C++ library, where it is exact; there it prints as the C library does, but for the point.
+/// Uses the C++ library, which prints as the C library does, but for the point. Returns false where the C++ library has no
+/// such function.
 bool FloatText::WriteScientific([[maybe_unused]] double value, [[maybe_unused]] unsigned int precision,
                                 [[maybe_unused]] char point) {
 #ifdef __cpp_lib_to_chars
