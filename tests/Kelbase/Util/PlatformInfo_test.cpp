@@ -45,9 +45,16 @@ TEST(PlatformInfo, MapFilesAndStacksAreUntouched) {
     EXPECT_FALSE(Util::ParseMapFile(table, FilePath("/a.map", false), 0));
     EXPECT_TRUE(table.empty());
     table[0x1000] = {"function", 16};
-    Util::ReturnAddressInfo info;
+    Util::ReturnAddressInfo info = {"before", 7};
     EXPECT_FALSE(Util::MapFileLookupReturnAddress(info, 0x1004, table));
-    EXPECT_EQ(info.function.GetLength(), 0U);
+    EXPECT_STREQ(info.function.Latin1(), "before");
+    EXPECT_EQ(info.offset, 7U);
+    EXPECT_EQ(table.size(), 1U);
+}
+
+TEST(PlatformInfo, HeapSizeIsUnknown) {
+    const std::string block(1000, 'x');
+    EXPECT_EQ(Util::GetTotalHeapAllocatedBytes(), 0U);
 }
 
 } // namespace

@@ -28,11 +28,13 @@ TEST(TickCount, RoundsHalfAwayFromZeroAndWraps) {
     // No clock shows the last ones, which are too large for 64 bits.
     const std::pair<double, unsigned int> rows[] = {{0.0, 0},
                                                     {0.0004, 0},
+                                                    {0.0005, 1},
                                                     {0.0625, 63},
                                                     {4294967.295, 4294967295U},
                                                     {4294967.296, 0},
                                                     {800000000.125, 1136083069U},
                                                     {-0.0004, 0},
+                                                    {-0.0005, 4294967295U},
                                                     {-0.0625, 4294967233U},
                                                     {-1.0, 4294966296U},
                                                     {1e30, 0},
@@ -57,6 +59,17 @@ TEST(TickCount, CyclesFollowTheTimeBaseOfEachCall) {
     EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 3.0);
     timeBase = {125, 3};
     EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 125.0);
+    ticks = 681156233136703U; // another order of the operations rounds differently
+    timeBase = {1001, 77};
+    EXPECT_EQ(Util::GetCycleCountSeconds(), 0x1.0e3bee0fc2058p+23);
+}
+
+TEST(TickCount, MeasuringHasNoEffect) {
+    ticks = 1000000000U;
+    timeBase = {1, 1};
+    Util::TimeMeasureStart(true);
+    Util::TimeMeasureEnd(true, "work");
+    EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 1.0);
 }
 
 TEST(TickCount, FrequencyIsTheLow32BitsOrNothing) {
@@ -66,7 +79,10 @@ TEST(TickCount, FrequencyIsTheLow32BitsOrNothing) {
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 705032704.0);
     macplatform::OrderFault({"sysctl", 12});
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
+    macplatform::OrderFault({"sysctlnametomib", 2});
+    EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
     EXPECT_EQ(macplatform::CancelFaults(), 0U);
+    EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 705032704.0);
     macplatform::SetCpuFrequency(0);
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
     macplatform::SetCpuFrequency(std::nullopt);

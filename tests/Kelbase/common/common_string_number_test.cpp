@@ -57,6 +57,27 @@ TEST(StringNumber, ReadsBitsInBase16OnlyForIntAndLong) {
     EXPECT_EQ(Bytes(one.Arg(LONG_MIN)), std::to_string(LONG_MIN));
 }
 
+TEST(StringNumber, WritesDecimalWithoutWidthByDefault) {
+    const String text("%1");
+    const auto expectTwelve = [&text](auto value) {
+        EXPECT_EQ(Bytes(text.Arg(value)), "12");
+        if constexpr (sizeof value >= sizeof(int)) {
+            EXPECT_EQ(Bytes(String::Number(value)), "12");
+        }
+    };
+    expectTwelve(static_cast<short>(12));
+    expectTwelve(static_cast<unsigned short>(12));
+    expectTwelve(12);
+    expectTwelve(12U);
+    expectTwelve(12L);
+    expectTwelve(12UL);
+    expectTwelve(12LL);
+    expectTwelve(12ULL);
+    EXPECT_EQ(Bytes(text.Arg(1.5)), "1.500000");
+    EXPECT_EQ(Bytes(text.Arg(1.5F)), "1.500000");
+    EXPECT_EQ(Bytes(String::Number(1.5F)), "1.500000");
+}
+
 TEST(StringNumber, Writes64BitsInTwoBases) {
     EXPECT_EQ(Bytes(String::Number(255ull, 2)), "255");
     EXPECT_EQ(Bytes(String::Number(255ull, 16)), "FF");

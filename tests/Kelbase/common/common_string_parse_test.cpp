@@ -87,7 +87,13 @@ TEST(StringParse, KeepsTheRangesOfEachWidth) {
     ExpectParsed<long long>(&String::ToInt64, "-5", false, 0);
     ExpectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551615", true, ULLONG_MAX);
     ExpectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551616", false, 0);
-    EXPECT_EQ(String("7").ToInt(), 7) << "nobody need ask";
+    const String twelve("12"); // 12 in the default base alone
+    EXPECT_EQ(twelve.ToShort(), 12);
+    EXPECT_EQ(twelve.ToUShort(), 12U);
+    EXPECT_EQ(twelve.ToInt(), 12);
+    EXPECT_EQ(twelve.ToUInt(), 12U);
+    EXPECT_EQ(twelve.ToInt64(), 12);
+    EXPECT_EQ(twelve.ToUInt64(), 12U);
 }
 
 /// Numbers are read alike whether the locale's separator is "." or ",".
