@@ -119,7 +119,7 @@ String& String::Resize(unsigned int n, bool keepWholeCharacters) {
     const unsigned int kept = std::min(n, GetLength());
     if (!IsSoleHolder() || n > block->capacity) {
         String own;
-        own.block = NewBlock(n, IsSoleHolder() ? roomToGrow(n) : n);
+        own.block = NewBlock(checkedLength(n), IsSoleHolder() ? roomToGrow(n) : n);
         std::memcpy(own.block->Bytes(), Latin1(), kept);
         std::swap(block, own.block);
     }

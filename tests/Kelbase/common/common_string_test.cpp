@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 TEST(Char, CategoriesAreThoseOfLatin1) {
     struct Range {
         int first, last, category;
@@ -98,6 +100,16 @@ TEST(String, CutCharactersBecomeNulBytes) {
     };
     for (const Row& row : rows)
         EXPECT_EQ(Bytes(String(row.text).Resize(row.length, true)), row.expected) << row.text;
+}
+
+TEST(String, RejectsALengthThatNoMemoryHolds) {
+    for (const char* const original : {"", "text"}) {
+        String text(original);
+        EXPECT_THROW(text.detachAndExtend(0xFFFFFFFF), std::length_error);
+        const ScarceMemory scarce(std::size_t{64} << 20); // a 32-bit process rejects the length before
+        EXPECT_ANY_THROW(text.Resize(0xFFFFFFFF, false)) << original;
+        EXPECT_EQ(Bytes(text), original);
+    }
 }
 
 TEST(String, AllocatesOnlyForItsOwnText) {
