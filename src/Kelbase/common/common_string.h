@@ -139,7 +139,7 @@ public:
     short ToShort(bool* ok = nullptr, unsigned int base = 10) const;
     /// 0 to 65535; "-" fails in all unsigned types, also before 0.
     unsigned short ToUShort(bool* ok = nullptr, unsigned int base = 10) const;
-    /// -2147483647 to 2147483647: the smallest `int` fails.
+    /// -2147483648 to 2147483647.
     int ToInt(bool* ok = nullptr, unsigned int base = 10) const;
     /// 0 to 4294967295.
     unsigned int ToUInt(bool* ok = nullptr, unsigned int base = 10) const;
