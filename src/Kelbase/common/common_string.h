@@ -55,8 +55,8 @@ public:
     unsigned int GetLength() const { return block ? block->length : 0; }
     /// The bytes as they are stored, ended by a NUL; valid until this `String` changes. Never null.
     const char* Latin1() const { return block ? block->Bytes() : ""; }
-    /// UTF-16 units ended by 0. A null array when the bytes are not valid in the encoding (2 Mac Roman, else
-    /// UTF-8) or make more than 100,000 units.
+    /// Returns the text up to its first NUL as UTF-16 units, followed by 0. Returns a null array if the bytes
+    /// are not valid in the encoding (2 Mac Roman, else UTF-8) or make more than 100,000 units.
     shared_array<unsigned short> Unicode(unsigned int encoding) const;
     static String GetPlatformLinefeed(); ///< One line feed: the Mac of today, not the classic one.
 
@@ -81,8 +81,8 @@ public:
     String Arg(const Char& c) const;
     ///@}
     ///@{
-    /// The same. In base 16 an `int` or a `long` that fits 32 bits is written as its unsigned bits: -1 gives
-    /// "FFFFFFFF".
+    /// The same. Base 16 formats the bits as an unsigned number: 32 bits for an `int` and for a `long` whose
+    /// value fits them (-1 gives "FFFFFFFF"), all bits for a wider `long`.
     String Arg(int v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     String Arg(long v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     ///@}
@@ -244,14 +244,14 @@ private:
     Block* block = nullptr; // null for no text
 };
 
-///@{
-/// Shares the other text where one is empty. A null pointer adds nothing.
+/// Shares the other text if one is empty.
 String operator+(String a, const String& b);
+/// A null pointer adds nothing.
 String operator+(String a, const char* b);
-///@}
 
 ///@{
-/// By the bytes up to the first NUL, as unsigned numbers. A null character pointer ranks above every String.
+/// Compare the bytes up to the first NUL, as unsigned numbers. Every comparison with a null character pointer
+/// is false.
 inline bool operator==(const String& l, const String& r) {
     return l.Latin1() == r.Latin1() || std::strcmp(l.Latin1(), r.Latin1()) == 0;
 }

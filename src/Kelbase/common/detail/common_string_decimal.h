@@ -1,8 +1,9 @@
 #pragma once
 
 /// @file
-/// How numbers are written.
+/// The decimal point of formatted and parsed numbers.
 
-/// The decimal point of the numbers that `String` writes and reads: ".". A build that wants another one sets
-/// it before the first number.
+/// "." unless a build sets another character before the first number. Then every "." of a formatted
+/// floating-point number becomes that character, and the parsers accept it as a decimal separator. While it
+/// is ".", formatted numbers keep the decimal point of the process's locale.
 extern char g_chDecimalPoint;

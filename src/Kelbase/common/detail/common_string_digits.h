@@ -55,7 +55,7 @@ inline unsigned int countDecimal(unsigned long long v) {
         for (std::size_t i = 1; i < list.size(); ++i) list[i] = i == 1 ? 10 : list[i - 1] * 10;
         return list;
     }();
-    const unsigned int atLeast = countBits(v) * 1233 / 4096; // 1233 / 4096 is just above log10 2
+    const unsigned int atLeast = countBits(v) * 1233 / 4096; // 1233 / 4096 is just below log10 2
     return atLeast + (v >= powers[atLeast]);
 }
 
