@@ -4,10 +4,11 @@
 
 namespace Exception {
 
-/// What every failure inside the library is thrown as: a message and the place in the sources that threw it.
+/// Base class of the library's own exceptions: a message and the place in the sources that threw it.
 ///
-/// Deliberately no `std::exception`, so that a handler for those never swallows one of these. Copies share
-/// their text.
+/// Running out of memory throws `std::bad_alloc` and a size that is too large `std::length_error` instead.
+/// This class is deliberately no `std::exception`, so that a handler for those never catches a failed access.
+/// Copies share their text.
 class Base {
 public:
     /// `message` says what failed, without the place; the location is not set.
@@ -19,7 +20,8 @@ public:
     ///@}
     virtual ~Base();
 
-    /// The failure as text of several lines, ended by a line feed.
+    /// Returns the failure as text of several lines: the message, and the place as the last line, ended by a
+    /// line feed. Derived classes append lines of their own.
     virtual String ToString() const;
 
     String GetMessageText() const { return message; } ///< As it was given, in one line or several.

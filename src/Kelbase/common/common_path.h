@@ -3,16 +3,21 @@
 #include <Kelbase/common/common_string.h>
 
 /// @file
-/// Names of files and folders, as text: nothing here looks at the disk.
+/// Paths of files and folders, as text. Only the constructors ask the system, for the working directory.
 ///
-/// A path is made absolute when it is made, against the working folder or, after "~/", the environment's
-/// HOME; for the rest it is kept as given (`GetInternal`). "/" separates names, and "\" is read as "/".
-/// `ToString` and the comparisons clean it: "\" made "/", doubled separators collapsed except two at the
-/// start, a name followed by ".." dropped. Of two ".." in a row only the first takes a name away
-/// ("/a/b/../../c" is "/a/../c"), and
-/// "." stays. The `bool` of the constructors has no meaning on this platform.
+/// The constructors make a path absolute. A relative path starts at the working directory, or at "/" if the
+/// working directory is unknown or longer than 1022 bytes. "~" and a leading "~/" stand for the value of HOME
+/// and a "/", or for "/" if HOME is not set. `GetInternal` returns the result without further changes. "/"
+/// separates names, and "\" is read as "/".
 ///
-/// Paths are equal, and sort, by their clean form, with "A"-"Z" read as "a"-"z".
+/// `ToString` and the comparisons clean the path. Cleaning turns "\" into "/", collapses repeated separators
+/// except two at the start, and removes a ".." together with the name before it. The name after such a ".."
+/// is not examined: of two ".." in a row only the first removes a name ("/a/b/../../c" is "/a/../c"). A ".."
+/// directly after the root removes the root ("/../x" is "x"). "." stays. The `bool` of the constructors has
+/// no meaning on this platform.
+///
+/// Paths are equal and sort by their clean form with one "/" at the end, with "A"-"Z" read as "a"-"z". So the
+/// empty path equals "/".
 
 class FolderPath;
 
@@ -26,8 +31,8 @@ public:
     void construct(const String& text, bool flag);
 
     bool IsEmpty() const { return internal.GetLength() == 0; } ///< No path at all; "/" is one.
-    String GetInternal() const { return internal; }            ///< Absolute, not cleaned.
-    static bool IsRelative(const String& text); ///< Begins with no separator; empty text is not relative.
+    String GetInternal() const { return internal; } ///< Not cleaned; absolute unless HOME is relative.
+    static bool IsRelative(const String& text);     ///< Begins with no separator; empty text is not relative.
 
     String GetFilename() const;  ///< The last name.
     String GetExtension() const; ///< What follows the last "." of the last name.
@@ -54,7 +59,7 @@ public:
     /// Begins with no separator; empty text is not relative.
     static bool IsRelative(const String& text) { return FilePath::IsRelative(text); }
 
-    bool IsTopLevel() const;      ///< Also true of the empty path.
+    bool IsTopLevel() const;      ///< True for the empty path and for a clean form of "/" or "./".
     String GetFolderName() const; ///< The last name; "" at top level.
     FolderPath GetParent() const; ///< Empty at top level.
 
@@ -66,11 +71,12 @@ private:
     String internal;
 };
 
-/// `name` inside `folder`; a name with separators in it leads deeper.
+/// `name` inside `folder`. A name with separators leads deeper. An empty folder gives the path of `name`
+/// alone.
 FilePath operator+(const FolderPath& folder, const String& name);
 
 ///@{
-/// By the clean forms, "A"-"Z" read as "a"-"z", up to the first NUL; the disk is not asked.
+/// Compare the clean forms with one "/" at the end, up to the first NUL, with "A"-"Z" read as "a"-"z".
 bool operator==(const FilePath& a, const FilePath& b);
 bool operator<(const FilePath& a, const FilePath& b);
 bool operator<=(const FilePath& a, const FilePath& b);

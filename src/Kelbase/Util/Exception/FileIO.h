@@ -32,9 +32,12 @@ public:
     ///@}
     ~FileIO() override;
 
+    /// Returns the text of the base class, followed by the path and the description of the kind. No line feed
+    /// ends it.
     String ToString() const override;
 
-    String GetErrorDescription() const;                     ///< The kind in words.
+    /// Returns the kind in words; " Unknown error" for a number that is no `ErrorKind`.
+    String GetErrorDescription() const;
     FilePath GetFilePath() const { return filePath; }       ///< Empty where it was a folder.
     FolderPath GetFolderPath() const { return folderPath; } ///< Empty where it was a file.
     ErrorKind GetErrorKind() const { return kind; }         ///< As the thrower gave it.
