@@ -9,15 +9,16 @@ namespace Util {
 
 /// One folder by its name: made, removed, asked about and listed. Nothing is held open between calls.
 ///
-/// What fails and must not be overlooked throws `Util::Exception::FileIO` with the folder's path and error
-/// number 0. Questions and listings never throw for what is on the disk.
+/// `Create`, `Remove`, `GetTime` and `SetTime` throw `Util::Exception::FileIO` with the folder's path and
+/// error number 0 when they fail. `Exists`, `GetDirInfo` and the listings never throw for what is on the
+/// disk.
 ///
 /// A listing names the entries that a pattern fits, never "." and "..", in ascending order of bytes. A
 /// pattern is split at its first "*": a name fits that begins with what stands before and ends with what
 /// stands after, "A"-"Z" read as "a"-"z". Without "*" it is a beginning, and the empty pattern fits every
 /// name. Links count as what they lead to; an entry that cannot be asked what it is (a dead link, say) is
-/// left out. A folder that cannot be read adds nothing. Without `append` the list is cleared first; with it,
-/// the old names are sorted in.
+/// left out. Without `append` the list is cleared first; with it, the old names are sorted in. A folder that
+/// cannot be read adds nothing and leaves the order of the old names.
 class Dir {
 public:
     /// What a volume tells.
@@ -36,9 +37,10 @@ public:
     void GetTime(FileTime* time) const;       ///< Throws `UnexpectedError`.
     void SetTime(const FileTime& time) const; ///< Throws `UnexpectedError`.
 
-    /// Makes the folder with permissions 0755 unless it exists; with `recursive` also each missing folder on
-    /// the way to it. Throws `WriteError`, with the system's error number in the message; what was made
-    /// stays.
+    /// Creates the folder unless it exists, with permissions 0755 less the process's mask. With `recursive`
+    /// it also creates each missing folder on the way, but nothing at all if the clean path is relative, as
+    /// that of "/../x" is. Throws `WriteError`, with the system's error number in the message; created
+    /// folders stay.
     void Create(bool recursive) const;
     /// Removes the folder if it exists. Throws `RemoveError`, for instance when something is in it.
     void Remove() const;
@@ -59,9 +61,9 @@ public:
     ///@}
 
     /// The first file with the last name of `name`, whatever its case: among a folder's own files before
-    /// those of its subfolders, each in sorted order. Empty when there is none, or when `count` passes 5000,
-    /// which grows by one for each file looked at and may be shared by several searches. A folder to which
-    /// several links lead is searched once.
+    /// those of its subfolders (if `recursive`), each in sorted order. Empty when there is none, or when
+    /// `count` passes 5000, which grows by one for each file looked at and may be shared by several searches.
+    /// A `recursive` search searches a folder to which several links lead once.
     static FilePath FindFile(const String& folder, const String& name, bool recursive, unsigned int& count);
 
 private:

@@ -88,7 +88,7 @@ void File::Close() {
 
 void File::Flush() {
     if (!handle) return;
-    static_cast<void>(std::fflush(handle)); // `Close` tries again, and reports
+    static_cast<void>(std::fflush(handle)); // declared not to report
     if (last == Transfer::Write) last = Transfer::None;
 }
 
@@ -124,9 +124,8 @@ checked_value<unsigned long long> File::Remaining() const {
     return size > position ? size - position : 0ULL;
 }
 
-/// Makes a change between reading and writing legal, for which ISO C demands a flush or a positioning between
-/// the two, except for writing where a read met the end. What such a call reports, the transfer itself will
-/// meet.
+/// Makes a change between reading and writing legal. ISO C demands a flush or a positioning between the two,
+/// except for writing where a read met the end. A failure of these calls is not reported.
 void File::Turn(Transfer next) {
     if (last == Transfer::Write && next == Transfer::Read) static_cast<void>(std::fflush(handle));
     if (last == Transfer::Read && next == Transfer::Write && !std::feof(handle)) fseeko(handle, 0, SEEK_CUR);

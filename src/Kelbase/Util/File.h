@@ -11,9 +11,10 @@ namespace Util {
 
 /// One file by its name: opened, read and written in blocks, asked about, renamed and thrown away.
 ///
-/// What fails and must not be overlooked throws `Util::Exception::FileIO`, with the system's `errno` where
-/// this says so; questions never throw and answer false, absent or 0. Reading and writing are buffered:
-/// `Size` does not see what `Flush` or `Close` has yet to write.
+/// Failed operations throw `Util::Exception::FileIO`, with the system's `errno` where the operation's comment
+/// says so and with 0 elsewhere. `Exists`, `IsReadable`, `IsWritable`, `AtEnd`, `At()`, `Size`, `Remaining`,
+/// `GetOSXFileType`, `Flush` and `Recycle` never throw it. Reading and writing are buffered: `Size` does not
+/// include bytes that `Flush` or `Close` has yet to write.
 class File : private noncopyable {
 public:
     /// Bits for `Open`. Nothing is translated in text mode on this platform.
@@ -21,7 +22,7 @@ public:
         Read = 0x02,
         Write = 0x04,
         ReadWrite = 0x08,
-        Append = 0x10,   ///< Writes at the end, whatever the position.
+        Append = 0x10,   ///< Writes at the end, whatever the position. See `Open` for combinations.
         Truncate = 0x20, ///< Together with `Read` and write access: empties the file.
         Text = 0x40,
     };
@@ -39,13 +40,20 @@ public:
     /// Opens by bits of `OpenMode`; none of them means `Read`. Throws `OpenError` with `errno`, and is then
     /// as before.
     ///
-    /// Without `Read`, write access empties the file, also as `ReadWrite`, unless it is `Append`. `Read` with
-    /// write access demands the file and keeps what is in it, except with `Truncate`; with `Append` it is
-    /// made when missing. An open file must be closed first: the stream that it has would stay open, out of
-    /// reach.
+    /// `Write`, `ReadWrite` and `Append` give write access.
+    /// - `Write` and `ReadWrite` without `Read` create the file or empty it. `ReadWrite` does so with
+    ///   `Append` too, and the writes then go to the position.
+    /// - `Append`, also with `Write`, creates a missing file, keeps an existing one and writes at its end.
+    /// - `Read` with write access requires the file and keeps its contents. With `Append` too, it creates a
+    ///   missing file and writes at the end. With `Truncate` too, it creates the file or empties it, and the
+    ///   writes go to the position.
+    ///
+    /// An open file must be closed first: otherwise its stream stays open and cannot be reached any more.
     void Open(unsigned int mode);
     void Close(); ///< Throws `CloseError` with `errno`, and is closed all the same. Nothing when not open.
-    void Flush(); ///< Hands what was written to the system; a failure is told by `Close`.
+    /// Hands written bytes to the system. A failure is not reported, and a later `Close` need not report it:
+    /// to notice a full disk, call `Close` without `Flush`.
+    void Flush();
 
     // Position and size, in bytes
 
@@ -89,8 +97,9 @@ public:
 
     // What the Finder knows
 
-    /// Asks the Finder to move an item to the Trash and waits for its answer; 0 or the platform's result
-    /// code. 0 says that the Finder was asked, not that it agreed.
+    /// Asks the Finder to move an item to the Trash and waits for its reply. Returns 0 or the platform's
+    /// result code. 0 does not say that the item was moved: a refusal of the Finder, an event that could not
+    /// be created and one that could not be sent give 0 too.
     static int Recycle(const String& path);
     /// Four-character code of the file's type; 0 when it cannot be read.
     unsigned int GetOSXFileType() const;
