@@ -43,7 +43,8 @@ void* MyFactory(CFAllocatorRef allocator, CFUUIDRef type);
 
 /// Notes the version of the package that is being installed in the updater's preferences.
 void PreInstall(XCodParamBlock* block);
-/// Sets the update interval and the product's language, and dresses the maker's folder for the Finder.
+/// Sets the update interval and the product's language in the preferences, and the Finder flags of the
+/// vendor's folder and its icon file. For an unknown product it sets only the flags.
 void PostInstall(XCodParamBlock* block);
 }
 #pragma GCC visibility pop
