@@ -69,24 +69,24 @@ void Convert(unsigned int count, const float* src, double* dst);
 void Convert(unsigned int count, const double* src, float* dst);
 
 ///@{
-/// Divides by the signed 32-bit integer 1 << (scale mod 32): by 2^scale for 0 to 30, by -2^31 for 31 and for
-/// -1, by 2^(scale mod 32) for any other.
+/// Divides by the signed 32-bit integer 1 << (scale mod 32). That is 2^scale for 0 to 30, and -2^31 where
+/// scale mod 32 is 31, as for 31 and -1.
 void Convert(unsigned int count, const short* src, float* dst, int scale);
 void Convert(unsigned int count, const short* src, double* dst, int scale);
 ///@}
 
 ///@{
-/// Multiplies by 2^-scale, which may be a denormal, 0 or infinity in the type of the destination. To float,
-/// the integer is rounded to the nearest float first, then the product.
+/// Multiplies by 2^-scale, which may be a denormal, 0 or infinity in the type of the destination; 0 times
+/// infinity is NaN. To float, the integer is rounded to the nearest float first, then the product.
 void Convert(unsigned int count, const int* src, float* dst, int scale);
 void Convert(unsigned int count, const int* src, double* dst, int scale);
 ///@}
 
 /// Multiplies by the signed 32-bit integer 1 << (-scale mod 32), in single precision: by 2^-scale for 0 to
-/// -30, by -2^31 for 1 and for -31, by 2^(32 - scale) for 2 to 31. With `round`, half with the sign of the
-/// source is then added, in single precision; +0.5 for zeros, and where the factor is negative half towards
-/// zero. The result is truncated and held to -32768 and 32767. NaN, and whatever does not fit 32 bits before
-/// that, becomes -32768, on the positive side too.
+/// -30, by 2^(32 - scale) for 2 to 31, by -2^31 where -scale mod 32 is 31, as for 1 and -31. With `round`,
+/// half with the sign of the source is then added, in single precision; +0.5 for zeros, and where the factor
+/// is negative half towards zero. The result is truncated and held to -32768 and 32767. NaN, and whatever
+/// does not fit 32 bits before that, becomes -32768, on the positive side too.
 void Convert(unsigned int count, const float* src, short* dst, int scale, bool round);
 
 /// Multiplies by 2^-scale in single precision; rounds as above or truncates. NaN and whatever does not fit

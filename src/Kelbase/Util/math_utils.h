@@ -2,8 +2,8 @@
 
 /// @file
 /// Rounding of single-precision values to integers, and exact powers of two. The vector routines promise the
-/// same bits from every form, so these are defined to the last bit and never depend on the rounding mode that
-/// a C library assumes.
+/// same bits from every form, so these are defined to the last bit. They call no function of the C library
+/// and take the rounding direction to be "to nearest".
 
 #include <cstring>
 #include <limits>
