@@ -10,7 +10,8 @@
 namespace Util {
 
 /// A data stream in memory. It starts at position 0, least significant byte first, writing the lengths of
-/// strings. At most 4294967295 bytes; a vector of more is refused with `std::length_error`.
+/// strings. It holds at most 4294967295 bytes: a constructor and a write that need more throw
+/// `std::length_error`.
 class ByteStream : public DataStream {
 public:
     // Here, and all that follows of one value: where the compiler sees a stream made, it calls without the

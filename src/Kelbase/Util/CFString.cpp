@@ -10,7 +10,7 @@ CFStringRef createFromUtf8(const char* text) {
     return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
 }
 
-/// A new empty string; when there is not even memory for that, the constant one, which needs none.
+/// A new empty string, or the constant one if the platform makes no new one.
 CFStringRef createEmpty() {
     const CFStringRef empty = createFromUtf8("");
     return empty ? empty : CFSTR("");

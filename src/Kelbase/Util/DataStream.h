@@ -14,7 +14,8 @@ namespace Util {
 /// characters take 1 byte, `short` 2, `int` and `float` 4, `double` 8. `long` takes 4 on every platform: its
 /// low 32 bits are written, reading extends them (by the sign for `long`, with zeros for `unsigned long`).
 ///
-/// A read past the end throws `Util::Exception::DataStreamIO`; position and destination stay as they were.
+/// A read past the end throws `Util::Exception::DataStreamIO`. Position and destination stay as they were,
+/// except for a `String`.
 ///
 /// Written bytes replace those at the position; what lies past the end is added, a gap before it filled with
 /// zeros. Nothing fails but for want of memory, or of 32 bits for the size: `std::bad_alloc` or

@@ -9,7 +9,8 @@
 ///
 /// Only the message is shown here; `parent`, the title, the focus and the trailing flag serve platforms that
 /// can use them. A text that is not UTF-8 is shown as an empty one. Nothing here throws of its own accord.
-/// While `Util::IsModalDialogAllowed()` is false, nothing is shown and the answer is false.
+/// While `Util::IsModalDialogAllowed()` is false, nothing is shown and the result is false. If the platform
+/// could not show the box, the result is false too.
 namespace UI::Native {
 
 ///@{
@@ -30,7 +31,8 @@ void MessageOK(void* parent, const std::vector<unsigned short>& first,
 bool MessageOKCancel(void* parent, const String& title, const String& message, OKCancelFocus focus, bool);
 /// True for "Yes".
 bool MessageYesNo(void* parent, const String& title, const String& message, YesNoFocus focus, bool);
-/// True for "Yes"; `cancelled` tells "Cancel" from "No"; it stays as it is when no box may be shown.
+/// True for "Yes". Sets `cancelled` to true for "Cancel" and if the platform could not show the box, to false
+/// for "Yes" and "No". Leaves `cancelled` as it is while no box may be shown.
 bool MessageYesNoCancel(bool& cancelled, void* parent, const String& title, const String& message,
                         YesNoCancelFocus focus, bool);
 /// Shows "OK", "Cancel", "Retry", "Cancel"; true for "OK" alone.
