@@ -5,22 +5,35 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
 #include <sstream>
+#include <string>
 
 namespace {
 
-/// HOME and the working folder as a test wants them, put back at its end.
+/// Sets HOME and the working directory. The destructor restores both.
 class Surroundings {
 public:
     Surroundings(const char* home, const std::filesystem::path& folder)
         : oldFolder(std::filesystem::current_path()) {
-        home ? setenv("HOME", home, 1) : unsetenv("HOME");
+        if (const char* const old = std::getenv("HOME")) oldHome = old;
+        setHome(home);
         std::filesystem::current_path(folder);
     }
-    ~Surroundings() { std::filesystem::current_path(oldFolder); }
+    Surroundings(const Surroundings&) = delete;
+    Surroundings& operator=(const Surroundings&) = delete;
+    ~Surroundings() {
+        std::filesystem::current_path(oldFolder);
+        setHome(oldHome ? oldHome->c_str() : nullptr);
+    }
 
 private:
+    static void setHome(const char* home) { home ? setenv("HOME", home, 1) : unsetenv("HOME"); }
+
     std::filesystem::path oldFolder;
+    std::optional<std::string> oldHome;
 };
 
 TEST(Path, PrintsClean) {
