@@ -33,7 +33,7 @@ MACPLATFORM_C_BEGIN
 extern const CFAllocatorRef kCFAllocatorDefault; ///< A null constant.
 extern const CFAllocatorRef kCFAllocatorSystemDefault;
 
-/// Null ends the process, in these four, with a line that says so.
+/// A null object ends the process, in all five functions, with a line that says so.
 CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
 CFIndex CFGetRetainCount(CFTypeRef object); ///< 0x7FFFFFFF for an object that is never freed.

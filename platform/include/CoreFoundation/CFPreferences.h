@@ -5,7 +5,7 @@
 /// A value that is set waits, for the startup volume of that moment, until its domain is synchronised. Then
 /// the file is read again, the waiting values are laid over what stands there, and the whole replaces the
 /// file in one step, under a lock. Keys that nobody set, and the file's format, stay. Setting what already
-/// stands there writes nothing.
+/// stands there writes nothing. A file that has no key left is removed.
 
 #include <CoreFoundation/CFBase.h>
 
@@ -21,8 +21,8 @@ extern const CFStringRef kCFPreferencesCurrentHost;
 /// any user on the current host has a place here; nothing is set in another, and its synchronisation fails.
 void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef domain, CFStringRef user,
                            CFStringRef host);
-/// False when the file could not be read as a property list, holds what could not be written again, or
-/// could not be written or locked in five seconds; it then stands as it was, and the values go on waiting.
+/// False when the file could not be read as a property list, holds what could not be written again, or could
+/// not be written or locked in five seconds; it then stands as it was, and the values go on waiting.
 Boolean CFPreferencesSynchronize(CFStringRef domain, CFStringRef user, CFStringRef host);
 
 MACPLATFORM_C_END

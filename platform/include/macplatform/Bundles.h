@@ -12,27 +12,30 @@ namespace macplatform {
 enum class BundleFault {
     None,
     NoBundle,          ///< No such folder, or no property list in it.
-    BrokenList,        ///< The property list cannot be read.
-    MissingKey,        ///< The property list lacks a key or has it in a wrong form.
-    NoExecutable,      ///< The file that the property list names is missing.
-    WrongArchitecture, ///< It was made for another processor or system.
+    BrokenList,        ///< The property list cannot be read or holds no dictionary.
+    MissingKey,        ///< The property list lacks a key, a factory or a type, or has a key in a wrong form.
+    NoExecutable,      ///< The file that the property list names is missing, unreadable or no regular file.
+    WrongArchitecture, ///< It was made for another processor or system, or is no program code.
     CannotLoad,        ///< The dynamic linker refused it.
     SymbolMissing,     ///< The factory function is not exported.
     FactoryRefused,    ///< The factory function answered null.
 };
 
-/// Why the last attempt gave nothing.
+/// What went wrong in the last attempt.
 struct BundleFailure {
-    BundleFault fault = BundleFault::None; ///< `None` when it succeeded, and `text` is then empty.
-    std::string text;                      ///< One line that names the thing and its path.
+    /// `None` with an empty `text` if nothing did. `MissingKey` also after a CFPlugInCreate that returned a
+    /// plug-in whose property list lacks one of the two CFPlugIn dictionaries.
+    BundleFault fault = BundleFault::None;
+    std::string text; ///< One line that names the thing and its path.
 };
 
-/// Whether a bundle that has code for this system and for the Mac is to be loaded from the latter, from now
-/// on. False, and nothing is changed, where such code cannot run: only 32-bit x86 processes can.
+/// Says whether a bundle that has code for this system and for the Mac is loaded from the latter from now on.
+/// Returns false and changes nothing if `preferred` is true and such code cannot run: only 32-bit x86
+/// processes can run it.
 bool PreferMacCode(bool preferred);
 bool MacCodeIsPreferred(); ///< As last set; false at first.
 
-/// About the last CFPlugInCreate or CFPlugInInstanceCreate of this process.
+/// About the last CFPlugInCreate, CFPlugInInstanceCreate or BundleSymbol of this process.
 const BundleFailure& LastBundleFailure();
 
 /// The address of an exported symbol of the plug-in that `CFPlugInCreate` answered, its code loaded if need

@@ -3,9 +3,9 @@
 /// @file
 /// What the platform is asked to do, in order, and what it is made to refuse.
 ///
-/// While an observer is set, each platform call (those of `CoreFoundation/`, `Carbon/`, `objc/`, `mach/`,
-/// `sys/`, and path calls of the C library that fall on the startup volume) is told to it after it is done.
-/// Calls that the platform makes of itself on the way are not told.
+/// While an observer is set, each platform call (those of `CoreFoundation/` except CFSTR, `Carbon/`, `objc/`,
+/// `mach/`, `sys/`, and path calls of the C library that fall on the startup volume) is told to it after it
+/// is done. Calls that the platform makes of itself on the way are not told.
 
 #include <functional>
 #include <string>
@@ -31,9 +31,10 @@ using JournalObserver = std::function<void(const JournalEntry&)>;
 void SetJournalObserver(JournalObserver observer);
 
 /// A failure that is ordered: the call of this name fails once, after `skip` more calls of it, in the way of
-/// its kind: null for a function that makes an object, false for one that answers yes or no, `code` as the
-/// result code of the Carbon calls, and `code` as errno for those of the C library. It then has no other
-/// effect.
+/// its kind: null for a function that makes an object, false for one that answers yes or no, -1 for
+/// StopAlert, `code` as the result code of the other Carbon calls, and `code` as errno for those of the C
+/// library. It then has no other effect. Calls that cannot fail (CFRetain, CFRelease, CFStringGetLength,
+/// AEDisposeDesc, the clocks and others) never meet an ordered failure, which then waits.
 struct OrderedFault {
     std::string call;  ///< The function's name, as the journal tells it.
     long code = 0;     ///< For calls that answer with a code.

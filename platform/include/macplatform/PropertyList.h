@@ -1,10 +1,11 @@
 #pragma once
 
 /// @file
-/// Property lists, XML or binary, read from and written to memory.
+/// Reads property-list files, XML or binary, into values in memory. Nothing here writes.
 ///
-/// A file is refused, with the reason, when it is no property list, is nested deeper than 512 levels or is
-/// larger than 64 MiB. Old-style text lists are not read.
+/// A file is rejected, with the reason, if it is no regular file or no property list, is nested deeper than
+/// 512 levels, has more than 1,048,576 values, has a key twice in one dictionary or is larger than 64 MiB.
+/// Old-style text property lists are not read.
 
 #include <cstdint>
 #include <string>
@@ -13,22 +14,24 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-/// What a file was written as; changes are written back as the same.
+/// The format of a property-list file.
 enum class PropertyListFormat { Xml, Binary };
 
 /// One value, taken out of its list: a copy that owns what it holds.
 struct PropertyValue {
-    /// Those of both forms; only binary lists have a `Uid`.
+    /// The types of both formats. Only binary property lists have a `Uid`. `None` means that there is no
+    /// value.
     enum class Kind { None, Boolean, Integer, Real, Text, Data, Date, Uid, Array, Dictionary };
     Kind kind = Kind::None;   ///< Says which of the other members mean something.
     std::string text;         ///< The text; for scalars as a person would write them; data in hexadecimal.
-    std::int64_t integer = 0; ///< Boolean and Integer.
+    std::int64_t integer = 0; ///< Boolean and Integer; an integer from 2^63 on wraps to a negative one.
     std::vector<PropertyValue> items;  ///< Array.
     std::vector<std::string> keys;     ///< Dictionary, in the order of the file...
     std::vector<PropertyValue> values; ///< ...with the value of each key at the same place.
 
     const PropertyValue* Find(const std::string& key) const; ///< Null when there is no such key.
-    const char* KindName() const; ///< "string", "integer", ... as the XML form names it.
+    /// The element name in XML, "string" or "dict" for instance; "boolean", "uid" and "none" for the others.
+    const char* KindName() const;
     std::string Describe() const; ///< One line; texts in quotation marks.
 };
 ///@{
@@ -41,8 +44,10 @@ inline bool operator!=(const PropertyValue& left, const PropertyValue& right) { 
 struct PropertyListFile {
     PropertyValue root;                                     ///< Of kind `None` when there is an error.
     PropertyListFormat format = PropertyListFormat::Binary; ///< `Binary` too when there is an error.
-    std::string error;   ///< Empty, or why the file could not be read, as one line without the path.
-    int errorNumber = 0; ///< errno where the system refused; ENOENT for a file that is not there.
+    std::string error; ///< Empty, or why the file could not be read, as one line without the path.
+    /// The errno of a file that could not be read as a whole: ENOENT if it is missing, EFBIG if it is too
+    /// large, EISDIR or EINVAL if it is no regular file. 0 for bytes that are no property list.
+    int errorNumber = 0;
 };
 
 /// Reads a file of this machine (not of the startup volume).

@@ -13,16 +13,16 @@
 ///
 /// The C library's calls are those that a program linked with this layer, or a bundle that it loads, binds to
 /// by name (open, fopen, stat, rename, opendir, mkdir, the extended attributes and their kin). Not seen
-/// inside the folder: raw system calls, programs that are started, fts and glob. `realpath` of a path on the
-/// volume answers the Mac's path again; `getcwd` and walks (ftw) answer this machine's. A pipe on the volume
-/// that is opened to read counts as a file that is empty: its other end is not waited for.
+/// inside the folder: raw system calls, programs that are started, exec, dlopen, fts and glob. `realpath` of
+/// a path on the volume answers the Mac's path again; `getcwd` and walks (ftw) answer this machine's. A pipe
+/// on the volume that is opened to read counts as a file that is empty: its other end is not waited for.
 
 #include <string>
 
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-/// Sets the folder; an empty text sets none. False, with errno and the old setting kept, when it is no
+/// Sets the folder; an empty text and "/" set none. False, with errno and the old setting kept, when it is no
 /// folder.
 bool SetStartupVolume(const std::string& folder);
 
@@ -33,9 +33,10 @@ const std::string& StartupVolume();
 enum class LastLink { Follow, Keep };
 
 /// Where a path of the Mac lies on this machine: inside the startup volume, with every link on the way
-/// resolved, or the path as it is. What does not exist yet keeps its name, and a trailing "/" stays. Empty,
-/// with errno, when the path cannot be resolved: ELOOP after 40 links, ENAMETOOLONG, EACCES, EINVAL for a
-/// path with a NUL in it, and ENOENT or ENOTDIR where ".." follows something that is missing or no folder.
+/// resolved, or the path as it is (an empty one too). What does not exist yet keeps its name, and a trailing
+/// "/" stays. Empty, with errno, when the path cannot be resolved: ELOOP after 40 links, ENAMETOOLONG,
+/// EACCES, EINVAL for a path with a NUL in it, and ENOENT or ENOTDIR where ".." follows something that is
+/// missing or no folder.
 std::string HostPath(const std::string& macPath, LastLink = LastLink::Follow);
 
 /// How the Mac names a path of this machine: without the startup volume's folder where the path lies in it.
