@@ -1,8 +1,8 @@
 #include <Kelbase/common/common_char.h>
 
-// One row for sixteen bytes. Values of the general categories: 4 decimal digit, 6 other number, 7 space
-// separator, 10 control, 15 upper-case and 16 lower-case letter, 20 connector, 21 dash, 22 open, 23 close, 24
-// initial quote, 25 final quote, 26 other punctuation, 27 math, 28 currency, 29 modifier, 30 other symbol.
+// One row holds sixteen bytes. General categories: 4 decimal digit, 6 other number, 7 space separator, 10
+// control, 15 upper-case and 16 lower-case letter, 20 connector, 21 dash, 22 open, 23 close, 24 initial
+// quote, 25 final quote, 26 other punctuation, 27 math, 28 currency, 29 modifier, 30 other symbol.
 const unsigned char CHAR_CATEGORIES[256] = {
     10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, // 0x00
     10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, // 0x10

@@ -1,23 +1,23 @@
 #pragma once
 
-/// A value together with whether it was given.
+/// A value with a flag that says whether the value was given.
 ///
-/// As a result, absent means "not found"; as an argument, absent means "take the default". Holds a `T`, which
-/// must be default-constructible and copyable.
+/// An absent result means "not found". An absent argument means "use the default". `T` must be
+/// default-constructible and copyable.
 template <typename T>
 class checked_value {
 public:
     checked_value() : value(), given(false) {}
-    /// Implicit: an argument is written as the plain value.
+    /// Implicit, so that callers can pass the plain value.
     checked_value(const T& v) : value(v), given(true) {}
 
-    /// False for "not found" and "take the default", whatever the conversion to `T` then says.
+    /// Returns false for an absent value. The conversion to `T` does not show the difference.
     bool IsGiven() const { return given; }
 
-    /// The value, or a default-made one when absent.
+    /// Returns the value, or a default-constructed `T` if the value is absent.
     operator T() const { return value; }
 
-    /// Given from now on; there is no way back but to assign an absent one.
+    /// Sets the value. Only the assignment of an absent `checked_value` makes the value absent again.
     checked_value& operator=(const T& v) {
         value = v;
         given = true;

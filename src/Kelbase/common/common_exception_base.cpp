@@ -14,8 +14,8 @@ void Base::SetLocation(const String& file, long long line) {
 }
 
 String Base::ToString() const {
-    // The last figure is no error number, also not for failures that carry one: readers of these texts rely
-    // on 0.
+    // The last number is always 0, also for exceptions with an error number: programs that read these texts
+    // expect 0.
     const String location =
         String("%1 (%2): Thrown, GetLastError(): %3\n").Arg(filename).Arg(GetLineNumber()).Arg(0);
     return String("Base:\n\t") + message + "\n\t" + location;

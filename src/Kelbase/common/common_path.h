@@ -3,7 +3,7 @@
 #include <Kelbase/common/common_string.h>
 
 /// @file
-/// Paths of files and folders, as text. Only the constructors ask the system, for the working directory.
+/// Paths of files and folders, as text. Only the constructors call the system, to get the working directory.
 ///
 /// The constructors make a path absolute. A relative path starts at the working directory, or at "/" if the
 /// working directory is unknown or longer than 1022 bytes. "~" and a leading "~/" stand for the value of HOME
@@ -21,49 +21,53 @@
 
 class FolderPath;
 
-/// The name of a file; separators at its end do not count.
+/// The path of a file. Separators at its end are ignored.
 class FilePath {
 public:
     FilePath() = default;
-    /// As `construct`.
+    /// Calls `construct`.
     FilePath(const String& text, bool flag) { construct(text, flag); }
-    /// Makes this the path of `text`; empty when there is nothing but white space.
+    /// Sets the path to `text`, made absolute. The path is empty if `text` holds nothing but white space.
     void construct(const String& text, bool flag);
 
-    bool IsEmpty() const { return internal.GetLength() == 0; } ///< No path at all; "/" is one.
-    String GetInternal() const { return internal; } ///< Not cleaned; absolute unless HOME is relative.
-    static bool IsRelative(const String& text);     ///< Begins with no separator; empty text is not relative.
+    bool IsEmpty() const { return internal.GetLength() == 0; } ///< Returns false for "/".
+    /// Returns the path without cleaning. It is absolute unless HOME is relative.
+    String GetInternal() const { return internal; }
+    /// Returns whether a text does not begin with a separator. Returns false for an empty text.
+    static bool IsRelative(const String& text);
 
-    String GetFilename() const;  ///< The last name.
-    String GetExtension() const; ///< What follows the last "." of the last name.
-    String GetBaseName() const;  ///< The last name up to its last ".".
-    /// What stands before the last name: the working folder where there is no name, as in "/"; empty only for
-    /// the empty path.
+    String GetFilename() const;  ///< Returns the last name.
+    String GetExtension() const; ///< Returns the part after the last "." of the last name, or "".
+    String GetBaseName() const;  ///< Returns the last name up to its last ".".
+    /// Returns the folder before the last name. Returns the working directory if the path has no name, as
+    /// "/", and the empty path for the empty path.
     FolderPath GetFolder() const;
 
-    String ToString() const; ///< Clean, with no separator at the end; "" for the empty path and for "/".
+    /// Returns the clean form without a separator at the end, "" for "/" and for the empty path.
+    String ToString() const;
 
 private:
     String internal;
 };
 
-/// The name of a folder. Its internal form ends with a separator, so that a name joins it as it is.
+/// The path of a folder. The internal form ends with a separator, so that a name can be appended directly.
 class FolderPath {
 public:
     FolderPath() = default;
-    /// Empty when there is nothing but white space in the text.
+    /// The path is empty if `text` holds nothing but white space.
     FolderPath(const String& text, bool flag);
 
-    bool IsEmpty() const { return internal.GetLength() == 0; } ///< No path at all; "/" is one.
-    String GetInternal() const { return internal; }            ///< Ends with a separator unless it is empty.
-    /// Begins with no separator; empty text is not relative.
+    bool IsEmpty() const { return internal.GetLength() == 0; } ///< Returns false for "/".
+    /// Returns the path without cleaning. It ends with a separator unless the path is empty.
+    String GetInternal() const { return internal; }
+    /// Returns the same as `FilePath::IsRelative`.
     static bool IsRelative(const String& text) { return FilePath::IsRelative(text); }
 
-    bool IsTopLevel() const;      ///< True for the empty path and for a clean form of "/" or "./".
-    String GetFolderName() const; ///< The last name; "" at top level.
-    FolderPath GetParent() const; ///< Empty at top level.
+    bool IsTopLevel() const;      ///< Returns true for the empty path and for a clean form of "/" or "./".
+    String GetFolderName() const; ///< Returns the last name, "" at top level.
+    FolderPath GetParent() const; ///< Returns the empty path at top level.
 
-    String ToString() const; ///< Clean, with one "/" at the end; "/" for the empty path.
+    String ToString() const; ///< Returns the clean form with one "/" at the end, "/" for the empty path.
 
 private:
     friend class FilePath;
@@ -71,8 +75,8 @@ private:
     String internal;
 };
 
-/// `name` inside `folder`. A name with separators leads deeper. An empty folder gives the path of `name`
-/// alone.
+/// Returns the path of `name` inside `folder`. A name with separators names a file in a subfolder. With an
+/// empty folder, the result is the path of `name` alone.
 FilePath operator+(const FolderPath& folder, const String& name);
 
 ///@{

@@ -1,21 +1,22 @@
 #pragma once
 
 /// @file
-/// Owning pointers whose counts are plain integers: a handle and its copies belong to one thread at a time.
+/// Owning pointers. Their reference counts are plain integers: a handle and its copies belong to one thread
+/// at a time.
 
 #include <cstddef>
 #include <memory>
 #include <new>
 #include <utility>
 
-/// Deletes an object of a complete type; an incomplete one does not compile.
+/// Deletes an object. Does not compile if the type is incomplete.
 template <typename T>
 void checked_delete(T* p) {
     static_assert(sizeof(T) != 0, "the type must be complete where its object is deleted");
     delete p;
 }
 
-/// The same of an array made with `new[]`.
+/// Deletes an array made with `new[]`. Does not compile if the type is incomplete.
 template <typename T>
 void checked_array_delete(T* p) {
     static_assert(sizeof(T) != 0, "the type must be complete where its objects are deleted");
@@ -30,18 +31,18 @@ struct use_counter {
     void (*dispose)(use_counter*, T* object); ///< Frees the object and the counter.
 };
 
-/// What every null handle points at; its count is never changed, so that null handles allocate nothing.
+/// The counter of every null handle. Its count never changes, and null handles allocate nothing.
 template <typename T>
 inline use_counter<T> null_counter = {1, nullptr};
 
-/// Shared ownership of what `Delete` frees.
+/// A handle with shared ownership. `Delete` frees the object.
 template <typename T, void (*Delete)(T*)>
 class shared_handle {
     using counter_type = use_counter<T>;
 
 public:
     shared_handle() noexcept = default;
-    /// Takes `p` over, also when the counter cannot be allocated (`p` is then freed).
+    /// Takes ownership of `p`. Throws `std::bad_alloc`, and `p` is then freed.
     explicit shared_handle(T* p) {
         if (!p) return;
         std::unique_ptr<T, void (*)(T*)> guard(p, Delete);
@@ -68,18 +69,19 @@ public:
         std::swap(counter, other.counter);
     }
 
-    /// Lets go of the present object and takes `p` over; nothing happens when `p` is the present object.
+    /// Releases the present object and takes ownership of `p`. Does nothing if `p` is the present object.
+    /// Throws `std::bad_alloc`: `p` is then freed and the present object stays.
     void reset(T* p = nullptr) {
         if (p != object) shared_handle(p).swap(*this);
     }
 
     T* get() const noexcept { return object; }
-    /// Handles on the object; 1 for a null handle.
+    /// Returns the number of handles on the object, 1 for a null handle.
     unsigned int use_count() const noexcept { return counter->uses; }
     explicit operator bool() const noexcept { return object != nullptr; }
 
 protected:
-    /// Counter and object in one block.
+    /// Counter and object in one allocation.
     struct block : counter_type {
         template <typename... Arguments>
         explicit block(Arguments&&... arguments)
@@ -110,7 +112,7 @@ public:
     using base::base;
     shared_ptr() noexcept = default;
 
-    /// A new object and its counter in one allocation.
+    /// Creates the object and its counter in one allocation.
     template <typename... Arguments>
     static shared_ptr make(Arguments&&... arguments) {
         return shared_ptr(new typename base::block(std::forward<Arguments>(arguments)...));
@@ -133,7 +135,7 @@ public:
     using smart_ptr_detail::shared_handle<T, &checked_array_delete<T>>::shared_handle;
     shared_array() noexcept = default;
 
-    /// The index is not checked: the length is not known here.
+    /// Does not check the index, because the handle does not know the length.
     T& operator[](std::size_t index) const noexcept { return this->get()[index]; }
 };
 
@@ -141,22 +143,22 @@ public:
 template <typename T>
 class scoped_array {
 public:
-    /// Takes `p` over.
+    /// Takes ownership of `p`.
     explicit scoped_array(T* p = nullptr) noexcept : array(p) {}
     scoped_array(const scoped_array&) = delete;
     scoped_array& operator=(const scoped_array&) = delete;
     ~scoped_array() { checked_array_delete(array); }
 
-    /// Frees the present array and takes `p` over; nothing happens when `p` is the present one.
+    /// Frees the present array and takes ownership of `p`. Does nothing if `p` is the present array.
     void reset(T* p = nullptr) {
         if (p == array) return;
         checked_array_delete(array);
         array = p;
     }
-    T* get() const noexcept { return array; } ///< Lent; null when nothing is owned.
-    /// The index is not checked: the length is not known here.
+    T* get() const noexcept { return array; } ///< Returns the array, still owned; null if there is none.
+    /// Does not check the index, because the handle does not know the length.
     T& operator[](std::size_t index) const noexcept { return array[index]; }
-    explicit operator bool() const noexcept { return array != nullptr; } ///< Whether anything is owned.
+    explicit operator bool() const noexcept { return array != nullptr; } ///< True unless null.
 
 private:
     T* array;

@@ -15,7 +15,7 @@ std::size_t lengthUpToNul(const char* s, unsigned int limit) {
     return end ? static_cast<std::size_t>(static_cast<const char*>(end) - s) : limit;
 }
 
-/// Bytes that a UTF-8 sequence with this lead byte has; the forms of five to seven bytes are counted too.
+/// Returns the length of a UTF-8 sequence with this lead byte. Sequences of five to seven bytes count too.
 std::size_t sequenceLength(unsigned char lead) {
     if (lead < 0xE0) return 2;
     if (lead < 0xF0) return 3;
@@ -24,7 +24,7 @@ std::size_t sequenceLength(unsigned char lead) {
     return lead < 0xFE ? 6 : 7;
 }
 
-/// Makes a sequence that the end of the text cuts off NUL bytes.
+/// Overwrites a UTF-8 sequence that the end of the text cuts off with NUL bytes.
 void blankCutSequence(char* bytes, std::size_t length) {
     if (length == 0 || static_cast<unsigned char>(bytes[length - 1]) < 0x80) return;
     for (std::size_t i = length; i-- > 0;) {
@@ -36,7 +36,7 @@ void blankCutSequence(char* bytes, std::size_t length) {
     }
 }
 
-/// The room of a text that grew to `length` and may go on growing.
+/// Returns the capacity for a text that has grown to `length` and may grow further.
 std::size_t roomToGrow(std::size_t length) {
     const unsigned long long room = length + std::max(0ull + length, 16ull);
     return room > 0xFFFFFFFFu || room > PTRDIFF_MAX ? length : static_cast<std::size_t>(room);
@@ -46,10 +46,10 @@ std::size_t roomToGrow(std::size_t length) {
 
 void refuseLength() { throw std::length_error("String: too long"); }
 
-/// A block for one holder, its bytes yet to be written. Both numbers are such as `checkedLength` lets
-/// through.
+/// Allocates a buffer with one holder. The caller writes the bytes. Both sizes must have been checked with
+/// `checkedLength`.
 String::Block* String::NewBlock(std::size_t length, std::size_t capacity) {
-    void* const memory = std::malloc(sizeof(Block) + capacity + 1); // the operators would only pass it on
+    void* const memory = std::malloc(sizeof(Block) + capacity + 1); // operator new would only call malloc
     if (!memory) throw std::bad_alloc();
     const auto newLength = static_cast<unsigned int>(length),
                newCapacity = static_cast<unsigned int>(capacity);
@@ -86,7 +86,7 @@ String& String::Append(std::string_view piece) {
         block->Bytes()[total] = '\0';
         return *this;
     }
-    String longer; // the old text goes last: the piece may be a part of it
+    String longer; // frees the old text last: the piece may be a part of it
     longer.block = NewBlock(total, roomToGrow(total));
     std::memcpy(longer.block->Bytes(), Latin1(), length);
     std::memcpy(longer.block->Bytes() + length, piece.data(), piece.size());

@@ -11,59 +11,65 @@
 #include <vector>
 
 /// @file
-/// Text, its concatenation and its comparison.
+/// UTF-8 text: storage, formatting, parsing, searching, editing, concatenation and comparison.
 
-/// UTF-8 text, shared on copy.
+/// UTF-8 text with a shared buffer.
 ///
-/// A `String` is a handle on bytes that it shares with its copies; an edit never reaches the copies, they
-/// keep the old text. There are two empty states, no text at all (null) and zero bytes; both read as "", are
-/// equal and have length 0. Positions and lengths are byte counts. NUL bytes may stand in the text: they
-/// count in `GetLength` and end every comparison and every C string taken from it.
+/// Copies share one buffer. An edit of one `String` does not change its copies. Positions and lengths are
+/// byte counts. A `String` has two empty states: null (no text) and zero bytes. Both read as "", are equal
+/// and have length 0. The text may contain NUL bytes: `GetLength` counts them, but comparisons and C strings
+/// end at the first one.
 ///
-/// The bytes are not checked to be UTF-8. Copies of one text belong to one thread at a time: the count is not
-/// locked. Running out of memory throws `std::bad_alloc` and leaves the `String` as it was; so does a text of
-/// 4 GiB or more (`std::length_error`; in a 32-bit process from 2 GiB on). Nothing else here fails.
+/// The bytes are not checked to be UTF-8. The reference count is not locked: a text and its copies belong to
+/// one thread at a time. An operation throws `std::bad_alloc` for lack of memory, and `std::length_error` for
+/// a text of 4 GiB or more (in a 32-bit process, of 2 GiB or more). The `String` is then unchanged. No
+/// operation fails for another reason.
 class String {
 public:
     String() noexcept = default;
-    /// Shares the text; neither can change the other's from then on.
+    /// Shares the text.
     String(const String& other) noexcept : block(other.block) {
         if (block) ++block->holders;
     }
-    /// The source becomes null.
+    /// Moves the text. The source becomes null.
     String(String&& other) noexcept : block(std::exchange(other.block, nullptr)) {}
     ~String() {
         if (block && --block->holders == 0) Free(block);
     }
-    String(const char* s);                 ///< Up to the NUL; null gives null.
-    String(const char* s, unsigned int n); ///< Up to the NUL, `n` bytes at most; null gives null.
-    String(char c);                        ///< One byte, also when it is 0.
-    /// From UTF-16, ended by a 0 unit, to Mac Roman where `encoding` is 2 and else to UTF-8. Null from null,
-    /// from 100,000 units or more, and when a character cannot be converted.
+    /// Copies up to the NUL. A null pointer gives null.
+    String(const char* s);
+    /// Copies up to the NUL, at most `n` bytes. A null pointer gives null.
+    String(const char* s, unsigned int n);
+    /// Stores one byte, also the byte 0.
+    String(char c);
+    /// Converts UTF-16 units, ended by a 0 unit, to Mac Roman if `encoding` is 2, else to UTF-8. The result
+    /// is null for a null pointer, for 100,000 units or more, and if a character has no form in the encoding.
     String(const unsigned short* s, unsigned int encoding);
 
-    /// Shares the text, or takes it over from a temporary.
+    /// Shares the text, or moves it from a temporary.
     String& operator=(String other) noexcept {
         std::swap(block, other.block);
         return *this;
     }
-    String& operator=(const char* s); ///< Up to the NUL; null gives null.
+    String& operator=(const char* s); ///< Copies up to the NUL. A null pointer gives null.
 
     // Reading
 
-    /// In bytes, without the terminator; 0 for both empty states.
+    /// Returns the number of bytes without the terminator, 0 for both empty states.
     unsigned int GetLength() const { return block ? block->length : 0; }
-    /// The bytes as they are stored, ended by a NUL; valid until this `String` changes. Never null.
+    /// Returns the stored bytes, ended by a NUL; never null. The pointer is valid until this `String` is
+    /// changed or destroyed.
     const char* Latin1() const { return block ? block->Bytes() : ""; }
-    /// Returns the text up to its first NUL as UTF-16 units, followed by 0. Returns a null array if the bytes
-    /// are not valid in the encoding (2 Mac Roman, else UTF-8) or make more than 100,000 units.
+    /// Returns the text up to its first NUL as UTF-16 units, ended by 0. Returns a null array if the bytes
+    /// are not valid in the encoding (2 Mac Roman, else UTF-8) or give more than 100,000 units.
     shared_array<unsigned short> Unicode(unsigned int encoding) const;
-    static String GetPlatformLinefeed(); ///< One line feed: the Mac of today, not the classic one.
+    static String GetPlatformLinefeed(); ///< Returns one line feed, as Mac OS X uses it.
 
     // Appending
 
-    String& operator+=(const String& r); ///< Shares `r` when this one is empty.
-    /// One byte, also when it is 0; room for more is made ahead, so that many of these cost little.
+    String& operator+=(const String& r); ///< Shares `r` if this text is empty.
+    /// Appends one byte, also the byte 0. The buffer grows ahead of need, so that repeated appending is
+    /// cheap.
     String& operator+=(char c) {
         if (!IsSoleHolder() || block->length == block->capacity) return Append(std::string_view(&c, 1));
         char* const end = block->Bytes() + block->length++;
@@ -73,23 +79,23 @@ public:
     }
 
     ///@{
-    /// A copy with the argument in place of a placeholder, "%" and one digit: of the lowest digit, its
-    /// leftmost one. Without a placeholder the argument goes to the end. See `Number` for base, width,
-    /// precision and format.
+    /// Returns a copy in which the argument replaces one placeholder. A placeholder is "%" and one digit.
+    /// `Arg` replaces the placeholder with the lowest digit, the leftmost one of equal digits. Without a
+    /// placeholder, `Arg` appends the argument. See `Number` for base, width, precision and format.
     String Arg(const String& a) const;
     String Arg(char c) const;
     String Arg(const Char& c) const;
     ///@}
     ///@{
-    /// The same. Base 16 formats the bits as an unsigned number: 32 bits for an `int` and for a `long` whose
-    /// value fits them (-1 gives "FFFFFFFF"), all bits for a wider `long`.
+    /// Formats a number. Base 16 formats the bits as an unsigned number: 32 bits for an `int` and for a
+    /// `long` whose value fits 32 bits (-1 gives "FFFFFFFF"), all bits for another `long`.
     String Arg(int v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     String Arg(long v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     ///@}
-    /// The same; keeps its sign in every base.
+    /// Formats a number. The number keeps its sign in every base.
     String Arg(short v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     ///@{
-    /// As for text.
+    /// Formats a number as `Number` does.
     String Arg(unsigned short v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     String Arg(unsigned int v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
     String Arg(unsigned long v, unsigned int base = 10, const checked_value<unsigned int>& width = {}) const;
@@ -105,8 +111,9 @@ public:
     // Numbers to text
 
     ///@{
-    /// Bases 2 to 36, any other is 10; upper-case digits. `width` pads with "0" on the left and does not
-    /// count the sign. The smallest `int` with a width is written as two pieces, each padded by itself.
+    /// Returns the number in a base from 2 to 36 with upper-case digits; another base counts as 10. "0" pads
+    /// the digits on the left to `width`, which does not count the sign. The smallest 32-bit number with a
+    /// width is formatted as two pieces (all digits but the last, and the last), each padded to the width.
     static String Number(int v, unsigned int base = 10, const checked_value<unsigned int>& width = {});
     static String Number(long v, unsigned int base = 10, const checked_value<unsigned int>& width = {});
     static String Number(unsigned int v, unsigned int base = 10,
@@ -115,14 +122,15 @@ public:
                          const checked_value<unsigned int>& width = {});
     ///@}
     ///@{
-    /// Base 16 (of the bits, unsigned) or decimal; no other base.
+    /// Returns the bits as an unsigned number in base 16, and the number in base 10 for every other base.
     static String Number(long long v, unsigned int base = 10, const checked_value<unsigned int>& width = {});
     static String Number(unsigned long long v, unsigned int base = 10,
                          const checked_value<unsigned int>& width = {});
     ///@}
     ///@{
-    /// As printf writes it: `format` is one of the letters f F e E g G, anything else is f. `precision` is
-    /// cut to 99; 0xFFFFFFFF means the default of 6. At most 1023 characters.
+    /// Returns the number as printf formats it. `format` is one of the letters f F e E g G; another value
+    /// counts as f. `precision` is limited to 99; 0xFFFFFFFF means the default of 6. The decimal point is
+    /// that of the process's locale.
     static String Number(double v, unsigned int precision = 0xFFFFFFFF,
                          const checked_value<unsigned int>& format = {});
     static String Number(float v, unsigned int precision = 0xFFFFFFFF,
@@ -130,98 +138,107 @@ public:
     ///@}
 
     /// @name Text to numbers
-    /// The whole text, less the white space around it, must be one number; otherwise the result is 0 and
-    /// `*ok` false. "." and "," are both decimal separators; full-width digits and signs are read. Bases up
-    /// to 36, letters in either case and no prefix; base 0 and those above 36 read nothing.
+    /// Each function parses the whole text without the white space around it. If the text is not one number
+    /// of the accepted range, the result is 0 and `*ok` is false; otherwise `*ok` is true. "." and "," are
+    /// both decimal separators. Full-width digits, minus signs and full stops count as ASCII ones.
+    ///
+    /// The digits of a base above 10 are letters in either case. In a base above 36 the ASCII characters
+    /// behind "Z" and "z" are digits too. Base 0 has no digits. Prefixes such as "0x" are not accepted.
     ///@{
 
-    /// Behind "-" every magnitude up to 65535 is taken and cut to 16 bits: "-40000" gives 25536.
+    /// Accepts -65535 to 32767. The value is cut to 16 bits: "-40000" gives 25536.
     short ToShort(bool* ok = nullptr, unsigned int base = 10) const;
-    /// 0 to 65535; "-" fails in all unsigned types, also before 0.
+    /// Accepts 0 to 65535. All unsigned types reject "-", also before 0.
     unsigned short ToUShort(bool* ok = nullptr, unsigned int base = 10) const;
-    /// -2147483648 to 2147483647.
+    /// Accepts -2147483648 to 2147483647.
     int ToInt(bool* ok = nullptr, unsigned int base = 10) const;
-    /// 0 to 4294967295.
+    /// Accepts 0 to 4294967295.
     unsigned int ToUInt(bool* ok = nullptr, unsigned int base = 10) const;
-    /// Takes 32 bits and extends their sign: "3000000000" gives -1294967296, "4294967296" fails. Behind "-"
-    /// nothing but 0 is taken.
+    /// Accepts 0 to 4294967295 and "-0". The low 32 bits are sign-extended: "3000000000" gives -1294967296.
     long long ToInt64(bool* ok = nullptr, unsigned int base = 10) const;
-    /// 0 to 18446744073709551615, unlike `ToInt64`.
+    /// Accepts 0 to 18446744073709551615, unlike `ToInt64`.
     unsigned long long ToUInt64(bool* ok = nullptr, unsigned int base = 10) const;
-    /// Exponents, hexadecimal numbers, infinities and NaN as strtod reads them.
+    /// Accepts exponents, hexadecimal numbers, infinities and NaN as strtod does.
     double ToDouble(bool* ok = nullptr) const;
-    /// `ToDouble`, narrowed: infinite when no float is that large.
+    /// Returns `ToDouble`, rounded to float. The result is infinite if the number is too large for a float.
     float ToFloat(bool* ok = nullptr) const;
     ///@}
 
     /// @name Searching
-    /// Without `caseSensitive`, "A"-"Z" and "a"-"z" are the same; no other letters fold.
+    /// If `caseSensitive` is false, "A"-"Z" equal "a"-"z". No other letters are folded.
     ///@{
 
-    /// First position at or after `start`; absent also when `start` is at or past the end.
+    /// Returns the first position at or after `start`. Returns absent if there is none, also for a `start` at
+    /// or past the end.
     checked_value<unsigned int> Find(char c, unsigned int start = 0, bool caseSensitive = true) const;
-    /// Reads both texts up to their next NUL. An empty `s` stands at `start`, a null one nowhere.
+    /// Compares both texts up to their next NUL. An empty `s` is found at `start`, a null pointer nowhere.
     checked_value<unsigned int> Find(const char* s, unsigned int start = 0, bool caseSensitive = true) const;
-    /// Last position at or before `start` (absent: the last byte); absent also when `start` is at or past the
-    /// end.
+    /// Returns the last position at or before `start` (absent: the last byte). Returns absent if there is
+    /// none, also for a `start` at or past the end.
     checked_value<unsigned int> FindRev(char c, const checked_value<unsigned int>& start = {},
                                         bool caseSensitive = true) const;
-    /// True for an empty `p`. Bytes behind a NUL that both have are not compared.
+    /// Returns true for an empty `p`. Bytes after a NUL at the same place in both texts are not compared.
     bool BeginsWith(const String& p, bool caseSensitive = true) const;
-    /// As `BeginsWith`.
+    /// Returns true for an empty `p`, and compares as `BeginsWith` does.
     bool EndsWith(const String& p, bool caseSensitive = true) const;
     ///@}
 
     // Slices
 
     ///@{
-    /// `n` bytes, which may cut a character; the whole text, shared, where there are no more.
+    /// Returns `n` bytes from the start or the end, or the whole text, shared, if it is no longer. The cut
+    /// may split a character.
     String Left(unsigned int n) const;
     String Right(unsigned int n) const;
     ///@}
-    /// From `start`, at most `n` bytes (absent: to the end); null when `start` is at or past the end.
+    /// Returns at most `n` bytes from `start` on (absent: up to the end). Returns null if `start` is at or
+    /// past the end.
     String Mid(unsigned int start, const checked_value<unsigned int>& n = {}) const;
 
-    // Editing in place: these change this `String` and answer it
+    // Editing in place: these functions change this `String` and return it
 
-    String& Insert(unsigned int pos, const String& s); ///< At or past the end it appends.
-    /// From `pos`, at most `n` bytes (absent: to the end); nothing when `pos` is at or past the end.
+    String& Insert(unsigned int pos, const String& s); ///< Appends if `pos` is at or past the end.
+    /// Removes at most `n` bytes from `pos` on (absent: up to the end). Does nothing if `pos` is at or past
+    /// the end.
     String& Remove(unsigned int pos, const checked_value<unsigned int>& n = {});
-    String& Truncate(unsigned int n); ///< As `Resize(n, true)` when that is shorter; else nothing.
-    /// Exactly `n` bytes, new ones NUL. With `keepWholeCharacters` a UTF-8 sequence that is cut off at the
-    /// end becomes NUL bytes, which still count in the length.
+    String& Truncate(unsigned int n); ///< Calls `Resize(n, true)` if the text is longer than `n` bytes.
+    /// Sets the length to `n` bytes. New bytes are NUL. With `keepWholeCharacters`, a UTF-8 sequence that the
+    /// new end cuts off becomes NUL bytes, which still count in the length.
     String& Resize(unsigned int n, bool keepWholeCharacters);
-    /// Gives this `String` bytes that no other shares, grown by NUL bytes to `n` + 1 unless `n` is below the
-    /// length.
+    /// Gives this `String` a buffer of its own. If `n` is not below the length, NUL bytes extend the text to
+    /// `n` + 1 bytes.
     String& detachAndExtend(unsigned int n);
 
     // Edited copies
 
-    String ReplaceChar(const Char& from, const Char& to) const; ///< Every byte that is `from`.
-    String Replace(const String& from, const String& to) const; ///< Every occurrence, left to right.
+    String ReplaceChar(const Char& from, const Char& to) const; ///< Replaces every byte `from`.
+    String Replace(const String& from, const String& to) const; ///< Replaces from left to right.
     ///@{
-    /// "a"-"z" and "A"-"Z" alone, whatever the locale.
+    /// Maps "a"-"z" and "A"-"Z" to each other in every locale. Keeps all other bytes.
     String ToUpper() const;
     String ToLower() const;
     ///@}
-    String StripWhiteSpace() const;    ///< Without that of `Char::IsSpace` at both ends.
-    String SimplifyWhiteSpace() const; ///< Stripped, and every run of white space made one blank.
+    String StripWhiteSpace() const; ///< Removes the bytes of `Char::IsSpace` at both ends.
+    /// Removes white space at both ends and replaces every other run of white space by one blank. The byte
+    /// 0xA0 counts as white space in UTF-8 sequences too. A sequence that is cut off at the end becomes NUL
+    /// bytes.
+    String SimplifyWhiteSpace() const;
 
     // Lists
 
-    /// Empties `out` and fills it with what stands between the separators: one element at least.
+    /// Replaces the contents of `out` by the parts between the separators. There is always at least one part.
     void Split(char sep, std::vector<String>& out) const;
-    /// Null for no parts.
+    /// Returns the parts with `sep` between them. Returns null if there are no parts.
     static String Join(const String& sep, const std::vector<String>& parts);
 
 private:
     friend class StringBuilder;
 
-    /// What stands in front of the bytes and their NUL, in the one block of memory that a text takes.
+    /// The header of a text's buffer. The bytes and their NUL follow it in the same allocation.
     struct Block {
         unsigned int holders;
         unsigned int length;
-        unsigned int capacity; // bytes that there is room for, less the NUL
+        unsigned int capacity; // of the bytes without the NUL
         char* Bytes() { return reinterpret_cast<char*>(this + 1); }
     };
 
@@ -230,23 +247,23 @@ private:
     static Block* NewBlock(std::size_t length, std::size_t capacity);
     static void Free(Block* b) noexcept;
 
-    /// As strstr, with "A"-"Z" and "a"-"z" taken as the same.
+    /// Finds `part` as strstr does, with "A"-"Z" equal to "a"-"z".
     static const char* FindFolded(const char* s, const char* part);
 
     std::string_view Bytes() const { return {Latin1(), GetLength()}; }
-    /// Nobody else sees the text: it may be edited in place.
+    /// Returns whether no other `String` shares the text, so that it may be edited in place.
     bool IsSoleHolder() const { return block && block->holders == 1; }
     String& Append(std::string_view piece);
 
     friend String operator+(String a, const String& b);
     friend String operator+(String a, const char* b);
 
-    Block* block = nullptr; // null for no text
+    Block* block = nullptr; // null in the null state
 };
 
-/// Shares the other text if one is empty.
+/// Concatenates. Shares the other text if one is empty.
 String operator+(String a, const String& b);
-/// A null pointer adds nothing.
+/// Concatenates. A null pointer adds nothing.
 String operator+(String a, const char* b);
 
 ///@{

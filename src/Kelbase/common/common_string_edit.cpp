@@ -11,7 +11,7 @@ namespace {
 
 bool isSpace(char c) { return Char(c).IsSpace(); }
 
-/// Where `part` stands, left to right, no place overlapping the one before.
+/// Returns the positions of `part` from left to right, without overlaps.
 std::vector<std::size_t> placesOf(std::string_view part, std::string_view text) {
     std::vector<std::size_t> places;
     for (std::size_t start = 0;; start = places.back() + part.size()) {
@@ -21,7 +21,7 @@ std::vector<std::size_t> placesOf(std::string_view part, std::string_view text) 
     }
 }
 
-/// `map` of every byte.
+/// Returns the text with `map` applied to every byte.
 template <typename Map>
 String mapped(std::string_view bytes, Map map) {
     if (bytes.empty()) return {};
@@ -84,8 +84,7 @@ String String::Replace(const String& from, const String& to) const {
     const std::vector<std::size_t> hits = placesOf(from.Bytes(), bytes);
     if (hits.empty()) return *this;
 
-    // No overflow: a hit takes a byte at least, so there are fewer than 2^32, and `to` has fewer bytes than
-    // that.
+    // The sum cannot overflow: there are fewer than 2^32 hits, and `to` has fewer than 2^32 bytes.
     StringBuilder result(bytes.size() - 0ull - hits.size() * from.GetLength() +
                          1ull * hits.size() * to.GetLength());
     std::size_t copied = 0;
@@ -118,7 +117,7 @@ String String::SimplifyWhiteSpace() const {
     char* end = text_scan::WriteWords(bytes, words.End());
     if (end > words.End() && end[-1] == ' ') --end;
     String simplified = words.FinishAt(end);
-    // Byte 0xA0 separates words also inside a UTF-8 sequence: the last one may have lost its tail.
+    // The byte 0xA0 separates words inside a UTF-8 sequence too, so the last sequence may be cut off.
     return simplified.Resize(simplified.GetLength(), true);
 }
 
@@ -134,7 +133,7 @@ void String::Split(char sep, std::vector<String>& out) const {
         start = hit + 1;
     }
     fields.push_back(Mid(start));
-    out = std::move(fields); // last, because this String may be one of its elements
+    out = std::move(fields); // assigned last, because this String may be an element of `out`
 }
 
 String String::Join(const String& sep, const std::vector<String>& parts) {

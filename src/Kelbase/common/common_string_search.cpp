@@ -12,7 +12,7 @@ Position positionAt(std::size_t i) { return Position(static_cast<unsigned int>(i
 
 char folded(char c) { return Char(c).ToLower(); }
 
-/// Whether `n` bytes are equal, or all those before a NUL that both have.
+/// Returns whether `n` bytes are equal. The comparison ends at a NUL in both texts.
 bool equalUpToNul(const char* a, const char* b, std::size_t n, bool caseSensitive) {
     return caseSensitive ? std::strncmp(a, b, n) == 0 : text_scan::EqualFolded(a, b, n);
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::size_t maxUnitsIn = 100000; ///< From here on a text is refused.
+constexpr std::size_t maxUnitsIn = 100000; ///< Texts of this length and longer are rejected.
 constexpr CFIndex maxUnitsOut = 100000;
 
 struct Release {
@@ -19,7 +19,7 @@ CFStringEncoding platformEncoding(unsigned int encoding) {
     return encoding == 2 ? kCFStringEncodingMacRoman : kCFStringEncodingUTF8;
 }
 
-/// Units before the terminating 0, or the limit.
+/// Returns the number of units before the terminating 0, at most the limit.
 std::size_t countUnits(const unsigned short* s) {
     std::size_t count = 0;
     while (count < maxUnitsIn && s[count] != 0) ++count;
@@ -39,7 +39,7 @@ String::String(const unsigned short* s, unsigned int encoding) {
     const OwnedCFString string(
         CFStringCreateWithCharacters(kCFAllocatorDefault, s, static_cast<CFIndex>(count)));
     if (!string) return;
-    const std::size_t room = 5 * count + 5; // no encoding here needs more for a unit
+    const std::size_t room = 5 * count + 5; // no encoding needs more bytes for a unit
     const scoped_array<char> buffer(new char[room]);
     const bool converted = CFStringGetCString(string.get(), buffer.get(), static_cast<CFIndex>(room),
                                               platformEncoding(encoding));

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Base for classes that must not be copied: derive privately.
+/// Private base class of classes that must not be copied.
 class noncopyable {
 protected:
     noncopyable() = default;
