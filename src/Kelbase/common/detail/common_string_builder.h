@@ -3,17 +3,17 @@
 #include <Kelbase/common/common_string.h>
 #include <Kelbase/common/detail/common_string_length.h>
 
-/// A new text, written from front to back into the one block of memory that it will take.
+/// Builds a text from front to back in the buffer that the finished `String` keeps.
 class StringBuilder {
 public:
-    /// Makes room for a text of at most `length` bytes; throws as `String` does.
+    /// Allocates a buffer for at most `length` bytes. Throws as `String` does.
     explicit StringBuilder(unsigned long long length) {
         const std::size_t room = checkedLength(length);
         text.block = String::NewBlock(room, room);
         end = text.block->Bytes();
     }
 
-    // What is added must fit the room.
+    // The caller must not add more than that.
 
     StringBuilder& Add(std::string_view piece) {
         std::memcpy(end, piece.data(), piece.size());
@@ -25,14 +25,15 @@ public:
         return *this;
     }
 
-    /// The next `n` bytes, for the caller to write.
+    /// Returns the place of the next `n` bytes. The caller writes them.
     char* Take(std::size_t n) { return std::exchange(end, end + n); }
 
-    /// Where the next byte goes, for those who write there themselves; they then `Finish` at another place.
+    /// Returns the place of the next byte. A caller that writes there itself ends with `FinishAt`.
     char* End() { return end; }
 
+    /// Returns the text. The builder is empty afterwards.
     String Finish() { return FinishAt(end); }
-    /// The text up to `e`; the builder has none left.
+    /// Returns the text up to `e`. The builder is empty afterwards.
     String FinishAt(char* e) {
         *e = '\0';
         text.block->length = static_cast<unsigned int>(e - text.block->Bytes());

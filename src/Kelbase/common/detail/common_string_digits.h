@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Writes and counts the digits of unsigned integers.
+
 #include <array>
 #include <climits>
 #include <cstddef>
@@ -8,7 +11,7 @@
 
 constexpr char digitAlphabet[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
-/// All pairs of digits of a base, in order: two digits a division.
+/// Returns all pairs of digits of a base, in order. With them one division gives two digits.
 template <unsigned int base>
 constexpr auto allPairs() {
     std::array<std::array<char, 2>, std::size_t{base} * base> pairs{};
@@ -19,15 +22,14 @@ constexpr auto allPairs() {
 inline constexpr auto decimalPairs = allPairs<10>();
 inline constexpr auto hexadecimalPairs = allPairs<16>();
 
-/// Writes exactly `count` decimal digits in front of `end`, the lowest ones of `v`, and answers where they
-/// begin.
+/// Writes the lowest `count` decimal digits of `v` in front of `end` and returns the place of the first one.
 inline char* writeLowDigits(char* end, unsigned int v, unsigned int count) {
     for (; count > 1; count -= 2, v /= 100) std::memcpy(end -= 2, &decimalPairs[v % 100], 2);
     if (count > 0) *--end = digitAlphabet[v % 10];
     return end;
 }
 
-/// Writes the decimal digits of `v` in front of `end` and answers where they begin.
+/// Writes the decimal digits of `v` in front of `end` and returns the place of the first one.
 inline char* writeDecimal(char* end, unsigned long long v) {
     for (; v > UINT_MAX; v /= 100000000)
         end = writeLowDigits(end, static_cast<unsigned int>(v % 100000000), 8);
@@ -42,16 +44,16 @@ inline char* writeDecimal(char* end, unsigned long long v) {
     return end;
 }
 
-/// Bits that `v` takes, 1 for zero.
+/// Returns the number of significant bits of `v`, 1 for zero.
 inline unsigned int countBits(unsigned long long v) {
     return static_cast<unsigned int>(std::numeric_limits<unsigned long long>::digits -
                                      __builtin_clzll(v | 1));
 }
 
-/// Digits of `v` in base 10.
+/// Returns the number of digits of `v` in base 10.
 inline unsigned int countDecimal(unsigned long long v) {
     static constexpr std::array<unsigned long long, 20> powers = [] {
-        std::array<unsigned long long, 20> list{}; // 0 for the first: zero has a digit too
+        std::array<unsigned long long, 20> list{}; // the first one is 0: zero has one digit
         for (std::size_t i = 1; i < list.size(); ++i) list[i] = i == 1 ? 10 : list[i - 1] * 10;
         return list;
     }();
@@ -59,16 +61,16 @@ inline unsigned int countDecimal(unsigned long long v) {
     return atLeast + (v >= powers[atLeast]);
 }
 
-/// The same in base 16.
+/// Returns the number of digits of `v` in base 16.
 inline unsigned int countHexadecimal(unsigned long long v) { return (countBits(v) + 3) / 4; }
 
-/// Writes them in front of `end`, as many as there are.
+/// Writes the `count` hexadecimal digits of `v` in front of `end`.
 inline void writeHexadecimal(char* end, unsigned long long v, unsigned int count) {
     for (; count > 1; count -= 2, v >>= 8) std::memcpy(end -= 2, &hexadecimalPairs[v & 0xFF], 2);
     if (count > 0) *--end = digitAlphabet[v];
 }
 
-/// Digits of `v` in a base from 2 to 36.
+/// Returns the number of digits of `v` in a base from 2 to 36.
 inline unsigned int countDigits(unsigned long long v, unsigned int base) {
     const unsigned long long lastToGrow = ULLONG_MAX / base;
     unsigned int count = 1;
@@ -78,6 +80,7 @@ inline unsigned int countDigits(unsigned long long v, unsigned int base) {
     }
     return count;
 }
+/// Writes the digits of `v` in front of `end`.
 inline void writeDigits(char* end, unsigned long long v, unsigned int base) {
     do {
         *--end = digitAlphabet[v % base];

@@ -1,12 +1,16 @@
 #pragma once
 
+/// @file
+/// The limit on the length of a text.
+
 #include <cstddef>
 #include <cstdint>
 
+/// Throws `std::length_error`.
 [[noreturn]] void refuseLength();
 
-/// `n`, the length that a text is to have in bytes; throws `std::length_error` from 4 GiB on (in a 32-bit
-/// process from 2 GiB), before anything of that size is allocated.
+/// Returns `n`, the length of a new text in bytes. Throws `std::length_error` if `n` is 4 GiB or more (in a
+/// 32-bit process, 2 GiB or more). Callers check a length before they allocate.
 inline std::size_t checkedLength(unsigned long long n) {
     if (n > 0xFFFFFFFFu || n > PTRDIFF_MAX) refuseLength();
     return static_cast<std::size_t>(n);

@@ -2,9 +2,9 @@
 
 #include <langinfo.h>
 
-/// The decimal point of the process's locale, as the C library prints and reads it; it may take several
-/// bytes.
+/// Returns the decimal point of the process's locale, which the C library prints and reads. It may have
+/// several bytes.
 inline const char* localeDecimalPoint() {
-    const char* const point = nl_langinfo(RADIXCHAR); // localeconv tells it too, among twenty other things
+    const char* const point = nl_langinfo(RADIXCHAR); // cheaper than localeconv
     return point && *point ? point : ".";
 }

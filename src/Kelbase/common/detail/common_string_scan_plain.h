@@ -1,6 +1,8 @@
 #pragma once
 
-/// The plain forms of what common_string_scan.h declares, and what the others do with their last bytes.
+/// @file
+/// The scalar implementations of the functions in common_string_scan.h. The vectorised ones use them for the
+/// last bytes of a text.
 
 #include <Kelbase/common/common_char.h>
 #include <Kelbase/common/detail/common_string_scan.h>
@@ -36,11 +38,11 @@ inline bool EqualFolded(const char* a, const char* b, std::size_t n) {
     return true;
 }
 
-/// `afterSpace` says whether white space, or nothing, stands before the text.
+/// `afterSpace` says whether white space or nothing precedes the text.
 inline char* WriteWords(std::string_view text, char* out, bool afterSpace) {
     for (const char c : text) {
         const bool space = Char(c).IsSpace();
-        *out = space ? ' ' : c; // what is not to stay is written over
+        *out = space ? ' ' : c; // a dropped byte is overwritten by the next one
         out += !(space && afterSpace);
         afterSpace = space;
     }

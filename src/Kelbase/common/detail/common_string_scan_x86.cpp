@@ -12,7 +12,8 @@
 #include <emmintrin.h>
 #include <tmmintrin.h>
 
-// Sixteen bytes at a time, the last ones by the plain forms. A mask has a bit for each of the sixteen.
+// Processes sixteen bytes at a time, and the last ones by the scalar implementation. A mask has one bit for
+// each of the sixteen bytes.
 
 namespace text_scan {
 
@@ -29,7 +30,7 @@ std::size_t firstOf(unsigned int mask) { return static_cast<std::size_t>(__built
 std::size_t lastOf(unsigned int mask) { return static_cast<std::size_t>(31 - __builtin_clz(mask)); }
 unsigned int separators(__m128i v) { return maskOf(_mm_or_si128(is(v, '/'), is(v, '\\'))); }
 
-/// From `first` on, `count` bytes in the order of unsigned numbers.
+/// Marks the bytes from `first` to `first` + `count` - 1 as unsigned numbers.
 __m128i isAmong(__m128i v, char first, int count) {
     const __m128i moved = _mm_add_epi8(v, every(static_cast<char>(SCHAR_MIN - first)));
     return _mm_cmplt_epi8(moved, every(static_cast<char>(SCHAR_MIN + count)));
@@ -37,8 +38,8 @@ __m128i isAmong(__m128i v, char first, int count) {
 
 __m128i folded(__m128i v) { return _mm_or_si128(v, _mm_and_si128(isAmong(v, 'A', 26), every(0x20))); }
 
-/// Whether sixteen bytes are equal, "A"-"Z" read as "a"-"z", or all those before a NUL that both have.
-/// `ended` is set where such a NUL, or a difference, has decided.
+/// Returns whether sixteen bytes are equal, with "A"-"Z" equal to "a"-"z", up to a NUL in both. Sets `ended`
+/// if a NUL or a difference has decided the comparison.
 bool equalFolded(__m128i a, __m128i b, bool& ended) {
     const __m128i lanes = folded(a);
     const unsigned int equal = maskOf(_mm_cmpeq_epi8(lanes, folded(b)));
@@ -47,13 +48,13 @@ bool equalFolded(__m128i a, __m128i b, bool& ended) {
     return !ended || (equal >> firstOf(stops) & 1);
 }
 
-/// Eight bytes, and from the end of `n` of them, eight to sixteen, eight again: what overlaps comes twice.
+/// Loads the first eight and the last eight of `n` bytes. `n` is 8 to 16; overlapping bytes are loaded twice.
 __m128i loadEnds(const char* p, std::size_t n) {
     return _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
                               _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + n - width / 2)));
 }
 
-/// A byte in both cases, if it is a letter.
+/// Finds a byte; a letter in both cases.
 class EitherCase {
 public:
     explicit EitherCase(char c) : lower(every(Char(c).ToLower())), upper(every(Char(c).ToUpper())) {}
@@ -62,6 +63,7 @@ public:
 private:
     __m128i lower, upper;
 };
+/// Finds a byte.
 class OneCase {
 public:
     explicit OneCase(char c) : lanes(every(c)) {}
@@ -71,7 +73,7 @@ private:
     __m128i lanes;
 };
 
-/// Looks for first and last byte of the part at once, and only where both stand at the rest.
+/// Searches for the first and the last byte of the part at once, and compares the rest only where both match.
 template <bool fold>
 class Finder {
 public:
@@ -84,12 +86,12 @@ public:
             const std::size_t hit = InBlock(text.data() + i);
             if (hit < width) return i + hit;
         }
-        const std::size_t hit = InBlock(text.data() + lastBlock); // may overlap the one before
+        const std::size_t hit = InBlock(text.data() + lastBlock); // may overlap the previous block
         return hit < width ? lastBlock + hit : text.npos;
     }
 
 private:
-    /// The first of the sixteen places from `block` on; `width` when there is none.
+    /// Returns the first match at the sixteen places from `block` on, or `width`.
     std::size_t InBlock(const char* block) const {
         const __m128i firsts = first.In(load(block));
         const __m128i lasts = last.In(load(block + part.size() - 1));
@@ -108,10 +110,10 @@ bool findByteShuffle() {
     return __get_cpuid(1, &eax, &ebx, &ecx, &edx) && (ecx & bit_SSSE3);
 }
 
-/// Whether the processor puts bytes in another order at once; asked once, and never before any code runs.
+/// Returns whether the processor has the byte shuffle. The first call asks the processor.
 bool hasByteShuffle() {
     enum { unknown, no, yes };
-    static int answer = unknown; // the builtins keep two first calls at once from being a data race
+    static int answer = unknown; // the builtins prevent a data race of two first calls
     int known = __atomic_load_n(&answer, __ATOMIC_RELAXED);
     if (known == unknown) {
         known = findByteShuffle() ? yes : no;
@@ -120,7 +122,7 @@ bool hasByteShuffle() {
     return known == yes;
 }
 
-/// For each mask of eight bytes, the places of those whose bit is clear, in order, and how many they are.
+/// For each mask of eight bytes: the places of the bytes whose bit is clear, in order, and their number.
 struct KeptBytes {
     std::array<std::uint64_t, 256> places{};
     std::array<unsigned char, 256> count{};
@@ -135,14 +137,14 @@ struct KeptBytes {
 };
 constexpr KeptBytes kept;
 
-/// Writes the eight lower bytes less the dropped ones.
+/// Writes the eight lower bytes without the dropped ones.
 __attribute__((target("ssse3"))) char* writeKept(__m128i v, unsigned int dropped, char* out) {
     const __m128i places = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&kept.places[dropped]));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(v, places));
     return out + kept.count[dropped];
 }
 
-/// The white space in sixteen bytes, and the bytes with it made blanks.
+/// Sixteen bytes with their white space turned into blanks, and the mask of the white space.
 struct Blanked {
     unsigned int spaces;
     __m128i bytes;
@@ -152,7 +154,7 @@ struct Blanked {
         spaces = maskOf(lanes);
         bytes = _mm_or_si128(_mm_andnot_si128(lanes, v), _mm_and_si128(lanes, every(' ')));
     }
-    /// Those that white space stands before, too.
+    /// Returns the mask of the white space that follows white space.
     unsigned int Dropped(bool afterSpace) const { return spaces & (spaces << 1 | afterSpace) & 0xFFFF; }
 };
 
@@ -187,7 +189,7 @@ bool EqualFolded(const char* a, const char* b, std::size_t n) {
         return equalFolded(loadEnds(a, n), loadEnds(b, n), ended);
     }
     for (std::size_t i = 0;;
-         i = std::min(i + width, n - width)) { // the last block may overlap the one before
+         i = std::min(i + width, n - width)) { // the last block may overlap the previous one
         const bool equal = equalFolded(load(a + i), load(b + i), ended);
         if (ended || i == n - width) return equal;
     }
@@ -203,7 +205,7 @@ std::size_t LowestPlaceholder(std::string_view text) {
     std::size_t best = text.npos;
     char above = '9' + 1;
     for (std::size_t i = 0;;
-         i = std::min(i + width, lastBlock)) { // the last block may overlap the one before
+         i = std::min(i + width, lastBlock)) { // the last block may overlap the previous one
         const char* const block = text.data() + i;
         const __m128i signs = _mm_and_si128(is(load(block), '%'), isAmong(load(block + 1), '0', 10));
         for (unsigned int hits = maskOf(signs); hits; hits &= hits - 1) {
@@ -237,11 +239,11 @@ std::size_t CopyName(std::string_view text, char* out) {
 }
 
 bool HasDirtyPath(std::string_view text) {
-    constexpr std::size_t behind = 2; // bytes that are looked at beside each
+    constexpr std::size_t behind = 2; // bytes examined after each byte
     if (text.size() < width + behind) return plain::HasDirtyPath(text);
     const std::size_t lastBlock = text.size() - behind - width;
     for (std::size_t i = 0;;
-         i = std::min(i + width, lastBlock)) { // the last block may overlap the one before
+         i = std::min(i + width, lastBlock)) { // the last block may overlap the previous one
         const __m128i here = load(text.data() + i), next = load(text.data() + i + 1);
         const __m128i parents = _mm_and_si128(is(next, '.'), is(load(text.data() + i + behind), '.'));
         const __m128i dirt = _mm_and_si128(is(here, '/'), _mm_or_si128(is(next, '/'), parents));

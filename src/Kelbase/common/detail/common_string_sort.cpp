@@ -7,7 +7,7 @@
 
 namespace {
 
-/// A text behind a few of its bytes: most comparisons need not go and look at the text.
+/// A text with a few of its bytes as a key. Most comparisons need only the key.
 struct Keyed {
     std::uint64_t key;
     String text;
@@ -17,7 +17,7 @@ struct Keyed {
     }
 };
 
-/// The length of what all texts begin with.
+/// Returns the length of the longest common prefix of all texts.
 std::size_t commonPrefix(const std::vector<String>& texts) {
     const char* const first = texts.front().Latin1();
     std::size_t length = std::strlen(first);
@@ -28,7 +28,7 @@ std::size_t commonPrefix(const std::vector<String>& texts) {
     return length;
 }
 
-/// The eight bytes from `start` on, or those before the NUL, as a number that sorts as they do.
+/// Returns the eight bytes from `start` on, at most up to the NUL, as a number that sorts as the bytes do.
 std::uint64_t keyOf(const char* s, std::size_t start) {
     std::uint64_t key = 0;
     const char* p = s + start;

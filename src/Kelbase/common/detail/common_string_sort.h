@@ -4,6 +4,6 @@
 
 #include <vector>
 
-/// Sorts as std::sort does, and faster where the texts are many. Throws `std::bad_alloc`, and the list is
-/// then as it was.
+/// Sorts as std::sort does, and faster for many texts. Throws `std::bad_alloc` and then leaves the list
+/// unchanged.
 void sortTexts(std::vector<String>& texts);
