@@ -12,7 +12,7 @@ constexpr unsigned long long largestSize = 0xFFFFFFFF;
 
 } // namespace
 
-/// Makes room up to `end` and fills what lies between the bytes and `position`.
+/// Grows the buffer up to `end` and fills the gap between the written bytes and `position` with zeros.
 void ByteBuffer::Extend(unsigned int position, unsigned long long end) {
     if (end > largestSize) throw std::length_error("Util::ByteStream: more than 4294967295 bytes");
     if (end > room) Enlarge(std::max(end, std::min(2ull * room, largestSize)));
@@ -23,7 +23,7 @@ void ByteBuffer::Enlarge(unsigned long long wanted) {
     if (wanted > PTRDIFF_MAX) throw std::bad_alloc();
     void* const larger = std::realloc(bytes.get(), static_cast<std::size_t>(wanted));
     if (!larger) throw std::bad_alloc();
-    static_cast<void>(bytes.release()); // by now the old block is gone, or is the new one
+    static_cast<void>(bytes.release()); // realloc has freed the old block or returned it
     bytes.reset(static_cast<unsigned char*>(larger));
     room = static_cast<unsigned int>(wanted);
 }

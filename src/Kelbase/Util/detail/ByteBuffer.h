@@ -7,22 +7,23 @@
 
 namespace Util {
 
-/// Bytes that grow at their end, at most 4294967295 of them. The room for them is kept apart from their
-/// number, so that a byte that is written next is not set to 0 first.
+/// A growable array of at most 4294967295 bytes. Capacity and size are separate, so that bytes that are
+/// written next are not set to 0 first.
 class ByteBuffer {
 public:
-    /// No bytes yet, and room for that many.
+    /// Creates an empty buffer and allocates the capacity.
     explicit ByteBuffer(unsigned int capacity) {
         if (capacity > 0) Enlarge(capacity);
     }
 
-    unsigned int Size() const { return size; } ///< Bytes written, not those there is room for.
-    /// Lent until the next `Place`; null when there never was room.
+    unsigned int Size() const { return size; } ///< Returns the number of written bytes, not the capacity.
+    /// Returns the bytes, which stay owned and valid until the next `Place`. Null while there is no capacity.
     const unsigned char* Data() const { return bytes.get(); }
-    void Clear() { size = 0; } ///< No bytes, and the room as before.
+    void Clear() { size = 0; } ///< Removes all bytes and keeps the capacity.
 
-    /// Where `count` bytes from `position` on are to be written, all of them: the buffer now has them. Zeros
-    /// fill a gap before them. Throws `std::length_error` or `std::bad_alloc`, and is then as before.
+    /// Adds `count` bytes from `position` on to the buffer and returns the place of the first. The caller
+    /// must write all of them. Zeros fill a gap before `position`. Throws `std::length_error` or
+    /// `std::bad_alloc` and then leaves the buffer unchanged.
     unsigned char* Place(unsigned int position, unsigned long long count) {
         const unsigned long long end = position + count;
         if (end > room || position > size) Extend(position, end);
@@ -38,7 +39,7 @@ private:
     void Extend(unsigned int position, unsigned long long end);
     void Enlarge(unsigned long long wanted);
 
-    std::unique_ptr<unsigned char, Free> bytes; // of the C library: it can enlarge a block where it stands
+    std::unique_ptr<unsigned char, Free> bytes; // from realloc, which can grow a block in place
     unsigned int size = 0, room = 0;
 };
 

@@ -3,24 +3,24 @@
 #include <cstddef>
 #include <cstring>
 
-/// Numbers as bytes, least or most significant first.
+/// Conversion between numbers and bytes, with the least or the most significant byte first.
 namespace Util::ByteOrder {
 
-/// Whether the machine this is compiled for has the least significant byte first.
+/// Whether the target machine stores the least significant byte first.
 constexpr bool machineIsLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
 
 ///@{
-/// The same bytes in the opposite order.
+/// Returns the bytes in the opposite order.
 inline unsigned char Swapped(unsigned char bits) { return bits; }
 inline unsigned short Swapped(unsigned short bits) { return __builtin_bswap16(bits); }
 inline unsigned int Swapped(unsigned int bits) { return __builtin_bswap32(bits); }
 inline unsigned long long Swapped(unsigned long long bits) { return __builtin_bswap64(bits); }
 ///@}
 
-/// `Type` is the unsigned integer of `size` bytes: 1, 2, 4 or 8, no other.
+/// `Type` is the unsigned integer of `size` bytes. `size` is 1, 2, 4 or 8.
 template <std::size_t size>
 struct BitsOf;
-/// @cond only the general form is of use to readers
+/// @cond the specialisations are not part of the reference
 template <>
 struct BitsOf<1> {
     using Type = unsigned char;
@@ -39,7 +39,7 @@ struct BitsOf<8> {
 };
 /// @endcond
 
-/// The number that the first bytes at `bytes` hold, as many as it has itself, at any address.
+/// Returns the number that the first sizeof(Number) bytes at `bytes` encode. The address need not be aligned.
 template <typename Number>
 Number Decode(const unsigned char* bytes, bool littleEndian) {
     typename BitsOf<sizeof(Number)>::Type bits;
@@ -50,7 +50,7 @@ Number Decode(const unsigned char* bytes, bool littleEndian) {
     return number;
 }
 
-/// Writes as many bytes as the number has, to any address.
+/// Writes the sizeof(Number) bytes of the number. The address need not be aligned.
 template <typename Number>
 void Encode(Number number, unsigned char* bytes, bool littleEndian) {
     typename BitsOf<sizeof(Number)>::Type bits;
