@@ -9,9 +9,9 @@ namespace Util {
 
 namespace {
 
-constexpr unsigned int longestString = 200000; // a larger count is taken for what it mostly is: damage
+constexpr unsigned int longestString = 200000; // a larger count is most likely damage
 
-/// What the line of this source throws.
+/// Returns the exception that a line of this source throws.
 Exception::DataStreamIO failure(const String& message, long long line) {
     Exception::DataStreamIO result(message);
     result.SetLocation("src/Kelbase/Util/ByteStream", line);
@@ -69,7 +69,8 @@ void ByteStream::ReadBytes(std::size_t count, unsigned char* destination) {
 DataStream& ByteStream::operator<<(const String& v) {
     const unsigned int length = v.GetLength(), prefix = writeStringLength ? 4 : 0;
     if (prefix + length == 0) return *this;
-    unsigned char* const place = data.Place(position, 0ull + prefix + length); // both, or neither
+    // Length and text get their place together, so that a failure writes neither.
+    unsigned char* const place = data.Place(position, 0ull + prefix + length);
     if (writeStringLength) ByteOrder::Encode(length, place, IsLittleEndian());
     std::memcpy(place + prefix, v.Latin1(), length);
     position += prefix + length;

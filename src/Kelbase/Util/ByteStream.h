@@ -9,18 +9,19 @@
 
 namespace Util {
 
-/// A data stream in memory. It starts at position 0, least significant byte first, writing the lengths of
-/// strings. It holds at most 4294967295 bytes: a constructor and a write that need more throw
-/// `std::length_error`.
+/// A data stream in memory.
+///
+/// A new stream is at position 0, uses the least significant byte first and writes the lengths of strings. It
+/// holds at most 4294967295 bytes. A constructor or a write that needs more throws `std::length_error`.
 class ByteStream : public DataStream {
 public:
-    // Here, and all that follows of one value: where the compiler sees a stream made, it calls without the
-    // table.
+    // The operators for single values are defined in the class, so that the compiler can call them directly
+    // where it knows the type of the stream.
 
-    /// Empty, with storage for that many bytes.
+    /// Creates an empty stream with storage for `capacity` bytes.
     explicit ByteStream(unsigned int capacity) : data(capacity) {}
     ///@{
-    /// With a copy of these bytes to be read, or to be written over and on.
+    /// Creates a stream with a copy of the bytes. The position is at the first byte.
     explicit ByteStream(const std::vector<unsigned char>& bytes) : data(0) {
         if (!bytes.empty()) std::memcpy(data.Place(0, bytes.size()), bytes.data(), bytes.size());
     }
@@ -89,7 +90,7 @@ public:
     void Skip(int n) override;
 
     ///@{
-    /// Eight bytes; not part of the abstract interface.
+    /// Reads or writes eight bytes. These functions are not part of the abstract interface.
     virtual DataStream& operator>>(long long& v) { return ReadAs<long long>(v); }
     virtual DataStream& operator>>(unsigned long long& v) { return ReadAs<unsigned long long>(v); }
     virtual long long ReadPrimitive(long long) { return ReadValue<long long>(); }
@@ -98,16 +99,16 @@ public:
     virtual DataStream& operator<<(unsigned long long v) { return WriteNumber(v); }
     ///@}
 
-    /// Drops all bytes and goes to position 0; byte order and string lengths stay as they are set.
+    /// Removes all bytes and sets the position to 0. Keeps the byte order and the setting for string lengths.
     void Clear();
 
 private:
     bool IsLittleEndian() const { return endianType <= EndianLittle; }
-    /// Whether `count` bytes can be read at the position.
+    /// Returns whether `count` bytes can be read at the position.
     bool Holds(unsigned long long count) const { return position + count <= data.Size(); }
     [[noreturn]] void RefuseNumber(unsigned int width) const;
 
-    /// A number of another type than it has in the stream.
+    /// Reads a number that the stream stores as `Stored`.
     template <typename Stored, typename T>
     DataStream& ReadAs(T& v) {
         if (!Holds(sizeof(Stored))) RefuseNumber(sizeof(Stored));

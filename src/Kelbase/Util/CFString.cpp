@@ -10,7 +10,7 @@ CFStringRef createFromUtf8(const char* text) {
     return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
 }
 
-/// A new empty string, or the constant one if the platform makes no new one.
+/// Returns a new empty string, or the constant one if the platform cannot create a new one.
 CFStringRef createEmpty() {
     const CFStringRef empty = createFromUtf8("");
     return empty ? empty : CFSTR("");
@@ -43,7 +43,7 @@ String CFString::ToString() const {
     const CFIndex length = CFStringGetLength(reference);
     if (length == 0 || length > longestText) return String();
 
-    // No unit needs more than four bytes, so one call is enough.
+    // A unit needs at most four bytes, so one call is enough.
     const auto room = static_cast<std::size_t>(4 * length + 1);
     const shared_array<char> utf8(new char[room]);
     if (!CFStringGetCString(reference, utf8.get(), static_cast<CFIndex>(room), kCFStringEncodingUTF8)) {

@@ -7,33 +7,33 @@
 
 namespace Util {
 
-/// Holds a CoreFoundation string for as long as a platform call needs it, and turns it back into text.
+/// Holds a CoreFoundation string for platform calls and converts it to text. Not copyable.
 ///
-/// Making one never fails: what the platform refuses (bytes that are not UTF-8) becomes an empty string, so
-/// that the reference can always be handed on. Not copyable.
+/// The constructors do not fail. If the platform rejects a text, for instance bytes that are not UTF-8, the
+/// holder has an empty string, so that callers can always pass the reference on.
 class CFString {
 public:
-    /// Who gives the reference back.
+    /// Says whether the destructor releases the reference.
     enum ReleaseBehavior : int {
         kReleaseOnDestroy = 0, ///< The holder owns its reference.
-        kDontRelease = 1,      ///< It only borrows it; any other value means the same.
+        kDontRelease = 1,      ///< The holder borrows its reference. Any other value has the same effect.
     };
 
     ///@{
-    /// From UTF-8, up to the first NUL; null gives an empty string.
+    /// Creates a string from UTF-8 text up to its first NUL. A null pointer gives an empty string.
     CFString(const char* text, ReleaseBehavior rb);
     CFString(const String& text, ReleaseBehavior rb);
     ///@}
-    /// Takes `ref` as it is, without a reference of its own; null gives a new empty string.
+    /// Stores `ref` without retaining it. Null gives a new empty string.
     CFString(CFStringRef ref, ReleaseBehavior rb);
     CFString(const CFString&) = delete;
     CFString& operator=(const CFString&) = delete;
     ~CFString();
 
-    CFStringRef GetRef() const { return reference; } ///< Never null; lent.
+    CFStringRef GetRef() const { return reference; } ///< Returns the reference, not retained; never null.
 
-    /// The text as UTF-8, up to its first NUL. Empty when it holds more than 1,000,000 UTF-16 units or half
-    /// of a surrogate pair.
+    /// Returns the text as UTF-8, up to its first NUL. Returns an empty text if the string has more than
+    /// 1,000,000 UTF-16 units or an unpaired surrogate.
     String ToString() const;
 
 private:
@@ -41,7 +41,7 @@ private:
 
     bool releaseOnDestroy;
     CFStringRef reference;
-    std::vector<unsigned char> bytes; // room that no platform call here asks for
+    std::vector<unsigned char> bytes; // unused
 };
 
 } // namespace Util

@@ -7,63 +7,67 @@
 
 namespace Util {
 
-/// One folder by its name: made, removed, asked about and listed. Nothing is held open between calls.
+/// Creates, removes, queries and lists one folder. Nothing is open between calls.
 ///
 /// `Create`, `Remove`, `GetTime` and `SetTime` throw `Util::Exception::FileIO` with the folder's path and
 /// error number 0 when they fail. `Exists`, `GetDirInfo` and the listings never throw for what is on the
 /// disk.
 ///
-/// A listing names the entries that a pattern fits, never "." and "..", in ascending order of bytes. A
-/// pattern is split at its first "*": a name fits that begins with what stands before and ends with what
-/// stands after, "A"-"Z" read as "a"-"z". Without "*" it is a beginning, and the empty pattern fits every
-/// name. Links count as what they lead to; an entry that cannot be asked what it is (a dead link, say) is
-/// left out. Without `append` the list is cleared first; with it, the old names are sorted in. A folder that
-/// cannot be read adds nothing and leaves the order of the old names.
+/// A listing gives the names of the entries that match a pattern, without "." and "..", sorted in ascending
+/// byte order. The first "*" of a pattern matches any bytes: a name matches if it begins with the part before
+/// and ends with the part after the "*", with "A"-"Z" equal to "a"-"z". A pattern without "*" matches the
+/// names that begin with it. The empty pattern matches every name. A link counts as its target. An entry that
+/// `stat` cannot read, such as a dead link, is left out. Without `append` the list is cleared first. With
+/// `append` the whole list is sorted. A folder that cannot be read adds nothing and leaves the order of the
+/// list.
 class Dir {
 public:
-    /// What a volume tells.
+    /// Information about a volume.
     struct DirInfo {
-        unsigned long long availableSpace; ///< For unprivileged users, in bytes. See `GetDirInfo`.
+        unsigned long long availableSpace; ///< Bytes available to unprivileged users. See `GetDirInfo`.
     };
 
     Dir() = default;
-    explicit Dir(const FolderPath& folder) : path(folder) {}  ///< The disk is not asked yet.
-    void SetPath(const FolderPath& folder) { path = folder; } ///< The disk is not asked yet.
+    explicit Dir(const FolderPath& folder) : path(folder) {}  ///< Does not access the disk.
+    void SetPath(const FolderPath& folder) { path = folder; } ///< Does not access the disk.
 
-    bool Exists() const; ///< As a folder, or as a link to one; false too where the way to it is barred.
-    /// Free space of the folder's volume; false, and `info` as it was, when the system does not tell.
-    /// Reckoned in 32 bits and then sign-extended, so that only an amount below 2 GiB is to be trusted.
+    /// Returns whether there is a folder, or a link to one. Returns false if the path cannot be searched.
+    bool Exists() const;
+    /// Gets the available space of the folder's volume. Returns false and leaves `info` unchanged if the
+    /// system call fails. The number is computed in 32 bits and then sign-extended, so it is right below 2
+    /// GiB only.
     bool GetDirInfo(DirInfo& info) const;
-    void GetTime(FileTime* time) const;       ///< Throws `UnexpectedError`.
-    void SetTime(const FileTime& time) const; ///< Throws `UnexpectedError`.
+    void GetTime(FileTime* time) const;       ///< Reads the folder's times. Throws `UnexpectedError`.
+    void SetTime(const FileTime& time) const; ///< Sets the folder's times. Throws `UnexpectedError`.
 
-    /// Creates the folder unless it exists, with permissions 0755 less the process's mask. With `recursive`
-    /// it also creates each missing folder on the way, but nothing at all if the clean path is relative, as
-    /// that of "/../x" is. Throws `WriteError`, with the system's error number in the message; created
-    /// folders stay.
+    /// Creates the folder unless it exists, with permissions 0755 less the process's mask. With `recursive`,
+    /// also creates each missing folder above it, but creates nothing if the clean path is relative, as that
+    /// of "/../x". Throws `WriteError` with the system's error number in the message. Folders that were
+    /// created stay.
     void Create(bool recursive) const;
-    /// Removes the folder if it exists. Throws `RemoveError`, for instance when something is in it.
+    /// Removes the folder if it exists. Throws `RemoveError`, for instance if the folder is not empty.
     void Remove() const;
 
     // Listings of this folder
 
-    /// Regular files, or with `includeAll` all entries.
+    /// Lists the regular files, or all entries with `includeAll`.
     void GetFilenames(std::vector<String>& names, const String& pattern, bool append, bool includeAll) const;
-    /// All entries but regular files: also devices, pipes and sockets.
+    /// Lists all entries that are no regular files: also devices, pipes and sockets.
     void GetFoldernames(std::vector<String>& names, const String& pattern, bool append) const;
 
     ///@{
-    /// The same of a folder given as text, which is used as it is: not cleaned, not made absolute.
+    /// Lists a folder given as text. The text is used as it is, neither cleaned nor made absolute.
     static void GetFilenames(const String& folder, std::vector<String>& names, const String& pattern,
                              bool append, bool includeAll);
     static void GetFoldernames(const String& folder, std::vector<String>& names, const String& pattern,
                                bool append);
     ///@}
 
-    /// The first file with the last name of `name`, whatever its case: among a folder's own files before
-    /// those of its subfolders (if `recursive`), each in sorted order. Empty when there is none, or when
-    /// `count` passes 5000, which grows by one for each file looked at and may be shared by several searches.
-    /// A `recursive` search searches a folder to which several links lead once.
+    /// Finds the first regular file whose name is the last name of `name`, with "A"-"Z" equal to "a"-"z". The
+    /// files of a folder come before the files of its subfolders, which are searched if `recursive`. Each
+    /// group is in sorted order. A recursive search enters a folder once, also if several links lead to it.
+    /// Every file examined adds 1 to `count`, which several searches may share. Returns the empty path if
+    /// there is no such file or `count` exceeds 5000.
     static FilePath FindFile(const String& folder, const String& name, bool recursive, unsigned int& count);
 
 private:

@@ -30,7 +30,7 @@ public:
         if (star.IsGiven()) suffix = pattern.Mid(star + 1);
     }
 
-    /// Beginning and end may overlap in the name: "abc" fits "ab*bc".
+    /// Prefix and suffix may overlap in the name: "abc" matches "ab*bc".
     bool Fits(std::string_view name) const {
         const std::string_view first = view(prefix), last = view(suffix);
         return name.size() >= first.size() && name.size() >= last.size() &&
@@ -47,11 +47,11 @@ String join(const String& folder, const String& name) {
     return folder.EndsWith("/") ? folder + name : folder + "/" + name;
 }
 
-/// Where a folder is opened, and where its entries are asked about.
+/// The path by which a folder is opened, and the paths by which its entries are queried.
 class Paths {
 public:
-    /// Entries are cleaned together with their folder: a name with a backslash is asked about elsewhere.
-    /// The empty path, which would be cleaned to "/", is opened as it is, in vain.
+    /// The path of an entry is cleaned as a whole, so that of a name with a backslash leads elsewhere. An
+    /// empty path stays empty and cannot be opened; cleaning would make it "/".
     explicit Paths(const FolderPath& folder)
         : opened(folder.IsEmpty() ? String() : folder.ToString()), cleaned(&folder) {
         entry = view((folder + "x").ToString());
@@ -72,8 +72,8 @@ public:
         return entry += name;
     }
 
-    /// Whether the path of the entry leads to what the opened folder calls by that name, and is no longer
-    /// than the system takes.
+    /// Returns whether the path of the entry leads to the entry of that name in the opened folder, and is not
+    /// too long for the system.
     bool IsInOpened(std::string_view name) const {
         return prefixIsOpened && prefixLength + name.size() < PATH_MAX && !IsReshaped(name);
     }
@@ -83,13 +83,13 @@ private:
 
     String opened;
     const FolderPath* cleaned = nullptr;
-    std::string entry; // of the last name that was not reshaped
+    std::string entry; // the path of the last name that was not reshaped
     std::size_t prefixLength;
     bool prefixIsOpened = true;
     std::string reshaped;
 };
 
-/// Whether the folder's own record says that an entry is a regular file; absent where that is left to stat.
+/// Returns whether `d_type` says that an entry is a regular file. Returns absent if only stat can tell.
 std::optional<bool> isRecordedAsFile(const dirent& entry) {
     switch (entry.d_type) {
     case DT_REG:
@@ -101,7 +101,7 @@ std::optional<bool> isRecordedAsFile(const dirent& entry) {
     case DT_BLK:
         return false;
     default:
-        return std::nullopt; // links count as what they lead to, and some volumes record nothing
+        return std::nullopt; // a link counts as its target, and some volumes have no d_type
     }
 }
 
@@ -117,10 +117,10 @@ struct CloseFolder {
 
 enum class Wanted { Files, Folders, Everything };
 
-/// Adds the names of the entries that fit, and sorts the list.
+/// Adds the names of the matching entries, and sorts the list.
 ///
-/// The folder's record is believed once stat has reached an entry: where the folder may be read but not
-/// entered, or a path is too long, stat fails, and the entry is left out for that.
+/// `d_type` is trusted after one `stat` of an entry has succeeded. In a folder that may be read but not
+/// searched, and for a path that is too long, `stat` fails, and the entry must be left out.
 void list(Paths paths, std::vector<String>& names, const Pattern& pattern, bool append, Wanted wanted) {
     if (!append) names.clear();
     const std::unique_ptr<DIR, CloseFolder> folder(opendir(paths.Opened()));
@@ -144,7 +144,7 @@ void list(Paths paths, std::vector<String>& names, const Pattern& pattern, bool 
     sortTexts(names);
 }
 
-/// A search for one file through a folder and what is below it.
+/// A search for one file in a folder and its subfolders.
 class Search {
 public:
     Search(const String& name, bool searchSubfolders, unsigned int& examined)
@@ -181,8 +181,8 @@ private:
         return {};
     }
 
-    /// False for a folder that was searched before: a link may lead back up, and two links in each of forty
-    /// folders would lead to the last one in a million million ways.
+    /// Returns false for a folder that was searched before. A link may lead back up, and with two links in
+    /// each of forty folders there are 2^40 paths to the last one.
     bool IsNew(const String& folder) {
         struct stat status;
         return stat(folder.Latin1(), &status) == 0 && seen.emplace(status.st_dev, status.st_ino).second;

@@ -34,7 +34,7 @@ String withoutTrailingSlashes(const String& path) {
     return path.Left(length);
 }
 
-/// Makes one folder; 0, or the system's error number.
+/// Creates one folder. Returns 0 or the system's error number.
 int makeFolder(const FolderPath& folder) {
     const String name = folder.ToString();
     return mkdir(name.Latin1(), newFolderMode) == 0 ? 0 : errno;

@@ -88,7 +88,7 @@ void File::Close() {
 
 void File::Flush() {
     if (!handle) return;
-    static_cast<void>(std::fflush(handle)); // declared not to report
+    static_cast<void>(std::fflush(handle)); // see the header: failures are not reported
     if (last == Transfer::Write) last = Transfer::None;
 }
 
@@ -140,10 +140,10 @@ void File::ReadBlock(char* buffer, unsigned int count) {
     const bool text = openMode & Text;
     unsigned long long start = 0;
     if (text) start = At();
-    errno = 0; // the end of the file sets none
+    errno = 0; // the end of the file does not set it
     const std::size_t delivered = std::fread(buffer, 1, count, handle);
     if (text) {
-        const unsigned long long passed = At() - start; // which may fail as well
+        const unsigned long long passed = At() - start; // an absent position counts as 0
         if (passed != count) Throw(shortTextRead, path, errno, count, passed);
     } else if (delivered < count) {
         Throw(shortRead, path, errno, count, static_cast<unsigned int>(delivered));

@@ -9,36 +9,39 @@
 
 namespace Util {
 
-/// One file by its name: opened, read and written in blocks, asked about, renamed and thrown away.
+/// Opens, reads, writes, queries, renames and removes one file.
 ///
-/// Failed operations throw `Util::Exception::FileIO`, with the system's `errno` where the operation's comment
-/// says so and with 0 elsewhere. `Exists`, `IsReadable`, `IsWritable`, `AtEnd`, `At()`, `Size`, `Remaining`,
-/// `GetOSXFileType`, `Flush` and `Recycle` never throw it. Reading and writing are buffered: `Size` does not
-/// include bytes that `Flush` or `Close` has yet to write.
+/// A failed operation throws `Util::Exception::FileIO`. Its error number is the system's `errno` where the
+/// comment of the operation says so, and 0 elsewhere. `Exists`, `IsReadable`, `IsWritable`, `AtEnd`, `At()`,
+/// `Size`, `Remaining`, `GetOSXFileType`, `Flush` and `Recycle` never throw it. Reading and writing are
+/// buffered: `Size` does not include bytes that `Flush` or `Close` has yet to write.
 class File : private noncopyable {
 public:
-    /// Bits for `Open`. Nothing is translated in text mode on this platform.
+    /// Bits for `Open`. Text mode translates nothing on this platform.
     enum OpenMode : unsigned int {
         Read = 0x02,
         Write = 0x04,
         ReadWrite = 0x08,
-        Append = 0x10,   ///< Writes at the end, whatever the position. See `Open` for combinations.
-        Truncate = 0x20, ///< Together with `Read` and write access: empties the file.
+        Append = 0x10,   ///< Writes at the end, at any position. See `Open` for combinations.
+        Truncate = 0x20, ///< With `Read` and write access: empties the file.
         Text = 0x40,
     };
 
     File() = default;
-    explicit File(const FilePath& path); ///< Not open; the disk is not asked yet.
-    ~File(); ///< Closes; a failure of that is lost, so what was written should be closed by `Close`.
+    explicit File(const FilePath& path); ///< Does not open the file and does not access the disk.
+    ~File(); ///< Closes the file and ignores a failure. Call `Close` after writing to notice a failure.
 
-    void SetPath(const FilePath& path);               ///< Closes first, as the destructor does.
-    bool IsNull() const { return path.IsEmpty(); }    ///< Without a path: opening then fails.
-    bool IsOpen() const { return handle != nullptr; } ///< Also after a failed transfer.
+    /// Closes the file as the destructor does, and sets the path.
+    void SetPath(const FilePath& path);
+    /// Returns whether the path is empty. `Open` then fails.
+    bool IsNull() const { return path.IsEmpty(); }
+    /// Returns whether the file is open. A failed read or write leaves it open.
+    bool IsOpen() const { return handle != nullptr; }
 
     // Opening and closing
 
-    /// Opens by bits of `OpenMode`; none of them means `Read`. Throws `OpenError` with `errno`, and is then
-    /// as before.
+    /// Opens the file with bits of `OpenMode`; no access bit means `Read`. Throws `OpenError` with `errno`
+    /// and then leaves the object unchanged.
     ///
     /// `Write`, `ReadWrite` and `Append` give write access.
     /// - `Write` and `ReadWrite` without `Read` create the file or empty it. `ReadWrite` does so with
@@ -50,70 +53,77 @@ public:
     ///
     /// An open file must be closed first: otherwise its stream stays open and cannot be reached any more.
     void Open(unsigned int mode);
-    void Close(); ///< Throws `CloseError` with `errno`, and is closed all the same. Nothing when not open.
-    /// Hands written bytes to the system. A failure is not reported, and a later `Close` need not report it:
-    /// to notice a full disk, call `Close` without `Flush`.
+    /// Closes the file. Does nothing if it is not open. Throws `CloseError` with `errno`, and the file is
+    /// closed then too.
+    void Close();
+    /// Hands written bytes to the system. A failure is not reported, and a later `Close` may not report it
+    /// either. To notice a full disk, call `Close` without `Flush`.
     void Flush();
 
     // Position and size, in bytes
 
-    checked_value<unsigned long long>
-    At() const; ///< Absent when not open or without positions, as a pipe is.
-    /// Throws `UnexpectedError`, with `errno` when open. May lie past the end.
+    /// Returns the position. Returns absent if the file is not open or has no positions, as a pipe.
+    checked_value<unsigned long long> At() const;
+    /// Sets the position, which may lie past the end. Throws `UnexpectedError`, with `errno` if the file is
+    /// open.
     void At(unsigned long long position);
-    bool AtEnd() const; ///< Whether a read has met the end.
-    /// Of the file on its disk, open or not; absent when it has no path or cannot be asked.
+    bool AtEnd() const; ///< Returns whether a read has reached the end.
+    /// Returns the size of the file on its disk, open or not. Returns absent if the path is empty or the
+    /// system call fails.
     checked_value<unsigned long long> Size() const;
-    checked_value<unsigned long long>
-    Remaining() const; ///< From the position to the end; absent when not open.
+    /// Returns the number of bytes from the position to the end, 0 past the end. Returns absent if the file
+    /// is not open or if `Size` or `At` is absent.
+    checked_value<unsigned long long> Remaining() const;
 
     // Blocks
 
-    /// Fills `buffer`, or throws `ReadError` with `errno`: also at the end of the file, with `errno` 0 and
-    /// with the bytes that were left in the buffer. In text mode the positions passed are counted, not the
-    /// bytes delivered. A null buffer or a count of 0 does nothing.
+    /// Reads `count` bytes, or throws `ReadError` with `errno`. A read past the end of the file throws with
+    /// `errno` 0; the remaining bytes are then in the buffer. In text mode the change of the position is
+    /// compared with `count`, not the number of bytes in the buffer. A null buffer or a count of 0 does
+    /// nothing.
     void ReadBlock(char* buffer, unsigned int count);
-    /// Throws `WriteError` with `errno`. A null buffer or a count of 0 does nothing.
+    /// Writes `count` bytes into the buffer of the stream. Throws `WriteError` with `errno`. A failure may be
+    /// reported only by `Close`. A null buffer or a count of 0 does nothing.
     void WriteBlock(const char* buffer, unsigned int count);
 
     // The file on its disk
 
-    bool Exists() const; ///< Whatever it is, a folder too.
+    bool Exists() const; ///< Returns true for an item of any type, also for a folder.
     ///@{
-    /// Whether this process may; the answer may be out of date when the file is opened.
+    /// Returns whether this process has access. The access may have changed by the time the file is opened.
     bool IsReadable() const;
     bool IsWritable() const;
     ///@}
-    void SetMode(unsigned short permissions); ///< POSIX bits. Throws `UnexpectedError`.
-    void SetTime(const FileTime& time);       ///< Throws `UnexpectedError`.
-    void GetTime(FileTime* time);             ///< Throws `UnexpectedError`.
-    /// Closes and removes. A file that cannot be closed throws always, one that cannot be removed throws
-    /// `RemoveError` with `errno` or is ignored.
+    void SetMode(unsigned short permissions); ///< Sets POSIX permission bits. Throws `UnexpectedError`.
+    void SetTime(const FileTime& time);       ///< Sets the file's times. Throws `UnexpectedError`.
+    void GetTime(FileTime* time);             ///< Reads the file's times. Throws `UnexpectedError`.
+    /// Closes and removes the file. A failure to close always throws. A failure to remove throws
+    /// `RemoveError` with `errno` if `throwOnFailure` is true, and is ignored otherwise.
     void Remove(bool throwOnFailure);
 
-    /// Replaces what is at `to`, keeping its identity for those who hold references to it where the volume
-    /// can. Throws `RenameError` with `errno`.
+    /// Renames a file and replaces an item at `to`. If the volume can exchange files, references to the item
+    /// at `to` stay valid and refer to the new contents. Throws `RenameError` with `errno`.
     static void Rename(const FilePath& from, const FilePath& to);
 
-    // What the Finder knows
+    // Finder
 
     /// Asks the Finder to move an item to the Trash and waits for its reply. Returns 0 or the platform's
     /// result code. 0 does not say that the item was moved: a refusal of the Finder, an event that could not
     /// be created and one that could not be sent give 0 too.
     static int Recycle(const String& path);
-    /// Four-character code of the file's type; 0 when it cannot be read.
+    /// Returns the four-character code of the file's type, or 0 if it cannot be read.
     unsigned int GetOSXFileType() const;
 
 private:
     enum class Transfer { None, Read, Write };
 
-    void Release(); // closes, whatever comes of it
+    void Release(); // closes and ignores a failure
     void Turn(Transfer next);
 
     FilePath path;
     std::FILE* handle = nullptr;
     checked_value<unsigned int> openMode;
-    Transfer last = Transfer::None; // since the stream was last positioned
+    Transfer last = Transfer::None; // since the last positioning of the stream
 };
 
 } // namespace Util

@@ -1,20 +1,23 @@
 #pragma once
 
+/// @file
+/// Access and modification times of files and folders.
+
 #include <Kelbase/common/common_string.h>
 
 namespace Util {
 
 /// Times of a file or a folder, in seconds since 1970-01-01 00:00 UTC.
 ///
-/// 32 bits end in January 2038 and begin in December 1901; a time outside is read as the nearer end.
+/// 32 bits reach from December 1901 to January 2038. A time outside this range is read as the nearer limit.
 struct FileTime {
-    int accessed; ///< When it was last read, as far as the volume keeps that.
-    int modified; ///< When what is in it was last changed.
+    int accessed; ///< Time of the last read, if the volume records it.
+    int modified; ///< Time of the last change of the contents.
 };
 
-/// Reads the times of what is at a path; false, and `time` as it was, when that cannot be asked.
+/// Reads the times of the item at a path. Returns false and leaves `time` unchanged if they cannot be read.
 bool ReadFileTime(const String& path, FileTime& time);
-/// Sets the times, to the full second; false when that is refused.
+/// Sets the times, in whole seconds. Returns false if the system rejects the change.
 bool WriteFileTime(const String& path, const FileTime& time);
 
 } // namespace Util

@@ -18,14 +18,14 @@ OSStatus makeRef(const String& path, FSRef& ref) {
     return FSPathMakeRef(reinterpret_cast<const UInt8*>(path.Latin1()), &ref, nullptr);
 }
 
-/// Gives each file the other's contents, every other thing staying with the name.
+/// Exchanges the contents of two files. Names and attributes stay.
 bool exchangeContents(const FilePath& a, const FilePath& b) {
     FSRef refA, refB;
     return makeRef(a.ToString(), refA) == noErr && makeRef(b.ToString(), refB) == noErr &&
            FSExchangeObjects(&refA, &refB) == noErr;
 }
 
-/// A descriptor that is disposed of with the object.
+/// Owns an Apple-event descriptor. The destructor disposes of it.
 class Descriptor : private noncopyable {
 public:
     ~Descriptor() {
@@ -42,14 +42,14 @@ private:
     AEDesc desc = {typeNull, nullptr};
 };
 
-/// Says what is to be moved.
+/// Adds the item to move to the event.
 OSErr putDirectObject(AppleEvent* event, const FSRef& ref) {
     Descriptor item;
     const OSErr made = item.Make(typeFSRef, &ref, sizeof ref);
     return made != noErr ? made : AEPutParamDesc(event, keyDirectObject, item.Get());
 }
 
-/// Says where to: the property "trash" of the Finder itself.
+/// Adds the destination to the event: the property "trash" of the Finder.
 OSErr putTrash(AppleEvent* event) {
     const OSType trash = 'trsh';
     Descriptor finder, property, place;
@@ -64,7 +64,7 @@ OSErr putTrash(AppleEvent* event) {
 
 void File::Rename(const FilePath& from, const FilePath& to) {
     if (File(to).Exists() && exchangeContents(from, to)) {
-        File(from).Remove(false); // the old contents of `to` by now
+        File(from).Remove(false); // now the old contents of `to`
         return;
     }
     const String fromName = from.ToString();
@@ -84,7 +84,7 @@ int File::Recycle(const String& path) {
     const OSErr created = AECreateAppleEvent(kAECoreSuite, kAEMove, finder.Get(), kAutoGenerateReturnID,
                                              kAnyTransactionID, event.Get());
     const OSErr disposed = finder.Dispose();
-    if (created != noErr) return disposed; // an event that cannot be made is no failure to the caller
+    if (created != noErr) return disposed; // the failure to create the event is not reported
 
     if (const OSErr put = putDirectObject(event.Get(), ref); put != noErr) return put;
     if (const OSErr put = putTrash(event.Get()); put != noErr) return put;

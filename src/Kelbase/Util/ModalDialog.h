@@ -2,10 +2,10 @@
 
 namespace Util {
 
-/// Whether a box that waits for the user may be shown at all; true as the library stands.
+/// Returns whether a modal box may be shown. The library's definition returns true.
 ///
-/// A program without a user links a definition of its own, which then takes the place of the library's: this
-/// function is alone in its source for that.
+/// A program without a user links its own definition, which replaces the library's. The source of the
+/// library's definition contains nothing else for this reason.
 bool IsModalDialogAllowed();
 
 } // namespace Util

@@ -8,11 +8,11 @@ namespace Util {
 
 namespace {
 
-// For whoever fills in the call stack: nothing calls these yet.
+// For an implementation of the call stack. Nothing calls these functions yet.
 
 [[maybe_unused]] String undecorateFunctionName(const String& name) { return name; }
 
-// Always part of its caller, so that the frame it sees is the caller's.
+// Always inlined, so that the frame is that of the caller.
 [[maybe_unused, gnu::always_inline]] inline void* getCallingStackFrame(void*) {
     return __builtin_frame_address(0);
 }

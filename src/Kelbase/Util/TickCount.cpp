@@ -11,7 +11,7 @@ namespace Util {
 
 namespace {
 
-/// Truncated toward zero, modulo 2^64; 0 for what has no place in 64 bits.
+/// Returns the value truncated toward zero, modulo 2^64. Returns 0 for a value outside -2^63 to 2^64.
 std::uint64_t truncateToUnsigned64(double value) {
     constexpr double two63 = 9223372036854775808.0;
     if (value >= -two63 && value < two63) {

@@ -7,15 +7,16 @@ namespace Util::Exception {
 /// A failed read from a byte stream.
 class DataStreamIO : public ::Exception::Base {
 public:
-    /// `message` says what was to be read and how much there was.
+    /// `message` says what could not be read.
     explicit DataStreamIO(const String& message);
     ///@{
-    /// Shares the texts of the other one.
+    /// Shares the texts of the other object.
     DataStreamIO(const DataStreamIO&) = default;
     DataStreamIO& operator=(const DataStreamIO&) = default;
     ///@}
     ~DataStreamIO() override;
 
+    /// Returns the text of the base class, followed by a line with the name of this class.
     String ToString() const override;
 };
 

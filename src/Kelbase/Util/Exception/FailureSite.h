@@ -1,19 +1,22 @@
 #pragma once
 
+/// @file
+/// The places in the sources that throw `FileIO`.
+
 #include <Kelbase/Util/Exception/FileIO.h>
 
 namespace Util::Exception {
 
-/// A place that throws `FileIO`. Its line is a fixed number by which readers of the failure's text know the
-/// place; it stays when the code moves.
+/// A place that throws `FileIO`. Its line is a fixed number that identifies the place in the failure's text.
+/// The number stays the same when the code moves.
 struct FailureSite {
     const char* file;
     int line;
     FileIO::ErrorKind kind;
-    const char* message; ///< With a placeholder for each argument of `Throw`.
+    const char* message; ///< Has a placeholder for each argument of `Throw`.
 };
 
-/// The site's failure about a file or a folder.
+/// Returns the exception of a site for a file or a folder.
 template <typename Path, typename... Arguments>
 FileIO Failure(const FailureSite& site, const Path& path, int errorNumber, Arguments... arguments) {
     String message(site.message);
@@ -23,7 +26,8 @@ FileIO Failure(const FailureSite& site, const Path& path, int errorNumber, Argum
     return failure;
 }
 
-/// Throws it. A function of its own, so that `errno` as an argument is read before anything is allocated.
+/// Throws the exception of a site. This is a separate function, so that an argument `errno` is read before
+/// anything is allocated.
 template <typename Path, typename... Arguments>
 [[noreturn]] void Throw(const FailureSite& site, const Path& path, int errorNumber, Arguments... arguments) {
     throw Failure(site, path, errorNumber, arguments...);

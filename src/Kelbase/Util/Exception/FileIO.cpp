@@ -29,7 +29,7 @@ String FileIO::GetErrorDescription() const {
     case UnexpectedError:
         return "Unexpected error";
     }
-    return " Unknown error"; // with its blank, which readers of these texts know
+    return " Unknown error"; // programs that read these texts expect the blank
 }
 
 String FileIO::ToString() const {
