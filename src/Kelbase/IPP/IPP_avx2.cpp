@@ -5,12 +5,13 @@
 #include <cpuid.h>
 #include <immintrin.h>
 
-// Compiled for AVX2 and FMA: nothing here may run before isSupported has said yes, and no inline function of
-// another header may be used, since the linker could keep this copy of it for everybody.
+// This source is compiled for AVX2 and FMA. No other function may run before isSupported has returned true.
+// The source must not use inline functions of other headers, because the linker could keep these copies for
+// the whole program.
 
 namespace {
 
-/// The register sets that the operating system saves: bit 1 SSE, bit 2 AVX.
+/// Returns the register sets that the operating system saves: bit 1 is SSE, bit 2 is AVX.
 unsigned int savedRegisters() {
     unsigned int low, high;
     __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
@@ -45,7 +46,7 @@ void put(Integer* dst, __m256i v) {
     stream ? _mm256_stream_si256(p, v) : _mm256_storeu_si256(p, v);
 }
 
-/// 8, 16 and 32 bytes.
+/// These functions load 8, 16 and 32 bytes.
 template <typename Integer>
 __m128i getQuarter(const Integer* src) {
     return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src));
@@ -154,11 +155,12 @@ struct IntToDouble {
     }
 };
 
-/// Eight floats scaled to integers. Truncation gives the smallest int for NaN and whatever does not fit.
+/// Scales eight floats and converts them to integers. Truncation gives the smallest int for NaN and for
+/// values out of range.
 ///
-/// Product and sum may be fused, though the scalar form rounds in between: the factor is a power of two, 0 or
-/// infinity, so the product is exact, or overflows (and so does the sum), or is too small for a normal number
-/// (and half swallows it).
+/// Product and sum may be fused, although the scalar implementation rounds the product. The factor is a power
+/// of two, 0 or infinity. So the product is exact, or it overflows and so does the sum, or it is smaller than
+/// a normal number and adding half removes the difference.
 template <bool round>
 struct ToInts {
     __m256 factor;
@@ -168,7 +170,7 @@ struct ToInts {
     __m256i operator()(const float* src) const {
         const __m256 x = _mm256_loadu_ps(src);
         if (!round) return _mm256_cvttps_epi32(_mm256_mul_ps(x, factor));
-        // -0.0 takes -0.5 here, not +0.5: either is truncated to 0.
+        // Adds -0.5 to -0.0, not +0.5. Both are truncated to 0.
         const __m256 sign = _mm256_and_ps(x, _mm256_set1_ps(-0.0f));
         return _mm256_cvttps_epi32(_mm256_fmadd_ps(x, factor, _mm256_or_ps(sign, _mm256_set1_ps(0.5f))));
     }
@@ -183,7 +185,7 @@ struct FloatToShort : ToInts<round> {
 
     template <bool stream>
     void Convert(const float* src, short* dst) const {
-        const __m256i packed = _mm256_packs_epi32((*this)(src), (*this)(src + 8)); // each lane by itself
+        const __m256i packed = _mm256_packs_epi32((*this)(src), (*this)(src + 8)); // packs within each lane
         put<stream>(dst, _mm256_permute4x64_epi64(packed, _MM_SHUFFLE(3, 1, 2, 0)));
     }
 };
@@ -219,7 +221,7 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
     const __m256i v = _mm256_broadcastq_epi64(getQuarter(pattern));
     const std::size_t last = bytes - 32;
     for (std::size_t i = 0; i < last; i += 32) put<false>(dst + i, v);
-    put<false>(dst + last, v); // whole elements from the end, so in step with the pattern
+    put<false>(dst + last, v); // a multiple of the element size from the end, so in phase with the pattern
 }
 
 } // namespace

@@ -1,15 +1,17 @@
 #pragma once
 
-/// The loops of the forms that work on a block of elements at a time.
+/// @file
+/// The loops of the implementations that convert a block of elements at a time.
 ///
-/// A block type is a class of the including source, in its unnamed namespace, so that what is made from these
-/// templates belongs to that source alone: each is compiled for other instructions. It has
+/// A block type is a class in the unnamed namespace of the including source. The instantiations of these
+/// templates therefore belong to that source alone: each source is compiled for other instructions. A block
+/// type has
 ///
 ///     using Source = ...; using Target = ...;
-///     static constexpr unsigned int count = ...;      elements a block
+///     static constexpr unsigned int count = ...;      elements in a block
 ///     template <bool stream> void Convert(const Source* src, Target* dst) const;
 ///
-/// where `stream` asks for stores past the caches, into an aligned destination.
+/// where `stream` requests non-temporal stores to an aligned destination.
 
 #include <cstddef>
 #include <cstdint>
@@ -17,18 +19,20 @@
 
 namespace IPP {
 
-/// Read and written bytes from which on stores past the caches pay: below, the result is still in a cache
-/// when it is read. Half this size already loses then.
+/// Non-temporal stores are used if at least this number of bytes is read and written. The results of smaller
+/// conversions are still in a cache when they are read next; at half this size non-temporal stores are
+/// slower.
 constexpr unsigned int streamingBytes = 24u << 20;
 
-/// Bytes from which on the processor's own string store fills faster than a loop: it does not read first what
-/// it is going to write.
+/// The string store of the processor fills at least this number of bytes faster than a loop, because it does
+/// not read the destination first.
 constexpr std::size_t stringFillBytes = 1u << 20;
 
-/// Fills by that store where the pattern repeats four bytes; else answers false.
+/// Fills with the string store if the pattern repeats after four bytes. Returns false otherwise.
 bool FillByString(std::size_t bytes, unsigned char* dst, const unsigned char* pattern);
 
-/// Elements up to the first address that is a multiple of `alignment`; more than a block when there is none.
+/// Returns the number of elements before the first address that is a multiple of `alignment`, or more than a
+/// block if there is none.
 template <unsigned int alignment, typename Block>
 unsigned int elementsToAlignment(const typename Block::Target* dst) {
     constexpr unsigned int size = sizeof(typename Block::Target);
@@ -36,23 +40,23 @@ unsigned int elementsToAlignment(const typename Block::Target* dst) {
     return bytes % size == 0 ? bytes / size : Block::count + 1;
 }
 
-/// Converts `first`, `first` + one block, ... as long as a whole block lies before `last`'s end, then the
-/// block at `last`, which may overlap the one before: no rest is left for single elements.
+/// Converts the blocks from `first` on that begin before `last`, then the block at `last`. The last block may
+/// overlap the previous one, so that no single elements remain.
 template <bool stream, typename Block>
 void convertBlocks(unsigned int first, unsigned int last, const typename Block::Source* src,
                    typename Block::Target* dst, const Block& block) {
     std::size_t i = first;
     for (; i + Block::count < last;
-         i += 2 * Block::count) { // two, so that small blocks are not outrun by the loop
+         i += 2 * Block::count) { // two blocks a pass, because the loop costs more than a small block
         block.template Convert<stream>(src + i, dst + i);
         block.template Convert<stream>(src + i + Block::count, dst + i + Block::count);
     }
     if (i < last) block.template Convert<stream>(src + i, dst + i);
-    if (stream) _mm_sfence(); // stores past the caches are otherwise not ordered with those of other code
+    if (stream) _mm_sfence(); // orders the non-temporal stores before later stores
     block.template Convert<false>(src + last, dst + last);
 }
 
-/// Converts an array of at least one block. `alignment` is that of the widest store.
+/// Converts an array of at least one block. `alignment` is the size of the widest store.
 template <unsigned int alignment, typename Block>
 void convertArray(unsigned int count, const typename Block::Source* src, typename Block::Target* dst,
                   const Block& block) {

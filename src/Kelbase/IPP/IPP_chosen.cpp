@@ -1,6 +1,6 @@
 #include <Kelbase/IPP/IPP_forms.h>
 
-// Set before any code runs, so that constructors of static objects may use the routines.
+// Initialised before any code runs, so that constructors of static objects may call the routines.
 const IPP::Form* IPP::chosenForm = nullptr;
 
 const IPP::Form& IPP::ChooseForm() {

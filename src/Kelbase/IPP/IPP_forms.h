@@ -1,24 +1,28 @@
 #pragma once
 
-/// The forms of the vector routines: one table of functions for each set of instructions. All forms give the
-/// same bits. For the routines themselves, their tests and their benchmarks; everyone else calls IPP_util.h.
+/// @file
+/// The implementations of the vector routines: one table of functions for each instruction set. All
+/// implementations give the same bits. Only the routines, their tests and their benchmarks include this
+/// header; all other code uses IPP_util.h.
 
 #include <cstddef>
 
 namespace IPP {
 
+/// One implementation of the vector routines.
 struct Form {
     const char* name;
-    bool (*isSupported)(); ///< Whether the processor at hand, and its operating system, can run it.
+    bool (*isSupported)(); ///< Returns whether processor and operating system can run it.
 
-    /// Repeats the eight bytes of `pattern` over `bytes` bytes, which hold whole elements of 2, 4 or 8 bytes.
+    /// Repeats the eight bytes of `pattern` over `bytes` bytes. `bytes` is a multiple of the element size of
+    /// 2, 4 or 8 bytes.
     void (*fill)(std::size_t bytes, unsigned char* dst, const unsigned char* pattern);
 
     void (*charToFloat)(unsigned int count, const unsigned char* src, float* dst);
     void (*floatToDouble)(unsigned int count, const float* src, double* dst);
     void (*doubleToFloat)(unsigned int count, const double* src, float* dst);
 
-    // `factor` is a power of two with either sign, or 0 or infinity where the public routine says so.
+    // `factor` is a power of two of either sign, or 0 or infinity if the public routine allows it.
     void (*shortToFloat)(unsigned int count, const short* src, float* dst, float factor);
     void (*shortToDouble)(unsigned int count, const short* src, double* dst, double factor);
     void (*intToFloat)(unsigned int count, const int* src, float* dst, float factor);
@@ -30,17 +34,19 @@ struct Form {
 };
 
 extern const Form scalarForm;
-extern const Form sse2Form; ///< Like the next one, only in builds for x86.
-extern const Form avx2Form; ///< AVX2 and FMA.
+extern const Form sse2Form; ///< Exists only in builds for x86, as does avx2Form.
+extern const Form avx2Form; ///< Uses AVX2 and FMA.
 
-/// The forms of this build, best first, ended by null. The last one, scalar, runs everywhere.
+/// The implementations of this build, the best one first, ended by null. The last one is scalarForm, which
+/// every processor can run.
 extern const Form* const allForms[];
 
-/// The first form that the processor supports; found at the first call, then kept.
+/// Selects the first implementation that the processor supports. `ChosenForm` calls it once.
 const Form& ChooseForm();
-extern const Form* chosenForm; ///< Null until then.
+extern const Form* chosenForm; ///< The dispatched implementation, null until ChooseForm has been called.
+/// Returns the dispatched implementation.
 inline const Form& ChosenForm() {
-    // Threads that meet here at the first call find the same answer; the builtin keeps even that from being a
+    // Threads that make the first call at the same time find the same implementation. The builtin prevents a
     // data race.
     const Form* const form = __atomic_load_n(&chosenForm, __ATOMIC_RELAXED);
     return form ? *form : ChooseForm();

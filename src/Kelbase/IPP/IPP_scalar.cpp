@@ -6,8 +6,8 @@
 #include <cstring>
 #include <limits>
 
-// The reference of the other forms, and what they hand the arrays to that are shorter than one of their
-// blocks.
+// The reference implementation. The other implementations use it for arrays that are shorter than one of
+// their blocks.
 
 namespace {
 
@@ -36,7 +36,7 @@ void scale(unsigned int count, const From* src, To* dst, To factor) {
 
 int toInt(float x, float factor) { return Util::TruncateToInt(x * factor); }
 
-/// The sign is that of the source: a negative factor turns the product's round.
+/// Rounds with the sign of the source. A negative factor gives the product the other sign.
 int toIntRounded(float x, float factor) {
     return Util::TruncateToInt(x * factor + Util::HalfAwayFromZero(x));
 }

@@ -33,7 +33,7 @@ __m128i get(const Integer* src) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(src));
 }
 
-/// The first eight bytes; the others are 0.
+/// Loads eight bytes. The upper half is 0.
 template <typename Integer>
 __m128i getHalf(const Integer* src) {
     return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src));
@@ -81,8 +81,8 @@ struct DoubleToFloat {
     }
 };
 
-// There is no widening with sign. A short unpacked into the upper half of an int is 65536 times itself, and
-// taking that out of the factor is exact: the factors are no smaller than 2^-31.
+// SSE2 has no sign-extending conversion. A short that is unpacked into the upper half of an int is multiplied
+// by 65536. Dividing the factor by 65536 is exact, because the factors are at least 2^-31.
 
 struct ShortToFloat {
     using Source = short;
@@ -146,7 +146,8 @@ struct IntToDouble {
     }
 };
 
-/// Four floats scaled to integers. Truncation gives the smallest int for NaN and whatever does not fit.
+/// Scales four floats and converts them to integers. Truncation gives the smallest int for NaN and for values
+/// out of range.
 template <bool round>
 struct ToInts {
     __m128 factor;
@@ -156,7 +157,7 @@ struct ToInts {
     __m128i operator()(const float* src) const {
         const __m128 x = _mm_loadu_ps(src);
         __m128 product = _mm_mul_ps(x, factor);
-        // -0.0 takes -0.5 here, not +0.5: either is truncated to 0.
+        // Adds -0.5 to -0.0, not +0.5. Both are truncated to 0.
         if (round) {
             const __m128 half = _mm_or_ps(_mm_and_ps(x, _mm_set1_ps(-0.0f)), _mm_set1_ps(0.5f));
             product = _mm_add_ps(product, half);
@@ -210,7 +211,7 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
     const __m128i v = _mm_unpacklo_epi64(half, half);
     const std::size_t last = bytes - 16;
     for (std::size_t i = 0; i < last; i += 16) put<false>(dst + i, v);
-    put<false>(dst + last, v); // whole elements from the end, so in step with the pattern
+    put<false>(dst + last, v); // a multiple of the element size from the end, so in phase with the pattern
 }
 
 } // namespace

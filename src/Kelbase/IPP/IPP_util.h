@@ -1,24 +1,26 @@
 #pragma once
 
-/// Whole arrays at once: copy, fill, compare, and conversion between sample types.
-///
-/// The element count comes first; a count of 0 does nothing, and null pointers are then welcome. Source and
-/// destination hold `count` elements each and must not overlap, but for `Move`. Nothing is allocated, nothing
-/// throws, nothing is reported.
-///
-/// Where a conversion takes a scale, the result is the value times 2 to the power of -scale. Any `int` may be
-/// given.
-///
-/// Results do not depend on the processor, to the last bit: the widest instructions that it has are used, and
-/// all give the same answers. The current rounding direction is taken to be "to nearest".
+/// @file
+/// Array routines: copying, filling, comparison, and conversion between sample types.
 
 #include <cstddef>
 #include <cstring>
 
+/// Routines that work on whole arrays.
+///
+/// The first argument is the number of elements. A count of 0 does nothing; the pointers may then be null.
+/// Source and destination have `count` elements each and must not overlap, except for `Move`. No function
+/// allocates, throws or reports anything.
+///
+/// A conversion with a scale multiplies the value by 2 to the power of -scale. Any `int` is a valid scale.
+/// The conversions from and to `short` do so for a limited range of scales only, see there.
+///
+/// The functions use the best instructions of the processor. The results are the same to the last bit on
+/// every processor. The functions assume that the rounding direction is to nearest.
 namespace IPP {
 
 ///@{
-/// Byte copies.
+/// Copies the bytes.
 void Copy(unsigned int count, const char* src, char* dst);
 void Copy(unsigned int count, const unsigned char* src, unsigned char* dst);
 void Copy(unsigned int count, const short* src, short* dst);
@@ -29,7 +31,7 @@ void Copy(unsigned int count, const double* src, double* dst);
 ///@}
 
 ///@{
-/// Byte copies between arrays that may overlap.
+/// Copies the bytes between arrays that may overlap.
 void Move(unsigned int count, const unsigned char* src, unsigned char* dst);
 void Move(unsigned int count, const short* src, short* dst);
 void Move(unsigned int count, const float* src, float* dst);
@@ -37,8 +39,7 @@ void Move(unsigned int count, const double* src, double* dst);
 ///@}
 
 ///@{
-/// Every element becomes `value`. A value that compares equal to 0 is stored as zero bytes: -0.0 becomes
-/// +0.0.
+/// Sets every element to `value`. A value that equals 0 is stored as zero bytes: -0.0 becomes +0.0.
 void Set(unsigned int count, unsigned char* dst, unsigned char value);
 void Set(unsigned int count, short* dst, short value);
 void Set(unsigned int count, int* dst, int value);
@@ -48,7 +49,7 @@ void Set(unsigned int count, double* dst, double value);
 ///@}
 
 ///@{
-/// Every byte becomes 0.
+/// Sets every byte to 0.
 void Zero(unsigned int count, unsigned char* dst);
 void Zero(unsigned int count, short* dst);
 void Zero(unsigned int count, int* dst);
@@ -57,56 +58,61 @@ void Zero(unsigned int count, float* dst);
 void Zero(unsigned int count, double* dst);
 ///@}
 
-/// Whether all bytes are equal; true for none.
+/// Returns whether all bytes are equal. Returns true for a count of 0.
 bool Equal(unsigned int count, const unsigned char* a, const unsigned char* b);
 
 ///@{
-/// Exact.
+/// Converts without loss.
 void Convert(unsigned int count, const unsigned char* src, float* dst);
 void Convert(unsigned int count, const float* src, double* dst);
 ///@}
-/// To the nearest float; infinity where there is none.
+/// Converts to the nearest float. A value that is too large becomes infinite.
 void Convert(unsigned int count, const double* src, float* dst);
 
 ///@{
-/// Divides by the signed 32-bit integer 1 << (scale mod 32). That is 2^scale for 0 to 30, and -2^31 where
-/// scale mod 32 is 31, as for 31 and -1.
+/// Divides by the signed 32-bit integer 1 << (scale mod 32). The divisor is 2^scale for a scale of 0 to 30,
+/// and -2^31 if scale mod 32 is 31, as for 31 and -1.
 void Convert(unsigned int count, const short* src, float* dst, int scale);
 void Convert(unsigned int count, const short* src, double* dst, int scale);
 ///@}
 
 ///@{
-/// Multiplies by 2^-scale, which may be a denormal, 0 or infinity in the type of the destination; 0 times
-/// infinity is NaN. To float, the integer is rounded to the nearest float first, then the product.
+/// Multiplies by 2^-scale. In the type of the destination the factor may be a denormal, 0 or infinity; 0
+/// times infinity is NaN. A conversion to float rounds the integer to the nearest float before the
+/// multiplication.
 void Convert(unsigned int count, const int* src, float* dst, int scale);
 void Convert(unsigned int count, const int* src, double* dst, int scale);
 ///@}
 
-/// Multiplies by the signed 32-bit integer 1 << (-scale mod 32), in single precision: by 2^-scale for 0 to
-/// -30, by 2^(32 - scale) for 2 to 31, by -2^31 where -scale mod 32 is 31, as for 1 and -31. With `round`,
-/// half with the sign of the source is then added, in single precision; +0.5 for zeros, and where the factor
-/// is negative half towards zero. The result is truncated and held to -32768 and 32767. NaN, and whatever
-/// does not fit 32 bits before that, becomes -32768, on the positive side too.
+/// Multiplies by the signed 32-bit integer 1 << (-scale mod 32), in single precision. The factor is 2^-scale
+/// for a scale of 0 to -30, 2^(32 - scale) for 2 to 31, and -2^31 if -scale mod 32 is 31, as for 1 and -31.
+///
+/// With `round`, 0.5 with the sign of the source (+0.5 for a zero) is added to the product, in single
+/// precision. With a negative factor this moves the product towards zero. The sum is truncated to 32 bits and
+/// limited to -32768 to 32767. NaN and a sum that does not fit 32 bits, also a positive one, give -32768.
 void Convert(unsigned int count, const float* src, short* dst, int scale, bool round);
 
-/// Multiplies by 2^-scale in single precision; rounds as above or truncates. NaN and whatever does not fit
-/// becomes -2147483648.
+/// Multiplies by 2^-scale in single precision. With `round`, adds 0.5 with the sign of the source. Truncates
+/// the result. NaN and a result that does not fit 32 bits give -2147483648.
 void Convert(unsigned int count, const float* src, int* dst, int scale, bool round);
 
 ///@{
-/// These two leave the destination as it is, by design: callers count on getting it back unchanged.
+/// These two functions do nothing, by design. Callers rely on an unchanged destination.
 void Convert(unsigned int count, const float* src, unsigned char* dst, int scale, bool round);
 void Convert(unsigned int count, const double* src, int* dst, int scale, bool round);
 ///@}
 
-// Those whose call would outweigh their work. The C library may not be given null pointers.
+// Inline, because a call would cost more than the work. The functions of the C library must not get null
+// pointers.
 
 namespace detail {
+/// Copies the elements. The pointers may be null for a count of 0.
 template <typename T>
 void copyElements(unsigned int count, const T* src, T* dst) {
     if (count) std::memcpy(dst, src, std::size_t{count} * sizeof(T));
 }
 
+/// Sets every byte to 0. The pointer may be null for a count of 0.
 template <typename T>
 void zeroElements(unsigned int count, T* dst) {
     if (count) std::memset(dst, 0, std::size_t{count} * sizeof(T));

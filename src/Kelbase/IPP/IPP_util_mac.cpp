@@ -7,8 +7,8 @@
 
 namespace {
 
-// The size in bytes of an array that exists fits a size_t, so the products below do not overflow. With a
-// count of 0 the block operations are not called: they may not be given null pointers.
+// The size in bytes of an array fits a size_t, so the products do not overflow. The functions of the C
+// library are not called with a count of 0, because they must not get null pointers.
 
 template <typename T>
 void moveElements(unsigned int count, const T* src, T* dst) {
@@ -27,7 +27,7 @@ void setElements(unsigned int count, T* dst, T value) {
     IPP::ChosenForm().fill(std::size_t(count) * sizeof(T), reinterpret_cast<unsigned char*>(dst), pattern);
 }
 
-/// 1 shifted left in 32 bits and read as a signed number, so that a shift of 31 gives -2^31.
+/// Returns 1 shifted left in 32 bits, read as a signed number: a shift of 31 gives -2^31.
 double shiftedOne(unsigned int shift) {
     return shift % 32 == 31 ? -2147483648.0 : static_cast<double>(1u << shift % 32);
 }
@@ -71,7 +71,7 @@ void IPP::Convert(unsigned int count, const short* src, double* dst, int scale) 
     ChosenForm().shortToDouble(count, src, dst, 1 / shiftedOne(static_cast<unsigned int>(scale)));
 }
 
-// The scale is widened before its sign is changed: the smallest int has no opposite.
+// The scale is widened before it is negated, because the smallest int has no negation.
 
 void IPP::Convert(unsigned int count, const int* src, float* dst, int scale) {
     ChosenForm().intToFloat(count, src, dst, Util::PowerOfTwo(-static_cast<long long>(scale)));

@@ -10,7 +10,7 @@ bool IPP::FillByString(std::size_t bytes, unsigned char* dst, const unsigned cha
     std::memcpy(&value, pattern, sizeof value);
     std::size_t count = bytes / sizeof value;
     __asm__ volatile("rep stosl" : "+D"(dst), "+c"(count) : "a"(value) : "memory");
-    std::memcpy(dst, pattern, bytes % sizeof value); // a last short
+    std::memcpy(dst, pattern, bytes % sizeof value); // the last element of 2 bytes
     return true;
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The byte order of numbers.
+
 #include <cstddef>
 #include <cstring>
 
