@@ -10,28 +10,29 @@ namespace UI::Native {
 
 namespace {
 
-// What runModal answers: buttons are numbered in the order in which they were added.
+// Results of runModal. The buttons are numbered in the order in which they were added.
 enum : CFIndex { firstButton = 1000, thirdButton = 1002 };
 
 struct Selectors {
     SEL alloc = sel_registerName("alloc");
     SEL init = sel_registerName("init");
-    SEL retain = sel_registerName("retain");           // part of the set that every
-    SEL autorelease = sel_registerName("autorelease"); // owner registers; never sent
+    // The next two belong to the usual set of selectors. They are never sent.
+    SEL retain = sel_registerName("retain");
+    SEL autorelease = sel_registerName("autorelease");
     SEL release = sel_registerName("release");
     SEL setMessageText = sel_registerName("setMessageText:");
     SEL addButtonWithTitle = sel_registerName("addButtonWithTitle:");
     SEL runModal = sel_registerName("runModal");
 };
 
-/// Sends a message under the exact type of its method, as the calling convention demands.
+/// Sends a message with the exact type of its method, as the calling convention requires.
 template <typename Result, typename... Arguments>
 Result send(id receiver, SEL selector, Arguments... arguments) {
     const auto method = reinterpret_cast<Result (*)(id, SEL, Arguments...)>(objc_msgSend);
     return method(receiver, selector, arguments...);
 }
 
-/// One NSAlert, from its making to its release.
+/// Owns an NSAlert.
 class Alert {
 public:
     Alert()
@@ -75,8 +76,8 @@ CFIndex askUser(const String& message, bool okCancel, bool yesNo, bool withCance
     return alert.RunModal();
 }
 
-/// Shows the box; true for its first button. With `cancelled`, which then tells the two apart, false is "No"
-/// or "Cancel". The alert chooses its default button by itself.
+/// Shows the box and returns whether the user chose the first button. `cancelled` is set for every result
+/// other than the first and the third button. NSAlert selects the default button itself.
 bool standardAlertDialog(const String& message, bool okCancel, bool yesNo, bool /*firstIsDefault*/,
                          bool* cancelled, bool retryCancel) {
     okCancel = okCancel || yesNo || retryCancel;
