@@ -1,10 +1,7 @@
 #pragma once
 
-/// @file
-/// What the user is told of a refused call.
-
 #include <PostInstall/XCodParamBlock.h>
 
-/// Tells the user and the host that a step refused the block. Both steps use the same texts, the
-/// post-installation's.
+/// Reports a rejected call with an alert and the error bit. Both steps use the texts of the post-install
+/// step.
 void ReportRefusedCall(XCodParamBlock& block);

@@ -15,7 +15,7 @@ CFUUIDRef hostInterface() {
                                           0x9D, 0xCB, 0x92, 0xED, 0x69, 0x58, 0x34, 0xF8);
 }
 
-/// Adds to the count, which wraps where a host never stops: signed overflow would be undefined.
+/// Adds to the reference count. The count wraps, because signed overflow would be undefined.
 ULONG changeRefCount(XCodInstance& instance, UInt32 change) {
     const UInt32 count = static_cast<UInt32>(instance.refCount) + change;
     instance.refCount = static_cast<SInt32>(count);
@@ -24,7 +24,7 @@ ULONG changeRefCount(XCodInstance& instance, UInt32 change) {
 
 HRESULT myQueryInterface(void* self, REFIID iid, LPVOID* result) {
     const CFUUIDRef asked = CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, iid);
-    // One interface under both names, so both give the same pointer.
+    // Both identifiers name the one interface, so both give the same pointer.
     const bool known = asked && (CFEqual(asked, hostInterface()) || CFEqual(asked, IUnknownUUID));
     if (known) static_cast<XCodInstance*>(self)->functionBlock->AddRef(self);
     *result = known ? self : nullptr;

@@ -14,7 +14,7 @@ namespace {
 
 bool makeReference(const char* path, FSRef& reference) {
     const Util::CFString text(path, Util::CFString::kReleaseOnDestroy);
-    // Marked as a folder also where it names a file: the reference comes out the same.
+    // Also a file's URL is marked as a folder. The file reference is the same.
     const CFURLRef url =
         CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.GetRef(), kCFURLPOSIXPathStyle, true);
     if (!url) return false;
@@ -27,9 +27,9 @@ UInt16 withBit(UInt16 flags, UInt16 bit, bool on) {
     return static_cast<UInt16>(on ? flags | bit : flags & ~bit);
 }
 
-/// Shows or hides an item and says whether it has an icon of its own; every other flag stays. False when
-/// there is no such item or its flags could not be stored. The flags lie at the same place for files and
-/// folders.
+/// Sets or clears the invisible flag and the custom-icon flag of an item and keeps all other flags. Returns
+/// false if there is no such item or its flags could not be stored. The flags are at the same offset for
+/// files and folders.
 bool setHFSAttributes(const char* path, bool /*isFolder*/, bool invisible, bool customIcon) {
     FSRef reference;
     if (!makeReference(path, reference)) return false;
@@ -63,7 +63,7 @@ void PostInstall(XCodParamBlock* block) {
         SetUpdateIntervalFromStatusFile();
         storeLanguage(product, language);
     }
-    // The folder shows the icon that the hidden file in it holds. A folder that is not there needs none.
+    // The hidden file contains the icon of the folder. A missing folder or file is not an error.
     setHFSAttributes("/Applications/Korvane", true, false, true);
     setHFSAttributes("/Applications/Korvane/Icon\r", false, true, false);
 }

@@ -13,7 +13,7 @@ void PreInstall(XCodParamBlock* block) {
     }
     const Product product = FindProduct(block->productCode);
     const String shortName(product.shortName);
-    if (!product.bundleIdentifier) return; // an unknown product is no error
+    if (!product.bundleIdentifier) return; // an unknown product is not an error
 
     {
         const Util::CFString key(String("InstalledProducts/%1/CurrentVersion").Arg(shortName),

@@ -1,6 +1,6 @@
 #include <PostInstall/ProductTable.h>
 
-// A switch and not an array: constant strings are no constant expressions with every compiler.
+// A switch, because not every compiler accepts constant strings in a constant expression.
 Product FindProduct(std::int32_t productCode) {
     switch (productCode) {
     case 1400:

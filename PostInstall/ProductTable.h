@@ -1,17 +1,17 @@
 #pragma once
 
 /// @file
-/// Products, their names and identifiers.
+/// The vendor's products with their names and identifiers.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <cstdint>
 
-/// One of the maker's products, as the installer numbers them.
+/// One product.
 struct Product {
-    CFStringRef
-        bundleIdentifier;  ///< Also its preferences domain; lent for ever, null for an unknown product.
+    /// Also the preferences domain. A constant, null for an unknown product.
+    CFStringRef bundleIdentifier;
     const char* shortName; ///< Null for an unknown product.
 };
 
-/// The product of this number; null members for a number that the maker does not have.
+/// Returns the product with the installer's product code. The members are null for an unknown code.
 Product FindProduct(std::int32_t productCode);

@@ -3,13 +3,13 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 /// @file
-/// Preferences of every user on this machine. Whether they could be written is not asked: the installation
-/// goes on without them.
+/// Preferences of any user on the current host. Failures are ignored: the installation continues without the
+/// values.
 
-/// The domain of the maker's updater; lent for ever.
+/// Returns the domain of the vendor's updater. The string is a constant.
 CFStringRef UpdaterDomain();
 
-/// Pending until the domain is synchronised; the value is copied.
+/// Sets a value, which is pending until the domain is synchronised. The platform copies the value.
 void SetSystemPreference(CFStringRef domain, CFStringRef key, CFPropertyListRef value);
-/// Writes what is pending and waits for that.
+/// Writes the pending values and returns when they are written.
 void SynchronizeSystemPreferences(CFStringRef domain);

@@ -1,22 +1,22 @@
 #pragma once
 
 /// @file
-/// What the installer hands to the plug-in at each event.
+/// The parameter block of the installer's calls.
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-/// A field at any address, in the machine's byte order; read and written by copying its bytes.
+/// A field without alignment, in the machine's byte order. Reading and writing copies its bytes.
 template <typename T>
 class Unaligned {
 public:
-    operator T() const { ///< The value as it is now.
+    operator T() const { ///< Reads the value.
         T value;
         std::memcpy(&value, bytes, sizeof value);
         return value;
     }
-    Unaligned& operator=(T value) { ///< Writes its own bytes and none beside them.
+    Unaligned& operator=(T value) { ///< Writes the bytes of the field only.
         std::memcpy(bytes, &value, sizeof value);
         return *this;
     }
@@ -25,23 +25,23 @@ private:
     unsigned char bytes[sizeof(T)];
 };
 
-/// What the installer writes into the first two fields.
+/// Values of `selector` and `message`.
 enum : std::int16_t {
-    kXCodSelector = 1000,     ///< The only call kind that the plug-in acts on.
-    kXCodPreInstallation = 2, ///< Messages: before and after the product's files are copied.
-    kXCodPostInstallation = 3,
+    kXCodSelector = 1000,      ///< The only kind of call that the plug-in accepts.
+    kXCodPreInstallation = 2,  ///< The event before the product's files are installed.
+    kXCodPostInstallation = 3, ///< The event after the product's files are installed.
 };
-/// Bit of `errorFlags` that tells the host that the call failed.
+/// The bit of `errorFlags` that reports a failed call to the host.
 constexpr std::uint32_t kXCodCallFailed = 1;
 
-/// The installer's parameter block. It belongs to the host, may lie at any address, and goes on after the
-/// last field here; of the error flags only `kXCodCallFailed` is ever touched, and only set.
+/// The installer's parameter block. The host owns the block, which may have any address and has more fields
+/// after the last one here. The plug-in changes `errorFlags` only: it sets `kXCodCallFailed`.
 struct XCodParamBlock {
-    Unaligned<std::int16_t> selector;     ///< Kind of the call; anything but `kXCodSelector` is refused.
-    Unaligned<std::int16_t> message;      ///< The event; one without a step is passed over.
-    Unaligned<std::int32_t> productCode;  ///< As ProductTable.h has them; others are no error.
-    Unaligned<std::uint32_t> errorFlags;  ///< In and out.
-    unsigned char hostFields[598];        ///< The host's own, never looked at.
+    Unaligned<std::int16_t> selector;     ///< The kind of call, which must be `kXCodSelector`.
+    Unaligned<std::int16_t> message;      ///< The event. Events without a step are ignored.
+    Unaligned<std::int32_t> productCode;  ///< See ProductTable.h. Other codes are not an error.
+    Unaligned<std::uint32_t> errorFlags;  ///< Read and written.
+    unsigned char hostFields[598];        ///< The host's own fields, not read.
     Unaligned<std::int32_t> languageCode; ///< A classic Mac OS language code.
 };
 
