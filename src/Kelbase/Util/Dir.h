@@ -41,8 +41,8 @@ public:
     void SetTime(const FileTime& time) const; ///< Sets the folder's times. Throws `UnexpectedError`.
 
     /// Creates the folder unless it exists, with permissions 0755 less the process's mask. With `recursive`,
-    /// also creates each missing folder above it, but creates nothing if the clean path is relative, as that
-    /// of "/../x". Throws `WriteError` with the system's error number in the message. Folders that were
+    /// also creates each missing folder above it, but creates nothing if the canonical path is relative, as
+    /// that of "/../x". Throws `WriteError` with the system's error number in the message. Folders that were
     /// created stay.
     void Create(bool recursive) const;
     /// Removes the folder if it exists. Throws `RemoveError`, for instance if the folder is not empty.

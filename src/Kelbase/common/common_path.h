@@ -10,14 +10,16 @@
 /// and a "/", or for "/" if HOME is not set. `GetInternal` returns the result without further changes. "/"
 /// separates names, and "\" is read as "/".
 ///
-/// `ToString` and the comparisons clean the path. Cleaning turns "\" into "/", collapses repeated separators
-/// except two at the start, and removes a ".." together with the name before it. The name after such a ".."
-/// is not examined: of two ".." in a row only the first removes a name ("/a/b/../../c" is "/a/../c"). A ".."
-/// directly after the root removes the root ("/../x" is "x"). "." stays. The `bool` of the constructors has
-/// no meaning on this platform.
+/// `ToString` and the comparisons use the canonical form. The canonical form has "/" for each "\", has
+/// repeated separators collapsed except two at the start, has each ".." removed together with the name before
+/// it, and ends with one "/". The name after a removed ".." is not examined: of two ".." in a row only the
+/// first removes a name ("/a/b/../../c" gives "/a/../c/"). A ".." directly after the root removes the root
+/// ("/../x" gives "x/"). "." stays. The canonical form of the empty path is "/".
 ///
-/// Paths are equal and sort by their clean form with one "/" at the end, with "A"-"Z" read as "a"-"z". So the
-/// empty path equals "/".
+/// Paths are equal if their canonical forms are equal up to the first NUL, with "A"-"Z" equal to "a"-"z". The
+/// canonical forms also give the order.
+///
+/// The `bool` of the constructors has no meaning on this platform.
 
 class FolderPath;
 
@@ -43,7 +45,7 @@ public:
     /// "/", and the empty path for the empty path.
     FolderPath GetFolder() const;
 
-    /// Returns the clean form without a separator at the end, "" for "/" and for the empty path.
+    /// Returns the canonical form without the "/" at its end, "" for "/" and for the empty path.
     String ToString() const;
 
 private:
@@ -63,11 +65,11 @@ public:
     /// Returns the same as `FilePath::IsRelative`.
     static bool IsRelative(const String& text) { return FilePath::IsRelative(text); }
 
-    bool IsTopLevel() const;      ///< Returns true for the empty path and for a clean form of "/" or "./".
+    bool IsTopLevel() const;      ///< Returns whether the canonical form is "/" or "./".
     String GetFolderName() const; ///< Returns the last name, "" at top level.
     FolderPath GetParent() const; ///< Returns the empty path at top level.
 
-    String ToString() const; ///< Returns the clean form with one "/" at the end, "/" for the empty path.
+    String ToString() const; ///< Returns the canonical form.
 
 private:
     friend class FilePath;
@@ -80,7 +82,7 @@ private:
 FilePath operator+(const FolderPath& folder, const String& name);
 
 ///@{
-/// Compare the clean forms with one "/" at the end, up to the first NUL, with "A"-"Z" read as "a"-"z".
+/// Compares the canonical forms up to the first NUL, with "A"-"Z" equal to "a"-"z".
 bool operator==(const FilePath& a, const FilePath& b);
 bool operator<(const FilePath& a, const FilePath& b);
 bool operator<=(const FilePath& a, const FilePath& b);

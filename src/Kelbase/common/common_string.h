@@ -43,7 +43,7 @@ public:
     /// Stores one byte, also the byte 0.
     String(char c);
     /// Converts UTF-16 units, ended by a 0 unit, to Mac Roman if `encoding` is 2, else to UTF-8. The result
-    /// is null for a null pointer, for 100,000 units or more, and if a character has no form in the encoding.
+    /// is null for a null pointer, for 100,000 units or more, and if a character cannot be encoded.
     String(const unsigned short* s, unsigned int encoding);
 
     /// Shares the text, or moves it from a temporary.
@@ -143,7 +143,7 @@ public:
     /// both decimal separators. Full-width digits, minus signs and full stops count as ASCII ones.
     ///
     /// The digits of a base above 10 are letters in either case. In a base above 36 the ASCII characters
-    /// behind "Z" and "z" are digits too. Base 0 has no digits. Prefixes such as "0x" are not accepted.
+    /// after "Z" and "z" are digits too. Base 0 has no digits. Prefixes such as "0x" are not accepted.
     ///@{
 
     /// Accepts -65535 to 32767. The value is cut to 16 bits: "-40000" gives 25536.
@@ -267,8 +267,8 @@ String operator+(String a, const String& b);
 String operator+(String a, const char* b);
 
 ///@{
-/// Compare the bytes up to the first NUL, as unsigned numbers. Every comparison with a null character pointer
-/// is false.
+/// Compares the bytes up to the first NUL, as unsigned numbers. Every comparison with a null character
+/// pointer is false.
 inline bool operator==(const String& l, const String& r) {
     return l.Latin1() == r.Latin1() || std::strcmp(l.Latin1(), r.Latin1()) == 0;
 }
