@@ -2,35 +2,24 @@
 
 #include "TextBytes.h"
 #include "support/Allocations.h"
+#include "support/CommandOutput.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
+/// Python's copy of the Unicode tables is the judge. Five categories have changed since the table was fixed.
 TEST(Char, CategoriesAreThoseOfLatin1) {
-    struct Range {
-        int first, last, category;
-    };
-    const Range ranges[] = {
-        {0x30, 0x39, 4},  {0xB2, 0xB3, 6},  {0xB9, 0xB9, 6},  {0xBC, 0xBE, 6},  {0x20, 0x20, 7},
-        {0xA0, 0xA0, 7},  {0x00, 0x1F, 10}, {0x7F, 0x9F, 10}, {0x41, 0x5A, 15}, {0xC0, 0xD6, 15},
-        {0xD8, 0xDE, 15}, {0x61, 0x7A, 16}, {0xAA, 0xAA, 16}, {0xB5, 0xB5, 16}, {0xBA, 0xBA, 16},
-        {0xDF, 0xF6, 16}, {0xF8, 0xFF, 16}, {0x5F, 0x5F, 20}, {0x2D, 0x2D, 21}, {0xAD, 0xAD, 21},
-        {0x28, 0x28, 22}, {0x5B, 0x5B, 22}, {0x7B, 0x7B, 22}, {0x29, 0x29, 23}, {0x5D, 0x5D, 23},
-        {0x7D, 0x7D, 23}, {0xAB, 0xAB, 24}, {0xBB, 0xBB, 25}, {0x21, 0x23, 26}, {0x25, 0x27, 26},
-        {0x2A, 0x2A, 26}, {0x2C, 0x2C, 26}, {0x2E, 0x2F, 26}, {0x3A, 0x3B, 26}, {0x3F, 0x40, 26},
-        {0x5C, 0x5C, 26}, {0xA1, 0xA1, 26}, {0xB7, 0xB7, 26}, {0xBF, 0xBF, 26}, {0x2B, 0x2B, 27},
-        {0x3C, 0x3E, 27}, {0x7C, 0x7C, 27}, {0x7E, 0x7E, 27}, {0xAC, 0xAC, 27}, {0xB1, 0xB1, 27},
-        {0xD7, 0xD7, 27}, {0xF7, 0xF7, 27}, {0x24, 0x24, 28}, {0xA2, 0xA5, 28}, {0x5E, 0x5E, 29},
-        {0x60, 0x60, 29}, {0xA8, 0xA8, 29}, {0xAF, 0xAF, 29}, {0xB4, 0xB4, 29}, {0xB8, 0xB8, 29},
-        {0xA6, 0xA7, 30}, {0xA9, 0xA9, 30}, {0xAE, 0xAE, 30}, {0xB0, 0xB0, 30}, {0xB6, 0xB6, 30}};
-    int covered = 0;
-    for (const Range& range : ranges) {
-        for (int byte = range.first; byte <= range.last; ++byte, ++covered) {
-            EXPECT_EQ(CHAR_CATEGORIES[byte], range.category) << byte;
-        }
-    }
-    EXPECT_EQ(covered, 256);
+    const std::string script =
+        "import unicodedata; "
+        "names = '-- Mn Mc Me Nd Nl No Zs Zl Zp Cc Cf Cs Co Cn Lu Ll Lt Lm Lo Pc Pd Ps Pe Pi Pf Po Sm Sc Sk "
+        "So'.split(); "
+        "older = {0xA7: 'So', 0xAA: 'Ll', 0xAD: 'Pd', 0xB6: 'So', 0xBA: 'Ll'}; "
+        "print(*[names.index(older.get(i, unicodedata.category(chr(i)))) for i in range(256)])";
+    std::string categories;
+    for (const int category : CHAR_CATEGORIES) categories += std::to_string(category) + " ";
+    categories.back() = '\n';
+    EXPECT_EQ(categories, Printed("/usr/bin/python3 -c \"" + script + "\""));
 }
 
 TEST(String, EmptyStatesAreAlike) {

@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <numeric>
 #include <sstream>
 
 using namespace xcodhost;
@@ -44,10 +46,12 @@ TEST(ElfFile, OutlivesEveryTruncation) {
 
 TEST(ElfFile, OutlivesEveryByteOfTheHeaderSetHigh) {
     const std::string bytes = ReadBytes(TEST_PLUGIN);
+    const std::vector<std::string> exports = ReadElf(bytes).exports;
     for (std::size_t place = 4; place < 64; ++place) {
         std::string broken = bytes;
         broken[place] = '\xFF';
-        ReadElf(broken);
+        const ElfFile file = ReadElf(broken);
+        EXPECT_EQ(file.exports, file.problem.empty() ? exports : std::vector<std::string>()) << place;
     }
 }
 
@@ -128,6 +132,15 @@ protected:
         std::sort(names.begin(), names.end());
         return names;
     }
+    /// Whether a name differs from an exported one in one byte at most.
+    bool IsAlmostAnExport(const std::string& name) const {
+        return std::any_of(exports.begin(), exports.end(), [&name](const std::string& known) {
+            if (known.size() != name.size()) return false;
+            const auto differs = [](char a, char b) { return a != b; };
+            return std::inner_product(name.begin(), name.end(), known.begin(), 0, std::plus<>(), differs) <=
+                   1;
+        });
+    }
     MachOFile Read(const std::string& file) const { return ReadMachO(ReadBytes(folder / file)); }
 
     const TemporaryFolder folder;
@@ -187,7 +200,10 @@ TEST_F(MachOFiles, MayBeCutOrBrokenAnywhere) {
     for (std::size_t place = 8; place < bytes.size(); place += place < 2048 ? 1 : 7) {
         std::string broken = bytes;
         broken[place] = '\xFF';
-        ReadMachO(broken);
+        const MachOFile file = ReadMachO(broken);
+        if (!file.problem.empty() || !file.images[0].problem.empty()) continue;
+        for (const std::string& name : file.images[0].exports)
+            EXPECT_TRUE(IsAlmostAnExport(name)) << name << place;
     }
 }
 
