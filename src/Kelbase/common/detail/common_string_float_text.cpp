@@ -115,8 +115,8 @@ bool FloatText::WriteFixed(double value, unsigned int precision, char point) {
     return true;
 }
 
-/// Uses the C++ library, which prints as the C library does, but for the point. Returns false where the C++ library has no
-/// such function.
+/// Uses the C++ library, which prints as the C library does, but for the point. Returns false where the C++
+/// library has no such function.
 bool FloatText::WriteScientific([[maybe_unused]] double value, [[maybe_unused]] unsigned int precision,
                                 [[maybe_unused]] char point) {
 #ifdef __cpp_lib_to_chars
