@@ -1,4 +1,4 @@
-// Asks before it overwrites, with the answers given beforehand as a test would give them.
+// Asks before a file is replaced. The program supplies the answers, as a test does.
 #include <Vellora/UI/Native/MessageBox.h>
 
 #include <macplatform/Alerts.h>
@@ -15,7 +15,7 @@ static const char* AskToKeep(const String& name) {
 }
 
 int main() {
-    // Off a Mac the presenter answers by the place of a button; any other number means "not shown".
+    // On Linux this function returns the index of a button. Any other number means "not shown".
     int answer = 0;
     macplatform::SetAlertPresenter([&answer](const macplatform::Alert& alert) {
         std::printf("%s", alert.message.c_str());

@@ -1,4 +1,4 @@
-// Writes a preset in either byte order, reads it back, and refuses a damaged one.
+// Writes a preset in both byte orders, reads it back, and rejects a damaged one.
 #include <Kelbase/Util/ByteStream.h>
 #include <Kelbase/Util/Exception/DataStreamIO.h>
 
@@ -34,7 +34,7 @@ int main() {
     std::printf("%u %s \"%s\" %g %ld\n", static_cast<unsigned int>(version), bypass ? "on" : "off",
                 name.Latin1(), static_cast<double>(gain), rate);
 
-    // Read in the other order, the length of the name is beyond belief.
+    // In the other byte order the length of the name is larger than the limit.
     little.SetEndianType(Util::DataStream::EndianBig);
     little.SetPosition(3);
     try {

@@ -1,4 +1,4 @@
-// Hands texts to platform calls and takes them back.
+// Converts text to CoreFoundation strings and back.
 #include <Kelbase/Util/CFString.h>
 
 #include <cstdio>
@@ -11,17 +11,17 @@ int main() {
     std::printf("%ld units: %s\n", static_cast<long>(CFStringGetLength(title.GetRef())),
                 title.ToString().Latin1());
 
-    // A reference that somebody else owns is only borrowed.
+    // The holder borrows this reference and does not release it.
     const Util::CFString borrowed(title.GetRef(), Util::CFString::kDontRelease);
     std::printf("%s\n", CFEqual(borrowed.GetRef(), title.GetRef()) ? "equal" : "different");
 
-    // Bytes that are no UTF-8 become an empty string: a call can always be made, and checks nothing.
+    // Bytes that are not UTF-8 give an empty string, so the reference is always valid.
     const Util::CFString broken("Gr\xF6\xDF"
                                 "e",
                                 Util::CFString::kReleaseOnDestroy);
     std::printf("%ld units\n", static_cast<long>(CFStringGetLength(broken.GetRef())));
 
-    // One that the program itself made is given over: no CFRelease here.
+    // The program created this reference. The holder becomes its owner and calls CFRelease.
     const CFStringRef made = CFStringCreateWithCString(nullptr, "abc", kCFStringEncodingUTF8);
     std::printf("%s\n", Util::CFString(made, Util::CFString::kReleaseOnDestroy).ToString().Latin1());
 }

@@ -1,4 +1,4 @@
-// Measures a piece of work, and tells where it runs.
+// Measures a calculation and prints facts about the processor and the process.
 #include <Kelbase/Util/PlatformInfo.h>
 #include <Kelbase/Util/TickCount.h>
 
@@ -9,7 +9,7 @@ int main() {
     const unsigned int tick = Util::GetTickCountMillis();
     double sum = 0;
     for (int i = 1; i < 100000; ++i) sum += 1.0 / i;
-    // The millisecond count wraps every 49.7 days: only the difference, unsigned, is right.
+    // The count wraps every 49.7 days. The unsigned difference is right across a wrap.
     const unsigned int millis = Util::GetTickCountMillis() - tick;
     const double seconds = Util::GetCycleCountSeconds() - start;
 

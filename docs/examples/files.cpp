@@ -1,4 +1,4 @@
-// Keeps two small files, lists their folder, and reports what fails.
+// Writes two files, lists their folder, and reports a failed read.
 #include <Kelbase/Util/Dir.h>
 #include <Kelbase/Util/Exception/FileIO.h>
 #include <Kelbase/Util/File.h>
@@ -8,9 +8,9 @@
 
 static void Write(const FilePath& path, const String& text) {
     Util::File file(path);
-    file.Open(Util::File::Write); // empties what is there
+    file.Open(Util::File::Write); // creates the file or empties it
     file.WriteBlock(text.Latin1(), text.GetLength());
-    file.Close(); // here and not by the destructor, so that a full disk is noticed
+    file.Close(); // unlike the destructor, Close reports a full disk
 }
 
 static String Read(const FilePath& path) {
@@ -22,7 +22,7 @@ static String Read(const FilePath& path) {
 }
 
 int main() {
-    const FolderPath folder("presets.example/Old", false); // in the working folder
+    const FolderPath folder("presets.example/Old", false); // in the working directory
     Util::Dir(folder).Create(true);
     Write(folder + "draft.txt", "one");
     Write(folder + "Notes.txt", "two words");

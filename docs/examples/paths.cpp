@@ -1,4 +1,4 @@
-// Finds where a preset's backup goes; nothing here touches the disk.
+// Builds the path of a preset's backup. The program does not access the disk.
 #include <Kelbase/common/common_path.h>
 
 #include <cstdio>
@@ -18,10 +18,10 @@ int main() {
     Show("parent", folder.GetParent().ToString());
     Show("backup", (folder + (preset.GetBaseName() + ".bak")).ToString());
 
-    // ASCII letters are equal in either case, as on the Mac's own volumes.
+    // Comparisons ignore the case of ASCII letters, as the Mac's own volumes do.
     const bool same = preset == FilePath("/users/ada/PRESETS/warm.room.FXP", false);
     std::printf("%-10s %s\n", "same file", same ? "yes" : "no");
 
-    // Of two ".." in a row only the first takes a name away.
+    // Of two ".." in a row only the first removes a name.
     Show("two ..", FilePath("/a/b/../../c", false).ToString());
 }

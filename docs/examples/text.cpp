@@ -1,4 +1,4 @@
-// Reads a settings line as people type it, and writes a message about it.
+// Parses a line of settings and formats messages.
 #include <Kelbase/common/common_string.h>
 
 #include <cstdio>
@@ -12,23 +12,23 @@ int main() {
     const String value = sides[1].SimplifyWhiteSpace();
     std::printf("%s: %s\n", name.Latin1(), value.Latin1());
 
-    // Everything after the number would make it no number: cut at the blank.
+    // ToDouble accepts a number and nothing else, so the unit is cut off first.
     bool ok = false;
     const checked_value<unsigned int> blank = value.Find(' ');
     const double gain = value.Left(blank.IsGiven() ? unsigned(blank) : value.GetLength()).ToDouble(&ok);
     std::printf("%s\n",
                 String("%1 is %2 (%3)").Arg(name).Arg(gain, 2).Arg(ok ? "a number" : "text").Latin1());
 
-    // Positions are bytes: "é" takes two, and cutting it in half leaves NUL bytes that still count.
+    // Positions are bytes. "é" has two bytes. The cut leaves a NUL byte, which counts in the length.
     String cut("caf\xC3\xA9");
     cut.Truncate(4);
     std::printf("%s, %u bytes\n", cut.Latin1(), cut.GetLength());
 
-    // Copies share their bytes until one is edited; the other never notices.
+    // Copies share their bytes until one of them is edited. The other one does not change.
     String copy = name;
     copy += "_left";
     std::printf("%s %s\n", name.Latin1(), copy.Latin1());
 
-    // Placeholders are filled lowest digit first, so a translation may order them as it likes.
+    // Arg replaces the lowest digit first, so a translation may change the order of the placeholders.
     std::printf("%s\n", String("%2 von %1 gelesen").Arg(10).Arg(255u, 16, 4u).Latin1());
 }

@@ -1,4 +1,4 @@
-// Turns samples of 16 bits into floats in [-1, 1), changes their level, and turns them back.
+// Converts 16-bit samples to floats in [-1, 1), changes their level, and converts them back.
 #include <Kelbase/IPP/IPP_util.h>
 
 #include <cstdio>
@@ -16,11 +16,11 @@ int main() {
     std::printf("\n");
 
     short louder[count];
-    IPP::Convert(count, samples, louder, -15, true); // times 2^15, rounded, held to the range of 16 bits
+    IPP::Convert(count, samples, louder, -15, true); // times 2^15, rounded, limited to 16 bits
     for (const short sample : louder) std::printf(" %9d", sample);
     std::printf("\n");
 
-    // Scaled back, the first buffer is what it was, to the bit.
+    // The conversion to float and back gives the same bits.
     short again[count];
     IPP::Convert(count, recorded, samples, 15);
     IPP::Convert(count, samples, again, -15, true);
@@ -28,8 +28,8 @@ int main() {
                                  reinterpret_cast<const unsigned char*>(again));
     std::printf("%s\n", same ? "unchanged" : "changed");
 
-    // What fits no 16 bits on the way becomes the lowest value: NaN, and a float of a hundred thousand times
-    // the range.
+    // A product that does not fit 32 bits gives the lowest value, as NaN does. A product that fits is limited
+    // to 16 bits.
     const float wild[2] = {1e5f, 2.0f};
     short held[2];
     IPP::Convert(2, wild, held, -15, false);
