@@ -1,5 +1,5 @@
-// Hides a file as the plug-in does, and shows the sidecar in which its flags lie where a disk takes no
-// attributes.
+// Hides a file as the plug-in does, and prints the sidecar file. The sidecar holds the flags where the file
+// system has no extended attributes.
 #include <Carbon/Carbon.h>
 #include <macplatform/FinderFlags.h>
 
@@ -25,7 +25,7 @@ int main() {
     if (!item) return 1;
     std::fclose(item);
 
-    macplatform::RefuseExtendedAttributes(true); // this disk may take them
+    macplatform::RefuseExtendedAttributes(true); // even if this file system has them
     if (!Hide("notes.example")) return 1;
 
     std::FILE* const sidecar = std::fopen("._notes.example", "rb");
