@@ -23,13 +23,13 @@
 namespace {
 
 using contest::Contest;
-using contest::opaque;
+using contest::Opaque;
 using Util::ByteStream;
 using Util::DataStream;
 
-constexpr std::uint32_t records = 100000;
-constexpr double values = records * 10.0;
-constexpr std::uint32_t ints = 1000000;
+constexpr std::uint32_t kRecords = 100000;
+constexpr double kValues = kRecords * 10.0;
+constexpr std::uint32_t kInts = 1000000;
 
 // Written out in each contender's own loop, as a user's program would have it: a function of its own for all
 // would hide from the compiler which stream it is.
@@ -46,7 +46,7 @@ IN_PLACE void writeRecord(std::uint32_t i, const Text& text, Put&& put) {
 template <typename Text, typename Put>
 IN_PLACE void writeRecords(Put&& put) {
     const Text text("twelve bytes");
-    for (std::uint32_t i = 0; i < records; ++i) writeRecord(i, text, put);
+    for (std::uint32_t i = 0; i < kRecords; ++i) writeRecord(i, text, put);
 }
 
 std::size_t lengthOf(const std::string& s) { return s.size(); }
@@ -67,7 +67,7 @@ IN_PLACE double sumOfRecords(Get&& get) {
     double k = 0, broken = 0;
     long long whole = 0;
     Text text;
-    for (std::uint32_t i = 0; i < records; ++i) {
+    for (std::uint32_t i = 0; i < kRecords; ++i) {
         get(a), get(b), get(c), get(d), get(e), get(f), get(g), get(h), get(k), get(text);
         whole += a + b + c + d + static_cast<long long>(e) + f + g + static_cast<long long>(lengthOf(text));
         broken += h + k;
@@ -86,7 +86,7 @@ auto writeOurs(DataStream::EndianType order) {
     return [order] {
         ByteStream stream(0);
         fill(stream, order);
-        return stream.GetSize() > records;
+        return stream.GetSize() > kRecords;
     };
 }
 
@@ -123,7 +123,7 @@ QByteArray writtenByQt(QDataStream::ByteOrder order) {
 }
 
 auto writeQt(QDataStream::ByteOrder order) {
-    return [order] { return static_cast<unsigned int>(writtenByQt(order).size()) > records; };
+    return [order] { return static_cast<unsigned int>(writtenByQt(order).size()) > kRecords; };
 }
 
 auto readQt(QDataStream::ByteOrder order) {
@@ -152,7 +152,7 @@ std::string writtenByPoco(PocoOrder order) {
 }
 
 auto writePoco(PocoOrder order) {
-    return [order] { return writtenByPoco(order).size() > records; };
+    return [order] { return writtenByPoco(order).size() > kRecords; };
 }
 
 auto readPoco(PocoOrder order) {
@@ -177,7 +177,7 @@ std::string writtenByCereal(bool little) {
 }
 
 auto writeCereal(bool little) {
-    return [little] { return writtenByCereal(little).size() > records; };
+    return [little] { return writtenByCereal(little).size() > kRecords; };
 }
 
 auto readCereal(bool little) {
@@ -191,74 +191,74 @@ auto readCereal(bool little) {
 
 void enterRecords(const std::string& suffix, bool little) {
     const DataStream::EndianType order = little ? DataStream::EndianLittle : DataStream::EndianBig;
-    Contest writing("write_" + suffix, values), reading("read_" + suffix, values);
-    writing.by("ours", writeOurs(order));
-    reading.by("ours", readOurs(order));
+    Contest writing("write_" + suffix, kValues), reading("read_" + suffix, kValues);
+    writing.By("ours", writeOurs(order));
+    reading.By("ours", readOurs(order));
 #ifdef BENCH_QT
     const QDataStream::ByteOrder qtOrder = little ? QDataStream::LittleEndian : QDataStream::BigEndian;
-    writing.by("QDataStream", writeQt(qtOrder));
-    reading.by("QDataStream", readQt(qtOrder));
+    writing.By("QDataStream", writeQt(qtOrder));
+    reading.By("QDataStream", readQt(qtOrder));
 #endif
 #ifdef BENCH_POCO
     const PocoOrder pocoOrder =
         little ? Poco::BinaryWriter::LITTLE_ENDIAN_BYTE_ORDER : Poco::BinaryWriter::BIG_ENDIAN_BYTE_ORDER;
-    writing.by("Poco", writePoco(pocoOrder));
-    reading.by("Poco", readPoco(pocoOrder));
+    writing.By("Poco", writePoco(pocoOrder));
+    reading.By("Poco", readPoco(pocoOrder));
 #endif
 #ifdef BENCH_CEREAL
-    writing.by("cereal", writeCereal(little));
-    reading.by("cereal", readCereal(little));
+    writing.By("cereal", writeCereal(little));
+    reading.By("cereal", readCereal(little));
 #endif
 }
 
 /// Through the abstract interface: a virtual call for every value.
 void enterAbstract() {
-    Contest writing("write_le_abstract", values), reading("read_le_abstract", values);
-    writing.by("ours", [] {
+    Contest writing("write_le_abstract", kValues), reading("read_le_abstract", kValues);
+    writing.By("ours", [] {
         ByteStream stream(0);
         DataStream* abstract = &stream;
         benchmark::DoNotOptimize(abstract);
         writeRecords<String>([abstract](const auto& v) { *abstract << v; });
-        return stream.GetSize() > records;
+        return stream.GetSize() > kRecords;
     });
     auto written = std::make_shared<ByteStream>(0);
     fill(*written, DataStream::EndianLittle);
-    reading.by("ours", [written] {
+    reading.By("ours", [written] {
         DataStream* abstract = written.get();
         benchmark::DoNotOptimize(abstract);
         abstract->SetPosition(0);
         return sumOfRecords<String>([abstract](auto& v) { *abstract >> v; });
     });
 #ifdef BENCH_QT
-    writing.by("QDataStream", writeQt(QDataStream::LittleEndian));
-    reading.by("QDataStream", readQt(QDataStream::LittleEndian));
+    writing.By("QDataStream", writeQt(QDataStream::LittleEndian));
+    reading.By("QDataStream", readQt(QDataStream::LittleEndian));
 #endif
 }
 
 void enterInts() {
-    Contest writing("write_ints_be", ints), reading("read_ints_be", ints);
+    Contest writing("write_ints_be", kInts), reading("read_ints_be", kInts);
     const auto writeTo = [](auto& stream) {
-        for (std::uint32_t i = 0; i < ints; ++i) stream << static_cast<std::int32_t>(i);
+        for (std::uint32_t i = 0; i < kInts; ++i) stream << static_cast<std::int32_t>(i);
     };
     const auto sumFrom = [](auto& stream) {
         std::int32_t v = 0;
         double sum = 0;
-        for (std::uint32_t i = 0; i < ints; ++i) {
+        for (std::uint32_t i = 0; i < kInts; ++i) {
             stream >> v;
             sum += v;
         }
         return sum;
     };
-    writing.by("ours", [writeTo] {
+    writing.By("ours", [writeTo] {
         ByteStream stream(0);
         stream.SetEndianType(DataStream::EndianBig);
         writeTo(stream);
-        return stream.GetSize() == ints * 4;
+        return stream.GetSize() == kInts * 4;
     });
     ByteStream written(0);
     written.SetEndianType(DataStream::EndianBig);
     writeTo(written);
-    reading.by("ours", [bytes = bytesOf(written), sumFrom] {
+    reading.By("ours", [bytes = bytesOf(written), sumFrom] {
         ByteStream stream(bytes);
         stream.SetEndianType(DataStream::EndianBig);
         return sumFrom(stream);
@@ -269,8 +269,8 @@ void enterInts() {
         withQt(QDataStream::BigEndian, bytes, QIODevice::WriteOnly, writeTo);
         return bytes;
     };
-    writing.by("QDataStream", [writeInts] { return writeInts().size() == ints * 4; });
-    reading.by("QDataStream", [bytes = writeInts(), sumFrom]() mutable {
+    writing.By("QDataStream", [writeInts] { return writeInts().size() == kInts * 4; });
+    reading.By("QDataStream", [bytes = writeInts(), sumFrom]() mutable {
         return withQt(QDataStream::BigEndian, bytes, QIODevice::ReadOnly, sumFrom);
     });
 #endif
@@ -280,19 +280,19 @@ void enterBlocks() {
     constexpr unsigned int blocks = 4096, blockSize = 1024;
     const std::string block(blockSize, 'b');
     Contest writing("write_raw_4M_in_1K", blocks * blockSize);
-    writing.by("ours", [block] {
+    writing.By("ours", [block] {
         ByteStream stream(0);
         for (unsigned int i = 0; i < blocks; ++i)
             stream.Write(blockSize, reinterpret_cast<const unsigned char*>(block.data()));
         return stream.GetSize() == blocks * blockSize;
     });
-    writing.by("std::append", [block] {
+    writing.By("std::append", [block] {
         std::string bytes;
         for (unsigned int i = 0; i < blocks; ++i) bytes.append(block);
         return bytes.size() == blocks * blockSize;
     });
 #ifdef BENCH_QT
-    writing.by("QDataStream", [block] {
+    writing.By("QDataStream", [block] {
         QByteArray bytes;
         return withQt(QDataStream::LittleEndian, bytes, QIODevice::WriteOnly, [&](QDataStream& stream) {
             for (unsigned int i = 0; i < blocks; ++i) stream.writeRawData(block.data(), blockSize);
@@ -302,7 +302,7 @@ void enterBlocks() {
 #endif
 }
 
-[[maybe_unused]] const bool entered =
+[[maybe_unused]] const bool kEntered =
     (enterRecords("le", true), enterRecords("be", false), enterAbstract(), enterInts(), enterBlocks(), true);
 
 } // namespace

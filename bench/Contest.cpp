@@ -4,7 +4,7 @@
 
 namespace contest {
 
-std::string show(double v) {
+std::string Show(double v) {
     char text[32];
     static_cast<void>(std::snprintf(text, sizeof text, "%.17g", v));
     return text;

@@ -3,8 +3,8 @@
 /// One job, done by the library and by what a user would take instead, in one program.
 ///
 ///     Contest("concat_3")
-///         .by("ours", [] { return opaque(folder) + "/" + file; })
-///         .by("std", [] { return opaque(folderStd) + "/" + fileStd; });
+///         .By("ours", [] { return Opaque(folder) + "/" + file; })
+///         .By("std", [] { return Opaque(folderStd) + "/" + fileStd; });
 ///
 /// Each entry is a benchmark "job/who". The first entry's result is taken for right: an entry with another
 /// result is timed too, and labelled "differs", so that the table can say so.
@@ -30,33 +30,33 @@ namespace contest {
 
 /// The same object, of which the compiler no longer knows what it holds.
 template <typename T>
-T& opaque(T& object) {
+T& Opaque(T& object) {
     benchmark::DoNotOptimize(object);
     return object;
 }
 
 // What a result looks like, whoever made it.
 
-std::string show(double v);
-inline std::string show(const std::string& v) { return v; }
-inline std::string show(const String& v) { return {v.Latin1(), v.GetLength()}; }
-inline std::string show(const std::filesystem::path& v) { return v.string(); }
+std::string Show(double v);
+inline std::string Show(const std::string& v) { return v; }
+inline std::string Show(const String& v) { return {v.Latin1(), v.GetLength()}; }
+inline std::string Show(const std::filesystem::path& v) { return v.string(); }
 #ifdef BENCH_QT
-inline std::string show(const QString& v) { return v.toStdString(); }
-inline std::string show(const QByteArray& v) { return v.toStdString(); }
+inline std::string Show(const QString& v) { return v.toStdString(); }
+inline std::string Show(const QByteArray& v) { return v.toStdString(); }
 #endif
 template <typename T>
-std::string show(const std::shared_ptr<T>& v) {
-    return show(*v);
+std::string Show(const std::shared_ptr<T>& v) {
+    return Show(*v);
 }
 template <typename T, std::enable_if_t<std::is_arithmetic_v<T>, int> = 0>
-std::string show(T v) {
-    return show(static_cast<double>(v));
+std::string Show(T v) {
+    return Show(static_cast<double>(v));
 }
 template <typename List, typename = typename List::value_type>
-std::string show(const List& list) {
+std::string Show(const List& list) {
     std::string shown;
-    for (const auto& item : list) shown += show(item) + '\n';
+    for (const auto& item : list) shown += Show(item) + '\n';
     return shown;
 }
 
@@ -69,11 +69,11 @@ using AllTexts = TextKinds<String, std::string, QByteArray, QString>;
 using AllTexts = TextKinds<String, std::string>;
 #endif
 
-inline const char* nameOf(const String&) { return "ours"; }
-inline const char* nameOf(const std::string&) { return "std"; }
+inline const char* NameOf(const String&) { return "ours"; }
+inline const char* NameOf(const std::string&) { return "std"; }
 #ifdef BENCH_QT
-inline const char* nameOf(const QByteArray&) { return "QByteArray"; }
-inline const char* nameOf(const QString&) { return "QString"; }
+inline const char* NameOf(const QByteArray&) { return "QByteArray"; }
+inline const char* NameOf(const QString&) { return "QString"; }
 #endif
 
 class Contest {
@@ -82,8 +82,8 @@ public:
     explicit Contest(std::string jobName, double itemsARun = 1) : job(std::move(jobName)), items(itemsARun) {}
 
     template <typename Work>
-    Contest& by(const std::string& who, Work work) {
-        Enter(who, show(work()), [work](benchmark::State& state) mutable {
+    Contest& By(const std::string& who, Work work) {
+        Enter(who, Show(work()), [work](benchmark::State& state) mutable {
             for (auto _ : state) {
                 auto result = work();
                 benchmark::DoNotOptimize(result);
@@ -94,7 +94,7 @@ public:
 
     /// A run that answers nothing: it works on what `prepare` has made, and `look` tells the result.
     template <typename Run, typename Prepare, typename Look>
-    Contest& by(const std::string& who, Run run, Prepare prepare, Look look) {
+    Contest& By(const std::string& who, Run run, Prepare prepare, Look look) {
         prepare();
         run();
         Enter(who, look(), [run, prepare](benchmark::State& state) {
@@ -109,8 +109,8 @@ public:
 
     /// An entry for each kind of text: `make` gets an empty one and answers the work.
     template <typename... Kinds, typename Make>
-    Contest& byEach(TextKinds<Kinds...>, Make make) {
-        (by(nameOf(Kinds()), make(Kinds())), ...);
+    Contest& ByEach(TextKinds<Kinds...>, Make make) {
+        (By(NameOf(Kinds()), make(Kinds())), ...);
         return *this;
     }
 

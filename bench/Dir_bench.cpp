@@ -100,11 +100,11 @@ void enterFolder(const std::string& place, const std::string& folder, double ent
     for (const Wanted& wanted :
          {Wanted{"all", "", false}, Wanted{"wav", "*.wav", false}, Wanted{"folders", "", true}}) {
         Contest("dir_" + std::string(wanted.name) + place, entries)
-            .by("ours", [folder, wanted] { return byDir(String(folder.c_str()), wanted); })
-            .by("std", [folder, wanted] { return byFilesystem(folder, wanted); })
-            .by("scandir", [folder, wanted] { return byScandir(folder, wanted); })
+            .By("ours", [folder, wanted] { return byDir(String(folder.c_str()), wanted); })
+            .By("std", [folder, wanted] { return byFilesystem(folder, wanted); })
+            .By("scandir", [folder, wanted] { return byScandir(folder, wanted); })
 #ifdef BENCH_QT
-            .by("QDir",
+            .By("QDir",
                 [folder, wanted] {
                     const QDir::Filters filters =
                         QDir::Hidden | QDir::NoDotAndDotDot | (wanted.folders ? QDir::Dirs : QDir::Files);
@@ -117,17 +117,17 @@ void enterFolder(const std::string& place, const std::string& folder, double ent
 }
 
 /// Whether entries are kept in memory there.
-constexpr char memoryFolder[] = "/dev/shm";
+constexpr char kMemoryFolder[] = "/dev/shm";
 
 void enterAll() {
     static const FilledFolder onDisk(fs::temp_directory_path(), 100000), few(fs::temp_directory_path(), 50);
     enterFolder("_disk", onDisk.Path(), 100000);
     enterFolder("_50", few.Path(), 50);
-    if (!fs::is_directory(memoryFolder)) return;
-    static const FilledFolder inMemory(memoryFolder, 100000);
+    if (!fs::is_directory(kMemoryFolder)) return;
+    static const FilledFolder inMemory(kMemoryFolder, 100000);
     enterFolder("_tmpfs", inMemory.Path(), 100000);
 }
 
-[[maybe_unused]] const bool entered = (enterAll(), true);
+[[maybe_unused]] const bool kEntered = (enterAll(), true);
 
 } // namespace

@@ -19,7 +19,7 @@
 
 namespace {
 
-std::size_t allocated = 0;
+std::size_t gAllocated = 0;
 
 } // namespace
 
@@ -31,15 +31,15 @@ void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
 
 void* malloc(std::size_t size) noexcept {
-    allocated += size;
+    gAllocated += size;
     return __libc_malloc(size);
 }
 void* calloc(std::size_t count, std::size_t size) noexcept {
-    allocated += count * size;
+    gAllocated += count * size;
     return __libc_calloc(count, size);
 }
 void* realloc(void* block, std::size_t size) noexcept {
-    allocated += size;
+    gAllocated += size;
     return __libc_realloc(block, size);
 }
 }
@@ -53,10 +53,10 @@ template <typename Prepare>
 void grow(const char* name, std::int64_t from, std::int64_t to, Prepare prepare) {
     const auto body = [prepare](benchmark::State& state) {
         auto work = prepare(state.range(0));
-        const std::size_t before = allocated;
+        const std::size_t before = gAllocated;
         for (auto _ : state) work();
         const double runs = static_cast<double>(state.iterations()) * static_cast<double>(state.range(0));
-        state.counters["bytes_each"] = static_cast<double>(allocated - before) / runs;
+        state.counters["bytes_each"] = static_cast<double>(gAllocated - before) / runs;
         state.SetComplexityN(state.range(0));
     };
     benchmark::RegisterBenchmark(name, body)->RangeMultiplier(10)->Range(from, to)->Complexity();
@@ -165,7 +165,7 @@ void keepMemory() {
     mallopt(M_MMAP_THRESHOLD, twoGigabytes);
 }
 
-[[maybe_unused]] const bool entered =
+[[maybe_unused]] const bool kEntered =
     (keepMemory(), enterTexts(), enterListing(), enterPreferences("preferences_xml", true),
      enterPreferences("preferences_binary", false), true);
 

@@ -20,29 +20,29 @@ namespace {
 
 using contest::Contest;
 
-constexpr unsigned int largestCount = 16u << 20;
+constexpr unsigned int kLargestCount = 16u << 20;
 
 /// Memory for the largest array of the widest type, so many bytes into a page: with both arrays at the same
 /// place in its page, processors take a store for one of the next loads. Pages are taken when they are first
 /// touched.
 unsigned char* newBlock(std::size_t offset) {
-    void* const block = mmap(nullptr, std::size_t{largestCount} * 8 + 8192, PROT_READ | PROT_WRITE,
+    void* const block = mmap(nullptr, std::size_t{kLargestCount} * 8 + 8192, PROT_READ | PROT_WRITE,
                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     return block == MAP_FAILED ? nullptr : static_cast<unsigned char*>(block) + offset;
 }
-unsigned char* const sourceBlock = newBlock(0);
-unsigned char* const targetBlock = newBlock(4032);
+unsigned char* const kSourceBlock = newBlock(0);
+unsigned char* const kTargetBlock = newBlock(4032);
 
 struct Size {
     const char* name;
     unsigned int count;
     bool misaligned;
 };
-constexpr Size sizes[] = {{"tiny", 64, false},
-                          {"L1", 1000, false},
-                          {"L2", 16000, false},
-                          {"L2u", 16000, true},
-                          {"DRAM", largestCount, false}};
+constexpr Size kSizes[] = {{"tiny", 64, false},
+                           {"L1", 1000, false},
+                           {"L2", 16000, false},
+                           {"L2u", 16000, true},
+                           {"DRAM", kLargestCount, false}};
 
 /// Whole and broken numbers of either sign, within what the targets hold; no halves.
 template <typename Source>
@@ -58,13 +58,13 @@ public:
     Conversion(std::string name, double sourceScale) : job(std::move(name)), scale(sourceScale) {}
 
     template <typename Run>
-    Conversion& by(const char* who, Run run) {
-        for (const Size& size : sizes) {
+    Conversion& By(const char* who, Run run) {
+        for (const Size& size : kSizes) {
             Contest& contest = At(size);
             // One element beside the boundary that every array of the platform begins on.
-            Source* const source = reinterpret_cast<Source*>(sourceBlock) + size.misaligned;
-            Target* const target = reinterpret_cast<Target*>(targetBlock) + size.misaligned;
-            contest.by(
+            Source* const source = reinterpret_cast<Source*>(kSourceBlock) + size.misaligned;
+            Target* const target = reinterpret_cast<Target*>(kTargetBlock) + size.misaligned;
+            contest.By(
                 who, [run, size, source, target] { run(size.count, source, target); },
                 [this_scale = scale, size, source] { fillSource(source, size.count, this_scale); },
                 [size, target] {
@@ -77,7 +77,7 @@ public:
 
 private:
     Contest& At(const Size& size) {
-        const std::size_t index = static_cast<std::size_t>(&size - sizes);
+        const std::size_t index = static_cast<std::size_t>(&size - kSizes);
         if (contests.size() <= index) contests.emplace_back(job + "_" + size.name, size.count);
         return contests[index];
     }
@@ -104,50 +104,50 @@ auto bySse2(void (*IPP::Form::*routine)(unsigned int, const Source*, Target*, Fa
 
 void enterFromFloat() {
     Conversion<float, short>("f32_s16_round", 1.2)
-        .by("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, true); })
-        .by("ours-sse2", bySse2(&IPP::Form::floatToShortRounded, 32768.0f))
+        .By("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, true); })
+        .By("ours-sse2", bySse2(&IPP::Form::floatToShortRounded, 32768.0f))
 #ifdef BENCH_VOLK
-        .by("VOLK",
+        .By("VOLK",
             [](unsigned int n, const float* s, short* d) { volk_32f_s32f_convert_16i(d, s, 32768, n); })
-        .by("VOLK-sse", [](unsigned int n, const float* s,
+        .By("VOLK-sse", [](unsigned int n, const float* s,
                            short* d) { volk_32f_s32f_convert_16i_manual(d, s, 32768, n, "u_sse2"); })
 #endif
         ;
     Conversion<float, short>("f32_s16_trunc", 1.2)
-        .by("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, false); })
-        .by("ours-sse2", bySse2(&IPP::Form::floatToShort, 32768.0f))
+        .By("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, false); })
+        .By("ours-sse2", bySse2(&IPP::Form::floatToShort, 32768.0f))
 #ifdef BENCH_VOLK
-        .by("VOLK",
+        .By("VOLK",
             [](unsigned int n, const float* s, short* d) { volk_32f_s32f_convert_16i(d, s, 32768, n); })
-        .by("VOLK-sse", [](unsigned int n, const float* s,
+        .By("VOLK-sse", [](unsigned int n, const float* s,
                            short* d) { volk_32f_s32f_convert_16i_manual(d, s, 32768, n, "u_sse2"); })
 #endif
         ;
     Conversion<float, int>("f32_s32_trunc", 1e6)
-        .by("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, 0, false); })
-        .by("ours-sse2", bySse2(&IPP::Form::floatToInt, 1.0f))
+        .By("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, 0, false); })
+        .By("ours-sse2", bySse2(&IPP::Form::floatToInt, 1.0f))
 #ifdef BENCH_VOLK
-        .by("VOLK", [](unsigned int n, const float* s, int* d) { volk_32f_s32f_convert_32i(d, s, 1, n); })
-        .by("VOLK-sse", [](unsigned int n, const float* s,
+        .By("VOLK", [](unsigned int n, const float* s, int* d) { volk_32f_s32f_convert_32i(d, s, 1, n); })
+        .By("VOLK-sse", [](unsigned int n, const float* s,
                            int* d) { volk_32f_s32f_convert_32i_manual(d, s, 1, n, "u_sse2"); })
 #endif
         ;
     Conversion<float, int>("f32_s32_scaled_round", 0.9)
-        .by("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, -31, true); })
-        .by("ours-sse2", bySse2(&IPP::Form::floatToIntRounded, 2147483648.0f))
+        .By("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, -31, true); })
+        .By("ours-sse2", bySse2(&IPP::Form::floatToIntRounded, 2147483648.0f))
 #ifdef BENCH_VOLK
-        .by("VOLK",
+        .By("VOLK",
             [](unsigned int n, const float* s, int* d) { volk_32f_s32f_convert_32i(d, s, 2147483648.0f, n); })
-        .by("VOLK-sse", [](unsigned int n, const float* s,
+        .By("VOLK-sse", [](unsigned int n, const float* s,
                            int* d) { volk_32f_s32f_convert_32i_manual(d, s, 2147483648.0f, n, "u_sse2"); })
 #endif
         ;
     Conversion<float, double>("f32_f64", 1)
-        .by("ours", [](unsigned int n, const float* s, double* d) { IPP::Convert(n, s, d); })
-        .by("ours-sse2", bySse2(&IPP::Form::floatToDouble))
+        .By("ours", [](unsigned int n, const float* s, double* d) { IPP::Convert(n, s, d); })
+        .By("ours-sse2", bySse2(&IPP::Form::floatToDouble))
 #ifdef BENCH_VOLK
-        .by("VOLK", [](unsigned int n, const float* s, double* d) { volk_32f_convert_64f(d, s, n); })
-        .by("VOLK-sse",
+        .By("VOLK", [](unsigned int n, const float* s, double* d) { volk_32f_convert_64f(d, s, n); })
+        .By("VOLK-sse",
             [](unsigned int n, const float* s, double* d) { volk_32f_convert_64f_manual(d, s, n, "u_sse2"); })
 #endif
         ;
@@ -155,45 +155,45 @@ void enterFromFloat() {
 
 void enterToFloat() {
     Conversion<short, float>("s16_f32", 32767)
-        .by("ours", [](unsigned int n, const short* s, float* d) { IPP::Convert(n, s, d, 15); })
-        .by("ours-sse2", bySse2(&IPP::Form::shortToFloat, 1.0f / 32768))
+        .By("ours", [](unsigned int n, const short* s, float* d) { IPP::Convert(n, s, d, 15); })
+        .By("ours-sse2", bySse2(&IPP::Form::shortToFloat, 1.0f / 32768))
 #ifdef BENCH_VOLK
-        .by("VOLK",
+        .By("VOLK",
             [](unsigned int n, const short* s, float* d) { volk_16i_s32f_convert_32f(d, s, 32768, n); })
-        .by("VOLK-sse", [](unsigned int n, const short* s,
+        .By("VOLK-sse", [](unsigned int n, const short* s,
                            float* d) { volk_16i_s32f_convert_32f_manual(d, s, 32768, n, "u_sse4_1"); })
 #endif
         ;
     Conversion<int, float>("s32_f32", 2147483647)
-        .by("ours", [](unsigned int n, const int* s, float* d) { IPP::Convert(n, s, d, 31); })
-        .by("ours-sse2", bySse2(&IPP::Form::intToFloat, 1.0f / 2147483648.0f))
+        .By("ours", [](unsigned int n, const int* s, float* d) { IPP::Convert(n, s, d, 31); })
+        .By("ours-sse2", bySse2(&IPP::Form::intToFloat, 1.0f / 2147483648.0f))
 #ifdef BENCH_VOLK
-        .by("VOLK",
+        .By("VOLK",
             [](unsigned int n, const int* s, float* d) { volk_32i_s32f_convert_32f(d, s, 2147483648.0f, n); })
-        .by("VOLK-sse", [](unsigned int n, const int* s,
+        .By("VOLK-sse", [](unsigned int n, const int* s,
                            float* d) { volk_32i_s32f_convert_32f_manual(d, s, 2147483648.0f, n, "u_sse2"); })
 #endif
         ;
     Conversion<unsigned char, float>("u8_f32", 127)
-        .by("ours", [](unsigned int n, const unsigned char* s, float* d) { IPP::Convert(n, s, d); })
-        .by("ours-sse2", bySse2(&IPP::Form::charToFloat))
+        .By("ours", [](unsigned int n, const unsigned char* s, float* d) { IPP::Convert(n, s, d); })
+        .By("ours-sse2", bySse2(&IPP::Form::charToFloat))
 #ifdef BENCH_VOLK
-        .by("VOLK",
+        .By("VOLK",
             [](unsigned int n, const unsigned char* s, float* d) {
                 volk_8i_s32f_convert_32f(d, reinterpret_cast<const std::int8_t*>(s), 1, n);
             })
-        .by("VOLK-sse",
+        .By("VOLK-sse",
             [](unsigned int n, const unsigned char* s, float* d) {
                 volk_8i_s32f_convert_32f_manual(d, reinterpret_cast<const std::int8_t*>(s), 1, n, "u_sse4_1");
             })
 #endif
         ;
     Conversion<double, float>("f64_f32", 1)
-        .by("ours", [](unsigned int n, const double* s, float* d) { IPP::Convert(n, s, d); })
-        .by("ours-sse2", bySse2(&IPP::Form::doubleToFloat))
+        .By("ours", [](unsigned int n, const double* s, float* d) { IPP::Convert(n, s, d); })
+        .By("ours-sse2", bySse2(&IPP::Form::doubleToFloat))
 #ifdef BENCH_VOLK
-        .by("VOLK", [](unsigned int n, const double* s, float* d) { volk_64f_convert_32f(d, s, n); })
-        .by("VOLK-sse",
+        .By("VOLK", [](unsigned int n, const double* s, float* d) { volk_64f_convert_32f(d, s, n); })
+        .By("VOLK-sse",
             [](unsigned int n, const double* s, float* d) { volk_64f_convert_32f_manual(d, s, n, "u_sse2"); })
 #endif
         ;
@@ -201,15 +201,15 @@ void enterToFloat() {
 
 void enterToDouble() {
     Conversion<short, double>("s16_f64", 32767)
-        .by("ours", [](unsigned int n, const short* s, double* d) { IPP::Convert(n, s, d, 15); })
-        .by("ours-sse2", bySse2(&IPP::Form::shortToDouble, 1.0 / 32768))
-        .by("O3-loop", [](unsigned int n, const short* s, double* d) {
+        .By("ours", [](unsigned int n, const short* s, double* d) { IPP::Convert(n, s, d, 15); })
+        .By("ours-sse2", bySse2(&IPP::Form::shortToDouble, 1.0 / 32768))
+        .By("O3-loop", [](unsigned int n, const short* s, double* d) {
             loopO3(n, s, d, [](short v) { return v * (1.0 / 32768); });
         });
     Conversion<int, double>("s32_f64", 2147483647)
-        .by("ours", [](unsigned int n, const int* s, double* d) { IPP::Convert(n, s, d, 31); })
-        .by("ours-sse2", bySse2(&IPP::Form::intToDouble, 1.0 / 2147483648.0))
-        .by("O3-loop", [](unsigned int n, const int* s, double* d) {
+        .By("ours", [](unsigned int n, const int* s, double* d) { IPP::Convert(n, s, d, 31); })
+        .By("ours-sse2", bySse2(&IPP::Form::intToDouble, 1.0 / 2147483648.0))
+        .By("O3-loop", [](unsigned int n, const int* s, double* d) {
             loopO3(n, s, d, [](int v) { return v * (1.0 / 2147483648.0); });
         });
 }
@@ -217,28 +217,30 @@ void enterToDouble() {
 template <typename Element>
 void enterSet(const char* job, Element value) {
     Conversion<Element, Element>(job, 1)
-        .by("ours", [value](unsigned int n, const Element*, Element* d) { IPP::Set(n, d, value); })
-        .by("std::fill", [value](unsigned int n, const Element*, Element* d) { std::fill(d, d + n, value); })
-        .by("O3-loop", [value](unsigned int n, const Element* s, Element* d) {
+        .By("ours", [value](unsigned int n, const Element*, Element* d) { IPP::Set(n, d, value); })
+        .By("std::fill", [value](unsigned int n, const Element*, Element* d) { std::fill(d, d + n, value); })
+        .By("O3-loop", [value](unsigned int n, const Element* s, Element* d) {
             loopO3(n, s, d, [value](Element) { return value; });
         });
 }
 
 /// Two arrays of zeros.
 void enterEqual() {
-    for (const Size& size : sizes) {
+    for (const Size& size : kSizes) {
         const auto prepare = [n = size.count] {
-            std::memset(sourceBlock, 0, n), std::memset(targetBlock, 0, n);
+            std::memset(kSourceBlock, 0, n), std::memset(kTargetBlock, 0, n);
         };
         const auto look = [] { return std::string(); };
         Contest(std::string("equal_u8_") + size.name, size.count)
-            .by(
+            .By(
                 "ours",
-                [n = size.count] { benchmark::DoNotOptimize(IPP::Equal(n, sourceBlock, targetBlock)); },
+                [n = size.count] { benchmark::DoNotOptimize(IPP::Equal(n, kSourceBlock, kTargetBlock)); },
                 prepare, look)
-            .by(
+            .By(
                 "memcmp",
-                [n = size.count] { benchmark::DoNotOptimize(std::memcmp(sourceBlock, targetBlock, n) == 0); },
+                [n = size.count] {
+                    benchmark::DoNotOptimize(std::memcmp(kSourceBlock, kTargetBlock, n) == 0);
+                },
                 prepare, look);
     }
 }
@@ -247,15 +249,15 @@ void enterBlocks() {
     enterSet("set_f32", 1.5f);
     enterSet("set_s16", short{7});
     Conversion<float, float>("copy_f32", 1)
-        .by("ours", [](unsigned int n, const float* s, float* d) { IPP::Copy(n, s, d); })
-        .by("memcpy", [](unsigned int n, const float* s, float* d) { std::memcpy(d, s, n * sizeof *s); });
+        .By("ours", [](unsigned int n, const float* s, float* d) { IPP::Copy(n, s, d); })
+        .By("memcpy", [](unsigned int n, const float* s, float* d) { std::memcpy(d, s, n * sizeof *s); });
     Conversion<float, float>("zero_f32", 1)
-        .by("ours", [](unsigned int n, const float*, float* d) { IPP::Zero(n, d); })
-        .by("memset", [](unsigned int n, const float*, float* d) { std::memset(d, 0, n * sizeof *d); });
+        .By("ours", [](unsigned int n, const float*, float* d) { IPP::Zero(n, d); })
+        .By("memset", [](unsigned int n, const float*, float* d) { std::memset(d, 0, n * sizeof *d); });
     enterEqual();
 }
 
-[[maybe_unused]] const bool entered =
+[[maybe_unused]] const bool kEntered =
     (enterFromFloat(), enterToFloat(), enterToDouble(), enterBlocks(), true);
 
 } // namespace

@@ -12,9 +12,9 @@
 #include <Poco/Path.h>
 #endif
 
-std::string show(const FilePath& path) { return contest::show(path.ToString()); }
-std::string show(const FolderPath& path) {
-    std::string text = contest::show(path.ToString());
+std::string Show(const FilePath& path) { return contest::Show(path.ToString()); }
+std::string Show(const FolderPath& path) {
+    std::string text = contest::Show(path.ToString());
     text.pop_back();
     return text;
 }
@@ -22,21 +22,21 @@ std::string show(const FolderPath& path) {
 namespace {
 
 using contest::Contest;
-using contest::opaque;
+using contest::Opaque;
 namespace fs = std::filesystem;
 
-constexpr char clean[] = "/Library/Application Support/Korvane/Updater/install_status.txt";
-constexpr char dirty[] = "/Library//Application Support/Korvane/Fusewright/../Updater/install_status.txt";
+constexpr char kClean[] = "/Library/Application Support/Korvane/Updater/install_status.txt";
+constexpr char kDirty[] = "/Library//Application Support/Korvane/Fusewright/../Updater/install_status.txt";
 
 void enterNormalizing(const char* job, const char* text) {
     Contest(job)
-        .by("ours", [s = String(text)]() mutable { return FilePath(opaque(s), false).ToString(); })
-        .by("std", [s = std::string(text)]() mutable { return fs::path(opaque(s)).lexically_normal(); })
+        .By("ours", [s = String(text)]() mutable { return FilePath(Opaque(s), false).ToString(); })
+        .By("std", [s = std::string(text)]() mutable { return fs::path(Opaque(s)).lexically_normal(); })
 #ifdef BENCH_POCO
-        .by("Poco", [s = std::string(text)]() mutable { return Poco::Path(opaque(s)).toString(); })
+        .By("Poco", [s = std::string(text)]() mutable { return Poco::Path(Opaque(s)).toString(); })
 #endif
 #ifdef BENCH_QT
-        .by("QDir", [s = QString(text)]() mutable { return QDir::cleanPath(opaque(s)); })
+        .By("QDir", [s = QString(text)]() mutable { return QDir::cleanPath(Opaque(s)); })
 #endif
         ;
 }
@@ -44,57 +44,57 @@ void enterNormalizing(const char* job, const char* text) {
 void enterComparison() {
     constexpr char other[] = "/library/application support/korvane/updater/install_status.txt";
     Contest("same_place")
-        .by("ours", [a = FilePath(dirty, false),
-                     b = FilePath(other, false)]() mutable { return opaque(a) == opaque(b); })
+        .By("ours", [a = FilePath(kDirty, false),
+                     b = FilePath(other, false)]() mutable { return Opaque(a) == Opaque(b); })
 #ifdef BENCH_QT
-        .by("QDir",
-            [a = QString(dirty), b = QString(other)]() mutable {
-                return QDir::cleanPath(opaque(a)).compare(QDir::cleanPath(opaque(b)), Qt::CaseInsensitive) ==
+        .By("QDir",
+            [a = QString(kDirty), b = QString(other)]() mutable {
+                return QDir::cleanPath(Opaque(a)).compare(QDir::cleanPath(Opaque(b)), Qt::CaseInsensitive) ==
                        0;
             })
 #endif
-        .by("std", [a = fs::path(dirty), b = fs::path(other)]() mutable {
-            return opaque(a).lexically_normal() == opaque(b).lexically_normal();
+        .By("std", [a = fs::path(kDirty), b = fs::path(other)]() mutable {
+            return Opaque(a).lexically_normal() == Opaque(b).lexically_normal();
         });
 }
 
 void enterParts() {
-    const FilePath ours(clean, false);
-    const fs::path theirs(clean);
+    const FilePath ours(kClean, false);
+    const fs::path theirs(kClean);
     Contest("filename")
-        .by("ours", [p = ours]() mutable { return opaque(p).GetFilename(); })
-        .by("std", [p = theirs]() mutable { return opaque(p).filename(); })
+        .By("ours", [p = ours]() mutable { return Opaque(p).GetFilename(); })
+        .By("std", [p = theirs]() mutable { return Opaque(p).filename(); })
 #ifdef BENCH_QT
-        .by("QFileInfo", [p = QFileInfo(clean)]() mutable { return opaque(p).fileName(); })
+        .By("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).fileName(); })
 #endif
         ;
     Contest("extension")
-        .by("ours", [p = ours]() mutable { return opaque(p).GetExtension(); })
-        .by("std", [p = theirs]() mutable { return opaque(p).extension().string().substr(1); })
+        .By("ours", [p = ours]() mutable { return Opaque(p).GetExtension(); })
+        .By("std", [p = theirs]() mutable { return Opaque(p).extension().string().substr(1); })
 #ifdef BENCH_QT
-        .by("QFileInfo", [p = QFileInfo(clean)]() mutable { return opaque(p).suffix(); })
+        .By("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).suffix(); })
 #endif
         ;
     Contest("parent")
-        .by("ours", [p = ours]() mutable { return opaque(p).GetFolder(); })
-        .by("std", [p = theirs]() mutable { return opaque(p).parent_path(); })
+        .By("ours", [p = ours]() mutable { return Opaque(p).GetFolder(); })
+        .By("std", [p = theirs]() mutable { return Opaque(p).parent_path(); })
 #ifdef BENCH_QT
-        .by("QFileInfo", [p = QFileInfo(clean)]() mutable { return opaque(p).path(); })
+        .By("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).path(); })
 #endif
         ;
     constexpr char folder[] = "/Library/Application Support/Korvane", name[] = "install_status.txt";
     Contest("join")
-        .by("ours",
-            [f = FolderPath(folder, false), n = String(name)]() mutable { return opaque(f) + opaque(n); })
-        .by("std", [f = fs::path(folder), n = std::string(name)]() mutable { return opaque(f) / opaque(n); })
+        .By("ours",
+            [f = FolderPath(folder, false), n = String(name)]() mutable { return Opaque(f) + Opaque(n); })
+        .By("std", [f = fs::path(folder), n = std::string(name)]() mutable { return Opaque(f) / Opaque(n); })
 #ifdef BENCH_QT
-        .by("QDir", [f = QDir(folder), n = QString(name)]() mutable { return opaque(f).filePath(opaque(n)); })
+        .By("QDir", [f = QDir(folder), n = QString(name)]() mutable { return Opaque(f).filePath(Opaque(n)); })
 #endif
         ;
 }
 
-[[maybe_unused]] const bool entered =
-    (enterNormalizing("normalize_clean", clean), enterNormalizing("normalize_dirty", dirty),
+[[maybe_unused]] const bool kEntered =
+    (enterNormalizing("normalize_clean", kClean), enterNormalizing("normalize_dirty", kDirty),
      enterComparison(), enterParts(), true);
 
 } // namespace

@@ -23,7 +23,7 @@ namespace {
 
 using contest::AllTexts;
 using contest::Contest;
-using contest::opaque;
+using contest::Opaque;
 
 /// `sentence` again and again, up to 4096 bytes.
 std::string longText(const std::string& sentence) {
@@ -33,8 +33,9 @@ std::string longText(const std::string& sentence) {
     return text;
 }
 
-const std::string prose = longText("The installer asks the Updater for its Status, and the answer is kept. ");
-const std::string pathText = "/Library/Application Support/Korvane/Updater/install_status.txt";
+const std::string kProse =
+    longText("The installer asks the Updater for its Status, and the answer is kept. ");
+const std::string kPathText = "/Library/Application Support/Korvane/Updater/install_status.txt";
 
 // Where something is found
 
@@ -46,18 +47,18 @@ long long position(std::size_t at) { return static_cast<long long>(at); }
 
 void enterFind(const std::string& job, const std::string& text, const std::string& part) {
     Contest(job)
-        .by("ours", [s = String(text.c_str()),
-                     p = part]() mutable { return position(opaque(s).Find(opaque(p).c_str())); })
-        .by("strstr",
+        .By("ours", [s = String(text.c_str()),
+                     p = part]() mutable { return position(Opaque(s).Find(Opaque(p).c_str())); })
+        .By("strstr",
             [s = text, p = part]() mutable {
-                const char* const found = std::strstr(opaque(s).c_str(), opaque(p).c_str());
+                const char* const found = std::strstr(Opaque(s).c_str(), Opaque(p).c_str());
                 return found ? static_cast<long long>(found - s.c_str()) : -1;
             })
-        .by("std", [s = text, p = part]() mutable { return position(opaque(s).find(opaque(p))); })
+        .By("std", [s = text, p = part]() mutable { return position(Opaque(s).find(Opaque(p))); })
 #ifdef BENCH_QT
-        .by("QByteArray",
+        .By("QByteArray",
             [s = QByteArray(text.c_str()), p = QByteArray(part.c_str())]() mutable {
-                return static_cast<long long>(opaque(s).indexOf(opaque(p)));
+                return static_cast<long long>(Opaque(s).indexOf(Opaque(p)));
             })
 #endif
         ;
@@ -65,58 +66,58 @@ void enterFind(const std::string& job, const std::string& text, const std::strin
 
 void enterFindFolded(const std::string& job, const std::string& text, const std::string& part) {
     Contest(job)
-        .by("ours", [s = String(text.c_str()),
-                     p = part]() mutable { return position(opaque(s).Find(opaque(p).c_str(), 0, false)); })
-        .by("strcasestr",
+        .By("ours", [s = String(text.c_str()),
+                     p = part]() mutable { return position(Opaque(s).Find(Opaque(p).c_str(), 0, false)); })
+        .By("strcasestr",
             [s = text, p = part]() mutable {
-                const char* const found = strcasestr(opaque(s).c_str(), opaque(p).c_str());
+                const char* const found = strcasestr(Opaque(s).c_str(), Opaque(p).c_str());
                 return found ? static_cast<long long>(found - s.c_str()) : -1;
             })
 #ifdef BENCH_QT
-        .by("QString",
+        .By("QString",
             [s = QString(text.c_str()), p = QString(part.c_str())]() mutable {
-                return static_cast<long long>(opaque(s).indexOf(opaque(p), 0, Qt::CaseInsensitive));
+                return static_cast<long long>(Opaque(s).indexOf(Opaque(p), 0, Qt::CaseInsensitive));
             })
 #endif
         ;
 }
 
 void enterSearching() {
-    std::string zs = prose;
+    std::string zs = kProse;
     zs[4090] = 'z';
     Contest("find_char_4K")
-        .by("ours", [s = String(zs.c_str())]() mutable { return position(opaque(s).Find('z')); })
-        .by("std", [s = zs]() mutable { return position(opaque(s).find('z')); })
+        .By("ours", [s = String(zs.c_str())]() mutable { return position(Opaque(s).Find('z')); })
+        .By("std", [s = zs]() mutable { return position(Opaque(s).find('z')); })
 #ifdef BENCH_QT
-        .by("QByteArray",
-            [s = QByteArray(zs.c_str())]() mutable { return static_cast<long long>(opaque(s).indexOf('z')); })
-        .by("QString",
+        .By("QByteArray",
+            [s = QByteArray(zs.c_str())]() mutable { return static_cast<long long>(Opaque(s).indexOf('z')); })
+        .By("QString",
             [s = QString(zs.c_str())]() mutable {
-                return static_cast<long long>(opaque(s).indexOf(QChar('z')));
+                return static_cast<long long>(Opaque(s).indexOf(QChar('z')));
             })
 #endif
         ;
-    std::string rare = prose, common = prose;
+    std::string rare = kProse, common = kProse;
     rare.replace(4070, 12, "zebra zenith");
     common.replace(4070, 12, "asks the end");
     enterFind("find_text_4K", rare, "zebra zenith");
     enterFind("find_text_4K_common", common, "asks the end");
-    enterFind("find_text_short", pathText, "Korvane");
+    enterFind("find_text_short", kPathText, "Korvane");
     enterFindFolded("find_ci_4K", common, "ASKS the End");
-    enterFindFolded("find_ci_short", pathText, "korvane");
+    enterFindFolded("find_ci_short", kPathText, "korvane");
     Contest("begins_ci")
-        .by("ours",
-            [s = String(pathText.c_str()), p = String("/library/application")]() mutable {
-                return opaque(s).BeginsWith(opaque(p), false);
+        .By("ours",
+            [s = String(kPathText.c_str()), p = String("/library/application")]() mutable {
+                return Opaque(s).BeginsWith(Opaque(p), false);
             })
-        .by("strncasecmp",
-            [s = pathText, p = std::string("/library/application")]() mutable {
-                return strncasecmp(opaque(s).c_str(), opaque(p).c_str(), opaque(p).size()) == 0;
+        .By("strncasecmp",
+            [s = kPathText, p = std::string("/library/application")]() mutable {
+                return strncasecmp(Opaque(s).c_str(), Opaque(p).c_str(), Opaque(p).size()) == 0;
             })
 #ifdef BENCH_QT
-        .by("QString",
-            [s = QString(pathText.c_str()), p = QString("/library/application")]() mutable {
-                return opaque(s).startsWith(opaque(p), Qt::CaseInsensitive);
+        .By("QString",
+            [s = QString(kPathText.c_str()), p = QString("/library/application")]() mutable {
+                return Opaque(s).startsWith(Opaque(p), Qt::CaseInsensitive);
             })
 #endif
         ;
@@ -139,28 +140,28 @@ std::string replacedAll(std::string s, const std::string& from, const std::strin
 std::string linesOfProse() {
     std::mt19937 random(5);
     std::string text;
-    while (text.size() < 4096) text += prose.substr(random() % 1024, 20 + random() % 32) + "\n";
+    while (text.size() < 4096) text += kProse.substr(random() % 1024, 20 + random() % 32) + "\n";
     text.resize(4096);
     return text;
 }
 
 void enterReplace(const char* job, const std::string& text, const char* from, const char* to) {
     Contest(job)
-        .by("ours", [s = String(text.c_str()), a = String(from),
-                     b = String(to)]() mutable { return opaque(s).Replace(opaque(a), opaque(b)); })
-        .by("std", [s = text, a = std::string(from),
-                    b = std::string(to)]() mutable { return replacedAll(opaque(s), opaque(a), opaque(b)); })
+        .By("ours", [s = String(text.c_str()), a = String(from),
+                     b = String(to)]() mutable { return Opaque(s).Replace(Opaque(a), Opaque(b)); })
+        .By("std", [s = text, a = std::string(from),
+                    b = std::string(to)]() mutable { return replacedAll(Opaque(s), Opaque(a), Opaque(b)); })
 #ifdef BENCH_POCO
-        .by("Poco",
+        .By("Poco",
             [s = text, a = std::string(from), b = std::string(to)]() mutable {
-                return Poco::replace(opaque(s), opaque(a), opaque(b));
+                return Poco::replace(Opaque(s), Opaque(a), Opaque(b));
             })
 #endif
 #ifdef BENCH_QT
-        .by("QByteArray",
+        .By("QByteArray",
             [s = QByteArray(text.c_str()), a = QByteArray(from), b = QByteArray(to)]() mutable {
-                QByteArray copy = opaque(s);
-                return copy.replace(opaque(a), opaque(b));
+                QByteArray copy = Opaque(s);
+                return copy.replace(Opaque(a), Opaque(b));
             })
 #endif
         ;
@@ -168,11 +169,11 @@ void enterReplace(const char* job, const std::string& text, const char* from, co
 
 void enterLower(const char* job, const std::string& text) {
     Contest(job)
-        .by("ours", [s = String(text.c_str())]() mutable { return opaque(s).ToLower(); })
-        .by("std", [s = text]() mutable { return lowered(opaque(s)); })
+        .By("ours", [s = String(text.c_str())]() mutable { return Opaque(s).ToLower(); })
+        .By("std", [s = text]() mutable { return lowered(Opaque(s)); })
 #ifdef BENCH_QT
-        .by("QByteArray",
-            [s = QByteArray(text.c_str())]() mutable { return std::as_const(opaque(s)).toLower(); })
+        .By("QByteArray",
+            [s = QByteArray(text.c_str())]() mutable { return std::as_const(Opaque(s)).toLower(); })
 #endif
         ;
 }
@@ -195,7 +196,7 @@ auto simplifyInTurn(const std::vector<std::string>& texts) {
     std::vector<Text> list;
     for (const std::string& text : texts) list.push_back(Text(text.c_str()));
     return [list, i = 0u]() mutable {
-        const Text& text = opaque(list)[i++ % list.size()];
+        const Text& text = Opaque(list)[i++ % list.size()];
         if constexpr (std::is_same_v<Text, String>)
             return text.SimplifyWhiteSpace();
         else
@@ -205,57 +206,57 @@ auto simplifyInTurn(const std::vector<std::string>& texts) {
 
 void enterSimplify(const char* job, const std::vector<std::string>& texts) {
     Contest(job)
-        .by("ours", simplifyInTurn<String>(texts))
+        .By("ours", simplifyInTurn<String>(texts))
 #ifdef BENCH_QT
-        .by("QByteArray", simplifyInTurn<QByteArray>(texts))
-        .by("QString", simplifyInTurn<QString>(texts))
+        .By("QByteArray", simplifyInTurn<QByteArray>(texts))
+        .By("QString", simplifyInTurn<QString>(texts))
 #endif
         ;
 }
 
 void enterEditing() {
     enterReplace("replace_4K", linesOfProse(), "\n", "\r\n");
-    enterReplace("replace_word_4K", prose, "the", "each");
+    enterReplace("replace_word_4K", kProse, "the", "each");
     Contest("replace_char_4K")
-        .by("ours", [s = String(prose.c_str())]() mutable { return opaque(s).ReplaceChar('e', 'o'); })
-        .by("std",
-            [s = prose]() mutable {
-                std::string copy = opaque(s);
+        .By("ours", [s = String(kProse.c_str())]() mutable { return Opaque(s).ReplaceChar('e', 'o'); })
+        .By("std",
+            [s = kProse]() mutable {
+                std::string copy = Opaque(s);
                 std::replace(copy.begin(), copy.end(), 'e', 'o');
                 return copy;
             })
 #ifdef BENCH_QT
-        .by("QString",
-            [s = QString(prose.c_str())]() mutable {
-                QString copy = opaque(s);
+        .By("QString",
+            [s = QString(kProse.c_str())]() mutable {
+                QString copy = Opaque(s);
                 return copy.replace(QChar('e'), QChar('o'));
             })
 #endif
         ;
-    enterLower("lower_short", pathText);
-    enterLower("lower_4K", prose);
+    enterLower("lower_short", kPathText);
+    enterLower("lower_4K", kProse);
     enterSimplify("simplify_short", untidyTexts());
     enterSimplify("simplify_4K",
                   {longText("The installer  asks the Updater\tfor its Status,\n and the answer is kept. ")});
     const std::string padded = "  Korvane Fusewright 1.73 \n";
     Contest("strip_short")
-        .by("ours", [s = String(padded.c_str())]() mutable { return opaque(s).StripWhiteSpace(); })
+        .By("ours", [s = String(padded.c_str())]() mutable { return Opaque(s).StripWhiteSpace(); })
 #ifdef BENCH_POCO
-        .by("Poco", [s = padded]() mutable { return Poco::trim(opaque(s)); })
+        .By("Poco", [s = padded]() mutable { return Poco::trim(Opaque(s)); })
 #endif
 #ifdef BENCH_QT
-        .by("QByteArray",
-            [s = QByteArray(padded.c_str())]() mutable { return std::as_const(opaque(s)).trimmed(); })
-        .by("QString", [s = QString(padded.c_str())]() mutable { return std::as_const(opaque(s)).trimmed(); })
+        .By("QByteArray",
+            [s = QByteArray(padded.c_str())]() mutable { return std::as_const(Opaque(s)).trimmed(); })
+        .By("QString", [s = QString(padded.c_str())]() mutable { return std::as_const(Opaque(s)).trimmed(); })
 #endif
         ;
     Contest("left_mid")
-        .by("ours",
-            [s = String(pathText.c_str())]() mutable { return opaque(s).Left(20) + opaque(s).Mid(36); })
-        .by("std", [s = pathText]() mutable { return opaque(s).substr(0, 20) + opaque(s).substr(36); })
+        .By("ours",
+            [s = String(kPathText.c_str())]() mutable { return Opaque(s).Left(20) + Opaque(s).Mid(36); })
+        .By("std", [s = kPathText]() mutable { return Opaque(s).substr(0, 20) + Opaque(s).substr(36); })
 #ifdef BENCH_QT
-        .by("QString",
-            [s = QString(pathText.c_str())]() mutable { return opaque(s).left(20) + opaque(s).mid(36); })
+        .By("QString",
+            [s = QString(kPathText.c_str())]() mutable { return Opaque(s).left(20) + Opaque(s).mid(36); })
 #endif
         ;
 }
@@ -298,11 +299,11 @@ std::string listText(int count) {
 
 void enterSplit(const char* job, const std::string& text) {
     Contest(job)
-        .by("ours", [s = String(text.c_str())]() mutable { return fieldsOf(opaque(s), ','); })
-        .by("std", [s = text]() mutable { return fieldsOf(opaque(s), ','); })
+        .By("ours", [s = String(text.c_str())]() mutable { return fieldsOf(Opaque(s), ','); })
+        .By("std", [s = text]() mutable { return fieldsOf(Opaque(s), ','); })
 #ifdef BENCH_QT
-        .by("QByteArray", [s = QByteArray(text.c_str())]() mutable { return opaque(s).split(','); })
-        .by("QString", [s = QString(text.c_str())]() mutable { return opaque(s).split(QChar(',')); })
+        .By("QByteArray", [s = QByteArray(text.c_str())]() mutable { return Opaque(s).split(','); })
+        .By("QString", [s = QString(text.c_str())]() mutable { return Opaque(s).split(QChar(',')); })
 #endif
         ;
 }
@@ -312,37 +313,37 @@ void enterLists() {
     enterSplit("split_1000", listText(1000));
     const std::string ten = listText(10), thousand = listText(1000);
     Contest("join_1000")
-        .by("ours", [l = fieldsOf(String(thousand.c_str()), ','),
-                     s = String(", ")]() mutable { return String::Join(opaque(s), opaque(l)); })
-        .by("std", [l = fieldsOf(thousand, ','),
-                    s = std::string(", ")]() mutable { return joined(opaque(l), opaque(s)); })
+        .By("ours", [l = fieldsOf(String(thousand.c_str()), ','),
+                     s = String(", ")]() mutable { return String::Join(Opaque(s), Opaque(l)); })
+        .By("std", [l = fieldsOf(thousand, ','),
+                    s = std::string(", ")]() mutable { return joined(Opaque(l), Opaque(s)); })
 #ifdef BENCH_FMT
-        .by("fmt",
+        .By("fmt",
             [l = fieldsOf(thousand, ','), s = std::string(", ")]() mutable {
-                return fmt::format("{}", fmt::join(opaque(l), opaque(s)));
+                return fmt::format("{}", fmt::join(Opaque(l), Opaque(s)));
             })
 #endif
 #ifdef BENCH_QT
-        .by("QString", [l = QString(thousand.c_str()).split(QChar(',')),
-                        s = QString(", ")]() mutable { return opaque(l).join(opaque(s)); })
+        .By("QString", [l = QString(thousand.c_str()).split(QChar(',')),
+                        s = QString(", ")]() mutable { return Opaque(l).join(Opaque(s)); })
 #endif
         ;
     Contest("split_join_10")
-        .by("ours",
+        .By("ours",
             [s = String(ten.c_str()), with = String("/")]() mutable {
-                return String::Join(opaque(with), fieldsOf(opaque(s), ','));
+                return String::Join(Opaque(with), fieldsOf(Opaque(s), ','));
             })
-        .by("std", [s = ten, with = std::string(
-                                 "/")]() mutable { return joined(fieldsOf(opaque(s), ','), opaque(with)); })
+        .By("std", [s = ten, with = std::string(
+                                 "/")]() mutable { return joined(fieldsOf(Opaque(s), ','), Opaque(with)); })
 #ifdef BENCH_QT
-        .by("QString",
+        .By("QString",
             [s = QString(ten.c_str()), with = QString("/")]() mutable {
-                return opaque(s).split(QChar(',')).join(opaque(with));
+                return Opaque(s).split(QChar(',')).join(Opaque(with));
             })
 #endif
         ;
 }
 
-[[maybe_unused]] const bool entered = (enterSearching(), enterEditing(), enterLists(), true);
+[[maybe_unused]] const bool kEntered = (enterSearching(), enterEditing(), enterLists(), true);
 
 } // namespace

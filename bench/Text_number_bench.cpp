@@ -18,18 +18,18 @@
 namespace {
 
 using contest::Contest;
-using contest::opaque;
+using contest::Opaque;
 
-constexpr std::array<int, 8> ints = {0, 7, -42, 1999, 65536, -1234567, 2147483647, 100};
-constexpr std::array<long long, 8> wideInts = {0,           -7,        4294967296LL, 1234567890123LL,
-                                               -9876543210, 1LL << 62, 86400000,     20111231};
-constexpr std::array<double, 8> doubles = {0.0,    1.5,      -3.14159265, 44100.0,
-                                           0.0001, 1234.567, 99999.875,   -0.333333333};
+constexpr std::array<int, 8> kInts = {0, 7, -42, 1999, 65536, -1234567, 2147483647, 100};
+constexpr std::array<long long, 8> kWideInts = {0,           -7,        4294967296LL, 1234567890123LL,
+                                                -9876543210, 1LL << 62, 86400000,     20111231};
+constexpr std::array<double, 8> kDoubles = {0.0,    1.5,      -3.14159265, 44100.0,
+                                            0.0001, 1234.567, 99999.875,   -0.333333333};
 
 /// The work on the next of eight values at every call.
 template <typename Value, typename Work>
 auto onNext(const std::array<Value, 8>& values, Work work) {
-    return [values, work, i = 0u]() mutable { return work(opaque(values)[i++ % 8]); };
+    return [values, work, i = 0u]() mutable { return work(Opaque(values)[i++ % 8]); };
 }
 
 template <typename Value>
@@ -52,67 +52,67 @@ auto byCharconv(const std::array<Value, 8>& values, Form... form) {
 
 void enterIntegers() {
     Contest("number_int")
-        .by("ours", onNext(ints, [](int v) { return String::Number(v); }))
-        .by("snprintf", printed(ints, "%d"))
-        .by("to_string", onNext(ints, [](int v) { return std::to_string(v); }))
-        .by("make_shared",
-            onNext(ints, [](int v) { return std::make_shared<std::string>(std::to_string(v)); }))
+        .By("ours", onNext(kInts, [](int v) { return String::Number(v); }))
+        .By("snprintf", printed(kInts, "%d"))
+        .By("to_string", onNext(kInts, [](int v) { return std::to_string(v); }))
+        .By("make_shared",
+            onNext(kInts, [](int v) { return std::make_shared<std::string>(std::to_string(v)); }))
 #ifdef BENCH_POCO
-        .by("Poco", onNext(ints, [](int v) { return Poco::NumberFormatter::format(v); }))
+        .By("Poco", onNext(kInts, [](int v) { return Poco::NumberFormatter::format(v); }))
 #endif
 #ifdef BENCH_QT
-        .by("QString", onNext(ints, [](int v) { return QString::number(v); }))
+        .By("QString", onNext(kInts, [](int v) { return QString::number(v); }))
 #endif
         ;
     constexpr std::array<unsigned int, 8> bits = {0, 255, 4096, 0xDEADBEEF, 0x1F, 0xFFFFFFFF, 31, 0xABCDE};
     Contest("number_uint_hex")
-        .by("ours", onNext(bits, [](unsigned int v) { return String::Number(v, 16); }))
-        .by("snprintf", printed(bits, "%X"))
+        .By("ours", onNext(bits, [](unsigned int v) { return String::Number(v, 16); }))
+        .By("snprintf", printed(bits, "%X"))
 #ifdef BENCH_FMT
-        .by("fmt", onNext(bits, [](unsigned int v) { return fmt::format("{:X}", v); }))
+        .By("fmt", onNext(bits, [](unsigned int v) { return fmt::format("{:X}", v); }))
 #endif
 #ifdef BENCH_POCO
-        .by("Poco", onNext(bits, [](unsigned int v) { return Poco::NumberFormatter::formatHex(v); }))
+        .By("Poco", onNext(bits, [](unsigned int v) { return Poco::NumberFormatter::formatHex(v); }))
 #endif
 #ifdef BENCH_QT
-        .by("QString", onNext(bits, [](unsigned int v) { return QString::number(v, 16).toUpper(); }))
+        .By("QString", onNext(bits, [](unsigned int v) { return QString::number(v, 16).toUpper(); }))
 #endif
         ;
     Contest("number_int64")
-        .by("ours", onNext(wideInts, [](long long v) { return String::Number(v); }))
-        .by("snprintf", printed(wideInts, "%lld"))
+        .By("ours", onNext(kWideInts, [](long long v) { return String::Number(v); }))
+        .By("snprintf", printed(kWideInts, "%lld"))
 #ifdef BENCH_FMT
-        .by("fmt", onNext(wideInts, [](long long v) { return fmt::format("{}", v); }))
+        .By("fmt", onNext(kWideInts, [](long long v) { return fmt::format("{}", v); }))
 #endif
 #ifdef BENCH_QT
-        .by("QString", onNext(wideInts, [](long long v) { return QString::number(v); }))
+        .By("QString", onNext(kWideInts, [](long long v) { return QString::number(v); }))
 #endif
         ;
 }
 
 void enterDoubles() {
     Contest("number_double")
-        .by("ours", onNext(doubles, [](double v) { return String::Number(v); }))
-        .by("snprintf", printed(doubles, "%f"))
-        .by("charconv", byCharconv(doubles, std::chars_format::fixed, 6))
+        .By("ours", onNext(kDoubles, [](double v) { return String::Number(v); }))
+        .By("snprintf", printed(kDoubles, "%f"))
+        .By("charconv", byCharconv(kDoubles, std::chars_format::fixed, 6))
 #ifdef BENCH_QT
-        .by("QString", onNext(doubles, [](double v) { return QString::number(v, 'f', 6); }))
+        .By("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'f', 6); }))
 #endif
         ;
     Contest("number_double_p2")
-        .by("ours", onNext(doubles, [](double v) { return String::Number(v, 2); }))
-        .by("snprintf", printed(doubles, "%.2f"))
-        .by("charconv", byCharconv(doubles, std::chars_format::fixed, 2))
+        .By("ours", onNext(kDoubles, [](double v) { return String::Number(v, 2); }))
+        .By("snprintf", printed(kDoubles, "%.2f"))
+        .By("charconv", byCharconv(kDoubles, std::chars_format::fixed, 2))
 #ifdef BENCH_QT
-        .by("QString", onNext(doubles, [](double v) { return QString::number(v, 'f', 2); }))
+        .By("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'f', 2); }))
 #endif
         ;
     Contest("number_double_e")
-        .by("ours", onNext(doubles, [](double v) { return String::Number(v, 4, 'e'); }))
-        .by("snprintf", printed(doubles, "%.4e"))
-        .by("charconv", byCharconv(doubles, std::chars_format::scientific, 4))
+        .By("ours", onNext(kDoubles, [](double v) { return String::Number(v, 4, 'e'); }))
+        .By("snprintf", printed(kDoubles, "%.4e"))
+        .By("charconv", byCharconv(kDoubles, std::chars_format::scientific, 4))
 #ifdef BENCH_QT
-        .by("QString", onNext(doubles, [](double v) { return QString::number(v, 'e', 4); }))
+        .By("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'e', 4); }))
 #endif
         ;
 }
@@ -136,15 +136,15 @@ std::array<Text, 8> as(const std::array<std::string, 8>& texts) {
 void enterIntegerParsing(const char* job, const std::array<std::string, 8>& texts, unsigned int base) {
     const int intBase = static_cast<int>(base);
     Contest(job)
-        .by("ours", onNext(as<String>(texts), [base](const String& s) { return s.ToInt(nullptr, base); }))
-        .by("strtol", onNext(texts,
+        .By("ours", onNext(as<String>(texts), [base](const String& s) { return s.ToInt(nullptr, base); }))
+        .By("strtol", onNext(texts,
                              [intBase](const std::string& s) {
                                  char* end = nullptr;
                                  return static_cast<int>(std::strtol(s.c_str(), &end, intBase));
                              }))
-        .by("charconv", parsedByCharconv<int>(texts, intBase))
+        .By("charconv", parsedByCharconv<int>(texts, intBase))
 #ifdef BENCH_QT
-        .by("QString",
+        .By("QString",
             onNext(as<QString>(texts), [intBase](const QString& s) { return s.toInt(nullptr, intBase); }))
 #endif
         ;
@@ -156,19 +156,19 @@ void enterParsing() {
     const std::array<std::string, 8> texts = {"0.5", "44100", "-3.25",  "0.000125",
                                               "1e3", "99.99", "-0.707", "123456.789"};
     Contest("to_double")
-        .by("ours", onNext(as<String>(texts), [](const String& s) { return s.ToDouble(); }))
-        .by("strtod", onNext(texts, [](const std::string& s) { return std::strtod(s.c_str(), nullptr); }))
-        .by("charconv", parsedByCharconv<double>(texts))
+        .By("ours", onNext(as<String>(texts), [](const String& s) { return s.ToDouble(); }))
+        .By("strtod", onNext(texts, [](const std::string& s) { return std::strtod(s.c_str(), nullptr); }))
+        .By("charconv", parsedByCharconv<double>(texts))
 #ifdef BENCH_QT
-        .by("QByteArray", onNext(as<QByteArray>(texts), [](const QByteArray& s) { return s.toDouble(); }))
-        .by("QString", onNext(as<QString>(texts), [](const QString& s) { return s.toDouble(); }))
+        .By("QByteArray", onNext(as<QByteArray>(texts), [](const QByteArray& s) { return s.toDouble(); }))
+        .By("QString", onNext(as<QString>(texts), [](const QString& s) { return s.toDouble(); }))
 #endif
         ;
 }
 
-constexpr char oneValue[] = "Attempt to seek to %1 when not open";
-constexpr char threeValues[] = "Can't extract %1 bytes at position %2, total size %3";
-constexpr char oneText[] = "InstalledProducts/%1/CurrentVersion";
+constexpr char kOneValue[] = "Attempt to seek to %1 when not open";
+constexpr char kThreeValues[] = "Can't extract %1 bytes at position %2, total size %3";
+constexpr char kOneText[] = "InstalledProducts/%1/CurrentVersion";
 
 /// The text with its "%1" replaced by std::string's own means.
 std::string replaced(std::string text, const std::string& argument) {
@@ -177,61 +177,61 @@ std::string replaced(std::string text, const std::string& argument) {
 
 void enterArguments() {
     Contest("arg_int")
-        .by("ours", [t = String(oneValue), v = 4096]() mutable { return opaque(t).Arg(opaque(v)); })
-        .by("replace", [t = std::string(oneValue),
-                        v = 4096]() mutable { return replaced(opaque(t), std::to_string(opaque(v))); })
+        .By("ours", [t = String(kOneValue), v = 4096]() mutable { return Opaque(t).Arg(Opaque(v)); })
+        .By("replace", [t = std::string(kOneValue),
+                        v = 4096]() mutable { return replaced(Opaque(t), std::to_string(Opaque(v))); })
 #ifdef BENCH_FMT
-        .by("fmt",
-            [v = 4096]() mutable { return fmt::format("Attempt to seek to {} when not open", opaque(v)); })
+        .By("fmt",
+            [v = 4096]() mutable { return fmt::format("Attempt to seek to {} when not open", Opaque(v)); })
 #endif
 #ifdef BENCH_QT
-        .by("QString", [t = QString(oneValue), v = 4096]() mutable { return opaque(t).arg(opaque(v)); })
+        .By("QString", [t = QString(kOneValue), v = 4096]() mutable { return Opaque(t).arg(Opaque(v)); })
 #endif
         ;
     Contest("arg_3_ints")
-        .by("ours", [t = String(threeValues),
-                     v = 4096]() mutable { return opaque(t).Arg(opaque(v)).Arg(opaque(v)).Arg(opaque(v)); })
-        .by("printf",
+        .By("ours", [t = String(kThreeValues),
+                     v = 4096]() mutable { return Opaque(t).Arg(Opaque(v)).Arg(Opaque(v)).Arg(Opaque(v)); })
+        .By("printf",
             [v = 4096]() mutable {
                 char text[128];
                 const int n =
                     std::snprintf(text, sizeof text, "Can't extract %d bytes at position %d, total size %d",
-                                  opaque(v), opaque(v), opaque(v));
+                                  Opaque(v), Opaque(v), Opaque(v));
                 return std::string(text, static_cast<std::size_t>(n));
             })
 #ifdef BENCH_FMT
-        .by("fmt",
+        .By("fmt",
             [v = 4096]() mutable {
-                return fmt::format("Can't extract {} bytes at position {}, total size {}", opaque(v),
-                                   opaque(v), opaque(v));
+                return fmt::format("Can't extract {} bytes at position {}, total size {}", Opaque(v),
+                                   Opaque(v), Opaque(v));
             })
 #endif
 #ifdef BENCH_QT
-        .by("QString",
-            [t = QString(threeValues), v = 4096]() mutable {
-                return opaque(t).arg(opaque(v)).arg(opaque(v)).arg(opaque(v));
+        .By("QString",
+            [t = QString(kThreeValues), v = 4096]() mutable {
+                return Opaque(t).arg(Opaque(v)).arg(Opaque(v)).arg(Opaque(v));
             })
 #endif
         ;
     Contest("arg_text")
-        .by("ours",
-            [t = String(oneText), a = String("Fusewright")]() mutable { return opaque(t).Arg(opaque(a)); })
-        .by("replace", [t = std::string(oneText),
-                        a = std::string("Fusewright")]() mutable { return replaced(opaque(t), opaque(a)); })
+        .By("ours",
+            [t = String(kOneText), a = String("Fusewright")]() mutable { return Opaque(t).Arg(Opaque(a)); })
+        .By("replace", [t = std::string(kOneText),
+                        a = std::string("Fusewright")]() mutable { return replaced(Opaque(t), Opaque(a)); })
 #ifdef BENCH_FMT
-        .by("fmt",
+        .By("fmt",
             [a = std::string("Fusewright")]() mutable {
-                return fmt::format("InstalledProducts/{}/CurrentVersion", opaque(a));
+                return fmt::format("InstalledProducts/{}/CurrentVersion", Opaque(a));
             })
 #endif
 #ifdef BENCH_QT
-        .by("QString",
-            [t = QString(oneText), a = QString("Fusewright")]() mutable { return opaque(t).arg(opaque(a)); })
+        .By("QString",
+            [t = QString(kOneText), a = QString("Fusewright")]() mutable { return Opaque(t).arg(Opaque(a)); })
 #endif
         ;
 }
 
-[[maybe_unused]] const bool entered =
+[[maybe_unused]] const bool kEntered =
     (enterIntegers(), enterDoubles(), enterParsing(), enterArguments(), true);
 
 } // namespace

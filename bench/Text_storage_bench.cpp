@@ -15,11 +15,11 @@ namespace {
 
 using contest::AllTexts;
 using contest::Contest;
-using contest::opaque;
+using contest::Opaque;
 
-constexpr std::array<const char*, 8> shortTexts = {"Fusewright", "take 01.wav", "Icon.icns", "readme.txt",
-                                                   "plug-in id", "en-GB.lproj", "Resources", "1.73.0.2114"};
-constexpr std::array<const char*, 8> longTexts = {
+constexpr std::array<const char*, 8> kShortTexts = {"Fusewright", "take 01.wav", "Icon.icns", "readme.txt",
+                                                    "plug-in id", "en-GB.lproj", "Resources", "1.73.0.2114"};
+constexpr std::array<const char*, 8> kLongTexts = {
     "/Library/Application Support/Korvane/Updater",
     "/Library/Preferences/com.korvane.updater.plist",
     "/Applications/Korvane/Fusewright.app/Contents/MacOS/Fusewright",
@@ -29,9 +29,9 @@ constexpr std::array<const char*, 8> longTexts = {
     "InstalledProducts/Fusewright/CurrentVersion",
     "/System/Library/Frameworks/Carbon.framework/Versions/A/Resources",
 };
-constexpr char folderText[] = "/Library/Application Support/Korvane";
-constexpr char otherFolderText[] = "/Library/Application Support/Korvand";
-constexpr char fileText[] = "install_status.txt";
+constexpr char kFolderText[] = "/Library/Application Support/Korvane";
+constexpr char kOtherFolderText[] = "/Library/Application Support/Korvand";
+constexpr char kFileText[] = "install_status.txt";
 
 /// One of the eight texts made anew at every call.
 template <typename Make>
@@ -41,56 +41,56 @@ auto inTurn(const std::array<const char*, 8>& texts, Make make) {
 
 void enterNew(const char* job, const std::array<const char*, 8>& texts) {
     Contest(job)
-        .byEach(
+        .ByEach(
             AllTexts(),
             [&texts](auto empty) { return inTurn(texts, [](const char* s) { return decltype(empty)(s); }); })
-        .by("make_shared", inTurn(texts, [](const char* s) { return std::make_shared<std::string>(s); }));
+        .By("make_shared", inTurn(texts, [](const char* s) { return std::make_shared<std::string>(s); }));
 }
 
 void enterCopies() {
     Contest("copy")
-        .byEach(AllTexts(),
+        .ByEach(AllTexts(),
                 [](auto empty) {
                     using Text = decltype(empty);
-                    return [source = Text(folderText)]() mutable { return Text(opaque(source)); };
+                    return [source = Text(kFolderText)]() mutable { return Text(Opaque(source)); };
                 })
-        .by("shared_ptr", [source = std::make_shared<std::string>(folderText)]() mutable {
-            return std::shared_ptr<std::string>(opaque(source));
+        .By("shared_ptr", [source = std::make_shared<std::string>(kFolderText)]() mutable {
+            return std::shared_ptr<std::string>(Opaque(source));
         });
     const auto copyList = [](auto item) {
         using List = std::vector<decltype(item)>;
-        return [list = List(1024, item)]() mutable { return List(opaque(list)); };
+        return [list = List(1024, item)]() mutable { return List(Opaque(list)); };
     };
     Contest("copy_vector_1024")
-        .byEach(AllTexts(), [copyList](auto empty) { return copyList(decltype(empty)(folderText)); })
-        .by("shared_ptr", copyList(std::make_shared<std::string>(folderText)));
+        .ByEach(AllTexts(), [copyList](auto empty) { return copyList(decltype(empty)(kFolderText)); })
+        .By("shared_ptr", copyList(std::make_shared<std::string>(kFolderText)));
 }
 
 void enterAppends() {
-    Contest("append_char_x1000").byEach(AllTexts(), [](auto empty) {
+    Contest("append_char_x1000").ByEach(AllTexts(), [](auto empty) {
         return [empty] {
             auto text = empty;
             for (int i = 0; i < 1000; ++i) text += static_cast<char>('a' + i % 16);
             return text;
         };
     });
-    Contest("append_text_x100").byEach(AllTexts(), [](auto empty) {
+    Contest("append_text_x100").ByEach(AllTexts(), [](auto empty) {
         return [empty, piece = decltype(empty)("twelve bytes")]() mutable {
             auto text = empty;
-            for (int i = 0; i < 100; ++i) text += opaque(piece);
+            for (int i = 0; i < 100; ++i) text += Opaque(piece);
             return text;
         };
     });
     Contest job("concat_3");
-    job.byEach(AllTexts(), [](auto empty) {
+    job.ByEach(AllTexts(), [](auto empty) {
         using Text = decltype(empty);
-        return [folder = Text(folderText), file = Text(fileText)]() mutable {
-            return Text(opaque(folder) + "/" + opaque(file));
+        return [folder = Text(kFolderText), file = Text(kFileText)]() mutable {
+            return Text(Opaque(folder) + "/" + Opaque(file));
         };
     });
 #ifdef BENCH_QT
-    job.by("QStringBuilder", [folder = QString(folderText), file = QString(fileText)]() mutable {
-        return QString(opaque(folder) % QLatin1Char('/') % opaque(file));
+    job.By("QStringBuilder", [folder = QString(kFolderText), file = QString(kFileText)]() mutable {
+        return QString(Opaque(folder) % QLatin1Char('/') % Opaque(file));
     });
 #endif
 }
@@ -99,13 +99,13 @@ void enterComparisons() {
     const auto onPair = [](auto compare) {
         return [compare](auto empty) {
             using Text = decltype(empty);
-            return [compare, a = Text(folderText), b = Text(otherFolderText)]() mutable {
-                return compare(opaque(a), opaque(b));
+            return [compare, a = Text(kFolderText), b = Text(kOtherFolderText)]() mutable {
+                return compare(Opaque(a), Opaque(b));
             };
         };
     };
-    Contest("equal").byEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a == b; }));
-    Contest("less").byEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a < b; }));
+    Contest("equal").ByEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a == b; }));
+    Contest("less").ByEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a < b; }));
 }
 
 /// 100,000 texts: names that differ at their end, or letters that differ at once.
@@ -122,7 +122,7 @@ std::vector<std::string> manyTexts(bool names) {
 void enterSorting(const char* job, bool names) {
     const std::vector<std::string> texts = manyTexts(names);
     Contest(job, 1e6) // so that the table tells milliseconds
-        .byEach(AllTexts(), [&texts](auto empty) {
+        .ByEach(AllTexts(), [&texts](auto empty) {
             std::vector<decltype(empty)> list;
             for (const std::string& text : texts) list.push_back(decltype(empty)(text.c_str()));
             return [list] {
@@ -134,11 +134,11 @@ void enterSorting(const char* job, bool names) {
 }
 
 void enterAll() {
-    Contest("default_x16").byEach(AllTexts(), [](auto empty) {
+    Contest("default_x16").ByEach(AllTexts(), [](auto empty) {
         return [] { return std::array<decltype(empty), 16>(); };
     });
-    enterNew("new_short", shortTexts);
-    enterNew("new_long", longTexts);
+    enterNew("new_short", kShortTexts);
+    enterNew("new_long", kLongTexts);
     enterCopies();
     enterAppends();
     enterComparisons();
@@ -146,6 +146,6 @@ void enterAll() {
     enterSorting("sort_100k_free", false);
 }
 
-[[maybe_unused]] const bool entered = (enterAll(), true);
+[[maybe_unused]] const bool kEntered = (enterAll(), true);
 
 } // namespace

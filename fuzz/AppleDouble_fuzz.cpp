@@ -13,7 +13,7 @@ using macplatform::FinderInfo;
 
 namespace {
 
-std::uint64_t Big(const std::string& bytes, std::size_t at, std::size_t width) {
+std::uint64_t big(const std::string& bytes, std::size_t at, std::size_t width) {
     std::uint64_t number = 0;
     for (std::size_t i = 0; i < width; ++i)
         number = number * 256 + static_cast<unsigned char>(bytes.at(at + i));
@@ -21,14 +21,14 @@ std::uint64_t Big(const std::string& bytes, std::size_t at, std::size_t width) {
 }
 
 /// Where the 32 bytes are: behind the entry of kind 9 that comes first. 0 when there are none.
-std::size_t PlaceOfFinderInfo(const std::string& bytes) {
-    if (bytes.size() < 26 || Big(bytes, 0, 4) != 0x00051607) return 0;
-    if (Big(bytes, 4, 4) != 0x00010000 && Big(bytes, 4, 4) != 0x00020000) return 0;
-    const std::uint64_t count = Big(bytes, 24, 2);
+std::size_t placeOfFinderInfo(const std::string& bytes) {
+    if (bytes.size() < 26 || big(bytes, 0, 4) != 0x00051607) return 0;
+    if (big(bytes, 4, 4) != 0x00010000 && big(bytes, 4, 4) != 0x00020000) return 0;
+    const std::uint64_t count = big(bytes, 24, 2);
     for (std::size_t at = 26; at < 26 + 12 * count; at += 12) {
         if (at + 12 > bytes.size()) return 0;
-        if (Big(bytes, at, 4) != 9) continue;
-        const std::uint64_t offset = Big(bytes, at + 4, 4), length = Big(bytes, at + 8, 4);
+        if (big(bytes, at, 4) != 9) continue;
+        const std::uint64_t offset = big(bytes, at + 4, 4), length = big(bytes, at + 8, 4);
         const bool isInside = offset >= 26 + 12 * count && offset + 32 <= bytes.size() && length >= 32;
         return isInside ? static_cast<std::size_t>(offset) : 0;
     }
@@ -75,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string bytes(Bytes(data, size));
     sidecar.Fill(bytes);
 
-    const std::size_t place = PlaceOfFinderInfo(bytes);
+    const std::size_t place = placeOfFinderInfo(bytes);
     FinderInfo info{};
     const int answer = macplatform::ReadSidecar(sidecar.path, info);
     Require(answer == (place != 0 ? 0 : EBADMSG), "read exactly when the information is inside");

@@ -9,7 +9,7 @@
 
 namespace {
 
-std::string Substituted(const std::string& text, const std::string& argument) {
+std::string substituted(const std::string& text, const std::string& argument) {
     for (char digit = '0'; digit <= '9'; ++digit) {
         const std::size_t place = text.find({'%', digit});
         if (place != text.npos) return text.substr(0, place) + argument + text.substr(place + 2);
@@ -17,31 +17,31 @@ std::string Substituted(const std::string& text, const std::string& argument) {
     return text + argument;
 }
 
-std::string Padded(std::string digits, const checked_value<unsigned int>& width) {
+std::string padded(std::string digits, const checked_value<unsigned int>& width) {
     if (width.IsGiven() && digits.size() < width) digits.insert(0, width - digits.size(), '0');
     return digits;
 }
 
 template <typename T>
-std::string Digits(T magnitude, unsigned int base) {
+std::string digitsOf(T magnitude, unsigned int base) {
     char text[72];
     std::string digits(text, std::to_chars(text, text + sizeof text, magnitude, static_cast<int>(base)).ptr);
     for (char& c : digits) c = static_cast<char>(c >= 'a' ? c - 'a' + 'A' : c);
     return digits;
 }
 
-std::string Formatted(int value, unsigned int base, const checked_value<unsigned int>& width) {
+std::string formatted(int value, unsigned int base, const checked_value<unsigned int>& width) {
     if (base < 2 || base > 36) base = 10;
     if (value == INT_MIN && width.IsGiven()) {
-        const std::string digits = Digits(2147483648U, base);
-        return '-' + Padded(digits.substr(0, digits.size() - 1), width) +
-               Padded(digits.substr(digits.size() - 1), width);
+        const std::string digits = digitsOf(2147483648U, base);
+        return '-' + padded(digits.substr(0, digits.size() - 1), width) +
+               padded(digits.substr(digits.size() - 1), width);
     }
     const unsigned int bits = static_cast<unsigned int>(value);
-    return value < 0 ? '-' + Padded(Digits(0U - bits, base), width) : Padded(Digits(bits, base), width);
+    return value < 0 ? '-' + padded(digitsOf(0U - bits, base), width) : padded(digitsOf(bits, base), width);
 }
 
-std::string Formatted(double value, unsigned int precision, char letter) {
+std::string formatted(double value, unsigned int precision, char letter) {
     if (!std::isfinite(value)) return {};
     const auto style = letter == 'e'   ? std::chars_format::scientific
                        : letter == 'g' ? std::chars_format::general
@@ -66,19 +66,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text = input.ConsumeRemainingBytesAsString();
 
     const String format = TextOf(text);
-    RequireEqual(BytesOf(format.Arg(TextOf(argument))), Substituted(text, argument), "one placeholder goes");
+    RequireEqual(BytesOf(format.Arg(TextOf(argument))), substituted(text, argument), "one placeholder goes");
     RequireEqual(BytesOf(format), text, "the template stays");
 
-    RequireEqual(BytesOf(String::Number(value, base, width)), Formatted(value, base, width),
+    RequireEqual(BytesOf(String::Number(value, base, width)), formatted(value, base, width),
                  "digits of an int");
     const long long wide = static_cast<long long>(value) * base * 1000003;
     RequireEqual(BytesOf(String::Number(wide, 10)), std::to_string(wide), "digits of a long long");
-    const std::string shown = base == 16 ? Padded(Digits(static_cast<unsigned int>(value), 16), width)
-                                         : Formatted(value, base, width);
-    RequireEqual(BytesOf(format.Arg(value, base, width)), Substituted(text, shown), "an int as an argument");
+    const std::string shown = base == 16 ? padded(digitsOf(static_cast<unsigned int>(value), 16), width)
+                                         : formatted(value, base, width);
+    RequireEqual(BytesOf(format.Arg(value, base, width)), substituted(text, shown), "an int as an argument");
     if (std::isfinite(real)) {
         RequireEqual(BytesOf(String::Number(real, precision, static_cast<unsigned int>(letter))),
-                     Formatted(real, precision, letter), "digits of a double");
+                     formatted(real, precision, letter), "digits of a double");
     }
     return 0;
 }

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr unsigned int farthest = 1 << 16; ///< Writes go no further, lest gaps fill the memory.
+constexpr unsigned int kFarthest = 1 << 16; ///< Writes go no further, lest gaps fill the memory.
 
 class Program {
 public:
@@ -71,7 +71,7 @@ private:
     void Number() {
         constexpr std::size_t width =
             sizeof(T) == sizeof(long) && std::is_same_v<std::remove_cv_t<T>, long> ? 4 : sizeof(T);
-        if (input.ConsumeBool() && position < farthest) {
+        if (input.ConsumeBool() && position < kFarthest) {
             WriteNumber<T, width>();
         } else {
             ReadNumber<T, width>();
@@ -164,7 +164,7 @@ private:
     }
 
     void Text() {
-        if (!input.ConsumeBool() || position >= farthest) return ReadText();
+        if (!input.ConsumeBool() || position >= kFarthest) return ReadText();
         const std::string piece = input.ConsumeRandomLengthString(32);
         const bool withLength = input.ConsumeBool();
         stream.SetWriteStringLength(withLength);
@@ -219,7 +219,7 @@ private:
     }
 
     void Block() {
-        if (input.ConsumeBool() && position < farthest) {
+        if (input.ConsumeBool() && position < kFarthest) {
             const std::string piece = input.ConsumeRandomLengthString(32);
             const auto* const source = reinterpret_cast<const unsigned char*>(piece.data());
             if (input.ConsumeBool()) {

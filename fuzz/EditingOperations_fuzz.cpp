@@ -11,23 +11,23 @@
 
 namespace {
 
-char Folded(char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c); }
-char Raised(char c) { return static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); }
+char folded(char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c); }
+char raised(char c) { return static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); }
 
 template <typename Map>
-std::string Mapped(std::string bytes, Map map) {
+std::string mapped(std::string bytes, Map map) {
     std::transform(bytes.begin(), bytes.end(), bytes.begin(), map);
     return bytes;
 }
 
-std::string AsCompared(const std::string& bytes, bool caseSensitive) {
-    return caseSensitive ? bytes : Mapped(bytes, Folded);
+std::string asCompared(const std::string& bytes, bool caseSensitive) {
+    return caseSensitive ? bytes : mapped(bytes, folded);
 }
 
-bool IsSpace(char c) { return c != 0 && std::strchr(" \t\n\v\f\r\xA0", c); }
+bool isSpace(char c) { return c != 0 && std::strchr(" \t\n\v\f\r\xA0", c); }
 
 /// Cut sequences at the end of UTF-8 as NULs, by walking back to the lead byte.
-std::string Repaired(std::string bytes) {
+std::string repaired(std::string bytes) {
     if (bytes.empty() || static_cast<signed char>(bytes.back()) >= 0) return bytes;
     for (std::size_t i = bytes.size(); i-- > 0;) {
         const auto lead = static_cast<unsigned char>(bytes[i]);
@@ -41,26 +41,26 @@ std::string Repaired(std::string bytes) {
     return bytes;
 }
 
-std::string Words(const std::string& bytes) {
+std::string wordsOf(const std::string& bytes) {
     std::string words;
     for (const char c : bytes) {
-        if (!IsSpace(c)) {
+        if (!isSpace(c)) {
             words += c;
         } else if (!words.empty() && words.back() != ' ') {
             words += ' ';
         }
     }
     if (!words.empty() && words.back() == ' ') words.pop_back();
-    return Repaired(words);
+    return repaired(words);
 }
 
-std::string Stripped(std::string bytes) {
-    while (!bytes.empty() && IsSpace(bytes.front())) bytes.erase(0, 1);
-    while (!bytes.empty() && IsSpace(bytes.back())) bytes.pop_back();
+std::string stripped(std::string bytes) {
+    while (!bytes.empty() && isSpace(bytes.front())) bytes.erase(0, 1);
+    while (!bytes.empty() && isSpace(bytes.back())) bytes.pop_back();
     return bytes;
 }
 
-std::string Replaced(const std::string& bytes, const std::string& from, const std::string& to) {
+std::string replaced(const std::string& bytes, const std::string& from, const std::string& to) {
     std::string result;
     std::size_t at = 0;
     for (std::size_t hit; !from.empty() && (hit = bytes.find(from, at)) != bytes.npos;
@@ -70,11 +70,11 @@ std::string Replaced(const std::string& bytes, const std::string& from, const st
     return result + bytes.substr(at);
 }
 
-std::string Shown(const checked_value<unsigned int>& place) {
+std::string shown(const checked_value<unsigned int>& place) {
     return place.IsGiven() ? std::to_string(static_cast<unsigned int>(place)) : "absent";
 }
 
-std::string Shown(std::size_t place) { return place == std::string::npos ? "absent" : std::to_string(place); }
+std::string shown(std::size_t place) { return place == std::string::npos ? "absent" : std::to_string(place); }
 
 class Program {
 public:
@@ -134,14 +134,14 @@ private:
         }
         case 2:
             text.Truncate(place);
-            if (place < length) bytes = Repaired(bytes.substr(0, place));
+            if (place < length) bytes = repaired(bytes.substr(0, place));
             break;
         case 3: {
             const unsigned int size = place % 4096;
             const bool whole = input.ConsumeBool();
             text.Resize(size, whole);
             bytes.resize(size);
-            if (whole) bytes = Repaired(bytes);
+            if (whole) bytes = repaired(bytes);
             break;
         }
         case 4:
@@ -183,13 +183,13 @@ private:
                           "Mid");
         }
         case 3:
-            return Become(text.ToUpper(), Mapped(bytes, Raised), "ToUpper");
+            return Become(text.ToUpper(), mapped(bytes, raised), "ToUpper");
         case 4:
-            return Become(text.ToLower(), Mapped(bytes, Folded), "ToLower");
+            return Become(text.ToLower(), mapped(bytes, folded), "ToLower");
         case 5:
-            return Become(text.StripWhiteSpace(), Stripped(bytes), "StripWhiteSpace");
+            return Become(text.StripWhiteSpace(), stripped(bytes), "StripWhiteSpace");
         case 6:
-            return Become(text.SimplifyWhiteSpace(), Words(bytes), "SimplifyWhiteSpace");
+            return Become(text.SimplifyWhiteSpace(), wordsOf(bytes), "SimplifyWhiteSpace");
         case 7: {
             const char from = Byte(), to = Byte();
             std::string expected = bytes;
@@ -198,7 +198,7 @@ private:
         }
         default: {
             const std::string from = Piece(), to = Piece();
-            return Become(text.Replace(TextOf(from), TextOf(to)), Replaced(bytes, from, to), "Replace");
+            return Become(text.Replace(TextOf(from), TextOf(to)), replaced(bytes, from, to), "Replace");
         }
         }
     }
@@ -208,22 +208,22 @@ private:
         const bool exact = input.ConsumeBool();
         const unsigned int start = Place();
         const std::string piece = Piece();
-        const std::string where = AsCompared(bytes, exact), what = AsCompared(piece, exact);
-        const char key = exact ? c : Folded(c);
-        RequireEqual(Shown(text.Find(c, start, exact)), Shown(where.find(key, start)), "Find of a byte");
+        const std::string where = asCompared(bytes, exact), what = asCompared(piece, exact);
+        const char key = exact ? c : folded(c);
+        RequireEqual(shown(text.Find(c, start, exact)), shown(where.find(key, start)), "Find of a byte");
 
         const checked_value<unsigned int> from = Count();
         const bool isInside = !from.IsGiven() || from < bytes.size();
         const std::size_t last = from.IsGiven() ? static_cast<std::size_t>(from) : bytes.npos;
-        RequireEqual(Shown(text.FindRev(c, from, exact)),
-                     Shown(isInside ? where.rfind(key, last) : bytes.npos), "FindRev");
+        RequireEqual(shown(text.FindRev(c, from, exact)),
+                     shown(isInside ? where.rfind(key, last) : bytes.npos), "FindRev");
 
         const std::string part(BeforeNul(what));
         const std::string readable(start < where.size() ? BeforeNul(std::string_view(where).substr(start))
                                                         : "");
         const std::size_t hit = start < where.size() ? readable.find(part) : readable.npos;
-        RequireEqual(Shown(text.Find(piece.c_str(), start, exact)),
-                     Shown(hit == readable.npos ? hit : hit + start), "Find of a text");
+        RequireEqual(shown(text.Find(piece.c_str(), start, exact)),
+                     shown(hit == readable.npos ? hit : hit + start), "Find of a text");
 
         const bool fits = piece.size() <= bytes.size();
         const std::size_t rest = fits ? where.size() - what.size() : 0;

@@ -12,14 +12,14 @@
 
 namespace {
 
-std::string Told(const xcodhost::ElfFile& file) {
+std::string summaryOf(const xcodhost::ElfFile& file) {
     std::string told = file.architecture + '\n';
     for (const std::string& name : file.exports) told += name + '\n';
     return told;
 }
 
 template <typename T>
-void Append(std::string& bytes, const T& structure) {
+void appendBytes(std::string& bytes, const T& structure) {
     bytes.append(reinterpret_cast<const char*>(&structure), sizeof structure);
 }
 
@@ -47,10 +47,10 @@ public:
         texts.sh_offset = table.sh_offset + table.sh_size;
         texts.sh_size = names.size();
         std::string bytes;
-        Append(bytes, header);
+        appendBytes(bytes, header);
         bytes.append(gap, 'x');
-        for (const Elf64_Shdr& section : {none, table, texts}) Append(bytes, section);
-        for (const Elf64_Sym& symbol : symbols) Append(bytes, symbol);
+        for (const Elf64_Shdr& section : {none, table, texts}) appendBytes(bytes, section);
+        for (const Elf64_Sym& symbol : symbols) appendBytes(bytes, symbol);
         return bytes + names;
     }
 
@@ -88,7 +88,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const std::string& name : whole.exports)
         Require(bytes.find(name + '\0') != bytes.npos, "names are in the file");
     if (part.problem.empty())
-        RequireEqual(Told(part), Told(whole), "what lies behind the end does not matter");
+        RequireEqual(summaryOf(part), summaryOf(whole), "what lies behind the end does not matter");
 
     const SymbolFile made(input);
     const xcodhost::ElfFile seen = xcodhost::ReadElf(made.Bytes());

@@ -11,13 +11,13 @@
 
 namespace {
 
-bool IsSound(const xcodhost::MachOFile& file) {
+bool isSound(const xcodhost::MachOFile& file) {
     return file.problem.empty() &&
            std::all_of(file.images.begin(), file.images.end(),
                        [](const xcodhost::MachOImage& image) { return image.problem.empty(); });
 }
 
-std::string Told(const xcodhost::MachOFile& file) {
+std::string summaryOf(const xcodhost::MachOFile& file) {
     std::string told = file.problem + '\n';
     for (const xcodhost::MachOImage& image : file.images) {
         told += image.architecture + ' ' + image.problem + '\n';
@@ -81,11 +81,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const xcodhost::MachOFile whole = xcodhost::ReadMachO(bytes),
                               part = xcodhost::ReadMachO(bytes.substr(0, cut));
     Require(xcodhost::IsMachO(bytes) || !whole.problem.empty(), "what is no Mac executable has a problem");
-    if (IsSound(part)) RequireEqual(Told(part), Told(whole), "what lies behind the end does not matter");
+    if (isSound(part))
+        RequireEqual(summaryOf(part), summaryOf(whole), "what lies behind the end does not matter");
 
     const SymbolFile made(input);
     const xcodhost::MachOFile seen = xcodhost::ReadMachO(made.Bytes());
-    Require(IsSound(seen) && seen.images.size() == 1, "a sound file has no problem");
+    Require(isSound(seen) && seen.images.size() == 1, "a sound file has no problem");
     Require(seen.images[0].exports == std::vector<std::string>(made.exports.begin(), made.exports.end()),
             "the exports that were put in");
     return 0;

@@ -10,31 +10,31 @@
 namespace {
 
 template <typename T>
-std::string Shown(const number_model::Parsed<T>& number) {
+std::string shown(const number_model::Parsed<T>& number) {
     return (number.ok ? "read " : "failed ") + std::to_string(number.value);
 }
 
 template <typename T, typename Parse>
-void Check(const number_model::Parsed<T>& expected, Parse parse, const char* claim) {
+void check(const number_model::Parsed<T>& expected, Parse parse, const char* claim) {
     number_model::Parsed<T> seen = {!expected.ok, 0};
     seen.value = parse(&seen.ok);
-    RequireEqual(Shown(seen), Shown(expected), claim);
+    RequireEqual(shown(seen), shown(expected), claim);
 }
 
-void CheckIntegers(const std::string& bytes, unsigned int base) {
+void checkIntegers(const std::string& bytes, unsigned int base) {
     const String text = TextOf(bytes);
     const number_model::Integers expected(bytes, base);
-    Check(
+    check(
         expected.toShort, [&](bool* ok) { return text.ToShort(ok, base); }, "ToShort");
-    Check(
+    check(
         expected.toUShort, [&](bool* ok) { return text.ToUShort(ok, base); }, "ToUShort");
-    Check(
+    check(
         expected.toInt, [&](bool* ok) { return text.ToInt(ok, base); }, "ToInt");
-    Check(
+    check(
         expected.toUInt, [&](bool* ok) { return text.ToUInt(ok, base); }, "ToUInt");
-    Check(
+    check(
         expected.toInt64, [&](bool* ok) { return text.ToInt64(ok, base); }, "ToInt64");
-    Check(
+    check(
         expected.toUInt64, [&](bool* ok) { return text.ToUInt64(ok, base); }, "ToUInt64");
 }
 
@@ -43,7 +43,7 @@ bool areSame(T a, T b) {
     return std::isnan(a) ? std::isnan(b) : a == b && std::signbit(a) == std::signbit(b);
 }
 
-void CheckReal(const std::string& bytes) {
+void checkReal(const std::string& bytes) {
     const String text = TextOf(bytes);
     const number_model::Parsed<double> expected = number_model::ToDouble(bytes, '.');
     bool ok = !expected.ok, narrowOk = !expected.ok;
@@ -60,7 +60,7 @@ void CheckReal(const std::string& bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) return 0;
     const std::string bytes(Bytes(data + 1, size - 1));
-    CheckIntegers(bytes, data[0] >= 0x80 ? 10 : data[0] % 81);
-    CheckReal(bytes);
+    checkIntegers(bytes, data[0] >= 0x80 ? 10 : data[0] % 81);
+    checkReal(bytes);
     return 0;
 }

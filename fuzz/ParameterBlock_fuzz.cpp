@@ -16,13 +16,13 @@
 namespace {
 
 template <typename T>
-T Field(const std::string& block, std::size_t at) {
+T field(const std::string& block, std::size_t at) {
     T value;
     std::memcpy(&value, block.data() + at, sizeof value);
     return value;
 }
 
-const std::map<std::int32_t, std::pair<std::string, std::string>> products = {
+const std::map<std::int32_t, std::pair<std::string, std::string>> kProducts = {
     {1400, {"Tamblor", "com.korvane.audioplugins.Tamblor"}},
     {3100, {"Korvane Restora", "com.korvane.audioapps.Restora"}},
     {3500, {"Meridian4", "com.korvane.audioplugins.Meridian4"}},
@@ -31,60 +31,60 @@ const std::map<std::int32_t, std::pair<std::string, std::string>> products = {
     {5000, {"TCL", "com.korvane.tonecleanser"}},
     {4900, {"Fusewright", "com.korvane.audioplugins.Fusewright"}},
 };
-const std::map<std::int32_t, std::string> languages = {
+const std::map<std::int32_t, std::string> kLanguages = {
     {1, "fr"}, {2, "de"}, {3, "it"}, {6, "es"}, {11, "ja"}};
 
 /// "DOMAIN KEY VALUE" of each preference, in order.
-std::string ExpectedPreferences(const std::string& block) {
-    if (Field<std::int16_t>(block, 0) != 1000) return {};
-    const auto product = products.find(Field<std::int32_t>(block, 4));
-    if (product == products.end()) return {};
+std::string expectedPreferences(const std::string& block) {
+    if (field<std::int16_t>(block, 0) != 1000) return {};
+    const auto product = kProducts.find(field<std::int32_t>(block, 4));
+    if (product == kProducts.end()) return {};
     const auto& [name, domain] = product->second;
-    if (Field<std::int16_t>(block, 2) == 2) {
+    if (field<std::int16_t>(block, 2) == 2) {
         return "\"com.korvane.updater\" \"InstalledProducts/" + name + "/CurrentVersion\" \"1.73\"\n";
     }
-    if (Field<std::int16_t>(block, 2) != 3) return {};
-    const auto language = languages.find(Field<std::int32_t>(block, 610));
+    if (field<std::int16_t>(block, 2) != 3) return {};
+    const auto language = kLanguages.find(field<std::int32_t>(block, 610));
     return "\"com.korvane.updater\" \"UpdateInterval\" 2\n\"" + domain + "\" \"Lang\" \"" +
-           (language == languages.end() ? "en" : language->second) + "\"\n";
+           (language == kLanguages.end() ? "en" : language->second) + "\"\n";
 }
 
-std::string seen;
-bool showedAlert = false;
+std::string gSeen;
+bool gShowedAlert = false;
 
 /// Preferences are told and never stored: the volume stays empty.
-void Watch() {
-    static std::string folder = "/dev/shm/volume-XXXXXX";
-    static const bool made = mkdtemp(folder.data()) && macplatform::SetStartupVolume(folder);
+void watch() {
+    static std::string gFolder = "/dev/shm/volume-XXXXXX";
+    static const bool made = mkdtemp(gFolder.data()) && macplatform::SetStartupVolume(gFolder);
     Require(made, "there is a place for the volume");
-    std::atexit([] { rmdir(folder.c_str()); });
+    std::atexit([] { rmdir(gFolder.c_str()); });
     macplatform::SetJournalObserver([](const macplatform::JournalEntry& entry) {
         if (entry.call == "CFPreferencesSetValue") {
-            seen += entry.arguments.at(2) + ' ' + entry.arguments.at(0) + ' ' + entry.arguments.at(1) + '\n';
+            gSeen += entry.arguments.at(2) + ' ' + entry.arguments.at(0) + ' ' + entry.arguments.at(1) + '\n';
         }
-        showedAlert = showedAlert || entry.call == "StopAlert" || entry.call == "objc_msgSend";
+        gShowedAlert = gShowedAlert || entry.call == "StopAlert" || entry.call == "objc_msgSend";
     });
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool watching = (Watch(), true);
+    static const bool watching = (watch(), true);
     static_cast<void>(watching);
     std::string block(Bytes(data, size));
     block.resize(sizeof(XCodParamBlock) + 3, '\x5A');
     const std::string before = block;
-    seen.clear();
-    showedAlert = false;
+    gSeen.clear();
+    gShowedAlert = false;
     for (int i = 0; i < 3; ++i) macplatform::OrderFault({"CFPreferencesSynchronize"});
 
     XCodMain(reinterpret_cast<XCodParamBlock*>(block.data()));
     macplatform::CancelFaults();
 
     std::string expected = before;
-    if (Field<std::int16_t>(before, 0) != 1000) expected[8] = static_cast<char>(expected[8] | 1);
+    if (field<std::int16_t>(before, 0) != 1000) expected[8] = static_cast<char>(expected[8] | 1);
     RequireEqual(block, expected, "nothing but the error bit changes");
-    RequireEqual(seen, ExpectedPreferences(before), "the preferences that the block asks for");
-    Require(!showedAlert, "the dispatch shows nothing");
+    RequireEqual(gSeen, expectedPreferences(before), "the preferences that the block asks for");
+    Require(!gShowedAlert, "the dispatch shows nothing");
     return 0;
 }

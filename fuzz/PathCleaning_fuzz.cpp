@@ -10,7 +10,7 @@
 
 namespace {
 
-std::vector<std::string> Split(const std::string& text) {
+std::vector<std::string> split(const std::string& text) {
     std::vector<std::string> names(1);
     for (const char c : text) {
         if (c == '/') {
@@ -23,7 +23,7 @@ std::vector<std::string> Split(const std::string& text) {
 }
 
 /// Runs of separators made one, and the run at the very start two.
-std::string Collapsed(const std::string& text) {
+std::string collapsed(const std::string& text) {
     std::string kept;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool isDoubled = text[i] == '/' && i > 0 && text[i - 1] == '/';
@@ -32,11 +32,11 @@ std::string Collapsed(const std::string& text) {
     return kept;
 }
 
-std::string Cleaned(std::string text) {
+std::string cleaned(std::string text) {
     std::replace(text.begin(), text.end(), '\\', '/');
     while (text.size() > 1 && text.back() == '/') text.pop_back();
     if (text.empty() || text == "/") return text;
-    std::vector<std::string> names = Split(Collapsed(text));
+    std::vector<std::string> names = split(collapsed(text));
     for (std::size_t i = 0; i < names.size();) {
         if (i > 0 && BeforeNul(names[i]) == "..") {
             names.erase(names.begin() + static_cast<std::ptrdiff_t>(i) - 1,
@@ -50,39 +50,39 @@ std::string Cleaned(std::string text) {
     return joined;
 }
 
-std::string Canonical(const std::string& text) {
-    std::string canonical = Cleaned(text) + "/";
+std::string canonicalOf(const std::string& text) {
+    std::string canonical = cleaned(text) + "/";
     while (canonical.size() >= 2 && canonical.substr(canonical.size() - 2) == "//") canonical.pop_back();
     return canonical;
 }
 
-std::string Key(const std::string& text) {
-    std::string key(BeforeNul(Canonical(text)));
+std::string keyOf(const std::string& text) {
+    std::string key(BeforeNul(canonicalOf(text)));
     for (char& c : key) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
     return key;
 }
 
-std::string WithoutTrailing(std::string text) {
+std::string withoutTrailing(std::string text) {
     while (!text.empty() && (text.back() == '/' || text.back() == '\\')) text.pop_back();
     return text;
 }
 
-std::string LastName(const std::string& text) {
-    const std::string stem = WithoutTrailing(text);
+std::string lastName(const std::string& text) {
+    const std::string stem = withoutTrailing(text);
     const std::size_t place = stem.find_last_of("/\\");
     if (place != stem.npos) return stem.substr(place + 1);
     return stem.size() >= 2 && stem[1] == ':' ? stem.substr(2) : stem;
 }
 
-std::string FolderOf(const std::string& text) {
-    const std::string stem = WithoutTrailing(text);
+std::string folderOf(const std::string& text) {
+    const std::string stem = withoutTrailing(text);
     const std::size_t place = stem.find_last_of("/\\");
     if (place == stem.npos) return stem.size() >= 2 && stem[1] == ':' ? stem.substr(0, 2) + "/" : ".";
     if (place == 0) return "/";
     return place == 2 && stem[1] == ':' ? stem.substr(0, 3) : stem.substr(0, place);
 }
 
-void CheckOne(const std::string& text) {
+void checkOne(const std::string& text) {
     const FilePath file(TextOf(text), false);
     const FolderPath folder(TextOf(text), false);
     const std::string inside = BytesOf(file.GetInternal());
@@ -94,17 +94,17 @@ void CheckOne(const std::string& text) {
         RequireEqual(inside, text, "an absolute path is kept");
     Require(inside.size() >= text.size() || text[0] == '~', "making a path absolute drops nothing");
 
-    const std::string clean = Canonical(inside);
+    const std::string clean = canonicalOf(inside);
     RequireEqual(BytesOf(file.ToString()), clean.substr(0, clean.size() - 1), "the clean form of a file");
-    RequireEqual(BytesOf(folder.ToString()), Canonical(BytesOf(folder.GetInternal())),
+    RequireEqual(BytesOf(folder.ToString()), canonicalOf(BytesOf(folder.GetInternal())),
                  "the clean form of a folder");
 
-    const std::string name = LastName(inside);
+    const std::string name = lastName(inside);
     const std::size_t dot = name.rfind('.');
     RequireEqual(BytesOf(file.GetFilename()), name, "the last name");
     RequireEqual(BytesOf(file.GetExtension()), dot == name.npos ? "" : name.substr(dot + 1), "the extension");
     RequireEqual(BytesOf(file.GetBaseName()), name.substr(0, dot), "the base name");
-    const FolderPath expectedFolder(TextOf(FolderOf(inside)), false);
+    const FolderPath expectedFolder(TextOf(folderOf(inside)), false);
     RequireEqual(BytesOf(file.GetFolder().GetInternal()), BytesOf(expectedFolder.GetInternal()),
                  "its folder");
 
@@ -112,14 +112,14 @@ void CheckOne(const std::string& text) {
     if (folder.IsTopLevel()) {
         Require(folder.GetParent().IsEmpty(), "nothing lies above the top");
     } else if (!isTop) {
-        RequireEqual(BytesOf(folder.GetFolderName()), LastName(BytesOf(folder.GetInternal())),
+        RequireEqual(BytesOf(folder.GetFolderName()), lastName(BytesOf(folder.GetInternal())),
                      "a folder's name");
     }
 }
 
-void CheckOrder(const std::string& left, const std::string& right) {
+void checkOrder(const std::string& left, const std::string& right) {
     const FilePath a(TextOf(left), false), b(TextOf(right), false);
-    const int order = Key(BytesOf(a.GetInternal())).compare(Key(BytesOf(b.GetInternal())));
+    const int order = keyOf(BytesOf(a.GetInternal())).compare(keyOf(BytesOf(b.GetInternal())));
     Require((a == b) == (order == 0), "equal as their keys are");
     Require((a < b) == (order < 0) && (b < a) == (order > 0), "sorted as their keys are");
     Require((a <= b) == (order <= 0), "not after, as their keys are");
@@ -131,7 +131,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes(Bytes(data, size));
     const std::size_t line = bytes.find('\n');
     const std::string left = bytes.substr(0, line);
-    CheckOne(left);
-    if (line != bytes.npos) CheckOrder(left, bytes.substr(line + 1));
+    checkOne(left);
+    if (line != bytes.npos) checkOrder(left, bytes.substr(line + 1));
     return 0;
 }

@@ -58,47 +58,47 @@ private:
     std::string seen, text;
 };
 
-std::string ElementName(const PropertyValue& value) {
-    return value.kind == PropertyValue::Kind::Boolean ? value.text : value.KindName();
+std::string elementName(const PropertyValue& value) {
+    return value.kind == PropertyValue::Kind::kBoolean ? value.text : value.KindName();
 }
 
-void AppendOutline(const PropertyValue& value, std::string& outline) {
-    const std::string name = ElementName(value);
+void appendOutline(const PropertyValue& value, std::string& outline) {
+    const std::string name = elementName(value);
     outline += '<' + name + '>';
-    if (value.kind == PropertyValue::Kind::Text) outline += value.text;
-    for (const PropertyValue& item : value.items) AppendOutline(item, outline);
+    if (value.kind == PropertyValue::Kind::kText) outline += value.text;
+    for (const PropertyValue& item : value.items) appendOutline(item, outline);
     for (std::size_t i = 0; i < value.keys.size(); ++i) {
         outline += "<key>" + value.keys[i] + "</key>";
-        AppendOutline(value.values[i], outline);
+        appendOutline(value.values[i], outline);
     }
     outline += "</" + name + '>';
 }
 
-void CheckXml(const std::string& bytes, const PropertyValue& root) {
+void checkXml(const std::string& bytes, const PropertyValue& root) {
     std::string seen, expected;
     Require(Outline::Of(bytes, expected), "what is taken is well-formed XML");
-    AppendOutline(root, seen);
+    appendOutline(root, seen);
     if (expected.compare(0, 7, "<plist>") == 0) seen = "<plist>" + seen + "</plist>";
     RequireEqual(seen, expected, "the elements and texts that the XML library sees");
 }
 
 /// The parser writes no dates before the year 1000 that it would read again.
-bool HoldsDate(const PropertyValue& value) {
-    return value.kind == PropertyValue::Kind::Date ||
-           std::any_of(value.items.begin(), value.items.end(), HoldsDate) ||
-           std::any_of(value.values.begin(), value.values.end(), HoldsDate);
+bool holdsDate(const PropertyValue& value) {
+    return value.kind == PropertyValue::Kind::kDate ||
+           std::any_of(value.items.begin(), value.items.end(), holdsDate) ||
+           std::any_of(value.values.begin(), value.values.end(), holdsDate);
 }
 
 /// The list with one key more, which binary lists take whatever else they hold.
-void CheckEdit(const std::string& list, PropertyValue root) {
-    if (root.kind != PropertyValue::Kind::Dictionary || root.Find("added")) return;
+void checkEdit(const std::string& list, PropertyValue root) {
+    if (root.kind != PropertyValue::Kind::kDictionary || root.Find("added")) return;
     const auto edited = macplatform::EditBinaryList(list, {{"added", macplatform::BooleanObject(true)}});
     if (!edited) return; // who edits such a list leaves the file as it is
     std::string error;
     const auto again = ParsePropertyList(*edited, error);
     Require(again != nullptr, "an edited list can be read");
     PropertyValue value;
-    value.kind = PropertyValue::Kind::Boolean;
+    value.kind = PropertyValue::Kind::kBoolean;
     value.text = "true";
     value.integer = 1;
     root.keys.push_back("added");
@@ -119,10 +119,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require((tree == nullptr) == !error.empty(), "no list has a reason");
     if (!tree) return 0;
     const PropertyValue root = ValueOf(tree.get());
-    CheckEdit(list, root);
-    if (FormatOf(bytes) == PropertyListFormat::Binary) return 0;
-    CheckXml(bytes, root);
-    if (bytes.find("&#") != bytes.npos || HoldsDate(root))
+    checkEdit(list, root);
+    if (FormatOf(bytes) == PropertyListFormat::kBinary) return 0;
+    checkXml(bytes, root);
+    if (bytes.find("&#") != bytes.npos || holdsDate(root))
         return 0; // who rewrites such a list compares, and leaves the file as it is
 
     const auto again = ParsePropertyList(XmlFormOf(list), error);

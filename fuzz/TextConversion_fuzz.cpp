@@ -38,7 +38,7 @@ private:
     iconv_t state;
 };
 
-std::vector<unsigned short> UnitsOf(const std::string& littleEndian) {
+std::vector<unsigned short> unitsOf(const std::string& littleEndian) {
     std::vector<unsigned short> units(littleEndian.size() / 2);
     for (std::size_t i = 0; i < units.size(); ++i) {
         units[i] = static_cast<unsigned short>(static_cast<unsigned char>(littleEndian[2 * i]) |
@@ -49,12 +49,12 @@ std::vector<unsigned short> UnitsOf(const std::string& littleEndian) {
 
 /// UTF-8 as the Mac reads it: the C library's way, without a first byte order mark, and with a stray A9 as
 /// U+FFFD.
-std::optional<std::string> Utf16Of(std::string bytes) {
-    static Conversion conversion("UTF-16LE", "UTF-8");
+std::optional<std::string> utf16Of(std::string bytes) {
+    static Conversion gConversion("UTF-16LE", "UTF-8");
     if (bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) bytes.erase(0, 3);
     std::string units, rest;
     for (;;) {
-        units += conversion.Convert(bytes, rest);
+        units += gConversion.Convert(bytes, rest);
         if (rest.empty()) return units;
         if (rest.front() != '\xA9') return std::nullopt;
         units += "\xFD\xFF";
@@ -62,25 +62,25 @@ std::optional<std::string> Utf16Of(std::string bytes) {
     }
 }
 
-void CheckBytes(const std::string& bytes) {
+void checkBytes(const std::string& bytes) {
     const std::string read(BeforeNul(bytes));
-    const auto expected = Utf16Of(read);
+    const auto expected = utf16Of(read);
     const shared_array<unsigned short> seen = TextOf(bytes).Unicode(1);
     Require(static_cast<bool>(seen) == expected.has_value(), "UTF-8 is taken exactly when it is valid");
     if (!expected) return;
-    const std::vector<unsigned short> units = UnitsOf(*expected);
+    const std::vector<unsigned short> units = unitsOf(*expected);
     for (std::size_t i = 0; i < units.size(); ++i) Require(seen[i] == units[i], "the same UTF-16");
     Require(seen[units.size()] == 0, "ended by a 0");
 }
 
-void CheckUnits(const std::string& bytes) {
-    static Conversion conversion("UTF-8", "UTF-16LE");
-    std::vector<unsigned short> units = UnitsOf(bytes);
+void checkUnits(const std::string& bytes) {
+    static Conversion gConversion("UTF-8", "UTF-16LE");
+    std::vector<unsigned short> units = unitsOf(bytes);
     units.push_back(0);
     std::size_t count = 0;
     while (units[count] != 0) ++count;
     std::string rest;
-    const std::string expected = conversion.Convert(bytes.substr(0, 2 * count), rest);
+    const std::string expected = gConversion.Convert(bytes.substr(0, 2 * count), rest);
     const String text(units.data(), 1);
     RequireEqual(BytesOf(text), rest.empty() ? expected : "", "UTF-16 to UTF-8, or nothing from half a pair");
 
@@ -95,7 +95,7 @@ void CheckUnits(const std::string& bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(Bytes(data, size));
-    CheckBytes(bytes);
-    CheckUnits(bytes);
+    checkBytes(bytes);
+    checkUnits(bytes);
     return 0;
 }

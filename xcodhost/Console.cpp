@@ -14,7 +14,7 @@ namespace xcodhost {
 
 namespace {
 
-bool WriteAll(int descriptor, const std::string& text) {
+bool writeAll(int descriptor, const std::string& text) {
     std::size_t written = 0;
     while (written < text.size()) {
         const ssize_t count = write(descriptor, text.data() + written, text.size() - written);
@@ -38,12 +38,12 @@ void PrepareStandardStreams() {
 }
 
 void WriteResult(const std::string& text) {
-    if (!WriteAll(STDOUT_FILENO, text) && errno != EPIPE) {
+    if (!writeAll(STDOUT_FILENO, text) && errno != EPIPE) {
         throw ToolFault::FromErrno("the result cannot be written to standard output");
     }
 }
 
-void WriteError(const std::string& text) { WriteAll(STDERR_FILENO, text); }
+void WriteError(const std::string& text) { writeAll(STDERR_FILENO, text); }
 
 void Note(const std::string& line) { WriteError("xcodhost: " + Printable(line) + '\n'); }
 

@@ -7,14 +7,14 @@ namespace xcodhost {
 
 namespace {
 
-std::string Digits(std::uint32_t value, int count) {
+std::string hexDigits(std::uint32_t value, int count) {
     std::string text;
     for (int place = count - 1; place >= 0; --place) text += "0123456789ABCDEF"[value >> (4 * place) & 15];
     return text;
 }
 
 /// Bytes of the well-formed UTF-8 character that `text` begins with; 0 when there is none.
-std::size_t CharacterLength(std::string_view text) {
+std::size_t characterLength(std::string_view text) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char lead = byte(0);
     if (lead < 0x80) return 1;
@@ -30,12 +30,12 @@ std::size_t CharacterLength(std::string_view text) {
 }
 
 /// U+0000 to U+001F, U+007F to U+009F: a terminal obeys these.
-bool IsControl(std::string_view character) {
+bool isControl(std::string_view character) {
     const auto lead = static_cast<unsigned char>(character[0]);
     return lead < 0x20 || lead == 0x7F || (lead == 0xC2 && static_cast<unsigned char>(character[1]) < 0xA0);
 }
 
-void AppendEscaped(std::string& out, std::string_view bytes) {
+void appendEscaped(std::string& out, std::string_view bytes) {
     for (const char c : bytes) {
         switch (c) {
         case '\r':
@@ -48,7 +48,7 @@ void AppendEscaped(std::string& out, std::string_view bytes) {
             out += "\\t";
             break;
         default:
-            (out += "\\x") += Digits(static_cast<unsigned char>(c), 2);
+            (out += "\\x") += hexDigits(static_cast<unsigned char>(c), 2);
         }
     }
 }
@@ -59,10 +59,10 @@ std::string Printable(std::string_view text) {
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
-        const std::size_t length = CharacterLength(text);
+        const std::size_t length = characterLength(text);
         const std::string_view character = text.substr(0, length == 0 ? 1 : length);
-        if (length == 0 || IsControl(character)) {
-            AppendEscaped(out, character);
+        if (length == 0 || isControl(character)) {
+            appendEscaped(out, character);
         } else {
             out += character;
         }
@@ -73,7 +73,7 @@ std::string Printable(std::string_view text) {
 
 std::string PrintableQuoted(std::string_view text) { return '"' + Printable(text) + '"'; }
 
-std::string Hex(std::uint32_t value, int digits) { return "0x" + Digits(value, digits); }
+std::string Hex(std::uint32_t value, int digits) { return "0x" + hexDigits(value, digits); }
 
 std::string Counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");

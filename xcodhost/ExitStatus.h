@@ -8,13 +8,13 @@
 namespace xcodhost {
 
 enum class ExitStatus {
-    Done = 0,
-    Failed = 1,    ///< The plug-in set an error bit, or a check failed.
-    Usage = 2,     ///< Wrong usage: nothing was started and nothing written.
-    NotLoaded = 3, ///< The bundle cannot be loaded.
-    Crashed = 4,   ///< The bundle crashed, ended the process or let an exception out.
-    TimeLimit = 5,
-    ToolFault = 70, ///< The tool could not do its own work.
+    kDone = 0,
+    kFailed = 1,    ///< The plug-in set an error bit, or a check failed.
+    kUsage = 2,     ///< Wrong usage: nothing was started and nothing written.
+    kNotLoaded = 3, ///< The bundle cannot be loaded.
+    kCrashed = 4,   ///< The bundle crashed, ended the process or let an exception out.
+    kTimeLimit = 5,
+    kToolFault = 70, ///< The tool could not do its own work.
 };
 
 /// What `main` says on one line of standard error before it ends with `status`.
@@ -26,11 +26,11 @@ public:
 };
 
 struct UsageError : Refusal {
-    explicit UsageError(const std::string& text) : Refusal(ExitStatus::Usage, text) {}
+    explicit UsageError(const std::string& text) : Refusal(ExitStatus::kUsage, text) {}
 };
 
 struct ToolFault : Refusal {
-    explicit ToolFault(const std::string& text) : Refusal(ExitStatus::ToolFault, text) {}
+    explicit ToolFault(const std::string& text) : Refusal(ExitStatus::kToolFault, text) {}
     /// The action that the system refused, and errno's reason.
     static ToolFault FromErrno(const std::string& action);
 };

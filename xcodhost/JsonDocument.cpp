@@ -9,9 +9,9 @@ std::string DumpDocument(const Json& document) {
 }
 
 std::string ErrorDocument(ExitStatus status, const std::string& message) {
-    const char* kind = status == ExitStatus::Usage       ? "usage"
-                       : status == ExitStatus::NotLoaded ? "not-loaded"
-                                                         : "tool";
+    const char* kind = status == ExitStatus::kUsage       ? "usage"
+                       : status == ExitStatus::kNotLoaded ? "not-loaded"
+                                                          : "tool";
     return DumpDocument(
         {{"error", {{"kind", kind}, {"message", message}}}, {"exitStatus", static_cast<int>(status)}});
 }
@@ -19,17 +19,17 @@ std::string ErrorDocument(ExitStatus status, const std::string& message) {
 Json ValueJson(const PropertyValue& value) {
     Json plain;
     switch (value.kind) {
-    case PropertyValue::Kind::Boolean:
+    case PropertyValue::Kind::kBoolean:
         plain = value.integer != 0;
         break;
-    case PropertyValue::Kind::Integer:
+    case PropertyValue::Kind::kInteger:
         plain = value.integer;
         break;
-    case PropertyValue::Kind::Array:
+    case PropertyValue::Kind::kArray:
         plain = Json::array();
         for (const PropertyValue& item : value.items) plain.push_back(ValueJson(item));
         break;
-    case PropertyValue::Kind::Dictionary:
+    case PropertyValue::Kind::kDictionary:
         plain = Json::object();
         for (std::size_t i = 0; i < value.keys.size(); ++i) {
             // Appended: looking for each key first, as operator[] does, takes quadratic time.

@@ -22,7 +22,7 @@ using namespace xcodhost;
 struct Execute {
     ExitStatus operator()(const HelpText& help) const {
         WriteResult(help.text);
-        return ExitStatus::Done;
+        return ExitStatus::kDone;
     }
     ExitStatus operator()(const RunOptions& options) const { return RunCommand(options); }
     ExitStatus operator()(const ValidateOptions& options) const { return ValidateCommand(options); }
@@ -35,12 +35,12 @@ struct Execute {
 
 /// Asked before the arguments are understood: the process for the work shall begin with as little as there is
 /// to copy. One word too many means one process too many, and nothing else.
-bool MayRunBundles(int argc, const char* const* argv) {
+bool mayRunBundles(int argc, const char* const* argv) {
     return std::any_of(argv, argv + argc,
                        [](std::string_view argument) { return argument == "run" || argument == "validate"; });
 }
 
-int Refused(ExitStatus status, const std::string& text, bool isJson) {
+int refused(ExitStatus status, const std::string& text, bool isJson) {
     Note(text);
     try {
         if (isJson) WriteResult(ErrorDocument(status, text));
@@ -51,15 +51,15 @@ int Refused(ExitStatus status, const std::string& text, bool isJson) {
 
 /// `work`, with what it throws put into words.
 template <typename Work>
-int Guarded(bool isJson, Work work) {
+int guarded(bool isJson, Work work) {
     try {
         return work();
     } catch (const Interrupted& interrupted) {
         DieOf(interrupted.signal);
     } catch (const Refusal& refusal) {
-        return Refused(refusal.status, refusal.what(), isJson);
+        return refused(refusal.status, refusal.what(), isJson);
     } catch (const std::exception& fault) {
-        return Refused(ExitStatus::ToolFault, fault.what(), isJson);
+        return refused(ExitStatus::kToolFault, fault.what(), isJson);
     }
 }
 
@@ -69,8 +69,8 @@ int main(int argc, char** argv) {
     PrepareStandardStreams();
     const bool isJson = WantsJson(argc, argv);
     const auto work = [&] {
-        return Guarded(isJson,
+        return guarded(isJson,
                        [&] { return static_cast<int>(std::visit(Execute(), ParseCommandLine(argc, argv))); });
     };
-    return MayRunBundles(argc, argv) ? Guarded(isJson, [&] { return RunInWorker(work); }) : work();
+    return mayRunBundles(argc, argv) ? guarded(isJson, [&] { return RunInWorker(work); }) : work();
 }

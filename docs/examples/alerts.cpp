@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-static const char* AskToKeep(const String& name) {
+static const char* askToKeep(const String& name) {
     bool cancelled = false;
     const String question = String("Replace \"%1\"?").Arg(name);
     if (UI::Native::MessageYesNoCancel(cancelled, nullptr, "Export", question,
@@ -22,5 +22,5 @@ int main() {
         for (const std::string& button : alert.buttons) std::printf(" [%s]", button.c_str());
         return answer;
     });
-    for (answer = 0; answer < 4; ++answer) std::printf(" -> %s\n", AskToKeep("Warm.fxp"));
+    for (answer = 0; answer < 4; ++answer) std::printf(" -> %s\n", askToKeep("Warm.fxp"));
 }

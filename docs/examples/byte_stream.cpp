@@ -4,11 +4,11 @@
 
 #include <cstdio>
 
-static void WritePreset(Util::DataStream& out) {
+static void writePreset(Util::DataStream& out) {
     out << static_cast<unsigned short>(2) << true << String("Warm") << -3.5f << 44100L;
 }
 
-static void Dump(const char* what, Util::ByteStream& stream) {
+static void dump(const char* what, Util::ByteStream& stream) {
     std::printf("%-6s", what);
     stream.SetPosition(0);
     while (!stream.AtEnd())
@@ -19,10 +19,10 @@ static void Dump(const char* what, Util::ByteStream& stream) {
 int main() {
     Util::ByteStream little(32), big(32);
     big.SetEndianType(Util::DataStream::EndianBig);
-    WritePreset(little);
-    WritePreset(big);
-    Dump("little", little);
-    Dump("big", big);
+    writePreset(little);
+    writePreset(big);
+    dump("little", little);
+    dump("big", big);
 
     unsigned short version = 0;
     bool bypass = false;

@@ -6,14 +6,14 @@
 #include <cstdio>
 #include <vector>
 
-static void Write(const FilePath& path, const String& text) {
+static void writeText(const FilePath& path, const String& text) {
     Util::File file(path);
     file.Open(Util::File::Write); // creates the file or empties it
     file.WriteBlock(text.Latin1(), text.GetLength());
     file.Close(); // unlike the destructor, Close reports a full disk
 }
 
-static String Read(const FilePath& path) {
+static String readText(const FilePath& path) {
     Util::File file(path);
     file.Open(Util::File::Read);
     std::vector<char> bytes(static_cast<unsigned int>(file.Size()));
@@ -24,16 +24,16 @@ static String Read(const FilePath& path) {
 int main() {
     const FolderPath folder("presets.example/Old", false); // in the working directory
     Util::Dir(folder).Create(true);
-    Write(folder + "draft.txt", "one");
-    Write(folder + "Notes.txt", "two words");
+    writeText(folder + "draft.txt", "one");
+    writeText(folder + "Notes.txt", "two words");
     Util::File::Rename(folder + "draft.txt", folder + "notes-2.txt");
 
     std::vector<String> names;
     Util::Dir(folder).GetFilenames(names, "notes*.txt", false, false);
-    for (const String& name : names) std::printf("%s: %s\n", name.Latin1(), Read(folder + name).Latin1());
+    for (const String& name : names) std::printf("%s: %s\n", name.Latin1(), readText(folder + name).Latin1());
 
     try {
-        Read(folder + "missing.txt");
+        readText(folder + "missing.txt");
     } catch (const Util::Exception::FileIO& failure) {
         const String name = failure.GetFilePath().GetFilename();
         std::printf("%s: %s (%s, errno %d)\n", name.Latin1(), failure.GetMessageText().Latin1(),

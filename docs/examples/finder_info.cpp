@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
-static bool Hide(const char* path) {
+static bool hide(const char* path) {
     FSRef item;
     if (FSPathMakeRef(reinterpret_cast<const UInt8*>(path), &item, nullptr) != noErr) return false;
     FSCatalogInfo info;
@@ -26,7 +26,7 @@ int main() {
     std::fclose(item);
 
     macplatform::RefuseExtendedAttributes(true); // even if this file system has them
-    if (!Hide("notes.example")) return 1;
+    if (!hide("notes.example")) return 1;
 
     std::FILE* const sidecar = std::fopen("._notes.example", "rb");
     if (!sidecar) return 1;

@@ -3,25 +3,25 @@
 
 #include <cstdio>
 
-static void Show(const char* what, const String& text) { std::printf("%-10s %s\n", what, text.Latin1()); }
+static void show(const char* what, const String& text) { std::printf("%-10s %s\n", what, text.Latin1()); }
 
 int main() {
     const FilePath preset("/Users/Ada//Presets\\..\\Presets/Warm.Room.fxp", false);
-    Show("given", preset.GetInternal());
-    Show("clean", preset.ToString());
-    Show("name", preset.GetFilename());
-    Show("base", preset.GetBaseName());
-    Show("extension", preset.GetExtension());
+    show("given", preset.GetInternal());
+    show("clean", preset.ToString());
+    show("name", preset.GetFilename());
+    show("base", preset.GetBaseName());
+    show("extension", preset.GetExtension());
 
     const FolderPath folder = preset.GetFolder();
-    Show("folder", folder.ToString());
-    Show("parent", folder.GetParent().ToString());
-    Show("backup", (folder + (preset.GetBaseName() + ".bak")).ToString());
+    show("folder", folder.ToString());
+    show("parent", folder.GetParent().ToString());
+    show("backup", (folder + (preset.GetBaseName() + ".bak")).ToString());
 
     // Comparisons ignore the case of ASCII letters, as the Mac's own volumes do.
     const bool same = preset == FilePath("/users/ada/PRESETS/warm.room.FXP", false);
     std::printf("%-10s %s\n", "same file", same ? "yes" : "no");
 
     // Of two ".." in a row only the first removes a name.
-    Show("two ..", FilePath("/a/b/../../c", false).ToString());
+    show("two ..", FilePath("/a/b/../../c", false).ToString());
 }

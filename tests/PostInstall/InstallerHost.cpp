@@ -62,7 +62,7 @@ InstallerHost::InstallerHost() {
         if (!effect.empty()) effects.push_back(effect);
     });
     macplatform::SetAlertPresenter([this](const macplatform::Alert& alert) {
-        const bool isStop = alert.kind == macplatform::Alert::Kind::Stop;
+        const bool isStop = alert.kind == macplatform::Alert::Kind::kStop;
         effects.push_back(isStop ? "stop " + std::to_string(alert.resource) : "alert " + alert.message);
         return isStop ? -1 : 0;
     });

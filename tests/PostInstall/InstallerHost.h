@@ -37,8 +37,8 @@ protected:
     Texts Preferences(const std::string& domain) const;
     std::string OnVolume(const std::string& macPath) const { return volume.Path().string() + macPath; }
 
-    static constexpr CFUUIDBytes plugInType = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 0x4C, 0xA2,
-                                               0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8};
+    static constexpr CFUUIDBytes kPlugInType = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 0x4C, 0xA2,
+                                                0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8};
 
     TemporaryFolder volume;
     Texts effects; ///< One line each: values set, synchronisations, files opened, alerts, Finder flags.

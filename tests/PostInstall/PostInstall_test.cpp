@@ -31,15 +31,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* statusFile = "/Library/Application Support/Korvane/Updater/install_status.txt";
-constexpr const char* folder = "/Applications/Korvane";
-constexpr const char* icon = "/Applications/Korvane/Icon\r";
-constexpr const char* updater = "com.korvane.updater";
-const std::string anyUser = ", kCFPreferencesAnyUser, kCFPreferencesCurrentHost";
+constexpr const char* kStatusFile = "/Library/Application Support/Korvane/Updater/install_status.txt";
+constexpr const char* kFolder = "/Applications/Korvane";
+constexpr const char* kIcon = "/Applications/Korvane/Icon\r";
+constexpr const char* kUpdater = "com.korvane.updater";
+const std::string kAnyUser = ", kCFPreferencesAnyUser, kCFPreferencesCurrentHost";
 
 class PostInstallStep : public InstallerHost {
 protected:
-    void WriteStatus(const std::string& text) { volume.Write(statusFile + 1, text); }
+    void WriteStatus(const std::string& text) { volume.Write(kStatusFile + 1, text); }
 
     void MakeItem(const std::string& path, bool isFolder, UInt16 flags) {
         if (isFolder) {
@@ -57,52 +57,52 @@ protected:
 
 TEST_F(PostInstallStep, WorksInOrder) {
     WriteStatus("UpdatesEnabled");
-    MakeItem(folder, true, 0);
-    MakeItem(icon, false, 0);
+    MakeItem(kFolder, true, 0);
+    MakeItem(kIcon, false, 0);
     EXPECT_EQ(Deliver({3, 4900, 11}), 0U);
     EXPECT_EQ(effects, (Texts{"fopen \"/Library/Application Support/Korvane/Updater/install_status.txt\"",
-                              "set \"com.korvane.updater\" \"UpdateInterval\" = 2" + anyUser,
-                              "synchronize \"com.korvane.updater\"" + anyUser,
-                              "set \"com.korvane.audioplugins.Fusewright\" \"Lang\" = \"ja\"" + anyUser,
-                              "synchronize \"com.korvane.audioplugins.Fusewright\"" + anyUser,
+                              "set \"com.korvane.updater\" \"UpdateInterval\" = 2" + kAnyUser,
+                              "synchronize \"com.korvane.updater\"" + kAnyUser,
+                              "set \"com.korvane.audioplugins.Fusewright\" \"Lang\" = \"ja\"" + kAnyUser,
+                              "synchronize \"com.korvane.audioplugins.Fusewright\"" + kAnyUser,
                               "FSSetCatalogInfo \"/Applications/Korvane\"",
                               "FSSetCatalogInfo \"/Applications/Korvane/Icon\\r\""}));
-    EXPECT_EQ(Preferences(updater), Texts{"UpdateInterval = 2"});
+    EXPECT_EQ(Preferences(kUpdater), Texts{"UpdateInterval = 2"});
     EXPECT_EQ(Preferences("com.korvane.audioplugins.Fusewright"), Texts{"Lang = \"ja\""});
-    EXPECT_EQ(Flags(folder), 0x0400);
-    EXPECT_EQ(Flags(icon), 0x4000);
+    EXPECT_EQ(Flags(kFolder), 0x0400);
+    EXPECT_EQ(Flags(kIcon), 0x4000);
 }
 
-constexpr const char* enabled = "UpdateInterval = 2";
-constexpr const char* disabled = "UpdateInterval = 0";
+constexpr const char* kEnabled = "UpdateInterval = 2";
+constexpr const char* kDisabled = "UpdateInterval = 0";
 
 TEST_F(PostInstallStep, StatusTextDecidesTheInterval) {
     const std::pair<std::string, const char*> rows[] = {
-        {"UpdatesEnabled", enabled},
-        {"updatesenabled", disabled},
-        {"UpdatesEnabled\r\n", enabled},
-        {"UpdatesEnable", disabled},
-        {"UpdatesEnabled=no", enabled},
-        {"", disabled},
-        {std::string("UpdatesEnabled\0\xFF", 16), enabled},
-        {std::string("Updates\0Enabled", 15), disabled},
-        {" UpdatesEnabled", disabled},
-        {"\xFF\xFE\x80", disabled},
+        {"UpdatesEnabled", kEnabled},
+        {"updatesenabled", kDisabled},
+        {"UpdatesEnabled\r\n", kEnabled},
+        {"UpdatesEnable", kDisabled},
+        {"UpdatesEnabled=no", kEnabled},
+        {"", kDisabled},
+        {std::string("UpdatesEnabled\0\xFF", 16), kEnabled},
+        {std::string("Updates\0Enabled", 15), kDisabled},
+        {" UpdatesEnabled", kDisabled},
+        {"\xFF\xFE\x80", kDisabled},
     };
     for (const auto& [text, interval] : rows) {
         WriteStatus(text);
         EXPECT_EQ(Deliver({3}), 0U);
-        EXPECT_EQ(Preferences(updater), Texts{interval}) << text;
+        EXPECT_EQ(Preferences(kUpdater), Texts{interval}) << text;
     }
 }
 
 TEST_F(PostInstallStep, MissingStatusFileMeansTheDefault) {
     EXPECT_EQ(Deliver({3}), 0U);
-    EXPECT_EQ(Preferences(updater), Texts{enabled});
-    fs::create_directories(fs::path(OnVolume(statusFile)).parent_path());
-    fs::create_symlink("nowhere", OnVolume(statusFile));
+    EXPECT_EQ(Preferences(kUpdater), Texts{kEnabled});
+    fs::create_directories(fs::path(OnVolume(kStatusFile)).parent_path());
+    fs::create_symlink("nowhere", OnVolume(kStatusFile));
     EXPECT_EQ(Deliver({3}), 0U);
-    EXPECT_EQ(Preferences(updater), Texts{enabled});
+    EXPECT_EQ(Preferences(kUpdater), Texts{kEnabled});
 }
 
 TEST_F(PostInstallStep, UnopenedStatusFileIsNotedBeforeTheDefault) {
@@ -111,10 +111,10 @@ TEST_F(PostInstallStep, UnopenedStatusFileIsNotedBeforeTheDefault) {
     EXPECT_EQ(Deliver({3}), 0U);
     const Texts expected = {
         "fopen \"/Library/Application Support/Korvane/Updater/install_status.txt\"",
-        "set \"com.korvane.updater\" \"InstallStatus\" = \"Error opening file\"" + anyUser,
-        "synchronize \"com.korvane.updater\"" + anyUser,
-        "set \"com.korvane.updater\" \"UpdateInterval\" = 2" + anyUser,
-        "synchronize \"com.korvane.updater\"" + anyUser,
+        "set \"com.korvane.updater\" \"InstallStatus\" = \"Error opening file\"" + kAnyUser,
+        "synchronize \"com.korvane.updater\"" + kAnyUser,
+        "set \"com.korvane.updater\" \"UpdateInterval\" = 2" + kAnyUser,
+        "synchronize \"com.korvane.updater\"" + kAnyUser,
     };
     ASSERT_GE(effects.size(), expected.size());
     EXPECT_EQ(Texts(effects.begin(), effects.begin() + 5), expected);
@@ -122,51 +122,52 @@ TEST_F(PostInstallStep, UnopenedStatusFileIsNotedBeforeTheDefault) {
 }
 
 TEST_F(PostInstallStep, FolderInThePlaceOfTheStatusFileIsNoted) {
-    const std::string inPlace = volume.Write(std::string(statusFile + 1) + "/entry"); // so that it has a size
+    const std::string inPlace =
+        volume.Write(std::string(kStatusFile + 1) + "/entry"); // so that it has a size
     EXPECT_EQ(Deliver({3}), 0U);
     EXPECT_THAT(
-        Preferences(updater),
+        Preferences(kUpdater),
         testing::UnorderedElementsAre(
             testing::MatchesRegex("InstallStatus = \"Attempt to read [0-9]+ bytes, only read 0 bytes\""),
-            enabled));
+            kEnabled));
 }
 
 TEST_F(PostInstallStep, UserWithoutReadPermissionGetsTheFailureNoted) {
     WriteStatus("UpdatesEnabled");
-    fs::permissions(OnVolume(statusFile), fs::perms::none);
+    fs::permissions(OnVolume(kStatusFile), fs::perms::none);
     fs::create_directories(OnVolume("/Library/Preferences"));
     fs::permissions(OnVolume("/Library/Preferences"), fs::perms::all);
     fs::permissions(volume.Path(), fs::perms::all);
     EXPECT_TRUE(HoldsForAnyUser([] { return Deliver({3}) == 0; }));
-    EXPECT_THAT(Preferences(updater),
-                testing::UnorderedElementsAre("InstallStatus = \"Error opening file\"", enabled));
+    EXPECT_THAT(Preferences(kUpdater),
+                testing::UnorderedElementsAre("InstallStatus = \"Error opening file\"", kEnabled));
 }
 
 TEST_F(PostInstallStep, PipeInThePlaceOfTheStatusFileIsEmpty) {
-    fs::create_directories(fs::path(OnVolume(statusFile)).parent_path());
-    ASSERT_EQ(mkfifo(OnVolume(statusFile).c_str(), 0600), 0);
+    fs::create_directories(fs::path(OnVolume(kStatusFile)).parent_path());
+    ASSERT_EQ(mkfifo(OnVolume(kStatusFile).c_str(), 0600), 0);
     EXPECT_EQ(Deliver({3}), 0U) << "and nobody waits for a writer";
-    EXPECT_EQ(Preferences(updater), Texts{disabled});
+    EXPECT_EQ(Preferences(kUpdater), Texts{kDisabled});
 }
 
 /// At whichever system call the file loses its end: it is read whole before, cut, or found to be too short.
 TEST_F(PostInstallStep, StatusFileMayShrinkWhileItIsRead) {
     const std::string text = "UpdatesEnabled" + std::string(50000, '.');
     const auto deliver = [] { return static_cast<int>(Deliver({3})); };
-    const auto shrink = [this](pid_t) { fs::resize_file(OnVolume(statusFile), 4); };
+    const auto shrink = [this](pid_t) { fs::resize_file(OnVolume(kStatusFile), 4); };
     unsigned stop = 0, noted = 0, lost = 0;
     for (bool goesOn = true; goesOn; ++stop) {
         WriteStatus(text);
         fs::remove_all(OnVolume("/Library/Preferences"));
         const TracedEnd end = RunTraced(stop, deliver, shrink);
-        const Texts told = Preferences(updater);
+        const Texts told = Preferences(kUpdater);
         const bool isNoted =
-            told.size() == 2 && told[0].find("bytes, only read") != std::string::npos && told[1] == enabled;
-        const bool isRead = told == Texts{enabled} || told == Texts{disabled};
+            told.size() == 2 && told[0].find("bytes, only read") != std::string::npos && told[1] == kEnabled;
+        const bool isRead = told == Texts{kEnabled} || told == Texts{kDisabled};
         if (end.status != 0 || (!isNoted && !isRead)) ++lost;
         noted += isNoted ? 1 : 0;
         goesOn =
-            end.isReached && (noted == 0 || told != Texts{enabled}); // until it was read before it was cut
+            end.isReached && (noted == 0 || told != Texts{kEnabled}); // until it was read before it was cut
     }
     EXPECT_EQ(lost, 0U);
     EXPECT_GT(noted, 0U);
@@ -179,25 +180,25 @@ TEST_F(PostInstallStep, FirstSizeOfTheStatusFileCounts) {
     const auto deliverWithSize = [&](std::uintmax_t size) {
         WriteStatus(text);
         fs::remove_all(OnVolume("/Library/Preferences"));
-        gAfterNextFstat = [&] { fs::resize_file(OnVolume(statusFile), size); };
+        gAfterNextFstat = [&] { fs::resize_file(OnVolume(kStatusFile), size); };
         EXPECT_EQ(Deliver({3}), 0U);
         EXPECT_FALSE(gAfterNextFstat) << "nothing took the size";
-        return Preferences(updater);
+        return Preferences(kUpdater);
     };
     EXPECT_THAT(deliverWithSize(4),
                 testing::UnorderedElementsAre(
-                    "InstallStatus = \"Attempt to read 114 bytes, only read 4 bytes\"", enabled));
-    EXPECT_EQ(deliverWithSize(100000), Texts{enabled});
+                    "InstallStatus = \"Attempt to read 114 bytes, only read 4 bytes\"", kEnabled));
+    EXPECT_EQ(deliverWithSize(100000), Texts{kEnabled});
 }
 
 TEST_F(PostInstallStep, SizeCountsModulo4GiB) {
     WriteStatus("UpdatesEnabled");
-    fs::resize_file(OnVolume(statusFile), 0x10000000EULL);
+    fs::resize_file(OnVolume(kStatusFile), 0x10000000EULL);
     EXPECT_EQ(Deliver({3}), 0U);
-    EXPECT_EQ(Preferences(updater), Texts{enabled});
-    fs::resize_file(OnVolume(statusFile), 0x10000000DULL);
+    EXPECT_EQ(Preferences(kUpdater), Texts{kEnabled});
+    fs::resize_file(OnVolume(kStatusFile), 0x10000000DULL);
     EXPECT_EQ(Deliver({3}), 0U);
-    EXPECT_EQ(Preferences(updater), Texts{disabled});
+    EXPECT_EQ(Preferences(kUpdater), Texts{kDisabled});
 }
 
 TEST_F(PostInstallStep, RunningOutOfMemoryReachesTheHost) {
@@ -205,30 +206,30 @@ TEST_F(PostInstallStep, RunningOutOfMemoryReachesTheHost) {
     {
         const ScarceMemory scarce(0x7FFFFFFF);
         for (const std::uintmax_t size : {0xFFFFFFFFULL, 0xFFFFFFFEULL, 0x7FFFFFFFULL}) {
-            fs::resize_file(OnVolume(statusFile), size);
+            fs::resize_file(OnVolume(kStatusFile), size);
             EXPECT_THROW(Deliver({3}), std::exception) << size;
         }
     }
-    EXPECT_EQ(Preferences(updater), Texts{});
+    EXPECT_EQ(Preferences(kUpdater), Texts{});
 }
 
 TEST_F(PostInstallStep, MissingOrRefusingItemsAreSkipped) {
     EXPECT_EQ(Deliver({3, 1234}), 0U);
     EXPECT_EQ(effects, Texts{});
 
-    MakeItem(folder, true, 0); // and no icon
+    MakeItem(kFolder, true, 0); // and no icon
     EXPECT_EQ(Deliver({3, 1234}), 0U);
-    EXPECT_EQ(Flags(folder), 0x0400);
+    EXPECT_EQ(Flags(kFolder), 0x0400);
 
-    MakeItem(icon, false, 0);
+    MakeItem(kIcon, false, 0);
     for (const char* call :
          {"FSSetCatalogInfo", "FSGetCatalogInfo", "CFURLGetFSRef", "CFURLCreateWithFileSystemPath"}) {
-        MakeItem(folder, true, 0x4000);
-        MakeItem(icon, false, 0x0400);
+        MakeItem(kFolder, true, 0x4000);
+        MakeItem(kIcon, false, 0x0400);
         macplatform::OrderFault({call, permErr}); // for the folder, whose refusal must not stop the icon
         EXPECT_EQ(Deliver({3, 1234}), 0U) << call;
-        EXPECT_EQ(Flags(folder), 0x4000) << call;
-        EXPECT_EQ(Flags(icon), 0x4000) << call;
+        EXPECT_EQ(Flags(kFolder), 0x4000) << call;
+        EXPECT_EQ(Flags(kIcon), 0x4000) << call;
     }
 }
 

@@ -9,14 +9,14 @@
 // In a file of its own: a compiler that sees both these and a use of them would take the pair for a mismatch.
 
 namespace {
-std::size_t count = 0;
-std::size_t limit = SIZE_MAX;
+std::size_t gCount = 0;
+std::size_t gLimit = SIZE_MAX;
 } // namespace
 
-std::size_t allocationCount() { return count; }
+std::size_t AllocationCount() { return gCount; }
 
 ScarceMemory::ScarceMemory(std::size_t largestBlock) {
-    limit = largestBlock;
+    gLimit = largestBlock;
     std::size_t pages = 0;
     std::ifstream("/proc/self/statm") >> pages;
     getrlimit(RLIMIT_AS, &before);
@@ -27,13 +27,13 @@ ScarceMemory::ScarceMemory(std::size_t largestBlock) {
 
 ScarceMemory::~ScarceMemory() {
     setrlimit(RLIMIT_AS, &before);
-    limit = SIZE_MAX;
+    gLimit = SIZE_MAX;
 }
 
 extern "C" void* __real_malloc(std::size_t size);
 extern "C" void* __wrap_malloc(std::size_t size) {
-    ++count;
-    return size <= limit ? __real_malloc(size) : nullptr;
+    ++gCount;
+    return size <= gLimit ? __real_malloc(size) : nullptr;
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size ? size : 1); }

@@ -6,14 +6,14 @@
 // A program that links counted_allocations has its own malloc, and operator new.
 
 /// Calls of malloc and of operator new so far.
-std::size_t allocationCount();
+std::size_t AllocationCount();
 
 /// Allocations that `work` makes.
 template <typename Work>
 std::size_t AllocationsOf(Work work) {
-    const std::size_t before = allocationCount();
+    const std::size_t before = AllocationCount();
     work();
-    return allocationCount() - before;
+    return AllocationCount() - before;
 }
 
 /// While one lives, malloc and operator new refuse blocks larger than this, and the system gives the process

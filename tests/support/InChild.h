@@ -15,12 +15,12 @@ inline int InChild(const std::function<int()>& work) {
 }
 
 /// A user who owns nothing: tests may run as root, to whom permission bits mean nothing.
-constexpr uid_t otherUser = 65534;
+constexpr uid_t kOtherUser = 65534;
 
 /// Whether the check holds in a child process of the other user (of this one, when it is not root).
 inline bool HoldsForAnyUser(const std::function<bool()>& check) {
     return InChild([&check] {
-               if (geteuid() == 0 && (setgid(otherUser) != 0 || setuid(otherUser) != 0)) return 2;
+               if (geteuid() == 0 && (setgid(kOtherUser) != 0 || setuid(kOtherUser) != 0)) return 2;
                return check() ? 0 : 1;
            }) == 0;
 }

@@ -2,11 +2,11 @@
 
 #include <string>
 
-constexpr const char* pluginType = "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8";
-constexpr const char* pluginFactory = "A0A0A0A0-0000-4000-8000-000000000001";
+constexpr const char* kPluginType = "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8";
+constexpr const char* kPluginFactory = "A0A0A0A0-0000-4000-8000-000000000001";
 
 /// The property list of a plug-in whose factory is the function `factory`.
-inline std::string InfoList(const std::string& factory, const std::string& type = pluginType,
+inline std::string InfoList(const std::string& factory, const std::string& type = kPluginType,
                             const std::string& executable = "Test") {
     const auto tag = [](const std::string& name, const std::string& content) {
         return '<' + name + '>' + content + "</" + name + '>';
@@ -18,8 +18,8 @@ inline std::string InfoList(const std::string& factory, const std::string& type 
            tag("dict",
                entry("CFBundleExecutable", tag("string", executable)) +
                    entry("CFPlugInDynamicRegistration", tag("string", "NO")) +
-                   entry("CFPlugInFactories", tag("dict", entry(pluginFactory, tag("string", factory)))) +
+                   entry("CFPlugInFactories", tag("dict", entry(kPluginFactory, tag("string", factory)))) +
                    entry("CFPlugInTypes",
-                         tag("dict", entry(type, tag("array", tag("string", pluginFactory)))))) +
+                         tag("dict", entry(type, tag("array", tag("string", kPluginFactory)))))) +
            "</plist>\n";
 }

@@ -35,7 +35,7 @@ private:
 class CorpusBundle : public TestBundle {
 public:
     explicit CorpusBundle(const std::string& fault, const std::string& factory = "MyFactory")
-        : TestBundle(InfoList(factory, pluginType, fault), "") {
+        : TestBundle(InfoList(factory, kPluginType, fault), "") {
         const std::string own = std::string(CORPUS) + '/' + fault;
         Link(std::filesystem::exists(own) ? own : CORPUS "/PlugIn", fault);
     }

@@ -16,22 +16,22 @@ namespace xcodhost {
 
 namespace {
 
-bool IsStop(const macplatform::Alert& alert) { return alert.kind == macplatform::Alert::Kind::Stop; }
+bool isStop(const macplatform::Alert& alert) { return alert.kind == macplatform::Alert::Kind::kStop; }
 
-std::vector<std::string> ButtonsOf(const macplatform::Alert& alert) {
+std::vector<std::string> buttonsOf(const macplatform::Alert& alert) {
     return alert.buttons.empty() ? std::vector<std::string>{"OK"} : alert.buttons;
 }
 
 const char* const kNoText = "(its text lies in a resource of the installer)";
 
 /// What a window says above its buttons.
-std::string MessageOf(const macplatform::Alert& alert) {
-    return IsStop(alert) ? Describe(alert) + '\n' + kNoText : alert.message;
+std::string messageOf(const macplatform::Alert& alert) {
+    return isStop(alert) ? Describe(alert) + '\n' + kNoText : alert.message;
 }
 
-std::string Question(const macplatform::Alert& alert, const std::vector<std::string>& buttons) {
+std::string question(const macplatform::Alert& alert, const std::vector<std::string>& buttons) {
     std::string text = '\n' + Describe(alert) + '\n';
-    if (IsStop(alert)) text += std::string("  ") + kNoText + '\n';
+    if (isStop(alert)) text += std::string("  ") + kNoText + '\n';
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         text += "  " + std::to_string(i + 1) + "  " + Printable(buttons[i]) + '\n';
     }
@@ -40,7 +40,7 @@ std::string Question(const macplatform::Alert& alert, const std::vector<std::str
 
 /// The place of the button that a person typed the number or the title of, and 0 for nothing; -1 for anything
 /// else.
-int Chosen(const std::string& typed, const std::vector<std::string>& buttons) {
+int chosen(const std::string& typed, const std::vector<std::string>& buttons) {
     if (typed.empty()) return 0;
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         if (typed == buttons[i] || typed == std::to_string(i + 1)) return static_cast<int>(i);
@@ -54,32 +54,32 @@ Answers::Answers(AnswerPolicy answerPolicy, const Interruption& pendingSignals)
     : policy(std::move(answerPolicy)), interruption(pendingSignals) {}
 
 Answer Answers::To(const macplatform::Alert& alert) {
-    if (policy.kind == AnswerPolicy::Kind::Ask) return Ask(alert);
-    if (policy.kind == AnswerPolicy::Kind::Desktop) {
-        return ShowOnDesktop(policy.programs, MessageOf(alert), ButtonsOf(alert), interruption);
+    if (policy.kind == AnswerPolicy::Kind::kAsk) return Ask(alert);
+    if (policy.kind == AnswerPolicy::Kind::kDesktop) {
+        return ShowOnDesktop(policy.programs, messageOf(alert), buttonsOf(alert), interruption);
     }
-    if (IsStop(alert)) return {-1, "its resource is not here"};
-    if (policy.kind == AnswerPolicy::Kind::First) return {0, {}};
+    if (isStop(alert)) return {-1, "its resource is not here"};
+    if (policy.kind == AnswerPolicy::Kind::kFirst) return {0, {}};
     return TakeTitle(alert);
 }
 
 Answer Answers::TakeTitle(const macplatform::Alert& alert) {
     if (nextTitle == policy.titles.size()) return {-1, "no answer was left for it"};
     const std::string& title = policy.titles[nextTitle++];
-    const std::vector<std::string> buttons = ButtonsOf(alert);
+    const std::vector<std::string> buttons = buttonsOf(alert);
     const auto button = std::find(buttons.begin(), buttons.end(), title);
     if (button == buttons.end()) return {-1, "it has no button " + PrintableQuoted(title)};
     return {static_cast<int>(button - buttons.begin()), {}};
 }
 
 Answer Answers::Ask(const macplatform::Alert& alert) {
-    const std::vector<std::string> buttons = ButtonsOf(alert);
-    WriteError(Question(alert, buttons));
+    const std::vector<std::string> buttons = buttonsOf(alert);
+    WriteError(question(alert, buttons));
     std::string line;
     while (true) {
         WriteError("Button [1]: ");
         if (!ReadLine(line)) return {-1, "nobody answered"};
-        const int button = Chosen(line, buttons);
+        const int button = chosen(line, buttons);
         if (button >= 0) return {button, {}};
         WriteError("There is no button " + PrintableQuoted(line) + ".\n");
     }
@@ -109,7 +109,7 @@ bool Answers::ReadLine(std::string& line) {
 }
 
 std::string Describe(const macplatform::Alert& alert) {
-    if (IsStop(alert)) return "Stop alert " + std::to_string(alert.resource);
+    if (isStop(alert)) return "Stop alert " + std::to_string(alert.resource);
     return "Alert " + PrintableQuoted(alert.message);
 }
 

@@ -16,14 +16,14 @@ class Interruption;
 
 struct AnswerPolicy {
     enum class Kind {
-        Ask,     ///< A person, on standard input; the questions go to standard error.
-        Desktop, ///< A person, in a window of the desktop.
-        First,   ///< The first button.
-        Titles,  ///< The buttons of these titles, one for each alert in order.
+        kAsk,     ///< A person, on standard input; the questions go to standard error.
+        kDesktop, ///< A person, in a window of the desktop.
+        kFirst,   ///< The first button.
+        kTitles,  ///< The buttons of these titles, one for each alert in order.
     };
-    Kind kind = Kind::First;
+    Kind kind = Kind::kFirst;
     std::vector<std::string> titles;
-    std::vector<DialogProgram> programs; ///< What shows the window; at least one for Desktop.
+    std::vector<DialogProgram> programs; ///< What shows the window; at least one for kDesktop.
 };
 
 struct Answer {

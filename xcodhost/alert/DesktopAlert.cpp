@@ -37,12 +37,12 @@ constexpr int kZenityClosed = 101;
 /// would be shown instead; and their number tells titles apart that look the same.
 constexpr std::string_view kMark = "\xE2\x80\x8B";
 
-const char* NameOf(Kind kind) {
-    return kind == Kind::Yad ? "yad" : kind == Kind::Zenity ? "zenity" : "kdialog";
+const char* nameOf(Kind kind) {
+    return kind == Kind::kYad ? "yad" : kind == Kind::kZenity ? "zenity" : "kdialog";
 }
 
 /// Empty when no absolute folder of PATH has it.
-std::string FindInPath(const std::string& name) {
+std::string findInPath(const std::string& name) {
     const char* variable = std::getenv("PATH");
     std::string_view path = variable ? variable : "";
     while (!path.empty()) {
@@ -58,12 +58,12 @@ std::string FindInPath(const std::string& name) {
     return {};
 }
 
-bool IsSet(const char* variable) {
+bool isSet(const char* variable) {
     const char* value = std::getenv(variable);
     return value && *value;
 }
 
-std::string Replaced(std::string text, std::string_view from, std::string_view to) {
+std::string replaced(std::string text, std::string_view from, std::string_view to) {
     for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
         text.replace(at, from.size(), to);
     }
@@ -71,7 +71,7 @@ std::string Replaced(std::string text, std::string_view from, std::string_view t
 }
 
 /// Takes one line's worth off the front of `rest`, at a space where it has one.
-std::string TakeLine(std::string_view& rest) {
+std::string takeLine(std::string_view& rest) {
     if (rest.size() <= kLineWidth) return std::string(std::exchange(rest, {}));
     std::size_t end = rest.rfind(' ', kLineWidth);
     if (end == std::string_view::npos || end == 0) {
@@ -83,7 +83,7 @@ std::string TakeLine(std::string_view& rest) {
 }
 
 /// The programs break no word, and a window would grow beyond the screen.
-Texts LinesOf(const std::string& message) {
+Texts linesOf(const std::string& message) {
     Texts lines;
     std::string_view rest = message;
     while (!rest.empty()) {
@@ -96,33 +96,33 @@ Texts LinesOf(const std::string& message) {
                 lines.emplace_back("[...]");
                 return lines;
             }
-            lines.push_back(TakeLine(left));
+            lines.push_back(takeLine(left));
         } while (!left.empty());
     }
     return lines;
 }
 
-std::string Joined(const Texts& lines) {
+std::string joined(const Texts& lines) {
     std::string text;
     for (const std::string& line : lines) text += line + '\n';
     if (!text.empty()) text.pop_back();
     return text;
 }
 
-bool FitARow(const Texts& buttons) {
+bool fitARow(const Texts& buttons) {
     std::size_t width = 0;
     for (const std::string& title : buttons) width += std::max(title.size(), kNarrowestButton);
     return width <= kRowWidth;
 }
 
 /// An underscore would mark the letter behind it as the button's key.
-std::string Label(const std::string& title, std::size_t marks) {
-    std::string label = Replaced(Replaced(Printable(title), kMark, ""), "_", "__");
+std::string buttonLabel(const std::string& title, std::size_t marks) {
+    std::string label = replaced(replaced(Printable(title), kMark, ""), "_", "__");
     for (std::size_t i = 0; i < marks; ++i) label += kMark;
     return label;
 }
 
-Texts YadCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
+Texts yadCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
     // Its texts know backslash sequences; its titles are cut at "!", unless another separator is named.
     Texts command{path,
                   "--title=xcodhost",
@@ -130,29 +130,29 @@ Texts YadCommand(const std::string& path, const Texts& lines, const Texts& butto
                   "--image=dialog-question",
                   "--no-markup",
                   "--item-separator=\x01",
-                  "--text=" + Replaced(Joined(lines), "\\", "\\\\")};
+                  "--text=" + replaced(joined(lines), "\\", "\\\\")};
     for (std::size_t i = 0; i < buttons.size(); ++i) {
-        command.push_back("--button=" + Label(buttons[i], 1) + ':' +
+        command.push_back("--button=" + buttonLabel(buttons[i], 1) + ':' +
                           std::to_string(kFirstButton + static_cast<int>(i)));
     }
     return command;
 }
 
-Texts ZenityCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
+Texts zenityCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
     Texts command{path,          "--question",       "--switch",
-                  "--no-markup", "--title=xcodhost", "--text=" + Joined(lines)};
+                  "--no-markup", "--title=xcodhost", "--text=" + joined(lines)};
     for (std::size_t i = 0; i < buttons.size(); ++i) {
-        command.push_back("--extra-button=" + Label(buttons[i], i + 1));
+        command.push_back("--extra-button=" + buttonLabel(buttons[i], i + 1));
     }
     return command;
 }
 
 /// It has rows of up to three buttons, but closing such a window is one of the choices: so always a list.
-Texts KdialogCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
-    std::string text = Replaced(Joined(lines), "&", "&amp;");
-    text = Replaced(Replaced(std::move(text), "<", "&lt;"), "\\", "&#92;");
+Texts kdialogCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
+    std::string text = replaced(joined(lines), "&", "&amp;");
+    text = replaced(replaced(std::move(text), "<", "&lt;"), "\\", "&#92;");
     Texts command{
-        path, "--title", "xcodhost", "--menu", "<qt>" + Replaced(std::move(text), "\n", "<br>") + "</qt>",
+        path, "--title", "xcodhost", "--menu", "<qt>" + replaced(std::move(text), "\n", "<br>") + "</qt>",
         "--"};
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         command.push_back(std::to_string(i));
@@ -161,18 +161,18 @@ Texts KdialogCommand(const std::string& path, const Texts& lines, const Texts& b
     return command;
 }
 
-Texts CommandFor(const DialogProgram& program, const Texts& lines, const Texts& buttons) {
+Texts commandFor(const DialogProgram& program, const Texts& lines, const Texts& buttons) {
     switch (program.kind) {
-    case Kind::Yad:
-        return YadCommand(program.path, lines, buttons);
-    case Kind::Zenity:
-        return ZenityCommand(program.path, lines, buttons);
+    case Kind::kYad:
+        return yadCommand(program.path, lines, buttons);
+    case Kind::kZenity:
+        return zenityCommand(program.path, lines, buttons);
     default:
-        return KdialogCommand(program.path, lines, buttons);
+        return kdialogCommand(program.path, lines, buttons);
     }
 }
 
-std::size_t CountMarks(std::string_view text) {
+std::size_t countMarks(std::string_view text) {
     std::size_t count = 0;
     for (std::size_t at = 0; (at = text.find(kMark, at)) != std::string_view::npos; at += kMark.size()) {
         ++count;
@@ -181,20 +181,20 @@ std::size_t CountMarks(std::string_view text) {
 }
 
 /// The place of the chosen button, -1 for a closed window, nothing for a program that did not do its work.
-std::optional<int> Choice(Kind kind, const DialogEnd& end, std::size_t count) {
+std::optional<int> choiceOf(Kind kind, const DialogEnd& end, std::size_t count) {
     const int status = WIFEXITED(end.status) ? WEXITSTATUS(end.status) : -1;
     int choice = -1;
     switch (kind) {
-    case Kind::Yad:
+    case Kind::kYad:
         if (status == kYadClosed) return -1;
         choice = status - kFirstButton;
         break;
-    case Kind::Zenity:
+    case Kind::kZenity:
         // An extra button and a closed window end with the same status; the button's title is written.
         if (status == kZenityClosed && end.output.empty()) return -1;
-        choice = static_cast<int>(CountMarks(end.output)) - 1;
+        choice = static_cast<int>(countMarks(end.output)) - 1;
         break;
-    case Kind::Kdialog:
+    case Kind::kKdialog:
         if (status == 1 && end.output.empty()) return -1;
         if (status == 0) std::from_chars(end.output.data(), end.output.data() + end.output.size(), choice);
         break;
@@ -203,8 +203,8 @@ std::optional<int> Choice(Kind kind, const DialogEnd& end, std::size_t count) {
     return choice;
 }
 
-std::string FailureOf(Kind kind, const DialogEnd& end) {
-    std::string text = NameOf(kind);
+std::string failureOf(Kind kind, const DialogEnd& end) {
+    std::string text = nameOf(kind);
     text += WIFEXITED(end.status) ? " ended with exit status " + std::to_string(WEXITSTATUS(end.status))
                                   : " was ended by signal " + std::to_string(WTERMSIG(end.status));
     return end.lastError.empty() ? text : text + ": " + Printable(end.lastError);
@@ -213,13 +213,13 @@ std::string FailureOf(Kind kind, const DialogEnd& end) {
 } // namespace
 
 std::vector<DialogProgram> FindDialogPrograms() {
-    if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) {
+    if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) {
         throw UsageError("--answers desktop: no desktop here (neither DISPLAY nor WAYLAND_DISPLAY is set); "
                          "use ask, first, or titles");
     }
     std::vector<DialogProgram> programs;
-    for (const Kind kind : {Kind::Yad, Kind::Zenity, Kind::Kdialog}) {
-        std::string path = FindInPath(NameOf(kind));
+    for (const Kind kind : {Kind::kYad, Kind::kZenity, Kind::kKdialog}) {
+        std::string path = findInPath(nameOf(kind));
         if (!path.empty()) programs.push_back({kind, std::move(path)});
     }
     if (programs.empty()) {
@@ -231,16 +231,16 @@ std::vector<DialogProgram> FindDialogPrograms() {
 
 Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
                      const std::vector<std::string>& buttons, const Interruption& interruption) {
-    const Texts lines = LinesOf(message);
+    const Texts lines = linesOf(message);
     std::string failures;
     for (const DialogProgram& program : programs) {
-        if (program.kind != Kind::Kdialog && !FitARow(buttons)) continue;
+        if (program.kind != Kind::kKdialog && !fitARow(buttons)) continue;
         // Any other locale than a UTF-8 one makes the programs refuse or garble the texts.
-        const DialogEnd end = RunDialog(CommandFor(program, lines, buttons),
+        const DialogEnd end = RunDialog(commandFor(program, lines, buttons),
                                         {{"LC_ALL", "C.UTF-8"}, {"ZENITY_ESC", "101"}}, interruption);
-        const std::optional<int> choice = Choice(program.kind, end, buttons.size());
+        const std::optional<int> choice = choiceOf(program.kind, end, buttons.size());
         if (choice) return {*choice, *choice < 0 ? "its window was closed" : ""};
-        failures += (failures.empty() ? "" : "; ") + FailureOf(program.kind, end);
+        failures += (failures.empty() ? "" : "; ") + failureOf(program.kind, end);
     }
     if (failures.empty()) failures = "yad and zenity have no room for such a row of buttons";
     return {-1, failures};

@@ -11,7 +11,7 @@ class Interruption;
 struct Answer;
 
 struct DialogProgram {
-    enum class Kind { Yad, Zenity, Kdialog };
+    enum class Kind { kYad, kZenity, kKdialog };
     Kind kind;
     std::string path;
 };

@@ -73,7 +73,7 @@ private:
     Descriptor end;
 };
 
-[[noreturn]] void Become(const std::vector<std::string>& command, const Captured& output,
+[[noreturn]] void become(const std::vector<std::string>& command, const Captured& output,
                          const Captured& errors, pid_t parent, const Interruption& interruption) {
     setpgid(0, 0); // Ctrl-C on the terminal is ours to handle
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -92,7 +92,7 @@ private:
     _exit(127);
 }
 
-std::string LastLine(std::string text) {
+std::string lastLine(std::string text) {
     while (!text.empty() && text.back() == '\n') text.pop_back();
     return text.substr(text.rfind('\n') + 1);
 }
@@ -109,11 +109,11 @@ DialogEnd RunDialog(const std::vector<std::string>& command,
     if (id < 0) throw ToolFault::FromErrno("no process for the window");
     if (id == 0) {
         for (const auto& [name, value] : environment) setenv(name, value, 1);
-        Become(command, output, errors, parent, interruption);
+        become(command, output, errors, parent, interruption);
     }
     setpgid(id, id); // both do it, so that it is done whoever runs first
     const int status = RunningDialog(id).Wait(interruption);
-    return {status, output.Text(), LastLine(errors.Text())};
+    return {status, output.Text(), lastLine(errors.Text())};
 }
 
 } // namespace xcodhost

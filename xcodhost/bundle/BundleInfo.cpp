@@ -21,49 +21,49 @@ namespace {
 
 constexpr std::uintmax_t kLargestExecutable = std::uintmax_t{512} << 20;
 
-[[noreturn]] void Refuse(const std::string& path, const std::string& reason) {
-    throw Refusal(ExitStatus::NotLoaded, Printable(path) + ": " + reason);
+[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
+    throw Refusal(ExitStatus::kNotLoaded, Printable(path) + ": " + reason);
 }
 
-PropertyValue ReadInfoList(const std::string& bundle) {
+PropertyValue readInfoList(const std::string& bundle) {
     std::error_code error;
     const std::string path = bundle + "/Contents/Info.plist";
-    if (!fs::is_directory(bundle, error)) Refuse(bundle, error ? error.message() : "no bundle: not a folder");
-    if (!fs::exists(path, error)) Refuse(path, "missing, so this is no bundle");
-    if (!fs::is_regular_file(path, error)) Refuse(path, "not a file");
+    if (!fs::is_directory(bundle, error)) refuse(bundle, error ? error.message() : "no bundle: not a folder");
+    if (!fs::exists(path, error)) refuse(path, "missing, so this is no bundle");
+    if (!fs::is_regular_file(path, error)) refuse(path, "not a file");
     macplatform::PropertyListFile list = macplatform::ReadPropertyList(path);
-    if (!list.error.empty()) Refuse(path, list.error);
-    if (list.root.kind != PropertyValue::Kind::Dictionary) Refuse(path, "its root is not a dictionary");
+    if (!list.error.empty()) refuse(path, list.error);
+    if (list.root.kind != PropertyValue::Kind::kDictionary) refuse(path, "its root is not a dictionary");
     return std::move(list.root);
 }
 
-const PropertyValue& DictionaryAt(const PropertyValue& list, const std::string& key,
+const PropertyValue& dictionaryAt(const PropertyValue& list, const std::string& key,
                                   const std::string& bundle) {
     const PropertyValue* value = list.Find(key);
-    if (!value) Refuse(bundle, "its property list has no key " + key);
-    if (value->kind != PropertyValue::Kind::Dictionary) Refuse(bundle, key + " is not a dictionary");
+    if (!value) refuse(bundle, "its property list has no key " + key);
+    if (value->kind != PropertyValue::Kind::kDictionary) refuse(bundle, key + " is not a dictionary");
     return *value;
 }
 
-std::vector<BundleFactory> FactoriesOf(const PropertyValue& list, const std::string& bundle) {
+std::vector<BundleFactory> factoriesOf(const PropertyValue& list, const std::string& bundle) {
     std::vector<BundleFactory> factories;
-    const PropertyValue& entries = DictionaryAt(list, "CFPlugInFactories", bundle);
+    const PropertyValue& entries = dictionaryAt(list, "CFPlugInFactories", bundle);
     for (std::size_t i = 0; i < entries.keys.size(); ++i) {
-        if (entries.values[i].kind != PropertyValue::Kind::Text) {
-            Refuse(bundle, "CFPlugInFactories has no function name for " + Printable(entries.keys[i]));
+        if (entries.values[i].kind != PropertyValue::Kind::kText) {
+            refuse(bundle, "CFPlugInFactories has no function name for " + Printable(entries.keys[i]));
         }
         factories.push_back({entries.keys[i], entries.values[i].text});
     }
     return factories;
 }
 
-std::vector<BundleType> TypesOf(const PropertyValue& list, const std::string& bundle) {
+std::vector<BundleType> typesOf(const PropertyValue& list, const std::string& bundle) {
     std::vector<BundleType> types;
-    const PropertyValue& entries = DictionaryAt(list, "CFPlugInTypes", bundle);
+    const PropertyValue& entries = dictionaryAt(list, "CFPlugInTypes", bundle);
     for (std::size_t i = 0; i < entries.keys.size(); ++i) {
         BundleType type{entries.keys[i], {}};
         const PropertyValue& named = entries.values[i];
-        if (named.kind == PropertyValue::Kind::Text) type.factories.push_back(named.text);
+        if (named.kind == PropertyValue::Kind::kText) type.factories.push_back(named.text);
         for (const PropertyValue& item : named.items) type.factories.push_back(item.text);
         types.push_back(std::move(type));
     }
@@ -71,31 +71,31 @@ std::vector<BundleType> TypesOf(const PropertyValue& list, const std::string& bu
 }
 
 /// `CFBundleExecutable`, or the bundle's own name without its extension.
-std::string ExecutableName(const PropertyValue& list, const std::string& bundle) {
+std::string executableName(const PropertyValue& list, const std::string& bundle) {
     const PropertyValue* name = list.Find("CFBundleExecutable");
     if (!name) return fs::canonical(bundle).stem().string(); // canonical: without a separator at its end
-    const bool isName = name->kind == PropertyValue::Kind::Text && !name->text.empty() &&
+    const bool isName = name->kind == PropertyValue::Kind::kText && !name->text.empty() &&
                         name->text.find('/') == std::string::npos;
-    if (!isName) Refuse(bundle, "CFBundleExecutable is not a file's name");
+    if (!isName) refuse(bundle, "CFBundleExecutable is not a file's name");
     return name->text;
 }
 
-std::string ReadWhole(const std::string& path) {
+std::string readWhole(const std::string& path) {
     std::error_code error;
-    if (!fs::is_regular_file(path, error)) Refuse(path, "not a file");
+    if (!fs::is_regular_file(path, error)) refuse(path, "not a file");
     const std::uintmax_t size = fs::file_size(path, error);
     if (error || size > kLargestExecutable)
-        Refuse(path, error ? error.message() : "too large for an executable");
+        refuse(path, error ? error.message() : "too large for an executable");
     std::ifstream in(path, std::ios::binary);
-    if (!in) Refuse(path, std::strerror(errno));
+    if (!in) refuse(path, std::strerror(errno));
     std::string bytes(static_cast<std::size_t>(size), '\0');
     in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<std::size_t>(in.gcount()));
     return bytes;
 }
 
-BundleExecutable ReadExecutable(const std::string& platform, const std::string& path) {
-    const std::string bytes = ReadWhole(path);
+BundleExecutable readExecutable(const std::string& platform, const std::string& path) {
+    const std::string bytes = readWhole(path);
     if (IsElf(bytes)) {
         ElfFile elf = ReadElf(bytes);
         return {platform,
@@ -104,7 +104,7 @@ BundleExecutable ReadExecutable(const std::string& platform, const std::string& 
                 {{std::move(elf.architecture), std::move(elf.exports), std::move(elf.problem)}},
                 {}};
     }
-    if (!IsMachO(bytes)) Refuse(path, "neither an ELF nor a Mach-O executable");
+    if (!IsMachO(bytes)) refuse(path, "neither an ELF nor a Mach-O executable");
     MachOFile mach = ReadMachO(bytes);
     BundleExecutable executable{platform, path, "Mach-O", {}, std::move(mach.problem)};
     for (MachOImage& image : mach.images) {
@@ -119,22 +119,22 @@ BundleExecutable ReadExecutable(const std::string& platform, const std::string& 
 BundleInfo ReadBundleList(const std::string& path) {
     BundleInfo info;
     info.path = path;
-    info.propertyList = ReadInfoList(path);
-    info.factories = FactoriesOf(info.propertyList, path);
-    info.types = TypesOf(info.propertyList, path);
+    info.propertyList = readInfoList(path);
+    info.factories = factoriesOf(info.propertyList, path);
+    info.types = typesOf(info.propertyList, path);
     return info;
 }
 
 BundleInfo ReadBundle(const std::string& path) {
     BundleInfo info = ReadBundleList(path);
-    const std::string name = ExecutableName(info.propertyList, path);
+    const std::string name = executableName(info.propertyList, path);
     for (const char* platform : {"Linux", "MacOS"}) {
         const std::string file = (fs::path(path) / "Contents" / platform / name).string();
         std::error_code ignored;
-        if (fs::exists(file, ignored)) info.executables.push_back(ReadExecutable(platform, file));
+        if (fs::exists(file, ignored)) info.executables.push_back(readExecutable(platform, file));
     }
     if (info.executables.empty()) {
-        Refuse(path, "no executable " + PrintableQuoted(name) + " in Contents/Linux or Contents/MacOS");
+        refuse(path, "no executable " + PrintableQuoted(name) + " in Contents/Linux or Contents/MacOS");
     }
     return info;
 }

@@ -42,7 +42,7 @@ struct BundleInfo {
     std::vector<BundleExecutable> executables;
 };
 
-/// Throws a Refusal (NotLoaded), naming the path, when there is no bundle, its property list cannot be read
+/// Throws a Refusal (kNotLoaded), naming the path, when there is no bundle, its property list cannot be read
 /// or lacks the factories or types, there is no executable, or one is no executable of any kind.
 BundleInfo ReadBundle(const std::string& path);
 

@@ -27,7 +27,7 @@ struct Broken {
 
 /// A structure at any place of the file, which need not be aligned.
 template <typename T>
-T At(std::string_view bytes, std::uint64_t offset) {
+T at(std::string_view bytes, std::uint64_t offset) {
     if (offset > bytes.size() || bytes.size() - offset < sizeof(T))
         throw Broken{"a table lies outside of the file"};
     T value;
@@ -35,7 +35,7 @@ T At(std::string_view bytes, std::uint64_t offset) {
     return value;
 }
 
-std::string Architecture(unsigned int machine, bool is64Bit) {
+std::string architectureOf(unsigned int machine, bool is64Bit) {
     switch (machine) {
     case EM_386:
         return "i386";
@@ -57,7 +57,7 @@ std::string Architecture(unsigned int machine, bool is64Bit) {
 }
 
 template <typename Symbol>
-bool IsExport(const Symbol& symbol) {
+bool isExport(const Symbol& symbol) {
     const int binding = symbol.st_info >> 4;
     const int visibility = symbol.st_other & 3;
     return symbol.st_shndx != SHN_UNDEF &&
@@ -69,9 +69,9 @@ template <typename Elf>
 class Reader {
 public:
     explicit Reader(std::string_view fileBytes)
-        : bytes(fileBytes), header(At<typename Elf::Header>(fileBytes, 0)) {}
+        : bytes(fileBytes), header(at<typename Elf::Header>(fileBytes, 0)) {}
 
-    std::string Machine() const { return Architecture(header.e_machine, std::is_same_v<Elf, Elf64>); }
+    std::string Machine() const { return architectureOf(header.e_machine, std::is_same_v<Elf, Elf64>); }
 
     std::vector<std::string> Exports() const {
         const auto table = DynamicSymbols();
@@ -83,8 +83,8 @@ public:
         const std::uint64_t count = table->sh_size / sizeof(Symbol);
         std::vector<std::string> names;
         for (std::uint64_t i = 0; i < count; ++i) {
-            const auto symbol = At<Symbol>(bytes, table->sh_offset + i * sizeof(Symbol));
-            if (IsExport(symbol)) names.push_back(TextAt(texts, symbol.st_name));
+            const auto symbol = at<Symbol>(bytes, table->sh_offset + i * sizeof(Symbol));
+            if (isExport(symbol)) names.push_back(TextAt(texts, symbol.st_name));
         }
         std::sort(names.begin(), names.end());
         return names;
@@ -96,7 +96,7 @@ private:
 
     Section SectionAt(std::uint32_t index) const {
         if (index >= header.e_shnum) throw Broken{"a section is missing"};
-        return At<Section>(bytes, header.e_shoff + std::uint64_t{index} * sizeof(Section));
+        return at<Section>(bytes, header.e_shoff + std::uint64_t{index} * sizeof(Section));
     }
 
     std::optional<Section> DynamicSymbols() const {
@@ -123,7 +123,7 @@ private:
 };
 
 template <typename Elf>
-ElfFile ReadAs(std::string_view bytes) {
+ElfFile readAs(std::string_view bytes) {
     ElfFile file;
     try {
         const Reader<Elf> reader(bytes);
@@ -142,8 +142,8 @@ bool IsElf(std::string_view bytes) { return bytes.substr(0, SELFMAG) == std::str
 ElfFile ReadElf(std::string_view bytes) {
     const auto byte = [&](std::size_t i) { return i < bytes.size() ? bytes[i] : '\0'; };
     if (byte(EI_DATA) != ELFDATA2LSB) return {{}, {}, "it is big-endian, for another processor"};
-    if (byte(EI_CLASS) == ELFCLASS32) return ReadAs<Elf32>(bytes);
-    if (byte(EI_CLASS) == ELFCLASS64) return ReadAs<Elf64>(bytes);
+    if (byte(EI_CLASS) == ELFCLASS32) return readAs<Elf32>(bytes);
+    if (byte(EI_CLASS) == ELFCLASS64) return readAs<Elf64>(bytes);
     return {{}, {}, "it is neither 32-bit nor 64-bit"};
 }
 

@@ -13,7 +13,7 @@ namespace xcodhost {
 
 namespace {
 
-std::string CurrentExceptionType() {
+std::string currentExceptionType() {
     const std::type_info* type = abi::__cxa_current_exception_type();
     if (!type) return "unknown type";
     const std::unique_ptr<char, decltype(&std::free)> name(
@@ -45,7 +45,7 @@ void LoadedBundle::FindFactories() {
         CFPlugInFindFactoriesForPlugInTypeInPlugIn(ConstantIdentifier(kPluginType), plugIn.get()));
     if (factories && CFArrayGetCount(factories.get()) > 0) return;
     // A property list that is broken is the better reason, where the platform knows of one.
-    if (macplatform::LastBundleFailure().fault != macplatform::BundleFault::None) StopWithPlatformReason();
+    if (macplatform::LastBundleFailure().fault != macplatform::BundleFault::kNone) StopWithPlatformReason();
     Stop("missing-key",
          path + ": its property list has no factory for the plug-in type " + Describe(kPluginType));
 }
@@ -112,9 +112,9 @@ void LoadedBundle::TellException() const {
     try {
         throw;
     } catch (const std::exception& exception) {
-        channel.Tell(ExceptionEscaped{CurrentExceptionType(), exception.what()});
+        channel.Tell(ExceptionEscaped{currentExceptionType(), exception.what()});
     } catch (...) {
-        channel.Tell(ExceptionEscaped{CurrentExceptionType(), {}});
+        channel.Tell(ExceptionEscaped{currentExceptionType(), {}});
     }
 }
 

@@ -44,7 +44,7 @@ private:
     std::size_t size = 0;
 };
 
-void AddSymbols(Names& names, const MachOBytes& image, std::uint64_t command, bool is64Bit) {
+void addSymbols(Names& names, const MachOBytes& image, std::uint64_t command, bool is64Bit) {
     const std::uint64_t entrySize = is64Bit ? 16 : 12;
     const std::uint64_t count = image.U32(command + 12);
     const MachOBytes symbols = image.Inner(image.U32(command + 8), count * entrySize);
@@ -59,7 +59,7 @@ void AddSymbols(Names& names, const MachOBytes& image, std::uint64_t command, bo
 
 /// A node is: the size of what it exports, that, the number of branches, and for each the text on it and the
 /// place of the node at its end.
-void AddTrie(Names& names, const MachOBytes& trie) {
+void addTrie(Names& names, const MachOBytes& trie) {
     if (trie.Size() == 0) return;
     std::vector<std::pair<std::uint64_t, std::string>> nodes{{0, {}}};
     std::unordered_set<std::uint64_t> seen{0};
@@ -91,11 +91,11 @@ std::vector<std::string> MachOExports(const MachOBytes& image, bool is64Bit) {
         const std::uint32_t size = image.U32(place + 4);
         if (size < 8) throw BrokenMachO{"a load command has no size"};
         image.Part(place, size);
-        if (kind == kSymbolTable) AddSymbols(names, image, place, is64Bit);
+        if (kind == kSymbolTable) addSymbols(names, image, place, is64Bit);
         if (kind == kDyldInfo || kind == kDyldInfoOnly) {
-            AddTrie(names, image.Inner(image.U32(place + 40), image.U32(place + 44)));
+            addTrie(names, image.Inner(image.U32(place + 40), image.U32(place + 44)));
         }
-        if (kind == kExportsTrie) AddTrie(names, image.Inner(image.U32(place + 8), image.U32(place + 12)));
+        if (kind == kExportsTrie) addTrie(names, image.Inner(image.U32(place + 8), image.U32(place + 12)));
         place += size;
     }
     return std::move(names).Sorted();

@@ -23,7 +23,7 @@ struct Form {
     bool IsThin() const { return magic == kThin32 || magic == kThin64; }
 };
 
-Form FormOf(std::string_view bytes) {
+Form formOf(std::string_view bytes) {
     if (bytes.size() < 8) return {};
     for (const bool isBigEndian : {false, true}) {
         const MachOBytes file(bytes, isBigEndian);
@@ -35,7 +35,7 @@ Form FormOf(std::string_view bytes) {
     return {};
 }
 
-std::string Architecture(std::uint32_t processor) {
+std::string architectureOf(std::uint32_t processor) {
     switch (processor) {
     case 7:
         return "i386";
@@ -54,10 +54,10 @@ std::string Architecture(std::uint32_t processor) {
     }
 }
 
-MachOImage ReadImage(std::string_view bytes, Form form) {
+MachOImage readImage(std::string_view bytes, Form form) {
     const MachOBytes file(bytes, form.isBigEndian);
     MachOImage image;
-    image.architecture = Architecture(file.U32(4));
+    image.architecture = architectureOf(file.U32(4));
     try {
         image.exports = MachOExports(file, form.magic == kThin64);
     } catch (const BrokenMachO& broken) {
@@ -67,17 +67,17 @@ MachOImage ReadImage(std::string_view bytes, Form form) {
 }
 
 /// One entry of a universal file's list, and the image that it points to.
-MachOImage ReadListed(std::string_view bytes, const MachOBytes& list, std::uint64_t entry, bool isWide) {
-    const std::string listed = Architecture(list.U32(entry));
+MachOImage readListed(std::string_view bytes, const MachOBytes& list, std::uint64_t entry, bool isWide) {
+    const std::string listed = architectureOf(list.U32(entry));
     const std::uint64_t offset = isWide ? list.U64(entry + 8) : list.U32(entry + 8);
     const std::uint64_t size = isWide ? list.U64(entry + 16) : list.U32(entry + 12);
     if (offset > bytes.size() || bytes.size() - offset < size) {
         return {listed, {}, "its image lies outside of the file"};
     }
     const auto image = bytes.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
-    const Form form = FormOf(image);
+    const Form form = formOf(image);
     if (!form.IsThin()) return {listed, {}, "its image is no Mach-O file"};
-    MachOImage found = ReadImage(image, form);
+    MachOImage found = readImage(image, form);
     if (found.architecture != listed && found.problem.empty()) {
         found.problem = "the file's list calls it " + listed;
     }
@@ -86,19 +86,19 @@ MachOImage ReadListed(std::string_view bytes, const MachOBytes& list, std::uint6
 
 } // namespace
 
-bool IsMachO(std::string_view bytes) { return FormOf(bytes).magic != 0; }
+bool IsMachO(std::string_view bytes) { return formOf(bytes).magic != 0; }
 
 MachOFile ReadMachO(std::string_view bytes) {
-    const Form form = FormOf(bytes);
+    const Form form = formOf(bytes);
     if (form.magic == 0) return {{}, "it is no Mach-O file"};
-    if (form.IsThin()) return {{ReadImage(bytes, form)}, {}};
+    if (form.IsThin()) return {{readImage(bytes, form)}, {}};
     MachOFile file;
     const MachOBytes list(bytes, form.isBigEndian);
     const bool isWide = form.magic == kUniversalWide;
     const std::uint64_t entrySize = isWide ? 32 : 20;
     try {
         for (std::uint32_t i = 0; i < list.U32(4); ++i) {
-            file.images.push_back(ReadListed(bytes, list, 8 + i * entrySize, isWide));
+            file.images.push_back(readListed(bytes, list, 8 + i * entrySize, isWide));
         }
     } catch (const BrokenMachO&) {
         file.problem = "its list of architectures is cut off";

@@ -12,14 +12,14 @@ namespace xcodhost {
 
 namespace {
 
-Json ToJson(const Check& check) {
+Json toJson(const Check& check) {
     return {{"id", check.id},
             {"sentence", check.sentence},
             {"why", check.why},
             {"needs", std::vector<std::string>(check.needs.begin(), check.needs.end())}};
 }
 
-const Check& CheckNamed(const std::string& id) {
+const Check& checkNamed(const std::string& id) {
     const auto& checks = AllChecks();
     const auto found =
         std::find_if(checks.begin(), checks.end(), [&](const Check& one) { return one.id == id; });
@@ -34,7 +34,7 @@ const Check& CheckNamed(const std::string& id) {
         (near.empty() ? "; xcodhost list checks shows them all" : "; did you mean one of: " + near));
 }
 
-std::string Explanation(const Check& check, const Style& style) {
+std::string explanation(const Check& check, const Style& style) {
     std::string text = style.Heading(check.id) + "\n" + check.sentence + "\n\n" + check.why + '\n';
     for (const char* need : check.needs) text += std::string("needs  ") + need + '\n';
     return text + "run    xcodhost validate BUNDLE --include " + check.id + '\n';
@@ -48,17 +48,17 @@ ExitStatus ListChecksCommand(const ListChecksOptions& options) {
     for (const Check& check : AllChecks()) {
         const std::string id = check.id;
         text += id + std::string(id.size() < 30 ? 30 - id.size() : 1, ' ') + ' ' + check.sentence + '\n';
-        document["checks"].push_back(ToJson(check));
+        document["checks"].push_back(toJson(check));
     }
     WriteResult(options.isJson ? DumpDocument(document) : text);
-    return ExitStatus::Done;
+    return ExitStatus::kDone;
 }
 
 ExitStatus ExplainCommand(const ExplainOptions& options) {
-    const Check& check = CheckNamed(options.check);
-    Json document = {{"command", "explain"}, {"check", ToJson(check)}, {"exitStatus", 0}};
-    WriteResult(options.isJson ? DumpDocument(document) : Explanation(check, Style()));
-    return ExitStatus::Done;
+    const Check& check = checkNamed(options.check);
+    Json document = {{"command", "explain"}, {"check", toJson(check)}, {"exitStatus", 0}};
+    WriteResult(options.isJson ? DumpDocument(document) : explanation(check, Style()));
+    return ExitStatus::kDone;
 }
 
 } // namespace xcodhost

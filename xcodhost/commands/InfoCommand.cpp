@@ -14,17 +14,17 @@ namespace xcodhost {
 namespace {
 
 /// Identifiers may be written in either case.
-bool IsPluginType(const std::string& identifier) {
+bool isPluginType(const std::string& identifier) {
     return strcasecmp(identifier.c_str(), Describe(kPluginType).c_str()) == 0;
 }
 
-std::string Joined(const std::vector<std::string>& texts) {
+std::string joinTexts(const std::vector<std::string>& texts) {
     std::string joined;
     for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + Printable(text);
     return joined.empty() ? "none" : joined;
 }
 
-std::vector<std::string> ArchitecturesOf(const BundleExecutable& executable) {
+std::vector<std::string> architecturesOf(const BundleExecutable& executable) {
     std::vector<std::string> names;
     for (const BundleImage& image : executable.images) {
         if (!image.architecture.empty()) names.push_back(image.architecture);
@@ -32,41 +32,41 @@ std::vector<std::string> ArchitecturesOf(const BundleExecutable& executable) {
     return names;
 }
 
-std::string ExecutableText(const BundleExecutable& executable) {
+std::string executableText(const BundleExecutable& executable) {
     std::string text = "executable  " + Printable(executable.path) + ": " + executable.format + ' ' +
-                       Joined(ArchitecturesOf(executable)) + '\n';
+                       joinTexts(architecturesOf(executable)) + '\n';
     for (const BundleImage& image : executable.images) {
         const std::string whose = executable.images.size() > 1 ? " of " + image.architecture : "";
-        text += "  exports" + whose + "  " + Joined(image.exports) + '\n';
+        text += "  exports" + whose + "  " + joinTexts(image.exports) + '\n';
         if (!image.problem.empty()) text += "  problem" + whose + "  " + image.problem + '\n';
     }
     if (!executable.problem.empty()) text += "  problem  " + executable.problem + '\n';
     return text;
 }
 
-Json TextOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
 
-Json ExecutableJson(const BundleExecutable& executable) {
+Json executableJson(const BundleExecutable& executable) {
     Json images = Json::array();
     std::set<std::string> exports;
     std::string problem = executable.problem;
     for (const BundleImage& image : executable.images) {
         exports.insert(image.exports.begin(), image.exports.end());
         if (problem.empty()) problem = image.problem;
-        images.push_back({{"architecture", TextOrNull(image.architecture)},
+        images.push_back({{"architecture", textOrNull(image.architecture)},
                           {"exports", image.exports},
-                          {"problem", TextOrNull(image.problem)}});
+                          {"problem", textOrNull(image.problem)}});
     }
     return {{"platform", executable.platform},
             {"path", executable.path},
             {"format", executable.format},
-            {"architectures", ArchitecturesOf(executable)},
+            {"architectures", architecturesOf(executable)},
             {"exports", exports},
             {"images", std::move(images)},
-            {"problem", TextOrNull(problem)}};
+            {"problem", textOrNull(problem)}};
 }
 
-std::string InfoText(const BundleInfo& info, const Style& style) {
+std::string infoText(const BundleInfo& info, const Style& style) {
     std::string text = style.Heading("bundle  " + Printable(info.path)) + '\n';
     for (std::size_t i = 0; i < info.propertyList.keys.size(); ++i) {
         const std::string& key = info.propertyList.keys[i];
@@ -78,14 +78,14 @@ std::string InfoText(const BundleInfo& info, const Style& style) {
     }
     for (const BundleType& type : info.types) {
         text += "type  " + Printable(type.identifier) +
-                (IsPluginType(type.identifier) ? " (installer plug-in)" : "") + ": " +
-                Joined(type.factories) + '\n';
+                (isPluginType(type.identifier) ? " (installer plug-in)" : "") + ": " +
+                joinTexts(type.factories) + '\n';
     }
-    for (const BundleExecutable& executable : info.executables) text += ExecutableText(executable);
+    for (const BundleExecutable& executable : info.executables) text += executableText(executable);
     return text;
 }
 
-std::string InfoJson(const BundleInfo& info) {
+std::string infoJson(const BundleInfo& info) {
     Json document = {{"command", "info"},
                      {"bundle", info.path},
                      {"propertyList", ValueJson(info.propertyList)["value"]},
@@ -100,7 +100,7 @@ std::string InfoJson(const BundleInfo& info) {
         document["types"].push_back({{"identifier", type.identifier}, {"factories", type.factories}});
     }
     for (const BundleExecutable& executable : info.executables) {
-        document["executables"].push_back(ExecutableJson(executable));
+        document["executables"].push_back(executableJson(executable));
     }
     return DumpDocument(document);
 }
@@ -109,8 +109,8 @@ std::string InfoJson(const BundleInfo& info) {
 
 ExitStatus InfoCommand(const InfoOptions& options) {
     const BundleInfo info = ReadBundle(options.bundle);
-    WriteResult(options.isJson ? InfoJson(info) : InfoText(info, Style()));
-    return ExitStatus::Done;
+    WriteResult(options.isJson ? infoJson(info) : infoText(info, Style()));
+    return ExitStatus::kDone;
 }
 
 } // namespace xcodhost

@@ -44,7 +44,7 @@ struct RunArguments {
 
 /// Decimal, or hexadecimal after "0x"; the whole text.
 template <typename Integer>
-Integer ParseInteger(const std::string& name, const std::string& text) {
+Integer parseInteger(const std::string& name, const std::string& text) {
     std::string_view digits = text;
     const bool isNegative = !digits.empty() && digits.front() == '-';
     if (isNegative) digits.remove_prefix(1);
@@ -65,7 +65,7 @@ Integer ParseInteger(const std::string& name, const std::string& text) {
     return static_cast<Integer>(value);
 }
 
-double ParseSeconds(const std::string& name, const std::string& text) {
+double parseSeconds(const std::string& name, const std::string& text) {
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size() || !(value > 0) || value > kLongestLimit) {
@@ -76,13 +76,13 @@ double ParseSeconds(const std::string& name, const std::string& text) {
 }
 
 template <typename Target, typename Parse>
-CLI::Option* AddNumber(CLI::App& app, const std::string& name, Target& target, Parse parse,
+CLI::Option* addNumber(CLI::App& app, const std::string& name, Target& target, Parse parse,
                        const std::string& description) {
     const auto take = [&target, parse, name](const std::string& text) { target = parse(name, text); };
     return app.add_option_function<std::string>(name, take, description)->type_name("N");
 }
 
-std::vector<std::uint16_t> MessagesFor(const RunArguments& arguments) {
+std::vector<std::uint16_t> messagesFor(const RunArguments& arguments) {
     if (arguments.message) return {*arguments.message};
     if (arguments.event == "pre") return {kPreInstall};
     if (arguments.event == "post") return {kPostInstall};
@@ -90,24 +90,24 @@ std::vector<std::uint16_t> MessagesFor(const RunArguments& arguments) {
     throw UsageError("--event: " + PrintableQuoted(arguments.event) + " is none of pre, post, both");
 }
 
-std::vector<std::string> SplitTitles(const std::string& text) {
+std::vector<std::string> splitTitles(const std::string& text) {
     std::vector<std::string> titles;
     std::stringstream in(text);
     for (std::string title; std::getline(in, title, ',');) titles.push_back(title);
     return titles;
 }
 
-AnswerPolicy PolicyFor(const std::string& text, bool isGiven) {
+AnswerPolicy policyFor(const std::string& text, bool isGiven) {
     using Kind = AnswerPolicy::Kind;
-    if (!isGiven) return {isatty(STDIN_FILENO) == 1 ? Kind::Ask : Kind::First, {}, {}};
-    if (text == "ask") return {Kind::Ask, {}, {}};
-    if (text == "desktop") return {Kind::Desktop, {}, FindDialogPrograms()};
-    if (text == "first") return {Kind::First, {}, {}};
+    if (!isGiven) return {isatty(STDIN_FILENO) == 1 ? Kind::kAsk : Kind::kFirst, {}, {}};
+    if (text == "ask") return {Kind::kAsk, {}, {}};
+    if (text == "desktop") return {Kind::kDesktop, {}, FindDialogPrograms()};
+    if (text == "first") return {Kind::kFirst, {}, {}};
     if (text.empty()) throw UsageError("--answers: give ask, desktop, first, or the titles of buttons");
-    return {Kind::Titles, SplitTitles(text), {}};
+    return {Kind::kTitles, splitTitles(text), {}};
 }
 
-RunOptions Checked(RunArguments& arguments, const CLI::App& run) {
+RunOptions checked(RunArguments& arguments, const CLI::App& run) {
     RunOptions& options = arguments.options;
     if (!options.blockFile.empty()) {
         for (const CLI::Option* option : arguments.excludedByBlock) {
@@ -119,27 +119,27 @@ RunOptions Checked(RunArguments& arguments, const CLI::App& run) {
         if (arguments.message && run.count("--event") > 0) {
             throw UsageError("--event and --message exclude each other");
         }
-        options.messages = MessagesFor(arguments);
+        options.messages = messagesFor(arguments);
     }
     if (options.isDryRun && options.volume.empty()) {
         throw UsageError("--dry-run needs --volume: without one the run has a scratch volume anyway");
     }
-    options.answers = PolicyFor(arguments.answers, run.count("--answers") > 0);
+    options.answers = policyFor(arguments.answers, run.count("--answers") > 0);
     return options;
 }
 
 /// What stands in the parameter block.
-void DescribeBlock(CLI::App& run, RunArguments& arguments) {
+void describeBlock(CLI::App& run, RunArguments& arguments) {
     RunOptions& options = arguments.options;
-    auto* product = AddNumber(run, "--product", options.product, ParseInteger<std::int32_t>, "Product code");
-    auto* language = AddNumber(run, "--language", options.language, ParseInteger<std::int32_t>,
+    auto* product = addNumber(run, "--product", options.product, parseInteger<std::int32_t>, "Product code");
+    auto* language = addNumber(run, "--language", options.language, parseInteger<std::int32_t>,
                                "Language code (default 0)");
-    auto* selector = AddNumber(run, "--selector", options.selector, ParseInteger<std::uint16_t>,
+    auto* selector = addNumber(run, "--selector", options.selector, parseInteger<std::uint16_t>,
                                "Call kind (default 1000)");
     auto* event =
         run.add_option("--event", arguments.event, "Events to deliver: pre, post or both (default)");
     event->type_name("EVENT");
-    auto* message = AddNumber(run, "--message", arguments.message, ParseInteger<std::uint16_t>,
+    auto* message = addNumber(run, "--message", arguments.message, parseInteger<std::uint16_t>,
                               "Deliver this message alone: 2 pre-install, 3 post-install, or any other");
     arguments.excludedByBlock = {product, language, selector, event, message};
     run.add_option("--block", options.blockFile,
@@ -148,7 +148,7 @@ void DescribeBlock(CLI::App& run, RunArguments& arguments) {
 }
 
 /// A switch of the platform, which the child process inherits.
-void AddMacFlag(CLI::App& app) {
+void addMacFlag(CLI::App& app) {
     const auto prefer = [] {
         if (!macplatform::PreferMacCode(true))
             throw UsageError("--mac: only the 32-bit build of this tool runs a bundle's code for the Mac");
@@ -156,10 +156,10 @@ void AddMacFlag(CLI::App& app) {
     app.add_flag_callback("--mac", prefer, "Load the bundle's executable for the Mac, not that for Linux");
 }
 
-void DescribeRun(CLI::App& run, RunArguments& arguments) {
+void describeRun(CLI::App& run, RunArguments& arguments) {
     RunOptions& options = arguments.options;
     run.add_option("BUNDLE", options.bundle, "The bundle's folder")->type_name("DIR")->required();
-    DescribeBlock(run, arguments);
+    describeBlock(run, arguments);
     run.add_flag("--direct", options.isDirect, "Call the exported PreInstall and PostInstall by name");
     run.add_option("--volume", options.volume,
                    "Folder that stands for the startup volume (default: a scratch sample volume)")
@@ -170,15 +170,15 @@ void DescribeRun(CLI::App& run, RunArguments& arguments) {
            "Who answers alerts: ask (default on a terminal), desktop (a window), first (the first button; "
            "default elsewhere), or the titles of buttons, one for each alert, with commas between")
         ->type_name("WHO");
-    AddMacFlag(run);
+    addMacFlag(run);
     run.add_flag("--trace", options.hasTrace, "Show every platform call in order");
-    AddNumber(run, "--timeout", options.secondsPerCall, ParseSeconds,
+    addNumber(run, "--timeout", options.secondsPerCall, parseSeconds,
               "Seconds that one call may take (default 10)");
     run.add_flag("--json", options.isJson, "Print one JSON document");
     run.footer(kRunFooter);
 }
 
-void DescribeValidate(CLI::App& validate, ValidateOptions& options) {
+void describeValidate(CLI::App& validate, ValidateOptions& options) {
     validate.add_option("BUNDLE", options.bundles, "One or more bundles' folders")
         ->type_name("DIR")
         ->required();
@@ -187,18 +187,18 @@ void DescribeValidate(CLI::App& validate, ValidateOptions& options) {
                     "Run these checks only: ids, groups, or patterns such as 'steps.*'")
         ->type_name("ID");
     validate.add_option("--exclude", options.exclude, "Do not run these checks")->type_name("ID");
-    AddMacFlag(validate);
+    addMacFlag(validate);
     validate.add_flag("--json", options.isJson, "Print one JSON document");
     validate.add_option("--junit", options.junitFile, "Write the results for a build server to this file")
         ->type_name("FILE");
     validate.add_option("--html", options.htmlFile, "Write a page for the browser to this file")
         ->type_name("FILE");
-    AddNumber(validate, "--timeout", options.secondsPerCall, ParseSeconds,
+    addNumber(validate, "--timeout", options.secondsPerCall, parseSeconds,
               "Seconds that one call may take (default 10); a check may take twenty times that");
-    AddNumber(
+    addNumber(
         validate, "--jobs", options.atOnce,
         [](const std::string& name, const std::string& text) {
-            const auto count = ParseInteger<std::uint8_t>(name, text);
+            const auto count = parseInteger<std::uint8_t>(name, text);
             if (count == 0) throw UsageError(name + ": at least 1");
             return unsigned{count};
         },
@@ -213,7 +213,7 @@ void DescribeValidate(CLI::App& validate, ValidateOptions& options) {
         "Where several checks fail, the first of them decides.");
 }
 
-void DescribeList(CLI::App& list, ListChecksOptions& options) {
+void describeList(CLI::App& list, ListChecksOptions& options) {
     CLI::App* const checks =
         list.add_subcommand("checks", "All checks of validate, with what they are about");
     checks->add_flag("--json", options.isJson, "Print one JSON document");
@@ -221,13 +221,13 @@ void DescribeList(CLI::App& list, ListChecksOptions& options) {
     list.footer("Example:\n  xcodhost list checks");
 }
 
-void DescribeExplain(CLI::App& explain, ExplainOptions& options) {
+void describeExplain(CLI::App& explain, ExplainOptions& options) {
     explain.add_option("ID", options.check, "The check's id")->type_name("")->required();
     explain.add_flag("--json", options.isJson, "Print one JSON document");
     explain.footer("Example:\n  xcodhost explain steps.alert");
 }
 
-void DescribeShow(CLI::App& show, ShowOptions& options) {
+void describeShow(CLI::App& show, ShowOptions& options) {
     show.add_option("--volume", options.volume, "Folder that stands for the startup volume")
         ->type_name("DIR")
         ->required();
@@ -235,7 +235,7 @@ void DescribeShow(CLI::App& show, ShowOptions& options) {
     show.footer("Example:\n  xcodhost show --volume vol");
 }
 
-void DescribeVolume(CLI::App& volume, VolumeOptions& options) {
+void describeVolume(CLI::App& volume, VolumeOptions& options) {
     volume.add_option("DIR", options.folder, "A new folder, an empty one, or a sample volume to complete")
         ->type_name("")
         ->required();
@@ -256,7 +256,7 @@ void DescribeVolume(CLI::App& volume, VolumeOptions& options) {
                   "  xcodhost volume vol --status 'UpdatesDisabled' --no-icon");
 }
 
-void DescribeInfo(CLI::App& info, InfoOptions& options) {
+void describeInfo(CLI::App& info, InfoOptions& options) {
     info.add_option("BUNDLE", options.bundle, "The bundle's folder")->type_name("DIR")->required();
     info.add_flag("--json", options.isJson, "Print one JSON document");
     info.footer("Example:\n  xcodhost info PostInstall.bundle");
@@ -264,14 +264,14 @@ void DescribeInfo(CLI::App& info, InfoOptions& options) {
 
 /// The command's options are made when it is met, and those of the others never.
 template <typename Describe>
-CLI::App* AddCommand(CLI::App& app, const char* name, const char* summary, Describe describe) {
+CLI::App* addCommand(CLI::App& app, const char* name, const char* summary, Describe describe) {
     CLI::App* const command = app.add_subcommand(name, summary);
     command->preparse_callback([command, describe](std::size_t) { describe(*command); });
     return command;
 }
 
 /// The parser's own words, without line feeds.
-UsageError FromParser(const CLI::ParseError& error) {
+UsageError fromParser(const CLI::ParseError& error) {
     std::string text = error.what();
     for (char& c : text) {
         if (c == '\n') c = ' ';
@@ -295,22 +295,22 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     InfoOptions infoOptions;
     ListChecksOptions listOptions;
     ExplainOptions explainOptions;
-    CLI::App* const run = AddCommand(app, "run", "Deliver the installer's events to a bundle",
-                                     [&](CLI::App& command) { DescribeRun(command, runArguments); });
+    CLI::App* const run = addCommand(app, "run", "Deliver the installer's events to a bundle",
+                                     [&](CLI::App& command) { describeRun(command, runArguments); });
     CLI::App* const validate =
-        AddCommand(app, "validate", "Check bundles against the plug-in contract",
-                   [&](CLI::App& command) { DescribeValidate(command, validateOptions); });
-    CLI::App* const show = AddCommand(app, "show", "Show preferences and Finder flags on a volume",
-                                      [&](CLI::App& command) { DescribeShow(command, showOptions); });
-    CLI::App* const volume = AddCommand(app, "volume", "Make a sample startup volume",
-                                        [&](CLI::App& command) { DescribeVolume(command, volumeOptions); });
-    AddCommand(app, "info", "Show what a bundle is, without loading it",
-               [&](CLI::App& command) { DescribeInfo(command, infoOptions); });
-    CLI::App* const list = AddCommand(app, "list", "List the checks of validate",
-                                      [&](CLI::App& command) { DescribeList(command, listOptions); });
+        addCommand(app, "validate", "Check bundles against the plug-in contract",
+                   [&](CLI::App& command) { describeValidate(command, validateOptions); });
+    CLI::App* const show = addCommand(app, "show", "Show preferences and Finder flags on a volume",
+                                      [&](CLI::App& command) { describeShow(command, showOptions); });
+    CLI::App* const volume = addCommand(app, "volume", "Make a sample startup volume",
+                                        [&](CLI::App& command) { describeVolume(command, volumeOptions); });
+    addCommand(app, "info", "Show what a bundle is, without loading it",
+               [&](CLI::App& command) { describeInfo(command, infoOptions); });
+    CLI::App* const list = addCommand(app, "list", "List the checks of validate",
+                                      [&](CLI::App& command) { describeList(command, listOptions); });
     CLI::App* const explain =
-        AddCommand(app, "explain", "Tell what a check is about",
-                   [&](CLI::App& command) { DescribeExplain(command, explainOptions); });
+        addCommand(app, "explain", "Tell what a check is about",
+                   [&](CLI::App& command) { describeExplain(command, explainOptions); });
     app.footer("xcodhost COMMAND --help shows a command's options and examples.");
     try {
         app.parse(argc, argv);
@@ -319,9 +319,9 @@ Command ParseCommandLine(int argc, const char* const* argv) {
         app.exit(request, out, out);
         return HelpText{out.str()};
     } catch (const CLI::ParseError& error) {
-        throw FromParser(error);
+        throw fromParser(error);
     }
-    if (run->parsed()) return Checked(runArguments, *run);
+    if (run->parsed()) return checked(runArguments, *run);
     if (validate->parsed()) return validateOptions;
     if (list->parsed()) return listOptions;
     if (explain->parsed()) return explainOptions;

@@ -24,7 +24,7 @@ namespace {
 /// A run may take as long as this many calls.
 constexpr double kCallsPerRun = 20;
 
-std::vector<ParameterBlock> BlocksFor(const RunOptions& options) {
+std::vector<ParameterBlock> blocksFor(const RunOptions& options) {
     std::vector<ParameterBlock> blocks;
     if (!options.blockFile.empty()) blocks.push_back(ReadBlockFile(options.blockFile));
     for (const std::uint16_t message : options.messages) {
@@ -40,16 +40,16 @@ std::vector<ParameterBlock> BlocksFor(const RunOptions& options) {
     return blocks;
 }
 
-DeliveryPlan PlanFor(const RunOptions& options) {
+DeliveryPlan planFor(const RunOptions& options) {
     DeliveryPlan plan;
-    plan.blocks = BlocksFor(options);
+    plan.blocks = blocksFor(options);
     plan.bundle = std::filesystem::absolute(options.bundle).lexically_normal().string();
     plan.isDirect = options.isDirect;
     plan.tellsAll = options.hasTrace;
     return plan;
 }
 
-ChildLimits LimitsFor(const RunOptions& options) {
+ChildLimits limitsFor(const RunOptions& options) {
     ChildLimits limits;
     limits.secondsPerCall = options.secondsPerCall;
     limits.secondsPerRun = options.secondsPerCall * kCallsPerRun;
@@ -62,7 +62,7 @@ public:
     WorkVolume(const RunOptions& options, const Interruption& interruption) {
         if (!options.volume.empty()) folder = VolumeFolder(options.volume);
         if (!folder.empty() && !options.isDryRun) return;
-        scratch.emplace(options.isDryRun ? ScratchFolder::Use::Copies : ScratchFolder::Use::Samples);
+        scratch.emplace(options.isDryRun ? ScratchFolder::Use::kCopies : ScratchFolder::Use::kSamples);
         if (options.isDryRun) {
             CopyVolume(folder, scratch->Path(), interruption);
         } else {
@@ -88,7 +88,7 @@ public:
 
     int Answer(macplatform::Alert&& alert) {
         const auto [button, note] = answers.To(alert);
-        const bool isStop = alert.kind == macplatform::Alert::Kind::Stop;
+        const bool isStop = alert.kind == macplatform::Alert::Kind::kStop;
         if (!note.empty() && !isStop && !std::exchange(hasNoted, true)) {
             Note(Describe(alert) + " was not shown: " + note);
         }
@@ -133,14 +133,14 @@ private:
 };
 
 /// What became of a preferences file that cannot be read now.
-std::string FileProblem(const std::string& domain, const PreferencesFile& file, const VolumeState& before,
+std::string fileProblem(const std::string& domain, const PreferencesFile& file, const VolumeState& before,
                         const VolumeState& after, bool hasLostWrite) {
     std::string text = Printable(domain) + ": " + Printable(file.path) + ' ' + file.problem;
     if (!IsUntouched(before, after, file.path)) return text + "; the run made it so";
     return text + "; left as it was" + (hasLostWrite ? ", nothing was stored" : "");
 }
 
-std::vector<std::string> FindProblems(const RunResult& result, const VolumeState& before,
+std::vector<std::string> findProblems(const RunResult& result, const VolumeState& before,
                                       const VolumeState& after) {
     std::map<std::string, std::string> lost; // the first reason for each domain
     for (const CallRecord& call : result.calls) {
@@ -150,7 +150,7 @@ std::vector<std::string> FindProblems(const RunResult& result, const VolumeState
     for (const auto& [domain, file] : after.preferences) {
         if (file.problem.empty()) continue;
         const bool hasLostWrite = lost.erase(domain) > 0;
-        problems.push_back(FileProblem(domain, file, before, after, hasLostWrite));
+        problems.push_back(fileProblem(domain, file, before, after, hasLostWrite));
     }
     for (const auto& [domain, reason] : lost) {
         problems.push_back(
@@ -162,7 +162,7 @@ std::vector<std::string> FindProblems(const RunResult& result, const VolumeState
 } // namespace
 
 RunResult RunBundle(const RunOptions& options) {
-    DeliveryPlan plan = PlanFor(options);
+    DeliveryPlan plan = planFor(options);
     RunResult result;
     result.bundle = options.bundle;
     result.volume = options.volume;
@@ -178,10 +178,10 @@ RunResult RunBundle(const RunOptions& options) {
     const ChildListener listener{
         [&](Message&& message) { recorder.Take(std::move(message)); },
         [&](macplatform::Alert&& alert) { return recorder.Answer(std::move(alert)); }};
-    result.end = RunInChild([&](const Channel& channel) { Deliver(plan, channel); }, LimitsFor(options),
+    result.end = RunInChild([&](const Channel& channel) { Deliver(plan, channel); }, limitsFor(options),
                             listener, interruption);
     VolumeState after = ReadVolume(volume.Folder());
-    result.problems = FindProblems(result, before, after);
+    result.problems = findProblems(result, before, after);
     result.changes = Compare(std::move(before), std::move(after));
     return result;
 }
@@ -189,7 +189,7 @@ RunResult RunBundle(const RunOptions& options) {
 ExitStatus RunCommand(const RunOptions& options) {
     const RunResult result = RunBundle(options);
     const Verdict verdict = Judge(result);
-    if (verdict.status == ExitStatus::NotLoaded) Note(result.loadFailure->text);
+    if (verdict.status == ExitStatus::kNotLoaded) Note(result.loadFailure->text);
     WriteResult(options.isJson ? RunReportJson(result, verdict) : RunReport(result, verdict, Style()));
     return verdict.status;
 }

@@ -13,7 +13,7 @@ namespace xcodhost {
 
 namespace {
 
-std::vector<std::string> ProblemsOf(const VolumeState& state) {
+std::vector<std::string> problemsOf(const VolumeState& state) {
     std::vector<std::string> problems = state.problems;
     for (const auto& [domain, file] : state.preferences) {
         if (!file.problem.empty())
@@ -23,7 +23,7 @@ std::vector<std::string> ProblemsOf(const VolumeState& state) {
 }
 
 template <typename Visit>
-void ForEachFlag(const VolumeState& state, Visit visit) {
+void forEachFlag(const VolumeState& state, Visit visit) {
     for (const auto& [path, item] : state.items) {
         for (const FinderFlagName& flag : kFinderFlagNames) {
             const int setting = (item.finderFlags & flag.mask) >> flag.shift;
@@ -32,27 +32,27 @@ void ForEachFlag(const VolumeState& state, Visit visit) {
     }
 }
 
-std::string ShowText(const VolumeState& state) {
+std::string showText(const VolumeState& state) {
     std::string text;
     for (const auto& [domain, file] : state.preferences) {
         for (const auto& [key, value] : file.values) {
             text += Printable(domain) + ' ' + Printable(key) + ": " + Describe(value) + '\n';
         }
     }
-    ForEachFlag(state, [&](const std::string& path, const FinderFlagName& flag, int setting) {
+    forEachFlag(state, [&](const std::string& path, const FinderFlagName& flag, int setting) {
         text += Printable(path) + ": " + Describe(flag) + ' ' + DescribeSetting(flag, setting) + '\n';
     });
     if (text.empty()) text = "no preferences, no Finder flags\n";
-    for (const std::string& problem : ProblemsOf(state)) text += problem + '\n';
+    for (const std::string& problem : problemsOf(state)) text += problem + '\n';
     return text;
 }
 
-std::string ShowJson(const VolumeState& state, const std::string& volume) {
+std::string showJson(const VolumeState& state, const std::string& volume) {
     Json document = {{"command", "show"},
                      {"volume", volume},
                      {"preferences", Json::array()},
                      {"finderFlags", Json::array()},
-                     {"problems", ProblemsOf(state)},
+                     {"problems", problemsOf(state)},
                      {"exitStatus", 0}};
     for (const auto& [domain, file] : state.preferences) {
         for (const auto& [key, value] : file.values) {
@@ -60,7 +60,7 @@ std::string ShowJson(const VolumeState& state, const std::string& volume) {
                 {{"domain", domain}, {"key", key}, {"value", ValueJson(value)}});
         }
     }
-    ForEachFlag(state, [&](const std::string& path, const FinderFlagName& flag, int setting) {
+    forEachFlag(state, [&](const std::string& path, const FinderFlagName& flag, int setting) {
         Json one = FlagJson(flag);
         one["path"] = path;
         one["setting"] = setting;
@@ -73,8 +73,8 @@ std::string ShowJson(const VolumeState& state, const std::string& volume) {
 
 ExitStatus ShowCommand(const ShowOptions& options) {
     const VolumeState state = ReadVolume(VolumeFolder(options.volume));
-    WriteResult(options.isJson ? ShowJson(state, options.volume) : ShowText(state));
-    return ExitStatus::Done;
+    WriteResult(options.isJson ? showJson(state, options.volume) : showText(state));
+    return ExitStatus::kDone;
 }
 
 } // namespace xcodhost

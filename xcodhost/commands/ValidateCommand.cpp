@@ -20,14 +20,14 @@ namespace xcodhost {
 namespace {
 
 /// The processors that this process may use.
-unsigned Processors() {
+unsigned processors() {
     cpu_set_t allowed;
     CPU_ZERO(&allowed);
     if (sched_getaffinity(0, sizeof allowed, &allowed) < 0) return 1;
     return static_cast<unsigned>(std::max(CPU_COUNT(&allowed), 1));
 }
 
-std::vector<const Check*> Chosen(const ValidateOptions& options) {
+std::vector<const Check*> chosen(const ValidateOptions& options) {
     std::vector<const Check*> checks = MatchingChecks(options.include);
     if (options.exclude.empty()) return checks;
     const auto excluded = MatchingChecks(options.exclude);
@@ -64,7 +64,7 @@ private:
     bool isTerminal = isatty(STDERR_FILENO) == 1;
 };
 
-void WriteFile(const std::string& path, const std::string& text) {
+void writeFile(const std::string& path, const std::string& text) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"), &std::fclose);
     if (!file || std::fwrite(text.data(), 1, text.size(), file.get()) != text.size() ||
         std::fflush(file.get()) != 0) {
@@ -73,7 +73,7 @@ void WriteFile(const std::string& path, const std::string& text) {
 }
 
 /// Told before a long run, not after it.
-void ExpectWritable(const std::string& path) {
+void expectWritable(const std::string& path) {
     if (path.empty()) return;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "ab"), &std::fclose);
     if (!file) throw UsageError(ToolFault::FromErrno(Printable(path)).what());
@@ -82,12 +82,12 @@ void ExpectWritable(const std::string& path) {
 } // namespace
 
 ExitStatus ValidateCommand(const ValidateOptions& options) {
-    ExpectWritable(options.junitFile);
-    ExpectWritable(options.htmlFile);
+    expectWritable(options.junitFile);
+    expectWritable(options.htmlFile);
     ValidationPlan plan;
-    plan.checks = Chosen(options);
+    plan.checks = chosen(options);
     plan.secondsPerCall = options.secondsPerCall;
-    plan.atOnce = options.atOnce == 0 ? Processors() : options.atOnce;
+    plan.atOnce = options.atOnce == 0 ? processors() : options.atOnce;
     std::vector<BundleResult> results;
     for (const std::string& bundle : options.bundles) {
         const Interruption interruption;
@@ -99,8 +99,8 @@ ExitStatus ValidateCommand(const ValidateOptions& options) {
     all.reserve(results.size());
     for (const BundleResult& result : results) all.push_back(&result);
     const ValidationVerdict verdict = Judge(all);
-    if (!options.junitFile.empty()) WriteFile(options.junitFile, JUnitReport(results));
-    if (!options.htmlFile.empty()) WriteFile(options.htmlFile, HtmlPage(results, verdict));
+    if (!options.junitFile.empty()) writeFile(options.junitFile, JUnitReport(results));
+    if (!options.htmlFile.empty()) writeFile(options.htmlFile, HtmlPage(results, verdict));
     WriteResult(options.isJson ? ValidateReportJson(results, verdict)
                                : ValidateReport(results, verdict, Style()));
     return verdict.status;

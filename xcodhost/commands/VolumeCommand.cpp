@@ -11,12 +11,12 @@ ExitStatus VolumeCommand(const VolumeOptions& options) {
     if (options.isJson) {
         WriteResult(DumpDocument(
             {{"command", "volume"}, {"volume", options.folder}, {"itemsMade", made}, {"exitStatus", 0}}));
-        return ExitStatus::Done;
+        return ExitStatus::kDone;
     }
     WriteResult("DONE " + Printable(options.folder) + ": " +
                 (made == 0 ? "a sample volume already, left as it is" : Counted(made, "item") + " made") +
                 '\n');
-    return ExitStatus::Done;
+    return ExitStatus::kDone;
 }
 
 } // namespace xcodhost

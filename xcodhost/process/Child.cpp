@@ -26,7 +26,7 @@ struct Ends {
     Descriptor childs;
 };
 
-Ends NewSocket() {
+Ends newSocket() {
     int pair[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) < 0) {
         throw ToolFault::FromErrno("no socket for the child process");
@@ -34,14 +34,14 @@ Ends NewSocket() {
     return {Descriptor(pair[0]), Descriptor(pair[1])};
 }
 
-Ends NewPipe() {
+Ends newPipe() {
     int pair[2];
     if (pipe2(pair, O_CLOEXEC) < 0) throw ToolFault::FromErrno("no pipe for the child process");
     fcntl(pair[0], F_SETFL, O_NONBLOCK);
     return {Descriptor(pair[0]), Descriptor(pair[1])};
 }
 
-void RunBody(const std::function<void(const Channel&)>& body, int socket) {
+void runBody(const std::function<void(const Channel&)>& body, int socket) {
     const Channel channel(socket, getpid());
     try {
         body(channel);
@@ -51,7 +51,7 @@ void RunBody(const std::function<void(const Channel&)>& body, int socket) {
     }
 }
 
-bool IsRefused(ssize_t count) { return count < 0 && errno != EAGAIN && errno != EINTR; }
+bool isRefused(ssize_t count) { return count < 0 && errno != EAGAIN && errno != EINTR; }
 
 } // namespace
 
@@ -68,7 +68,7 @@ public:
           socket(std::move(channel.ours)),
           output(std::move(print.ours)),
           child({channel.childs.Number(), print.childs.Number()}, pendingSignals,
-                [&] { RunBody(body, channel.childs.Number()); }) {}
+                [&] { runBody(body, channel.childs.Number()); }) {}
 
     static constexpr std::size_t kDescriptors = 3;
     void AppendTo(std::vector<pollfd>& waits) const {
@@ -80,13 +80,13 @@ public:
 
     /// `ready` is the part of poll's answer that AppendTo asked for. The end, if this was it.
     std::optional<ChildEnd> Serve(const pollfd* ready) {
-        if (deadlines.HavePassed()) return Ended(ChildEnd::Kind::OverTime, 0, deadlines.PassedLimit());
+        if (deadlines.HavePassed()) return Ended(ChildEnd::Kind::kOverTime, 0, deadlines.PassedLimit());
         // Looked at before the rest is read: what a child told before its end is then all there.
         const bool hasEnded = ready[2].revents != 0;
         do {
             gotBytes = false;
-            if (!ReadOutput()) return Ended(ChildEnd::Kind::OverOutput, 0, 0);
-            if (!ReadReport()) return Ended(ChildEnd::Kind::OverReport, 0, 0);
+            if (!ReadOutput()) return Ended(ChildEnd::Kind::kOverOutput, 0, 0);
+            if (!ReadReport()) return Ended(ChildEnd::Kind::kOverReport, 0, 0);
         } while (hasEnded && gotBytes);
         return hasEnded ? std::optional(EndOf(child.Reap())) : std::nullopt;
     }
@@ -101,15 +101,15 @@ private:
 
     ChildEnd EndOf(int status) const {
         if (isDone) return {};
-        if (WIFSIGNALED(status)) return {ChildEnd::Kind::Signalled, WTERMSIG(status), 0};
-        return {ChildEnd::Kind::Exited, WEXITSTATUS(status), 0};
+        if (WIFSIGNALED(status)) return {ChildEnd::Kind::kSignalled, WTERMSIG(status), 0};
+        return {ChildEnd::Kind::kExited, WEXITSTATUS(status), 0};
     }
 
     /// False when the child prints too much.
     bool ReadOutput() {
         if (output.Number() < 0) return true;
         const ssize_t count = read(output.Number(), buffer.data(), buffer.size());
-        if (count == 0 || IsRefused(count)) output.Close();
+        if (count == 0 || isRefused(count)) output.Close();
         if (count <= 0) return true;
         gotBytes = true;
         printed += static_cast<std::size_t>(count);
@@ -121,7 +121,7 @@ private:
     bool ReadReport() {
         if (socket.Number() < 0) return true;
         const ssize_t count = recv(socket.Number(), buffer.data(), buffer.size(), MSG_DONTWAIT);
-        if (count == 0 || IsRefused(count)) socket.Close();
+        if (count == 0 || isRefused(count)) socket.Close();
         if (count <= 0) return true;
         gotBytes = true;
         received += static_cast<std::size_t>(count);
@@ -179,7 +179,7 @@ Children::~Children() = default;
 
 void Children::Start(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
                      ChildListener listener, std::function<void(const ChildEnd&)> onEnd) {
-    running.push_back(std::make_unique<Supervision>(NewSocket(), listener.onOutput ? NewPipe() : Ends{}, body,
+    running.push_back(std::make_unique<Supervision>(newSocket(), listener.onOutput ? newPipe() : Ends{}, body,
                                                     limits, std::move(listener), std::move(onEnd),
                                                     interruption));
 }

@@ -23,14 +23,14 @@ struct ChildLimits {
 
 struct ChildEnd {
     enum class Kind {
-        Finished,   ///< It told Done and ended.
-        Exited,     ///< It ended before that with `code` as exit status.
-        Signalled,  ///< A signal, `code`, ended it.
-        OverTime,   ///< A limit passed; it was ended.
-        OverReport, ///< It told more than the limit, or what is no message; it was ended.
-        OverOutput, ///< It printed more than the limit; it was ended.
+        kFinished,   ///< It told Done and ended.
+        kExited,     ///< It ended before that with `code` as exit status.
+        kSignalled,  ///< A signal, `code`, ended it.
+        kOverTime,   ///< A limit passed; it was ended.
+        kOverReport, ///< It told more than the limit, or what is no message; it was ended.
+        kOverOutput, ///< It printed more than the limit; it was ended.
     };
-    Kind kind = Kind::Finished;
+    Kind kind = Kind::kFinished;
     int code = 0;
     double seconds = 0; ///< The limit that passed.
 };

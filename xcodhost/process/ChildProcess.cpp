@@ -18,16 +18,16 @@ namespace xcodhost {
 namespace {
 
 /// The children that are not reaped yet. Whatever else is a child of this process is an orphan.
-std::vector<pid_t>& LivingChildren() {
-    static std::vector<pid_t> children;
-    return children;
+std::vector<pid_t>& livingChildren() {
+    static std::vector<pid_t> gChildren;
+    return gChildren;
 }
 
 /// An orphan's own children become orphans when it dies, hence the rounds; their number is limited because a
 /// bundle may start processes faster than they can be ended.
-void EndOrphans() {
+void endOrphans() {
     constexpr int rounds = 1000;
-    const auto& known = LivingChildren();
+    const auto& known = livingChildren();
     for (int round = 0; round < rounds; ++round) {
         bool hasOrphan = false;
         for (const pid_t child : ChildrenOfThisProcess()) {
@@ -41,7 +41,7 @@ void EndOrphans() {
 }
 
 /// Standard input empty; what the child prints goes to `output`.
-bool SettleStreams(int output) {
+bool settleStreams(int output) {
     const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
     if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0) return false;
     if (nothing != STDIN_FILENO) close(nothing);
@@ -50,20 +50,20 @@ bool SettleStreams(int output) {
 }
 
 /// What the parent has open is none of the bundle's business.
-void CloseAllBut(int kept) {
+void closeAllBut(int kept) {
     const auto number = static_cast<unsigned>(kept);
     if (number > STDERR_FILENO + 1) close_range(STDERR_FILENO + 1, number - 1, 0);
     close_range(number + 1, ~0U, 0);
 }
 
 /// In the child.
-void Settle(const ChildProcess::Streams& streams, pid_t parent, const Interruption& interruption) {
+void settle(const ChildProcess::Streams& streams, pid_t parent, const Interruption& interruption) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     prctl(PR_SET_CHILD_SUBREAPER,
           1); // what the bundle leaves behind can be told from other bundles' leavings
-    if (getppid() != parent || !SettleStreams(streams.output)) _exit(70); // or: the parent died before
-    CloseAllBut(streams.socket);
+    if (getppid() != parent || !settleStreams(streams.output)) _exit(70); // or: the parent died before
+    closeAllBut(streams.socket);
     interruption.LiftInChild();
 }
 
@@ -75,17 +75,17 @@ ChildProcess::ChildProcess(const Streams& streams, const Interruption& interrupt
     SetSignalEffect(SIGCHLD, SIG_DFL);
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     const pid_t parent = getpid();
-    LivingChildren().reserve(LivingChildren().size() + 1);
+    livingChildren().reserve(livingChildren().size() + 1);
     id = fork();
     if (id < 0) throw ToolFault::FromErrno("no child process");
     if (id == 0) {
-        LivingChildren().clear();
-        Settle(streams, parent, interruption);
+        livingChildren().clear();
+        settle(streams, parent, interruption);
         body();
         _exit(0); // not exit(): the bundle's own clean-up at exit is no part of a delivery
     }
     setpgid(id, id); // both do it, so that it is done whoever runs first
-    LivingChildren().push_back(id);
+    livingChildren().push_back(id);
     end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
     if (end.Number() < 0) {
         const int error = errno;
@@ -99,9 +99,9 @@ int ChildProcess::Reap() {
     if (isReaped) return status;
     isReaped = true;
     status = EndGroup(id);
-    auto& living = LivingChildren();
+    auto& living = livingChildren();
     living.erase(std::remove(living.begin(), living.end(), id), living.end());
-    EndOrphans();
+    endOrphans();
     return status;
 }
 

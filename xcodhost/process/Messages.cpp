@@ -8,12 +8,12 @@ using nlohmann::json;
 
 namespace {
 
-json ToJson(const CallBegan& call) {
+json toJson(const CallBegan& call) {
     return {
         {"is", "began"}, {"function", call.function}, {"arguments", call.arguments}, {"event", call.event}};
 }
 
-json ToJson(const CallReturned& call) {
+json toJson(const CallReturned& call) {
     json value = {{"is", "returned"}, {"result", call.result}};
     if (call.block) {
         value["before"] = call.block->errorFlagsBefore;
@@ -23,7 +23,7 @@ json ToJson(const CallReturned& call) {
     return value;
 }
 
-json ToJson(const macplatform::JournalEntry& entry) {
+json toJson(const macplatform::JournalEntry& entry) {
     return {{"is", "journal"},
             {"call", entry.call},
             {"arguments", entry.arguments},
@@ -31,31 +31,31 @@ json ToJson(const macplatform::JournalEntry& entry) {
             {"note", entry.note}};
 }
 
-json ToJson(const macplatform::Alert& alert) {
+json toJson(const macplatform::Alert& alert) {
     return {{"is", "alert"},
-            {"stop", alert.kind == macplatform::Alert::Kind::Stop},
+            {"stop", alert.kind == macplatform::Alert::Kind::kStop},
             {"message", alert.message},
             {"buttons", alert.buttons},
             {"resource", alert.resource}};
 }
 
-json ToJson(const ExceptionEscaped& exception) {
+json toJson(const ExceptionEscaped& exception) {
     return {{"is", "exception"}, {"type", exception.type}, {"what", exception.what}};
 }
 
-json ToJson(const LoadFailed& failure) {
+json toJson(const LoadFailed& failure) {
     return {{"is", "notLoaded"}, {"reason", failure.reason}, {"text", failure.text}};
 }
 
-json ToJson(const ObjectsLeft& left) { return {{"is", "left"}, {"objects", left.objects}}; }
+json toJson(const ObjectsLeft& left) { return {{"is", "left"}, {"objects", left.objects}}; }
 
-json ToJson(const Finding& finding) {
+json toJson(const Finding& finding) {
     return {{"is", "finding"}, {"expected", finding.expected}, {"seen", finding.seen}};
 }
 
-json ToJson(const GaveUp& given) { return {{"is", "gaveUp"}, {"reason", given.reason}}; }
+json toJson(const GaveUp& given) { return {{"is", "gaveUp"}, {"reason", given.reason}}; }
 
-json ToJson(const TableCell& cell) {
+json toJson(const TableCell& cell) {
     return {{"is", "cell"},
             {"product", cell.product},
             {"language", cell.language},
@@ -63,53 +63,53 @@ json ToJson(const TableCell& cell) {
             {"right", cell.isRight}};
 }
 
-json ToJson(const ChildFault& fault) { return {{"is", "fault"}, {"text", fault.text}}; }
+json toJson(const ChildFault& fault) { return {{"is", "fault"}, {"text", fault.text}}; }
 
-json ToJson(const Done&) { return {{"is", "done"}}; }
+json toJson(const Done&) { return {{"is", "done"}}; }
 
-std::string Text(const json& value, const char* key) { return value.at(key).get<std::string>(); }
+std::string textAt(const json& value, const char* key) { return value.at(key).get<std::string>(); }
 
-CallReturned ReturnedFrom(const json& value) {
-    CallReturned call{Text(value, "result"), std::nullopt};
+CallReturned returnedFrom(const json& value) {
+    CallReturned call{textAt(value, "result"), std::nullopt};
     if (value.contains("before")) {
         call.block = {value.at("before").get<std::uint32_t>(), value.at("after").get<std::uint32_t>(),
-                      Text(value, "otherBytes")};
+                      textAt(value, "otherBytes")};
     }
     return call;
 }
 
-macplatform::Alert AlertFrom(const json& value) {
+macplatform::Alert alertFrom(const json& value) {
     macplatform::Alert alert;
     alert.kind =
-        value.at("stop").get<bool>() ? macplatform::Alert::Kind::Stop : macplatform::Alert::Kind::Message;
-    alert.message = Text(value, "message");
+        value.at("stop").get<bool>() ? macplatform::Alert::Kind::kStop : macplatform::Alert::Kind::kMessage;
+    alert.message = textAt(value, "message");
     alert.buttons = value.at("buttons").get<std::vector<std::string>>();
     alert.resource = value.at("resource").get<int>();
     return alert;
 }
 
-std::optional<Message> MessageFrom(const json& value) {
-    const std::string is = Text(value, "is");
+std::optional<Message> messageFrom(const json& value) {
+    const std::string is = textAt(value, "is");
     if (is == "began") {
-        return CallBegan{Text(value, "function"), Text(value, "arguments"), Text(value, "event")};
+        return CallBegan{textAt(value, "function"), textAt(value, "arguments"), textAt(value, "event")};
     }
-    if (is == "returned") return ReturnedFrom(value);
+    if (is == "returned") return returnedFrom(value);
     if (is == "journal") {
-        return macplatform::JournalEntry{Text(value, "call"),
+        return macplatform::JournalEntry{textAt(value, "call"),
                                          value.at("arguments").get<std::vector<std::string>>(),
-                                         Text(value, "result"), Text(value, "note")};
+                                         textAt(value, "result"), textAt(value, "note")};
     }
-    if (is == "alert") return AlertFrom(value);
-    if (is == "exception") return ExceptionEscaped{Text(value, "type"), Text(value, "what")};
-    if (is == "notLoaded") return LoadFailed{Text(value, "reason"), Text(value, "text")};
+    if (is == "alert") return alertFrom(value);
+    if (is == "exception") return ExceptionEscaped{textAt(value, "type"), textAt(value, "what")};
+    if (is == "notLoaded") return LoadFailed{textAt(value, "reason"), textAt(value, "text")};
     if (is == "left") return ObjectsLeft{value.at("objects").get<std::vector<std::string>>()};
-    if (is == "finding") return Finding{Text(value, "expected"), Text(value, "seen")};
-    if (is == "gaveUp") return GaveUp{Text(value, "reason")};
+    if (is == "finding") return Finding{textAt(value, "expected"), textAt(value, "seen")};
+    if (is == "gaveUp") return GaveUp{textAt(value, "reason")};
     if (is == "cell") {
         return TableCell{value.at("product").get<std::int32_t>(), value.at("language").get<std::int32_t>(),
-                         Text(value, "seen"), value.at("right").get<bool>()};
+                         textAt(value, "seen"), value.at("right").get<bool>()};
     }
-    if (is == "fault") return ChildFault{Text(value, "text")};
+    if (is == "fault") return ChildFault{textAt(value, "text")};
     if (is == "done") return Done{};
     return std::nullopt;
 }
@@ -117,13 +117,13 @@ std::optional<Message> MessageFrom(const json& value) {
 } // namespace
 
 std::string Encode(const Message& message) {
-    const json value = std::visit([](const auto& one) { return ToJson(one); }, message);
+    const json value = std::visit([](const auto& one) { return toJson(one); }, message);
     return value.dump(-1, ' ', false, json::error_handler_t::replace) + '\n';
 }
 
 std::optional<Message> Decode(std::string_view line) {
     try {
-        return MessageFrom(json::parse(line));
+        return messageFrom(json::parse(line));
     } catch (const json::exception&) {
         return std::nullopt;
     }
@@ -132,23 +132,23 @@ std::optional<Message> Decode(std::string_view line) {
 const char* ReasonWord(macplatform::BundleFault fault) {
     using macplatform::BundleFault;
     switch (fault) {
-    case BundleFault::None:
+    case BundleFault::kNone:
         return "unknown";
-    case BundleFault::NoBundle:
+    case BundleFault::kNoBundle:
         return "no-bundle";
-    case BundleFault::BrokenList:
+    case BundleFault::kBrokenList:
         return "broken-property-list";
-    case BundleFault::MissingKey:
+    case BundleFault::kMissingKey:
         return "missing-key";
-    case BundleFault::NoExecutable:
+    case BundleFault::kNoExecutable:
         return "no-executable";
-    case BundleFault::WrongArchitecture:
+    case BundleFault::kWrongArchitecture:
         return "wrong-architecture";
-    case BundleFault::CannotLoad:
+    case BundleFault::kCannotLoad:
         return "cannot-load";
-    case BundleFault::SymbolMissing:
+    case BundleFault::kSymbolMissing:
         return "symbol-missing";
-    case BundleFault::FactoryRefused:
+    case BundleFault::kFactoryRefused:
         return "factory-refused";
     }
     return "unknown";

@@ -19,7 +19,7 @@ namespace xcodhost {
 namespace {
 
 /// Hands the signals on until the worker has ended.
-void Attend(pid_t worker, const Interruption& interruption) {
+void attend(pid_t worker, const Interruption& interruption) {
     const Descriptor end(static_cast<int>(syscall(SYS_pidfd_open, worker, 0)));
     std::array<pollfd, 2> waits{{{end.Number(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
     while (end.Number() >= 0 && waits[0].revents == 0) {
@@ -46,7 +46,7 @@ int RunInWorker(const std::function<int()>& work) {
         if (getppid() != parent) _exit(70); // it died before the first line
         _exit(work());
     }
-    Attend(worker, *interruption);
+    attend(worker, *interruption);
     const int status = WaitFor(worker);
     if (WIFSIGNALED(status)) DieOf(WTERMSIG(status));
     return WEXITSTATUS(status);

@@ -17,18 +17,18 @@ namespace {
 
 constexpr std::size_t kLongest = std::size_t{1} << 20;
 
-[[noreturn]] void Refuse(const std::string& path, const std::string& reason) {
+[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
     throw UsageError("--block: " + Printable(path) + ": " + reason);
 }
 
 /// Up to one byte more than the longest block.
-std::vector<char> ReadStart(int descriptor, const std::string& path) {
+std::vector<char> readStart(int descriptor, const std::string& path) {
     std::vector<char> bytes(kLongest + 1);
     std::size_t size = 0;
     while (size < bytes.size()) {
         const ssize_t count = read(descriptor, bytes.data() + size, bytes.size() - size);
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) Refuse(path, std::strerror(errno));
+        if (count < 0) refuse(path, std::strerror(errno));
         if (count == 0) break;
         size += static_cast<std::size_t>(count);
     }
@@ -41,19 +41,19 @@ std::vector<char> ReadStart(int descriptor, const std::string& path) {
 ParameterBlock ReadBlockFile(const std::string& path) {
     const int descriptor =
         open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); // a pipe must not wait for a writer
-    if (descriptor < 0) Refuse(path, std::strerror(errno));
+    if (descriptor < 0) refuse(path, std::strerror(errno));
     struct Closer {
         int number;
         ~Closer() { close(number); }
     } const closer{descriptor};
     struct stat status {};
-    if (fstat(descriptor, &status) < 0 || !S_ISREG(status.st_mode)) Refuse(path, "not a file");
-    std::vector<char> bytes = ReadStart(descriptor, path);
+    if (fstat(descriptor, &status) < 0 || !S_ISREG(status.st_mode)) refuse(path, "not a file");
+    std::vector<char> bytes = readStart(descriptor, path);
     if (bytes.size() < ParameterBlock::kSize) {
-        Refuse(path, std::to_string(bytes.size()) + " bytes, a parameter block has at least " +
+        refuse(path, std::to_string(bytes.size()) + " bytes, a parameter block has at least " +
                          std::to_string(ParameterBlock::kSize));
     }
-    if (bytes.size() > kLongest) Refuse(path, "longer than 1048576 bytes");
+    if (bytes.size() > kLongest) refuse(path, "longer than 1048576 bytes");
     return ParameterBlock(std::move(bytes));
 }
 

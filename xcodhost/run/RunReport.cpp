@@ -7,12 +7,12 @@ namespace xcodhost {
 
 namespace {
 
-std::string VolumeText(const RunResult& result) {
+std::string volumeText(const RunResult& result) {
     if (result.volume.empty()) return "a scratch sample volume, removed afterwards";
     return (result.isDryRun ? "a scratch copy, removed afterwards, of " : "") + Printable(result.volume);
 }
 
-std::string AlertLine(const AlertRecord& record) {
+std::string alertLine(const AlertRecord& record) {
     std::string buttons;
     for (const std::string& title : record.alert.buttons) buttons += " [" + Printable(title) + ']';
     const std::string answer = record.answer < 0
@@ -21,7 +21,7 @@ std::string AlertLine(const AlertRecord& record) {
     return "  " + Describe(record.alert) + buttons + ": " + answer + '\n';
 }
 
-std::string JournalLine(const macplatform::JournalEntry& entry) {
+std::string journalLine(const macplatform::JournalEntry& entry) {
     std::string text = "  " + entry.call;
     const bool isWholeMessage = !entry.call.empty() && entry.call.front() == '[';
     if (!isWholeMessage || !entry.arguments.empty()) {
@@ -36,7 +36,7 @@ std::string JournalLine(const macplatform::JournalEntry& entry) {
     return Printable(text) + '\n';
 }
 
-std::string ReturnLine(const CallReturned& returned) {
+std::string returnLine(const CallReturned& returned) {
     if (!returned.block)
         return returned.result.empty() ? "" : "  answered " + Printable(returned.result) + '\n';
     const BlockEffect& block = *returned.block;
@@ -51,18 +51,18 @@ std::string ReturnLine(const CallReturned& returned) {
 }
 
 /// Calls that only connect host and bundle are shown where they are not plain sailing.
-bool IsShown(const CallRecord& call, bool hasTrace) {
+bool isShown(const CallRecord& call, bool hasTrace) {
     return hasTrace || !call.call.event.empty() || !call.alerts.empty() || !call.returned;
 }
 
-std::string CallText(const CallRecord& call, const Style& style) {
+std::string callText(const CallRecord& call, const Style& style) {
     std::string text = style.Heading(call.Describe()) + '\n';
-    for (const auto& entry : call.platformCalls) text += JournalLine(entry);
-    for (const AlertRecord& alert : call.alerts) text += AlertLine(alert);
-    return text + (call.returned ? ReturnLine(*call.returned) : "  did not return\n");
+    for (const auto& entry : call.platformCalls) text += journalLine(entry);
+    for (const AlertRecord& alert : call.alerts) text += alertLine(alert);
+    return text + (call.returned ? returnLine(*call.returned) : "  did not return\n");
 }
 
-std::string EffectsText(const RunResult& result) {
+std::string effectsText(const RunResult& result) {
     std::string text;
     for (const PreferenceChange& change : result.changes.preferences) text += Line(change) + '\n';
     for (const FinderFlagChange& change : result.changes.finderFlags) text += Line(change) + '\n';
@@ -73,7 +73,7 @@ std::string EffectsText(const RunResult& result) {
     return text;
 }
 
-std::string ObjectsText(const RunResult& result) {
+std::string objectsText(const RunResult& result) {
     if (result.objectsLeft.empty()) return {};
     std::string text =
         "warning: " + Counted(result.objectsLeft.size(), "platform object") + " never released:\n";
@@ -95,13 +95,13 @@ std::string Line(const FinderFlagChange& change) {
 
 std::string RunReport(const RunResult& result, const Verdict& verdict, const Style& style) {
     const std::string last =
-        verdict.status == ExitStatus::Done ? style.Good(verdict.text) : style.Bad(verdict.text);
-    if (verdict.status == ExitStatus::NotLoaded && result.changes.Count() == 0) return last + '\n';
-    std::string text = "bundle  " + Printable(result.bundle) + "\nvolume  " + VolumeText(result) + "\n\n";
+        verdict.status == ExitStatus::kDone ? style.Good(verdict.text) : style.Bad(verdict.text);
+    if (verdict.status == ExitStatus::kNotLoaded && result.changes.Count() == 0) return last + '\n';
+    std::string text = "bundle  " + Printable(result.bundle) + "\nvolume  " + volumeText(result) + "\n\n";
     for (const CallRecord& call : result.calls) {
-        if (IsShown(call, result.hasTrace)) text += CallText(call, style);
+        if (isShown(call, result.hasTrace)) text += callText(call, style);
     }
-    return text + '\n' + EffectsText(result) + ObjectsText(result) + last + '\n';
+    return text + '\n' + effectsText(result) + objectsText(result) + last + '\n';
 }
 
 } // namespace xcodhost

@@ -10,8 +10,8 @@ namespace xcodhost {
 
 namespace {
 
-Json ToJson(const AlertRecord& record) {
-    const bool isStop = record.alert.kind == macplatform::Alert::Kind::Stop;
+Json toJson(const AlertRecord& record) {
+    const bool isStop = record.alert.kind == macplatform::Alert::Kind::kStop;
     Json value;
     value["kind"] = isStop ? "stop" : "message";
     value["message"] = record.alert.message;
@@ -22,7 +22,7 @@ Json ToJson(const AlertRecord& record) {
     return value;
 }
 
-Json ToJson(const CallRecord& call, bool hasTrace) {
+Json toJson(const CallRecord& call, bool hasTrace) {
     Json value;
     value["function"] = call.call.function;
     value["arguments"] = call.call.arguments;
@@ -34,7 +34,7 @@ Json ToJson(const CallRecord& call, bool hasTrace) {
         value["otherBytesChanged"] = block.otherBytes.empty() ? Json() : Json(block.otherBytes);
     }
     value["alerts"] = Json::array();
-    for (const AlertRecord& alert : call.alerts) value["alerts"].push_back(ToJson(alert));
+    for (const AlertRecord& alert : call.alerts) value["alerts"].push_back(toJson(alert));
     if (!hasTrace) return value;
     value["platformCalls"] = Json::array();
     for (const auto& entry : call.platformCalls) {
@@ -46,25 +46,25 @@ Json ToJson(const CallRecord& call, bool hasTrace) {
     return value;
 }
 
-Json OptionalJson(const std::optional<macplatform::PropertyValue>& value) {
+Json optionalJson(const std::optional<macplatform::PropertyValue>& value) {
     return value ? ValueJson(*value) : Json();
 }
 
-Json EndJson(const RunResult& result) {
+Json endJson(const RunResult& result) {
     switch (result.end.kind) {
-    case ChildEnd::Kind::Signalled: {
+    case ChildEnd::Kind::kSignalled: {
         const char* name = sigabbrev_np(result.end.code);
         return {{"kind", "signal"},
                 {"signal", name ? "SIG" + std::string(name) : std::to_string(result.end.code)}};
     }
-    case ChildEnd::Kind::Exited:
+    case ChildEnd::Kind::kExited:
         return {{"kind", "exit"}, {"code", result.end.code}};
-    case ChildEnd::Kind::OverTime:
+    case ChildEnd::Kind::kOverTime:
         return {{"kind", "time-limit"}, {"seconds", result.end.seconds}};
-    case ChildEnd::Kind::OverReport:
-    case ChildEnd::Kind::OverOutput:
+    case ChildEnd::Kind::kOverReport:
+    case ChildEnd::Kind::kOverOutput:
         return {{"kind", "broken-report"}};
-    case ChildEnd::Kind::Finished:
+    case ChildEnd::Kind::kFinished:
         break;
     }
     if (result.exception) {
@@ -78,13 +78,13 @@ Json EndJson(const RunResult& result) {
     return {{"kind", "finished"}};
 }
 
-Json ToJson(const Changes& changes) {
+Json toJson(const Changes& changes) {
     Json value = {{"preferences", Json::array()}, {"finderFlags", Json::array()}, {"files", Json::array()}};
     for (const PreferenceChange& change : changes.preferences) {
         value["preferences"].push_back({{"domain", change.domain},
                                         {"key", change.key},
-                                        {"before", OptionalJson(change.before)},
-                                        {"after", OptionalJson(change.after)}});
+                                        {"before", optionalJson(change.before)},
+                                        {"after", optionalJson(change.after)}});
     }
     for (const FinderFlagChange& change : changes.finderFlags) {
         Json one = FlagJson(change.flag);
@@ -108,9 +108,9 @@ std::string RunReportJson(const RunResult& result, const Verdict& verdict) {
     document["volume"] = result.volume.empty() ? Json() : Json(result.volume);
     document["dryRun"] = result.isDryRun;
     document["calls"] = Json::array();
-    for (const CallRecord& call : result.calls) document["calls"].push_back(ToJson(call, result.hasTrace));
-    document["end"] = EndJson(result);
-    document["changes"] = ToJson(result.changes);
+    for (const CallRecord& call : result.calls) document["calls"].push_back(toJson(call, result.hasTrace));
+    document["end"] = endJson(result);
+    document["changes"] = toJson(result.changes);
     document["problems"] = result.problems;
     document["objectsLeft"] = result.objectsLeft;
     document["verdict"] = verdict.text;

@@ -9,23 +9,23 @@ namespace xcodhost {
 
 namespace {
 
-std::string LastCall(const RunResult& result) {
+std::string lastCall(const RunResult& result) {
     return result.calls.empty() ? "before any of its code ran" : "in " + result.calls.back().Describe();
 }
 
-std::string ExceptionText(const ExceptionEscaped& exception) {
+std::string exceptionText(const ExceptionEscaped& exception) {
     std::string text = Printable(exception.type);
     if (!exception.what.empty()) text += ' ' + PrintableQuoted(exception.what);
     return text;
 }
 
-Verdict JudgeEffects(const RunResult& result) {
+Verdict judgeEffects(const RunResult& result) {
     for (const CallRecord& call : result.calls) {
         if (call.NewErrorBits() == 0) continue;
-        return {ExitStatus::Failed, "FAIL error bit set by " + call.call.event + " (" +
-                                        Counted(result.changes.Count(), "change") + ")"};
+        return {ExitStatus::kFailed, "FAIL error bit set by " + call.call.event + " (" +
+                                         Counted(result.changes.Count(), "change") + ")"};
     }
-    return {ExitStatus::Done, "DONE " + Counted(result.changes.Count(), "change")};
+    return {ExitStatus::kDone, "DONE " + Counted(result.changes.Count(), "change")};
 }
 
 } // namespace
@@ -55,28 +55,29 @@ std::uint32_t CallRecord::NewErrorBits() const {
 
 Verdict Judge(const RunResult& result) {
     switch (result.end.kind) {
-    case ChildEnd::Kind::Signalled:
-        return {ExitStatus::Crashed, "FAIL crashed " + LastCall(result) + ": " + SignalName(result.end.code)};
-    case ChildEnd::Kind::Exited:
-        return {ExitStatus::Crashed, "FAIL ended the process " + LastCall(result) + ": exit status " +
-                                         std::to_string(result.end.code)};
-    case ChildEnd::Kind::OverTime:
-        return {ExitStatus::TimeLimit,
-                "FAIL no return within " + Seconds(result.end.seconds) + ' ' + LastCall(result)};
-    case ChildEnd::Kind::OverReport:
-    case ChildEnd::Kind::OverOutput:
-        return {ExitStatus::Crashed, "FAIL flooded or broke the report to the host " + LastCall(result)};
-    case ChildEnd::Kind::Finished:
+    case ChildEnd::Kind::kSignalled:
+        return {ExitStatus::kCrashed,
+                "FAIL crashed " + lastCall(result) + ": " + SignalName(result.end.code)};
+    case ChildEnd::Kind::kExited:
+        return {ExitStatus::kCrashed, "FAIL ended the process " + lastCall(result) + ": exit status " +
+                                          std::to_string(result.end.code)};
+    case ChildEnd::Kind::kOverTime:
+        return {ExitStatus::kTimeLimit,
+                "FAIL no return within " + Seconds(result.end.seconds) + ' ' + lastCall(result)};
+    case ChildEnd::Kind::kOverReport:
+    case ChildEnd::Kind::kOverOutput:
+        return {ExitStatus::kCrashed, "FAIL flooded or broke the report to the host " + lastCall(result)};
+    case ChildEnd::Kind::kFinished:
         break;
     }
     if (result.exception) {
-        return {ExitStatus::Crashed, "FAIL exception " + ExceptionText(*result.exception) + " left " +
-                                         result.calls.back().Describe()};
+        return {ExitStatus::kCrashed, "FAIL exception " + exceptionText(*result.exception) + " left " +
+                                          result.calls.back().Describe()};
     }
     if (result.loadFailure) {
-        return {ExitStatus::NotLoaded, "FAIL not loaded (" + result.loadFailure->reason + ")"};
+        return {ExitStatus::kNotLoaded, "FAIL not loaded (" + result.loadFailure->reason + ")"};
     }
-    return JudgeEffects(result);
+    return judgeEffects(result);
 }
 
 } // namespace xcodhost

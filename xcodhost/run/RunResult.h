@@ -59,7 +59,7 @@ struct RunResult {
 };
 
 struct Verdict {
-    ExitStatus status = ExitStatus::Done;
+    ExitStatus status = ExitStatus::kDone;
     std::string text; ///< "DONE 5 changes", "FAIL ..."
 };
 

@@ -32,7 +32,7 @@ namespace {
 using Stop = __ptrace_syscall_info;
 
 /// The kernel stops this process at the writing calls from now on, and lets all others pass at full speed.
-bool StopAtWritingCalls() {
+bool stopAtWritingCalls() {
     std::vector<sock_filter> program = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
     for (const WritingCall& call : WritingCalls()) {
         program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(call.number), 0, 1));
@@ -44,7 +44,7 @@ bool StopAtWritingCalls() {
            syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, 0, &filter) == 0;
 }
 
-std::string LinkOf(pid_t process, const std::string& what) {
+std::string linkOf(pid_t process, const std::string& what) {
     std::error_code ignored;
     return fs::read_symlink("/proc/" + std::to_string(process) + '/' + what, ignored).string();
 }
@@ -114,7 +114,7 @@ private:
         if (target.folder < 0 && target.path < 0) return {};
         const auto folder = [&]() -> std::string {
             const int number = target.folder < 0 ? AT_FDCWD : static_cast<int>(Argument(stop, target.folder));
-            return LinkOf(process, number == AT_FDCWD ? "cwd" : "fd/" + std::to_string(number));
+            return linkOf(process, number == AT_FDCWD ? "cwd" : "fd/" + std::to_string(number));
         };
         if (target.path < 0) return folder();
         const std::string path = ReadText(process, Argument(stop, target.path));
@@ -150,7 +150,7 @@ private:
     bool isOn = false;
 };
 
-[[noreturn]] void DieAs(int status) {
+[[noreturn]] void dieAs(int status) {
     if (WIFSIGNALED(status)) DieOf(WTERMSIG(status));
     _exit(WEXITSTATUS(status));
 }
@@ -167,7 +167,7 @@ WatchedRun WatchWrites(const std::string& folder, const Channel& channel, const 
         if (ptrace(PTRACE_TRACEME, 0, 0, 0) < 0) _exit(kCannotWatch);
         if (raise(SIGSTOP) != 0) _exit(kCannotWatch);
         run(channel.OfThisProcess(), [] {
-            if (!StopAtWritingCalls()) _exit(kCannotWatch);
+            if (!stopAtWritingCalls()) _exit(kCannotWatch);
         });
         _exit(kBodyDone);
     }
@@ -177,7 +177,7 @@ WatchedRun WatchWrites(const std::string& folder, const Channel& channel, const 
     if (WIFEXITED(status) && WEXITSTATUS(status) == kCannotWatch) {
         return {{}, "system calls cannot be watched here"};
     }
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != kBodyDone) DieAs(status);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != kBodyDone) dieAs(status);
     return {std::move(watch.calls), {}};
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 using Group = std::vector<Check> (*)();
 
-std::vector<Check> Gathered() {
+std::vector<Check> gathered() {
     std::vector<Check> all;
     for (const Group group :
          {&BundleChecks, &FactoryChecks, &ReferenceChecks, &InterfaceChecks, &DispatchChecks, &BlockChecks,
@@ -24,7 +24,7 @@ std::vector<Check> Gathered() {
     return all;
 }
 
-bool IsMatch(const std::string& pattern, const Check& check) {
+bool isMatch(const std::string& pattern, const Check& check) {
     const std::string id = check.id;
     return fnmatch(pattern.c_str(), id.c_str(), 0) == 0 || pattern == id.substr(0, id.find('.'));
 }
@@ -32,7 +32,7 @@ bool IsMatch(const std::string& pattern, const Check& check) {
 } // namespace
 
 const std::vector<Check>& AllChecks() {
-    static const std::vector<Check> checks = Gathered();
+    static const std::vector<Check> checks = gathered();
     return checks;
 }
 
@@ -41,13 +41,13 @@ std::vector<const Check*> MatchingChecks(const std::vector<std::string>& pattern
     for (const Check& check : AllChecks()) {
         if (patterns.empty() ||
             std::any_of(patterns.begin(), patterns.end(),
-                        [&](const std::string& pattern) { return IsMatch(pattern, check); })) {
+                        [&](const std::string& pattern) { return isMatch(pattern, check); })) {
             matching.push_back(&check);
         }
     }
     for (const std::string& pattern : patterns) {
         if (std::none_of(AllChecks().begin(), AllChecks().end(),
-                         [&](const Check& check) { return IsMatch(pattern, check); })) {
+                         [&](const Check& check) { return isMatch(pattern, check); })) {
             throw UsageError(PrintableQuoted(pattern) +
                              " matches no check; xcodhost list checks shows them all");
         }

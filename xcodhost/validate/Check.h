@@ -20,7 +20,7 @@ struct Check {
     /// Runs in a child process of its own and tells what does not hold.
     void (*body)(Trial&);
     /// How the tool ends when this is the first check that failed, for other reasons than a crash or a hang.
-    ExitStatus failure = ExitStatus::Failed;
+    ExitStatus failure = ExitStatus::kFailed;
 };
 
 /// All checks in the order in which they are shown.

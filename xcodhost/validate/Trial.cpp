@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kGuard = 64;
 constexpr char kGuardByte = '\x5A';
 
-std::string StepName(std::uint16_t message) { return message == kPreInstall ? "PreInstall" : "PostInstall"; }
+std::string stepName(std::uint16_t message) { return message == kPreInstall ? "PreInstall" : "PostInstall"; }
 
 } // namespace
 
@@ -91,8 +91,8 @@ FactoryFunction Trial::Factory() {
 }
 
 Outcome Trial::Deliver(const ParameterBlock& block, Entry entry, std::size_t misalignment) {
-    const bool isMain = entry == Entry::Main;
-    const std::string function = isMain ? "XCodMain" : StepName(block.Message());
+    const bool isMain = entry == Entry::kMain;
+    const std::string function = isMain ? "XCodMain" : stepName(block.Message());
     const auto deliver = isMain ? Bundle().MainEntry(Interface())
                                 : reinterpret_cast<DeliverFunction>(Bundle().Symbol(function));
     const CallBegan call{function, block.Describe(), EventName(block.Message())};
@@ -119,7 +119,7 @@ Outcome Trial::Deliver(const ParameterBlock& block, Entry entry, std::size_t mis
 }
 
 Outcome Trial::DeliverNothing(std::uint16_t message) {
-    const std::string function = StepName(message);
+    const std::string function = stepName(message);
     const auto deliver = reinterpret_cast<DeliverFunction>(Bundle().Symbol(function));
     const CallBegan call{function, "NULL", EventName(message)};
     return Recorded([&](Outcome&) { Bundle().Inside(call, [&] { return deliver(nullptr), true; }); });

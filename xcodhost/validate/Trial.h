@@ -20,8 +20,8 @@
 namespace xcodhost {
 
 enum class Entry {
-    Main, ///< The interface's main entry.
-    Step, ///< The exported PreInstall or PostInstall, as the block's message says.
+    kMain, ///< The interface's main entry.
+    kStep, ///< The exported PreInstall or PostInstall, as the block's message says.
 };
 
 /// What one delivery did.
@@ -64,7 +64,7 @@ public:
     FactoryFunction Factory();
 
     /// A block at an address that is `misalignment` past a multiple of 16.
-    Outcome Deliver(const ParameterBlock& block, Entry entry = Entry::Main, std::size_t misalignment = 0);
+    Outcome Deliver(const ParameterBlock& block, Entry entry = Entry::kMain, std::size_t misalignment = 0);
     /// A step's call with a null block.
     Outcome DeliverNothing(std::uint16_t message);
 

@@ -20,19 +20,19 @@ constexpr std::size_t kOutputKept = 2000;
 /// A check may take as long as this many calls.
 constexpr double kCallsPerCheck = 20;
 
-std::string SeenOf(const ChildEnd& end) {
+std::string seenOf(const ChildEnd& end) {
     switch (end.kind) {
-    case ChildEnd::Kind::Signalled:
+    case ChildEnd::Kind::kSignalled:
         return "crashed: " + SignalName(end.code);
-    case ChildEnd::Kind::Exited:
+    case ChildEnd::Kind::kExited:
         return "ended the process: exit status " + std::to_string(end.code);
-    case ChildEnd::Kind::OverTime:
+    case ChildEnd::Kind::kOverTime:
         return "no return within " + Seconds(end.seconds);
-    case ChildEnd::Kind::OverReport:
+    case ChildEnd::Kind::kOverReport:
         return "flooded or broke the report to the host";
-    case ChildEnd::Kind::OverOutput:
+    case ChildEnd::Kind::kOverOutput:
         return "flooded the host's output";
-    case ChildEnd::Kind::Finished:
+    case ChildEnd::Kind::kFinished:
         break;
     }
     return {};
@@ -52,9 +52,9 @@ public:
         } else if (auto* exception = std::get_if<ExceptionEscaped>(&message)) {
             const std::string what = exception->what.empty() ? "" : ' ' + PrintableQuoted(exception->what);
             Add("no exception leaves the bundle", "exception " + Printable(exception->type) + what,
-                ExitStatus::Crashed);
+                ExitStatus::kCrashed);
         } else if (auto* failure = std::get_if<LoadFailed>(&message)) {
-            Add("the bundle can be loaded and gives its interface", failure->text, ExitStatus::NotLoaded);
+            Add("the bundle can be loaded and gives its interface", failure->text, ExitStatus::kNotLoaded);
         } else if (auto* given = std::get_if<GaveUp>(&message)) {
             result.reason = given->reason;
         } else if (auto* cell = std::get_if<TableCell>(&message)) {
@@ -67,15 +67,15 @@ public:
     }
 
     void End(const ChildEnd& end) {
-        if (end.kind != ChildEnd::Kind::Finished) {
-            const bool isLate = end.kind == ChildEnd::Kind::OverTime;
-            Add("the call returns", SeenOf(end), isLate ? ExitStatus::TimeLimit : ExitStatus::Crashed);
+        if (end.kind != ChildEnd::Kind::kFinished) {
+            const bool isLate = end.kind == ChildEnd::Kind::kOverTime;
+            Add("the call returns", seenOf(end), isLate ? ExitStatus::kTimeLimit : ExitStatus::kCrashed);
         }
         result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
         using State = CheckResult::State;
-        result.state = !result.findings.empty() ? State::Failed
-                       : result.reason.empty()  ? State::Passed
-                                                : State::NotRun;
+        result.state = !result.findings.empty() ? State::kFailed
+                       : result.reason.empty()  ? State::kPassed
+                                                : State::kNotRun;
     }
 
 private:
@@ -83,7 +83,8 @@ private:
 
     /// A crash, a hang or a refusal says more than what was found before it.
     void Add(std::string expected, std::string seen, ExitStatus status) {
-        if (result.status == ExitStatus::Done || result.status == ExitStatus::Failed) result.status = status;
+        if (result.status == ExitStatus::kDone || result.status == ExitStatus::kFailed)
+            result.status = status;
         if (result.findings.size() == kFindingsKept) {
             ++result.moreFindings;
         } else {
@@ -98,7 +99,7 @@ private:
 };
 
 /// In the child.
-void RunCheck(const Check& check, const std::string& bundle, const std::string& scratch,
+void runCheck(const Check& check, const std::string& bundle, const std::string& scratch,
               const Channel& channel) {
     try {
         Trial trial(bundle, scratch, channel);
@@ -134,7 +135,7 @@ public:
     }
 
 private:
-    enum class Readiness { Ready, MustWait, Never };
+    enum class Readiness { kReady, kMustWait, kNever };
 
     bool IsPending(std::size_t place) const {
         return std::find(waiting.begin(), waiting.end(), place) != waiting.end() ||
@@ -143,16 +144,16 @@ private:
 
     /// Needs that were not chosen are not asked for.
     Readiness ReadinessOf(CheckResult& one) const {
-        Readiness readiness = Readiness::Ready;
+        Readiness readiness = Readiness::kReady;
         for (const std::string id : one.check->needs) {
             const auto need = std::find_if(result.checks.begin(), result.checks.end(),
                                            [&](const CheckResult& other) { return other.check->id == id; });
             if (need == result.checks.end()) continue;
             if (IsPending(static_cast<std::size_t>(need - result.checks.begin()))) {
-                readiness = Readiness::MustWait;
-            } else if (need->state != CheckResult::State::Passed) {
+                readiness = Readiness::kMustWait;
+            } else if (need->state != CheckResult::State::kPassed) {
                 one.reason = "needs " + id;
-                return Readiness::Never;
+                return Readiness::kNever;
             }
         }
         return readiness;
@@ -162,13 +163,13 @@ private:
     bool StartOne() {
         for (auto place = waiting.begin(); place != waiting.end();) {
             const Readiness readiness = ReadinessOf(result.checks[*place]);
-            if (readiness == Readiness::MustWait) {
+            if (readiness == Readiness::kMustWait) {
                 ++place;
                 continue;
             }
             const std::size_t chosen = *place;
             place = waiting.erase(place);
-            if (readiness == Readiness::Never) continue;
+            if (readiness == Readiness::kNever) continue;
             Start(chosen);
             return true;
         }
@@ -187,7 +188,7 @@ private:
                                [](macplatform::Alert&&) { return -1; }, // answered in the child
                                [record](std::string_view printed) { record->Hear(printed); }};
         running.push_back(place);
-        children.Start([&](const Channel& channel) { RunCheck(*one.check, path, folder, channel); }, limits,
+        children.Start([&](const Channel& channel) { runCheck(*one.check, path, folder, channel); }, limits,
                        std::move(listener),
                        [this, record, place, folder](const ChildEnd& end) {
                            record->End(end);
@@ -199,7 +200,7 @@ private:
 
     const ValidationPlan& plan;
     BundleResult& result;
-    ScratchFolder scratch{ScratchFolder::Use::Samples}; // outlives the children
+    ScratchFolder scratch{ScratchFolder::Use::kSamples}; // outlives the children
     Children children;
     std::string path;
     std::vector<std::size_t> waiting; ///< Places in the result, in order.
@@ -215,7 +216,7 @@ std::size_t BundleResult::Count(CheckResult::State state) const {
 
 const CheckResult* BundleResult::FirstFailure() const {
     const auto failure = std::find_if(checks.begin(), checks.end(), [](const CheckResult& one) {
-        return one.state == CheckResult::State::Failed;
+        return one.state == CheckResult::State::kFailed;
     });
     return failure == checks.end() ? nullptr : &*failure;
 }
@@ -225,8 +226,8 @@ ValidationVerdict Judge(const std::vector<const BundleResult*>& bundles) {
     std::size_t failed = 0;
     const CheckResult* first = nullptr;
     for (const BundleResult* bundle : bundles) {
-        passed += bundle->Count(CheckResult::State::Passed);
-        failed += bundle->Count(CheckResult::State::Failed);
+        passed += bundle->Count(CheckResult::State::kPassed);
+        failed += bundle->Count(CheckResult::State::kFailed);
         if (!first) first = bundle->FirstFailure();
     }
     const std::string run = std::to_string(passed + failed);
@@ -234,8 +235,8 @@ ValidationVerdict Judge(const std::vector<const BundleResult*>& bundles) {
         return {first->status,
                 "FAIL " + std::to_string(failed) + " of " + run + " (first: " + first->check->id + ')'};
     }
-    if (passed == 0) return {ExitStatus::Failed, "FAIL 0 of 0 (no check was run)"};
-    return {ExitStatus::Done, "PASS " + Counted(passed, "check")};
+    if (passed == 0) return {ExitStatus::kFailed, "FAIL 0 of 0 (no check was run)"};
+    return {ExitStatus::kDone, "PASS " + Counted(passed, "check")};
 }
 
 BundleResult Validate(const ValidationPlan& plan, const Interruption& interruption,

@@ -22,15 +22,15 @@ struct LocatedFinding {
 };
 
 struct CheckResult {
-    enum class State { Passed, Failed, NotRun };
+    enum class State { kPassed, kFailed, kNotRun };
 
     const Check* check = nullptr;
-    State state = State::NotRun;
+    State state = State::kNotRun;
     std::vector<LocatedFinding> findings; ///< The first ones.
     std::size_t moreFindings = 0;
-    std::string reason;                   ///< Why it was not run.
-    ExitStatus status = ExitStatus::Done; ///< How the tool ends for this result alone.
-    std::string output;                   ///< The first of what the bundle printed meanwhile.
+    std::string reason;                    ///< Why it was not run.
+    ExitStatus status = ExitStatus::kDone; ///< How the tool ends for this result alone.
+    std::string output;                    ///< The first of what the bundle printed meanwhile.
     double seconds = 0;
 };
 
@@ -46,7 +46,7 @@ struct BundleResult {
 /// What the verdict says of one or more bundles: "PASS n checks", or "FAIL n of m (first: ID)" of those that
 /// were run. The exit status is that of the first failure. No check at all is a failure.
 struct ValidationVerdict {
-    ExitStatus status = ExitStatus::Done;
+    ExitStatus status = ExitStatus::kDone;
     std::string text;
 };
 ValidationVerdict Judge(const std::vector<const BundleResult*>& bundles);

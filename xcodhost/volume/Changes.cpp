@@ -13,7 +13,7 @@ using Values = std::map<std::string, PropertyValue>;
 
 /// Calls `visit(key, before, after)` for each key of two maps in order, null where a map lacks it.
 template <typename Map, typename Visit>
-void ForEachPair(Map& before, Map& after, Visit visit) {
+void forEachPair(Map& before, Map& after, Visit visit) {
     auto left = before.begin();
     auto right = after.begin();
     while (left != before.end() || right != after.end()) {
@@ -27,11 +27,11 @@ void ForEachPair(Map& before, Map& after, Visit visit) {
 }
 
 /// Keys of a file that could not be read are not known, so nothing is said of them.
-void CompareKeys(const std::string& domain, PreferencesFile* before, PreferencesFile* after,
+void compareKeys(const std::string& domain, PreferencesFile* before, PreferencesFile* after,
                  Changes& changes) {
     if ((before && !before->problem.empty()) || (after && !after->problem.empty())) return;
     Values none;
-    ForEachPair(before ? before->values : none, after ? after->values : none,
+    forEachPair(before ? before->values : none, after ? after->values : none,
                 [&](const std::string& key, PropertyValue* old, PropertyValue* now) {
                     if (old && now && *old == *now) return;
                     PreferenceChange change{domain, key, std::nullopt, std::nullopt};
@@ -41,7 +41,7 @@ void CompareKeys(const std::string& domain, PreferencesFile* before, Preferences
                 });
 }
 
-void CompareFlags(const std::string& path, std::uint16_t before, std::uint16_t after, Changes& changes) {
+void compareFlags(const std::string& path, std::uint16_t before, std::uint16_t after, Changes& changes) {
     for (const FinderFlagName& flag : kFinderFlagNames) {
         const int old = (before & flag.mask) >> flag.shift;
         const int now = (after & flag.mask) >> flag.shift;
@@ -51,52 +51,52 @@ void CompareFlags(const std::string& path, std::uint16_t before, std::uint16_t a
     }
 }
 
-std::string Mode(mode_t mode) {
+std::string modeText(mode_t mode) {
     std::string text;
     for (int place = 9; place >= 0; place -= 3) text += static_cast<char>('0' + (mode >> place & 7));
     return text;
 }
 
-bool IsSidecar(const std::string& path) { return path.compare(path.rfind('/') + 1, 2, "._") == 0; }
+bool isSidecar(const std::string& path) { return path.compare(path.rfind('/') + 1, 2, "._") == 0; }
 
-bool HasSameContents(const VolumeItem& before, const VolumeItem& after) {
+bool hasSameContents(const VolumeItem& before, const VolumeItem& after) {
     return S_ISDIR(before.mode) || (before.size == after.size && before.modified == after.modified &&
                                     before.inode == after.inode && before.device == after.device);
 }
 
 /// "folder created", "removed"
-std::string ComingOrGoing(const VolumeItem& item, const std::string& what) {
+std::string comingOrGoing(const VolumeItem& item, const std::string& what) {
     return (S_ISDIR(item.mode) ? "folder " : S_ISLNK(item.mode) ? "link " : "") + what;
 }
 
 /// Empty when nothing that counts differs.
-std::string Difference(const VolumeItem& before, const VolumeItem& after) {
+std::string differenceOf(const VolumeItem& before, const VolumeItem& after) {
     if ((before.mode & S_IFMT) != (after.mode & S_IFMT)) return "replaced by an item of another kind";
     if (before.linkTarget != after.linkTarget) return "link target changed";
-    if (!HasSameContents(before, after)) return "contents changed";
-    if (before.mode != after.mode) return "mode " + Mode(before.mode) + " -> " + Mode(after.mode);
+    if (!hasSameContents(before, after)) return "contents changed";
+    if (before.mode != after.mode) return "mode " + modeText(before.mode) + " -> " + modeText(after.mode);
     return {};
 }
 
-std::string Difference(const VolumeItem* before, const VolumeItem* after) {
-    if (before && after) return Difference(*before, *after);
-    if (after) return ComingOrGoing(*after, "created");
-    return before ? ComingOrGoing(*before, "removed") : "";
+std::string differenceOf(const VolumeItem* before, const VolumeItem* after) {
+    if (before && after) return differenceOf(*before, *after);
+    if (after) return comingOrGoing(*after, "created");
+    return before ? comingOrGoing(*before, "removed") : "";
 }
 
 } // namespace
 
 Changes Compare(VolumeState&& before, VolumeState&& after) {
     Changes changes;
-    ForEachPair(before.preferences, after.preferences,
+    forEachPair(before.preferences, after.preferences,
                 [&](const std::string& domain, PreferencesFile* old, PreferencesFile* now) {
-                    CompareKeys(domain, old, now, changes);
+                    compareKeys(domain, old, now, changes);
                 });
-    ForEachPair(before.items, after.items, [&](const std::string& path, VolumeItem* old, VolumeItem* now) {
-        CompareFlags(path, old ? old->finderFlags : std::uint16_t{0},
+    forEachPair(before.items, after.items, [&](const std::string& path, VolumeItem* old, VolumeItem* now) {
+        compareFlags(path, old ? old->finderFlags : std::uint16_t{0},
                      now ? now->finderFlags : std::uint16_t{0}, changes);
-        if (IsPreferencesPath(path) || IsSidecar(path)) return;
-        std::string difference = Difference(old, now);
+        if (IsPreferencesPath(path) || isSidecar(path)) return;
+        std::string difference = differenceOf(old, now);
         if (!difference.empty()) changes.files.push_back({path, std::move(difference)});
     });
     return changes;
@@ -105,7 +105,7 @@ Changes Compare(VolumeState&& before, VolumeState&& after) {
 bool IsUntouched(const VolumeState& before, const VolumeState& after, const std::string& path) {
     const auto old = before.items.find(path);
     const auto now = after.items.find(path);
-    return old != before.items.end() && now != after.items.end() && HasSameContents(old->second, now->second);
+    return old != before.items.end() && now != after.items.end() && hasSameContents(old->second, now->second);
 }
 
 std::string Describe(const std::optional<PropertyValue>& value) {

@@ -22,7 +22,7 @@ constexpr std::array<std::string_view, 6> kVolumeFolders = {
 constexpr const char* kStatusFolder = "/Library/Application Support/Korvane/Updater";
 constexpr const char* kMakersFolder = "/Applications/Korvane";
 
-std::size_t MakeFolders(const std::string& path) {
+std::size_t makeFolders(const std::string& path) {
     std::error_code error;
     const bool isNew = fs::create_directories(path, error);
     if (error) throw ToolFault(Printable(path) + ": " + error.message());
@@ -30,7 +30,7 @@ std::size_t MakeFolders(const std::string& path) {
 }
 
 /// Leaves a file that is there as it is.
-std::size_t MakeFile(const std::string& path, const std::string& bytes) {
+std::size_t makeFile(const std::string& path, const std::string& bytes) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wx"), &std::fclose);
     if (!file && errno == EEXIST) return 0;
     if (!file || std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size() ||
@@ -60,13 +60,13 @@ std::size_t MakeSampleVolume(const std::string& folder, const SampleVolume& samp
             throw UsageError(Printable(folder) + ": not empty, and no sample volume; it is left as it is");
         }
     }
-    std::size_t made = MakeFolders(folder);
-    for (const std::string_view name : kVolumeFolders) made += MakeFolders(folder + std::string(name));
-    made += MakeFolders(folder + kStatusFolder);
-    if (sample.status) made += MakeFile(folder + kStatusFolder + "/install_status.txt", *sample.status);
+    std::size_t made = makeFolders(folder);
+    for (const std::string_view name : kVolumeFolders) made += makeFolders(folder + std::string(name));
+    made += makeFolders(folder + kStatusFolder);
+    if (sample.status) made += makeFile(folder + kStatusFolder + "/install_status.txt", *sample.status);
     if (sample.hasFolder) {
-        made += MakeFolders(folder + kMakersFolder);
-        if (sample.hasIcon) made += MakeFile(folder + kMakersFolder + "/Icon\r", {});
+        made += makeFolders(folder + kMakersFolder);
+        if (sample.hasIcon) made += makeFile(folder + kMakersFolder + "/Icon\r", {});
     }
     return made;
 }

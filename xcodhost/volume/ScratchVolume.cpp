@@ -21,12 +21,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-ToolFault CannotCopy(const std::string& path) {
+ToolFault cannotCopy(const std::string& path) {
     return ToolFault::FromErrno("the scratch copy of the volume: " + Printable(path));
 }
 
 /// The value of an attribute, whatever its size; false, with errno, when it cannot be read.
-bool ReadAttribute(const char* path, const char* name, std::vector<char>& value) {
+bool readAttribute(const char* path, const char* name, std::vector<char>& value) {
     while (true) {
         const ssize_t size = lgetxattr(path, name, nullptr, 0);
         if (size < 0) return false;
@@ -40,17 +40,17 @@ bool ReadAttribute(const char* path, const char* name, std::vector<char>& value)
     }
 }
 
-void CopyAttributes(const std::string& from, const std::string& to) {
+void copyAttributes(const std::string& from, const std::string& to) {
     const ssize_t size = llistxattr(from.c_str(), nullptr, 0);
     if (size <= 0) return;
     std::vector<char> names(static_cast<std::size_t>(size));
     const ssize_t got = llistxattr(from.c_str(), names.data(), names.size());
-    if (got < 0) throw CannotCopy(from);
+    if (got < 0) throw cannotCopy(from);
     std::vector<char> value;
     for (const char* name = names.data(); name < names.data() + got; name += std::strlen(name) + 1) {
         // Labels of the security system belong to the place, not to the file.
         if (std::strncmp(name, "security.", 9) == 0 || std::strncmp(name, "system.", 7) == 0) continue;
-        if (!ReadAttribute(from.c_str(), name, value)) throw CannotCopy(from);
+        if (!readAttribute(from.c_str(), name, value)) throw cannotCopy(from);
         if (lsetxattr(to.c_str(), name, value.data(), value.size(), 0) < 0) {
             throw ToolFault::FromErrno("the scratch copy of the volume: " + Printable(to) + ": attribute " +
                                        Printable(name) + " (TMPDIR names another place for it)");
@@ -58,17 +58,17 @@ void CopyAttributes(const std::string& from, const std::string& to) {
     }
 }
 
-void CopySettings(const std::string& from, const struct stat& status, const std::string& to) {
+void copySettings(const std::string& from, const struct stat& status, const std::string& to) {
     // An owner that cannot be given is the reason why a run without privileges works at all.
-    if (lchown(to.c_str(), status.st_uid, status.st_gid) < 0 && errno != EPERM) throw CannotCopy(to);
-    CopyAttributes(from, to);
-    if (!S_ISLNK(status.st_mode) && chmod(to.c_str(), status.st_mode & 07777) < 0) throw CannotCopy(to);
+    if (lchown(to.c_str(), status.st_uid, status.st_gid) < 0 && errno != EPERM) throw cannotCopy(to);
+    copyAttributes(from, to);
+    if (!S_ISLNK(status.st_mode) && chmod(to.c_str(), status.st_mode & 07777) < 0) throw cannotCopy(to);
     const struct timespec times[2] = {status.st_atim, status.st_mtim};
-    if (utimensat(AT_FDCWD, to.c_str(), times, AT_SYMLINK_NOFOLLOW) < 0) throw CannotCopy(to);
+    if (utimensat(AT_FDCWD, to.c_str(), times, AT_SYMLINK_NOFOLLOW) < 0) throw cannotCopy(to);
 }
 
 /// False for what has no contents to copy.
-bool CopyContents(const std::string& from, const struct stat& status, const std::string& to) {
+bool copyContents(const std::string& from, const struct stat& status, const std::string& to) {
     std::error_code error;
     switch (status.st_mode & S_IFMT) {
     case S_IFDIR:
@@ -81,7 +81,7 @@ bool CopyContents(const std::string& from, const struct stat& status, const std:
         fs::copy_symlink(from, to, error);
         break;
     case S_IFIFO:
-        if (mkfifo(to.c_str(), 0600) < 0) throw CannotCopy(to);
+        if (mkfifo(to.c_str(), 0600) < 0) throw cannotCopy(to);
         break;
     default:
         return false;
@@ -91,13 +91,13 @@ bool CopyContents(const std::string& from, const struct stat& status, const std:
 }
 
 /// A folder's settings come last: a copy of one that may not be written into must be filled first.
-void CopyItem(const std::string& from, const std::string& to, const Interruption& interruption) {
+void copyItem(const std::string& from, const std::string& to, const Interruption& interruption) {
     interruption.Check();
     struct stat status {};
-    if (lstat(from.c_str(), &status) < 0) throw CannotCopy(from);
-    if (!CopyContents(from, status, to)) return;
+    if (lstat(from.c_str(), &status) < 0) throw cannotCopy(from);
+    if (!copyContents(from, status, to)) return;
     if (S_ISDIR(status.st_mode)) CopyVolume(from, to, interruption);
-    CopySettings(from, status, to);
+    copySettings(from, status, to);
 }
 
 } // namespace
@@ -105,7 +105,8 @@ void CopyItem(const std::string& from, const std::string& to, const Interruption
 ScratchFolder::ScratchFolder(Use use) {
     constexpr const char* memory = "/dev/shm";
     std::error_code error;
-    const bool isInMemory = use == Use::Samples && !std::getenv("TMPDIR") && access(memory, W_OK | X_OK) == 0;
+    const bool isInMemory =
+        use == Use::kSamples && !std::getenv("TMPDIR") && access(memory, W_OK | X_OK) == 0;
     path = ((isInMemory ? fs::path(memory) : fs::temp_directory_path(error)) / "xcodhost.XXXXXX").string();
     if (error) throw ToolFault("no place for temporary files: " + error.message());
     if (!mkdtemp(path.data())) throw ToolFault::FromErrno(path);
@@ -119,7 +120,7 @@ ScratchFolder::~ScratchFolder() {
 void CopyVolume(const std::string& from, const std::string& to, const Interruption& interruption) {
     std::error_code error;
     for (fs::directory_iterator entry(from, error), end; !error && entry != end; entry.increment(error)) {
-        CopyItem(entry->path().string(), (fs::path(to) / entry->path().filename()).string(), interruption);
+        copyItem(entry->path().string(), (fs::path(to) / entry->path().filename()).string(), interruption);
     }
     if (error) throw ToolFault("the scratch copy of the volume: " + Printable(from) + ": " + error.message());
 }

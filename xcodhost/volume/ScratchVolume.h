@@ -12,9 +12,9 @@ class Interruption;
 class ScratchFolder {
 public:
     enum class Use {
-        Samples, ///< For small volumes: in memory, where the system has a place for that and TMPDIR names
-                 ///< none.
-        Copies,  ///< Among the temporary files.
+        kSamples, ///< For small volumes: in memory, where the system has a place for that and TMPDIR names
+                  ///< none.
+        kCopies,  ///< Among the temporary files.
     };
     explicit ScratchFolder(Use use);
     ScratchFolder(const ScratchFolder&) = delete;

@@ -27,7 +27,7 @@ struct CloseFolder {
 using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
 /// Names in the folder, without "." and ".."; errno is 0 unless reading was refused.
-std::vector<std::string> NamesIn(const std::string& path) {
+std::vector<std::string> namesIn(const std::string& path) {
     std::vector<std::string> names;
     const OpenFolder folder(opendir(path.c_str()));
     if (!folder) return names;
@@ -40,7 +40,7 @@ std::vector<std::string> NamesIn(const std::string& path) {
     return names;
 }
 
-VolumeItem ItemFrom(const struct stat& status) {
+VolumeItem itemFrom(const struct stat& status) {
     VolumeItem item;
     item.mode = status.st_mode;
     item.device = status.st_dev;
@@ -50,7 +50,7 @@ VolumeItem ItemFrom(const struct stat& status) {
     return item;
 }
 
-std::string LinkTarget(const std::string& path) {
+std::string readLinkTarget(const std::string& path) {
     std::string target(PATH_MAX, '\0');
     const ssize_t length = readlink(path.c_str(), target.data(), target.size());
     target.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
@@ -69,7 +69,7 @@ public:
             const std::string folder = std::move(folders.back());
             folders.pop_back();
             errno = 0;
-            const std::vector<std::string> names = NamesIn(folder.empty() ? volume : volume + folder);
+            const std::vector<std::string> names = namesIn(folder.empty() ? volume : volume + folder);
             if (errno != 0) Refused(folder.empty() ? "/" : folder);
             for (const std::string& name : names) {
                 std::string item = folder;
@@ -88,8 +88,8 @@ private:
             Refused(macPath);
             return false;
         }
-        VolumeItem item = ItemFrom(status);
-        if (S_ISLNK(status.st_mode)) item.linkTarget = LinkTarget(path);
+        VolumeItem item = itemFrom(status);
+        if (S_ISLNK(status.st_mode)) item.linkTarget = readLinkTarget(path);
         if (const auto flags = macplatform::ReadFinderFlags(path)) {
             item.finderFlags = *flags;
         } else {
@@ -120,7 +120,7 @@ public:
     ~OnVolume() { macplatform::SetStartupVolume(""); }
 };
 
-PreferencesFile ReadPreferences(const std::string& macPath) {
+PreferencesFile readPreferences(const std::string& macPath) {
     PreferencesFile file;
     file.path = macPath;
     const std::string path = macplatform::HostPath(macPath);
@@ -136,7 +136,7 @@ PreferencesFile ReadPreferences(const std::string& macPath) {
             file.problem = std::string("cannot be read: ") + std::strerror(list.errorNumber);
         } else if (!list.error.empty()) {
             file.problem = "is not a property list";
-        } else if (list.root.kind != macplatform::PropertyValue::Kind::Dictionary) {
+        } else if (list.root.kind != macplatform::PropertyValue::Kind::kDictionary) {
             file.problem = "is not a dictionary of keys";
         }
         for (std::size_t i = 0; file.problem.empty() && i < list.root.keys.size(); ++i) {
@@ -146,11 +146,11 @@ PreferencesFile ReadPreferences(const std::string& macPath) {
     return file;
 }
 
-void ReadAllPreferences(const std::string& volume, VolumeState& state) {
+void readAllPreferences(const std::string& volume, VolumeState& state) {
     const OnVolume mapping(volume);
     const std::string folder = macplatform::HostPath(kPreferencesFolder);
     errno = 0;
-    const std::vector<std::string> names = NamesIn(folder);
+    const std::vector<std::string> names = namesIn(folder);
     if (errno != 0 && errno != ENOENT) {
         const int number = errno;
         state.problems.push_back(std::string(kPreferencesFolder) +
@@ -160,7 +160,7 @@ void ReadAllPreferences(const std::string& volume, VolumeState& state) {
         const std::string macPath = std::string(kPreferencesFolder) + '/' + name;
         if (!IsPreferencesPath(macPath)) continue;
         state.preferences.emplace(name.substr(0, name.size() - kListExtension.size()),
-                                  ReadPreferences(macPath));
+                                  readPreferences(macPath));
     }
 }
 
@@ -179,7 +179,7 @@ bool IsPreferencesPath(const std::string& macPath) {
 VolumeState ReadVolume(const std::string& volume) {
     VolumeState state;
     Walk(volume, state).Run();
-    ReadAllPreferences(volume, state);
+    readAllPreferences(volume, state);
     return state;
 }
 

@@ -15,7 +15,7 @@ namespace macplatform {
 namespace {
 
 /// Calls of the C library and of the unwinder that are the same on the Mac: arguments, records and results.
-constexpr std::string_view sameCalls[] = {
+constexpr std::string_view kSameCalls[] = {
     "_Unwind_Backtrace",
     "_Unwind_DeleteException",
     "_Unwind_GetCFA",
@@ -102,41 +102,41 @@ struct Widened<function> {
     static int Call(Arguments... arguments) { return function(arguments...); }
 };
 template <auto function>
-void* Wide() {
+void* wide() {
     return reinterpret_cast<void*>(&Widened<function>::Call);
 }
 
-const std::vector<DarwinCall>& SmallResults() {
+const std::vector<DarwinCall>& smallResults() {
     static const std::vector<DarwinCall> calls = {
-        {"_AECreateAppleEvent", Wide<&AECreateAppleEvent>()},
-        {"_AECreateDesc", Wide<&AECreateDesc>()},
-        {"_AEDisposeDesc", Wide<&AEDisposeDesc>()},
-        {"_AEPutParamDesc", Wide<&AEPutParamDesc>()},
-        {"_AESend", Wide<&AESend>()},
-        {"_CFEqual", Wide<&CFEqual>()},
-        {"_CFNumberGetValue", Wide<&CFNumberGetValue>()},
-        {"_CFPreferencesSynchronize", Wide<&CFPreferencesSynchronize>()},
-        {"_CFStringGetCString", Wide<&CFStringGetCString>()},
-        {"_CFURLGetFSRef", Wide<&CFURLGetFSRef>()},
-        {"_CreateObjSpecifier", Wide<&CreateObjSpecifier>()},
-        {"_FSExchangeObjects", Wide<&FSExchangeObjects>()},
-        {"_FSGetCatalogInfo", Wide<&FSGetCatalogInfo>()},
-        {"_FSSetCatalogInfo", Wide<&FSSetCatalogInfo>()},
-        {"_GetProcessInformation", Wide<&GetProcessInformation>()},
-        {"_MemError", Wide<&MemError>()},
-        {"_StopAlert", Wide<&StopAlert>()},
+        {"_AECreateAppleEvent", wide<&AECreateAppleEvent>()},
+        {"_AECreateDesc", wide<&AECreateDesc>()},
+        {"_AEDisposeDesc", wide<&AEDisposeDesc>()},
+        {"_AEPutParamDesc", wide<&AEPutParamDesc>()},
+        {"_AESend", wide<&AESend>()},
+        {"_CFEqual", wide<&CFEqual>()},
+        {"_CFNumberGetValue", wide<&CFNumberGetValue>()},
+        {"_CFPreferencesSynchronize", wide<&CFPreferencesSynchronize>()},
+        {"_CFStringGetCString", wide<&CFStringGetCString>()},
+        {"_CFURLGetFSRef", wide<&CFURLGetFSRef>()},
+        {"_CreateObjSpecifier", wide<&CreateObjSpecifier>()},
+        {"_FSExchangeObjects", wide<&FSExchangeObjects>()},
+        {"_FSGetCatalogInfo", wide<&FSGetCatalogInfo>()},
+        {"_FSSetCatalogInfo", wide<&FSSetCatalogInfo>()},
+        {"_GetProcessInformation", wide<&GetProcessInformation>()},
+        {"_MemError", wide<&MemError>()},
+        {"_StopAlert", wide<&StopAlert>()},
     };
     return calls;
 }
 
-void* FindIn(const std::vector<DarwinCall>& calls, const std::string& name) {
+void* findIn(const std::vector<DarwinCall>& calls, const std::string& name) {
     const auto found =
         std::find_if(calls.begin(), calls.end(), [&](const DarwinCall& call) { return call.name == name; });
     return found == calls.end() ? nullptr : found->function;
 }
 
 /// The platform layer's own: what this shared library itself defines, under its plain name, for bundles.
-void* FindInPlatform(const char* name) {
+void* findInPlatform(const char* name) {
     void* const symbol = dlsym(RTLD_DEFAULT, name);
     Dl_info found{};
     Dl_info own{};
@@ -148,7 +148,7 @@ void* FindInPlatform(const char* name) {
 
 /// Framework calls begin so; what else the platform defines are the C library's path calls, in this system's
 /// form.
-bool IsFrameworkName(std::string_view name) {
+bool isFrameworkName(std::string_view name) {
     constexpr std::string_view beginnings[] = {"CF",     "kCF",        "__CF",       "FS",       "AE",
                                                "MP",     "objc_",      "sel_",       "mach_",    "sysctl",
                                                "NewPtr", "DisposePtr", "GetPtrSize", "CreateObj"};
@@ -163,13 +163,13 @@ std::uint32_t DarwinImport(const std::string& name) {
     const auto address = [](void* symbol) {
         return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(symbol));
     };
-    if (void* const call = FindIn(DarwinFileCalls(), name)) return address(call);
-    if (void* const call = FindIn(SmallResults(), name)) return address(call);
+    if (void* const call = findIn(DarwinFileCalls(), name)) return address(call);
+    if (void* const call = findIn(smallResults(), name)) return address(call);
     if (name.empty() || name[0] != '_') return 0;
     const char* const plain = name.c_str() + 1;
-    if (std::find(std::begin(sameCalls), std::end(sameCalls), plain) != std::end(sameCalls))
+    if (std::find(std::begin(kSameCalls), std::end(kSameCalls), plain) != std::end(kSameCalls))
         return address(dlsym(RTLD_DEFAULT, plain));
-    return IsFrameworkName(plain) ? address(FindInPlatform(plain)) : 0;
+    return isFrameworkName(plain) ? address(findInPlatform(plain)) : 0;
 }
 
 } // namespace macplatform

@@ -22,14 +22,14 @@ namespace {
 struct ErrorNumber {
     int here, mac;
 };
-constexpr ErrorNumber errorNumbers[] = {
+constexpr ErrorNumber kErrorNumbers[] = {
     {EAGAIN, 35}, {EDEADLK, 11},   {ENAMETOOLONG, 63}, {ENOLCK, 77},      {ENOSYS, 78},    {ENOTEMPTY, 66},
     {ELOOP, 62},  {EOVERFLOW, 84}, {EILSEQ, 92},       {ENOTSUP, 45},     {ETIMEDOUT, 60}, {EDQUOT, 69},
     {ESTALE, 70}, {ECANCELED, 89}, {ENODATA, 93},      {EINPROGRESS, 36}, {EALREADY, 37},  {ENOTSOCK, 38},
 };
 
-int MacErrorNumber(int number) {
-    for (const ErrorNumber& pair : errorNumbers) {
+int macErrorNumber(int number) {
+    for (const ErrorNumber& pair : kErrorNumbers) {
         if (pair.here == number) return pair.mac;
     }
     return number;
@@ -37,14 +37,14 @@ int MacErrorNumber(int number) {
 
 /// The Mac's own errno. What the C library left is taken over when it is asked for, so that both a library's
 /// error and what the code itself stores are seen.
-int* Error() {
-    static int number = 0;
-    if (errno != 0) number = MacErrorNumber(errno);
+int* errorAddress() {
+    static int gNumber = 0;
+    if (errno != 0) gNumber = macErrorNumber(errno);
     errno = 0;
-    return &number;
+    return &gNumber;
 }
 
-std::FILE* standardError = nullptr;
+std::FILE* gStandardError = nullptr;
 
 struct MacTime {
     std::int32_t seconds, nanoseconds;
@@ -64,11 +64,11 @@ struct MacStatus {
 };
 static_assert(sizeof(MacStatus) == 108);
 
-MacTime Time(const timespec& time) {
+MacTime macTime(const timespec& time) {
     return {static_cast<std::int32_t>(time.tv_sec), static_cast<std::int32_t>(time.tv_nsec)};
 }
 
-int Converted(int result, const struct stat& status, MacStatus* out) {
+int converted(int result, const struct stat& status, MacStatus* out) {
     if (result != 0) return result;
     *out = {};
     out->device = static_cast<std::int32_t>(status.st_dev);
@@ -78,9 +78,9 @@ int Converted(int result, const struct stat& status, MacStatus* out) {
     out->user = status.st_uid;
     out->group = status.st_gid;
     out->special = static_cast<std::int32_t>(status.st_rdev);
-    out->accessed = Time(status.st_atim);
-    out->modified = Time(status.st_mtim);
-    out->changed = Time(status.st_ctim);
+    out->accessed = macTime(status.st_atim);
+    out->modified = macTime(status.st_mtim);
+    out->changed = macTime(status.st_ctim);
     out->born = out->changed;
     out->size = status.st_size;
     out->blocks = status.st_blocks;
@@ -88,17 +88,17 @@ int Converted(int result, const struct stat& status, MacStatus* out) {
     return result;
 }
 
-int Status(const char* path, MacStatus* out) {
+int pathStatus(const char* path, MacStatus* out) {
     struct stat status {};
-    return Converted(stat(path, &status), status, out);
+    return converted(stat(path, &status), status, out);
 }
-int LinkStatus(const char* path, MacStatus* out) {
+int linkStatus(const char* path, MacStatus* out) {
     struct stat status {};
-    return Converted(lstat(path, &status), status, out);
+    return converted(lstat(path, &status), status, out);
 }
-int OpenStatus(int descriptor, MacStatus* out) {
+int openStatus(int descriptor, MacStatus* out) {
     struct stat status {};
-    return Converted(fstat(descriptor, &status), status, out);
+    return converted(fstat(descriptor, &status), status, out);
 }
 
 struct MacVolume {
@@ -109,7 +109,7 @@ struct MacVolume {
 };
 static_assert(sizeof(MacVolume) == 2168);
 
-int VolumeStatus(const char* path, MacVolume* out) {
+int volumeStatus(const char* path, MacVolume* out) {
     struct statfs status {};
     const int result = statfs(path, &status);
     if (result != 0) return result;
@@ -132,61 +132,61 @@ struct MacEntry {
 };
 
 /// The Mac numbers the kinds of entries as this system does.
-MacEntry* NextEntry(DIR* folder) {
-    static MacEntry entry;
+MacEntry* nextEntry(DIR* folder) {
+    static MacEntry gEntry;
     const dirent* const found = readdir(folder);
     if (!found) return nullptr;
-    entry = {};
-    entry.number = found->d_ino;
-    entry.length = sizeof entry;
-    entry.nameLength = static_cast<std::uint16_t>(std::strlen(found->d_name));
-    entry.kind = found->d_type;
-    std::memcpy(entry.name, found->d_name, entry.nameLength);
-    return &entry;
+    gEntry = {};
+    gEntry.number = found->d_ino;
+    gEntry.length = sizeof gEntry;
+    gEntry.nameLength = static_cast<std::uint16_t>(std::strlen(found->d_name));
+    gEntry.kind = found->d_type;
+    std::memcpy(gEntry.name, found->d_name, gEntry.nameLength);
+    return &gEntry;
 }
 
-std::FILE* Open(const char* path, const char* mode) { return DarwinOpen(path, mode); }
-int Seek(std::FILE* file, std::int64_t place, int whence) { return fseeko(file, place, whence); }
-std::int64_t Tell(std::FILE* file) { return ftello(file); }
-void Zero(void* bytes, std::size_t size) { std::memset(bytes, 0, size); }
+std::FILE* openFile(const char* path, const char* mode) { return DarwinOpen(path, mode); }
+int seek(std::FILE* file, std::int64_t place, int whence) { return fseeko(file, place, whence); }
+std::int64_t tell(std::FILE* file) { return ftello(file); }
+void zero(void* bytes, std::size_t size) { std::memset(bytes, 0, size); }
 
-std::uint64_t DivideUnsigned(std::uint64_t left, std::uint64_t right) { return left / right; }
-std::uint64_t ModuloUnsigned(std::uint64_t left, std::uint64_t right) { return left % right; }
-std::int64_t Divide(std::int64_t left, std::int64_t right) { return left / right; }
-std::int64_t Modulo(std::int64_t left, std::int64_t right) { return left % right; }
+std::uint64_t divideUnsigned(std::uint64_t left, std::uint64_t right) { return left / right; }
+std::uint64_t moduloUnsigned(std::uint64_t left, std::uint64_t right) { return left % right; }
+std::int64_t divide(std::int64_t left, std::int64_t right) { return left / right; }
+std::int64_t modulo(std::int64_t left, std::int64_t right) { return left % right; }
 
 template <typename Function>
-void* Address(Function* function) {
+void* address(Function* function) {
     return reinterpret_cast<void*>(function);
 }
 
 } // namespace
 
 const std::vector<DarwinCall>& DarwinFileCalls() {
-    standardError = stderr;
+    gStandardError = stderr;
     static const std::vector<DarwinCall> calls = {
-        {"___error", Address(&Error)},
-        {"___stderrp", &standardError},
-        {"_stat$INODE64", Address(&Status)},
-        {"_lstat$INODE64", Address(&LinkStatus)},
-        {"_fstat$INODE64", Address(&OpenStatus)},
-        {"_statfs$INODE64", Address(&VolumeStatus)},
-        {"_opendir$INODE64$UNIX2003", Address(static_cast<DIR* (*)(const char*)>(&opendir))},
-        {"_readdir$INODE64", Address(&NextEntry)},
-        {"_closedir$UNIX2003", Address(&closedir)},
-        {"_fopen$UNIX2003", Address(&Open)},
-        {"_fwrite$UNIX2003", Address(&fwrite)},
-        {"_fseeko", Address(&Seek)},
-        {"_ftello", Address(&Tell)},
-        {"_strtod$UNIX2003", Address(&strtod)},
-        {"_strerror$UNIX2003", Address(&strerror)},
-        {"_chmod$UNIX2003", Address(static_cast<int (*)(const char*, mode_t)>(&chmod))},
-        {"_realpath$DARWIN_EXTSN", Address(static_cast<char* (*)(const char*, char*)>(&realpath))},
-        {"___bzero", Address(&Zero)},
-        {"___udivdi3", Address(&DivideUnsigned)},
-        {"___umoddi3", Address(&ModuloUnsigned)},
-        {"___divdi3", Address(&Divide)},
-        {"___moddi3", Address(&Modulo)},
+        {"___error", address(&errorAddress)},
+        {"___stderrp", &gStandardError},
+        {"_stat$INODE64", address(&pathStatus)},
+        {"_lstat$INODE64", address(&linkStatus)},
+        {"_fstat$INODE64", address(&openStatus)},
+        {"_statfs$INODE64", address(&volumeStatus)},
+        {"_opendir$INODE64$UNIX2003", address(static_cast<DIR* (*)(const char*)>(&opendir))},
+        {"_readdir$INODE64", address(&nextEntry)},
+        {"_closedir$UNIX2003", address(&closedir)},
+        {"_fopen$UNIX2003", address(&openFile)},
+        {"_fwrite$UNIX2003", address(&fwrite)},
+        {"_fseeko", address(&seek)},
+        {"_ftello", address(&tell)},
+        {"_strtod$UNIX2003", address(&strtod)},
+        {"_strerror$UNIX2003", address(&strerror)},
+        {"_chmod$UNIX2003", address(static_cast<int (*)(const char*, mode_t)>(&chmod))},
+        {"_realpath$DARWIN_EXTSN", address(static_cast<char* (*)(const char*, char*)>(&realpath))},
+        {"___bzero", address(&zero)},
+        {"___udivdi3", address(&divideUnsigned)},
+        {"___umoddi3", address(&moduloUnsigned)},
+        {"___divdi3", address(&divide)},
+        {"___moddi3", address(&modulo)},
     };
     return calls;
 }

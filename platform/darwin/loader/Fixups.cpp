@@ -6,10 +6,10 @@ namespace macplatform {
 
 namespace {
 
-constexpr std::uint8_t operationBits = 0xF0, operandBits = 0x0F;
-constexpr std::uint8_t pointerType = 1;
+constexpr std::uint8_t kOperationBits = 0xF0, kOperandBits = 0x0F;
+constexpr std::uint8_t kPointerType = 1;
 
-[[noreturn]] void RefuseOperation(const char* table, std::uint8_t byte) {
+[[noreturn]] void refuseOperation(const char* table, std::uint8_t byte) {
     throw MachORefused("has an operation in its table of " + std::string(table) +
                        " that is not handled: " + std::to_string(byte));
 }
@@ -45,18 +45,18 @@ public:
     void Run() {
         while (place < table.Size()) {
             const std::uint8_t byte = table.U8(place++);
-            if (!Do(byte, byte & operandBits)) return;
+            if (!Do(byte, byte & kOperandBits)) return;
         }
     }
 
 private:
     /// False at the end of the table.
     bool Do(std::uint8_t byte, std::uint8_t operand) {
-        switch (byte & operationBits) {
+        switch (byte & kOperationBits) {
         case 0x00:
             return false;
         case 0x10:
-            if (operand != pointerType) RefuseOperation("rebases", byte);
+            if (operand != kPointerType) refuseOperation("rebases", byte);
             break;
         case 0x20:
             cursor.SetSegment(operand, table.Uleb(place));
@@ -82,7 +82,7 @@ private:
             break;
         }
         default:
-            RefuseOperation("rebases", byte);
+            refuseOperation("rebases", byte);
         }
         return true;
     }
@@ -110,13 +110,13 @@ public:
     void Run() {
         while (place < table.Size()) {
             const std::uint8_t byte = table.U8(place++);
-            Do(byte, byte & operandBits);
+            Do(byte, byte & kOperandBits);
         }
     }
 
 private:
     void Do(std::uint8_t byte, std::uint8_t operand) {
-        switch (byte & operationBits) {
+        switch (byte & kOperationBits) {
         case 0x00: // the end of one lazy bind, or filling behind the last
             break;
         case 0x10:
@@ -130,7 +130,7 @@ private:
             place += static_cast<std::uint32_t>(name.size()) + 1;
             break;
         case 0x50:
-            if (operand != pointerType) RefuseOperation("binds", byte);
+            if (operand != kPointerType) refuseOperation("binds", byte);
             break;
         case 0x60:
             addend = static_cast<std::uint32_t>(table.Sleb(place));
@@ -147,7 +147,7 @@ private:
     }
 
     void DoBind(std::uint8_t byte, std::uint8_t operand) {
-        switch (byte & operationBits) {
+        switch (byte & kOperationBits) {
         case 0x90:
             Set(1, 0);
             break;
@@ -163,7 +163,7 @@ private:
             break;
         }
         default:
-            RefuseOperation("binds", byte);
+            refuseOperation("binds", byte);
         }
     }
 
@@ -189,7 +189,7 @@ private:
 };
 
 /// Takes the branch of the export trie on which `left` goes on, and takes the text on it off `left`.
-std::optional<std::uint32_t> NextNode(const ByteView& trie, std::uint32_t branches, std::string_view& left) {
+std::optional<std::uint32_t> nextNode(const ByteView& trie, std::uint32_t branches, std::string_view& left) {
     std::uint32_t place = branches;
     for (unsigned count = trie.U8(place++); count > 0; --count) {
         const std::string_view text = trie.Text(place);
@@ -220,7 +220,7 @@ std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string
         std::uint32_t place = *node;
         const std::uint32_t size = trie.Uleb(place);
         if (!left.empty()) {
-            node = NextNode(trie, place + size, left);
+            node = nextNode(trie, place + size, left);
         } else if (size == 0) {
             break;
         } else if (trie.Uleb(place) != 0) {

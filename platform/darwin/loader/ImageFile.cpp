@@ -7,31 +7,31 @@ namespace macplatform {
 
 namespace {
 
-constexpr std::uint32_t pageSize = 4096;
-constexpr std::uint32_t largestImage = 256u << 20;
-constexpr std::uint32_t intel32 = 7, bundleFile = 8, magic32 = 0xFEEDFACE;
+constexpr std::uint32_t kPageSize = 4096;
+constexpr std::uint32_t kLargestImage = 256u << 20;
+constexpr std::uint32_t kIntel32 = 7, kBundleFile = 8, kMagic32 = 0xFEEDFACE;
 
 // Load commands. One with the top bit must be understood; any other may be passed over.
-constexpr std::uint32_t segmentCommand = 1, loadLibrary = 12, loadWeakLibrary = 0x80000018,
-                        reexportLibrary = 0x8000001F, dyldInfo = 0x22, dyldInfoOnly = 0x80000022,
-                        mustBeUnderstood = 0x80000000;
+constexpr std::uint32_t kSegmentCommand = 1, kLoadLibrary = 12, kLoadWeakLibrary = 0x80000018,
+                        kReexportLibrary = 0x8000001F, kDyldInfo = 0x22, kDyldInfoOnly = 0x80000022,
+                        kMustBeUnderstood = 0x80000000;
 
-std::uint32_t BigEndian(const ByteView& bytes, std::uint32_t place) {
+std::uint32_t bigEndian(const ByteView& bytes, std::uint32_t place) {
     return __builtin_bswap32(bytes.U32(place));
 }
 
 /// The part for this processor, of a universal file.
-std::string_view ThinPart(std::string_view bytes) {
+std::string_view thinPart(std::string_view bytes) {
     const ByteView file(bytes);
-    if (bytes.size() < 8 || BigEndian(file, 0) != 0xCAFEBABE) return bytes;
-    for (std::uint32_t i = 0; i < std::min(BigEndian(file, 4), 30u); ++i) {
-        if (BigEndian(file, 8 + 20 * i) != intel32) continue;
-        return file.Part(BigEndian(file, 16 + 20 * i), BigEndian(file, 20 + 20 * i));
+    if (bytes.size() < 8 || bigEndian(file, 0) != 0xCAFEBABE) return bytes;
+    for (std::uint32_t i = 0; i < std::min(bigEndian(file, 4), 30u); ++i) {
+        if (bigEndian(file, 8 + 20 * i) != kIntel32) continue;
+        return file.Part(bigEndian(file, 16 + 20 * i), bigEndian(file, 20 + 20 * i));
     }
     throw MachOForOthers("has no code for 32-bit Intel");
 }
 
-std::string Name(const ByteView& bytes, std::uint32_t place) {
+std::string nameAt(const ByteView& bytes, std::uint32_t place) {
     const std::string_view name = bytes.Part(place, 16);
     return std::string(name.substr(0, name.find('\0')));
 }
@@ -41,9 +41,9 @@ public:
     explicit Reader(std::string_view bytes) : file(bytes) {}
 
     ImageFile Read() {
-        if (file.Size() < 28 || file.U32(0) != magic32 || file.U32(4) != intel32)
+        if (file.Size() < 28 || file.U32(0) != kMagic32 || file.U32(4) != kIntel32)
             throw MachOForOthers("is not for 32-bit Intel");
-        if (file.U32(12) != bundleFile) throw MachORefused("is no loadable bundle");
+        if (file.U32(12) != kBundleFile) throw MachORefused("is no loadable bundle");
         std::uint32_t place = 28;
         for (std::uint32_t left = file.U32(16); left > 0; --left) {
             const std::uint32_t size = file.U32(place + 4);
@@ -59,29 +59,29 @@ public:
 private:
     void ReadCommand(std::uint32_t place, const ByteView& command) {
         const std::uint32_t kind = command.U32(0);
-        if (kind == segmentCommand) {
+        if (kind == kSegmentCommand) {
             ReadSegment(command);
-        } else if (kind == loadLibrary || kind == loadWeakLibrary || kind == reexportLibrary) {
+        } else if (kind == kLoadLibrary || kind == kLoadWeakLibrary || kind == kReexportLibrary) {
             ++image.libraries;
-        } else if (kind == dyldInfo || kind == dyldInfoOnly) {
+        } else if (kind == kDyldInfo || kind == kDyldInfoOnly) {
             ReadTables(command);
-        } else if (kind & mustBeUnderstood) {
-            throw MachORefused("has the load command " + std::to_string(kind & ~mustBeUnderstood) + " at " +
+        } else if (kind & kMustBeUnderstood) {
+            throw MachORefused("has the load command " + std::to_string(kind & ~kMustBeUnderstood) + " at " +
                                std::to_string(place) + ", which is not handled");
         }
     }
 
     void ReadSegment(const ByteView& command) {
-        Segment segment{Name(command, 8), command.U32(24), command.U32(28),
+        Segment segment{nameAt(command, 8), command.U32(24), command.U32(28),
                         file.Part(command.U32(32), command.U32(36)), command.U32(44)};
-        if (segment.contents.size() > segment.size || segment.size > largestImage ||
-            segment.address % pageSize != 0 || segment.size % pageSize != 0) {
+        if (segment.contents.size() > segment.size || segment.size > kLargestImage ||
+            segment.address % kPageSize != 0 || segment.size % kPageSize != 0) {
             throw MachORefused("has a segment " + segment.name + " of impossible size or place");
         }
         for (std::uint32_t i = 0; i < command.U32(48); ++i) {
             const std::uint32_t at = 56 + 68 * i;
-            ImageSection section{segment.name, Name(command, at), command.U32(at + 32), command.U32(at + 36),
-                                 command.U32(at + 56) & 0xFF};
+            ImageSection section{segment.name, nameAt(command, at), command.U32(at + 32),
+                                 command.U32(at + 36), command.U32(at + 56) & 0xFF};
             if (section.address < segment.address || section.size > segment.size ||
                 section.address - segment.address > segment.size - section.size) {
                 throw MachORefused("has a section " + section.name + " outside of its segment");
@@ -111,7 +111,7 @@ private:
         for (std::size_t i = 1; i < ranges.size(); ++i) {
             if (ranges[i].first < ranges[i - 1].second) throw MachORefused("has segments that overlap");
         }
-        if (ranges.back().second - ranges.front().first > largestImage) throw MachORefused("is too large");
+        if (ranges.back().second - ranges.front().first > kLargestImage) throw MachORefused("is too large");
         image.start = static_cast<std::uint32_t>(ranges.front().first);
         image.end = static_cast<std::uint32_t>(ranges.back().second);
     }
@@ -163,6 +163,6 @@ std::int32_t ByteView::Sleb(std::uint32_t& place) const {
     throw MachORefused("has a number that is too large");
 }
 
-ImageFile ReadImageFile(std::string_view bytes) { return Reader(ThinPart(bytes)).Read(); }
+ImageFile ReadImageFile(std::string_view bytes) { return Reader(thinPart(bytes)).Read(); }
 
 } // namespace macplatform

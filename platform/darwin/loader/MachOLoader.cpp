@@ -19,8 +19,8 @@ namespace macplatform {
 
 namespace {
 
-constexpr std::size_t largestFile = std::size_t{64} << 20;
-constexpr std::uint32_t initialisers = 9;
+constexpr std::size_t kLargestFile = std::size_t{64} << 20;
+constexpr std::uint32_t kInitialisers = 9;
 
 class LoadedCode final : public MachOCode {
 public:
@@ -40,7 +40,7 @@ public:
             if (section.name == "__eh_frame" && section.size != 0) RegisterUnwinding(section);
         }
         for (const ImageSection& section : file.sections) {
-            if (section.type == initialisers) RunInitialisers(section);
+            if (section.type == kInitialisers) RunInitialisers(section);
         }
     }
 
@@ -86,18 +86,18 @@ bool CanRunMachO() { return true; }
 
 MachOCode* LoadMachO(const std::string& path, BundleFailure& failure) try {
     std::string bytes;
-    if (const int error = ReadWholeFile(path, largestFile, bytes)) {
-        failure = {BundleFault::CannotLoad, path + ": " + std::strerror(error)};
+    if (const int error = ReadWholeFile(path, kLargestFile, bytes)) {
+        failure = {BundleFault::kCannotLoad, path + ": " + std::strerror(error)};
         return nullptr;
     }
     auto code = std::make_unique<LoadedCode>(std::move(bytes));
     code->Start();
     return code.release();
 } catch (const MachOForOthers& refusal) {
-    failure = {BundleFault::WrongArchitecture, path + ' ' + refusal.what()};
+    failure = {BundleFault::kWrongArchitecture, path + ' ' + refusal.what()};
     return nullptr;
 } catch (const MachORefused& refusal) {
-    failure = {BundleFault::CannotLoad, path + ' ' + refusal.what()};
+    failure = {BundleFault::kCannotLoad, path + ' ' + refusal.what()};
     return nullptr;
 }
 

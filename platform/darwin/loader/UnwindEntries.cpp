@@ -9,7 +9,7 @@ namespace macplatform {
 
 namespace {
 
-constexpr std::uint8_t relativeAddress = 0x10, relativeIndirect = 0x9B;
+constexpr std::uint8_t kRelativeAddress = 0x10, kRelativeIndirect = 0x9B;
 
 /// What the functions of one common entry have.
 struct CommonEntry {
@@ -78,8 +78,8 @@ private:
         for (const char letter : letters.substr(1)) {
             const std::uint8_t encoding = View().U8(place++);
             const bool isKnown = letter == 'P'
-                                     ? encoding == relativeIndirect
-                                     : (letter == 'L' || letter == 'R') && encoding == relativeAddress;
+                                     ? encoding == kRelativeIndirect
+                                     : (letter == 'L' || letter == 'R') && encoding == kRelativeAddress;
             if (!isKnown) throw MachORefused("has unwind entries with pointers that are not handled");
             if (letter == 'L') common.hasLanguageData = true;
             if (letter != 'P') continue;

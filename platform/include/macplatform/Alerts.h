@@ -13,9 +13,9 @@ namespace macplatform {
 /// What is to be asked.
 struct Alert {
     /// `NSAlert`'s, or that of `StopAlert`.
-    enum class Kind { Message, Stop };
-    Kind kind = Kind::Message; ///< Says which of the other members mean something.
-    std::string message;       ///< UTF-8; empty for a stop alert, whose text lies in a resource.
+    enum class Kind { kMessage, kStop };
+    Kind kind = Kind::kMessage; ///< Says which of the other members mean something.
+    std::string message;        ///< UTF-8; empty for a stop alert, whose text lies in a resource.
     std::vector<std::string>
         buttons;      ///< In the order in which they were added; the platform's one "OK" when none was.
     int resource = 0; ///< The number of a stop alert.

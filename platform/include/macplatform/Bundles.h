@@ -10,22 +10,22 @@ namespace macplatform {
 
 /// The first thing that stood in the way.
 enum class BundleFault {
-    None,
-    NoBundle,          ///< No such folder, or no property list in it.
-    BrokenList,        ///< The property list cannot be read or holds no dictionary.
-    MissingKey,        ///< The property list lacks a key, a factory or a type, or has a key in a wrong form.
-    NoExecutable,      ///< The file that the property list names is missing, unreadable or no regular file.
-    WrongArchitecture, ///< It was made for another processor or system, or is no program code.
-    CannotLoad,        ///< The dynamic linker refused it.
-    SymbolMissing,     ///< The factory function is not exported.
-    FactoryRefused,    ///< The factory function answered null.
+    kNone,
+    kNoBundle,          ///< No such folder, or no property list in it.
+    kBrokenList,        ///< The property list cannot be read or holds no dictionary.
+    kMissingKey,        ///< The property list lacks a key, a factory or a type, or has a key in a wrong form.
+    kNoExecutable,      ///< The file that the property list names is missing, unreadable or no regular file.
+    kWrongArchitecture, ///< It was made for another processor or system, or is no program code.
+    kCannotLoad,        ///< The dynamic linker refused it.
+    kSymbolMissing,     ///< The factory function is not exported.
+    kFactoryRefused,    ///< The factory function answered null.
 };
 
 /// What went wrong in the last attempt.
 struct BundleFailure {
-    /// `None` with an empty `text` if nothing did. `MissingKey` also after a CFPlugInCreate that returned a
+    /// `kNone` with an empty `text` if nothing did. `kMissingKey` also after a CFPlugInCreate that returned a
     /// plug-in whose property list lacks one of the two CFPlugIn dictionaries.
-    BundleFault fault = BundleFault::None;
+    BundleFault fault = BundleFault::kNone;
     std::string text; ///< One line that names the thing and its path.
 };
 

@@ -15,18 +15,18 @@
 namespace macplatform {
 
 /// The format of a property-list file.
-enum class PropertyListFormat { Xml, Binary };
+enum class PropertyListFormat { kXml, kBinary };
 
 /// One value, taken out of its list: a copy that owns what it holds.
 struct PropertyValue {
-    /// The types of both formats. Only binary property lists have a `Uid`. `None` means that there is no
+    /// The types of both formats. Only binary property lists have a `kUid`. `kNone` means that there is no
     /// value.
-    enum class Kind { None, Boolean, Integer, Real, Text, Data, Date, Uid, Array, Dictionary };
-    Kind kind = Kind::None;   ///< Says which of the other members mean something.
+    enum class Kind { kNone, kBoolean, kInteger, kReal, kText, kData, kDate, kUid, kArray, kDictionary };
+    Kind kind = Kind::kNone;  ///< Says which of the other members mean something.
     std::string text;         ///< The text; for scalars as a person would write them; data in hexadecimal.
-    std::int64_t integer = 0; ///< Boolean and Integer; an integer from 2^63 on wraps to a negative one.
-    std::vector<PropertyValue> items;  ///< Array.
-    std::vector<std::string> keys;     ///< Dictionary, in the order of the file...
+    std::int64_t integer = 0; ///< kBoolean and kInteger; an integer from 2^63 on wraps to a negative one.
+    std::vector<PropertyValue> items;  ///< kArray.
+    std::vector<std::string> keys;     ///< kDictionary, in the order of the file...
     std::vector<PropertyValue> values; ///< ...with the value of each key at the same place.
 
     const PropertyValue* Find(const std::string& key) const; ///< Null when there is no such key.
@@ -42,8 +42,8 @@ inline bool operator!=(const PropertyValue& left, const PropertyValue& right) { 
 
 /// A file, or why it could not be read.
 struct PropertyListFile {
-    PropertyValue root;                                     ///< Of kind `None` when there is an error.
-    PropertyListFormat format = PropertyListFormat::Binary; ///< `Binary` too when there is an error.
+    PropertyValue root;                                      ///< Of kind `kNone` when there is an error.
+    PropertyListFormat format = PropertyListFormat::kBinary; ///< `kBinary` too when there is an error.
     std::string error; ///< Empty, or why the file could not be read, as one line without the path.
     /// The errno of a file that could not be read as a whole: ENOENT if it is missing, EFBIG if it is too
     /// large, EISDIR or EINVAL if it is no regular file. 0 for bytes that are no property list.

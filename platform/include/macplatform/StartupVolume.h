@@ -30,14 +30,14 @@ bool SetStartupVolume(const std::string& folder);
 const std::string& StartupVolume();
 
 /// What becomes of a link at the end of a path.
-enum class LastLink { Follow, Keep };
+enum class LastLink { kFollow, kKeep };
 
 /// Where a path of the Mac lies on this machine: inside the startup volume, with every link on the way
 /// resolved, or the path as it is (an empty one too). What does not exist yet keeps its name, and a trailing
 /// "/" stays. Empty, with errno, when the path cannot be resolved: ELOOP after 40 links, ENAMETOOLONG,
 /// EACCES, EINVAL for a path with a NUL in it, and ENOENT or ENOTDIR where ".." follows something that is
 /// missing or no folder.
-std::string HostPath(const std::string& macPath, LastLink = LastLink::Follow);
+std::string HostPath(const std::string& macPath, LastLink = LastLink::kFollow);
 
 /// How the Mac names a path of this machine: without the startup volume's folder where the path lies in it.
 std::string MacPath(const std::string& hostPath);

@@ -13,19 +13,19 @@ namespace macplatform {
 
 namespace {
 
-AlertPresenter& Presenter() {
-    static AlertPresenter presenter;
-    return presenter;
+AlertPresenter& currentPresenter() {
+    static AlertPresenter gPresenter;
+    return gPresenter;
 }
 
 } // namespace
 
-void SetAlertPresenter(AlertPresenter presenter) { Presenter() = std::move(presenter); }
+void SetAlertPresenter(AlertPresenter presenter) { currentPresenter() = std::move(presenter); }
 
 int Present(Alert alert) {
-    if (alert.kind == Alert::Kind::Message && alert.buttons.empty()) alert.buttons = {"OK"};
-    const AlertPresenter presenter = Presenter(); // which may replace itself
-    if (!presenter) return alert.kind == Alert::Kind::Message ? 0 : -1;
+    if (alert.kind == Alert::Kind::kMessage && alert.buttons.empty()) alert.buttons = {"OK"};
+    const AlertPresenter presenter = currentPresenter(); // which may replace itself
+    if (!presenter) return alert.kind == Alert::Kind::kMessage ? 0 : -1;
     const auto buttons = static_cast<int>(std::max<std::size_t>(alert.buttons.size(), 1));
     const int answer = presenter(alert);
     return answer >= 0 && answer < buttons ? answer : -1;
@@ -40,7 +40,7 @@ DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) try {
     constexpr DialogItemIndex notShown = -1;
     if (call.TakeFault()) return call.Result(notShown);
     Alert alert;
-    alert.kind = Alert::Kind::Stop;
+    alert.kind = Alert::Kind::kStop;
     alert.resource = alertID;
     const int answer = Present(std::move(alert));
     if (answer < 0) call.SetNote("not shown: no open resource file has this alert");

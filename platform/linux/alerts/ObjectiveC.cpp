@@ -20,8 +20,8 @@
 using namespace macplatform;
 
 struct objc_object : LiveThing {
-    static constexpr std::uint32_t liveMagic = 0x0B7EC7C1;
-    std::uint32_t magic = liveMagic;
+    static constexpr std::uint32_t kLiveMagic = 0x0B7EC7C1;
+    std::uint32_t magic = kLiveMagic;
     int references = 1;
     bool isClass = false;
     Alert alert;
@@ -29,21 +29,21 @@ struct objc_object : LiveThing {
 
 namespace {
 
-constexpr std::intptr_t firstButton = 1000;
-constexpr std::intptr_t aborted = -1001; ///< NSRunAbortedResponse: nobody could answer.
+constexpr std::intptr_t kFirstButton = 1000;
+constexpr std::intptr_t kAborted = -1001; ///< NSRunAbortedResponse: nobody could answer.
 
-objc_object& AlertClass() {
-    static objc_object& alertClass = *new objc_object;
-    alertClass.isClass = true;
-    return alertClass;
+objc_object& classObject() {
+    static objc_object& gAlertClass = *new objc_object;
+    gAlertClass.isClass = true;
+    return gAlertClass;
 }
 
-std::string TextOf(const void* string, const char* message) {
-    const auto& object = CheckedObject(string, message, stringClass);
+std::string textOf(const void* string, const char* message) {
+    const auto& object = CheckedObject(string, message, kStringClass);
     return ReadableUtf8(static_cast<const StringObject&>(object).units);
 }
 
-id MakeAlert() {
+id makeAlert() {
     auto* const alert = new (std::nothrow) objc_object;
     if (!alert) return nullptr;
     alert->Enlist([](const LiveThing& thing) {
@@ -52,56 +52,56 @@ id MakeAlert() {
     return alert;
 }
 
-void ReleaseAlert(objc_object& alert) {
+void releaseAlert(objc_object& alert) {
     if (--alert.references > 0) return;
     alert.Delist();
     alert.magic = 0;
     delete &alert;
 }
 
-std::intptr_t RunModal(const objc_object& alert, PlatformCall& call) {
+std::intptr_t runModal(const objc_object& alert, PlatformCall& call) {
     const int answer = Present(alert.alert);
-    if (answer >= 0) return firstButton + answer;
+    if (answer >= 0) return kFirstButton + answer;
     call.SetNote("not shown");
-    return aborted;
+    return kAborted;
 }
 
-std::intptr_t Answer(id object) { return reinterpret_cast<std::intptr_t>(object); }
+std::intptr_t toResult(id object) { return reinterpret_cast<std::intptr_t>(object); }
 
-std::intptr_t SendToClass(const std::string& message, PlatformCall& call) {
-    if (message == "alloc") return Answer(MakeAlert());
+std::intptr_t sendToClass(const std::string& message, PlatformCall& call) {
+    if (message == "alloc") return toResult(makeAlert());
     call.SetNote("NSAlert has no such class method here");
     return 0;
 }
 
-std::intptr_t SendToAlert(objc_object& alert, const std::string& message, const void* argument,
+std::intptr_t sendToAlert(objc_object& alert, const std::string& message, const void* argument,
                           PlatformCall& call) {
-    if (message == "init" || message == "autorelease") return Answer(&alert);
+    if (message == "init" || message == "autorelease") return toResult(&alert);
     if (message == "retain") {
         ++alert.references;
-        return Answer(&alert);
+        return toResult(&alert);
     }
     if (message == "release") {
-        ReleaseAlert(alert);
+        releaseAlert(alert);
     } else if (message == "setMessageText:" && argument) {
-        alert.alert.message = TextOf(argument, "setMessageText:");
+        alert.alert.message = textOf(argument, "setMessageText:");
     } else if (message == "addButtonWithTitle:" && argument) {
-        alert.alert.buttons.push_back(TextOf(argument, "addButtonWithTitle:"));
+        alert.alert.buttons.push_back(textOf(argument, "addButtonWithTitle:"));
     } else if (message == "runModal") {
-        return RunModal(alert, call);
+        return runModal(alert, call);
     } else {
         call.SetNote("NSAlert has no such method here, or not with a nil argument");
     }
     return 0;
 }
 
-bool TakesArgument(const std::string& message) { return !message.empty() && message.back() == ':'; }
+bool takesArgument(const std::string& message) { return !message.empty() && message.back() == ':'; }
 
-void TellMessage(PlatformCall& call, const objc_object* receiver, const std::string& message,
+void tellMessage(PlatformCall& call, const objc_object* receiver, const std::string& message,
                  const void* argument) {
     if (!call.IsTold()) return;
     std::vector<std::string> texts = {receiver ? "NSAlert" : "nil", message};
-    if (TakesArgument(message)) texts.push_back(argument ? Quoted(TextOf(argument, "objc_msgSend")) : "nil");
+    if (takesArgument(message)) texts.push_back(argument ? Quoted(textOf(argument, "objc_msgSend")) : "nil");
     call.SetArguments(std::move(texts));
 }
 
@@ -113,16 +113,16 @@ id objc_getClass(const char* name) try {
     PlatformCall call("objc_getClass");
     if (call.IsTold()) call.SetArguments({Quoted(name)});
     const bool known = name && std::strcmp(name, "NSAlert") == 0 && !call.TakeFault();
-    return call.Result(known ? &AlertClass() : id{nullptr}, known ? "NSAlert" : "nil");
+    return call.Result(known ? &classObject() : id{nullptr}, known ? "NSAlert" : "nil");
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
 
 SEL sel_registerName(const char* name) try {
-    static auto& names = *new std::set<std::string>;
+    static auto& gNames = *new std::set<std::string>;
     PlatformCall call("sel_registerName");
     if (call.IsTold()) call.SetArguments({Quoted(name)});
-    const std::string& kept = *names.emplace(name ? name : "").first;
+    const std::string& kept = *gNames.emplace(name ? name : "").first;
     return call.Result(reinterpret_cast<SEL>(kept.c_str()), kept);
 } catch (const std::bad_alloc&) {
     return nullptr;
@@ -131,12 +131,12 @@ SEL sel_registerName(const char* name) try {
 std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) try {
     PlatformCall call("objc_msgSend");
     const std::string message = selector ? reinterpret_cast<const char*>(selector) : "";
-    TellMessage(call, receiver, message, argument);
+    tellMessage(call, receiver, message, argument);
     if (!receiver || call.TakeFault()) return call.Result(std::intptr_t{0}, "nil");
-    if (receiver->magic != objc_object::liveMagic)
+    if (receiver->magic != objc_object::kLiveMagic)
         Misuse("objc_msgSend", message + " was sent to what is no object");
     const std::intptr_t answer =
-        receiver->isClass ? SendToClass(message, call) : SendToAlert(*receiver, message, argument, call);
+        receiver->isClass ? sendToClass(message, call) : sendToAlert(*receiver, message, argument, call);
     const bool isObject =
         message == "alloc" || message == "init" || message == "retain" || message == "autorelease";
     return call.Result(answer, isObject ? "NSAlert" : std::to_string(answer));

@@ -15,73 +15,74 @@ namespace {
 
 // The file's numbers are big-endian: a mark, a version, 16 bytes of filler, a count of entries, and for each
 // its kind, offset and length.
-constexpr std::uint32_t fileMark = 0x00051607;
-constexpr std::size_t headerSize = 26;
-constexpr std::size_t entrySize = 12;
-constexpr std::uint32_t resourceForkEntry = 2;
-constexpr std::uint32_t finderInfoEntry = 9;
+constexpr std::uint32_t kFileMark = 0x00051607;
+constexpr std::size_t kHeaderSize = 26;
+constexpr std::size_t kEntrySize = 12;
+constexpr std::uint32_t kResourceForkEntry = 2;
+constexpr std::uint32_t kFinderInfoEntry = 9;
 
-std::uint32_t Load(const std::uint8_t* bytes, int count) {
+std::uint32_t load(const std::uint8_t* bytes, int count) {
     std::uint32_t value = 0;
     for (int i = 0; i < count; ++i) value = value << 8 | bytes[i];
     return value;
 }
 
-void Append(std::string& bytes, std::uint32_t value, int count) {
+void appendNumber(std::string& bytes, std::uint32_t value, int count) {
     for (int shift = 8 * (count - 1); shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift);
 }
 
-bool ReadAt(int file, off_t offset, std::uint8_t* bytes, std::size_t count) {
+bool readAt(int file, off_t offset, std::uint8_t* bytes, std::size_t count) {
     return pread(file, bytes, count, offset) == static_cast<ssize_t>(count);
 }
 
 /// Where the 32 bytes are; 0 when there are none, which is no place for them.
-off_t FindFinderInfo(int file) {
+off_t findFinderInfo(int file) {
     struct stat item {};
-    std::array<std::uint8_t, headerSize> header;
-    if (fstat(file, &item) != 0 || !S_ISREG(item.st_mode) || !ReadAt(file, 0, header.data(), headerSize))
+    std::array<std::uint8_t, kHeaderSize> header;
+    if (fstat(file, &item) != 0 || !S_ISREG(item.st_mode) || !readAt(file, 0, header.data(), kHeaderSize))
         return 0;
-    const std::uint32_t version = Load(&header[4], 4);
-    if (Load(header.data(), 4) != fileMark || (version != 0x00010000 && version != 0x00020000)) return 0;
+    const std::uint32_t version = load(&header[4], 4);
+    if (load(header.data(), 4) != kFileMark || (version != 0x00010000 && version != 0x00020000)) return 0;
 
-    const std::uint32_t count = Load(&header[24], 2);
+    const std::uint32_t count = load(&header[24], 2);
     for (std::uint32_t i = 0; i < count; ++i) {
-        std::array<std::uint8_t, entrySize> entry;
-        if (!ReadAt(file, static_cast<off_t>(headerSize + i * entrySize), entry.data(), entrySize)) return 0;
-        if (Load(entry.data(), 4) != finderInfoEntry) continue;
-        const auto offset = static_cast<off_t>(Load(&entry[4], 4));
-        const std::uint32_t length = Load(&entry[8], 4);
+        std::array<std::uint8_t, kEntrySize> entry;
+        if (!readAt(file, static_cast<off_t>(kHeaderSize + i * kEntrySize), entry.data(), kEntrySize))
+            return 0;
+        if (load(entry.data(), 4) != kFinderInfoEntry) continue;
+        const auto offset = static_cast<off_t>(load(&entry[4], 4));
+        const std::uint32_t length = load(&entry[8], 4);
         const bool fits = length >= sizeof(FinderInfo) &&
-                          offset >= static_cast<off_t>(headerSize + count * entrySize) &&
+                          offset >= static_cast<off_t>(kHeaderSize + count * kEntrySize) &&
                           offset + static_cast<off_t>(sizeof(FinderInfo)) <= item.st_size;
         return fits ? offset : 0;
     }
     return 0;
 }
 
-Descriptor Open(const std::string& sidecar, int access) {
+Descriptor openSidecar(const std::string& sidecar, int access) {
     return Descriptor(open(sidecar.c_str(), access | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
 }
 
 /// The smallest sidecar that every reader knows: Finder information and an empty resource fork.
-std::string NewSidecar(const FinderInfo& info) {
-    constexpr std::uint32_t infoOffset = headerSize + 2 * entrySize;
+std::string newSidecar(const FinderInfo& info) {
+    constexpr std::uint32_t infoOffset = kHeaderSize + 2 * kEntrySize;
     std::string bytes;
-    Append(bytes, fileMark, 4);
-    Append(bytes, 0x00020000, 4);
+    appendNumber(bytes, kFileMark, 4);
+    appendNumber(bytes, 0x00020000, 4);
     bytes.append(16, '\0');
-    Append(bytes, 2, 2);
-    for (const std::uint32_t number : {finderInfoEntry, infoOffset, std::uint32_t{sizeof info}})
-        Append(bytes, number, 4);
-    for (const std::uint32_t number : {resourceForkEntry, infoOffset + std::uint32_t{sizeof info}, 0U})
-        Append(bytes, number, 4);
+    appendNumber(bytes, 2, 2);
+    for (const std::uint32_t number : {kFinderInfoEntry, infoOffset, std::uint32_t{sizeof info}})
+        appendNumber(bytes, number, 4);
+    for (const std::uint32_t number : {kResourceForkEntry, infoOffset + std::uint32_t{sizeof info}, 0U})
+        appendNumber(bytes, number, 4);
     return bytes.append(info.begin(), info.end());
 }
 
-int MakeSidecar(const std::string& sidecar, const FinderInfo& info) {
+int makeSidecar(const std::string& sidecar, const FinderInfo& info) {
     const auto slash = sidecar.rfind('/');
     const Descriptor folder(open(sidecar.substr(0, slash + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return folder ? ReplaceFile(folder.Get(), sidecar.substr(slash + 1), NewSidecar(info)) : errno;
+    return folder ? ReplaceFile(folder.Get(), sidecar.substr(slash + 1), newSidecar(info)) : errno;
 }
 
 } // namespace
@@ -94,19 +95,19 @@ std::string SidecarPath(const std::string& path) {
 }
 
 int ReadSidecar(const std::string& sidecar, FinderInfo& info) {
-    const Descriptor file = Open(sidecar, O_RDONLY);
+    const Descriptor file = openSidecar(sidecar, O_RDONLY);
     if (!file) return errno == ELOOP ? EBADMSG : errno;
-    const off_t offset = FindFinderInfo(file.Get());
-    return offset != 0 && ReadAt(file.Get(), offset, info.data(), info.size()) ? 0 : EBADMSG;
+    const off_t offset = findFinderInfo(file.Get());
+    return offset != 0 && readAt(file.Get(), offset, info.data(), info.size()) ? 0 : EBADMSG;
 }
 
 int WriteSidecar(const std::string& sidecar, const FinderInfo& info) {
-    const Descriptor file = Open(sidecar, O_RDWR);
+    const Descriptor file = openSidecar(sidecar, O_RDWR);
     if (!file)
-        return errno == ENOENT                     ? MakeSidecar(sidecar, info)
+        return errno == ENOENT                     ? makeSidecar(sidecar, info)
                : errno == ELOOP || errno == EISDIR ? EBADMSG
                                                    : errno;
-    const off_t offset = FindFinderInfo(file.Get());
+    const off_t offset = findFinderInfo(file.Get());
     if (offset == 0) return EBADMSG;
     const ssize_t wrote = pwrite(file.Get(), info.data(), info.size(), offset);
     return wrote == static_cast<ssize_t>(info.size()) ? 0 : wrote < 0 ? errno : EIO;

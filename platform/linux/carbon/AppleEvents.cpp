@@ -83,39 +83,39 @@ namespace {
 
 using Storage = OpaqueAEDataStorageType;
 
-constexpr DescType typeAppleEvent = 'aevt';
-constexpr AEKeyword keyEventClass = 'evcl', keyEventID = 'evid', keyAddress = 'addr';
-constexpr AEKeyword keyClass = 'want', keyContainer = 'from', keyForm = 'form', keyData = 'seld';
-constexpr OSType finderSignature = 'MACS';
-constexpr DescType trashProperty = 'trsh';
+constexpr DescType kTypeAppleEvent = 'aevt';
+constexpr AEKeyword kKeyEventClass = 'evcl', kKeyEventID = 'evid', kKeyAddress = 'addr';
+constexpr AEKeyword kKeyClass = 'want', kKeyContainer = 'from', kKeyForm = 'form', kKeyData = 'seld';
+constexpr OSType kFinderSignature = 'MACS';
+constexpr DescType kTrashProperty = 'trsh';
 
 template <typename Code>
-void PutCode(Storage& record, AEKeyword keyword, DescType type, Code code) {
+void putCode(Storage& record, AEKeyword keyword, DescType type, Code code) {
     Storage data(type);
     data.bytes.assign(reinterpret_cast<const char*>(&code), sizeof code);
     record.Put(keyword, type, &data);
 }
 
 /// A code that a parameter holds; 0 when there is none of that size.
-FourCharCode CodeOf(const Storage* data) {
+FourCharCode codeOf(const Storage* data) {
     FourCharCode code = 0;
     if (data && data->bytes.size() == sizeof code) std::memcpy(&code, data->bytes.data(), sizeof code);
     return code;
 }
-FourCharCode CodeOf(const Storage& record, AEKeyword keyword) {
+FourCharCode codeOf(const Storage& record, AEKeyword keyword) {
     const auto* const parameter = record.Find(keyword);
-    return parameter ? CodeOf(parameter->data) : 0;
+    return parameter ? codeOf(parameter->data) : 0;
 }
 
 /// Hands a record over; the descriptor had nothing of its own.
-void GiveTo(AEDesc* result, DescType type, std::unique_ptr<Storage> storage) {
+void giveTo(AEDesc* result, DescType type, std::unique_ptr<Storage> storage) {
     result->descriptorType = type;
     result->dataHandle = storage.release();
 }
 
 /// Does the work of a call that makes a descriptor; running out of memory leaves a null one.
 template <typename Work>
-OSErr Made(PlatformCall& call, AEDesc* result, Work work) {
+OSErr made(PlatformCall& call, AEDesc* result, Work work) {
     if (!result) return call.Result(OSErr{paramErr});
     *result = {typeNull, nullptr};
     if (const auto fault = call.TakeFault()) return call.Result(static_cast<OSErr>(*fault));
@@ -126,17 +126,18 @@ OSErr Made(PlatformCall& call, AEDesc* result, Work work) {
     }
 }
 
-std::string Shown(const AEDesc* desc) { return desc ? Storage::CodeText(desc->descriptorType) : "NULL"; }
+std::string shown(const AEDesc* desc) { return desc ? Storage::CodeText(desc->descriptorType) : "NULL"; }
 
-bool NamesTheTrash(const Storage& event) {
+bool namesTheTrash(const Storage& event) {
     const auto* const place = event.Find(keyAEInsertHere);
     return place && place->type == typeObjectSpecifier && place->data &&
-           CodeOf(*place->data, keyForm) == formPropertyID && CodeOf(*place->data, keyData) == trashProperty;
+           codeOf(*place->data, kKeyForm) == formPropertyID &&
+           codeOf(*place->data, kKeyData) == kTrashProperty;
 }
 
 /// What the Finder makes of the event: a result code.
-OSErr MoveAsTheFinderDoes(const Storage& event) {
-    if (!NamesTheTrash(event)) return errAENoSuchObject;
+OSErr moveAsTheFinderDoes(const Storage& event) {
+    if (!namesTheTrash(event)) return errAENoSuchObject;
     const auto* const object = event.Find(keyDirectObject);
     if (!object) return errAEDescNotFound;
     FSRef ref;
@@ -147,21 +148,21 @@ OSErr MoveAsTheFinderDoes(const Storage& event) {
     return item.result != noErr ? item.result : ResultCode(MoveToTrash(item.path));
 }
 
-OSErr Send(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) {
-    if (!event || !event->dataHandle || event->dataHandle->type != typeAppleEvent) return errAENotAEDesc;
+OSErr sendEvent(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) {
+    if (!event || !event->dataHandle || event->dataHandle->type != kTypeAppleEvent) return errAENotAEDesc;
     const Storage& record = *event->dataHandle;
-    const auto* const target = record.Find(keyAddress);
-    if (!target || target->type != typeApplSignature || CodeOf(target->data) != finderSignature)
+    const auto* const target = record.Find(kKeyAddress);
+    if (!target || target->type != typeApplSignature || codeOf(target->data) != kFinderSignature)
         return procNotFound;
-    if (CodeOf(record, keyEventClass) != kAECoreSuite || CodeOf(record, keyEventID) != kAEMove)
+    if (codeOf(record, kKeyEventClass) != kAECoreSuite || codeOf(record, kKeyEventID) != kAEMove)
         return errAEEventNotHandled;
 
-    auto answer = std::make_unique<Storage>(typeAppleEvent);
-    if (const OSErr failed = MoveAsTheFinderDoes(record)) {
-        PutCode(*answer, keyErrorNumber, 'long', SInt32{failed});
+    auto answer = std::make_unique<Storage>(kTypeAppleEvent);
+    if (const OSErr failed = moveAsTheFinderDoes(record)) {
+        putCode(*answer, keyErrorNumber, 'long', SInt32{failed});
         call.SetNote("the Finder answered " + std::to_string(failed));
     }
-    GiveTo(reply, typeAppleEvent, std::move(answer));
+    giveTo(reply, kTypeAppleEvent, std::move(answer));
     return noErr;
 }
 
@@ -170,12 +171,12 @@ OSErr Send(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) {
 OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) try {
     PlatformCall call("AECreateDesc");
     if (call.IsTold()) call.SetArguments({Storage::CodeText(type), std::to_string(size) + " bytes"});
-    return Made(call, result, [=]() -> OSErr {
+    return made(call, result, [=]() -> OSErr {
         if (size < 0 || (size > 0 && !data)) return paramErr;
         if (type == typeNull) return noErr;
         auto storage = std::make_unique<Storage>(type);
         if (size > 0) storage->bytes.assign(static_cast<const char*>(data), static_cast<std::size_t>(size));
-        GiveTo(result, type, std::move(storage));
+        giveTo(result, type, std::move(storage));
         return noErr;
     });
 } catch (const std::bad_alloc&) {
@@ -186,14 +187,14 @@ OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAdd
                          AETransactionID, AppleEvent* result) try {
     PlatformCall call("AECreateAppleEvent");
     if (call.IsTold())
-        call.SetArguments({Storage::CodeText(eventClass), Storage::CodeText(eventID), Shown(target)});
-    return Made(call, result, [=]() -> OSErr {
+        call.SetArguments({Storage::CodeText(eventClass), Storage::CodeText(eventID), shown(target)});
+    return made(call, result, [=]() -> OSErr {
         if (!target) return paramErr;
-        auto event = std::make_unique<Storage>(typeAppleEvent);
-        PutCode(*event, keyEventClass, typeType, eventClass);
-        PutCode(*event, keyEventID, typeType, eventID);
-        event->Put(keyAddress, target->descriptorType, target->dataHandle);
-        GiveTo(result, typeAppleEvent, std::move(event));
+        auto event = std::make_unique<Storage>(kTypeAppleEvent);
+        putCode(*event, kKeyEventClass, typeType, eventClass);
+        putCode(*event, kKeyEventID, typeType, eventID);
+        event->Put(kKeyAddress, target->descriptorType, target->dataHandle);
+        giveTo(result, kTypeAppleEvent, std::move(event));
         return noErr;
     });
 } catch (const std::bad_alloc&) {
@@ -202,10 +203,10 @@ OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAdd
 
 OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* value) try {
     PlatformCall call("AEPutParamDesc");
-    if (call.IsTold()) call.SetArguments({Shown(event), Storage::CodeText(keyword), Shown(value)});
+    if (call.IsTold()) call.SetArguments({shown(event), Storage::CodeText(keyword), shown(value)});
     if (const auto fault = call.TakeFault()) return call.Result(static_cast<OSErr>(*fault));
     if (!event || !value) return call.Result(OSErr{paramErr});
-    if (!event->dataHandle || event->dataHandle->type != typeAppleEvent)
+    if (!event->dataHandle || event->dataHandle->type != kTypeAppleEvent)
         return call.Result(OSErr{errAENotAEDesc});
     event->dataHandle->Put(keyword, value->descriptorType, value->dataHandle);
     return call.Result(OSErr{noErr});
@@ -217,19 +218,19 @@ OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType form
                          Boolean disposeInputs, AEDesc* specifier) try {
     PlatformCall call("CreateObjSpecifier");
     if (call.IsTold())
-        call.SetArguments({Storage::CodeText(desiredClass), Storage::CodeText(form), Shown(key)});
-    return Made(call, specifier, [=]() -> OSErr {
+        call.SetArguments({Storage::CodeText(desiredClass), Storage::CodeText(form), shown(key)});
+    return made(call, specifier, [=]() -> OSErr {
         if (!container || !key) return paramErr;
         auto record = std::make_unique<Storage>(typeObjectSpecifier);
-        PutCode(*record, keyClass, typeType, desiredClass);
-        PutCode(*record, keyForm, 'enum', form);
-        record->Put(keyContainer, container->descriptorType, container->dataHandle);
-        record->Put(keyData, key->descriptorType, key->dataHandle);
+        putCode(*record, kKeyClass, typeType, desiredClass);
+        putCode(*record, kKeyForm, 'enum', form);
+        record->Put(kKeyContainer, container->descriptorType, container->dataHandle);
+        record->Put(kKeyData, key->descriptorType, key->dataHandle);
         if (disposeInputs) {
             AEDisposeDesc(container);
             AEDisposeDesc(key);
         }
-        GiveTo(specifier, typeObjectSpecifier, std::move(record));
+        giveTo(specifier, typeObjectSpecifier, std::move(record));
         return noErr;
     });
 } catch (const std::bad_alloc&) {
@@ -239,8 +240,8 @@ OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType form
 OSErr AESend(const AppleEvent* event, AppleEvent* reply, AESendMode mode, AESendPriority, long, AEIdleUPP,
              AEFilterUPP) try {
     PlatformCall call("AESend");
-    if (call.IsTold()) call.SetArguments({Shown(event), "mode " + std::to_string(mode)});
-    return Made(call, reply, [&]() -> OSErr { return Send(event, reply, call); });
+    if (call.IsTold()) call.SetArguments({shown(event), "mode " + std::to_string(mode)});
+    return made(call, reply, [&]() -> OSErr { return sendEvent(event, reply, call); });
 } catch (const std::bad_alloc&) {
     return memFullErr;
 }

@@ -21,8 +21,8 @@ namespace {
 
 /// The bytes of an FSRef, unused ones zero.
 struct Reference {
-    static constexpr std::uint32_t realMark = 0x46535265;
-    std::uint32_t mark = realMark;
+    static constexpr std::uint32_t kRealMark = 0x46535265;
+    std::uint32_t mark = kRealMark;
     std::uint32_t number = 0; ///< Of the path.
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -50,50 +50,50 @@ struct PathTable {
     }
 };
 
-PathTable& Paths() {
-    static auto& table = *new PathTable;
-    return table;
+PathTable& pathTable() {
+    static auto& gTable = *new PathTable;
+    return gTable;
 }
 
-const std::string* PathOf(const Reference& reference) {
-    return reference.mark == Reference::realMark ? Paths().Find(reference.number) : nullptr;
+const std::string* pathOf(const Reference& reference) {
+    return reference.mark == Reference::kRealMark ? pathTable().Find(reference.number) : nullptr;
 }
 
-Reference Read(const FSRef& bytes) {
+Reference readReference(const FSRef& bytes) {
     Reference reference;
     std::memcpy(&reference, bytes.hidden, sizeof reference);
     return reference;
 }
 
-Item Refusal(OSErr result) {
+Item refusal(OSErr result) {
     Item item;
     item.result = result;
     return item;
 }
 
-Item ItemAt(const std::string& path) {
+Item itemAt(const std::string& path) {
     struct stat found {};
-    if (lstat(path.c_str(), &found) != 0) return Refusal(ResultCode(errno));
+    if (lstat(path.c_str(), &found) != 0) return refusal(ResultCode(errno));
     return {noErr, path, S_ISDIR(found.st_mode), found.st_dev, found.st_ino};
 }
 
 } // namespace
 
 Item FindItem(const std::string& macPath) {
-    if (!DecodeUtf8(macPath)) return Refusal(bdNamErr);
+    if (!DecodeUtf8(macPath)) return refusal(bdNamErr);
     const std::string path = HostPath(macPath);
-    if (path.empty()) return Refusal(ResultCode(macPath.empty() ? ENOENT : errno));
+    if (path.empty()) return refusal(ResultCode(macPath.empty() ? ENOENT : errno));
     const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
-    return real ? ItemAt(real.get()) : Refusal(ResultCode(errno));
+    return real ? itemAt(real.get()) : refusal(ResultCode(errno));
 }
 
 Item FindItem(const FSRef& bytes) {
-    const Reference reference = Read(bytes);
-    const std::string* const path = PathOf(reference);
-    if (!path) return Refusal(errFSBadFSRef);
-    Item item = ItemAt(*path);
+    const Reference reference = readReference(bytes);
+    const std::string* const path = pathOf(reference);
+    if (!path) return refusal(errFSBadFSRef);
+    Item item = itemAt(*path);
     const bool isAnother = item.device != reference.device || item.inode != reference.inode;
-    return item.result == noErr && isAnother ? Refusal(fnfErr) : item;
+    return item.result == noErr && isAnother ? refusal(fnfErr) : item;
 }
 
 OSErr PathOfReference(const FSRef& reference, std::string& path) {
@@ -104,7 +104,7 @@ OSErr PathOfReference(const FSRef& reference, std::string& path) {
 
 FSRef MakeReference(const Item& item) {
     Reference reference;
-    reference.number = Paths().NumberOf(item.path);
+    reference.number = pathTable().NumberOf(item.path);
     reference.device = item.device;
     reference.inode = item.inode;
     FSRef bytes{};
@@ -114,7 +114,7 @@ FSRef MakeReference(const Item& item) {
 
 std::string DescribeReference(const FSRef* reference) {
     if (!reference) return "NULL";
-    const std::string* const path = PathOf(Read(*reference));
+    const std::string* const path = pathOf(readReference(*reference));
     return path ? Quoted(MacPath(*path)) : "a reference to nothing";
 }
 

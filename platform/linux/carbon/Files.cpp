@@ -16,7 +16,7 @@ using namespace macplatform;
 
 namespace {
 
-std::string DescribeBitmap(FSCatalogInfoBitmap bitmap) {
+std::string describeBitmap(FSCatalogInfoBitmap bitmap) {
     if (bitmap == kFSCatInfoFinderInfo) return "FinderInfo";
     if (bitmap == kFSCatInfoNodeFlags) return "NodeFlags";
     char text[16];
@@ -24,7 +24,7 @@ std::string DescribeBitmap(FSCatalogInfoBitmap bitmap) {
     return text;
 }
 
-std::string DescribeFlags(const FSCatalogInfo* info, FSCatalogInfoBitmap bitmap) {
+std::string describeFlags(const FSCatalogInfo* info, FSCatalogInfoBitmap bitmap) {
     if (!info || (bitmap & kFSCatInfoFinderInfo) == 0) return "no Finder flags";
     UInt16 flags;
     std::copy_n(&info->finderInfo[8], sizeof flags, reinterpret_cast<UInt8*>(&flags));
@@ -33,7 +33,7 @@ std::string DescribeFlags(const FSCatalogInfo* info, FSCatalogInfoBitmap bitmap)
     return text;
 }
 
-OSErr GetInfo(const FSRef& ref, FSCatalogInfoBitmap bitmap, FSCatalogInfo* info) {
+OSErr getInfo(const FSRef& ref, FSCatalogInfoBitmap bitmap, FSCatalogInfo* info) {
     const Item item = FindItem(ref);
     if (item.result != noErr) return item.result;
     if ((bitmap & kFSCatInfoFinderInfo) != 0) {
@@ -46,7 +46,7 @@ OSErr GetInfo(const FSRef& ref, FSCatalogInfoBitmap bitmap, FSCatalogInfo* info)
     return noErr;
 }
 
-OSErr SetInfo(const FSRef& ref, const FSCatalogInfo& info) {
+OSErr setInfo(const FSRef& ref, const FSCatalogInfo& info) {
     const Item item = FindItem(ref);
     FinderInfo stored;
     if (item.result != noErr) return item.result;
@@ -91,15 +91,15 @@ Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) try {
 OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, FSCatalogInfo* info, HFSUniStr255* name,
                        FSSpec* spec, FSRef* parent) try {
     PlatformCall call("FSGetCatalogInfo");
-    if (call.IsTold()) call.SetArguments({DescribeReference(ref), DescribeBitmap(bitmap)});
+    if (call.IsTold()) call.SetArguments({DescribeReference(ref), describeBitmap(bitmap)});
     if (const auto code = call.TakeFault()) return call.Result(static_cast<OSErr>(*code));
     if (!ref || name || spec || parent || (!info && bitmap != kFSCatInfoNone))
         return call.Result(OSErr{paramErr});
     if ((bitmap & ~(kFSCatInfoFinderInfo | kFSCatInfoNodeFlags)) != 0)
         return call.Result(OSErr{errFSBadInfoBitmap});
-    const OSErr result = GetInfo(*ref, bitmap, info);
+    const OSErr result = getInfo(*ref, bitmap, info);
     if (result != noErr || !call.IsTold()) return call.Result(result);
-    return call.Result(result, "0, " + DescribeFlags(info, bitmap));
+    return call.Result(result, "0, " + describeFlags(info, bitmap));
 } catch (const std::bad_alloc&) {
     return memFullErr;
 }
@@ -107,11 +107,11 @@ OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, FSCatalogIn
 OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, const FSCatalogInfo* info) try {
     PlatformCall call("FSSetCatalogInfo");
     if (call.IsTold())
-        call.SetArguments({DescribeReference(ref), DescribeBitmap(bitmap), DescribeFlags(info, bitmap)});
+        call.SetArguments({DescribeReference(ref), describeBitmap(bitmap), describeFlags(info, bitmap)});
     if (const auto code = call.TakeFault()) return call.Result(static_cast<OSErr>(*code));
     if (!ref || (!info && bitmap != kFSCatInfoNone)) return call.Result(OSErr{paramErr});
     if ((bitmap & ~kFSCatInfoFinderInfo) != 0) return call.Result(OSErr{errFSBadInfoBitmap});
-    return call.Result(bitmap == kFSCatInfoNone ? FindItem(*ref).result : SetInfo(*ref, *info));
+    return call.Result(bitmap == kFSCatInfoNone ? FindItem(*ref).result : setInfo(*ref, *info));
 } catch (const std::bad_alloc&) {
     return memFullErr;
 }

@@ -17,85 +17,86 @@ namespace macplatform {
 
 namespace {
 
-constexpr char macDisksAttribute[] = "osx.com.apple.FinderInfo";
-constexpr char attribute[] = "user.com.apple.FinderInfo";
+constexpr char kMacDisksAttribute[] = "osx.com.apple.FinderInfo";
+constexpr char kAttributeName[] = "user.com.apple.FinderInfo";
 
-bool attributesAreRefused = false;
+bool gAttributesAreRefused = false;
 
-enum class Place { None, Attribute, Sidecar };
+enum class Place { kNone, kAttribute, kSidecar };
 
-bool IsEmpty(const FinderInfo& info) { return info == FinderInfo{}; }
+bool isEmpty(const FinderInfo& info) { return info == FinderInfo{}; }
 
-const char* AttributeName(const std::string& path) {
+const char* attributeFor(const std::string& path) {
     constexpr long hfsPlusMark = 0x482B;
     struct statfs disk {};
-    return statfs(path.c_str(), &disk) == 0 && disk.f_type == hfsPlusMark ? macDisksAttribute : attribute;
+    return statfs(path.c_str(), &disk) == 0 && disk.f_type == hfsPlusMark ? kMacDisksAttribute
+                                                                          : kAttributeName;
 }
 
 /// ENODATA when the item has none, also where there can be none.
-int ReadAttribute(const std::string& path, FinderInfo& info) {
+int readAttribute(const std::string& path, FinderInfo& info) {
     struct stat item {};
-    if (attributesAreRefused) return lstat(path.c_str(), &item) == 0 ? ENODATA : errno;
-    const ssize_t size = lgetxattr(path.c_str(), AttributeName(path), info.data(), info.size());
+    if (gAttributesAreRefused) return lstat(path.c_str(), &item) == 0 ? ENODATA : errno;
+    const ssize_t size = lgetxattr(path.c_str(), attributeFor(path), info.data(), info.size());
     if (size == static_cast<ssize_t>(info.size())) return 0;
     if (size >= 0 || errno == ERANGE) return EIO; // of another size, which nobody who knows it writes
     return errno == ENOTSUP || errno == EPERM ? ENODATA : errno;
 }
 
-int SetAttribute(const std::string& path, const FinderInfo& info) {
-    if (attributesAreRefused) return ENOTSUP;
-    const char* const name = AttributeName(path);
-    if (IsEmpty(info) && name == attribute)
+int setAttribute(const std::string& path, const FinderInfo& info) {
+    if (gAttributesAreRefused) return ENOTSUP;
+    const char* const name = attributeFor(path);
+    if (isEmpty(info) && name == kAttributeName)
         return lremovexattr(path.c_str(), name) == 0 || errno == ENODATA ? 0 : errno;
     return lsetxattr(path.c_str(), name, info.data(), info.size(), 0) == 0 ? 0 : errno;
 }
 
 /// The Mac lets the owner of a read-only item set it, as a right over the item and not over its bytes.
-int SetAttributeAsOwner(const std::string& path, const FinderInfo& info) {
-    const int refusal = SetAttribute(path, info);
+int setAttributeAsOwner(const std::string& path, const FinderInfo& info) {
+    const int refusal = setAttribute(path, info);
     struct stat item {};
     if (refusal != EACCES || lstat(path.c_str(), &item) != 0 || item.st_uid != geteuid()) return refusal;
     if (S_ISLNK(item.st_mode) || chmod(path.c_str(), item.st_mode | S_IWUSR) != 0) return refusal;
-    const int failed = SetAttribute(path, info);
+    const int failed = setAttribute(path, info);
     return chmod(path.c_str(), item.st_mode) == 0 ? failed : errno;
 }
 
-bool CanHaveAttributes(const std::string& path) {
+bool canHaveAttributes(const std::string& path) {
     struct stat item {};
     return lstat(path.c_str(), &item) == 0 && (S_ISREG(item.st_mode) || S_ISDIR(item.st_mode));
 }
 
-int Read(const std::string& path, FinderInfo& info, Place& place) {
+int readInfo(const std::string& path, FinderInfo& info, Place& place) {
     info = {};
-    place = Place::Attribute;
-    const int failed = ReadAttribute(path, info);
+    place = Place::kAttribute;
+    const int failed = readAttribute(path, info);
     if (failed != ENODATA) return failed;
     FinderInfo beside{};
     const std::string sidecar = SidecarPath(path);
     const int absent = sidecar.empty() ? ENOENT : ReadSidecar(sidecar, beside);
     info = absent == 0 ? beside : FinderInfo{};
-    place = absent == 0 ? Place::Sidecar : Place::None;
+    place = absent == 0 ? Place::kSidecar : Place::kNone;
     // A file of that name that is no sidecar, or a name that is too long for one, tells nothing of the item.
     return absent == ENOENT || absent == EBADMSG || absent == ENAMETOOLONG ? 0 : absent;
 }
 
 } // namespace
 
-void RefuseExtendedAttributes(bool refused) { attributesAreRefused = refused; }
+void RefuseExtendedAttributes(bool refused) { gAttributesAreRefused = refused; }
 
 int ReadFinderInfo(const std::string& path, FinderInfo& info) {
     Place place;
-    return Read(path, info, place);
+    return readInfo(path, info, place);
 }
 
 int WriteFinderInfo(const std::string& path, const FinderInfo& info) {
     FinderInfo present;
     Place place;
-    if (const int failed = Read(path, present, place)) return failed;
+    if (const int failed = readInfo(path, present, place)) return failed;
     if (present == info) return 0;
-    if (place != Place::Sidecar) {
-        const int failed = SetAttributeAsOwner(path, info);
-        if (failed != ENOTSUP && (failed != EPERM || CanHaveAttributes(path))) return failed;
+    if (place != Place::kSidecar) {
+        const int failed = setAttributeAsOwner(path, info);
+        if (failed != ENOTSUP && (failed != EPERM || canHaveAttributes(path))) return failed;
     }
     const std::string sidecar = SidecarPath(path);
     return sidecar.empty() ? ENOTSUP : WriteSidecar(sidecar, info);

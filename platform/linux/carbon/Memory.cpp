@@ -16,32 +16,32 @@ namespace {
 
 /// Stands before the bytes that the caller gets.
 struct alignas(16) Block : LiveThing {
-    static constexpr std::uint64_t living = 0x4B4C42656D6F4D21;
+    static constexpr std::uint64_t kLiving = 0x4B4C42656D6F4D21;
     explicit Block(Size bytes) : size(bytes) {}
 
-    volatile std::uint64_t mark = living; ///< Volatile: its last value is read by a wrong second DisposePtr.
+    volatile std::uint64_t mark = kLiving; ///< Volatile: its last value is read by a wrong second DisposePtr.
     Size size;
 };
 
-thread_local OSErr lastResult = noErr;
+thread_local OSErr gLastResult = noErr;
 
-std::string Describe(const LiveThing& thing) {
+std::string describe(const LiveThing& thing) {
     return "memory block of " + std::to_string(static_cast<const Block&>(thing).size) + " bytes";
 }
 
-Ptr MakeBlock(Size size) {
+Ptr makeBlock(Size size) {
     constexpr auto most = std::numeric_limits<Size>::max() - static_cast<Size>(sizeof(Block));
     if (size < 0 || size > most) return nullptr;
     void* const memory = std::malloc(sizeof(Block) + static_cast<std::size_t>(size));
     if (!memory) return nullptr;
     auto* const block = new (memory) Block(size);
-    block->Enlist(Describe);
+    block->Enlist(describe);
     return reinterpret_cast<Ptr>(block + 1);
 }
 
-void Free(Ptr pointer) {
+void freeBlock(Ptr pointer) {
     auto* const block = reinterpret_cast<Block*>(pointer) - 1;
-    if (reinterpret_cast<std::uintptr_t>(pointer) % alignof(Block) != 0 || block->mark != Block::living) {
+    if (reinterpret_cast<std::uintptr_t>(pointer) % alignof(Block) != 0 || block->mark != Block::kLiving) {
         Misuse("DisposePtr", "this is no block of NewPtr, or it was disposed of already");
     }
     block->Delist();
@@ -54,18 +54,18 @@ void Free(Ptr pointer) {
 Ptr NewPtr(Size size) try {
     PlatformCall call("NewPtr");
     if (call.IsTold()) call.SetArguments({std::to_string(size)});
-    const Ptr block = call.TakeFault() ? nullptr : MakeBlock(size);
-    lastResult = block ? OSErr{noErr} : OSErr{memFullErr};
+    const Ptr block = call.TakeFault() ? nullptr : makeBlock(size);
+    gLastResult = block ? OSErr{noErr} : OSErr{memFullErr};
     return call.Result(block, block ? "a block" : "NULL");
 } catch (const std::bad_alloc&) {
-    lastResult = memFullErr;
+    gLastResult = memFullErr;
     return nullptr;
 }
 
 void DisposePtr(Ptr pointer) try {
     PlatformCall call("DisposePtr");
-    lastResult = noErr;
-    if (pointer) Free(pointer);
+    gLastResult = noErr;
+    if (pointer) freeBlock(pointer);
     if (call.IsTold()) call.SetArguments({pointer ? "a block" : "NULL"});
 } catch (const std::bad_alloc&) {
     // The block is gone; only the telling failed.
@@ -73,5 +73,5 @@ void DisposePtr(Ptr pointer) try {
 
 OSErr MemError() {
     PlatformCall call("MemError");
-    return call.Result(lastResult);
+    return call.Result(gLastResult);
 }

@@ -16,41 +16,41 @@ using macplatform::PlatformCall;
 
 namespace {
 
-std::string& GivenName() {
-    static std::string name;
-    return name;
+std::string& givenName() {
+    static std::string gName;
+    return gName;
 }
 
-std::optional<unsigned>& GivenProcessorCount() {
-    static std::optional<unsigned> count;
-    return count;
+std::optional<unsigned>& givenProcessorCount() {
+    static std::optional<unsigned> gCount;
+    return gCount;
 }
 
-std::string ProcessName() {
-    if (!GivenName().empty()) return GivenName();
+std::string currentProcessName() {
+    if (!givenName().empty()) return givenName();
     std::array<char, PATH_MAX> path;
     const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
     const std::string executable(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
     return executable.substr(executable.rfind('/') + 1);
 }
 
-void WritePascalString(const std::string& text, std::size_t most, unsigned char* buffer) {
+void writePascalString(const std::string& text, std::size_t most, unsigned char* buffer) {
     const std::size_t length = std::min(text.size(), most);
     buffer[0] = static_cast<unsigned char>(length);
     std::copy_n(text.begin(), length, buffer + 1);
 }
 
 /// The caller's record may be an older and shorter one: nothing behind its length is read or written.
-void Describe(ProcessInfoRec& callers) {
+void describe(ProcessInfoRec& callers) {
     ProcessInfoRec record{};
     const std::size_t known = std::min<std::size_t>(callers.processInfoLength, sizeof record);
     std::memcpy(&record, &callers, known);
 
-    const std::string name = ProcessName();
-    if (record.processName) WritePascalString(name, 255, record.processName);
+    const std::string name = currentProcessName();
+    if (record.processName) writePascalString(name, 255, record.processName);
     if (record.processAppSpec) {
         *record.processAppSpec = {};
-        WritePascalString(name, sizeof record.processAppSpec->name - 1, record.processAppSpec->name);
+        writePascalString(name, sizeof record.processAppSpec->name - 1, record.processAppSpec->name);
     }
     ProcessInfoRec filled{};
     filled.processInfoLength = record.processInfoLength;
@@ -64,8 +64,8 @@ void Describe(ProcessInfoRec& callers) {
 
 } // namespace
 
-void macplatform::SetProcessName(const std::string& name) { GivenName() = name; }
-void macplatform::SetProcessorCount(std::optional<unsigned> count) { GivenProcessorCount() = count; }
+void macplatform::SetProcessName(const std::string& name) { givenName() = name; }
+void macplatform::SetProcessorCount(std::optional<unsigned> count) { givenProcessorCount() = count; }
 
 OSErr GetProcessInformation(const ProcessSerialNumber* process, ProcessInfoRec* info) try {
     PlatformCall call("GetProcessInformation");
@@ -75,7 +75,7 @@ OSErr GetProcessInformation(const ProcessSerialNumber* process, ProcessInfoRec* 
     if (call.IsTold()) call.SetArguments({std::to_string(process->lowLongOfPSN)});
     if (process->highLongOfPSN != 0 || process->lowLongOfPSN != kCurrentProcess)
         return call.Result(procNotFound);
-    Describe(*info);
+    describe(*info);
     return call.Result(OSErr{noErr});
 } catch (const std::bad_alloc&) {
     return memFullErr;
@@ -84,6 +84,6 @@ OSErr GetProcessInformation(const ProcessSerialNumber* process, ProcessInfoRec* 
 ItemCount MPProcessors() {
     PlatformCall call("MPProcessors");
     const long count =
-        GivenProcessorCount() ? static_cast<long>(*GivenProcessorCount()) : sysconf(_SC_NPROCESSORS_CONF);
+        givenProcessorCount() ? static_cast<long>(*givenProcessorCount()) : sysconf(_SC_NPROCESSORS_CONF);
     return call.Result(static_cast<ItemCount>(std::max(count, 1L)));
 }

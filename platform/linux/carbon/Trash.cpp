@@ -21,22 +21,22 @@ struct TrashFolder {
     std::string path, top;
 };
 
-std::string FolderOf(const std::string& path) {
+std::string folderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+std::string nameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-std::string Joined(const std::string& folder, const std::string& name) {
+std::string joined(const std::string& folder, const std::string& name) {
     return folder.back() == '/' ? folder + name : folder + '/' + name;
 }
 
-bool IsInside(const std::string& path, const std::string& folder) {
+bool isInside(const std::string& path, const std::string& folder) {
     return folder == "/" || path == folder || path.compare(0, folder.size() + 1, folder + '/') == 0;
 }
 
-bool DeviceOf(const std::string& path, dev_t& device) {
+bool deviceOf(const std::string& path, dev_t& device) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) return false;
     device = status.st_dev;
@@ -44,7 +44,7 @@ bool DeviceOf(const std::string& path, dev_t& device) {
 }
 
 /// A link at the top of a file system could lead out of it.
-bool IsRealFolder(const std::string& path) {
+bool isRealFolder(const std::string& path) {
     struct stat status {};
     if (lstat(path.c_str(), &status) != 0) return false;
     if (S_ISDIR(status.st_mode)) return true;
@@ -53,7 +53,7 @@ bool IsRealFolder(const std::string& path) {
 }
 
 /// The folders of the way are made; the last one, for the user alone.
-bool MakeFolders(const std::string& path) {
+bool makeFolders(const std::string& path) {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
         mkdir(path.substr(0, slash).c_str(), 0700);
@@ -61,56 +61,56 @@ bool MakeFolders(const std::string& path) {
     return mkdir(path.c_str(), 0700) == 0 || errno == EEXIST;
 }
 
-std::string HomeTrash() {
+std::string homeTrash() {
     const char* const data = std::getenv("XDG_DATA_HOME");
-    if (data && *data == '/') return Joined(data, "Trash");
+    if (data && *data == '/') return joined(data, "Trash");
     const char* const home = std::getenv("HOME");
-    return home && *home == '/' ? Joined(home, ".local/share/Trash") : std::string();
+    return home && *home == '/' ? joined(home, ".local/share/Trash") : std::string();
 }
 
 /// The highest folder of the path's file system.
-std::string TopOf(const std::string& path, dev_t device) {
-    std::string top = FolderOf(path);
-    for (dev_t above = 0; top != "/" && DeviceOf(FolderOf(top), above) && above == device;)
-        top = FolderOf(top);
+std::string topOf(const std::string& path, dev_t device) {
+    std::string top = folderOf(path);
+    for (dev_t above = 0; top != "/" && deviceOf(folderOf(top), above) && above == device;)
+        top = folderOf(top);
     return top;
 }
 
 /// The Trash of a whole file system: the administrator's common one where it is safe to use, else the user's
 /// own.
-TrashFolder TrashAtTop(const std::string& top) {
-    const std::string user = std::to_string(getuid()), common = Joined(top, ".Trash");
+TrashFolder trashAtTop(const std::string& top) {
+    const std::string user = std::to_string(getuid()), common = joined(top, ".Trash");
     struct stat status {};
     const bool usable =
         lstat(common.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX);
-    if (usable && MakeFolders(Joined(common, user))) return {Joined(common, user), top};
-    return {Joined(top, ".Trash-" + user), top};
+    if (usable && makeFolders(joined(common, user))) return {joined(common, user), top};
+    return {joined(top, ".Trash-" + user), top};
 }
 
-TrashFolder TrashFor(const std::string& path) {
+TrashFolder trashFor(const std::string& path) {
     const std::string& volume = StartupVolume();
-    if (!volume.empty() && IsInside(path, volume)) return TrashAtTop(volume);
+    if (!volume.empty() && isInside(path, volume)) return trashAtTop(volume);
     dev_t own = 0, homes = 0;
-    const std::string home = HomeTrash();
-    if (!home.empty() && MakeFolders(home) && DeviceOf(FolderOf(path), own) && DeviceOf(home, homes) &&
+    const std::string home = homeTrash();
+    if (!home.empty() && makeFolders(home) && deviceOf(folderOf(path), own) && deviceOf(home, homes) &&
         own == homes) {
         return {home, ""};
     }
-    return TrashAtTop(TopOf(path, own));
+    return trashAtTop(topOf(path, own));
 }
 
-bool MustStay(const std::string& path, const std::string& trash) {
+bool mustStay(const std::string& path, const std::string& trash) {
     const char* const home = std::getenv("HOME");
     struct stat own {
     }, above{};
     const bool isMountPoint = lstat(path.c_str(), &own) == 0 && S_ISDIR(own.st_mode) &&
-                              stat(FolderOf(path).c_str(), &above) == 0 &&
+                              stat(folderOf(path).c_str(), &above) == 0 &&
                               (own.st_dev != above.st_dev || own.st_ino == above.st_ino);
-    return isMountPoint || (home && path == home) || path == StartupVolume() || IsInside(trash, path) ||
-           IsInside(path, trash);
+    return isMountPoint || (home && path == home) || path == StartupVolume() || isInside(trash, path) ||
+           isInside(path, trash);
 }
 
-std::string PercentEncoded(const std::string& path) {
+std::string percentEncoded(const std::string& path) {
     static const char hex[] = "0123456789ABCDEF";
     std::string encoded;
     for (const char c : path) {
@@ -126,7 +126,7 @@ std::string PercentEncoded(const std::string& path) {
     return encoded;
 }
 
-std::string Record(const std::string& path, const TrashFolder& trash) {
+std::string recordText(const std::string& path, const TrashFolder& trash) {
     const std::string shown =
         trash.top.empty() ? path : path.substr(trash.top == "/" ? 1 : trash.top.size() + 1);
     const time_t now = std::time(nullptr);
@@ -134,11 +134,11 @@ std::string Record(const std::string& path, const TrashFolder& trash) {
     localtime_r(&now, &parts);
     char date[32] = "";
     (void)std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &parts);
-    return "[Trash Info]\nPath=" + PercentEncoded(shown) + "\nDeletionDate=" + date + "\n";
+    return "[Trash Info]\nPath=" + percentEncoded(shown) + "\nDeletionDate=" + date + "\n";
 }
 
 /// "photo.jpg", "photo.2.jpg", ...; short enough for the record's name.
-std::string NumberedName(std::string name, unsigned number) {
+std::string numberedName(std::string name, unsigned number) {
     if (name.size() > 230) name.resize(230);
     if (number == 1) return name;
     const std::size_t dot = name.rfind('.');
@@ -147,7 +147,7 @@ std::string NumberedName(std::string name, unsigned number) {
 }
 
 /// A new file of these bytes; the answer is 0 or an errno, and then there is none but one that was there.
-int MakeRecord(const std::string& info, const std::string& record) {
+int makeRecord(const std::string& info, const std::string& record) {
     const Descriptor file(open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return errno;
     const ssize_t wrote = write(file.Get(), record.data(), record.size());
@@ -158,13 +158,13 @@ int MakeRecord(const std::string& info, const std::string& record) {
 }
 
 /// Claims a name by making its record, which nobody else may have made. Empty, with errno, when that fails.
-std::string ClaimName(const std::string& path, const TrashFolder& trash) {
-    const std::string record = Record(path, trash);
+std::string claimName(const std::string& path, const TrashFolder& trash) {
+    const std::string record = recordText(path, trash);
     for (unsigned number = 1; number < 100000; ++number) {
-        std::string name = NumberedName(NameOf(path), number);
+        std::string name = numberedName(nameOf(path), number);
         struct stat status {};
         if (lstat((trash.path + "/files/" + name).c_str(), &status) == 0) continue;
-        const int failed = MakeRecord(trash.path + "/info/" + name + ".trashinfo", record);
+        const int failed = makeRecord(trash.path + "/info/" + name + ".trashinfo", record);
         if (failed == 0) return name;
         if (failed == EEXIST) continue;
         errno = failed;
@@ -179,13 +179,13 @@ std::string ClaimName(const std::string& path, const TrashFolder& trash) {
 int MoveToTrash(const std::string& path) {
     struct stat status {};
     if (lstat(path.c_str(), &status) != 0) return errno;
-    const TrashFolder trash = TrashFor(path);
-    if (MustStay(path, trash.path)) return EBUSY;
+    const TrashFolder trash = trashFor(path);
+    if (mustStay(path, trash.path)) return EBUSY;
     for (const char* folder : {"", "/files", "/info"}) {
         const std::string each = trash.path + folder;
-        if (!MakeFolders(each) || (!trash.top.empty() && !IsRealFolder(each))) return errno;
+        if (!makeFolders(each) || (!trash.top.empty() && !isRealFolder(each))) return errno;
     }
-    const std::string name = ClaimName(path, trash);
+    const std::string name = claimName(path, trash);
     if (name.empty()) return errno;
     if (rename(path.c_str(), (trash.path + "/files/" + name).c_str()) != 0) {
         const int failed = errno;
@@ -193,7 +193,7 @@ int MoveToTrash(const std::string& path) {
         return failed;
     }
     // Most items have no sidecar; one that cannot go along is no reason to bring the item back.
-    (void)rename(Joined(FolderOf(path), "._" + NameOf(path)).c_str(),
+    (void)rename(joined(folderOf(path), "._" + nameOf(path)).c_str(),
                  (trash.path + "/files/._" + name).c_str());
     return 0;
 }

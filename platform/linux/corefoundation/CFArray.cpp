@@ -7,43 +7,43 @@
 using namespace macplatform;
 
 namespace macplatform {
-extern const ObjectClass arrayClass;
+extern const ObjectClass kArrayClass;
 }
 
 struct __CFArray : Object {
-    explicit __CFArray(std::vector<CFTypeRef> held) : Object(arrayClass), items(std::move(held)) {}
+    explicit __CFArray(std::vector<CFTypeRef> held) : Object(kArrayClass), items(std::move(held)) {}
     std::vector<CFTypeRef> items;
 };
 
 namespace {
 
-const __CFArray& ToArray(const Object& object) { return static_cast<const __CFArray&>(object); }
+const __CFArray& toArray(const Object& object) { return static_cast<const __CFArray&>(object); }
 
-std::string DescribeArray(const Object& object) {
+std::string describeArray(const Object& object) {
     std::string text;
-    for (const CFTypeRef item : ToArray(object).items) text += (text.empty() ? "" : ", ") + Describe(item);
+    for (const CFTypeRef item : toArray(object).items) text += (text.empty() ? "" : ", ") + Describe(item);
     return '(' + text + ')';
 }
 
-bool EqualArrays(const Object& left, const Object& right) {
-    const auto& ones = ToArray(left).items;
-    const auto& others = ToArray(right).items;
+bool equalArrays(const Object& left, const Object& right) {
+    const auto& ones = toArray(left).items;
+    const auto& others = toArray(right).items;
     return std::equal(ones.begin(), ones.end(), others.begin(), others.end(), &Equal);
 }
 
-void FinaliseArray(Object& object) {
+void finaliseArray(Object& object) {
     auto& array = static_cast<__CFArray&>(object);
     for (const CFTypeRef item : array.items) Release(CheckedObject(item, "CFRelease"));
     array.~__CFArray();
 }
 
-const std::vector<CFTypeRef>& CheckedItems(CFArrayRef array, const char* function) {
-    return ToArray(CheckedObject(array, function, arrayClass)).items;
+const std::vector<CFTypeRef>& checkedItems(CFArrayRef array, const char* function) {
+    return toArray(CheckedObject(array, function, kArrayClass)).items;
 }
 
 } // namespace
 
-const ObjectClass macplatform::arrayClass = {4, "array", &DescribeArray, &EqualArrays, &FinaliseArray};
+const ObjectClass macplatform::kArrayClass = {4, "array", &describeArray, &equalArrays, &finaliseArray};
 
 CFArrayRef macplatform::NewArray(std::vector<CFTypeRef> items) {
     const auto* array = MakeObject<__CFArray>(0, std::move(items));
@@ -53,14 +53,14 @@ CFArrayRef macplatform::NewArray(std::vector<CFTypeRef> items) {
 
 CFIndex CFArrayGetCount(CFArrayRef array) {
     PlatformCall call("CFArrayGetCount");
-    const auto& items = CheckedItems(array, "CFArrayGetCount");
+    const auto& items = checkedItems(array, "CFArrayGetCount");
     Tell(call, array);
     return call.Result(static_cast<CFIndex>(items.size()));
 }
 
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
     PlatformCall call("CFArrayGetValueAtIndex");
-    const auto& items = CheckedItems(array, "CFArrayGetValueAtIndex");
+    const auto& items = checkedItems(array, "CFArrayGetValueAtIndex");
     Tell(call, array, index);
     if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
         Misuse("CFArrayGetValueAtIndex", "index " + std::to_string(index) + " lies outside of an array of " +

@@ -11,20 +11,20 @@ namespace macplatform {
 
 namespace {
 
-constexpr unsigned char poison = 0xDB;
-constexpr std::uint32_t poisonedMagic = 0xDBDBDBDB;
+constexpr unsigned char kPoison = 0xDB;
+constexpr std::uint32_t kPoisonedMagic = 0xDBDBDBDB;
 
 /// Freed blocks, held back so that a use after the end meets the poison and not somebody's new data.
 class Quarantine {
 public:
     /// Never destroyed: static objects of the caller may release what they hold at exit.
     static Quarantine& Get() {
-        static Quarantine& quarantine = *new Quarantine;
-        return quarantine;
+        static Quarantine& gQuarantine = *new Quarantine;
+        return gQuarantine;
     }
 
     void TakeIn(void* block, std::size_t size) {
-        std::memset(block, poison, size);
+        std::memset(block, kPoison, size);
         void* oldest = nullptr;
         {
             const std::lock_guard lock(mutex);
@@ -40,20 +40,20 @@ private:
     std::size_t place = 0;
 };
 
-void Free(Object& object) noexcept {
+void freeObject(Object& object) noexcept {
     object.Delist();
     if (object.type->finalise) object.type->finalise(object);
     Quarantine::Get().TakeIn(&object, object.size);
 }
 
-std::string DescribeLive(const LiveThing& thing) {
+std::string describeLive(const LiveThing& thing) {
     const auto& object = static_cast<const Object&>(thing);
     const std::int32_t count = object.references;
     return std::string(object.type->kind) + ' ' + object.type->describe(object) + ", " +
            std::to_string(count) + (count == 1 ? " reference" : " references");
 }
 
-std::string AddressText(CFTypeRef object) {
+std::string addressText(CFTypeRef object) {
     char text[32];
     static_cast<void>(std::snprintf(text, sizeof text, "%p", object));
     return text;
@@ -69,13 +69,13 @@ void Misuse(const char* function, const std::string& whatIsWrong) {
 Object& CheckedObject(CFTypeRef reference, const char* function) {
     if (!reference) Misuse(function, "the object is NULL");
     if (reinterpret_cast<std::uintptr_t>(reference) % alignof(Object) != 0) {
-        Misuse(function, "there is no object at " + AddressText(reference));
+        Misuse(function, "there is no object at " + addressText(reference));
     }
     auto& object = *static_cast<Object*>(const_cast<void*>(reference));
-    if (object.magic == Object::liveMagic) return object;
-    Misuse(function, object.magic == poisonedMagic
-                         ? "the object at " + AddressText(reference) + " was freed before: released too often"
-                         : "there is no object at " + AddressText(reference));
+    if (object.magic == Object::kLiveMagic) return object;
+    Misuse(function, object.magic == kPoisonedMagic
+                         ? "the object at " + addressText(reference) + " was freed before: released too often"
+                         : "there is no object at " + addressText(reference));
 }
 
 Object& CheckedObject(CFTypeRef reference, const char* function, const ObjectClass& kind) {
@@ -90,12 +90,12 @@ Object& CheckedObject(CFTypeRef reference, const char* function, const ObjectCla
 void Introduce(Object& object, std::size_t size) noexcept {
     object.references = 1;
     object.size = size;
-    object.Enlist(&DescribeLive);
+    object.Enlist(&describeLive);
 }
 
 bool TryRetain(const Object& object) noexcept {
     std::int32_t count = object.references;
-    while (count != 0 && count != Object::immortal) {
+    while (count != 0 && count != Object::kImmortal) {
         if (object.references.compare_exchange_weak(count, count + 1)) return true;
     }
     return count != 0;
@@ -106,14 +106,14 @@ void Retain(const Object& object) noexcept { TryRetain(object); }
 void Release(Object& object) noexcept {
     std::int32_t count = object.references;
     do {
-        if (count == Object::immortal) return;
+        if (count == Object::kImmortal) return;
         if (count <= 0) Misuse("CFRelease", "the object has no reference left");
     } while (!object.references.compare_exchange_weak(count, count - 1));
-    if (count == 1) Free(object);
+    if (count == 1) freeObject(object);
 }
 
 void MakeImmortal(Object& object) noexcept {
-    object.references = Object::immortal;
+    object.references = Object::kImmortal;
     object.Delist();
 }
 
@@ -138,14 +138,14 @@ struct __CFAllocator : Object {
 };
 
 namespace {
-const ObjectClass allocatorClass = {2, "allocator",
-                                    [](const Object&) -> std::string { return "kCFAllocatorSystemDefault"; },
-                                    nullptr, nullptr};
-constexpr __CFAllocator systemDefault(allocatorClass);
+const ObjectClass kAllocatorClass = {2, "allocator",
+                                     [](const Object&) -> std::string { return "kCFAllocatorSystemDefault"; },
+                                     nullptr, nullptr};
+constexpr __CFAllocator kSystemDefault(kAllocatorClass);
 } // namespace
 
 const CFAllocatorRef kCFAllocatorDefault = nullptr;
-const CFAllocatorRef kCFAllocatorSystemDefault = &systemDefault;
+const CFAllocatorRef kCFAllocatorSystemDefault = &kSystemDefault;
 
 CFTypeRef CFRetain(CFTypeRef object) {
     PlatformCall call("CFRetain");

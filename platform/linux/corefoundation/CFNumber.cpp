@@ -11,38 +11,38 @@ namespace macplatform {
 
 namespace {
 
-const NumberValue& ToValue(const Object& object) { return static_cast<const __CFNumber&>(object).value; }
+const NumberValue& toValue(const Object& object) { return static_cast<const __CFNumber&>(object).value; }
 
-std::string DescribeNumber(const Object& object) {
-    const NumberValue& value = ToValue(object);
+std::string describeNumber(const Object& object) {
+    const NumberValue& value = toValue(object);
     if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
     return Digits(std::get<double>(value));
 }
 
 template <typename To>
-bool Convert(std::int64_t whole, To& converted);
+bool convert(std::int64_t whole, To& converted);
 template <typename To>
-bool Convert(double real, To& converted);
+bool convert(double real, To& converted);
 
-bool EqualNumbers(const Object& left, const Object& right) {
-    const NumberValue& one = ToValue(left);
-    const NumberValue& other = ToValue(right);
+bool equalNumbers(const Object& left, const Object& right) {
+    const NumberValue& one = toValue(left);
+    const NumberValue& other = toValue(right);
     if (one.index() == other.index()) return one == other;
     const double real = std::get<double>(one.index() == 1 ? one : other);
     const std::int64_t whole = std::get<std::int64_t>(one.index() == 0 ? one : other);
     std::int64_t converted = 0;
-    return Convert(real, converted) && converted == whole;
+    return convert(real, converted) && converted == whole;
 }
 
 /// The nearest value of the type, and whether it is the same number.
 template <typename To>
-bool Convert(std::int64_t whole, To& converted) {
+bool convert(std::int64_t whole, To& converted) {
     if constexpr (std::is_floating_point_v<To>) {
         // In 32-bit code the conversion goes through an 80-bit register, which would give every number back.
         const volatile To rounded = static_cast<To>(whole);
         converted = rounded;
         std::int64_t back = 0;
-        return Convert(static_cast<double>(converted), back) && back == whole;
+        return convert(static_cast<double>(converted), back) && back == whole;
     } else {
         using Limits = std::numeric_limits<To>;
         const bool fits = whole >= Limits::min() && whole <= Limits::max();
@@ -52,7 +52,7 @@ bool Convert(std::int64_t whole, To& converted) {
 }
 
 template <typename To>
-bool Convert(double real, To& converted) {
+bool convert(double real, To& converted) {
     using Limits = std::numeric_limits<To>;
     if constexpr (std::is_same_v<To, double>) {
         converted = real;
@@ -76,7 +76,7 @@ bool Convert(double real, To& converted) {
 
 /// Calls `use` with a null pointer of the C type that the number type stands for; false for an unknown one.
 template <typename Use>
-bool WithCType(CFNumberType type, Use use) {
+bool withCType(CFNumberType type, Use use) {
     switch (type) {
     case kCFNumberSInt8Type:
     case kCFNumberCharType:
@@ -103,9 +103,9 @@ bool WithCType(CFNumberType type, Use use) {
     return false;
 }
 
-std::optional<NumberValue> ReadValue(CFNumberType type, const void* from) {
+std::optional<NumberValue> readValue(CFNumberType type, const void* from) {
     NumberValue value;
-    const bool known = WithCType(type, [&](auto* typed) {
+    const bool known = withCType(type, [&](auto* typed) {
         std::remove_pointer_t<decltype(typed)> read;
         std::memcpy(&read, from, sizeof read);
         if constexpr (std::is_floating_point_v<decltype(read)>) {
@@ -118,16 +118,16 @@ std::optional<NumberValue> ReadValue(CFNumberType type, const void* from) {
     return known ? std::optional(value) : std::nullopt;
 }
 
-bool WriteValue(const NumberValue& value, CFNumberType type, void* to) {
-    return WithCType(type, [&](auto* typed) {
+bool writeValue(const NumberValue& value, CFNumberType type, void* to) {
+    return withCType(type, [&](auto* typed) {
         std::remove_pointer_t<decltype(typed)> converted{};
-        const bool same = std::visit([&](auto held) { return Convert(held, converted); }, value);
+        const bool same = std::visit([&](auto held) { return convert(held, converted); }, value);
         std::memcpy(to, &converted, sizeof converted);
         return same;
     });
 }
 
-std::string TypeName(CFNumberType type) {
+std::string typeName(CFNumberType type) {
     static const char* const names[] = {"SInt8",    "SInt16", "SInt32", "SInt64", "Float32",
                                         "Float64",  "Char",   "Short",  "Int",    "Long",
                                         "LongLong", "Float",  "Double", "CFIndex"};
@@ -137,7 +137,7 @@ std::string TypeName(CFNumberType type) {
 
 } // namespace
 
-const ObjectClass numberClass = {10, "number", &DescribeNumber, &EqualNumbers, nullptr};
+const ObjectClass kNumberClass = {10, "number", &describeNumber, &equalNumbers, nullptr};
 
 } // namespace macplatform
 
@@ -145,17 +145,17 @@ using namespace macplatform;
 
 CFTypeID CFNumberGetTypeID() {
     PlatformCall call("CFNumberGetTypeID");
-    return call.Result(numberClass.id);
+    return call.Result(kNumberClass.id);
 }
 
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* from) try {
     PlatformCall call("CFNumberCreate");
     if (!from) Misuse("CFNumberCreate", "the value is NULL");
-    const auto value = ReadValue(type, from);
+    const auto value = readValue(type, from);
     const CFNumberRef number = call.TakeFault() || !value ? nullptr : MakeObject<__CFNumber>(0, *value);
     if (call.IsTold()) {
-        const std::string text = value ? DescribeNumber(__CFNumber(*value)) : "?";
-        Tell(call, allocator, TypeName(type), text);
+        const std::string text = value ? describeNumber(__CFNumber(*value)) : "?";
+        Tell(call, allocator, typeName(type), text);
     }
     return ObjectResult(call, number);
 } catch (const std::bad_alloc&) {
@@ -164,9 +164,9 @@ CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const vo
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* to) {
     PlatformCall call("CFNumberGetValue");
-    const NumberValue& value = ToValue(CheckedObject(number, "CFNumberGetValue", numberClass));
-    if (call.IsTold()) Tell(call, number, TypeName(type), std::string("buffer"));
+    const NumberValue& value = toValue(CheckedObject(number, "CFNumberGetValue", kNumberClass));
+    if (call.IsTold()) Tell(call, number, typeName(type), std::string("buffer"));
     if (!to) Misuse("CFNumberGetValue", "the buffer is NULL");
     if (call.TakeFault()) return call.Result(Boolean{false});
-    return call.Result(Boolean{WriteValue(value, type, to)});
+    return call.Result(Boolean{writeValue(value, type, to)});
 }

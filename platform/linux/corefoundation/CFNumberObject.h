@@ -11,7 +11,7 @@
 
 namespace macplatform {
 
-extern const ObjectClass numberClass;
+extern const ObjectClass kNumberClass;
 
 /// Whole numbers and floating-point numbers are kept apart, as a property list keeps them.
 using NumberValue = std::variant<std::int64_t, double>;
@@ -19,6 +19,6 @@ using NumberValue = std::variant<std::int64_t, double>;
 } // namespace macplatform
 
 struct __CFNumber : macplatform::Object {
-    explicit __CFNumber(macplatform::NumberValue held) : Object(macplatform::numberClass), value(held) {}
+    explicit __CFNumber(macplatform::NumberValue held) : Object(macplatform::kNumberClass), value(held) {}
     macplatform::NumberValue value;
 };

@@ -35,13 +35,13 @@ struct ObjectClass {
 };
 
 struct Object : LiveThing {
-    static constexpr std::uint32_t liveMagic = 0xCF0B7EC7;
-    static constexpr std::int32_t immortal = 0x7FFFFFFF;
+    static constexpr std::uint32_t kLiveMagic = 0xCF0B7EC7;
+    static constexpr std::int32_t kImmortal = 0x7FFFFFFF;
 
     constexpr explicit Object(const ObjectClass& kindOfObject) : type(&kindOfObject) {}
 
-    std::uint32_t magic = liveMagic;
-    mutable std::atomic<std::int32_t> references{immortal};
+    std::uint32_t magic = kLiveMagic;
+    mutable std::atomic<std::int32_t> references{kImmortal};
     const ObjectClass* type;
     std::size_t size = 0; ///< Of the whole block, in bytes.
 };

@@ -12,24 +12,24 @@ namespace macplatform {
 
 namespace {
 
-const StringObject& ToString(const Object& object) { return static_cast<const StringObject&>(object); }
+const StringObject& toString(const Object& object) { return static_cast<const StringObject&>(object); }
 
-std::string DescribeString(const Object& object) {
-    const std::string text = ReadableUtf8(ToString(object).units);
-    return ToString(object).shownAs == ShownAs::Name ? text : Quoted(text);
+std::string describeString(const Object& object) {
+    const std::string text = ReadableUtf8(toString(object).units);
+    return toString(object).shownAs == ShownAs::kName ? text : Quoted(text);
 }
 
-bool EqualStrings(const Object& left, const Object& right) {
-    return ToString(left).units == ToString(right).units;
+bool equalStrings(const Object& left, const Object& right) {
+    return toString(left).units == toString(right).units;
 }
 
-const StringObject& CheckedString(CFStringRef string, const char* function) {
-    return ToString(CheckedObject(string, function, stringClass));
+const StringObject& checkedString(CFStringRef string, const char* function) {
+    return toString(CheckedObject(string, function, kStringClass));
 }
 
 } // namespace
 
-const ObjectClass stringClass = {7, "string", &DescribeString, &EqualStrings, nullptr};
+const ObjectClass kStringClass = {7, "string", &describeString, &equalStrings, nullptr};
 
 CFStringRef NewString(std::u16string_view units) {
     static const __CFString empty{std::u16string_view{}};
@@ -43,12 +43,12 @@ CFStringRef NewString(std::u16string_view units) {
 }
 
 std::optional<std::string> Utf8(CFStringRef string, const char* function) {
-    return EncodeUtf8(CheckedString(string, function).units);
+    return EncodeUtf8(checkedString(string, function).units);
 }
 
 namespace {
 
-std::string EncodingName(CFStringEncoding encoding) {
+std::string encodingName(CFStringEncoding encoding) {
     switch (encoding) {
     case kCFStringEncodingMacRoman:
         return "kCFStringEncodingMacRoman";
@@ -61,7 +61,7 @@ std::string EncodingName(CFStringEncoding encoding) {
     }
 }
 
-std::optional<std::u16string> Decode(std::string_view bytes, CFStringEncoding encoding) {
+std::optional<std::u16string> decode(std::string_view bytes, CFStringEncoding encoding) {
     switch (encoding) {
     case kCFStringEncodingMacRoman:
         return DecodeMacRoman(bytes);
@@ -75,12 +75,12 @@ std::optional<std::u16string> Decode(std::string_view bytes, CFStringEncoding en
 }
 
 /// Null when the bytes are not valid or the encoding is not known.
-CFStringRef NewDecodedString(std::string_view bytes, CFStringEncoding encoding) {
-    const auto units = Decode(bytes, encoding);
+CFStringRef newDecodedString(std::string_view bytes, CFStringEncoding encoding) {
+    const auto units = decode(bytes, encoding);
     return units ? NewString(*units) : nullptr;
 }
 
-std::optional<std::string> Encode(std::u16string_view units, CFStringEncoding encoding) {
+std::optional<std::string> encode(std::u16string_view units, CFStringEncoding encoding) {
     switch (encoding) {
     case kCFStringEncodingMacRoman:
         return EncodeMacRoman(units);
@@ -100,16 +100,16 @@ using namespace macplatform;
 
 // On the Mac the compiler makes these objects and nothing is called, so the journal is not told.
 CFStringRef __CFStringMakeConstantString(const char* text) try {
-    static auto& mutex = *new std::mutex;
-    static auto& constants = *new std::map<std::string, CFStringRef, std::less<>>;
-    const std::lock_guard lock(mutex);
-    const auto known = constants.find(std::string_view(text));
-    if (known != constants.end()) return known->second;
+    static auto& gMutex = *new std::mutex;
+    static auto& gConstants = *new std::map<std::string, CFStringRef, std::less<>>;
+    const std::lock_guard lock(gMutex);
+    const auto known = gConstants.find(std::string_view(text));
+    if (known != gConstants.end()) return known->second;
     const std::string key = text;
     if (std::any_of(key.begin(), key.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
         Misuse("CFSTR", "the text is not ASCII: " + Quoted(key));
     }
-    const auto place = constants.emplace(key, nullptr).first;
+    const auto place = gConstants.emplace(key, nullptr).first;
     place->second = NewString(DecodeAscii(key));
     MakeImmortal(const_cast<__CFString&>(*place->second));
     return place->second;
@@ -119,15 +119,15 @@ CFStringRef __CFStringMakeConstantString(const char* text) try {
 
 CFTypeID CFStringGetTypeID() {
     PlatformCall call("CFStringGetTypeID");
-    return call.Result(stringClass.id);
+    return call.Result(kStringClass.id);
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
                                       CFStringEncoding encoding) try {
     PlatformCall call("CFStringCreateWithCString");
     if (!text) Misuse("CFStringCreateWithCString", "the text is NULL");
-    if (call.IsTold()) Tell(call, allocator, text, EncodingName(encoding));
-    return ObjectResult(call, call.TakeFault() ? nullptr : NewDecodedString(text, encoding));
+    if (call.IsTold()) Tell(call, allocator, text, encodingName(encoding));
+    return ObjectResult(call, call.TakeFault() ? nullptr : newDecodedString(text, encoding));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -148,28 +148,28 @@ CFStringRef CFStringCreateWithPascalString(CFAllocatorRef allocator, ConstStr255
     PlatformCall call("CFStringCreateWithPascalString");
     if (!text) Misuse("CFStringCreateWithPascalString", "the text is NULL");
     const std::string bytes(text + 1, text + 1 + text[0]);
-    if (call.IsTold()) Tell(call, allocator, Quoted(bytes), EncodingName(encoding));
-    return ObjectResult(call, call.TakeFault() ? nullptr : NewDecodedString(bytes, encoding));
+    if (call.IsTold()) Tell(call, allocator, Quoted(bytes), encodingName(encoding));
+    return ObjectResult(call, call.TakeFault() ? nullptr : newDecodedString(bytes, encoding));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
 
 CFIndex CFStringGetLength(CFStringRef string) {
     PlatformCall call("CFStringGetLength");
-    const StringObject& checked = CheckedString(string, "CFStringGetLength");
+    const StringObject& checked = checkedString(string, "CFStringGetLength");
     Tell(call, string);
     return call.Result(static_cast<CFIndex>(checked.units.size()));
 }
 
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding) try {
     PlatformCall call("CFStringGetCString");
-    const StringObject& checked = CheckedString(string, "CFStringGetCString");
-    if (call.IsTold()) Tell(call, string, std::string("buffer"), size, EncodingName(encoding));
+    const StringObject& checked = checkedString(string, "CFStringGetCString");
+    if (call.IsTold()) Tell(call, string, std::string("buffer"), size, encodingName(encoding));
     if (size < 1) return call.Result(Boolean{false});
     if (!buffer) Misuse("CFStringGetCString", "the buffer is NULL");
     buffer[0] = '\0';
     if (call.TakeFault()) return call.Result(Boolean{false});
-    const auto bytes = Encode(checked.units, encoding);
+    const auto bytes = encode(checked.units, encoding);
     if (!bytes || bytes->size() >= static_cast<std::size_t>(size)) return call.Result(Boolean{false});
     std::memcpy(buffer, bytes->c_str(), bytes->size() + 1);
     return call.Result(Boolean{true});
@@ -179,7 +179,7 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStr
 
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
     PlatformCall call("CFStringGetCharacters");
-    const std::u16string_view units = CheckedString(string, "CFStringGetCharacters").units;
+    const std::u16string_view units = checkedString(string, "CFStringGetCharacters").units;
     const auto length = static_cast<CFIndex>(units.size());
     if (call.IsTold()) {
         Tell(call, string, '{' + std::to_string(range.location) + ", " + std::to_string(range.length) + '}',

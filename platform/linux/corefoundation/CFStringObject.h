@@ -12,16 +12,16 @@
 
 namespace macplatform {
 
-extern const ObjectClass stringClass;
+extern const ObjectClass kStringClass;
 
 /// Whether a string is shown by its text in quotation marks or, as a constant of the system, by its text
 /// alone.
-enum class ShownAs { Text, Name };
+enum class ShownAs { kText, kName };
 
 /// Constant-initialised, for the system's own constants; made by NewString otherwise.
 struct StringObject : Object {
-    constexpr explicit StringObject(std::u16string_view text, ShownAs shown = ShownAs::Text)
-        : Object(stringClass), units(text), shownAs(shown) {}
+    constexpr explicit StringObject(std::u16string_view text, ShownAs shown = ShownAs::kText)
+        : Object(kStringClass), units(text), shownAs(shown) {}
 
     std::u16string_view units; ///< Of a static text, or of the same block of memory.
     ShownAs shownAs;

@@ -11,33 +11,33 @@
 using namespace macplatform;
 
 namespace macplatform {
-extern const ObjectClass urlClass;
+extern const ObjectClass kUrlClass;
 }
 
 struct __CFURL : Object {
     __CFURL(std::string absolutePath, bool directory)
-        : Object(urlClass), path(std::move(absolutePath)), isDirectory(directory) {}
+        : Object(kUrlClass), path(std::move(absolutePath)), isDirectory(directory) {}
     std::string path;
     bool isDirectory;
 };
 
 namespace {
 
-const __CFURL& ToUrl(const Object& object) { return static_cast<const __CFURL&>(object); }
+const __CFURL& toUrl(const Object& object) { return static_cast<const __CFURL&>(object); }
 
-std::string DescribeUrl(const Object& object) {
-    const __CFURL& url = ToUrl(object);
+std::string describeUrl(const Object& object) {
+    const __CFURL& url = toUrl(object);
     return Quoted(url.path + (url.isDirectory && url.path != "/" ? "/" : ""));
 }
 
-bool EqualUrls(const Object& left, const Object& right) {
-    return ToUrl(left).path == ToUrl(right).path && ToUrl(left).isDirectory == ToUrl(right).isDirectory;
+bool equalUrls(const Object& left, const Object& right) {
+    return toUrl(left).path == toUrl(right).path && toUrl(left).isDirectory == toUrl(right).isDirectory;
 }
 
-void FinaliseUrl(Object& object) { static_cast<__CFURL&>(object).~__CFURL(); }
+void finaliseUrl(Object& object) { static_cast<__CFURL&>(object).~__CFURL(); }
 
 /// Empty when there is no such path: no text, a NUL in it, or no current folder to start at.
-std::string AbsolutePath(std::string path) {
+std::string toAbsolutePath(std::string path) {
     if (path.empty() || path.find('\0') != std::string::npos) return {};
     if (path.front() != '/') {
         char folder[PATH_MAX];
@@ -48,15 +48,15 @@ std::string AbsolutePath(std::string path) {
     return path;
 }
 
-CFURLRef NewUrl(CFStringRef text, CFURLPathStyle style, bool isDirectory) {
+CFURLRef newUrl(CFStringRef text, CFURLPathStyle style, bool isDirectory) {
     const auto utf8 = Utf8(text, "CFURLCreateWithFileSystemPath");
-    std::string path = utf8 && style == kCFURLPOSIXPathStyle ? AbsolutePath(*utf8) : std::string();
+    std::string path = utf8 && style == kCFURLPOSIXPathStyle ? toAbsolutePath(*utf8) : std::string();
     if (path.empty()) return nullptr;
     const bool isRoot = path == "/";
     return MakeObject<__CFURL>(0, std::move(path), isDirectory || isRoot);
 }
 
-std::string StyleName(CFURLPathStyle style) {
+std::string styleName(CFURLPathStyle style) {
     switch (style) {
     case kCFURLPOSIXPathStyle:
         return "kCFURLPOSIXPathStyle";
@@ -70,20 +70,20 @@ std::string StyleName(CFURLPathStyle style) {
 
 } // namespace
 
-const ObjectClass macplatform::urlClass = {16, "URL", &DescribeUrl, &EqualUrls, &FinaliseUrl};
+const ObjectClass macplatform::kUrlClass = {16, "URL", &describeUrl, &equalUrls, &finaliseUrl};
 
 const std::string& macplatform::UrlPath(CFURLRef url) {
-    return ToUrl(CheckedObject(url, "CFURL", urlClass)).path;
+    return toUrl(CheckedObject(url, "CFURL", kUrlClass)).path;
 }
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path, CFURLPathStyle style,
                                        Boolean isDirectory) try {
     PlatformCall call("CFURLCreateWithFileSystemPath");
-    CheckedObject(path, "CFURLCreateWithFileSystemPath", stringClass);
+    CheckedObject(path, "CFURLCreateWithFileSystemPath", kStringClass);
     if (call.IsTold()) {
-        Tell(call, allocator, path, StyleName(style), std::string(isDirectory ? "true" : "false"));
+        Tell(call, allocator, path, styleName(style), std::string(isDirectory ? "true" : "false"));
     }
-    return ObjectResult(call, call.TakeFault() ? nullptr : NewUrl(path, style, isDirectory));
+    return ObjectResult(call, call.TakeFault() ? nullptr : newUrl(path, style, isDirectory));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }

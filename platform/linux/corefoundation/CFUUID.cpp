@@ -9,11 +9,11 @@
 using namespace macplatform;
 
 namespace macplatform {
-extern const ObjectClass uuidClass;
+extern const ObjectClass kUuidClass;
 }
 
 struct __CFUUID : Object {
-    explicit __CFUUID(const UuidBytes& held) : Object(uuidClass), bytes(held) {}
+    explicit __CFUUID(const UuidBytes& held) : Object(kUuidClass), bytes(held) {}
     UuidBytes bytes;
 };
 
@@ -24,8 +24,8 @@ class UuidTable {
 public:
     /// Never destroyed: static objects of the caller may release what they hold at exit.
     static UuidTable& Get() {
-        static UuidTable& table = *new UuidTable;
-        return table;
+        static UuidTable& gTable = *new UuidTable;
+        return gTable;
     }
 
     /// With one reference for the caller.
@@ -53,34 +53,34 @@ private:
     std::map<UuidBytes, __CFUUID*> uuids;
 };
 
-const __CFUUID& ToUuid(const Object& object) { return static_cast<const __CFUUID&>(object); }
+const __CFUUID& toUuid(const Object& object) { return static_cast<const __CFUUID&>(object); }
 
-std::string DescribeUuid(const Object& object) { return UuidText(ToUuid(object).bytes); }
+std::string describeUuid(const Object& object) { return UuidText(toUuid(object).bytes); }
 
-bool EqualUuids(const Object& left, const Object& right) { return ToUuid(left).bytes == ToUuid(right).bytes; }
+bool equalUuids(const Object& left, const Object& right) { return toUuid(left).bytes == toUuid(right).bytes; }
 
-void FinaliseUuid(Object& object) { UuidTable::Get().Forget(ToUuid(object)); }
+void finaliseUuid(Object& object) { UuidTable::Get().Forget(toUuid(object)); }
 
-int DigitValue(char c) {
+int digitValue(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     return -1;
 }
 
-bool IsGroupStart(std::size_t byteIndex) {
+bool isGroupStart(std::size_t byteIndex) {
     return byteIndex == 4 || byteIndex == 6 || byteIndex == 8 || byteIndex == 10;
 }
 
 } // namespace
 
-const ObjectClass macplatform::uuidClass = {17, "UUID", &DescribeUuid, &EqualUuids, &FinaliseUuid};
+const ObjectClass macplatform::kUuidClass = {17, "UUID", &describeUuid, &equalUuids, &finaliseUuid};
 
 std::string macplatform::UuidText(const UuidBytes& bytes) {
     static const char digits[] = "0123456789ABCDEF";
     std::string text;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (IsGroupStart(i)) text += '-';
+        if (isGroupStart(i)) text += '-';
         (text += digits[bytes[i] >> 4]) += digits[bytes[i] & 15];
     }
     return text;
@@ -90,9 +90,9 @@ std::optional<UuidBytes> macplatform::ParseUuid(std::string_view text) {
     UuidBytes bytes{};
     if (text.size() != 36) return std::nullopt;
     for (std::size_t i = 0, at = 0; i < bytes.size(); ++i, at += 2) {
-        if (IsGroupStart(i) && text[at++] != '-') return std::nullopt;
-        const int high = DigitValue(text[at]);
-        const int low = DigitValue(text[at + 1]);
+        if (isGroupStart(i) && text[at++] != '-') return std::nullopt;
+        const int high = digitValue(text[at]);
+        const int low = digitValue(text[at + 1]);
         if (high < 0 || low < 0) return std::nullopt;
         bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
     }
@@ -100,7 +100,7 @@ std::optional<UuidBytes> macplatform::ParseUuid(std::string_view text) {
 }
 
 const UuidBytes& macplatform::BytesOf(CFUUIDRef uuid, const char* function) {
-    return ToUuid(CheckedObject(uuid, function, uuidClass)).bytes;
+    return toUuid(CheckedObject(uuid, function, kUuidClass)).bytes;
 }
 
 CFUUIDRef macplatform::NewUuid(const UuidBytes& bytes) { return &UuidTable::Get().Take(bytes); }

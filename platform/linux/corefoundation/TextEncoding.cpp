@@ -8,10 +8,10 @@ namespace macplatform {
 
 namespace {
 
-constexpr char32_t replacement = 0xFFFD;
+constexpr char32_t kReplacement = 0xFFFD;
 
 /// 0x80 to 0xFF.
-constexpr char16_t macRoman[] = {
+constexpr char16_t kMacRoman[] = {
     0x00C4, 0x00C5, 0x00C7, 0x00C9, 0x00D1, 0x00D6, 0x00DC, 0x00E1, 0x00E0, 0x00E2, 0x00E4, 0x00E3, 0x00E5,
     0x00E7, 0x00E9, 0x00E8, 0x00EA, 0x00EB, 0x00ED, 0x00EC, 0x00EE, 0x00EF, 0x00F1, 0x00F3, 0x00F2, 0x00F4,
     0x00F6, 0x00F5, 0x00FA, 0x00F9, 0x00FB, 0x00FC, 0x2020, 0x00B0, 0x00A2, 0x00A3, 0x00A7, 0x2022, 0x00B6,
@@ -22,7 +22,7 @@ constexpr char16_t macRoman[] = {
     0x20AC, 0x2039, 0x203A, 0xFB01, 0xFB02, 0x2021, 0x00B7, 0x201A, 0x201E, 0x2030, 0x00C2, 0x00CA, 0x00C1,
     0x00CB, 0x00C8, 0x00CD, 0x00CE, 0x00CF, 0x00CC, 0x00D3, 0x00D4, 0xF8FF, 0x00D2, 0x00DA, 0x00DB, 0x00D9,
     0x0131, 0x02C6, 0x02DC, 0x00AF, 0x02D8, 0x02D9, 0x02DA, 0x00B8, 0x02DD, 0x02DB, 0x02C7};
-static_assert(std::size(macRoman) == 128);
+static_assert(std::size(kMacRoman) == 128);
 
 /// The composed characters of Mac Roman, by their combining mark.
 struct Composition {
@@ -30,7 +30,7 @@ struct Composition {
     std::u16string_view bases;
     std::u16string_view composed;
 };
-constexpr Composition compositions[] = {
+constexpr Composition kCompositions[] = {
     {0x0300, u"AEIOUaeiou", u"\u00C0\u00C8\u00CC\u00D2\u00D9\u00E0\u00E8\u00EC\u00F2\u00F9"},
     {0x0301, u"AEIOUaeiou", u"\u00C1\u00C9\u00CD\u00D3\u00DA\u00E1\u00E9\u00ED\u00F3\u00FA"},
     {0x0302, u"AEIOUaeiou", u"\u00C2\u00CA\u00CE\u00D4\u00DB\u00E2\u00EA\u00EE\u00F4\u00FB"},
@@ -41,10 +41,10 @@ constexpr Composition compositions[] = {
     {0x0338, u"=", u"\u2260"},
 };
 
-bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
 /// How many bytes a sequence has, its lead byte and the one behind it told; 0 when these cannot begin one.
-std::size_t SequenceLength(unsigned char lead, unsigned char second) {
+std::size_t sequenceLength(unsigned char lead, unsigned char second) {
     if (lead >= 0xC2 && lead <= 0xDF) return 2;
     if (lead >= 0xE0 && lead <= 0xEF) {
         if (lead == 0xE0 && second < 0xA0) return 0; // overlong
@@ -60,20 +60,20 @@ std::size_t SequenceLength(unsigned char lead, unsigned char second) {
 }
 
 /// Takes one sequence of two bytes or more off the front; nothing when it is not valid.
-std::optional<char32_t> TakeSequence(std::string_view& bytes) {
+std::optional<char32_t> takeSequence(std::string_view& bytes) {
     const auto byteAt = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    const std::size_t length = bytes.size() < 2 ? 0 : SequenceLength(byteAt(0), byteAt(1));
+    const std::size_t length = bytes.size() < 2 ? 0 : sequenceLength(byteAt(0), byteAt(1));
     if (length == 0 || length > bytes.size()) return std::nullopt;
     char32_t character = byteAt(0) & (0xFFU >> (length + 1));
     for (std::size_t i = 1; i < length; ++i) {
-        if (!IsContinuation(byteAt(i))) return std::nullopt;
+        if (!isContinuation(byteAt(i))) return std::nullopt;
         character = (character << 6) | (byteAt(i) & 0x3FU);
     }
     bytes.remove_prefix(length);
     return character;
 }
 
-void AppendUtf16(std::u16string& units, char32_t character) {
+void appendUtf16(std::u16string& units, char32_t character) {
     if (character < 0x10000) {
         units += static_cast<char16_t>(character);
     } else {
@@ -82,7 +82,7 @@ void AppendUtf16(std::u16string& units, char32_t character) {
     }
 }
 
-void AppendUtf8(std::string& bytes, char32_t character) {
+void appendUtf8(std::string& bytes, char32_t character) {
     const auto append = [&bytes](char32_t byte) { bytes += static_cast<char>(byte); };
     if (character < 0x80) return append(character);
     if (character < 0x800) {
@@ -100,7 +100,7 @@ void AppendUtf8(std::string& bytes, char32_t character) {
 }
 
 /// Takes one character off the front; nothing, with one unit taken, when a surrogate stands alone.
-std::optional<char32_t> TakeCharacter(std::u16string_view& units) {
+std::optional<char32_t> takeCharacter(std::u16string_view& units) {
     const char16_t first = units.front();
     units.remove_prefix(1);
     if ((first & 0xF800) != 0xD800) return first;
@@ -111,8 +111,8 @@ std::optional<char32_t> TakeCharacter(std::u16string_view& units) {
 }
 
 /// The two as one character of Mac Roman; 0 when there is none.
-char16_t Compose(char16_t base, char16_t mark) {
-    for (const Composition& composition : compositions) {
+char16_t compose(char16_t base, char16_t mark) {
+    for (const Composition& composition : kCompositions) {
         if (composition.mark != mark) continue;
         const std::size_t place = composition.bases.find(base);
         return place == std::u16string_view::npos ? char16_t{0} : composition.composed[place];
@@ -120,14 +120,14 @@ char16_t Compose(char16_t base, char16_t mark) {
     return 0;
 }
 
-std::optional<char> MacRomanByte(char16_t unit) {
+std::optional<char> macRomanByte(char16_t unit) {
     constexpr char16_t ohmSign = 0x2126;
     constexpr char16_t greekOmega = 0x03A9;
     if (unit < 0x80) return static_cast<char>(unit);
     const auto* place =
-        std::find(std::begin(macRoman), std::end(macRoman), unit == ohmSign ? greekOmega : unit);
-    if (place == std::end(macRoman)) return std::nullopt;
-    return static_cast<char>(0x80 + (place - std::begin(macRoman)));
+        std::find(std::begin(kMacRoman), std::end(kMacRoman), unit == ohmSign ? greekOmega : unit);
+    if (place == std::end(kMacRoman)) return std::nullopt;
+    return static_cast<char>(0x80 + (place - std::begin(kMacRoman)));
 }
 
 } // namespace
@@ -140,10 +140,10 @@ std::optional<std::u16string> DecodeUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
         const auto lead = static_cast<unsigned char>(bytes.front());
         if (lead < 0x80 || lead == 0xA9) {
-            units += lead < 0x80 ? char16_t{lead} : static_cast<char16_t>(replacement);
+            units += lead < 0x80 ? char16_t{lead} : static_cast<char16_t>(kReplacement);
             bytes.remove_prefix(1);
-        } else if (const auto character = TakeSequence(bytes)) {
-            AppendUtf16(units, *character);
+        } else if (const auto character = takeSequence(bytes)) {
+            appendUtf16(units, *character);
         } else {
             return std::nullopt;
         }
@@ -155,7 +155,7 @@ bool IsUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
         if (static_cast<unsigned char>(bytes.front()) < 0x80) {
             bytes.remove_prefix(1);
-        } else if (!TakeSequence(bytes)) {
+        } else if (!takeSequence(bytes)) {
             return false;
         }
     }
@@ -167,7 +167,7 @@ std::u16string DecodeMacRoman(std::string_view bytes) {
     units.reserve(bytes.size());
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
-        units += byte < 0x80 ? char16_t{byte} : macRoman[byte - 0x80];
+        units += byte < 0x80 ? char16_t{byte} : kMacRoman[byte - 0x80];
     }
     return units;
 }
@@ -181,7 +181,7 @@ std::u16string DecodeAscii(std::string_view bytes) {
 
 std::string Utf8Of(char32_t character) {
     std::string bytes;
-    AppendUtf8(bytes, character);
+    appendUtf8(bytes, character);
     return bytes;
 }
 
@@ -189,9 +189,9 @@ std::optional<std::string> EncodeUtf8(std::u16string_view units) {
     std::string bytes;
     bytes.reserve(units.size());
     while (!units.empty()) {
-        const auto character = TakeCharacter(units);
+        const auto character = takeCharacter(units);
         if (!character) return std::nullopt;
-        AppendUtf8(bytes, *character);
+        appendUtf8(bytes, *character);
     }
     return bytes;
 }
@@ -199,7 +199,7 @@ std::optional<std::string> EncodeUtf8(std::u16string_view units) {
 std::string ReadableUtf8(std::u16string_view units) {
     std::string bytes;
     bytes.reserve(units.size());
-    while (!units.empty()) AppendUtf8(bytes, TakeCharacter(units).value_or(replacement));
+    while (!units.empty()) appendUtf8(bytes, takeCharacter(units).value_or(kReplacement));
     return bytes;
 }
 
@@ -207,8 +207,8 @@ std::optional<std::string> EncodeMacRoman(std::u16string_view units) {
     std::string bytes;
     bytes.reserve(units.size());
     for (std::size_t i = 0; i < units.size(); ++i) {
-        const char16_t composed = i + 1 < units.size() ? Compose(units[i], units[i + 1]) : char16_t{0};
-        const auto byte = MacRomanByte(composed ? composed : units[i]);
+        const char16_t composed = i + 1 < units.size() ? compose(units[i], units[i + 1]) : char16_t{0};
+        const auto byte = macRomanByte(composed ? composed : units[i]);
         if (!byte) return std::nullopt;
         bytes += *byte;
         if (composed) ++i;

@@ -4,22 +4,22 @@ namespace macplatform {
 
 /// What an object of a binary property list is: the upper half of its first byte.
 enum class BinaryKind : unsigned char {
-    Simple = 0,
-    Integer = 1,
-    Real = 2,
-    Date = 3,
-    Data = 4,
-    AsciiText = 5,
-    Utf16Text = 6,
-    Uid = 8,
-    Array = 0xA,
-    Set = 0xC,
-    Dictionary = 0xD
+    kSimple = 0,
+    kInteger = 1,
+    kReal = 2,
+    kDate = 3,
+    kData = 4,
+    kAsciiText = 5,
+    kUtf16Text = 6,
+    kUid = 8,
+    kArray = 0xA,
+    kSet = 0xC,
+    kDictionary = 0xD
 };
 
 /// Whether an object of the kind holds others.
 inline bool IsContainer(BinaryKind kind) {
-    return kind == BinaryKind::Array || kind == BinaryKind::Set || kind == BinaryKind::Dictionary;
+    return kind == BinaryKind::kArray || kind == BinaryKind::kSet || kind == BinaryKind::kDictionary;
 }
 
 } // namespace macplatform

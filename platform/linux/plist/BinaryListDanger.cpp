@@ -11,8 +11,8 @@ namespace macplatform {
 
 namespace {
 
-const char tooDeep[] = "it is nested too deeply";
-const char damaged[] = "its binary form is damaged";
+const char kTooDeep[] = "it is nested too deeply";
+const char kDamaged[] = "its binary form is damaged";
 
 /// Depth first, each object once; what comes out of a shared one counts each time it is referred to.
 class BinaryListWalk {
@@ -20,19 +20,19 @@ public:
     explicit BinaryListWalk(const std::string& bytes) : list(bytes) {}
 
     std::string Danger() {
-        if (!list.ReadTrailer()) return damaged;
+        if (!list.ReadTrailer()) return kDamaged;
         values.assign(list.ObjectCount(), 0);
         depths.assign(list.ObjectCount(), 0);
-        state.assign(list.ObjectCount(), Unseen);
+        state.assign(list.ObjectCount(), kUnseen);
         if (!Enter(list.Root())) return reason;
         while (!stack.empty()) {
             if (!Step()) return reason;
         }
-        return depths[list.Root()] > maxPropertyListDepth ? tooDeep : std::string();
+        return depths[list.Root()] > kMaxPropertyListDepth ? kTooDeep : std::string();
     }
 
 private:
-    enum State : unsigned char { Unseen, Open, Done };
+    enum State : unsigned char { kUnseen, kOpen, kDone };
     struct Container {
         std::size_t object;
         std::vector<std::size_t> children;
@@ -49,15 +49,15 @@ private:
         Container& top = stack.back();
         if (top.next == top.children.size()) {
             Leave();
-            return stack.size() <= maxPropertyListDepth || Refuse(tooDeep);
+            return stack.size() <= kMaxPropertyListDepth || Refuse(kTooDeep);
         }
         const std::size_t child = top.children[top.next];
-        if (state[child] == Open) return Refuse("an object in it holds itself");
-        if (state[child] == Unseen) {
-            return stack.size() <= maxPropertyListDepth ? Enter(child) : Refuse(tooDeep);
+        if (state[child] == kOpen) return Refuse("an object in it holds itself");
+        if (state[child] == kUnseen) {
+            return stack.size() <= kMaxPropertyListDepth ? Enter(child) : Refuse(kTooDeep);
         }
         ++top.next;
-        if ((values[top.object] += values[child]) > maxPropertyListValues)
+        if ((values[top.object] += values[child]) > kMaxPropertyListValues)
             return Refuse("it holds too many values");
         depths[top.object] = std::max(depths[top.object], depths[child]);
         return true;
@@ -66,9 +66,9 @@ private:
     /// A container goes onto the stack, and a scalar as one without members.
     bool Enter(std::size_t object) {
         auto children = list.Children(object);
-        if (!children) return Refuse(damaged);
-        if (list.KindOf(object) == BinaryKind::Dictionary && !CheckKeys(*children)) return false;
-        state[object] = Open;
+        if (!children) return Refuse(kDamaged);
+        if (list.KindOf(object) == BinaryKind::kDictionary && !CheckKeys(*children)) return false;
+        state[object] = kOpen;
         stack.push_back({object, std::move(*children)});
         return true;
     }
@@ -78,7 +78,7 @@ private:
         std::vector<std::string> keys;
         for (std::size_t i = 0; i < keysAndValues.size() / 2; ++i) {
             auto key = list.TextOf(keysAndValues[i]);
-            if (!key) return Refuse(damaged);
+            if (!key) return Refuse(kDamaged);
             keys.push_back(std::move(*key));
         }
         std::sort(keys.begin(), keys.end());
@@ -88,7 +88,7 @@ private:
 
     void Leave() {
         const Container& top = stack.back();
-        state[top.object] = Done;
+        state[top.object] = kDone;
         ++values[top.object];
         if (!top.children.empty()) ++depths[top.object];
         stack.pop_back();

@@ -16,7 +16,7 @@ public:
     explicit BinaryListCopy(const std::string& bytes) : source(bytes) {}
 
     std::optional<std::string> With(BinaryListChanges changes) {
-        if (!source.ReadTrailer() || source.KindOf(source.Root()) != BinaryKind::Dictionary)
+        if (!source.ReadTrailer() || source.KindOf(source.Root()) != BinaryKind::kDictionary)
             return std::nullopt;
         const auto entries = source.Children(source.Root());
         if (!entries) return std::nullopt;
@@ -29,7 +29,7 @@ public:
             if (value) AddEntry(copy.Add(TextObject(key)), copy.Add(*value));
         }
         keys.insert(keys.end(), values.begin(), values.end());
-        return copy.Bytes(copy.AddContainer(BinaryKind::Dictionary, keys));
+        return copy.Bytes(copy.AddContainer(BinaryKind::kDictionary, keys));
     }
 
 private:
@@ -86,7 +86,7 @@ std::optional<std::string> EditBinaryList(const std::string& bytes, const Binary
 
 std::string EmptyBinaryList() {
     BinaryListWriter list;
-    return list.Bytes(list.AddContainer(BinaryKind::Dictionary, {}));
+    return list.Bytes(list.AddContainer(BinaryKind::kDictionary, {}));
 }
 
 } // namespace macplatform

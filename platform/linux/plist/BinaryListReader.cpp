@@ -24,7 +24,7 @@ bool BinaryListReader::ReadTrailer() {
     root = Number(trailer + 16, 8);
     table = Number(trailer + 24, 8);
     return offsetWidth >= 1 && offsetWidth <= 8 && referenceWidth >= 1 && referenceWidth <= 8 &&
-           objectCount >= 1 && objectCount <= maxPropertyListValues && root < objectCount && table >= 8 &&
+           objectCount >= 1 && objectCount <= kMaxPropertyListValues && root < objectCount && table >= 8 &&
            table <= trailer && objectCount <= (trailer - table) / offsetWidth;
 }
 
@@ -32,7 +32,7 @@ std::optional<BinaryListReader::Extent> BinaryListReader::ExtentOf(std::size_t o
     const std::size_t at = Number(table + object * offsetWidth, offsetWidth);
     if (at < 8 || at >= table) return std::nullopt;
     Extent extent = {static_cast<BinaryKind>(Number(at, 1) >> 4), at, at + 1, Number(at, 1) & 0x0F};
-    if (extent.kind < BinaryKind::Data || extent.kind == BinaryKind::Uid || extent.count != 0x0F)
+    if (extent.kind < BinaryKind::kData || extent.kind == BinaryKind::kUid || extent.count != 0x0F)
         return extent;
     if (extent.first >= table || Number(extent.first, 1) >> 4 != 1) return std::nullopt;
     const unsigned shift = static_cast<unsigned>(Number(extent.first, 1)) & 0x0F;
@@ -51,7 +51,7 @@ std::optional<std::vector<std::size_t>> BinaryListReader::Children(std::size_t o
     const auto extent = ExtentOf(object);
     if (!extent) return std::nullopt;
     if (!IsContainer(extent->kind)) return std::vector<std::size_t>();
-    const bool isDictionary = extent->kind == BinaryKind::Dictionary;
+    const bool isDictionary = extent->kind == BinaryKind::kDictionary;
     const unsigned references = isDictionary ? 2 : 1;
     if (extent->count > (table - extent->first) / referenceWidth / references) return std::nullopt;
     std::vector<std::size_t> children(extent->count * references);
@@ -65,13 +65,13 @@ std::optional<std::vector<std::size_t>> BinaryListReader::Children(std::size_t o
 std::optional<std::string> BinaryListReader::TextOf(std::size_t object) const {
     const auto extent = ExtentOf(object);
     if (!extent) return std::nullopt;
-    if (extent->kind == BinaryKind::AsciiText && extent->count <= table - extent->first) {
+    if (extent->kind == BinaryKind::kAsciiText && extent->count <= table - extent->first) {
         const std::string_view text = std::string_view(bytes).substr(extent->first, extent->count);
         const bool isWhole = std::all_of(
             text.begin(), text.end(), [](char c) { return c != 0 && static_cast<unsigned char>(c) < 0x80; });
         return isWhole ? std::optional<std::string>(text) : std::nullopt;
     }
-    if (extent->kind != BinaryKind::Utf16Text || extent->count > (table - extent->first) / 2)
+    if (extent->kind != BinaryKind::kUtf16Text || extent->count > (table - extent->first) / 2)
         return std::nullopt;
     std::u16string units(extent->count, u'\0');
     for (std::size_t i = 0; i < units.size(); ++i) {
@@ -86,23 +86,23 @@ std::optional<std::string_view> BinaryListReader::ScalarBytes(std::size_t object
     if (!extent || IsContainer(extent->kind)) return std::nullopt;
     std::size_t size = 0;
     switch (extent->kind) {
-    case BinaryKind::Integer:
-    case BinaryKind::Real:
-    case BinaryKind::Date:
+    case BinaryKind::kInteger:
+    case BinaryKind::kReal:
+    case BinaryKind::kDate:
         size = std::size_t{1} << extent->count;
         break;
-    case BinaryKind::Uid:
+    case BinaryKind::kUid:
         size = extent->count + 1;
         break;
-    case BinaryKind::Data:
-    case BinaryKind::AsciiText:
+    case BinaryKind::kData:
+    case BinaryKind::kAsciiText:
         size = extent->count;
         break;
-    case BinaryKind::Utf16Text:
+    case BinaryKind::kUtf16Text:
         if (extent->count > table / 2) return std::nullopt;
         size = extent->count * 2;
         break;
-    case BinaryKind::Simple: // one byte is all
+    case BinaryKind::kSimple: // one byte is all
         break;
     default:
         return std::nullopt;

@@ -9,20 +9,20 @@ namespace macplatform {
 
 namespace {
 
-void AppendNumber(std::string& bytes, std::uint64_t value, unsigned width) {
+void appendNumber(std::string& bytes, std::uint64_t value, unsigned width) {
     for (unsigned shift = width * 8; shift > 0; shift -= 8)
         bytes += static_cast<char>(value >> (shift - 8) & 0xFF);
 }
 
 /// The width of a number that is at most `largest`: 1, 2, 4 or 8 bytes.
-unsigned WidthFor(std::uint64_t largest) {
+unsigned widthFor(std::uint64_t largest) {
     unsigned width = 1;
     while (width < 8 && largest >> (width * 8) != 0) width *= 2;
     return width;
 }
 
 /// The start of an object with a count.
-std::string Head(BinaryKind kind, std::size_t count) {
+std::string head(BinaryKind kind, std::size_t count) {
     constexpr std::size_t inItsOwnObject = 0x0F;
     const auto upper = static_cast<unsigned>(kind) << 4;
     std::string bytes(1, static_cast<char>(upper | std::min(count, inItsOwnObject)));
@@ -30,11 +30,11 @@ std::string Head(BinaryKind kind, std::size_t count) {
     return bytes;
 }
 
-std::string EightBytes(BinaryKind kind, double value) {
+std::string eightBytes(BinaryKind kind, double value) {
     std::uint64_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
     std::string bytes(1, static_cast<char>(static_cast<unsigned>(kind) << 4 | 3)); // two to the third
-    AppendNumber(bytes, bits, 8);
+    appendNumber(bytes, bits, 8);
     return bytes;
 }
 
@@ -45,31 +45,31 @@ std::string BooleanObject(bool value) { return value ? "\x09" : "\x08"; }
 /// Only eight bytes and more have a sign, so numbers from 2^63 take sixteen.
 std::string IntegerObject(std::uint64_t magnitude, bool isNegative) {
     const bool isHuge = !isNegative && magnitude > INT64_MAX;
-    const unsigned width = isNegative ? 8 : WidthFor(magnitude);
+    const unsigned width = isNegative ? 8 : widthFor(magnitude);
     const unsigned power = isHuge ? 4 : width == 8 ? 3 : width / 2;
     std::string bytes(1, static_cast<char>(0x10 | power));
     if (isHuge) bytes.append(8, '\0');
-    AppendNumber(bytes, isNegative ? 0 - magnitude : magnitude, width);
+    appendNumber(bytes, isNegative ? 0 - magnitude : magnitude, width);
     return bytes;
 }
 
-std::string RealObject(double value) { return EightBytes(BinaryKind::Real, value); }
-std::string DateObject(double seconds) { return EightBytes(BinaryKind::Date, seconds); }
-std::string DataObject(std::string_view bytes) { return Head(BinaryKind::Data, bytes.size()).append(bytes); }
+std::string RealObject(double value) { return eightBytes(BinaryKind::kReal, value); }
+std::string DateObject(double seconds) { return eightBytes(BinaryKind::kDate, seconds); }
+std::string DataObject(std::string_view bytes) { return head(BinaryKind::kData, bytes.size()).append(bytes); }
 
 std::string TextObject(std::string_view text) {
     if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
-        return Head(BinaryKind::AsciiText, text.size()).append(text);
+        return head(BinaryKind::kAsciiText, text.size()).append(text);
     }
     // Decoding drops a byte order mark at the start: this one, and not one of the text's own.
     const auto units = DecodeUtf8("\xEF\xBB\xBF" + std::string(text)).value_or(u"");
-    std::string bytes = Head(BinaryKind::Utf16Text, units.size());
-    for (const char16_t unit : units) AppendNumber(bytes, unit, 2);
+    std::string bytes = head(BinaryKind::kUtf16Text, units.size());
+    for (const char16_t unit : units) appendNumber(bytes, unit, 2);
     return bytes;
 }
 
 BinaryListWriter::Object BinaryListWriter::Add(std::string_view scalar) {
-    objects.push_back({BinaryKind::Simple, scalars.size(), scalar.size()});
+    objects.push_back({BinaryKind::kSimple, scalars.size(), scalar.size()});
     scalars += scalar;
     return static_cast<Object>(objects.size() - 1);
 }
@@ -81,28 +81,28 @@ BinaryListWriter::Object BinaryListWriter::AddContainer(BinaryKind kind, const s
 }
 
 std::string BinaryListWriter::Bytes(Object root) const {
-    const unsigned referenceWidth = WidthFor(objects.size() - 1);
+    const unsigned referenceWidth = widthFor(objects.size() - 1);
     std::string bytes = "bplist00";
     std::vector<std::size_t> offsets;
     for (const Extent& object : objects) {
         offsets.push_back(bytes.size());
-        if (object.kind == BinaryKind::Simple) {
+        if (object.kind == BinaryKind::kSimple) {
             bytes.append(scalars, object.first, object.count);
             continue;
         }
-        bytes += Head(object.kind, object.kind == BinaryKind::Dictionary ? object.count / 2 : object.count);
+        bytes += head(object.kind, object.kind == BinaryKind::kDictionary ? object.count / 2 : object.count);
         for (std::size_t i = 0; i < object.count; ++i) {
-            AppendNumber(bytes, references[object.first + i], referenceWidth);
+            appendNumber(bytes, references[object.first + i], referenceWidth);
         }
     }
     const std::size_t table = bytes.size();
-    const unsigned offsetWidth = WidthFor(table);
-    for (const std::size_t offset : offsets) AppendNumber(bytes, offset, offsetWidth);
+    const unsigned offsetWidth = widthFor(table);
+    for (const std::size_t offset : offsets) appendNumber(bytes, offset, offsetWidth);
     bytes.append(6, '\0');
-    AppendNumber(bytes, offsetWidth, 1);
-    AppendNumber(bytes, referenceWidth, 1);
+    appendNumber(bytes, offsetWidth, 1);
+    appendNumber(bytes, referenceWidth, 1);
     for (const std::size_t number : {offsets.size(), std::size_t{root}, table})
-        AppendNumber(bytes, number, 8);
+        appendNumber(bytes, number, 8);
     return bytes;
 }
 

@@ -23,10 +23,10 @@ const char* PropertyValue::KindName() const {
 }
 
 std::string PropertyValue::Describe() const {
-    const bool isArray = kind == Kind::Array;
-    if (kind == Kind::Text) return Quoted(text);
-    if (kind == Kind::Data) return '<' + text + '>';
-    if (!isArray && kind != Kind::Dictionary) return text;
+    const bool isArray = kind == Kind::kArray;
+    if (kind == Kind::kText) return Quoted(text);
+    if (kind == Kind::kData) return '<' + text + '>';
+    if (!isArray && kind != Kind::kDictionary) return text;
 
     const auto& members = isArray ? items : values;
     std::string described = isArray ? "[" : "{";
@@ -46,7 +46,7 @@ bool operator==(const PropertyValue& left, const PropertyValue& right) {
 PropertyListFile ReadPropertyList(const std::string& path) {
     PropertyListFile file;
     std::string bytes;
-    file.errorNumber = ReadWholeFile(path, maxPropertyListBytes, bytes);
+    file.errorNumber = ReadWholeFile(path, kMaxPropertyListBytes, bytes);
     if (file.errorNumber != 0) {
         file.error = file.errorNumber == EFBIG ? "it is larger than 64 MiB" : std::strerror(file.errorNumber);
         return file;

@@ -19,7 +19,7 @@ struct FreeBlock {
 };
 using Block = std::unique_ptr<char, FreeBlock>;
 
-std::string DateText(plist_t node) {
+std::string dateText(plist_t node) {
     constexpr std::int64_t secondsFrom1970To2001 = 978307200;
     constexpr std::int64_t secondsIn28Years =
         883612800; // then days and dates fall together again, until 2100
@@ -36,7 +36,7 @@ std::string DateText(plist_t node) {
     return text;
 }
 
-std::string HexText(plist_t node) {
+std::string hexText(plist_t node) {
     static const char digits[] = "0123456789abcdef";
     std::uint64_t length = 0;
     const char* const data = plist_get_data_ptr(node, &length);
@@ -48,21 +48,21 @@ std::string HexText(plist_t node) {
     return text;
 }
 
-void TakeInteger(plist_t node, PropertyValue& value) {
+void takeInteger(plist_t node, PropertyValue& value) {
     std::uint64_t bits = 0;
     plist_get_uint_val(node, &bits);
     value.integer = static_cast<std::int64_t>(bits);
     value.text = std::to_string(value.integer); // the parser has no sign: above 2^63 it cannot be told
 }
 
-void TakeString(plist_t node, PropertyValue& value) {
+void takeString(plist_t node, PropertyValue& value) {
     std::uint64_t length = 0;
     if (const char* const text = plist_get_string_ptr(node, &length)) {
         value.text.assign(text, static_cast<std::size_t>(length));
     }
 }
 
-void TakeItems(plist_t node, PropertyValue& value) {
+void takeItems(plist_t node, PropertyValue& value) {
     plist_array_iter iterator = nullptr;
     plist_array_new_iter(node, &iterator);
     const std::unique_ptr<void, FreeBlock> guard(iterator);
@@ -71,7 +71,7 @@ void TakeItems(plist_t node, PropertyValue& value) {
     }
 }
 
-void TakeEntries(plist_t node, PropertyValue& value) {
+void takeEntries(plist_t node, PropertyValue& value) {
     plist_dict_iter iterator = nullptr;
     plist_dict_new_iter(node, &iterator);
     const std::unique_ptr<void, FreeBlock> guard(iterator);
@@ -104,16 +104,16 @@ private:
 } // namespace
 
 PropertyListFormat FormatOf(const std::string& bytes) {
-    return bytes.compare(0, 8, "bplist00") == 0 ? PropertyListFormat::Binary : PropertyListFormat::Xml;
+    return bytes.compare(0, 8, "bplist00") == 0 ? PropertyListFormat::kBinary : PropertyListFormat::kXml;
 }
 
 std::string BinaryFormOf(const std::string& bytes, std::string& error) {
     error.clear();
-    if (bytes.size() > maxPropertyListBytes) {
+    if (bytes.size() > kMaxPropertyListBytes) {
         error = "it is larger than 64 MiB";
     } else if (bytes.empty()) {
         error = "the file is empty";
-    } else if (FormatOf(bytes) == PropertyListFormat::Xml) {
+    } else if (FormatOf(bytes) == PropertyListFormat::kXml) {
         return BinaryListFromXml(bytes, error);
     } else {
         error = BinaryListDanger(bytes);
@@ -155,39 +155,39 @@ PropertyValue ValueOf(plist_t node) {
     case PLIST_BOOLEAN: {
         std::uint8_t truth = 0;
         plist_get_bool_val(node, &truth);
-        made(Kind::Boolean).integer = truth ? 1 : 0;
+        made(Kind::kBoolean).integer = truth ? 1 : 0;
         value.text = truth ? "true" : "false";
         break;
     }
     case PLIST_UINT:
-        TakeInteger(node, made(Kind::Integer));
+        takeInteger(node, made(Kind::kInteger));
         break;
     case PLIST_REAL: {
         double real = 0;
         plist_get_real_val(node, &real);
-        made(Kind::Real).text = Digits(real);
+        made(Kind::kReal).text = Digits(real);
         break;
     }
     case PLIST_STRING:
-        TakeString(node, made(Kind::Text));
+        takeString(node, made(Kind::kText));
         break;
     case PLIST_DATA:
-        made(Kind::Data).text = HexText(node);
+        made(Kind::kData).text = hexText(node);
         break;
     case PLIST_DATE:
-        made(Kind::Date).text = DateText(node);
+        made(Kind::kDate).text = dateText(node);
         break;
     case PLIST_UID: {
         std::uint64_t uid = 0;
         plist_get_uid_val(node, &uid);
-        made(Kind::Uid).text = std::to_string(uid);
+        made(Kind::kUid).text = std::to_string(uid);
         break;
     }
     case PLIST_ARRAY:
-        TakeItems(node, made(Kind::Array));
+        takeItems(node, made(Kind::kArray));
         break;
     case PLIST_DICT:
-        TakeEntries(node, made(Kind::Dictionary));
+        takeEntries(node, made(Kind::kDictionary));
         break;
     default:
         break;

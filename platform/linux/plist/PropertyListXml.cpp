@@ -19,39 +19,39 @@ namespace macplatform {
 
 namespace {
 
-std::string LowerCase(std::string_view text) {
+std::string lowerCase(std::string_view text) {
     std::string lower(text);
     for (char& c : lower) c = static_cast<char>(IsLetter(c) ? c | 0x20 : c);
     return lower;
 }
 
 /// What XML lets stand in a text.
-bool IsXmlCharacter(std::uint32_t c) {
+bool isXmlCharacter(std::uint32_t c) {
     if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
     return c < 0xD800 || (c >= 0xE000 && c != 0xFFFE && c != 0xFFFF && c <= 0x10FFFF);
 }
 
-bool IsXmlText(std::string_view bytes) {
+bool isXmlText(std::string_view bytes) {
     const bool hasControls = std::any_of(bytes.begin(), bytes.end(), [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 && !IsXmlCharacter(static_cast<unsigned char>(c));
+        return static_cast<unsigned char>(c) < 0x20 && !isXmlCharacter(static_cast<unsigned char>(c));
     });
     return !hasControls && IsUtf8(bytes) && bytes.find("\xEF\xBF\xBE") == bytes.npos &&
            bytes.find("\xEF\xBF\xBF") == bytes.npos;
 }
 
-enum class Role { List, Dictionary, Array, Key, Scalar };
+enum class Role { kList, kDictionary, kArray, kKey, kScalar };
 struct Element {
     std::string_view name;
     Role role;
     std::optional<std::string> (*object)(std::string_view); ///< Of its text; null for a container.
 };
-constexpr Element elements[] = {
-    {"plist", Role::List, nullptr},     {"dict", Role::Dictionary, nullptr},
-    {"array", Role::Array, nullptr},    {"key", Role::Key, TextFrom},
-    {"string", Role::Scalar, TextFrom}, {"integer", Role::Scalar, IntegerFrom},
-    {"real", Role::Scalar, RealFrom},   {"date", Role::Scalar, DateFrom},
-    {"data", Role::Scalar, DataFrom},   {"true", Role::Scalar, TrueFrom},
-    {"false", Role::Scalar, FalseFrom},
+constexpr Element kElements[] = {
+    {"plist", Role::kList, nullptr},     {"dict", Role::kDictionary, nullptr},
+    {"array", Role::kArray, nullptr},    {"key", Role::kKey, TextFrom},
+    {"string", Role::kScalar, TextFrom}, {"integer", Role::kScalar, IntegerFrom},
+    {"real", Role::kScalar, RealFrom},   {"date", Role::kScalar, DateFrom},
+    {"data", Role::kScalar, DataFrom},   {"true", Role::kScalar, TrueFrom},
+    {"false", Role::kScalar, FalseFrom},
 };
 
 /// One pass over the text, without recursion. Steps answer false when the text is damaged where they stand.
@@ -61,7 +61,7 @@ public:
 
     bool Read() {
         Take("\xEF\xBB\xBF");
-        if (!IsXmlText(rest) || !ReadDeclaration()) return false;
+        if (!isXmlText(rest) || !ReadDeclaration()) return false;
         while (!rest.empty()) {
             if (!ReadNext()) return false;
         }
@@ -134,7 +134,7 @@ private:
         rest.remove_prefix(5);
         if (TakeAttribute("version") != "1.0") return false;
         if (const auto encoding = TakeAttribute("encoding")) {
-            if (LowerCase(*encoding) != "utf-8") {
+            if (lowerCase(*encoding) != "utf-8") {
                 reason = "its XML is not in UTF-8";
                 return false;
             }
@@ -165,7 +165,7 @@ private:
         const auto behind = std::find_if_not(rest.begin(), rest.end(), [](char c) {
             return IsLetter(c) || IsDigit(c) || c == '-' || c == '_' || c == '.';
         });
-        const bool isXml = LowerCase(target) == "xml" && behind == rest.begin();
+        const bool isXml = lowerCase(target) == "xml" && behind == rest.begin();
         rest.remove_prefix(static_cast<std::size_t>(behind - rest.begin()));
         if (target.empty() || isXml || rest.empty() || (!IsSpace(rest.front()) && rest.substr(0, 2) != "?>"))
             return false;
@@ -206,10 +206,10 @@ private:
 
     bool ReadStart() {
         const std::string_view name = TakeName();
-        const auto* const element = std::find_if(std::begin(elements), std::end(elements),
+        const auto* const element = std::find_if(std::begin(kElements), std::end(kElements),
                                                  [name](const Element& e) { return e.name == name; });
-        if (element == std::end(elements) || !MayStand(element->role)) return false;
-        if (element->role == Role::List) {
+        if (element == std::end(kElements) || !MayStand(element->role)) return false;
+        if (element->role == Role::kList) {
             const auto version = TakeAttribute("version");
             if (version && version->find_first_of("<&") != version->npos) return false;
         }
@@ -218,8 +218,8 @@ private:
         if (!Take(">")) return false;
         open.push_back({element, {}, {}});
         content.clear();
-        if (open.size() > maxPropertyListDepth + 2 || ++count > maxPropertyListValues) {
-            reason = count > maxPropertyListValues ? "it holds too many values" : "it is nested too deeply";
+        if (open.size() > kMaxPropertyListDepth + 2 || ++count > kMaxPropertyListValues) {
+            reason = count > kMaxPropertyListValues ? "it holds too many values" : "it is nested too deeply";
             return false;
         }
         return !isEmpty || Close();
@@ -227,15 +227,15 @@ private:
 
     /// Whether an element may come next: keys and values of a dictionary take turns.
     bool MayStand(Role role) {
-        if (open.empty()) return !hasRoot && role != Role::Key && (hasRoot = true);
+        if (open.empty()) return !hasRoot && role != Role::kKey && (hasRoot = true);
         const Opened& parent = open.back();
         switch (parent.element->role) {
-        case Role::List:
-            return parent.members.empty() && role != Role::List && role != Role::Key;
-        case Role::Dictionary:
-            return role != Role::List && (role == Role::Key) == (parent.members.size() % 2 == 0);
-        case Role::Array:
-            return role != Role::List && role != Role::Key;
+        case Role::kList:
+            return parent.members.empty() && role != Role::kList && role != Role::kKey;
+        case Role::kDictionary:
+            return role != Role::kList && (role == Role::kKey) == (parent.members.size() % 2 == 0);
+        case Role::kArray:
+            return role != Role::kList && role != Role::kKey;
         default:
             return false;
         }
@@ -250,7 +250,7 @@ private:
     bool Close() {
         const Opened closed = std::move(open.back());
         open.pop_back();
-        if (closed.element->role == Role::List) return closed.members.size() == 1;
+        if (closed.element->role == Role::kList) return closed.members.size() == 1;
         const auto object = closed.element->object ? Scalar(*closed.element) : Container(closed);
         if (!object) return false;
         root = *object; // the last one is
@@ -260,13 +260,14 @@ private:
 
     std::optional<BinaryListWriter::Object> Scalar(const Element& element) {
         const auto bytes = element.object(content);
-        if (element.role == Role::Key) reason = KeyFault();
+        if (element.role == Role::kKey) reason = KeyFault();
         if (!bytes || !reason.empty()) return std::nullopt;
         return list.Add(*bytes);
     }
 
     std::optional<BinaryListWriter::Object> Container(const Opened& closed) {
-        if (closed.element->role == Role::Array) return list.AddContainer(BinaryKind::Array, closed.members);
+        if (closed.element->role == Role::kArray)
+            return list.AddContainer(BinaryKind::kArray, closed.members);
         const std::size_t pairs = closed.members.size() / 2;
         if (closed.members.size() != 2 * pairs) return std::nullopt;
         std::vector<BinaryListWriter::Object> keysAndValues(closed.members.size());
@@ -274,7 +275,7 @@ private:
             keysAndValues[i] = closed.members[2 * i];
             keysAndValues[pairs + i] = closed.members[2 * i + 1];
         }
-        return list.AddContainer(BinaryKind::Dictionary, keysAndValues);
+        return list.AddContainer(BinaryKind::kDictionary, keysAndValues);
     }
 
     /// Why the key that was read cannot stand in its dictionary; empty when it can.
@@ -327,7 +328,7 @@ private:
         const auto read =
             std::from_chars(rest.data(), rest.data() + rest.size(), character, isHexadecimal ? 16 : 10);
         rest.remove_prefix(static_cast<std::size_t>(read.ptr - rest.data()));
-        if (read.ec != std::errc() || !Take(";") || !IsXmlCharacter(character)) return false;
+        if (read.ec != std::errc() || !Take(";") || !isXmlCharacter(character)) return false;
         content += Utf8Of(character);
         return true;
     }

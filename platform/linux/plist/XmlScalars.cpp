@@ -13,14 +13,14 @@ namespace macplatform {
 namespace {
 
 /// Takes a sign off; true for minus.
-bool TakeSign(std::string_view& text) {
+bool takeSign(std::string_view& text) {
     const bool isMinus = text.substr(0, 1) == "-";
     if (isMinus || text.substr(0, 1) == "+") text.remove_prefix(1);
     return isMinus;
 }
 
 /// From 2001-01-01 to a day of the Gregorian calendar.
-int DaysFrom2001(int year, int month, int day) {
+int daysFrom2001(int year, int month, int day) {
     if (month < 3) {
         --year; // the day that leap years have more then ends a year
         month += 12;
@@ -32,12 +32,12 @@ int DaysFrom2001(int year, int month, int day) {
 }
 
 /// The value of a digit of base 64; 64 for what is none.
-unsigned Base64Value(char c) {
+unsigned base64Value(char c) {
     constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     return static_cast<unsigned>(std::min(digits.find(c), digits.size()));
 }
 
-std::optional<std::string> BooleanFrom(std::string_view text, bool value) {
+std::optional<std::string> booleanFrom(std::string_view text, bool value) {
     return text.empty() ? std::optional(BooleanObject(value)) : std::nullopt;
 }
 
@@ -45,7 +45,7 @@ std::optional<std::string> BooleanFrom(std::string_view text, bool value) {
 
 std::optional<std::string> IntegerFrom(std::string_view text) {
     text = Stripped(text);
-    const bool isMinus = TakeSign(text);
+    const bool isMinus = takeSign(text);
     const bool isHexadecimal = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
     if (isHexadecimal) text.remove_prefix(2);
     std::uint64_t value = 0;
@@ -59,7 +59,7 @@ std::optional<std::string> IntegerFrom(std::string_view text) {
 
 std::optional<std::string> RealFrom(std::string_view text) {
     text = Stripped(text);
-    const bool isMinus = TakeSign(text);
+    const bool isMinus = takeSign(text);
     double value = 0;
     const char* const end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, value);
@@ -79,7 +79,7 @@ std::optional<std::string> DateFrom(std::string_view text) {
     const auto number = [text](std::size_t at) { return (text[at] - '0') * 10 + (text[at + 1] - '0'); };
     const bool isDay = number(5) >= 1 && number(5) <= 12 && number(8) >= 1 && number(8) <= 31;
     if (!isDay || number(11) > 23 || number(14) > 59 || number(17) > 59) return std::nullopt;
-    const int days = DaysFrom2001(number(0) * 100 + number(2), number(5), number(8));
+    const int days = daysFrom2001(number(0) * 100 + number(2), number(5), number(8));
     return DateObject(days * 86400.0 + number(11) * 3600 + number(14) * 60 + number(17));
 }
 
@@ -92,7 +92,7 @@ std::optional<std::string> DataFrom(std::string_view text) {
     std::string bytes;
     std::uint32_t bits = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        const unsigned value = Base64Value(digits[i]);
+        const unsigned value = base64Value(digits[i]);
         if (value > 63) return std::nullopt;
         bits = bits << 6 | value;
         if (i % 4 != 0) bytes += static_cast<char>(bits >> (6 - 2 * (i % 4)) & 0xFF);
@@ -102,7 +102,7 @@ std::optional<std::string> DataFrom(std::string_view text) {
 
 std::optional<std::string> TextFrom(std::string_view text) { return TextObject(text); }
 
-std::optional<std::string> TrueFrom(std::string_view text) { return BooleanFrom(text, true); }
-std::optional<std::string> FalseFrom(std::string_view text) { return BooleanFrom(text, false); }
+std::optional<std::string> TrueFrom(std::string_view text) { return booleanFrom(text, true); }
+std::optional<std::string> FalseFrom(std::string_view text) { return booleanFrom(text, false); }
 
 } // namespace macplatform

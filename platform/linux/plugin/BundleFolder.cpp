@@ -13,36 +13,36 @@
 namespace macplatform {
 
 namespace {
-constexpr unsigned char ownClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
+constexpr unsigned char kOwnClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
 
-BundleFailure Failure(BundleFault fault, const std::string& text) { return {fault, text}; }
+BundleFailure failure(BundleFault fault, const std::string& text) { return {fault, text}; }
 
-bool IsFolder(const std::string& path) {
+bool isFolder(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-std::string LastName(std::string path) {
+std::string lastName(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     return path.substr(path.rfind('/') + 1);
 }
 
-bool prefersMacCode = false;
+bool gPrefersMacCode = false;
 
 /// The Mac's own where that is wanted, or where there is no other, and it can be run.
-std::string ChosenExecutable(const std::string& own, const std::string& mac) {
+std::string chosenExecutable(const std::string& own, const std::string& mac) {
     if (!CanRunMachO() || access(mac.c_str(), F_OK) != 0) return own;
-    return prefersMacCode || access(own.c_str(), F_OK) != 0 ? mac : own;
+    return gPrefersMacCode || access(own.c_str(), F_OK) != 0 ? mac : own;
 }
 
 /// The name of the executable: CFBundleExecutable, else the bundle's without its extension. Empty when it is
 /// not the name of a file in its folder.
-std::string ExecutableName(const BundleFolder& bundle) {
+std::string executableName(const BundleFolder& bundle) {
     std::string name;
     if (const PropertyValue* const named = bundle.info.Find("CFBundleExecutable")) {
         name = named->text;
     } else {
-        name = LastName(bundle.path);
+        name = lastName(bundle.path);
         name.erase(std::min(name.size(), name.rfind('.')));
     }
     const bool leaves = name.find('/') != std::string::npos || name.find('\0') != std::string::npos ||
@@ -50,14 +50,14 @@ std::string ExecutableName(const BundleFolder& bundle) {
     return leaves ? std::string() : name;
 }
 
-const char* MachineName(unsigned machine, unsigned char fileClass) {
+const char* machineName(unsigned machine, unsigned char fileClass) {
     if (machine == EM_X86_64) return fileClass == ELFCLASS64 ? "x86-64" : "x86-64 with 32-bit pointers";
     if (machine == EM_386) return "32-bit x86";
     if (machine == EM_AARCH64) return "64-bit ARM";
     return "another processor";
 }
 
-unsigned OwnMachine() {
+unsigned ownMachine() {
     Elf64_Ehdr own{}; // e_machine lies at the same place in both forms
     const Descriptor self(open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
     return self && read(self.Get(), &own, sizeof own) == static_cast<ssize_t>(sizeof own)
@@ -65,7 +65,7 @@ unsigned OwnMachine() {
                : static_cast<unsigned>(EM_NONE);
 }
 
-bool IsMachO(const unsigned char* bytes) {
+bool hasMachOMagic(const unsigned char* bytes) {
     static const unsigned char magics[][4] = {{0xFE, 0xED, 0xFA, 0xCE},
                                               {0xCE, 0xFA, 0xED, 0xFE},
                                               {0xFE, 0xED, 0xFA, 0xCF},
@@ -77,46 +77,46 @@ bool IsMachO(const unsigned char* bytes) {
     return false;
 }
 
-BundleFailure CheckHeader(const std::string& file, const Elf64_Ehdr& header, std::size_t length) {
+BundleFailure checkHeader(const std::string& file, const Elf64_Ehdr& header, std::size_t length) {
     if (length < sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) {
-        return Failure(BundleFault::WrongArchitecture, file + " is no program code");
+        return failure(BundleFault::kWrongArchitecture, file + " is no program code");
     }
-    const unsigned own = OwnMachine();
-    if (header.e_ident[EI_CLASS] == ownClass && header.e_machine == own) return {};
-    return Failure(BundleFault::WrongArchitecture,
-                   file + " is for " + MachineName(header.e_machine, header.e_ident[EI_CLASS]) +
-                       ", this process for " + MachineName(own, ownClass));
+    const unsigned own = ownMachine();
+    if (header.e_ident[EI_CLASS] == kOwnClass && header.e_machine == own) return {};
+    return failure(BundleFault::kWrongArchitecture,
+                   file + " is for " + machineName(header.e_machine, header.e_ident[EI_CLASS]) +
+                       ", this process for " + machineName(own, kOwnClass));
 }
 
 } // namespace
 
 bool PreferMacCode(bool preferred) {
     if (preferred && !CanRunMachO()) return false;
-    prefersMacCode = preferred;
+    gPrefersMacCode = preferred;
     return true;
 }
 
-bool MacCodeIsPreferred() { return prefersMacCode; }
+bool MacCodeIsPreferred() { return gPrefersMacCode; }
 
 BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
     const PlatformInside inside;
-    if (!IsFolder(path))
-        return Failure(BundleFault::NoBundle, path + " is no bundle: there is no such folder");
+    if (!isFolder(path))
+        return failure(BundleFault::kNoBundle, path + " is no bundle: there is no such folder");
     const std::string listPath = path + "/Contents/Info.plist";
     PropertyListFile list = ReadPropertyList(listPath);
     if (list.errorNumber == ENOENT || list.errorNumber == ENOTDIR) {
-        return Failure(BundleFault::NoBundle, path + " is no bundle: it has no Contents/Info.plist");
+        return failure(BundleFault::kNoBundle, path + " is no bundle: it has no Contents/Info.plist");
     }
-    if (!list.error.empty()) return Failure(BundleFault::BrokenList, listPath + ": " + list.error);
-    if (list.root.kind != PropertyValue::Kind::Dictionary) {
-        return Failure(BundleFault::BrokenList, listPath + ": it holds no dictionary");
+    if (!list.error.empty()) return failure(BundleFault::kBrokenList, listPath + ": " + list.error);
+    if (list.root.kind != PropertyValue::Kind::kDictionary) {
+        return failure(BundleFault::kBrokenList, listPath + ": it holds no dictionary");
     }
     bundle.path = path;
     bundle.info = std::move(list.root);
-    const std::string name = ExecutableName(bundle);
+    const std::string name = executableName(bundle);
     if (name.empty())
-        return Failure(BundleFault::MissingKey, listPath + ": CFBundleExecutable is not the name of a file");
-    bundle.executable = ChosenExecutable(path + "/Contents/Linux/" + name, path + "/Contents/MacOS/" + name);
+        return failure(BundleFault::kMissingKey, listPath + ": CFBundleExecutable is not the name of a file");
+    bundle.executable = chosenExecutable(path + "/Contents/Linux/" + name, path + "/Contents/MacOS/" + name);
     return {};
 }
 
@@ -128,21 +128,22 @@ BundleFailure CheckExecutable(BundleFolder& bundle) {
         const int error = errno;
         const std::string forMac = bundle.path + "/Contents/MacOS" + file.substr(file.rfind('/'));
         if (error == ENOENT && access(forMac.c_str(), F_OK) == 0) {
-            return Failure(BundleFault::NoExecutable, file + " is missing: the bundle has code for the Mac " +
-                                                          "alone, which the 32-bit build of this tool runs");
+            return failure(BundleFault::kNoExecutable, file +
+                                                           " is missing: the bundle has code for the Mac " +
+                                                           "alone, which the 32-bit build of this tool runs");
         }
-        return Failure(BundleFault::NoExecutable, file + ": " + std::strerror(error));
+        return failure(BundleFault::kNoExecutable, file + ": " + std::strerror(error));
     }
     struct stat status {};
     if (fstat(code.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return Failure(BundleFault::NoExecutable, file + " is no file");
+        return failure(BundleFault::kNoExecutable, file + " is no file");
     }
     Elf64_Ehdr header{};
     const ssize_t read = ::read(code.Get(), &header, sizeof header);
     const std::size_t length = read < 0 ? 0 : static_cast<std::size_t>(read);
-    bundle.isMachO = length >= 4 && IsMachO(header.e_ident);
+    bundle.isMachO = length >= 4 && hasMachOMagic(header.e_ident);
     return bundle.isMachO ? BundleFailure()
-                          : CheckHeader(file, header, length); // its own loader checks a Mac's
+                          : checkHeader(file, header, length); // its own loader checks a Mac's
 }
 
 } // namespace macplatform

@@ -20,11 +20,11 @@
 using namespace macplatform;
 
 namespace macplatform {
-extern const ObjectClass bundleClass;
+extern const ObjectClass kBundleClass;
 }
 
 struct __CFBundle : Object {
-    explicit __CFBundle(BundleFolder&& opened) : Object(bundleClass), folder(std::move(opened)) {}
+    explicit __CFBundle(BundleFolder&& opened) : Object(kBundleClass), folder(std::move(opened)) {}
 
     BundleFolder folder;
     std::map<UuidBytes, std::string> factories;        ///< Function names.
@@ -39,41 +39,42 @@ namespace {
 using Bundle = __CFBundle;
 
 /// The bundles of the process; each takes itself off when it is freed.
-std::vector<Bundle*>& Bundles() {
-    static std::vector<Bundle*>& bundles = *new std::vector<Bundle*>; // released objects may be freed at exit
-    return bundles;
+std::vector<Bundle*>& openBundles() {
+    static std::vector<Bundle*>& gBundles =
+        *new std::vector<Bundle*>; // released objects may be freed at exit
+    return gBundles;
 }
 
-BundleFailure& LastFailure() {
-    static BundleFailure failure;
-    return failure;
+BundleFailure& lastFailure() {
+    static BundleFailure gFailure;
+    return gFailure;
 }
 
-bool Fail(BundleFault fault, const std::string& text) {
-    LastFailure() = {fault, text};
+bool fail(BundleFault fault, const std::string& text) {
+    lastFailure() = {fault, text};
     return false;
 }
 
-void FinaliseBundle(Object& object) {
+void finaliseBundle(Object& object) {
     auto& bundle = static_cast<Bundle&>(object);
-    auto& bundles = Bundles();
+    auto& bundles = openBundles();
     bundles.erase(std::remove(bundles.begin(), bundles.end(), &bundle), bundles.end());
     bundle.~Bundle();
 }
 
-Bundle& CheckedBundle(const void* plugIn, const char* function) {
-    return static_cast<Bundle&>(CheckedObject(plugIn, function, bundleClass));
+Bundle& checkedBundle(const void* plugIn, const char* function) {
+    return static_cast<Bundle&>(CheckedObject(plugIn, function, kBundleClass));
 }
 
-std::string ListPath(const Bundle& bundle) { return bundle.folder.path + "/Contents/Info.plist"; }
+std::string listPath(const Bundle& bundle) { return bundle.folder.path + "/Contents/Info.plist"; }
 
 /// Factories and types out of the property list; what is no UUID or no name is left out.
-void ReadTables(Bundle& bundle) {
+void readTables(Bundle& bundle) {
     if (const PropertyValue* const factories = bundle.folder.info.Find("CFPlugInFactories")) {
         for (std::size_t i = 0; i < factories->keys.size(); ++i) {
             const auto factory = ParseUuid(factories->keys[i]);
             const PropertyValue& function = factories->values[i];
-            if (factory && function.kind == PropertyValue::Kind::Text) {
+            if (factory && function.kind == PropertyValue::Kind::kText) {
                 bundle.factories[*factory] = function.text;
             }
         }
@@ -86,96 +87,96 @@ void ReadTables(Bundle& bundle) {
         const PropertyValue& value = types->values[i];
         // One factory may stand there without an array around it.
         for (const PropertyValue& item :
-             value.kind == PropertyValue::Kind::Array ? value.items : std::vector{value}) {
+             value.kind == PropertyValue::Kind::kArray ? value.items : std::vector{value}) {
             if (const auto factory = ParseUuid(item.text)) listed.push_back(*factory);
         }
     }
 }
 
-void NoteMissingKeys(const Bundle& bundle) {
+void noteMissingKeys(const Bundle& bundle) {
     for (const char* const key : {"CFPlugInTypes", "CFPlugInFactories"}) {
         const PropertyValue* const value = bundle.folder.info.Find(key);
-        if (!value || value->kind != PropertyValue::Kind::Dictionary) {
-            Fail(BundleFault::MissingKey, ListPath(bundle) + ": the dictionary " + key + " is missing");
+        if (!value || value->kind != PropertyValue::Kind::kDictionary) {
+            fail(BundleFault::kMissingKey, listPath(bundle) + ": the dictionary " + key + " is missing");
         }
     }
 }
 
-Bundle* OpenBundle(const std::string& macPath) {
-    LastFailure() = {};
+Bundle* openBundle(const std::string& macPath) {
+    lastFailure() = {};
     const std::string path = HostPath(macPath);
     if (path.empty()) {
-        Fail(BundleFault::NoBundle, macPath + ": " + std::strerror(errno));
+        fail(BundleFault::kNoBundle, macPath + ": " + std::strerror(errno));
         return nullptr;
     }
-    for (Bundle* const known : Bundles()) {
+    for (Bundle* const known : openBundles()) {
         if (known->folder.path == path && TryRetain(*known)) return known;
     }
     BundleFolder folder;
-    if (BundleFailure failure = OpenBundleFolder(path, folder); failure.fault != BundleFault::None) {
-        LastFailure() = std::move(failure);
+    if (BundleFailure failure = OpenBundleFolder(path, folder); failure.fault != BundleFault::kNone) {
+        lastFailure() = std::move(failure);
         return nullptr;
     }
-    Bundles().reserve(Bundles().size() + 1);
+    openBundles().reserve(openBundles().size() + 1);
     Bundle* const bundle = MakeObject<Bundle>(0, std::move(folder));
-    Bundles().push_back(bundle);
-    ReadTables(*bundle);
-    NoteMissingKeys(*bundle);
+    openBundles().push_back(bundle);
+    readTables(*bundle);
+    noteMissingKeys(*bundle);
     return bundle;
 }
 
-bool LoadCode(Bundle& bundle) {
+bool loadCode(Bundle& bundle) {
     if (bundle.code || bundle.macCode) return true;
-    if (BundleFailure failure = CheckExecutable(bundle.folder); failure.fault != BundleFault::None) {
-        LastFailure() = std::move(failure);
+    if (BundleFailure failure = CheckExecutable(bundle.folder); failure.fault != BundleFault::kNone) {
+        lastFailure() = std::move(failure);
         return false;
     }
     const BundleCodeRuns initialisers;
     if (bundle.folder.isMachO) {
-        bundle.macCode = LoadMachO(bundle.folder.executable, LastFailure());
+        bundle.macCode = LoadMachO(bundle.folder.executable, lastFailure());
         return bundle.macCode != nullptr;
     }
     bundle.code = dlopen(bundle.folder.executable.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (bundle.code) return true;
     const char* const reason = dlerror();
-    return Fail(BundleFault::CannotLoad, reason ? reason : bundle.folder.executable + " cannot be loaded");
+    return fail(BundleFault::kCannotLoad, reason ? reason : bundle.folder.executable + " cannot be loaded");
 }
 
-void* FindSymbol(Bundle& bundle, const std::string& name) {
-    if (!LoadCode(bundle)) return nullptr;
+void* findSymbol(Bundle& bundle, const std::string& name) {
+    if (!loadCode(bundle)) return nullptr;
     void* const symbol = bundle.macCode ? bundle.macCode->Symbol(name) : dlsym(bundle.code, name.c_str());
-    if (!symbol) Fail(BundleFault::SymbolMissing, bundle.folder.executable + " does not export " + name);
+    if (!symbol) fail(BundleFault::kSymbolMissing, bundle.folder.executable + " does not export " + name);
     return symbol;
 }
 
-Bundle* BundleOfFactory(const UuidBytes& factory) {
-    for (Bundle* const bundle : Bundles()) {
+Bundle* bundleOfFactory(const UuidBytes& factory) {
+    for (Bundle* const bundle : openBundles()) {
         if (bundle->factories.count(factory) > 0) return bundle;
     }
     return nullptr;
 }
 
 /// The function of a factory for a type, its code loaded; null with the failure noted.
-CFPlugInFactoryFunction FindFactoryFunction(const UuidBytes& factory, const UuidBytes& type) {
-    LastFailure() = {};
-    Bundle* const bundle = BundleOfFactory(factory);
+CFPlugInFactoryFunction findFactoryFunction(const UuidBytes& factory, const UuidBytes& type) {
+    lastFailure() = {};
+    Bundle* const bundle = bundleOfFactory(factory);
     if (!bundle) {
-        Fail(BundleFault::MissingKey, "no bundle has the factory " + UuidText(factory));
+        fail(BundleFault::kMissingKey, "no bundle has the factory " + UuidText(factory));
         return nullptr;
     }
     const auto listed = bundle->types.find(type);
     if (listed == bundle->types.end() ||
         std::find(listed->second.begin(), listed->second.end(), factory) == listed->second.end()) {
-        Fail(BundleFault::MissingKey,
-             ListPath(*bundle) + ": CFPlugInTypes does not list this factory for the type " + UuidText(type));
+        fail(BundleFault::kMissingKey,
+             listPath(*bundle) + ": CFPlugInTypes does not list this factory for the type " + UuidText(type));
         return nullptr;
     }
-    return reinterpret_cast<CFPlugInFactoryFunction>(FindSymbol(*bundle, bundle->factories[factory]));
+    return reinterpret_cast<CFPlugInFactoryFunction>(findSymbol(*bundle, bundle->factories[factory]));
 }
 
-CFArrayRef FactoriesInPlugIn(const UuidBytes& type, const Bundle& bundle) {
+CFArrayRef factoriesInPlugIn(const UuidBytes& type, const Bundle& bundle) {
     const auto hasType = [&type](const Bundle* candidate) { return candidate->types.count(type) > 0; };
-    if (std::none_of(Bundles().begin(), Bundles().end(), hasType)) return nullptr;
+    if (std::none_of(openBundles().begin(), openBundles().end(), hasType)) return nullptr;
     std::vector<Owned<Object>> owned;
     std::vector<CFTypeRef> items;
     if (const auto listed = bundle.types.find(type); listed != bundle.types.end()) {
@@ -192,16 +193,16 @@ CFArrayRef FactoriesInPlugIn(const UuidBytes& type, const Bundle& bundle) {
 
 namespace macplatform {
 
-const ObjectClass bundleClass = {
+const ObjectClass kBundleClass = {
     34, "bundle", [](const Object& object) { return Quoted(static_cast<const Bundle&>(object).folder.path); },
-    nullptr, &FinaliseBundle};
+    nullptr, &finaliseBundle};
 
-const BundleFailure& LastBundleFailure() { return LastFailure(); }
+const BundleFailure& LastBundleFailure() { return lastFailure(); }
 
 void* BundleSymbol(const void* plugIn, const std::string& name) {
     const PlatformInside inside;
-    LastFailure() = {};
-    return FindSymbol(CheckedBundle(plugIn, "BundleSymbol"), name);
+    lastFailure() = {};
+    return findSymbol(checkedBundle(plugIn, "BundleSymbol"), name);
 }
 
 } // namespace macplatform
@@ -211,7 +212,7 @@ CFPlugInRef CFPlugInCreate(CFAllocatorRef allocator, CFURLRef url) {
     Tell(call, allocator, url);
     if (call.TakeFault()) return ObjectResult(call, CFPlugInRef{nullptr});
     try {
-        return ObjectResult(call, CFPlugInRef{OpenBundle(UrlPath(url))});
+        return ObjectResult(call, CFPlugInRef{openBundle(UrlPath(url))});
     } catch (const std::bad_alloc&) {
         return ObjectResult(call, CFPlugInRef{nullptr});
     }
@@ -223,7 +224,7 @@ CFArrayRef CFPlugInFindFactoriesForPlugInTypeInPlugIn(CFUUIDRef type, CFPlugInRe
     Tell(call, type, plugIn);
     if (call.TakeFault()) return ObjectResult(call, CFArrayRef{nullptr});
     try {
-        return ObjectResult(call, FactoriesInPlugIn(BytesOf(type, name), CheckedBundle(plugIn, name)));
+        return ObjectResult(call, factoriesInPlugIn(BytesOf(type, name), checkedBundle(plugIn, name)));
     } catch (const std::bad_alloc&) {
         return ObjectResult(call, CFArrayRef{nullptr});
     }
@@ -236,9 +237,9 @@ void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUID
     if (call.TakeFault()) return call.Result(static_cast<void*>(nullptr));
     CFPlugInFactoryFunction make = nullptr;
     try {
-        make = FindFactoryFunction(BytesOf(factory, name), BytesOf(type, name));
+        make = findFactoryFunction(BytesOf(factory, name), BytesOf(type, name));
     } catch (const std::bad_alloc&) {
-        Fail(BundleFault::CannotLoad, "out of memory");
+        fail(BundleFault::kCannotLoad, "out of memory");
     }
     void* instance = nullptr;
     if (make) {
@@ -246,7 +247,7 @@ void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUID
         instance = make(allocator, type);
     }
     if (make && !instance) {
-        Fail(BundleFault::FactoryRefused,
+        fail(BundleFault::kFactoryRefused,
              "the factory function of " + UuidText(BytesOf(factory, name)) + " answered null");
     }
     return call.Result(instance, instance ? "an instance" : "NULL");
@@ -256,7 +257,7 @@ void CFPlugInAddInstanceForFactory(CFUUIDRef factory) {
     constexpr char name[] = "CFPlugInAddInstanceForFactory";
     PlatformCall call(name);
     Tell(call, factory);
-    if (Bundle* const bundle = BundleOfFactory(BytesOf(factory, name))) {
+    if (Bundle* const bundle = bundleOfFactory(BytesOf(factory, name))) {
         ++bundle->instances;
         Retain(*bundle);
     }
@@ -266,7 +267,7 @@ void CFPlugInRemoveInstanceForFactory(CFUUIDRef factory) {
     constexpr char name[] = "CFPlugInRemoveInstanceForFactory";
     PlatformCall call(name);
     Tell(call, factory);
-    Bundle* const bundle = BundleOfFactory(BytesOf(factory, name));
+    Bundle* const bundle = bundleOfFactory(BytesOf(factory, name));
     // A count that was never raised would free the bundle under its owner.
     if (!bundle || bundle->instances == 0) return;
     --bundle->instances;

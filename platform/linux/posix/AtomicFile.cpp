@@ -13,14 +13,14 @@ namespace macplatform {
 
 namespace {
 
-constexpr char temporaryMark[] = ".cf#";
+constexpr char kTemporaryMark[] = ".cf#";
 
 /// Names of one length, whatever the file's name is: that may already be as long as a name can be.
-std::string TemporaryName(unsigned attempt) {
-    return temporaryMark + std::to_string(getpid()) + '-' + std::to_string(attempt);
+std::string temporaryName(unsigned attempt) {
+    return kTemporaryMark + std::to_string(getpid()) + '-' + std::to_string(attempt);
 }
 
-void RemoveLeftovers(int folder) {
+void removeLeftovers(int folder) {
     const int again = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (again < 0) return;
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(fdopendir(again), &closedir);
@@ -30,11 +30,12 @@ void RemoveLeftovers(int folder) {
     }
     while (const dirent* const entry = readdir(listing.get())) {
         const std::string name = entry->d_name;
-        if (name.compare(0, sizeof temporaryMark - 1, temporaryMark) == 0) unlinkat(folder, name.c_str(), 0);
+        if (name.compare(0, sizeof kTemporaryMark - 1, kTemporaryMark) == 0)
+            unlinkat(folder, name.c_str(), 0);
     }
 }
 
-int WriteAll(int file, const std::string& bytes) {
+int writeAll(int file, const std::string& bytes) {
     std::size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t wrote = write(file, bytes.data() + done, bytes.size() - done);
@@ -46,22 +47,22 @@ int WriteAll(int file, const std::string& bytes) {
 }
 
 /// A new file with these bytes on the disk, under a name of its own.
-int WriteTemporary(int folder, const std::string& name, const std::string& bytes) {
+int writeTemporary(int folder, const std::string& name, const std::string& bytes) {
     const Descriptor file(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return errno;
-    if (const int failed = WriteAll(file.Get(), bytes)) return failed;
+    if (const int failed = writeAll(file.Get(), bytes)) return failed;
     return fchmod(file.Get(), 0644) == 0 && fsync(file.Get()) == 0 ? 0 : errno;
 }
 
 } // namespace
 
 int ReplaceFile(int folder, const std::string& name, const std::string& bytes) {
-    RemoveLeftovers(folder);
+    removeLeftovers(folder);
     std::string temporary;
     int failed = EEXIST;
     for (unsigned attempt = 0; failed == EEXIST && attempt < 16; ++attempt) {
-        temporary = TemporaryName(attempt);
-        failed = WriteTemporary(folder, temporary, bytes);
+        temporary = temporaryName(attempt);
+        failed = writeTemporary(folder, temporary, bytes);
     }
     if (failed == EEXIST) return failed;
     if (failed == 0 && renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) failed = errno;

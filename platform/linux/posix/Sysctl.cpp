@@ -16,17 +16,17 @@ using macplatform::PlatformCall;
 
 namespace {
 
-constexpr int hardware = 6; // CTL_HW
+constexpr int kHardware = 6; // CTL_HW
 /// Names that have no number of their own get one when the kernel starts, from 100 upwards.
-constexpr int cpuFrequency = 100;
+constexpr int kCpuFrequency = 100;
 
-std::optional<std::uint64_t>& GivenFrequency() {
-    static std::optional<std::uint64_t> hertz;
-    return hertz;
+std::optional<std::uint64_t>& givenFrequency() {
+    static std::optional<std::uint64_t> gHertz;
+    return gHertz;
 }
 
 /// A number behind `prefix`, times `unit`; 0 when it is no frequency.
-std::uint64_t ToHertz(const std::string& text, double unit) {
+std::uint64_t toHertz(const std::string& text, double unit) {
     const double hertz = std::strtod(text.c_str(), nullptr) * unit;
     return std::isfinite(hertz) && hertz >= 1 && hertz < 1e15
                ? static_cast<std::uint64_t>(std::llround(hertz))
@@ -34,62 +34,62 @@ std::uint64_t ToHertz(const std::string& text, double unit) {
 }
 
 /// Empty when it cannot be read.
-std::string TextOf(const std::string& path) {
+std::string textOf(const std::string& path) {
     constexpr std::size_t limit = std::size_t{16} << 20;
     std::string text;
     return macplatform::ReadWholeFile(path, limit, text) == 0 ? text : std::string();
 }
 
-std::uint64_t FrequencyOfGovernor() {
+std::uint64_t frequencyOfGovernor() {
     for (const char* name : {"base_frequency", "cpuinfo_max_freq"}) {
-        const std::string kilohertz = TextOf(std::string("/sys/devices/system/cpu/cpu0/cpufreq/") + name);
-        if (const auto hertz = ToHertz(kilohertz, 1e3)) return hertz;
+        const std::string kilohertz = textOf(std::string("/sys/devices/system/cpu/cpu0/cpufreq/") + name);
+        if (const auto hertz = toHertz(kilohertz, 1e3)) return hertz;
     }
     return 0;
 }
 
 /// The nominal frequency at the end of the model's name, else what the processor runs at just now.
-std::uint64_t FrequencyOfCpuInfo() {
-    const std::string text = TextOf("/proc/cpuinfo");
+std::uint64_t frequencyOfCpuInfo() {
+    const std::string text = textOf("/proc/cpuinfo");
     std::uint64_t present = 0;
     for (std::size_t start = 0, end; start < text.size(); start = end + 1) {
         end = std::min(text.find('\n', start), text.size());
         const std::string line = text.substr(start, end - start);
         if (const auto at = line.find("@ "); line.rfind("model name", 0) == 0 && at != line.npos) {
             const double unit = line.find("MHz", at) != line.npos ? 1e6 : 1e9;
-            if (const auto hertz = ToHertz(line.substr(at + 2), unit)) return hertz;
+            if (const auto hertz = toHertz(line.substr(at + 2), unit)) return hertz;
         } else if (const auto colon = line.find(": "); line.rfind("cpu MHz", 0) == 0 && present == 0) {
-            if (colon != line.npos) present = ToHertz(line.substr(colon + 2), 1e6);
+            if (colon != line.npos) present = toHertz(line.substr(colon + 2), 1e6);
         }
     }
     return present;
 }
 
 /// 0 when it is not known, as in some virtual machines.
-std::uint64_t Frequency() {
-    if (GivenFrequency()) return *GivenFrequency();
-    const std::uint64_t hertz = FrequencyOfGovernor();
-    return hertz != 0 ? hertz : FrequencyOfCpuInfo();
+std::uint64_t frequency() {
+    if (givenFrequency()) return *givenFrequency();
+    const std::uint64_t hertz = frequencyOfGovernor();
+    return hertz != 0 ? hertz : frequencyOfCpuInfo();
 }
 
-int Refuse(PlatformCall& call, long errorNumber) {
+int refuse(PlatformCall& call, long errorNumber) {
     errno = static_cast<int>(errorNumber);
     return call.Result(-1);
 }
 
 } // namespace
 
-void macplatform::SetCpuFrequency(std::optional<std::uint64_t> hertz) { GivenFrequency() = hertz; }
+void macplatform::SetCpuFrequency(std::optional<std::uint64_t> hertz) { givenFrequency() = hertz; }
 
 int sysctlnametomib(const char* name, int* mib, std::size_t* count) try {
     PlatformCall call("sysctlnametomib");
     if (call.IsTold()) call.SetArguments({macplatform::Quoted(name)});
-    if (const auto code = call.TakeFault()) return Refuse(call, *code);
-    if (!name || !mib || !count) return Refuse(call, EFAULT);
-    if (std::strcmp(name, "hw.cpufrequency") != 0 || Frequency() == 0) return Refuse(call, ENOENT);
-    if (*count < 2) return Refuse(call, ENOMEM);
-    mib[0] = hardware;
-    mib[1] = cpuFrequency;
+    if (const auto code = call.TakeFault()) return refuse(call, *code);
+    if (!name || !mib || !count) return refuse(call, EFAULT);
+    if (std::strcmp(name, "hw.cpufrequency") != 0 || frequency() == 0) return refuse(call, ENOENT);
+    if (*count < 2) return refuse(call, ENOMEM);
+    mib[0] = kHardware;
+    mib[1] = kCpuFrequency;
     *count = 2;
     return call.Result(0);
 } catch (const std::bad_alloc&) {
@@ -100,15 +100,15 @@ int sysctlnametomib(const char* name, int* mib, std::size_t* count) try {
 int sysctl(int* mib, unsigned int mibCount, void* oldValue, std::size_t* oldSize, void* newValue,
            std::size_t) try {
     PlatformCall call("sysctl");
-    if (const auto code = call.TakeFault()) return Refuse(call, *code);
-    if (!mib || (oldValue && !oldSize)) return Refuse(call, EFAULT);
-    const std::uint64_t hertz = Frequency();
-    if (mibCount != 2 || mib[0] != hardware || mib[1] != cpuFrequency || hertz == 0)
-        return Refuse(call, ENOENT);
+    if (const auto code = call.TakeFault()) return refuse(call, *code);
+    if (!mib || (oldValue && !oldSize)) return refuse(call, EFAULT);
+    const std::uint64_t hertz = frequency();
+    if (mibCount != 2 || mib[0] != kHardware || mib[1] != kCpuFrequency || hertz == 0)
+        return refuse(call, ENOENT);
     if (call.IsTold()) call.SetArguments({"hw.cpufrequency"});
-    if (newValue) return Refuse(call, EPERM);
+    if (newValue) return refuse(call, EPERM);
     if (oldValue) {
-        if (*oldSize < sizeof hertz) return Refuse(call, ENOMEM);
+        if (*oldSize < sizeof hertz) return refuse(call, ENOMEM);
         std::memcpy(oldValue, &hertz, sizeof hertz);
     }
     if (oldSize) *oldSize = sizeof hertz;

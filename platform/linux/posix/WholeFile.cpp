@@ -11,7 +11,7 @@ namespace macplatform {
 
 namespace {
 
-int CheckKind(int descriptor, std::size_t limit) {
+int checkKind(int descriptor, std::size_t limit) {
     struct stat status {};
     if (fstat(descriptor, &status) != 0) return errno;
     if (S_ISDIR(status.st_mode)) return EISDIR;
@@ -27,7 +27,7 @@ int ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes
     // Without waiting: a pipe in the file's place would wait for a writer for ever.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) return errno;
-    if (const int refused = CheckKind(file.Get(), limit)) return refused;
+    if (const int refused = checkKind(file.Get(), limit)) return refused;
     char block[64 * 1024];
     for (;;) {
         const ssize_t got = read(file.Get(), block, sizeof block);

@@ -24,12 +24,12 @@ namespace macplatform {
 
 namespace {
 
-constexpr char preferencesFolder[] = "/Library/Preferences";
+constexpr char kPreferencesFolder[] = "/Library/Preferences";
 
-std::string Why(const std::string& thing, int error) { return thing + ": " + std::strerror(error); }
+std::string why(const std::string& thing, int error) { return thing + ": " + std::strerror(error); }
 
 /// Makes a folder, and everything on the way to it.
-void MakeFolder(const std::string& path) {
+void makeFolder(const std::string& path) {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
         mkdir(path.substr(0, slash).c_str(), 0755);
@@ -39,19 +39,19 @@ void MakeFolder(const std::string& path) {
 }
 
 /// The folder as a descriptor; it is made when there is none.
-int OpenFolder(std::string& path) {
-    path = HostPath(preferencesFolder);
+int openOrMakeFolder(std::string& path) {
+    path = HostPath(kPreferencesFolder);
     if (path.empty()) return -1;
     constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
     const int folder = open(path.c_str(), flags);
     if (folder >= 0 || errno != ENOENT) return folder;
-    MakeFolder(path);
+    makeFolder(path);
     return open(path.c_str(), flags);
 }
 
 /// Waits for other writers, five seconds at most (well within the limit of a call to a bundle): the lock goes
 /// with the descriptor.
-bool Lock(int folder) {
+bool lock(int folder) {
     constexpr int attempts = 2500;
     for (int i = 0; i < attempts; ++i) {
         if (flock(folder, LOCK_EX | LOCK_NB) == 0) return true;
@@ -62,21 +62,21 @@ bool Lock(int folder) {
     return false;
 }
 
-bool IsFileName(const std::string& domain) {
+bool isFileName(const std::string& domain) {
     return !domain.empty() && domain != "." && domain != ".." && domain.find('/') == std::string::npos &&
            domain.find('\0') == std::string::npos && domain.size() + std::strlen(".plist") <= NAME_MAX;
 }
 
 /// XML has no form for most control characters, and the parser's texts end at a NUL.
-bool CanHold(PropertyListFormat format, const std::string& text) {
+bool canHold(PropertyListFormat format, const std::string& text) {
     return std::none_of(text.begin(), text.end(), [format](char c) {
         const bool control = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n';
-        return c == '\0' || (control && format == PropertyListFormat::Xml);
+        return c == '\0' || (control && format == PropertyListFormat::kXml);
     });
 }
 
 /// As a list has it.
-std::string ObjectOf(const PreferenceValue& value) {
+std::string objectOf(const PreferenceValue& value) {
     if (const auto* text = std::get_if<std::string>(&value)) return TextObject(*text);
     if (const auto* real = std::get_if<double>(&value)) return RealObject(*real);
     const std::int64_t number = std::get<std::int64_t>(value);
@@ -84,16 +84,16 @@ std::string ObjectOf(const PreferenceValue& value) {
     return IntegerObject(number < 0 ? 0 - bits : bits, number < 0);
 }
 
-PropertyValue AsReadAgain(const PreferenceValue& value) {
+PropertyValue asReadAgain(const PreferenceValue& value) {
     PropertyValue read;
     if (const auto* text = std::get_if<std::string>(&value)) {
-        read.kind = PropertyValue::Kind::Text;
+        read.kind = PropertyValue::Kind::kText;
         read.text = *text;
     } else if (const auto* real = std::get_if<double>(&value)) {
-        read.kind = PropertyValue::Kind::Real;
+        read.kind = PropertyValue::Kind::kReal;
         read.text = Digits(*real);
     } else {
-        read.kind = PropertyValue::Kind::Integer;
+        read.kind = PropertyValue::Kind::kInteger;
         read.integer = std::get<std::int64_t>(value);
         read.text = std::to_string(read.integer);
     }
@@ -101,22 +101,22 @@ PropertyValue AsReadAgain(const PreferenceValue& value) {
 }
 
 /// The entries with the changes laid over them: those that stay in their order, and new ones in theirs.
-PropertyValue WithChanges(PropertyValue&& before, PreferenceChanges changes) {
+PropertyValue withChanges(PropertyValue&& before, PreferenceChanges changes) {
     PropertyValue after;
-    after.kind = PropertyValue::Kind::Dictionary;
+    after.kind = PropertyValue::Kind::kDictionary;
     for (std::size_t i = 0; i < before.keys.size(); ++i) {
         const auto change = changes.find(before.keys[i]);
         const bool isChanged = change != changes.end();
         if (!isChanged || change->second) {
             after.keys.push_back(std::move(before.keys[i]));
-            after.values.push_back(isChanged ? AsReadAgain(*change->second) : std::move(before.values[i]));
+            after.values.push_back(isChanged ? asReadAgain(*change->second) : std::move(before.values[i]));
         }
         if (isChanged) changes.erase(change);
     }
     for (const auto& [key, value] : changes) {
         if (!value) continue;
         after.keys.push_back(key);
-        after.values.push_back(AsReadAgain(*value));
+        after.values.push_back(asReadAgain(*value));
     }
     return after;
 }
@@ -130,31 +130,31 @@ public:
     std::string Read() {
         struct stat status {};
         if (fstatat(folder.Get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-            if (errno != ENOENT) return Why(path, errno);
+            if (errno != ENOENT) return why(path, errno);
             list = EmptyBinaryList();
             return {};
         }
         exists = true;
         // A link is read inside the volume, and replaced by a file when something changes.
-        const std::string target = HostPath(std::string(preferencesFolder) + '/' + name);
+        const std::string target = HostPath(std::string(kPreferencesFolder) + '/' + name);
         std::string bytes, error;
-        if (const int failed = target.empty() ? errno : ReadWholeFile(target, maxPropertyListBytes, bytes)) {
-            return Why(path, failed);
+        if (const int failed = target.empty() ? errno : ReadWholeFile(target, kMaxPropertyListBytes, bytes)) {
+            return why(path, failed);
         }
         list = BinaryFormOf(bytes, error);
         const PropertyListTree tree = list.empty() ? nullptr : ParseBinaryForm(list, error);
         if (!tree) return path + ": " + error;
         format = FormatOf(bytes);
         entries = ValueOf(tree.get());
-        return entries.kind == PropertyValue::Kind::Dictionary ? std::string()
-                                                               : path + ": it holds no dictionary";
+        return entries.kind == PropertyValue::Kind::kDictionary ? std::string()
+                                                                : path + ": it holds no dictionary";
     }
 
     /// Keeps the changes that change something.
     std::string Apply(const PreferenceChanges& wanted) {
         for (const auto& [key, value] : wanted) {
             const auto* const text = value ? std::get_if<std::string>(&*value) : nullptr;
-            if (!CanHold(format, key) || (text && !CanHold(format, *text))) {
+            if (!canHold(format, key) || (text && !canHold(format, *text))) {
                 return path + ": its format has no form for the control characters of " + Quoted(key);
             }
         }
@@ -164,7 +164,7 @@ public:
             const auto change = changes.find(entries.keys[i]);
             if (change == changes.end()) continue;
             absent.erase(change->first);
-            if (change->second && AsReadAgain(*change->second) == entries.values[i]) changes.erase(change);
+            if (change->second && asReadAgain(*change->second) == entries.values[i]) changes.erase(change);
         }
         for (const auto& [key, value] : absent) {
             if (!value) changes.erase(key);
@@ -176,21 +176,21 @@ public:
         if (changes.empty()) return {};
         BinaryListChanges objects;
         for (const auto& [key, value] : changes) {
-            objects.emplace(key, value ? std::optional(ObjectOf(*value)) : std::nullopt);
+            objects.emplace(key, value ? std::optional(objectOf(*value)) : std::nullopt);
         }
         const auto edited = EditBinaryList(list, objects);
-        entries = WithChanges(std::move(entries), std::move(changes));
+        entries = withChanges(std::move(entries), std::move(changes));
         if (entries.keys.empty()) {
-            return !exists || unlinkat(folder.Get(), name.c_str(), 0) == 0 ? std::string() : Why(path, errno);
+            return !exists || unlinkat(folder.Get(), name.c_str(), 0) == 0 ? std::string() : why(path, errno);
         }
         std::string bytes, error;
-        if (edited) bytes = format == PropertyListFormat::Binary ? *edited : XmlFormOf(*edited);
+        if (edited) bytes = format == PropertyListFormat::kBinary ? *edited : XmlFormOf(*edited);
         const PropertyListTree again = ParsePropertyList(bytes, error);
         if (!again || ValueOf(again.get()) != entries) {
             return path + ": it cannot be written again without loss";
         }
         const int failed = ReplaceFile(folder.Get(), name, bytes);
-        return failed == 0 ? std::string() : Why(path, failed);
+        return failed == 0 ? std::string() : why(path, failed);
     }
 
 private:
@@ -199,7 +199,7 @@ private:
     std::string list;      ///< In binary form.
     PropertyValue entries; ///< Of it; after Write, of what was written.
     PreferenceChanges changes;
-    PropertyListFormat format = PropertyListFormat::Binary;
+    PropertyListFormat format = PropertyListFormat::kBinary;
     bool exists = false;
 };
 
@@ -207,12 +207,12 @@ private:
 
 std::string StorePreferences(const std::string& domain, const PreferenceChanges& changes) {
     const PlatformInside inside;
-    if (!IsFileName(domain)) return Quoted(domain) + " is no name of a preferences file";
+    if (!isFileName(domain)) return Quoted(domain) + " is no name of a preferences file";
     if (changes.empty()) return {};
     std::string folderPath;
-    const Descriptor folder(OpenFolder(folderPath));
-    if (!folder) return Why(folderPath.empty() ? preferencesFolder : folderPath, errno);
-    if (!Lock(folder.Get())) return folderPath + ": another program keeps it locked";
+    const Descriptor folder(openOrMakeFolder(folderPath));
+    if (!folder) return why(folderPath.empty() ? kPreferencesFolder : folderPath, errno);
+    if (!lock(folder.Get())) return folderPath + ": another program keeps it locked";
 
     DomainFile file(folder, folderPath, domain);
     std::string failure = file.Read();

@@ -11,27 +11,27 @@ namespace macplatform {
 
 namespace {
 
-JournalObserver& Observer() {
-    static JournalObserver observer;
-    return observer;
+JournalObserver& currentObserver() {
+    static JournalObserver gObserver;
+    return gObserver;
 }
 
-std::vector<OrderedFault>& Faults() {
-    static std::vector<OrderedFault> faults;
-    return faults;
+std::vector<OrderedFault>& pendingFaults() {
+    static std::vector<OrderedFault> gFaults;
+    return gFaults;
 }
 
-thread_local int callDepth = 0;
+thread_local int gCallDepth = 0;
 
 } // namespace
 
-void SetJournalObserver(JournalObserver observer) { Observer() = std::move(observer); }
+void SetJournalObserver(JournalObserver observer) { currentObserver() = std::move(observer); }
 
-void OrderFault(const OrderedFault& fault) { Faults().push_back(fault); }
+void OrderFault(const OrderedFault& fault) { pendingFaults().push_back(fault); }
 
 std::size_t CancelFaults() {
-    const std::size_t count = Faults().size();
-    Faults().clear();
+    const std::size_t count = pendingFaults().size();
+    pendingFaults().clear();
     return count;
 }
 
@@ -63,28 +63,28 @@ std::string Digits(double number) {
 }
 
 PlatformCall::PlatformCall(const char* functionName)
-    : name(functionName), told(callDepth == 0 && Observer() != nullptr) {
-    ++callDepth;
+    : name(functionName), told(gCallDepth == 0 && currentObserver() != nullptr) {
+    ++gCallDepth;
 }
 
 PlatformCall::~PlatformCall() {
     // The observer's own platform calls are not told either: the depth goes down after it is done.
     const int errorNumber = errno; // part of the result of some calls
-    if (told) Observer()({name, std::move(arguments), std::move(result), std::move(note)});
+    if (told) currentObserver()({name, std::move(arguments), std::move(result), std::move(note)});
     errno = errorNumber;
-    --callDepth;
+    --gCallDepth;
 }
 
-PlatformInside::PlatformInside() { ++callDepth; }
-PlatformInside::~PlatformInside() { --callDepth; }
-bool PlatformInside::IsActive() { return callDepth > 0; }
+PlatformInside::PlatformInside() { ++gCallDepth; }
+PlatformInside::~PlatformInside() { --gCallDepth; }
+bool PlatformInside::IsActive() { return gCallDepth > 0; }
 
-BundleCodeRuns::BundleCodeRuns() : outerDepth(callDepth) { callDepth = 0; }
-BundleCodeRuns::~BundleCodeRuns() { callDepth = outerDepth; }
+BundleCodeRuns::BundleCodeRuns() : outerDepth(gCallDepth) { gCallDepth = 0; }
+BundleCodeRuns::~BundleCodeRuns() { gCallDepth = outerDepth; }
 
 std::optional<long> PlatformCall::TakeFault() {
-    if (callDepth != 1) return std::nullopt;
-    auto& faults = Faults();
+    if (gCallDepth != 1) return std::nullopt;
+    auto& faults = pendingFaults();
     const auto fault =
         std::find_if(faults.begin(), faults.end(), [this](const OrderedFault& f) { return f.call == name; });
     if (fault == faults.end()) return std::nullopt;

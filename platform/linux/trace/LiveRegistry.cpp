@@ -14,8 +14,8 @@ struct LiveList {
 
     /// Never destroyed: static objects of the caller may release what they hold at exit.
     static LiveList& Get() {
-        static LiveList& list = *new LiveList;
-        return list;
+        static LiveList& gList = *new LiveList;
+        return gList;
     }
 
     void Append(LiveThing& thing, LiveThing::Describer describer) {

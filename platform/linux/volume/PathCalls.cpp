@@ -22,21 +22,21 @@ using namespace macplatform;
 
 namespace {
 
-constexpr LastLink follow = LastLink::Follow, keep = LastLink::Keep;
+constexpr LastLink kFollow = LastLink::kFollow, kKeep = LastLink::kKeep;
 
-LastLink LinkOf(int flags) { return flags & AT_SYMLINK_NOFOLLOW ? keep : follow; }
-LastLink OpenLink(int flags) {
-    return (flags & O_NOFOLLOW) || ((flags & O_CREAT) && (flags & O_EXCL)) ? keep : follow;
+LastLink linkOf(int flags) { return flags & AT_SYMLINK_NOFOLLOW ? kKeep : kFollow; }
+LastLink openLink(int flags) {
+    return (flags & O_NOFOLLOW) || ((flags & O_CREAT) && (flags & O_EXCL)) ? kKeep : kFollow;
 }
 
 /// The mode of open is there only where a file may be made.
-unsigned ModeBehind(int flags, va_list rest) {
+unsigned modeBehind(int flags, va_list rest) {
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's va_start is not followed into here
     return flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, unsigned) : 0;
 }
 
-bool OpensToRead(int flags) { return (flags & O_ACCMODE) == O_RDONLY; }
-bool OpensToRead(const char* mode) { return mode[0] == 'r' && !std::strchr(mode, '+'); }
+bool opensToRead(int flags) { return (flags & O_ACCMODE) == O_RDONLY; }
+bool opensToRead(const char* mode) { return mode[0] == 'r' && !std::strchr(mode, '+'); }
 
 /// While one lives, a pipe has a writer: a bundle that opens it to read, where it expects a file, does not
 /// wait for one for ever and finds the pipe empty.
@@ -44,7 +44,7 @@ class PipeWriter {
 public:
     template <typename Mode>
     PipeWriter(const char* hostPath, Mode mode)
-        : writer(IsPipe(hostPath) && OpensToRead(mode) ? Open(hostPath) : -1) {}
+        : writer(IsPipe(hostPath) && opensToRead(mode) ? Open(hostPath) : -1) {}
 
 private:
     static bool IsPipe(const char* hostPath) {
@@ -90,14 +90,14 @@ private:
         static const auto next = NextDefinition<int(const char*, int, ...)>(#SYMBOL);                        \
         va_list rest;                                                                                        \
         va_start(rest, flags);                                                                               \
-        const unsigned mode = ModeBehind(flags, rest);                                                       \
+        const unsigned mode = modeBehind(flags, rest);                                                       \
         va_end(rest);                                                                                        \
         if (!FallsOnVolume(path)) return next(path, flags, mode);                                            \
         const auto make = [&](const char* hostPath) {                                                        \
             const PipeWriter writer(hostPath, flags);                                                        \
             return next(hostPath, flags, mode);                                                              \
         };                                                                                                   \
-        return CallOnVolume<int>("open", -1, OpenLink(flags), path, make, path, flags);                      \
+        return CallOnVolume<int>("open", -1, openLink(flags), path, make, path, flags);                      \
     }
 #define OPENAT_CALL(SYMBOL)                                                                                  \
     extern "C" int Caught_##SYMBOL(int folder, const char* path, int flags, ...) __asm__(#SYMBOL);           \
@@ -105,14 +105,14 @@ private:
         static const auto next = NextDefinition<int(int, const char*, int, ...)>(#SYMBOL);                   \
         va_list rest;                                                                                        \
         va_start(rest, flags);                                                                               \
-        const unsigned mode = ModeBehind(flags, rest);                                                       \
+        const unsigned mode = modeBehind(flags, rest);                                                       \
         va_end(rest);                                                                                        \
         if (!FallsOnVolume(path)) return next(folder, path, flags, mode);                                    \
         const auto make = [&](const char* hostPath) {                                                        \
             const PipeWriter writer(hostPath, flags);                                                        \
             return next(folder, hostPath, flags, mode);                                                      \
         };                                                                                                   \
-        return CallOnVolume<int>("openat", -1, OpenLink(flags), path, make, path, flags);                    \
+        return CallOnVolume<int>("openat", -1, openLink(flags), path, make, path, flags);                    \
     }
 /// What a bundle that was compiled with fortified calls opens an existing file with.
 #define OPEN_2_CALL(SYMBOL, PLAIN)                                                                           \
@@ -132,7 +132,7 @@ private:
             const PipeWriter writer(hostPath, mode);                                                         \
             return next(hostPath, mode __VA_ARGS__);                                                         \
         };                                                                                                   \
-        return CallOnVolume<void*>(NAME, nullptr, follow, path, make, path, mode __VA_ARGS__);               \
+        return CallOnVolume<void*>(NAME, nullptr, kFollow, path, make, path, mode __VA_ARGS__);              \
     }
 OPEN_CALL(open)
 OPEN_CALL(open64)
@@ -142,54 +142,54 @@ OPEN_2_CALL(__open_2, open)
 OPEN_2_CALL(__open64_2, open64)
 OPENAT_2_CALL(__openat_2, openat)
 OPENAT_2_CALL(__openat64_2, openat64)
-PATH_CALL(int, -1, creat, "creat", follow, COMMA unsigned mode, COMMA mode)
-PATH_CALL(int, -1, creat64, "creat", follow, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, creat, "creat", kFollow, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, creat64, "creat", kFollow, COMMA unsigned mode, COMMA mode)
 STREAM_CALL(fopen, "fopen", , )
 STREAM_CALL(fopen64, "fopen", , )
 STREAM_CALL(freopen, "freopen", COMMA void* file, COMMA file)
 STREAM_CALL(freopen64, "freopen", COMMA void* file, COMMA file)
-PATH_CALL(void*, nullptr, opendir, "opendir", follow, , )
-PATH_CALL(int, -1, scandir, "scandir", follow, COMMA void* list COMMA void* filter COMMA void* compare,
+PATH_CALL(void*, nullptr, opendir, "opendir", kFollow, , )
+PATH_CALL(int, -1, scandir, "scandir", kFollow, COMMA void* list COMMA void* filter COMMA void* compare,
           COMMA list COMMA filter COMMA compare)
-PATH_CALL(int, -1, scandir64, "scandir", follow, COMMA void* list COMMA void* filter COMMA void* compare,
+PATH_CALL(int, -1, scandir64, "scandir", kFollow, COMMA void* list COMMA void* filter COMMA void* compare,
           COMMA list COMMA filter COMMA compare)
 
 // Asking.
-PATH_CALL(int, -1, stat, "stat", follow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, stat64, "stat", follow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, lstat, "lstat", keep, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, lstat64, "lstat", keep, COMMA void* status, COMMA status)
-PATH_CALL_AT(int, -1, fstatat, "fstatat", LinkOf(flags), COMMA void* status COMMA int flags,
+PATH_CALL(int, -1, stat, "stat", kFollow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, stat64, "stat", kFollow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, lstat, "lstat", kKeep, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, lstat64, "lstat", kKeep, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, fstatat, "fstatat", linkOf(flags), COMMA void* status COMMA int flags,
              COMMA status COMMA flags)
-PATH_CALL_AT(int, -1, fstatat64, "fstatat", LinkOf(flags), COMMA void* status COMMA int flags,
+PATH_CALL_AT(int, -1, fstatat64, "fstatat", linkOf(flags), COMMA void* status COMMA int flags,
              COMMA status COMMA flags)
-PATH_CALL_AT(int, -1, statx, "statx", LinkOf(flags), COMMA int flags COMMA unsigned mask COMMA void* status,
+PATH_CALL_AT(int, -1, statx, "statx", linkOf(flags), COMMA int flags COMMA unsigned mask COMMA void* status,
              COMMA flags COMMA mask COMMA status)
-PATH_CALL(int, -1, statfs, "statfs", follow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, statfs64, "statfs", follow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, statvfs, "statvfs", follow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, statvfs64, "statvfs", follow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, access, "access", follow, COMMA int mode, COMMA mode)
-PATH_CALL(int, -1, euidaccess, "euidaccess", follow, COMMA int mode, COMMA mode)
-PATH_CALL(int, -1, eaccess, "eaccess", follow, COMMA int mode, COMMA mode)
-PATH_CALL_AT(int, -1, faccessat, "faccessat", LinkOf(flags), COMMA int mode COMMA int flags,
+PATH_CALL(int, -1, statfs, "statfs", kFollow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, statfs64, "statfs", kFollow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, statvfs, "statvfs", kFollow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, statvfs64, "statvfs", kFollow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, access, "access", kFollow, COMMA int mode, COMMA mode)
+PATH_CALL(int, -1, euidaccess, "euidaccess", kFollow, COMMA int mode, COMMA mode)
+PATH_CALL(int, -1, eaccess, "eaccess", kFollow, COMMA int mode, COMMA mode)
+PATH_CALL_AT(int, -1, faccessat, "faccessat", linkOf(flags), COMMA int mode COMMA int flags,
              COMMA mode COMMA flags)
-PATH_CALL(ssize_t, -1, readlink, "readlink", keep, COMMA void* buffer COMMA std::size_t size,
+PATH_CALL(ssize_t, -1, readlink, "readlink", kKeep, COMMA void* buffer COMMA std::size_t size,
           COMMA buffer COMMA size)
-PATH_CALL_AT(ssize_t, -1, readlinkat, "readlinkat", keep, COMMA void* buffer COMMA std::size_t size,
+PATH_CALL_AT(ssize_t, -1, readlinkat, "readlinkat", kKeep, COMMA void* buffer COMMA std::size_t size,
              COMMA buffer COMMA size)
-PATH_CALL(ssize_t, -1, __readlink_chk, "readlink", keep,
+PATH_CALL(ssize_t, -1, __readlink_chk, "readlink", kKeep,
           COMMA void* buffer COMMA std::size_t size COMMA std::size_t room,
           COMMA buffer COMMA size COMMA room)
-PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", keep,
+PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", kKeep,
              COMMA void* buffer COMMA std::size_t size COMMA std::size_t room,
              COMMA buffer COMMA size COMMA room)
 
 // As older C libraries had programs ask: with the version of the answer's layout first.
-PATH_CALL_AT(int, -1, __xstat, "stat", follow, COMMA void* status, COMMA status)
-PATH_CALL_AT(int, -1, __xstat64, "stat", follow, COMMA void* status, COMMA status)
-PATH_CALL_AT(int, -1, __lxstat, "lstat", keep, COMMA void* status, COMMA status)
-PATH_CALL_AT(int, -1, __lxstat64, "lstat", keep, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __xstat, "stat", kFollow, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __xstat64, "stat", kFollow, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __lxstat, "lstat", kKeep, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __lxstat64, "lstat", kKeep, COMMA void* status, COMMA status)
 #define OLD_FSTATAT_CALL(SYMBOL)                                                                             \
     extern "C" int Caught_##SYMBOL(int version, int folder, const char* path, void* status,                  \
                                    int flags) __asm__(#SYMBOL);                                              \
@@ -199,69 +199,69 @@ PATH_CALL_AT(int, -1, __lxstat64, "lstat", keep, COMMA void* status, COMMA statu
         const auto make = [&](const char* hostPath) {                                                        \
             return next(version, folder, hostPath, status, flags);                                           \
         };                                                                                                   \
-        return CallOnVolume<int>("fstatat", -1, LinkOf(flags), path, make, path, status, flags);             \
+        return CallOnVolume<int>("fstatat", -1, linkOf(flags), path, make, path, status, flags);             \
     }
 OLD_FSTATAT_CALL(__fxstatat)
 OLD_FSTATAT_CALL(__fxstatat64)
-PATH_CALL_AT(int, -1, __xmknod, "mknod", keep, COMMA unsigned mode COMMA dev_t* device,
+PATH_CALL_AT(int, -1, __xmknod, "mknod", kKeep, COMMA unsigned mode COMMA dev_t* device,
              COMMA mode COMMA device)
 
 // Changing the tree.
-PATH_CALL(int, -1, mkdir, "mkdir", keep, COMMA unsigned mode, COMMA mode)
-PATH_CALL_AT(int, -1, mkdirat, "mkdirat", keep, COMMA unsigned mode, COMMA mode)
-PATH_CALL(int, -1, mkfifo, "mkfifo", keep, COMMA unsigned mode, COMMA mode)
-PATH_CALL_AT(int, -1, mkfifoat, "mkfifoat", keep, COMMA unsigned mode, COMMA mode)
-PATH_CALL(int, -1, mknod, "mknod", keep, COMMA unsigned mode COMMA dev_t device, COMMA mode COMMA device)
-PATH_CALL_AT(int, -1, mknodat, "mknodat", keep, COMMA unsigned mode COMMA dev_t device,
+PATH_CALL(int, -1, mkdir, "mkdir", kKeep, COMMA unsigned mode, COMMA mode)
+PATH_CALL_AT(int, -1, mkdirat, "mkdirat", kKeep, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, mkfifo, "mkfifo", kKeep, COMMA unsigned mode, COMMA mode)
+PATH_CALL_AT(int, -1, mkfifoat, "mkfifoat", kKeep, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, mknod, "mknod", kKeep, COMMA unsigned mode COMMA dev_t device, COMMA mode COMMA device)
+PATH_CALL_AT(int, -1, mknodat, "mknodat", kKeep, COMMA unsigned mode COMMA dev_t device,
              COMMA mode COMMA device)
-PATH_CALL(int, -1, rmdir, "rmdir", keep, , )
-PATH_CALL(int, -1, unlink, "unlink", keep, , )
-PATH_CALL_AT(int, -1, unlinkat, "unlinkat", keep, COMMA int flags, COMMA flags)
-PATH_CALL(int, -1, remove, "remove", keep, , )
-PATH_CALL(int, -1, chdir, "chdir", follow, , )
+PATH_CALL(int, -1, rmdir, "rmdir", kKeep, , )
+PATH_CALL(int, -1, unlink, "unlink", kKeep, , )
+PATH_CALL_AT(int, -1, unlinkat, "unlinkat", kKeep, COMMA int flags, COMMA flags)
+PATH_CALL(int, -1, remove, "remove", kKeep, , )
+PATH_CALL(int, -1, chdir, "chdir", kFollow, , )
 
 // Changing an item.
-PATH_CALL(int, -1, chmod, "chmod", follow, COMMA unsigned mode, COMMA mode)
-PATH_CALL_AT(int, -1, fchmodat, "fchmodat", LinkOf(flags), COMMA unsigned mode COMMA int flags,
+PATH_CALL(int, -1, chmod, "chmod", kFollow, COMMA unsigned mode, COMMA mode)
+PATH_CALL_AT(int, -1, fchmodat, "fchmodat", linkOf(flags), COMMA unsigned mode COMMA int flags,
              COMMA mode COMMA flags)
-PATH_CALL(int, -1, chown, "chown", follow, COMMA unsigned user COMMA unsigned group, COMMA user COMMA group)
-PATH_CALL(int, -1, lchown, "lchown", keep, COMMA unsigned user COMMA unsigned group, COMMA user COMMA group)
-PATH_CALL_AT(int, -1, fchownat, "fchownat", LinkOf(flags),
+PATH_CALL(int, -1, chown, "chown", kFollow, COMMA unsigned user COMMA unsigned group, COMMA user COMMA group)
+PATH_CALL(int, -1, lchown, "lchown", kKeep, COMMA unsigned user COMMA unsigned group, COMMA user COMMA group)
+PATH_CALL_AT(int, -1, fchownat, "fchownat", linkOf(flags),
              COMMA unsigned user COMMA unsigned group COMMA int flags, COMMA user COMMA group COMMA flags)
-PATH_CALL(int, -1, utime, "utime", follow, COMMA const void* times, COMMA times)
-PATH_CALL(int, -1, utimes, "utimes", follow, COMMA const void* times, COMMA times)
-PATH_CALL(int, -1, lutimes, "lutimes", keep, COMMA const void* times, COMMA times)
-PATH_CALL_AT(int, -1, utimensat, "utimensat", LinkOf(flags), COMMA const void* times COMMA int flags,
+PATH_CALL(int, -1, utime, "utime", kFollow, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, utimes, "utimes", kFollow, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, lutimes, "lutimes", kKeep, COMMA const void* times, COMMA times)
+PATH_CALL_AT(int, -1, utimensat, "utimensat", linkOf(flags), COMMA const void* times COMMA int flags,
              COMMA times COMMA flags)
-PATH_CALL(int, -1, truncate, "truncate", follow, COMMA long length, COMMA length)
-PATH_CALL(int, -1, truncate64, "truncate", follow, COMMA std::int64_t length, COMMA length)
-PATH_CALL(ssize_t, -1, getxattr, "getxattr", follow,
+PATH_CALL(int, -1, truncate, "truncate", kFollow, COMMA long length, COMMA length)
+PATH_CALL(int, -1, truncate64, "truncate", kFollow, COMMA std::int64_t length, COMMA length)
+PATH_CALL(ssize_t, -1, getxattr, "getxattr", kFollow,
           COMMA const char* name COMMA void* value COMMA std::size_t size, COMMA name COMMA value COMMA size)
-PATH_CALL(ssize_t, -1, lgetxattr, "lgetxattr", keep,
+PATH_CALL(ssize_t, -1, lgetxattr, "lgetxattr", kKeep,
           COMMA const char* name COMMA void* value COMMA std::size_t size, COMMA name COMMA value COMMA size)
-PATH_CALL(int, -1, setxattr, "setxattr", follow,
+PATH_CALL(int, -1, setxattr, "setxattr", kFollow,
           COMMA const char* name COMMA const void* value COMMA std::size_t size COMMA int flags,
           COMMA name COMMA value COMMA size COMMA flags)
-PATH_CALL(int, -1, lsetxattr, "lsetxattr", keep,
+PATH_CALL(int, -1, lsetxattr, "lsetxattr", kKeep,
           COMMA const char* name COMMA const void* value COMMA std::size_t size COMMA int flags,
           COMMA name COMMA value COMMA size COMMA flags)
-PATH_CALL(ssize_t, -1, listxattr, "listxattr", follow, COMMA void* names COMMA std::size_t size,
+PATH_CALL(ssize_t, -1, listxattr, "listxattr", kFollow, COMMA void* names COMMA std::size_t size,
           COMMA names COMMA size)
-PATH_CALL(ssize_t, -1, llistxattr, "llistxattr", keep, COMMA void* names COMMA std::size_t size,
+PATH_CALL(ssize_t, -1, llistxattr, "llistxattr", kKeep, COMMA void* names COMMA std::size_t size,
           COMMA names COMMA size)
-PATH_CALL(int, -1, removexattr, "removexattr", follow, COMMA const char* name, COMMA name)
-PATH_CALL(int, -1, lremovexattr, "lremovexattr", keep, COMMA const char* name, COMMA name)
+PATH_CALL(int, -1, removexattr, "removexattr", kFollow, COMMA const char* name, COMMA name)
+PATH_CALL(int, -1, lremovexattr, "lremovexattr", kKeep, COMMA const char* name, COMMA name)
 
 // As 32-bit programs with 64-bit times ask and set.
 #if __WORDSIZE == 32
-PATH_CALL(int, -1, __stat64_time64, "stat", follow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, __lstat64_time64, "lstat", keep, COMMA void* status, COMMA status)
-PATH_CALL_AT(int, -1, __fstatat64_time64, "fstatat", LinkOf(flags), COMMA void* status COMMA int flags,
+PATH_CALL(int, -1, __stat64_time64, "stat", kFollow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, __lstat64_time64, "lstat", kKeep, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __fstatat64_time64, "fstatat", linkOf(flags), COMMA void* status COMMA int flags,
              COMMA status COMMA flags)
-PATH_CALL(int, -1, __utime64, "utime", follow, COMMA const void* times, COMMA times)
-PATH_CALL(int, -1, __utimes64, "utimes", follow, COMMA const void* times, COMMA times)
-PATH_CALL(int, -1, __lutimes64, "lutimes", keep, COMMA const void* times, COMMA times)
-PATH_CALL_AT(int, -1, __utimensat64, "utimensat", LinkOf(flags), COMMA const void* times COMMA int flags,
+PATH_CALL(int, -1, __utime64, "utime", kFollow, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, __utimes64, "utimes", kFollow, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, __lutimes64, "lutimes", kKeep, COMMA const void* times, COMMA times)
+PATH_CALL_AT(int, -1, __utimensat64, "utimensat", linkOf(flags), COMMA const void* times COMMA int flags,
              COMMA times COMMA flags)
 #endif
 
@@ -275,7 +275,7 @@ PATH_CALL_AT(int, -1, __utimensat64, "utimensat", LinkOf(flags), COMMA const voi
             const BundleCodeRuns visitor;                                                                    \
             return next(hostPath, visit __VA_ARGS__);                                                        \
         };                                                                                                   \
-        return CallOnVolume<int>(NAME, -1, follow, path, make, path, visit __VA_ARGS__);                     \
+        return CallOnVolume<int>(NAME, -1, kFollow, path, make, path, visit __VA_ARGS__);                    \
     }
 WALK_CALL(ftw, "ftw", COMMA int descriptors, COMMA descriptors)
 WALK_CALL(ftw64, "ftw", COMMA int descriptors, COMMA descriptors)
@@ -287,7 +287,7 @@ WALK_CALL(nftw64, "nftw", COMMA int descriptors COMMA int flags, COMMA descripto
 namespace {
 
 template <typename Make>
-int CallOfTwo(const char* name, const char* from, const char* to, Make make, LastLink fromLink = keep) try {
+int callOfTwo(const char* name, const char* from, const char* to, Make make, LastLink fromLink = kKeep) try {
     const std::string hostFrom = HostPathOf(from, fromLink);
     const int unresolved = *from ? errno : ENOENT;
     const auto makeBoth = [&](const char* hostTo) {
@@ -295,13 +295,13 @@ int CallOfTwo(const char* name, const char* from, const char* to, Make make, Las
         errno = unresolved;
         return -1;
     };
-    return CallOnVolume<int>(name, -1, keep, to, makeBoth, from, to);
+    return CallOnVolume<int>(name, -1, kKeep, to, makeBoth, from, to);
 } catch (const std::bad_alloc&) {
     errno = ENOMEM;
     return -1;
 }
 
-bool EitherFalls(const char* from, const char* to) {
+bool eitherFalls(const char* from, const char* to) {
     return from && to && (FallsOnVolume(from) || FallsOnVolume(to));
 }
 
@@ -332,31 +332,31 @@ char* Caught_mkdtemp(char* path) __asm__("mkdtemp");
 
 int Caught_rename(const char* from, const char* to) {
     static const auto next = NextDefinition<int(const char*, const char*)>("rename");
-    return EitherFalls(from, to) ? CallOfTwo("rename", from, to, next) : next(from, to);
+    return eitherFalls(from, to) ? callOfTwo("rename", from, to, next) : next(from, to);
 }
 
 int Caught_renameat(int fromFolder, const char* from, int toFolder, const char* to) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*)>("renameat");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t); };
-    return EitherFalls(from, to) ? CallOfTwo("renameat", from, to, make) : make(from, to);
+    return eitherFalls(from, to) ? callOfTwo("renameat", from, to, make) : make(from, to);
 }
 
 int Caught_renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*, unsigned)>("renameat2");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t, flags); };
-    return EitherFalls(from, to) ? CallOfTwo("renameat2", from, to, make) : make(from, to);
+    return eitherFalls(from, to) ? callOfTwo("renameat2", from, to, make) : make(from, to);
 }
 
 int Caught_link(const char* from, const char* to) {
     static const auto next = NextDefinition<int(const char*, const char*)>("link");
-    return EitherFalls(from, to) ? CallOfTwo("link", from, to, next) : next(from, to);
+    return eitherFalls(from, to) ? callOfTwo("link", from, to, next) : next(from, to);
 }
 
 int Caught_linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*, int)>("linkat");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t, flags); };
-    const LastLink link = flags & AT_SYMLINK_FOLLOW ? follow : keep;
-    return EitherFalls(from, to) ? CallOfTwo("linkat", from, to, make, link) : make(from, to);
+    const LastLink link = flags & AT_SYMLINK_FOLLOW ? kFollow : kKeep;
+    return eitherFalls(from, to) ? callOfTwo("linkat", from, to, make, link) : make(from, to);
 }
 
 /// A link's text stays as it is given: it is read again, on the volume, when the link is followed.
@@ -364,21 +364,21 @@ int Caught_symlink(const char* target, const char* path) {
     static const auto next = NextDefinition<int(const char*, const char*)>("symlink");
     if (!FallsOnVolume(path)) return next(target, path);
     const auto make = [&](const char* hostPath) { return next(target, hostPath); };
-    return CallOnVolume<int>("symlink", -1, keep, path, make, target, path);
+    return CallOnVolume<int>("symlink", -1, kKeep, path, make, target, path);
 }
 
 int Caught_symlinkat(const char* target, int folder, const char* path) {
     static const auto next = NextDefinition<int(const char*, int, const char*)>("symlinkat");
     if (!FallsOnVolume(path)) return next(target, folder, path);
     const auto make = [&](const char* hostPath) { return next(target, folder, hostPath); };
-    return CallOnVolume<int>("symlinkat", -1, keep, path, make, target, path);
+    return CallOnVolume<int>("symlinkat", -1, kKeep, path, make, target, path);
 }
 
 namespace {
 
 /// Answers a path of the Mac again, so that what a bundle resolves stays on the volume.
 template <typename Make>
-char* ResolvedOnVolume(const char* path, Make make) {
+char* resolvedOnVolume(const char* path, Make make) {
     const auto resolve = [&](const char* hostPath) -> char* {
         char* const answer = make(hostPath);
         if (!answer || !LiesInStartupVolume(answer)) return answer;
@@ -386,7 +386,7 @@ char* ResolvedOnVolume(const char* path, Make make) {
         std::memcpy(answer, onMac.c_str(), onMac.size() + 1);
         return answer;
     };
-    return CallOnVolume<char*>("realpath", nullptr, follow, path, resolve, path);
+    return CallOnVolume<char*>("realpath", nullptr, kFollow, path, resolve, path);
 }
 
 } // namespace
@@ -394,22 +394,22 @@ char* ResolvedOnVolume(const char* path, Make make) {
 char* Caught_realpath(const char* path, char* resolved) {
     static const auto next = NextDefinition<char*(const char*, char*)>("realpath");
     const auto make = [&](const char* hostPath) { return next(hostPath, resolved); };
-    return FallsOnVolume(path) ? ResolvedOnVolume(path, make) : make(path);
+    return FallsOnVolume(path) ? resolvedOnVolume(path, make) : make(path);
 }
 
 char* Caught_realpath_chk(const char* path, char* resolved, std::size_t room) {
     static const auto next = NextDefinition<char*(const char*, char*, std::size_t)>("__realpath_chk");
     const auto make = [&](const char* hostPath) { return next(hostPath, resolved, room); };
-    return FallsOnVolume(path) ? ResolvedOnVolume(path, make) : make(path);
+    return FallsOnVolume(path) ? resolvedOnVolume(path, make) : make(path);
 }
 
 namespace {
 
 /// The name that is made up stands at the end of both paths, before the suffix.
 template <typename Result, typename Make>
-Result CallWithTemplate(const char* name, Result failure, char* path, Make make, int suffix = 0) {
+Result callWithTemplate(const char* name, Result failure, char* path, Make make, int suffix = 0) {
     return CallOnVolume<Result>(
-        name, failure, keep, path,
+        name, failure, kKeep, path,
         [&](const char* hostPath) {
             std::string filled = hostPath;
             const Result result = make(filled.data());
@@ -424,50 +424,50 @@ Result CallWithTemplate(const char* name, Result failure, char* path, Make make,
 
 /// Names with a suffix, in the library's four forms.
 template <typename... Flags>
-int CallWithSuffix(const char* symbol, char* path, int suffix, Flags... flags) {
+int callWithSuffix(const char* symbol, char* path, int suffix, Flags... flags) {
     const auto next = NextDefinition<int(char*, int, Flags...)>(symbol);
     const auto make = [&](char* filled) { return next(filled, suffix, flags...); };
     const char* const name = sizeof...(Flags) > 0 ? "mkostemps" : "mkstemps";
-    return FallsOnVolume(path) ? CallWithTemplate(name, -1, path, make, suffix) : make(path);
+    return FallsOnVolume(path) ? callWithTemplate(name, -1, path, make, suffix) : make(path);
 }
 
 } // namespace
 
-int Caught_mkstemps(char* path, int suffix) { return CallWithSuffix("mkstemps", path, suffix); }
-int Caught_mkstemps64(char* path, int suffix) { return CallWithSuffix("mkstemps64", path, suffix); }
+int Caught_mkstemps(char* path, int suffix) { return callWithSuffix("mkstemps", path, suffix); }
+int Caught_mkstemps64(char* path, int suffix) { return callWithSuffix("mkstemps64", path, suffix); }
 int Caught_mkostemps(char* path, int suffix, int flags) {
-    return CallWithSuffix("mkostemps", path, suffix, flags);
+    return callWithSuffix("mkostemps", path, suffix, flags);
 }
 int Caught_mkostemps64(char* path, int suffix, int flags) {
-    return CallWithSuffix("mkostemps64", path, suffix, flags);
+    return callWithSuffix("mkostemps64", path, suffix, flags);
 }
 
 int Caught_mkstemp(char* path) {
     static const auto next = NextDefinition<int(char*)>("mkstemp");
-    return FallsOnVolume(path) ? CallWithTemplate("mkstemp", -1, path, next) : next(path);
+    return FallsOnVolume(path) ? callWithTemplate("mkstemp", -1, path, next) : next(path);
 }
 
 int Caught_mkstemp64(char* path) {
     static const auto next = NextDefinition<int(char*)>("mkstemp64");
-    return FallsOnVolume(path) ? CallWithTemplate("mkstemp", -1, path, next) : next(path);
+    return FallsOnVolume(path) ? callWithTemplate("mkstemp", -1, path, next) : next(path);
 }
 
 int Caught_mkostemp(char* path, int flags) {
     static const auto next = NextDefinition<int(char*, int)>("mkostemp");
     const auto make = [&](char* filled) { return next(filled, flags); };
-    return FallsOnVolume(path) ? CallWithTemplate("mkostemp", -1, path, make) : make(path);
+    return FallsOnVolume(path) ? callWithTemplate("mkostemp", -1, path, make) : make(path);
 }
 
 int Caught_mkostemp64(char* path, int flags) {
     static const auto next = NextDefinition<int(char*, int)>("mkostemp64");
     const auto make = [&](char* filled) { return next(filled, flags); };
-    return FallsOnVolume(path) ? CallWithTemplate("mkostemp", -1, path, make) : make(path);
+    return FallsOnVolume(path) ? callWithTemplate("mkostemp", -1, path, make) : make(path);
 }
 
 char* Caught_mkdtemp(char* path) {
     static const auto next = NextDefinition<char*(char*)>("mkdtemp");
     if (!FallsOnVolume(path)) return next(path);
-    return CallWithTemplate<char*>("mkdtemp", nullptr, path,
+    return callWithTemplate<char*>("mkdtemp", nullptr, path,
                                    [&](char* filled) { return next(filled) ? path : nullptr; });
 }
 

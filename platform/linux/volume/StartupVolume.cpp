@@ -17,26 +17,26 @@ namespace macplatform {
 
 namespace {
 
-bool volumeIsSet = false;
+bool gVolumeIsSet = false;
 
 /// Never destroyed: path calls are made until the very end of the process.
-std::string& Folder() {
-    static auto& folder = *new std::string;
-    return folder;
+std::string& volumeFolder() {
+    static auto& gFolder = *new std::string;
+    return gFolder;
 }
 
 /// The part of `rest` up to its first "/", which is taken off it.
-std::string_view TakeComponent(std::string_view& rest) {
+std::string_view takeComponent(std::string_view& rest) {
     const std::string_view name = rest.substr(0, rest.find('/'));
     rest.remove_prefix(name.size());
     return name;
 }
 
-void SkipSlashes(std::string_view& rest) {
+void skipSlashes(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of('/'), rest.size()));
 }
 
-bool IsVolumeName(std::string_view name) {
+bool isVolumeName(std::string_view name) {
     static constexpr std::array<std::string_view, 5> names = {"Library", "Applications", "Users", "System",
                                                               "Volumes"};
     for (const auto& known : names) {
@@ -46,21 +46,21 @@ bool IsVolumeName(std::string_view name) {
 }
 
 /// The first component that is not ".".
-std::string_view FirstComponent(std::string_view path) {
+std::string_view firstComponent(std::string_view path) {
     std::string_view name = ".";
     while (name == ".") {
-        SkipSlashes(path);
-        name = TakeComponent(path);
+        skipSlashes(path);
+        name = takeComponent(path);
     }
     return name;
 }
 
 /// Without ".", and without ".." together with the name before it.
-std::string LexicallyClean(std::string_view path) {
+std::string lexicallyClean(std::string_view path) {
     std::vector<std::string_view> names;
     const bool asFolder = !path.empty() && path.back() == '/';
-    for (SkipSlashes(path); !path.empty(); SkipSlashes(path)) {
-        const auto name = TakeComponent(path);
+    for (skipSlashes(path); !path.empty(); skipSlashes(path)) {
+        const auto name = takeComponent(path);
         if (name == "..") {
             if (!names.empty()) names.pop_back();
         } else if (name != ".") {
@@ -84,14 +84,14 @@ public:
             errno = errorNumber;
             return {};
         }
-        return Folder() + reached + (asFolder ? "/" : "");
+        return volumeFolder() + reached + (asFolder ? "/" : "");
     }
 
 private:
     void Step() {
         std::string_view view = rest;
-        SkipSlashes(view);
-        const std::string name(TakeComponent(view));
+        skipSlashes(view);
+        const std::string name(takeComponent(view));
         rest.erase(0, rest.size() - view.size());
         asFolder = name.empty() || name == "." || !rest.empty();
         if (name == "..") {
@@ -107,9 +107,9 @@ private:
         (reached += '/') += name;
         if (deadEnd != 0) return;
         struct stat item {};
-        if (lstat((Folder() + reached).c_str(), &item) != 0) {
+        if (lstat((volumeFolder() + reached).c_str(), &item) != 0) {
             (errno == ENOENT ? deadEnd : errorNumber) = errno;
-        } else if (S_ISLNK(item.st_mode) && (last == LastLink::Follow || asFolder)) {
+        } else if (S_ISLNK(item.st_mode) && (last == LastLink::kFollow || asFolder)) {
             Follow(parent);
         } else if (!S_ISDIR(item.st_mode)) {
             deadEnd = ENOTDIR;
@@ -118,7 +118,7 @@ private:
 
     void Follow(const std::string& parent) {
         std::array<char, PATH_MAX> target;
-        const ssize_t length = readlink((Folder() + reached).c_str(), target.data(), target.size());
+        const ssize_t length = readlink((volumeFolder() + reached).c_str(), target.data(), target.size());
         if (length < 0 || ++links > 40) {
             errorNumber = length < 0 ? errno : ELOOP;
             return;
@@ -139,25 +139,25 @@ private:
 
 } // namespace
 
-bool StartupVolumeIsSet() { return volumeIsSet; }
+bool StartupVolumeIsSet() { return gVolumeIsSet; }
 
 bool LiesInStartupVolume(std::string_view path) {
-    const std::string& folder = Folder();
-    return volumeIsSet && path.substr(0, folder.size()) == folder &&
+    const std::string& folder = volumeFolder();
+    return gVolumeIsSet && path.substr(0, folder.size()) == folder &&
            (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
 bool IsOnStartupVolume(std::string_view path) {
-    if (!volumeIsSet || path.empty() || path.front() != '/' || LiesInStartupVolume(path)) return false;
-    return IsVolumeName(FirstComponent(path)) ||
-           (path.find("/..") != path.npos && IsVolumeName(FirstComponent(LexicallyClean(path))));
+    if (!gVolumeIsSet || path.empty() || path.front() != '/' || LiesInStartupVolume(path)) return false;
+    return isVolumeName(firstComponent(path)) ||
+           (path.find("/..") != path.npos && isVolumeName(firstComponent(lexicallyClean(path))));
 }
 
 bool SetStartupVolume(const std::string& folder) {
     const PlatformInside inside;
     if (folder.empty()) {
-        volumeIsSet = false;
-        Folder().clear();
+        gVolumeIsSet = false;
+        volumeFolder().clear();
         return true;
     }
     const std::unique_ptr<char, decltype(&std::free)> absolute(realpath(folder.c_str(), nullptr), &std::free);
@@ -167,13 +167,13 @@ bool SetStartupVolume(const std::string& folder) {
         errno = ENOTDIR;
         return false;
     }
-    Folder() = absolute.get();
-    if (Folder() == "/") Folder().clear(); // which is what "no volume" means
-    volumeIsSet = !Folder().empty();
+    volumeFolder() = absolute.get();
+    if (volumeFolder() == "/") volumeFolder().clear(); // which is what "no volume" means
+    gVolumeIsSet = !volumeFolder().empty();
     return true;
 }
 
-const std::string& StartupVolume() { return Folder(); }
+const std::string& StartupVolume() { return volumeFolder(); }
 
 std::string HostPath(const std::string& macPath, LastLink lastLink) {
     const PlatformInside inside;
@@ -184,13 +184,13 @@ std::string HostPath(const std::string& macPath, LastLink lastLink) {
     if (!IsOnStartupVolume(macPath)) return macPath;
     // A ".." before the first name of the volume is this machine's, whose folders need not exist on the
     // volume.
-    const bool startsOnVolume = IsVolumeName(FirstComponent(macPath));
-    return Walk(startsOnVolume ? macPath : LexicallyClean(macPath), lastLink).Run();
+    const bool startsOnVolume = isVolumeName(firstComponent(macPath));
+    return Walk(startsOnVolume ? macPath : lexicallyClean(macPath), lastLink).Run();
 }
 
 std::string MacPath(const std::string& hostPath) {
     if (!LiesInStartupVolume(hostPath)) return hostPath;
-    const std::string path = hostPath.substr(Folder().size());
+    const std::string path = hostPath.substr(volumeFolder().size());
     return path.empty() ? "/" : path;
 }
 

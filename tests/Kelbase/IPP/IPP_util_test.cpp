@@ -18,9 +18,9 @@ namespace {
 
 using IPP::Form;
 
-const float nan = std::numeric_limits<float>::quiet_NaN();
-const float infinity = std::numeric_limits<float>::infinity();
-const float denormal = std::numeric_limits<float>::denorm_min();
+const float kNan = std::numeric_limits<float>::quiet_NaN();
+const float kInfinity = std::numeric_limits<float>::infinity();
+const float kDenormal = std::numeric_limits<float>::denorm_min();
 
 /// Elements whose neighbours would show a store outside the array.
 template <typename T>
@@ -133,9 +133,9 @@ TEST_P(WideForm, AgreesOnEverySixteenBitValue) {
 
 TEST_P(WideForm, AgreesWhereSumsProductsAndNarrowingRound) {
     std::vector<float> floats = {0.49999997f,   8388607.5f,      8388609.0f, 16777215.0f, 2147483520.0f,
-                                 2147483648.0f, 32767.4980f,     32767.5f,   32768.5f,    denormal,
-                                 3 * denormal,  1.17549421e-38f, FLT_MAX,    infinity,    0.0f,
-                                 1.0f,          4.2949673e9f,    -nan};
+                                 2147483648.0f, 32767.4980f,     32767.5f,   32768.5f,    kDenormal,
+                                 3 * kDenormal, 1.17549421e-38f, FLT_MAX,    kInfinity,   0.0f,
+                                 1.0f,          4.2949673e9f,    -kNan};
     std::vector<int> ints = {0, 1, 16777217, 33554435, 2147483583, 2147483584, INT_MAX, INT_MIN, INT_MIN + 1};
     std::vector<double> doubles = {1.0000000596046448,
                                    3.4028235677973366e38,
@@ -145,8 +145,8 @@ TEST_P(WideForm, AgreesWhereSumsProductsAndNarrowingRound) {
                                    7.0064923216240854e-46,
                                    7.1e-46,
                                    1.1754943157898259e-38,
-                                   infinity,
-                                   nan,
+                                   kInfinity,
+                                   kNan,
                                    0.0};
     for (std::size_t i = 0, size = floats.size(); i < size; ++i) floats.push_back(-floats[i]);
     for (std::size_t i = 0, size = doubles.size(); i < size; ++i) doubles.push_back(-doubles[i]);
@@ -235,9 +235,9 @@ TEST(Convert, RoundsFloatsToShorts) {
                 {32767.5f, 0, true, 32767},
                 {40000.0f, 0, true, 32767},
                 {-40000.0f, 0, true, -32768},
-                {nan, 0, true, -32768},
+                {kNan, 0, true, -32768},
                 {3.0e9f, 0, true, -32768},
-                {infinity, 0, false, -32768},
+                {kInfinity, 0, false, -32768},
                 {2147483520.0f, 0, false, 32767},
                 {1.9f, 0, false, 1},
                 {-1.9f, 0, false, -1},
@@ -264,8 +264,8 @@ TEST(Convert, RoundsFloatsToInts) {
     } rows[] = {{2147483520.0f, 0, true, 2147483520},
                 {2147483648.0f, 0, false, INT_MIN},
                 {-2147483648.0f, 0, true, INT_MIN},
-                {nan, 0, true, INT_MIN},
-                {nan, 3, false, INT_MIN},
+                {kNan, 0, true, INT_MIN},
+                {kNan, 3, false, INT_MIN},
                 {-2.5f, 0, true, -3},
                 {8388609.0f, 0, true, 8388610},
                 {8388609.0f, 0, false, 8388609},
@@ -276,10 +276,10 @@ TEST(Convert, RoundsFloatsToInts) {
                 {1.0f, INT_MIN, false, INT_MIN},
                 {0.0f, INT_MIN, false, INT_MIN},
                 {1e30f, INT_MAX, true, 0},
-                {infinity, INT_MAX, true, INT_MIN},
+                {kInfinity, INT_MAX, true, INT_MIN},
                 {FLT_MAX, 127, true, 2},
-                {denormal, -149, false, INT_MIN},
-                {denormal, -127, true, 0}};
+                {kDenormal, -149, false, INT_MIN},
+                {kDenormal, -127, true, 0}};
     for (const auto& row : rows)
         EXPECT_EQ(converted<int>(row.value, row.scale, row.round), row.expected)
             << row.value << " " << row.scale;
@@ -296,9 +296,9 @@ TEST(Convert, DividesIntegersByPowersOfTwo) {
     EXPECT_EQ(converted<float>(3, -2), 12.0f);
     EXPECT_EQ(converted<float>(16777217, 0), 16777216.0f);
     EXPECT_EQ(converted<double>(INT_MIN, 31), -1.0);
-    EXPECT_EQ(converted<float>(3, 149), 3 * denormal);
+    EXPECT_EQ(converted<float>(3, 149), 3 * kDenormal);
     EXPECT_EQ(converted<float>(INT_MAX, 150), 0.0f); // the factor is 0 by then
-    EXPECT_EQ(converted<float>(-1, INT_MIN), -infinity);
+    EXPECT_EQ(converted<float>(-1, INT_MIN), -kInfinity);
     EXPECT_TRUE(std::isnan(converted<double>(0, -1024))); // 0 times infinity
     EXPECT_EQ(converted<double>(1, 1074), 5e-324);
     EXPECT_EQ(converted<double>(INT_MAX, INT_MAX), 0.0);
@@ -308,7 +308,7 @@ TEST(Convert, ChangesFloatingPointWidth) {
     EXPECT_EQ(converted<float>(static_cast<unsigned char>(255)), 255.0f);
     EXPECT_EQ(converted<double>(0.1f), 0.10000000149011612);
     EXPECT_EQ(converted<float>(0.1), 0.1f);
-    EXPECT_EQ(converted<float>(-1e39), -infinity);
+    EXPECT_EQ(converted<float>(-1e39), -kInfinity);
     EXPECT_EQ(bitsOf(converted<float>(-1e-60)), 0x80000000u);
 }
 
@@ -378,7 +378,7 @@ TEST(PowerOfTwo, IsExactFromZeroToInfinity) {
         ASSERT_EQ(Util::PowerOfTwoDouble(exponent), std::ldexp(1.0, exponent)) << exponent;
     }
     EXPECT_EQ(Util::PowerOfTwo(LLONG_MIN), 0.0f);
-    EXPECT_EQ(Util::PowerOfTwoDouble(LLONG_MAX), static_cast<double>(infinity));
+    EXPECT_EQ(Util::PowerOfTwoDouble(LLONG_MAX), static_cast<double>(kInfinity));
 }
 
 } // namespace

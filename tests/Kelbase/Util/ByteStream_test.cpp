@@ -16,8 +16,8 @@ using Util::ByteStream;
 using Util::DataStream;
 using Bytes = std::vector<unsigned char>;
 
-const DataStream::EndianType everyEndianType[] = {DataStream::EndianDefault, DataStream::EndianLittle,
-                                                  DataStream::EndianBig, DataStream::EndianType(7)};
+const DataStream::EndianType kEveryEndianType[] = {DataStream::EndianDefault, DataStream::EndianLittle,
+                                                   DataStream::EndianBig, DataStream::EndianType(7)};
 
 Bytes contents(ByteStream& stream) {
     const unsigned int position = stream.GetPosition();
@@ -44,7 +44,7 @@ std::string failureOf(Read read) {
 /// `big` is what `value` is written as with the most significant byte first.
 template <typename T>
 void expectCoded(T value, const Bytes& big) {
-    for (DataStream::EndianType endianType : everyEndianType) {
+    for (DataStream::EndianType endianType : kEveryEndianType) {
         SCOPED_TRACE(testing::PrintToString(big) + " in byte order " + std::to_string(endianType));
         Bytes expected = big;
         if (endianType <= DataStream::EndianLittle) std::reverse(expected.begin(), expected.end());

@@ -14,18 +14,18 @@
 #include <sys/un.h>
 
 namespace {
-int statCalls = 0;
-const struct statfs* volume = nullptr; // what every path is said to stand on; null: statfs fails
+int gStatCalls = 0;
+const struct statfs* gVolume = nullptr; // what every path is said to stand on; null: statfs fails
 } // namespace
 
 // The program's own definitions take the place of the C library's.
 extern "C" int stat(const char* path, struct stat* status) noexcept {
-    ++statCalls;
+    ++gStatCalls;
     return fstatat(AT_FDCWD, path, status, 0);
 }
 extern "C" int statfs(const char*, struct statfs* status) noexcept {
-    if (volume) *status = *volume;
-    return volume ? 0 : -1;
+    if (gVolume) *status = *gVolume;
+    return gVolume ? 0 : -1;
 }
 
 namespace {
@@ -34,7 +34,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Util::Dir;
 
-constexpr char source[] = "src/Kelbase/Util/Dir_mac";
+constexpr char kSource[] = "src/Kelbase/Util/Dir_mac";
 
 FolderPath toPath(const std::filesystem::path& name) { return FolderPath(name.c_str(), false); }
 
@@ -160,10 +160,10 @@ TEST(DirListing, AsksOnceForAnEntryThatFitsAndNeverForOthers) {
         std::filesystem::create_symlink("file0", folder / ("link" + std::to_string(i)));
     }
     std::vector<String> names;
-    statCalls = 0;
+    gStatCalls = 0;
     Dir::GetFilenames(folder.Path().c_str(), names, "link", false, false);
     EXPECT_EQ(names.size(), 30U);
-    EXPECT_LE(statCalls, 30);
+    EXPECT_LE(gStatCalls, 30);
 }
 
 TEST(Dir, IsMadeAndRemoved) {
@@ -174,9 +174,9 @@ TEST(Dir, IsMadeAndRemoved) {
     EXPECT_FALSE(Dir().Exists() || Dir(toPath(base + "/file")).Exists());
 
     const Dir deep(toPath(base + "/a/b//c")), below(toPath(base + "/file/x")), top(toPath(base + "/a"));
-    EXPECT_EQ(FailureOf(source, base + "/a/b/c/", [&] { deep.Create(false); }),
+    EXPECT_EQ(FailureOf(kSource, base + "/a/b/c/", [&] { deep.Create(false); }),
               "118 3 0: mkdir() failed with -1/2");
-    EXPECT_EQ(FailureOf(source, base + "/file/x/", [&] { below.Create(true); }),
+    EXPECT_EQ(FailureOf(kSource, base + "/file/x/", [&] { below.Create(true); }),
               "105 3 0: mkdir() failed with -1/17");
     const mode_t mask = umask(0);
     deep.Create(true);
@@ -184,7 +184,7 @@ TEST(Dir, IsMadeAndRemoved) {
     deep.Create(false);
     EXPECT_TRUE(deep.Exists());
     EXPECT_EQ(std::filesystem::status(base + "/a").permissions(), std::filesystem::perms(0755));
-    EXPECT_EQ(FailureOf(source, base + "/a/", [&] { top.Remove(); }), "135 5 0: rmdir() failed");
+    EXPECT_EQ(FailureOf(kSource, base + "/a/", [&] { top.Remove(); }), "135 5 0: rmdir() failed");
     deep.Remove();
     deep.Remove();
     EXPECT_FALSE(deep.Exists());
@@ -201,13 +201,14 @@ TEST(Dir, KeepsTimes) {
     EXPECT_EQ(time.accessed, 1000000000);
     EXPECT_EQ(time.modified, -1);
     const std::string name = folder / "missing/";
-    EXPECT_EQ(FailureOf(source, name, [&] { missing.SetTime(time); }), "158 7 0: Error setting folder time");
-    EXPECT_EQ(FailureOf(source, name, [&] { missing.GetTime(&time); }), "171 7 0: Error getting folder time");
+    EXPECT_EQ(FailureOf(kSource, name, [&] { missing.SetTime(time); }), "158 7 0: Error setting folder time");
+    EXPECT_EQ(FailureOf(kSource, name, [&] { missing.GetTime(&time); }),
+              "171 7 0: Error getting folder time");
 }
 
 TEST(Dir, ReckonsFreeSpaceIn32Bits) {
     struct statfs told = {};
-    volume = &told;
+    gVolume = &told;
     const std::pair<unsigned int, unsigned long long> rows[] = {{3, 12288},
                                                                 {0x7FFFF, 0x7FFFF000},
                                                                 {0x80000, 0xFFFFFFFF80000000},
@@ -220,7 +221,7 @@ TEST(Dir, ReckonsFreeSpaceIn32Bits) {
         EXPECT_TRUE(Dir(toPath("/")).GetDirInfo(info));
         EXPECT_EQ(info.availableSpace, bytes);
     }
-    volume = nullptr;
+    gVolume = nullptr;
     EXPECT_FALSE(Dir(toPath("/")).GetDirInfo(info));
     EXPECT_EQ(info.availableSpace, 4096U);
 }

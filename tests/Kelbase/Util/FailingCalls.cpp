@@ -12,42 +12,42 @@
 
 namespace {
 
-bool isArmed = false;
-unsigned left = 0;
-int error = 0;
-const char* failed = nullptr;
-std::size_t liveBlocks = 0;
+bool gIsArmed = false;
+unsigned gLeft = 0;
+int gError = 0;
+const char* gFailed = nullptr;
+std::size_t gLiveBlocks = 0;
 
-bool Fails(const char* name) {
-    if (!isArmed || left-- > 0) return false;
-    isArmed = false;
-    failed = name;
-    errno = error;
+bool mustFail(const char* name) {
+    if (!gIsArmed || gLeft-- > 0) return false;
+    gIsArmed = false;
+    gFailed = name;
+    errno = gError;
     return true;
 }
 
 } // namespace
 
 FailingCall::FailingCall(unsigned number, int errorNumber) {
-    left = number;
-    error = errorNumber;
-    failed = nullptr;
-    isArmed = true;
+    gLeft = number;
+    gError = errorNumber;
+    gFailed = nullptr;
+    gIsArmed = true;
 }
-FailingCall::~FailingCall() { isArmed = false; }
-const char* FailingCall::Name() const { return failed; }
+FailingCall::~FailingCall() { gIsArmed = false; }
+const char* FailingCall::Name() const { return gFailed; }
 
-std::size_t LiveBlocks() { return liveBlocks; }
+std::size_t LiveBlocks() { return gLiveBlocks; }
 
 extern "C" void* __real_malloc(std::size_t size);
 extern "C" void* __wrap_malloc(std::size_t size) {
-    void* const block = Fails("malloc") ? nullptr : __real_malloc(size);
-    if (block) ++liveBlocks;
+    void* const block = mustFail("malloc") ? nullptr : __real_malloc(size);
+    if (block) ++gLiveBlocks;
     return block;
 }
 extern "C" void __real_free(void* block);
 extern "C" void __wrap_free(void* block) {
-    if (block) --liveBlocks;
+    if (block) --gLiveBlocks;
     __real_free(block);
 }
 
@@ -61,13 +61,17 @@ void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 /// A call of the library under its own name, and under the one for large files that 32-bit code takes.
 #define FAILING_CALL(RESULT, FAILURE, NAME, LARGE, PARAMETERS, ARGUMENTS)                                    \
     extern "C" RESULT __real_##NAME PARAMETERS;                                                              \
-    extern "C" RESULT __wrap_##NAME PARAMETERS { return Fails(#NAME) ? FAILURE : __real_##NAME ARGUMENTS; }  \
+    extern "C" RESULT __wrap_##NAME PARAMETERS {                                                             \
+        return mustFail(#NAME) ? FAILURE : __real_##NAME ARGUMENTS;                                          \
+    }                                                                                                        \
     extern "C" RESULT __real_##LARGE PARAMETERS;                                                             \
-    extern "C" RESULT __wrap_##LARGE PARAMETERS { return Fails(#NAME) ? FAILURE : __real_##LARGE ARGUMENTS; }
+    extern "C" RESULT __wrap_##LARGE PARAMETERS {                                                            \
+        return mustFail(#NAME) ? FAILURE : __real_##LARGE ARGUMENTS;                                         \
+    }
 
 #define FAILING_ONE(RESULT, FAILURE, NAME, PARAMETERS, ARGUMENTS)                                            \
     extern "C" RESULT __real_##NAME PARAMETERS;                                                              \
-    extern "C" RESULT __wrap_##NAME PARAMETERS { return Fails(#NAME) ? FAILURE : __real_##NAME ARGUMENTS; }
+    extern "C" RESULT __wrap_##NAME PARAMETERS { return mustFail(#NAME) ? FAILURE : __real_##NAME ARGUMENTS; }
 
 FAILING_CALL(FILE*, nullptr, fopen, fopen64, (const char* path, const char* mode), (path, mode))
 FAILING_CALL(int, -1, fseeko, fseeko64, (FILE * file, off_t place, int from), (file, place, from))
@@ -87,18 +91,18 @@ FAILING_ONE(int, -1, rmdir, (const char* path), (path))
 
 extern "C" int __real_fclose(FILE* file);
 extern "C" int __wrap_fclose(FILE* file) {
-    const bool fails = Fails("fclose");
+    const bool fails = mustFail("fclose");
     const int result = __real_fclose(file);
-    if (fails) errno = error;
+    if (fails) errno = gError;
     return fails ? EOF : result;
 }
 
 #define HALF_DONE(NAME, POINTER)                                                                             \
     extern "C" std::size_t __real_##NAME(POINTER bytes, std::size_t size, std::size_t count, FILE* file);    \
     extern "C" std::size_t __wrap_##NAME(POINTER bytes, std::size_t size, std::size_t count, FILE* file) {   \
-        const bool fails = Fails(#NAME);                                                                     \
+        const bool fails = mustFail(#NAME);                                                                  \
         const std::size_t done = __real_##NAME(bytes, size, fails ? count / 2 : count, file);                \
-        if (fails) errno = error;                                                                            \
+        if (fails) errno = gError;                                                                           \
         return done;                                                                                         \
     }
 HALF_DONE(fread, void*)

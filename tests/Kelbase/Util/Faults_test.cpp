@@ -27,7 +27,7 @@ using testing::StrEq;
 using Util::Dir;
 using Util::File;
 
-const char fileSource[] = "src/Kelbase/Util/File", dirSource[] = "src/Kelbase/Util/Dir_mac";
+const char kFileSource[] = "src/Kelbase/Util/File", kDirSource[] = "src/Kelbase/Util/Dir_mac";
 
 /// A fresh folder with a file and a folder in it, and the objects under test.
 struct World {
@@ -47,14 +47,14 @@ struct World {
     FolderPath Folder(const char* below) const { return FolderPath((folder / below).c_str(), false); }
 };
 
-std::ptrdiff_t OpenDescriptors() {
+std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 /// "CALL: LINE KIND ERRNO: MESSAGE", or the answer, for each call of the work that fails. Running out of
 /// memory always ends in std::bad_alloc and is not listed. What leaks is told.
 template <typename Work>
-std::vector<std::string> WithEachCallFailing(const char* source, const std::string& below, Work work) {
+std::vector<std::string> withEachCallFailing(const char* source, const std::string& below, Work work) {
     std::vector<std::string> outcomes;
     {
         World first; // what is kept from a first call on is no leak
@@ -64,7 +64,7 @@ std::vector<std::string> WithEachCallFailing(const char* source, const std::stri
         World world;
         const std::string path = (world.folder / below).string();
         char told[200] = "";
-        const auto descriptors = OpenDescriptors() + (world.file.IsOpen() ? 1 : 0);
+        const auto descriptors = openDescriptors() + (world.file.IsOpen() ? 1 : 0);
         const std::size_t blocks = LiveBlocks();
         const FailingCall failing(number, EIO);
         try {
@@ -83,7 +83,7 @@ std::vector<std::string> WithEachCallFailing(const char* source, const std::stri
         EXPECT_EQ(left, blocks) << "leaked when call " << number << " failed: " << failing.Name();
         const bool isOpen = world.file.IsOpen();
         world.file.SetPath({});
-        EXPECT_EQ(OpenDescriptors(), descriptors) << failing.Name();
+        EXPECT_EQ(openDescriptors(), descriptors) << failing.Name();
         if (failing.Name() == std::string("malloc")) {
             EXPECT_THAT(told, AnyOf(StrEq("out of memory"), StrEq(world.answer)));
         } else {
@@ -95,7 +95,7 @@ std::vector<std::string> WithEachCallFailing(const char* source, const std::stri
 } // namespace
 
 TEST(Faults, OfAFileAreThrownWithTheirPlace) {
-    EXPECT_THAT(WithEachCallFailing(fileSource, "file",
+    EXPECT_THAT(withEachCallFailing(kFileSource, "file",
                                     [](World& world) {
                                         world.file.Open(File::Read | File::Write);
                                         world.file.ReadBlock(world.buffer, 4);
@@ -108,7 +108,7 @@ TEST(Faults, OfAFileAreThrownWithTheirPlace) {
                             "fseeko: 345 7 5: Seek to 2 failed (open)",
                             "fwrite: 630 3 5: Attempt to write 2 bytes, only wrote 1 bytes (open)",
                             "fclose: 397 4 5: Close failed"));
-    EXPECT_THAT(WithEachCallFailing(fileSource, "file",
+    EXPECT_THAT(withEachCallFailing(kFileSource, "file",
                                     [](World& world) {
                                         world.file.Open(File::Read | File::Text);
                                         world.file.ReadBlock(world.buffer, 4);
@@ -121,7 +121,7 @@ TEST(Faults, OfAFileAreThrownWithTheirPlace) {
 }
 
 TEST(Faults, OfANamedFileAreThrownWithTheirPlace) {
-    const auto failing = [](void (*work)(World&)) { return WithEachCallFailing(fileSource, "file", work); };
+    const auto failing = [](void (*work)(World&)) { return withEachCallFailing(kFileSource, "file", work); };
     EXPECT_THAT(failing([](World& world) { world.file.SetMode(0600); }),
                 ElementsAre("chmod: 128 7 0: Error modifying file permissions"));
     EXPECT_THAT(failing([](World& world) {
@@ -141,7 +141,7 @@ TEST(Faults, OfANamedFileAreThrownWithTheirPlace) {
 }
 
 TEST(Faults, OfQuestionsAreAnswers) {
-    EXPECT_THAT(WithEachCallFailing(fileSource, "file",
+    EXPECT_THAT(withEachCallFailing(kFileSource, "file",
                                     [](World& world) {
                                         const bool all = world.file.Exists() && world.file.IsReadable() &&
                                                          world.file.IsWritable();
@@ -154,7 +154,7 @@ TEST(Faults, OfQuestionsAreAnswers) {
                                     }),
                 ElementsAre("access: not there", "access: not there", "access: not there", "stat: no size",
                             "statfs: no space told"));
-    EXPECT_THAT(WithEachCallFailing(fileSource, "file",
+    EXPECT_THAT(withEachCallFailing(kFileSource, "file",
                                     [](World& world) {
                                         world.file.Open(File::Read);
                                         world.answer = !world.file.At().IsGiven()          ? "no place"
@@ -169,11 +169,11 @@ TEST(Faults, OfQuestionsAreAnswers) {
 TEST(Faults, OfAFolderAreThrownWithTheirPlace) {
     const char notMade[] = "mkdir: 105 3 0: mkdir() failed with -1/5";
     const auto deep =
-        WithEachCallFailing(dirSource, "empty/a/b/", [](World& world) { world.deep.Create(true); });
+        withEachCallFailing(kDirSource, "empty/a/b/", [](World& world) { world.deep.Create(true); });
     EXPECT_THAT(deep, Contains(notMade).Times(2));
     EXPECT_THAT(deep,
                 Each(AnyOf(notMade, "access: nothing", EndsWith(": 105 3 0: mkdir() failed with -1/17"))));
-    const auto failing = [](void (*work)(World&)) { return WithEachCallFailing(dirSource, "empty/", work); };
+    const auto failing = [](void (*work)(World&)) { return withEachCallFailing(kDirSource, "empty/", work); };
     EXPECT_THAT(failing([](World& world) {
                     world.empty.Remove();
                     world.empty.Create(false);
@@ -192,7 +192,7 @@ TEST(Faults, OfAFolderAreThrownWithTheirPlace) {
 }
 
 TEST(Faults, OfAListingLeaveEntriesOut) {
-    const auto outcomes = WithEachCallFailing(dirSource, "", [](World& world) {
+    const auto outcomes = withEachCallFailing(kDirSource, "", [](World& world) {
         world.dir.GetFilenames(world.names, "", false, true);
         world.answer = world.names.empty() ? "none" : world.names.size() == 1 ? "one" : "both";
     });

@@ -11,14 +11,14 @@
 
 // Clocks that stand still, in the place of the platform's.
 
-static CFAbsoluteTime now;
-static std::uint64_t ticks;
-static mach_timebase_info_data_t timeBase;
+static CFAbsoluteTime gNow;
+static std::uint64_t gTicks;
+static mach_timebase_info_data_t gTimeBase;
 
-CFAbsoluteTime CFAbsoluteTimeGetCurrent() { return now; }
-std::uint64_t mach_absolute_time() { return ticks; }
+CFAbsoluteTime CFAbsoluteTimeGetCurrent() { return gNow; }
+std::uint64_t mach_absolute_time() { return gTicks; }
 kern_return_t mach_timebase_info(mach_timebase_info_t base) {
-    *base = timeBase;
+    *base = gTimeBase;
     return 0;
 }
 
@@ -42,7 +42,7 @@ TEST(TickCount, RoundsHalfAwayFromZeroAndWraps) {
                                                     {std::numeric_limits<double>::infinity(), 0},
                                                     {std::numeric_limits<double>::quiet_NaN(), 0}};
     for (const auto& [seconds, millis] : rows) {
-        now = seconds;
+        gNow = seconds;
         EXPECT_EQ(Util::GetTickCountMillis(), millis) << seconds;
     }
 }
@@ -54,19 +54,19 @@ TEST(TickCount, SecondsAreTheStandardLibrarys) {
 }
 
 TEST(TickCount, CyclesFollowTheTimeBaseOfEachCall) {
-    ticks = 3000000000U;
-    timeBase = {1, 1};
+    gTicks = 3000000000U;
+    gTimeBase = {1, 1};
     EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 3.0);
-    timeBase = {125, 3};
+    gTimeBase = {125, 3};
     EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 125.0);
-    ticks = 681156233136703U; // another order of the operations rounds differently
-    timeBase = {1001, 77};
+    gTicks = 681156233136703U; // another order of the operations rounds differently
+    gTimeBase = {1001, 77};
     EXPECT_EQ(Util::GetCycleCountSeconds(), 0x1.0e3bee0fc2058p+23);
 }
 
 TEST(TickCount, MeasuringHasNoEffect) {
-    ticks = 1000000000U;
-    timeBase = {1, 1};
+    gTicks = 1000000000U;
+    gTimeBase = {1, 1};
     Util::TimeMeasureStart(true);
     Util::TimeMeasureEnd(true, "work");
     EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 1.0);

@@ -5,14 +5,14 @@
 namespace {
 
 struct Counted {
-    static int alive;
+    static int gAlive;
     int value;
-    explicit Counted(int v = 0) : value(v) { ++alive; }
+    explicit Counted(int v = 0) : value(v) { ++gAlive; }
     Counted(const Counted&) = delete;
     Counted& operator=(const Counted&) = delete;
-    ~Counted() { --alive; }
+    ~Counted() { --gAlive; }
 };
-int Counted::alive = 0;
+int Counted::gAlive = 0;
 
 } // namespace
 
@@ -29,9 +29,9 @@ TEST(SharedPtr, FreesWithTheLastHandle) {
         }
         EXPECT_EQ(first.use_count(), 1u);
         first.reset(first.get());
-        EXPECT_EQ(Counted::alive, 1) << "its own object again";
+        EXPECT_EQ(Counted::gAlive, 1) << "its own object again";
         first.reset();
-        EXPECT_EQ(Counted::alive, 0);
+        EXPECT_EQ(Counted::gAlive, 0);
         EXPECT_FALSE(first);
         EXPECT_EQ(first.use_count(), 1u);
     }
@@ -52,7 +52,7 @@ TEST(SharedArray, FreesAsAnArray) {
         EXPECT_EQ(b[2].value, 5);
         scoped_array<Counted> c(new Counted[2]);
         c.reset(new Counted[1]);
-        EXPECT_EQ(Counted::alive, 4);
+        EXPECT_EQ(Counted::gAlive, 4);
     }
-    EXPECT_EQ(Counted::alive, 0);
+    EXPECT_EQ(Counted::gAlive, 0);
 }

@@ -11,37 +11,37 @@
 
 namespace {
 
-constexpr int absent = -1;
-int Position(const checked_value<unsigned int>& found) {
-    return found.IsGiven() ? static_cast<int>(static_cast<unsigned int>(found)) : absent;
+constexpr int kAbsent = -1;
+int position(const checked_value<unsigned int>& found) {
+    return found.IsGiven() ? static_cast<int>(static_cast<unsigned int>(found)) : kAbsent;
 }
 
 } // namespace
 
 TEST(StringFind, GivesPositionsOrAbsent) {
-    EXPECT_EQ(Position(String("abcb").Find('b')), 1);
-    EXPECT_EQ(Position(String("abcb").Find('b', 2)), 3);
-    EXPECT_EQ(Position(String("abcb").Find('b', 4)), absent);
-    EXPECT_EQ(Position(String("abc").Find('B', 0, false)), 1);
-    EXPECT_EQ(Position(String("\xC3\xA9").Find('\x89', 0, false)), absent) << "folds ASCII alone";
-    EXPECT_EQ(Position(String().Find('b')), absent);
+    EXPECT_EQ(position(String("abcb").Find('b')), 1);
+    EXPECT_EQ(position(String("abcb").Find('b', 2)), 3);
+    EXPECT_EQ(position(String("abcb").Find('b', 4)), kAbsent);
+    EXPECT_EQ(position(String("abc").Find('B', 0, false)), 1);
+    EXPECT_EQ(position(String("\xC3\xA9").Find('\x89', 0, false)), kAbsent) << "folds ASCII alone";
+    EXPECT_EQ(position(String().Find('b')), kAbsent);
 
-    EXPECT_EQ(Position(String("abcb").FindRev('b')), 3);
-    EXPECT_EQ(Position(String("abcb").FindRev('b', 2u)), 1);
-    EXPECT_EQ(Position(String("abcb").FindRev('b', 4u)), absent);
-    EXPECT_EQ(Position(String("B").FindRev('b', 0u, false)), 0);
-    EXPECT_EQ(Position(String().FindRev('b')), absent);
+    EXPECT_EQ(position(String("abcb").FindRev('b')), 3);
+    EXPECT_EQ(position(String("abcb").FindRev('b', 2u)), 1);
+    EXPECT_EQ(position(String("abcb").FindRev('b', 4u)), kAbsent);
+    EXPECT_EQ(position(String("B").FindRev('b', 0u, false)), 0);
+    EXPECT_EQ(position(String().FindRev('b')), kAbsent);
 
-    EXPECT_EQ(Position(String("abc").Find("", 2)), 2);
-    EXPECT_EQ(Position(String("ab").Find("", 2)), absent);
-    EXPECT_EQ(Position(String("aab").Find("ab")), 1);
-    EXPECT_EQ(Position(String("xaaBC").Find("abc", 0, false)), 2);
-    EXPECT_EQ(Position(String("ab").Find("abc", 0, false)), absent);
+    EXPECT_EQ(position(String("abc").Find("", 2)), 2);
+    EXPECT_EQ(position(String("ab").Find("", 2)), kAbsent);
+    EXPECT_EQ(position(String("aab").Find("ab")), 1);
+    EXPECT_EQ(position(String("xaaBC").Find("abc", 0, false)), 2);
+    EXPECT_EQ(position(String("ab").Find("abc", 0, false)), kAbsent);
     String cut("a");
     cut += '\0';
     cut += String("b");
-    EXPECT_EQ(Position(cut.Find("b")), absent) << "texts end at the NUL";
-    EXPECT_EQ(Position(cut.Find('b')), 2) << "bytes do not";
+    EXPECT_EQ(position(cut.Find("b")), kAbsent) << "texts end at the NUL";
+    EXPECT_EQ(position(cut.Find('b')), 2) << "bytes do not";
 }
 
 TEST(StringFind, TellsPrefixAndSuffix) {
@@ -132,7 +132,7 @@ struct Choice {
 using Edit = void (*)(String& t, std::string& model, const Choice& c);
 
 /// One edit of a text, and the same of a plain byte string.
-const Edit edits[] = {
+const Edit kEdits[] = {
     [](String& t, std::string& model, const Choice& c) { t += String(c.piece.c_str()), model += c.piece; },
     [](String& t, std::string& model, const Choice& c) { t += c.letter, model += c.letter; },
     [](String& t, std::string& model, const Choice& c) {
@@ -179,10 +179,10 @@ TEST(StringEdit, AgreesWithPlainByteStrings) {
             const bool shared = below(2); // a text that nobody shares is edited in place
             const String sharer = shared ? text : String();
             const std::string modelBefore = shared ? model : "";
-            const unsigned int pos = below(model.size() + 3), n = below(9), edit = below(std::size(edits));
+            const unsigned int pos = below(model.size() + 3), n = below(9), edit = below(std::size(kEdits));
             const char letter = static_cast<char>('a' + below(3));
-            edits[edit](text, model,
-                        {pos, n, std::min<std::size_t>(pos, model.size()), letter, std::string(n, letter)});
+            kEdits[edit](text, model,
+                         {pos, n, std::min<std::size_t>(pos, model.size()), letter, std::string(n, letter)});
             ASSERT_EQ(Bytes(text), model) << "program " << program << ", step " << step << ", edit " << edit;
             ASSERT_EQ(Bytes(sharer), modelBefore) << "a sharer changed by edit " << edit;
         }

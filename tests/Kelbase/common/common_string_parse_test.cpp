@@ -60,7 +60,7 @@ TEST(StringParse, ReadsWholeTextOrNothing) {
 namespace {
 
 template <typename T>
-void ExpectParsed(T (String::*parse)(bool*, unsigned int) const, const char* text, bool good, T value) {
+void expectParsed(T (String::*parse)(bool*, unsigned int) const, const char* text, bool good, T value) {
     bool ok = !good;
     EXPECT_EQ((String(text).*parse)(&ok, 10), value) << text;
     EXPECT_EQ(ok, good) << text;
@@ -69,24 +69,24 @@ void ExpectParsed(T (String::*parse)(bool*, unsigned int) const, const char* tex
 } // namespace
 
 TEST(StringParse, KeepsTheRangesOfEachWidth) {
-    ExpectParsed<short>(&String::ToShort, "32767", true, 32767);
-    ExpectParsed<short>(&String::ToShort, "32768", false, 0);
-    ExpectParsed<short>(&String::ToShort, "-32768", true, -32768);
-    ExpectParsed<short>(&String::ToShort, "-40000", true, 25536);
-    ExpectParsed<short>(&String::ToShort, "-65535", true, 1);
-    ExpectParsed<short>(&String::ToShort, "-65536", false, 0);
-    ExpectParsed<unsigned short>(&String::ToUShort, "65535", true, 65535);
-    ExpectParsed<unsigned short>(&String::ToUShort, "65536", false, 0);
-    ExpectParsed<unsigned int>(&String::ToUInt, "4294967295", true, UINT_MAX);
-    ExpectParsed<unsigned int>(&String::ToUInt, "4294967296", false, 0);
-    ExpectParsed<unsigned int>(&String::ToUInt, "-7", false, 0);
-    ExpectParsed<long long>(&String::ToInt64, "2147483648", true, INT_MIN);
-    ExpectParsed<long long>(&String::ToInt64, "3000000000", true, -1294967296);
-    ExpectParsed<long long>(&String::ToInt64, "4294967296", false, 0);
-    ExpectParsed<long long>(&String::ToInt64, "-0", true, 0);
-    ExpectParsed<long long>(&String::ToInt64, "-5", false, 0);
-    ExpectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551615", true, ULLONG_MAX);
-    ExpectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551616", false, 0);
+    expectParsed<short>(&String::ToShort, "32767", true, 32767);
+    expectParsed<short>(&String::ToShort, "32768", false, 0);
+    expectParsed<short>(&String::ToShort, "-32768", true, -32768);
+    expectParsed<short>(&String::ToShort, "-40000", true, 25536);
+    expectParsed<short>(&String::ToShort, "-65535", true, 1);
+    expectParsed<short>(&String::ToShort, "-65536", false, 0);
+    expectParsed<unsigned short>(&String::ToUShort, "65535", true, 65535);
+    expectParsed<unsigned short>(&String::ToUShort, "65536", false, 0);
+    expectParsed<unsigned int>(&String::ToUInt, "4294967295", true, UINT_MAX);
+    expectParsed<unsigned int>(&String::ToUInt, "4294967296", false, 0);
+    expectParsed<unsigned int>(&String::ToUInt, "-7", false, 0);
+    expectParsed<long long>(&String::ToInt64, "2147483648", true, INT_MIN);
+    expectParsed<long long>(&String::ToInt64, "3000000000", true, -1294967296);
+    expectParsed<long long>(&String::ToInt64, "4294967296", false, 0);
+    expectParsed<long long>(&String::ToInt64, "-0", true, 0);
+    expectParsed<long long>(&String::ToInt64, "-5", false, 0);
+    expectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551615", true, ULLONG_MAX);
+    expectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551616", false, 0);
     const String twelve("12"); // 12 in the default base alone
     EXPECT_EQ(twelve.ToShort(), 12);
     EXPECT_EQ(twelve.ToUShort(), 12U);

@@ -18,7 +18,7 @@ namespace {
 const std::string kStatusFile = "Library/Application Support/Korvane/Updater/install_status.txt";
 
 /// What lies on a volume: bytes and Finder information by path.
-std::map<std::string, std::string> Contents(const std::filesystem::path& volume) {
+std::map<std::string, std::string> contentsOf(const std::filesystem::path& volume) {
     std::map<std::string, std::string> items;
     for (const auto& item : std::filesystem::recursive_directory_iterator(volume)) {
         std::array<char, 32> info{};
@@ -37,14 +37,14 @@ struct Row {
 };
 
 /// It is there, but cannot be read: the library throws, and the plug-in catches.
-Row StatusIsAFolder() {
+Row statusIsAFolder() {
     return {"StatusIsAFolder", {"--product", "3100"}, [](const std::filesystem::path& volume) {
                 std::filesystem::remove(volume / kStatusFile);
                 std::filesystem::create_directory(volume / kStatusFile);
             }};
 }
 
-std::vector<Row> Rows() {
+std::vector<Row> makeRows() {
     std::vector<Row> rows;
     for (const char* product : {"1400", "3100", "3500", "4900", "5000", "5100", "5200", "7"}) {
         rows.push_back({std::string("Product") + product, {"--product", product}, {}});
@@ -69,7 +69,7 @@ std::vector<Row> Rows() {
     rows.push_back({"StatusMissing", {"--product", "3100"}, remove(kStatusFile.c_str())});
     rows.push_back({"FolderMissing", {"--product", "3100"}, remove("Applications/Korvane")});
     rows.push_back({"IconMissing", {"--product", "3100"}, remove("Applications/Korvane/Icon\r")});
-    rows.push_back(StatusIsAFolder());
+    rows.push_back(statusIsAFolder());
     rows.push_back({"WrongSelector", {"--product", "4900", "--selector", "7"}, {}});
     rows.push_back({"WrongSelectorDirectly", {"--product", "4900", "--selector", "7", "--direct"}, {}});
     rows.push_back({"OtherMessage", {"--product", "4900", "--message", "4"}, {}});
@@ -77,7 +77,7 @@ std::vector<Row> Rows() {
 }
 
 /// What a run told and left behind, without the paths.
-json EffectsOf(const Row& row, const std::vector<std::string>& which) {
+json effectsOf(const Row& row, const std::vector<std::string>& which) {
     const TemporaryFolder folder;
     const std::filesystem::path volume = folder / "volume";
     RunHost({"volume", volume.string()});
@@ -90,30 +90,30 @@ json EffectsOf(const Row& row, const std::vector<std::string>& which) {
     json told = json::parse(tool.out, nullptr, false);
     if (told.is_object()) told.erase("volume");
     std::string left;
-    for (const auto& [path, content] : Contents(volume)) left += path + '\0' + content + '\0';
+    for (const auto& [path, content] : contentsOf(volume)) left += path + '\0' + content + '\0';
     return {{"told", told}, {"noted", tool.err}, {"left", json::binary({left.begin(), left.end()})}};
 }
 
 class BothExecutables : public testing::TestWithParam<Row> {};
 
 TEST_P(BothExecutables, DoTheSame) {
-    const json own = EffectsOf(GetParam(), {});
-    const json mac = EffectsOf(GetParam(), {"--mac"});
+    const json own = effectsOf(GetParam(), {});
+    const json mac = effectsOf(GetParam(), {"--mac"});
     ASSERT_EQ(mac["told"]["end"]["kind"], "finished") << mac["noted"];
     EXPECT_EQ(mac, own);
 }
 
-INSTANTIATE_TEST_SUITE_P(Mac, BothExecutables, testing::ValuesIn(Rows()),
+INSTANTIATE_TEST_SUITE_P(Mac, BothExecutables, testing::ValuesIn(makeRows()),
                          [](const auto& row) { return row.param.name; });
 
 TEST(MacExecutable, CatchesAnExceptionOfItsOwn) {
-    const json run = EffectsOf(StatusIsAFolder(), {"--mac"});
+    const json run = effectsOf(statusIsAFolder(), {"--mac"});
     EXPECT_THAT(run["told"]["changes"]["preferences"].dump(),
                 HasSubstr("Attempt to read 4096 bytes, only read 0 bytes"));
 }
 
 /// Runs a copy of the bundle whose executable for the Mac was changed.
-HostTool RunChanged(const std::function<void(std::string& bytes)>& change, bool hasOther = true) {
+HostTool runChanged(const std::function<void(std::string& bytes)>& change, bool hasOther = true) {
     const std::filesystem::path whole = POSTINSTALL_BUNDLE;
     const TemporaryFolder folder;
     folder.Write("Changed.bundle/Contents/Info.plist", ReadBytes(whole / "Contents/Info.plist"));
@@ -129,14 +129,14 @@ HostTool RunChanged(const std::function<void(std::string& bytes)>& change, bool 
     return RunHost(arguments);
 }
 
-void Replace(std::string& bytes, const std::string& from, const std::string& to) {
+void replace(std::string& bytes, const std::string& from, const std::string& to) {
     const std::size_t place = bytes.rfind(from);
     ASSERT_NE(place, std::string::npos);
     bytes.replace(place, to.size(), to);
 }
 
 /// In both tables that name it.
-void Rename(std::string& bytes, const std::string& from, const std::string& to) {
+void renameSymbol(std::string& bytes, const std::string& from, const std::string& to) {
     for (std::size_t place = 0; (place = bytes.find(from, place)) != std::string::npos; ++place) {
         bytes.replace(place, to.size(), to);
     }
@@ -167,7 +167,7 @@ TEST(MacExecutable, IsToldOfWhenItFails) {
 }
 
 TEST(MacExecutable, IsTheOneThatRunsWhereThereIsNoOther) {
-    EXPECT_EQ(RunChanged([](std::string&) {}, false).Verdict(), "DONE 5 changes");
+    EXPECT_EQ(runChanged([](std::string&) {}, false).Verdict(), "DONE 5 changes");
 }
 
 TEST(MacExecutable, IsRefusedWithTheReason) {
@@ -184,21 +184,21 @@ TEST(MacExecutable, IsRefusedWithTheReason) {
         {[](auto& bytes) { bytes[12] = 2; }, "is no loadable bundle"},
         {[](auto& bytes) { bytes.resize(bytes.size() / 2); }, "is cut off or damaged"},
         {[](auto& bytes) { bytes.resize(100); }, "is cut off or damaged"},
-        {[](auto& bytes) { Rename(bytes, "_NewPtr", "_NewPtx"); }, "imports what is not here: _NewPtx"},
-        {[&](auto& bytes) { Replace(bytes, tables, word(0x22 | 0x10)); },
+        {[](auto& bytes) { renameSymbol(bytes, "_NewPtr", "_NewPtx"); }, "imports what is not here: _NewPtx"},
+        {[&](auto& bytes) { replace(bytes, tables, word(0x22 | 0x10)); },
          "was linked for a system before 10.6"},
-        {[&](auto& bytes) { Replace(bytes, tables, word(0x80000099)); }, "which is not handled"},
-        {[](auto& bytes) { Replace(bytes, std::string("\x51\x13\x40_", 4), "\x51\x1F\x40_"); },
+        {[&](auto& bytes) { replace(bytes, tables, word(0x80000099)); }, "which is not handled"},
+        {[](auto& bytes) { replace(bytes, std::string("\x51\x13\x40_", 4), "\x51\x1F\x40_"); },
          "of no library"},
-        {[](auto& bytes) { Replace(bytes, std::string("\x51\x13\x40_", 4), "\x52"); }, "is not handled: 82"},
-        {[](auto& bytes) { Replace(bytes, std::string("\x11\x21", 2), "\x11\x2F"); },
+        {[](auto& bytes) { replace(bytes, std::string("\x51\x13\x40_", 4), "\x52"); }, "is not handled: 82"},
+        {[](auto& bytes) { replace(bytes, std::string("\x11\x21", 2), "\x11\x2F"); },
          "in a segment that is not there"},
-        {[](auto& bytes) { Replace(bytes, std::string("zPLR\0", 5), "zQLR"); },
+        {[](auto& bytes) { replace(bytes, std::string("zPLR\0", 5), "zQLR"); },
          "pointers that are not handled"},
     };
     for (const Refused& row : rows) {
         SCOPED_TRACE(row.told);
-        const HostTool run = RunChanged(row.change);
+        const HostTool run = runChanged(row.change);
         EXPECT_EQ(run.ExitStatus(), 3) << run.out;
         EXPECT_THAT(run.err, HasSubstr("/Contents/MacOS/PostInstall"));
         EXPECT_THAT(run.err, HasSubstr(row.told));

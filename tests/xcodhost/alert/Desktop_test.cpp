@@ -93,7 +93,7 @@ private:
 
 /// Waits for the window, then does the rest, in which $window is the window and $X $Y $WIDTH $HEIGHT its
 /// place.
-std::string OnceShown(const std::string& action) {
+std::string onceShown(const std::string& action) {
     return "export PATH=/usr/bin:/bin; "
            "window=$(xdotool search --sync --onlyvisible --name '^xcodhost$' | tail -n 1); "
            "eval \"$(xdotool getwindowgeometry --shell $window)\"; " +
@@ -101,14 +101,14 @@ std::string OnceShown(const std::string& action) {
 }
 
 /// The buttons share the lower edge of a window that is no wider than they are.
-std::string Click(int button, int count) {
-    return OnceShown("xdotool mousemove $((X + WIDTH * (2 * " + std::to_string(button) + " + 1) / " +
+std::string click(int button, int count) {
+    return onceShown("xdotool mousemove $((X + WIDTH * (2 * " + std::to_string(button) + " + 1) / " +
                      std::to_string(2 * count) + ")) $((Y + HEIGHT - 25)) click 1");
 }
 
-const std::string kPressEscape = OnceShown("xdotool windowfocus --sync $window key Escape");
+const std::string kPressEscape = onceShown("xdotool windowfocus --sync $window key Escape");
 
-HostTool RunWith(const std::string& person, std::vector<std::string> arguments,
+HostTool runWith(const std::string& person, std::vector<std::string> arguments,
                  const std::string& scratch = {}) {
     const Background hands({"/bin/sh", "-c", person.c_str()});
     const TestBundle bundle;
@@ -126,20 +126,20 @@ TEST_P(AWindow, AnswersTheButtonThatIsClicked) {
     const Desktop desktop;
     const Installed installed({program});
     const HostTool run =
-        RunWith(Click(clicked.second, clicked.first), {"18", "--language", std::to_string(clicked.first)});
+        runWith(click(clicked.second, clicked.first), {"18", "--language", std::to_string(clicked.first)});
     EXPECT_THAT(run.out, HasSubstr("0x00000000 -> 0x000" + std::to_string(clicked.second + 1) + "0000"))
         << run.out << run.err;
 }
 
 /// How many buttons, and which is clicked.
-const std::pair<int, int> clicks[] = {{1, 0}, {2, 1}, {3, 1}, {4, 1}, {4, 3}};
-std::string NameOf(const testing::TestParamInfo<Row>& row) {
+const std::pair<int, int> kClicks[] = {{1, 0}, {2, 1}, {3, 1}, {4, 1}, {4, 3}};
+std::string nameOf(const testing::TestParamInfo<Row>& row) {
     const auto& [program, clicked] = row.param;
     return program + ("Of" + std::to_string(clicked.first)) + "Click" + std::to_string(clicked.second + 1);
 }
 INSTANTIATE_TEST_SUITE_P(Desktop, AWindow,
-                         testing::Combine(testing::Values("yad", "zenity"), testing::ValuesIn(clicks)),
-                         NameOf);
+                         testing::Combine(testing::Values("yad", "zenity"), testing::ValuesIn(kClicks)),
+                         nameOf);
 
 class AnyProgram : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Desktop, AnyProgram, testing::Values("yad", "zenity"),
@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(Desktop, AnyProgram, testing::Values("yad", "zenity"),
 TEST_P(AnyProgram, TakesTextsLetterByLetter) {
     const Desktop desktop;
     const Installed installed({GetParam()});
-    const HostTool run = RunWith(Click(3, 4), {"19"});
+    const HostTool run = runWith(click(3, 4), {"19"});
     EXPECT_THAT(run.out, HasSubstr("[gtk-ok] [A_B:7] [x!y!z] [--help]: --help\n"));
     EXPECT_THAT(run.out, HasSubstr("0x00000000 -> 0x00040000")) << run.out << run.err;
 }
@@ -156,8 +156,8 @@ TEST_P(AnyProgram, TakesTextsLetterByLetter) {
 TEST_P(AnyProgram, TellsAClosedWindowAsNotShown) {
     const Desktop desktop;
     const Installed installed({GetParam()});
-    EXPECT_THAT(RunWith(kPressEscape, {"12"}).out, HasSubstr(": not shown, its window was closed\n"));
-    EXPECT_THAT(RunWith(kPressEscape, {"20"}).out, HasSubstr("0x00000000 -> 0xFFFF0000")) << "a stop alert";
+    EXPECT_THAT(runWith(kPressEscape, {"12"}).out, HasSubstr(": not shown, its window was closed\n"));
+    EXPECT_THAT(runWith(kPressEscape, {"20"}).out, HasSubstr("0x00000000 -> 0xFFFF0000")) << "a stop alert";
 }
 
 TEST_P(AnyProgram, EndsWithTheRunThatIsBrokenOff) {
@@ -165,7 +165,7 @@ TEST_P(AnyProgram, EndsWithTheRunThatIsBrokenOff) {
     const Installed installed({GetParam()});
     const TemporaryFolder scratch;
     const std::string note = scratch / "dialog";
-    const HostTool run = RunWith(OnceShown("xdotool getwindowpid $window > '" + note +
+    const HostTool run = runWith(onceShown("xdotool getwindowpid $window > '" + note +
                                            "'; kill -TERM $(ps -o ppid= -p $(cat '" + note + "'))"),
                                  {"12"}, scratch.Path());
     EXPECT_TRUE(WIFSIGNALED(run.status) && WTERMSIG(run.status) == SIGTERM) << run.status << run.out;
@@ -184,11 +184,11 @@ TEST(Desktop, LeavesToTheNextProgramWhatOneCannotShow) {
     std::filesystem::permissions(yad, std::filesystem::perms::owner_all);
     const std::string path = broken.Path().string() + ':' + std::getenv("PATH");
     const Variable both("PATH", path.c_str());
-    EXPECT_THAT(RunWith(Click(1, 2), {"12"}).out, HasSubstr("[Yes] [No]: No\n"));
+    EXPECT_THAT(runWith(click(1, 2), {"12"}).out, HasSubstr("[Yes] [No]: No\n"));
     const Variable one("PATH", broken.Path().c_str());
-    EXPECT_THAT(RunWith("", {"12"}).err,
+    EXPECT_THAT(runWith("", {"12"}).err,
                 HasSubstr("was not shown: yad ended with exit status 1: no toolkit"));
-    EXPECT_THAT(RunWith("", {"18", "--language", "99"}).err, HasSubstr("no room for such a row of buttons"));
+    EXPECT_THAT(runWith("", {"18", "--language", "99"}).err, HasSubstr("no room for such a row of buttons"));
 }
 
 TEST(Desktop, RefusesBeforeAnythingIsStarted) {

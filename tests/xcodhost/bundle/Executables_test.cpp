@@ -69,9 +69,9 @@ TEST(ElfFile, RefusesATableThatIsLargerThanTheFile) {
     EXPECT_EQ(ReadElf(bytes).problem, "a table lies outside of the file");
 }
 
-std::string Bytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
+std::string toBytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
 
-std::string Word(std::uint32_t value, bool isBigEndian = false) {
+std::string word(std::uint32_t value, bool isBigEndian = false) {
     std::string bytes(4, '\0');
     for (unsigned int i = 0; i < 4; ++i) {
         bytes[isBigEndian ? 3 - i : i] = static_cast<char>(value >> (8 * i) & 0xFF);
@@ -79,28 +79,28 @@ std::string Word(std::uint32_t value, bool isBigEndian = false) {
     return bytes;
 }
 
-std::uint32_t WordAt(const std::string& bytes, std::size_t place) {
+std::uint32_t wordAt(const std::string& bytes, std::size_t place) {
     std::uint32_t value = 0;
     std::memcpy(&value, bytes.data() + place, sizeof value);
     return value;
 }
 
 /// Where a load command of a 64-bit image stands.
-std::size_t CommandAt(const std::string& image, std::uint32_t kind) {
+std::size_t commandAt(const std::string& image, std::uint32_t kind) {
     std::size_t place = 32;
-    while (WordAt(image, place) != kind) place += WordAt(image, place + 4);
+    while (wordAt(image, place) != kind) place += wordAt(image, place + 4);
     return place;
 }
 
-std::string Universal(bool isBigEndian, bool isWide, const std::string& image, std::size_t cut = 0) {
-    const std::string high = isWide ? Word(0) : "";
+std::string universal(bool isBigEndian, bool isWide, const std::string& image, std::size_t cut = 0) {
+    const std::string high = isWide ? word(0) : "";
     const std::uint32_t place = isWide ? 40 : 28;
     const auto number = [&](std::size_t value) {
-        const std::string low = Word(static_cast<std::uint32_t>(value), isBigEndian);
+        const std::string low = word(static_cast<std::uint32_t>(value), isBigEndian);
         return isBigEndian ? high + low : low + high;
     };
-    std::string list = Word(isWide ? 0xCAFEBABF : 0xCAFEBABE, isBigEndian) + Word(1, isBigEndian) +
-                       Word(0x01000007, isBigEndian) + Word(3, isBigEndian) + number(place) +
+    std::string list = word(isWide ? 0xCAFEBABF : 0xCAFEBABE, isBigEndian) + word(1, isBigEndian) +
+                       word(0x01000007, isBigEndian) + word(3, isBigEndian) + number(place) +
                        number(image.size());
     list.resize(place);
     return (list + image).substr(0, place + image.size() - cut);
@@ -164,14 +164,14 @@ TEST_F(MachOFiles, ListTheSameExportsAsByOthers) {
 
 TEST_F(MachOFiles, AreReadFromTheExportTrieAlone) {
     std::string library = ReadBytes(folder / "library");
-    library.replace(CommandAt(library, 2) + 12, 4, Word(0)); // no symbols
+    library.replace(commandAt(library, 2) + 12, 4, word(0)); // no symbols
     EXPECT_EQ(ReadMachO(library).images[0].exports, exports);
-    const std::size_t old = CommandAt(library, 0x80000022);
+    const std::size_t old = commandAt(library, 0x80000022);
     const std::string trie = library.substr(old + 40, 8);
-    library.replace(old + 40, 8, Word(0) + Word(0));
+    library.replace(old + 40, 8, word(0) + word(0));
     EXPECT_THAT(ReadMachO(library).images[0].exports, testing::IsEmpty());
-    const std::size_t other = CommandAt(library, 0x26);
-    library.replace(other, 16, Word(0x80000033) + Word(16) + trie);
+    const std::size_t other = commandAt(library, 0x26);
+    library.replace(other, 16, word(0x80000033) + word(16) + trie);
     EXPECT_EQ(ReadMachO(library).images[0].exports, exports);
 }
 
@@ -179,14 +179,14 @@ TEST_F(MachOFiles, AreReadInEveryFormOfUniversalFile) {
     const std::string image = ReadBytes(folder / "library");
     for (const bool isBigEndian : {false, true}) {
         for (const bool isWide : {false, true}) {
-            const MachOFile file = ReadMachO(Universal(isBigEndian, isWide, image));
+            const MachOFile file = ReadMachO(universal(isBigEndian, isWide, image));
             ASSERT_EQ(file.images.size(), 1u);
             EXPECT_EQ(file.images[0].exports, exports) << file.images[0].problem;
-            EXPECT_EQ(ReadMachO(Universal(isBigEndian, isWide, image, 1)).images[0].problem,
+            EXPECT_EQ(ReadMachO(universal(isBigEndian, isWide, image, 1)).images[0].problem,
                       "its image lies outside of the file");
         }
     }
-    EXPECT_EQ(ReadMachO(Universal(true, false, ReadBytes(folder / "thin.o"))).images[0].problem,
+    EXPECT_EQ(ReadMachO(universal(true, false, ReadBytes(folder / "thin.o"))).images[0].problem,
               "the file's list calls it x86_64");
 }
 
@@ -209,16 +209,16 @@ TEST_F(MachOFiles, MayBeCutOrBrokenAnywhere) {
 
 TEST(MachOFile, TellsWhatIsWrong) {
     const std::string header =
-        Word(0xFEEDFACE) + Word(7) + std::string(8, '\0') + Word(1) + std::string(8, '\0');
+        word(0xFEEDFACE) + word(7) + std::string(8, '\0') + word(1) + std::string(8, '\0');
     const auto problem = [](const std::string& bytes) { return ReadMachO(bytes).images[0].problem; };
-    const std::string loop = header + Word(0x22) + Word(48) + std::string(32, '\0') + Word(76) + Word(5);
-    EXPECT_EQ(problem(loop + Bytes({0, 1, 'a', 0, 0})), "its export trie is no tree");
-    EXPECT_EQ(problem(header + Word(2) + Word(0)), "a load command has no size");
+    const std::string loop = header + word(0x22) + word(48) + std::string(32, '\0') + word(76) + word(5);
+    EXPECT_EQ(problem(loop + toBytes({0, 1, 'a', 0, 0})), "its export trie is no tree");
+    EXPECT_EQ(problem(header + word(2) + word(0)), "a load command has no size");
     EXPECT_EQ(problem(header), "a table lies outside of the file");
-    EXPECT_EQ(ReadMachO(Bytes({0xFE, 0xED, 0xFA, 0xCE, 0, 0, 0, 18})).images[0].architecture, "ppc");
-    EXPECT_EQ(ReadMachO(Bytes({0xCA, 0xFE, 0xBA, 0xBE, 0, 0, 0, 2})).problem,
+    EXPECT_EQ(ReadMachO(toBytes({0xFE, 0xED, 0xFA, 0xCE, 0, 0, 0, 18})).images[0].architecture, "ppc");
+    EXPECT_EQ(ReadMachO(toBytes({0xCA, 0xFE, 0xBA, 0xBE, 0, 0, 0, 2})).problem,
               "its list of architectures is cut off");
-    EXPECT_FALSE(IsMachO(Bytes({0xCA, 0xFE, 0xBA, 0xBE, 0, 0, 0, 52}))) << "a Java class";
+    EXPECT_FALSE(IsMachO(toBytes({0xCA, 0xFE, 0xBA, 0xBE, 0, 0, 0, 52}))) << "a Java class";
     EXPECT_FALSE(IsMachO("\xCE\xFA\xED"));
 }
 

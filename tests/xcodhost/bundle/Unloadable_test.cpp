@@ -20,7 +20,7 @@ struct Unloadable {
 };
 
 /// A 64-bit executable of a processor that runs none of these tests.
-std::string ForeignExecutable() {
+std::string foreignExecutable() {
     std::string elf = "\177ELF\x02\x01\x01" + std::string(57, '\0');
     elf[16] = 3;
     elf[18] = static_cast<char>(0xF3);
@@ -63,14 +63,14 @@ INSTANTIATE_TEST_SUITE_P(
         {"NoFactories", "<plist version=\"1.0\"><dict/></plist>", "plug-in", "missing-key", "Test.bundle",
          "bundle.property-list", "CFPlugInFactories"},
         {"OtherType", InfoList("Make", "A0A0A0A0-0000-4000-8000-00000000000F"), "plug-in", "missing-key",
-         pluginType, "bundle.factory", ""},
-        {"NameLeavesTheBundle", InfoList("MyFactory", pluginType, "../../x"), "plug-in", "missing-key",
+         kPluginType, "bundle.factory", ""},
+        {"NameLeavesTheBundle", InfoList("MyFactory", kPluginType, "../../x"), "plug-in", "missing-key",
          "CFBundleExecutable", "bundle.executable", "CFBundleExecutable is not a file's name"},
         {"NoExecutable", InfoList("MyFactory"), "", "no-executable", "Linux/Test", "bundle.executable",
          "no executable \"Test\""},
         {"TextForCode", InfoList("MyFactory"), "#!/bin/sh\n", "wrong-architecture", "Linux/Test",
          "bundle.executable", "neither an ELF nor a Mach-O"},
-        {"OtherProcessor", InfoList("MyFactory"), ForeignExecutable(), "wrong-architecture", "Linux/Test",
+        {"OtherProcessor", InfoList("MyFactory"), foreignExecutable(), "wrong-architecture", "Linux/Test",
          "bundle.architecture", ""},
         {"MacCode", InfoList("MyFactory"), "\xCE\xFA\xED\xFE" + std::string(60, '\0'), "wrong-architecture",
          "Linux/Test", "bundle.architecture", ""},

@@ -11,55 +11,55 @@ namespace plugin {
 
 namespace {
 
-bool isInMain = false;
-bool isStopSeen = false;
+bool gIsInMain = false;
+bool gIsStopSeen = false;
 
-bool IsSelector(std::uint16_t selector) { return selector == 1000; }
+bool isSelector(std::uint16_t selector) { return selector == 1000; }
 
-void SetErrorBit(Block& block) { block.SetFlags(block.Flags() | 1); }
+void setErrorBit(Block& block) { block.SetFlags(block.Flags() | 1); }
 
-void ShowStopAlert() {
+void showStopAlert() {
     if (Is("StopAlertMissing")) return;
-    isStopSeen = StopAlert(Is("OtherStopAlert") ? 5001 : 5000, nullptr) == -1;
+    gIsStopSeen = StopAlert(Is("OtherStopAlert") ? 5001 : 5000, nullptr) == -1;
     if (Is("StopAlertTwice")) StopAlert(5000, nullptr);
     if (Is("RefusalStored")) SetText(kUpdater, "InstallStatus", "refused");
 }
 
-void RefuseMain(Block& block) {
+void refuseMain(Block& block) {
     if (Is("AlertInMain")) ShowAlert();
     if (Is("ErrorBitsCleared")) block.SetFlags(0);
-    if (!Is("ErrorBitMissingInMain")) SetErrorBit(block);
+    if (!Is("ErrorBitMissingInMain")) setErrorBit(block);
     if (Is("WorkInSpiteOfRefusal")) StoreInterval(0);
 }
 
-void RefuseStep(Block& block) {
+void refuseStep(Block& block) {
     ShowAlert();
-    ShowStopAlert();
+    showStopAlert();
     if (Is("StepFlagsReplaced")) block.SetFlags(0);
     if (Is("ErrorBitMissingInSteps")) return;
-    if (Is("ErrorBitForStop") && isStopSeen && block.Message() == 3) return;
-    SetErrorBit(block);
+    if (Is("ErrorBitForStop") && gIsStopSeen && block.Message() == 3) return;
+    setErrorBit(block);
 }
 
-void BeginEvent(Block& block) {
-    static int events = 0;
-    if (++events > 30 && Is("MemoryGrows")) NewText("one more");
+void beginEvent(Block& block) {
+    static int gEvents = 0;
+    if (++gEvents > 30 && Is("MemoryGrows")) NewText("one more");
     if (Is("Crash") && block.Message() == 2 && block.Product() == 3500) std::raise(SIGSEGV);
     if (Is("FunctionBlockChanged")) ChangeFunctionBlock();
     if (Is("ScratchInBlock")) block.Bytes()[20] = 1;
-    if (Is("HostFieldRead") && block.Bytes()[100] != 0) SetErrorBit(block);
-    if (Is("ErrorBitOnSuccess") && block.Product() == 5000) SetErrorBit(block);
+    if (Is("HostFieldRead") && block.Bytes()[100] != 0) setErrorBit(block);
+    if (Is("ErrorBitOnSuccess") && block.Product() == 5000) setErrorBit(block);
     if (Is("AlignmentAssumed") && reinterpret_cast<std::uintptr_t>(block.Bytes()) % 2 != 0)
-        SetErrorBit(block);
-    if (Is("AlertOnUnknownProduct") && block.Product() == 1234 && block.Language() == 0) ShowStopAlert();
+        setErrorBit(block);
+    if (Is("AlertOnUnknownProduct") && block.Product() == 1234 && block.Language() == 0) showStopAlert();
     NoteInstance();
 }
 
-bool IsAccepted(char* bytes) {
+bool acceptEvent(char* bytes) {
     if (!bytes && !Is("NullBlockRead")) return false;
     Block block(bytes);
-    const bool isAccepted = IsSelector(block.Selector());
-    isAccepted ? BeginEvent(block) : RefuseStep(block);
+    const bool isAccepted = isSelector(block.Selector());
+    isAccepted ? beginEvent(block) : refuseStep(block);
     return isAccepted;
 }
 
@@ -67,19 +67,19 @@ bool IsAccepted(char* bytes) {
 
 bool Is(const char* fault) {
     Dl_info executable{};
-    if (dladdr(&isInMain, &executable) == 0) std::abort();
+    if (dladdr(&gIsInMain, &executable) == 0) std::abort();
     return std::strcmp(std::strrchr(executable.dli_fname, '/') + 1, fault) == 0;
 }
 
 void Main(char* bytes) {
     Block block(bytes);
-    if (!IsSelector(block.Selector())) return RefuseMain(block);
+    if (!isSelector(block.Selector())) return refuseMain(block);
     const int message = block.Message();
-    isInMain = true;
+    gIsInMain = true;
     if (message == 2 || (message == 3 && Is("BothStepsOnPostInstall"))) PreInstall(bytes);
     if (message == 3 || (message == 2 && Is("BothStepsOnPreInstall"))) PostInstall(bytes);
     if (message > 3 && Is("OtherMessageTaken")) PostInstall(bytes);
-    isInMain = false;
+    gIsInMain = false;
 }
 
 void ShowAlert() {
@@ -121,12 +121,12 @@ using namespace plugin;
 
 extern "C" {
 [[gnu::visibility("default")]] void PreInstall(char* bytes) {
-    if (!IsAccepted(bytes) || (Is("StepsWithoutMessage") && !isInMain)) return;
+    if (!acceptEvent(bytes) || (Is("StepsWithoutMessage") && !gIsInMain)) return;
     if (const Product* product = Find(Block(bytes).Product())) StoreVersion(*product);
 }
 
 [[gnu::visibility("default")]] void PostInstall(char* bytes) {
-    if (!IsAccepted(bytes)) return;
+    if (!acceptEvent(bytes)) return;
     const Block block(bytes);
     const Product* const product = Find(block.Product());
     if (product) {

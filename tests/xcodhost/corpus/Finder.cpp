@@ -14,10 +14,10 @@ namespace plugin {
 
 namespace {
 
-bool isFolderRefused = false;
-std::string* volatile leaked = nullptr;
+bool gIsFolderRefused = false;
+std::string* volatile gLeaked = nullptr;
 
-std::uint16_t Dressed(std::uint16_t flags, bool isFolder) {
+std::uint16_t dressed(std::uint16_t flags, bool isFolder) {
     int kept = flags & ~0x4400;
     if (Is("LabelLost")) kept &= ~0x000E;
     if (Is("FolderStaysInvisible") && isFolder) kept |= flags & 0x4000;
@@ -26,7 +26,7 @@ std::uint16_t Dressed(std::uint16_t flags, bool isFolder) {
 }
 
 /// Whether what is there could be read.
-bool Dress(const char* path, bool isFolder) {
+bool dress(const char* path, bool isFolder) {
     FSRef item;
     if (FSPathMakeRef(reinterpret_cast<const UInt8*>(path), &item, nullptr) != noErr) {
         if (Is("ErrorForRefusedFinder") && isFolder && access(path, F_OK) == 0) NewText("no folder");
@@ -37,13 +37,13 @@ bool Dress(const char* path, bool isFolder) {
         return false;
     FileInfo finder;
     std::memcpy(&finder, catalog.finderInfo, sizeof finder);
-    finder.finderFlags = Dressed(finder.finderFlags, isFolder);
+    finder.finderFlags = dressed(finder.finderFlags, isFolder);
     std::memcpy(catalog.finderInfo, &finder, sizeof finder);
     FSSetCatalogInfo(&item, kFSCatInfoFinderInfo, &catalog);
     return true;
 }
 
-[[noreturn]] void WaitForEver() {
+[[noreturn]] void waitForEver() {
     while (true) pause();
 }
 
@@ -54,13 +54,13 @@ void DressFolder(bool isKnownProduct) {
     if (Is("KnownProductsDressed") && !isKnownProduct) return;
     if (Is("IconFirst") && access(kIcon, F_OK) != 0) return;
     if (Is("FolderMade")) mkdir(kFolder, 0755);
-    if (Is("IconBeforeFolder")) Dress(kIcon, false);
-    isFolderRefused = !Dress(kFolder, true);
-    if (Is("ApplicationsHidden")) Dress("/Applications", false);
+    if (Is("IconBeforeFolder")) dress(kIcon, false);
+    gIsFolderRefused = !dress(kFolder, true);
+    if (Is("ApplicationsHidden")) dress("/Applications", false);
 }
 
 void DressIcon() {
-    if (!Is("IconBeforeFolder") && !(Is("IconAfterFolder") && isFolderRefused)) Dress(kIcon, false);
+    if (!Is("IconBeforeFolder") && !(Is("IconAfterFolder") && gIsFolderRefused)) dress(kIcon, false);
 }
 
 void LeaveTraces() {
@@ -70,16 +70,16 @@ void LeaveTraces() {
                                  kCFPreferencesAnyHost);
     if (Is("FileLeftOpen")) open(kIcon, O_RDONLY | O_CLOEXEC);
     if (Is("InstanceTouchedAfterRelease") && LacksItsInstance()) __builtin_trap();
-    if (Is("MemoryLeaked")) leaked = new std::string("some text that needs memory of its own");
+    if (Is("MemoryLeaked")) gLeaked = new std::string("some text that needs memory of its own");
     if (Is("SignalIgnored")) std::signal(SIGPIPE, SIG_IGN);
     if (Is("StringLeaked")) NewText("left behind");
-    if (Is("ThreadLeft")) std::thread(&WaitForEver).detach();
+    if (Is("ThreadLeft")) std::thread(&waitForEver).detach();
     if (Is("WriteOutside")) std::fclose(std::fopen("/tmp/xcodhost-corpus.log", "a"));
     if (Is("WriteOutside")) std::remove("/tmp/xcodhost-corpus.log");
     // A process of another session must not outlive the host either.
     const bool isChild = (Is("ProcessLeft") || Is("Hang")) && fork() == 0;
     if (isChild) setsid();
-    if (isChild || Is("Hang")) WaitForEver();
+    if (isChild || Is("Hang")) waitForEver();
 }
 
 } // namespace plugin

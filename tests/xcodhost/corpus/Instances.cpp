@@ -12,19 +12,19 @@ struct Functions {
     IUNKNOWN_C_GUTS;
     void (*main)(char*);
 };
-extern Functions functions;
+extern Functions gFunctions;
 
 struct Instance {
     Functions* block;
     SInt32 count;
 };
 
-std::set<Instance*> instances;
-Instance* newest = nullptr;
-Instance* lastAsked = nullptr;
-Instance* inUse = nullptr;
+std::set<Instance*> gInstances;
+Instance* gNewest = nullptr;
+Instance* gLastAsked = nullptr;
+Instance* gInUse = nullptr;
 
-CFUUIDRef Constant(const unsigned char (&b)[16]) {
+CFUUIDRef constant(const unsigned char (&b)[16]) {
     return CFUUIDGetConstantUUIDWithBytes(kCFAllocatorDefault, b[0], b[1], b[2], b[3], b[4], b[5], b[6], b[7],
                                           b[8], b[9], b[10], b[11], b[12], b[13], b[14], b[15]);
 }
@@ -35,29 +35,29 @@ constexpr unsigned char kHost[16] = {0x00, 0xD5, 0xFB, 0xFE, 0x3D, 0x3D, 0x40, 0
                                      0x9D, 0xCB, 0x92, 0xED, 0x69, 0x58, 0x34, 0xF8};
 constexpr unsigned char kUnknown[16] = {0, 0, 0, 0, 0, 0, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46};
 
-bool IsPlugInType(CFUUIDRef type) {
-    return !Is("NoType") && (CFEqual(type, Constant(kType)) || Is("AnyTypeAccepted"));
+bool isPlugInType(CFUUIDRef type) {
+    return !Is("NoType") && (CFEqual(type, constant(kType)) || Is("AnyTypeAccepted"));
 }
 
-bool IsInterface(REFIID identifier) {
+bool isInterface(REFIID identifier) {
     const CFUUIDRef asked = CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, identifier);
     if (Is("QueryTakesMemoryForGranted")) CFUUIDGetUUIDBytes(asked);
-    const bool isKnown = asked && ((CFEqual(asked, Constant(kHost)) && !Is("UnknownInterfaceOnly")) ||
-                                   (CFEqual(asked, Constant(kUnknown)) && !Is("HostInterfaceOnly")));
+    const bool isKnown = asked && ((CFEqual(asked, constant(kHost)) && !Is("UnknownInterfaceOnly")) ||
+                                   (CFEqual(asked, constant(kUnknown)) && !Is("HostInterfaceOnly")));
     if (asked) CFRelease(asked);
     return isKnown || Is("AnyInterfaceGiven");
 }
 
-HRESULT Refuse(LPVOID* place) {
+HRESULT refuse(LPVOID* place) {
     if (Is("IdentifierLeaked")) CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, CFUUIDBytes{});
-    if (Is("ReferenceForRefusal")) ++newest->count;
+    if (Is("ReferenceForRefusal")) ++gNewest->count;
     if (!Is("PlaceNotCleared")) *place = nullptr;
     return Is("WrongInterfaceCode") ? static_cast<HRESULT>(0x80004005) : E_NOINTERFACE;
 }
 
-HRESULT Query(void* self, REFIID identifier, LPVOID* place) {
-    if (!IsInterface(identifier)) return Refuse(place);
-    auto* const instance = lastAsked = static_cast<Instance*>(self);
+HRESULT query(void* self, REFIID identifier, LPVOID* place) {
+    if (!isInterface(identifier)) return refuse(place);
+    auto* const instance = gLastAsked = static_cast<Instance*>(self);
     if (Is("ReferenceBesideSlot")) {
         ++instance->count;
     } else if (!Is("NoReferenceForInterface")) {
@@ -68,26 +68,26 @@ HRESULT Query(void* self, REFIID identifier, LPVOID* place) {
     return S_OK;
 }
 
-SInt32& CountOf(Instance* instance) {
-    static SInt32 shared = 1;
-    return Is("SharedCount") ? shared : instance->count;
+SInt32& countOf(Instance* instance) {
+    static SInt32 gShared = 1;
+    return Is("SharedCount") ? gShared : instance->count;
 }
 
-Instance* New() {
+Instance* newInstance() {
     auto* const instance =
         Is("HeapInstance") ? new Instance : reinterpret_cast<Instance*>(NewPtr(sizeof(Instance)));
     if (!instance && !Is("MemoryTakenForGranted")) return nullptr;
-    instance->block = &functions;
-    CountOf(instance) = 1;
-    instances.insert(instance);
-    return newest = instance;
+    instance->block = &gFunctions;
+    countOf(instance) = 1;
+    gInstances.insert(instance);
+    return gNewest = instance;
 }
 
-void Dispose(Instance* instance) {
-    instances.erase(instance);
-    if (instance == lastAsked) lastAsked = nullptr;
+void dispose(Instance* instance) {
+    gInstances.erase(instance);
+    if (instance == gLastAsked) gLastAsked = nullptr;
     if (Is("OtherInstancesReset")) {
-        for (Instance* const other : instances) other->count = 0;
+        for (Instance* const other : gInstances) other->count = 0;
     }
     if (Is("HeapInstance")) {
         delete instance;
@@ -96,24 +96,24 @@ void Dispose(Instance* instance) {
     }
 }
 
-ULONG Count(void* self, int change) {
+ULONG changeCount(void* self, int change) {
     auto* const instance = static_cast<Instance*>(self);
-    SInt32 count = CountOf(instance) += change;
+    SInt32 count = countOf(instance) += change;
     if (Is("CountOf16Bits")) count = instance->count = static_cast<std::int16_t>(count);
-    if (change < 0 && count == 0) Dispose(instance);
+    if (change < 0 && count == 0) dispose(instance);
     if (Is("LastReleaseAnswersOne") && count == 0) return 1;
     return static_cast<ULONG>(Is("CountStartsAtZero") ? count - 1 : count);
 }
-ULONG AddOne(void* self) { return Count(self, 1); }
-ULONG TakeOne(void* self) { return Count(self, -1); }
+ULONG addOne(void* self) { return changeCount(self, 1); }
+ULONG takeOne(void* self) { return changeCount(self, -1); }
 
-Functions functions = {nullptr, &Query, &AddOne, &TakeOne, &Main};
+Functions gFunctions = {nullptr, &query, &addOne, &takeOne, &Main};
 
 } // namespace
 
-void ChangeFunctionBlock() { functions._reserved = &functions; }
-void NoteInstance() { inUse = lastAsked; }
-bool LacksItsInstance() { return inUse && inUse != lastAsked; }
+void ChangeFunctionBlock() { gFunctions._reserved = &gFunctions; }
+void NoteInstance() { gInUse = gLastAsked; }
+bool LacksItsInstance() { return gInUse && gInUse != gLastAsked; }
 
 } // namespace plugin
 
@@ -122,5 +122,5 @@ using namespace plugin;
 extern "C" [[gnu::visibility("default")]] void* MyFactory(CFAllocatorRef allocator, CFUUIDRef type) {
     if (Is("DefaultAllocatorOnly") && allocator != kCFAllocatorDefault) return nullptr;
     if (Is("FirstSlotFilled")) ChangeFunctionBlock();
-    return IsPlugInType(type) ? New() : nullptr;
+    return isPlugInType(type) ? newInstance() : nullptr;
 }

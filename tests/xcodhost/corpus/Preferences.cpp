@@ -14,16 +14,16 @@ namespace plugin {
 namespace {
 
 constexpr const char* kStatusFile = "/Library/Application Support/Korvane/Updater/install_status.txt";
-bool hasFailed = false;
+bool gHasFailed = false;
 
-std::string ListOf(const char* domain) { return std::string("/Library/Preferences/") + domain + ".plist"; }
-bool HasList(const char* domain) { return access(ListOf(domain).c_str(), F_OK) == 0; }
+std::string listOf(const char* domain) { return std::string("/Library/Preferences/") + domain + ".plist"; }
+bool hasList(const char* domain) { return access(listOf(domain).c_str(), F_OK) == 0; }
 
-void Release(CFTypeRef object) {
+void release(CFTypeRef object) {
     if (object || Is("StringTakenForGranted")) CFRelease(object);
 }
 
-void RemoveBrokenList(const std::string& list) {
+void removeBrokenList(const std::string& list) {
     std::FILE* const file = std::fopen(list.c_str(), "rb");
     if (!file) return;
     const bool isBroken = std::fseek(file, 0, SEEK_END) == 0 && std::ftell(file) < 50;
@@ -31,73 +31,73 @@ void RemoveBrokenList(const std::string& list) {
     if (isBroken) std::remove(list.c_str());
 }
 
-void Synchronise(const char* domain) {
+void synchronise(const char* domain) {
     const CFStringRef text = NewText(domain);
     if (text || Is("StringTakenForGranted")) {
         const bool isStored =
             CFPreferencesSynchronize(text, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
         if (!isStored && Is("ErrorForLostPreference")) NewText("lost");
-        if (!isStored && Is("BrokenListReplaced")) RemoveBrokenList(ListOf(domain));
+        if (!isStored && Is("BrokenListReplaced")) removeBrokenList(listOf(domain));
     }
-    Release(text);
+    release(text);
 }
 
-void Set(const char* domain, const char* key, CFPropertyListRef value) {
+void set(const char* domain, const char* key, CFPropertyListRef value) {
     const CFStringRef domainText = NewText(domain), keyText = NewText(key);
     if (domainText && keyText)
         CFPreferencesSetValue(keyText, value, domainText, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
-    Release(domainText);
-    Release(keyText);
+    release(domainText);
+    release(keyText);
 }
 
-bool HoldsVersions(const std::string& list) {
+bool holdsVersions(const std::string& list) {
     std::ifstream file(list, std::ios::binary);
     const std::string bytes(std::istreambuf_iterator<char>(file), {});
     return bytes.find("InstalledProducts") != std::string::npos;
 }
 
 /// Faults that show only in what a second installation finds.
-void LookAtOlderLists(const Product& product) {
-    const bool hasOwn = HasList(product.domain);
-    if (!HasList(kUpdater)) return;
+void lookAtOlderLists(const Product& product) {
+    const bool hasOwn = hasList(product.domain);
+    if (!hasList(kUpdater)) return;
     if (Is("AgainBeforePostInstall") && !hasOwn) SetText(kUpdater, "Again", "yes");
-    if (Is("OrderMatters") && HasList("com.korvane.audioplugins.Fusewright")) {
+    if (Is("OrderMatters") && hasList("com.korvane.audioplugins.Fusewright")) {
         DressFolder(true);
         SetText(kUpdater, "Late", "yes");
     }
-    if (Is("ReinstallationNoted") && hasOwn && HoldsVersions(ListOf(kUpdater)))
+    if (Is("ReinstallationNoted") && hasOwn && holdsVersions(listOf(kUpdater)))
         SetText(kUpdater, "Reinstalled", "yes");
 }
 
-enum class Status { Missing, Unreadable, Disabled, Enabled };
+enum class Status { kMissing, kUnreadable, kDisabled, kEnabled };
 
-Status ReadStatus() {
-    if (access(kStatusFile, F_OK) != 0) return Status::Missing;
+Status readStatus() {
+    if (access(kStatusFile, F_OK) != 0) return Status::kMissing;
     std::FILE* const file = std::fopen(kStatusFile, Is("StatusFileEmptied") ? "r+b" : "rb");
-    if (!file) return Status::Unreadable;
+    if (!file) return Status::kUnreadable;
     char start[15] = {};
     const bool isWhole = std::fread(start, 1, 14, file) == 14;
     const bool isEnabled =
         isWhole && (Is("CaseIgnored") ? strcasecmp : std::strcmp)(start, "UpdatesEnabled") == 0;
     if (!isEnabled && Is("StatusFileEmptied")) std::fputc('\n', file);
     std::fclose(file);
-    return isEnabled ? Status::Enabled : Status::Disabled;
+    return isEnabled ? Status::kEnabled : Status::kDisabled;
 }
 
-bool IsNever(Status status) {
+bool isNever(Status status) {
     if (Is("IntervalAlwaysTwo")) return false;
-    return status == Status::Disabled || (status == Status::Missing && Is("MissingMeansNever")) ||
-           (status == Status::Unreadable && Is("NeverWithUnreadableFile"));
+    return status == Status::kDisabled || (status == Status::kMissing && Is("MissingMeansNever")) ||
+           (status == Status::kUnreadable && Is("NeverWithUnreadableFile"));
 }
 
-void StoreFailure() {
-    hasFailed = true;
+void storeFailure() {
+    gHasFailed = true;
     if (Is("AlertWithUnreadableFile")) ShowAlert();
     if (!Is("FailureNotTold"))
         SetText(kUpdater, "InstallStatus", Is("FailureTextOther") ? "failed" : "Error opening file");
 }
 
-const char* Tag(std::int32_t language) {
+const char* tag(std::int32_t language) {
     const char* const tags[] = {"en", "fr", "de", "it", "en", "en", "es", "en", "en", "en", "en", "ja"};
     if (Is("NegativeLanguage") && language < 0) return "de";
     if (Is("JapaneseAsFrench") && language == 11) return "fr";
@@ -108,19 +108,19 @@ const char* Tag(std::int32_t language) {
 
 void SetText(const char* domain, const char* key, const char* text) {
     const CFStringRef value = NewText(text);
-    if (value) Set(domain, key, value);
-    Release(value);
-    Synchronise(domain);
+    if (value) set(domain, key, value);
+    release(value);
+    synchronise(domain);
 }
 
 void StoreVersion(const Product& product) {
     if (Is("Exit")) std::_Exit(3);
     while (Is("OutputFlood")) std::puts("more and more");
-    if (Is("FirstVersionStays") && HasList(kUpdater) && product.name[0] == 'T') return;
+    if (Is("FirstVersionStays") && hasList(kUpdater) && product.name[0] == 'T') return;
     if (Is("FileMade")) std::ofstream("/Library/install.log");
     if (Is("MoreStored")) SetText(kUpdater, "Installer", "VISE X");
-    if (Is("SynchronisedFirst")) Synchronise(kUpdater); // a crash in between would lose the value
-    LookAtOlderLists(product);
+    if (Is("SynchronisedFirst")) synchronise(kUpdater); // a crash in between would lose the value
+    lookAtOlderLists(product);
     std::string name = product.name;
     if (Is("VersionOfSpacelessName")) name.erase(0, name.find(' ') + 1);
     SetText(Is("VersionInOwnDomain") ? product.domain : kUpdater,
@@ -129,29 +129,29 @@ void StoreVersion(const Product& product) {
 
 void SetInterval(const Product& product) {
     const bool isSkipped = Is("OneProductWithoutInterval") && std::strcmp(product.name, "TCL") == 0;
-    const Status status = isSkipped ? Status::Enabled : ReadStatus();
-    if (status == Status::Missing && Is("FileTakenForGranted")) NewText("no file");
-    if (status == Status::Unreadable || (status == Status::Missing && Is("FailureWithoutFile")))
-        StoreFailure();
-    StoreInterval(IsNever(status) ? 0 : 2);
+    const Status status = isSkipped ? Status::kEnabled : readStatus();
+    if (status == Status::kMissing && Is("FileTakenForGranted")) NewText("no file");
+    if (status == Status::kUnreadable || (status == Status::kMissing && Is("FailureWithoutFile")))
+        storeFailure();
+    StoreInterval(isNever(status) ? 0 : 2);
 }
 
 void StoreInterval(int interval) {
     const CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &interval);
     if (!number && !Is("ValueRemovedWithoutNumber")) return;
-    Set(kUpdater, "UpdateInterval", number);
-    Release(number);
-    Synchronise(kUpdater);
+    set(kUpdater, "UpdateInterval", number);
+    release(number);
+    synchronise(kUpdater);
 }
 
 void StoreLanguage(const Product& product, std::int32_t language) {
-    const bool isFirst = !HasList(product.domain);
+    const bool isFirst = !hasList(product.domain);
     if (Is("FirstLanguageStays") && !isFirst && std::strcmp(product.name, "Tamblor") == 0) return;
-    if (Is("NoLanguageAfterFailure") && hasFailed) return;
-    if (Is("PreferencesReplaced")) std::remove(ListOf(product.domain).c_str());
-    if (!Is("LanguageInUpdaterDomain")) SetText(product.domain, "Lang", Tag(language));
+    if (Is("NoLanguageAfterFailure") && gHasFailed) return;
+    if (Is("PreferencesReplaced")) std::remove(listOf(product.domain).c_str());
+    if (!Is("LanguageInUpdaterDomain")) SetText(product.domain, "Lang", tag(language));
     if (Is("LanguageInUpdaterDomain") || Is("LanguageInBothDomains"))
-        SetText(kUpdater, "Lang", Tag(language));
+        SetText(kUpdater, "Lang", tag(language));
 }
 
 } // namespace plugin

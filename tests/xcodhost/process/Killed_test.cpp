@@ -12,16 +12,16 @@
 
 namespace {
 
-std::vector<pid_t> ChildrenOf(pid_t process) {
+std::vector<pid_t> childrenOf(pid_t process) {
     const std::string id = std::to_string(process);
     std::ifstream list("/proc/" + id + "/task/" + id + "/children");
     return {std::istream_iterator<pid_t>(list), {}};
 }
 
-std::vector<pid_t> DescendantsOf(pid_t process) {
-    std::vector<pid_t> all = ChildrenOf(process);
+std::vector<pid_t> descendantsOf(pid_t process) {
+    std::vector<pid_t> all = childrenOf(process);
     for (std::size_t i = 0; i < all.size(); ++i) {
-        const std::vector<pid_t> children = ChildrenOf(all[i]);
+        const std::vector<pid_t> children = childrenOf(all[i]);
         all.insert(all.end(), children.begin(), children.end());
     }
     return all;
@@ -29,13 +29,13 @@ std::vector<pid_t> DescendantsOf(pid_t process) {
 
 /// Runs a bundle that starts a process of another session and hangs; answers the tool's process when all of
 /// its processes are there, and those.
-pid_t StartHanging(const std::string& bundle, const std::string& scratch, std::vector<pid_t>& descendants) {
+pid_t startHanging(const std::string& bundle, const std::string& scratch, std::vector<pid_t>& descendants) {
     const pid_t tool =
         StartHost({"validate", bundle, "--include", "dispatch.post-install", "--timeout", "600"},
                   {"/dev/null", "/dev/null", "/dev/null"}, scratch);
     constexpr std::size_t workerCheckAndLeftBehind = 3;
     while (descendants.size() < workerCheckAndLeftBehind && waitpid(tool, nullptr, WNOHANG) == 0) {
-        descendants = DescendantsOf(tool);
+        descendants = descendantsOf(tool);
         sched_yield();
     }
     return tool;
@@ -47,7 +47,7 @@ TEST_P(AKilledTool, LeavesNoProcessAndNoFile) {
     const CorpusBundle bundle("Hang");
     const TemporaryFolder scratch;
     std::vector<pid_t> descendants;
-    const pid_t tool = StartHanging(bundle.Path(), scratch.Path(), descendants);
+    const pid_t tool = startHanging(bundle.Path(), scratch.Path(), descendants);
     std::vector<pollfd> ends;
     for (const pid_t process : descendants) {
         ends.push_back({static_cast<int>(syscall(SYS_pidfd_open, process, 0)), POLLIN, 0});

@@ -16,7 +16,7 @@ using testing::StartsWith;
 
 namespace {
 
-std::string Call(const std::string& product) {
+std::string call(const std::string& product) {
     return "XCodMain(selector 1000, message 2 (pre-install), product " + product + ", language 0)";
 }
 
@@ -42,19 +42,19 @@ INSTANTIATE_TEST_SUITE_P(
     Run, AMisdeed,
     testing::ValuesIn(std::vector<Misdeed>{
         {"None", "--product 0", 0, "DONE 0 changes"},
-        {"Crash", "--product 1", 4, "FAIL crashed in " + Call("1") + ": SIGSEGV (Segmentation fault)"},
+        {"Crash", "--product 1", 4, "FAIL crashed in " + call("1") + ": SIGSEGV (Segmentation fault)"},
         {"CrashWhenDirect", "--product 1 --direct --event pre", 4,
          "FAIL crashed in PreInstall(selector 1000, message 2 (pre-install), product 1, language 0): "
          "SIGSEGV (Segmentation fault)"},
-        {"Hang", "--product 2 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + Call("2")},
-        {"Exception", "--product 3", 4, "FAIL exception std::runtime_error \"no good\" left " + Call("3")},
-        {"ThrownNumber", "--product 4", 4, "FAIL exception int left " + Call("4")},
-        {"Exit", "--product 5", 4, "FAIL ended the process in " + Call("5") + ": exit status 7"},
+        {"Hang", "--product 2 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + call("2")},
+        {"Exception", "--product 3", 4, "FAIL exception std::runtime_error \"no good\" left " + call("3")},
+        {"ThrownNumber", "--product 4", 4, "FAIL exception int left " + call("4")},
+        {"Exit", "--product 5", 4, "FAIL ended the process in " + call("5") + ": exit status 7"},
         {"ErrorBit", "--product 6", 1, "FAIL error bit set by pre-install (0 changes)"},
         {"ErrorBitOfPostInstall", "--product 6 --event post", 1,
          "FAIL error bit set by post-install (0 changes)"},
         {"ProcessLeftBehind", "--product 9", 0, "DONE 0 changes"},
-        {"AlertsWithoutEnd", "--product 13 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + Call("13")},
+        {"AlertsWithoutEnd", "--product 13 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + call("13")},
         {"StandardInputIsEmpty", "--product 17", 0, "DONE 0 changes"},
     }),
     [](const auto& row) { return row.param.name; });

@@ -34,7 +34,7 @@ struct Validation {
     }
 };
 
-Validation Validate(const std::string& bundle, const std::string& more = {}) {
+Validation validate(const std::string& bundle, const std::string& more = {}) {
     const HostTool run = RunHostWith({"validate", bundle, "--json"}, more);
     return {run.ExitStatus(), json::parse(run.out)};
 }
@@ -171,7 +171,7 @@ TEST_P(AFault, IsFoundByTheCheckThatItBreaksAndNoOther) {
 #endif
     const CorpusBundle bundle(GetParam().name);
     const bool hangs = GetParam().status == 5;
-    const Validation found = Validate(bundle.Path(), hangs ? "--timeout 1" : "--timeout 60");
+    const Validation found = validate(bundle.Path(), hangs ? "--timeout 1" : "--timeout 60");
     EXPECT_THAT(found.Failed(), ElementsAre(GetParam().check));
     EXPECT_EQ(found.status, GetParam().status);
     const json check = found.Check(GetParam().check);
@@ -185,8 +185,8 @@ INSTANTIATE_TEST_SUITE_P(Validate, AFault, testing::ValuesIn(kFaults),
 
 TEST(Validate, ToldFactoryNameIsTheInstallers) {
     const CorpusBundle bundle("None", "PreInstall");
-    EXPECT_EQ(Validate(bundle.Path(), "--include bundle.factory-name").status, 1);
-    EXPECT_EQ(Validate("/not/there.bundle").status, 3);
+    EXPECT_EQ(validate(bundle.Path(), "--include bundle.factory-name").status, 1);
+    EXPECT_EQ(validate("/not/there.bundle").status, 3);
 }
 
 TEST(Validate, PassesGoodBundles) {
@@ -246,7 +246,7 @@ TEST(Validate, ExplainsAChecks) {
 
 /// Runs a program with the system's Python, which has the packaged modules; it ends with 0 where it finds the
 /// file as it must be.
-int Python(const std::string& program, const std::string& file) {
+int python(const std::string& program, const std::string& file) {
     const TemporaryFolder folder;
     return std::system(("/usr/bin/python3 " + folder.Write("program.py", program) + " " + file).c_str());
 }
@@ -257,7 +257,7 @@ TEST(Validate, WritesFilesThatOthersRead) {
     const std::string junit = folder.Write("junit.xml", "old");
     const std::string html = folder.Write("page.html", "old");
     EXPECT_EQ(RunHost({"validate", bundle.Path(), "--junit", junit, "--html", html}).ExitStatus(), 1);
-    EXPECT_EQ(Python("import sys\n"
+    EXPECT_EQ(python("import sys\n"
                      "from junitparser import JUnitXml\n"
                      "xml = JUnitXml.fromfile(sys.argv[1])\n"
                      "cases = [case for suite in xml for case in suite]\n"
@@ -271,7 +271,7 @@ TEST(Validate, WritesFilesThatOthersRead) {
                      junit),
               0);
     EXPECT_EQ(
-        Python(
+        python(
             "import sys\n"
             "from html.parser import HTMLParser\n"
             "class Page(HTMLParser):\n"

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 const char kUpdater[] = "Library/Preferences/com.korvane.updater.plist";
 const char kStatusFolder[] = "Library/Application Support/Korvane/Updater";
 
-bool IsBelow(const std::string& path, const std::string& folder) {
+bool isBelow(const std::string& path, const std::string& folder) {
     return path.rfind(folder + '/', 0) == 0 || path == folder;
 }
 
@@ -88,8 +88,8 @@ protected:
             std::vector<std::string> paths = call.Paths();
             if (!call.opened.empty()) paths.push_back(call.opened);
             for (const std::string& path : paths) {
-                const bool isChange = call.Changes() && !IsBelow(path, volume) && !IsBelow(path, "/dev");
-                if (isChange || IsBelow(path, outside)) stray.push_back(line);
+                const bool isChange = call.Changes() && !isBelow(path, volume) && !isBelow(path, "/dev");
+                if (isChange || isBelow(path, outside)) stray.push_back(line);
             }
         }
         return stray;

@@ -9,7 +9,7 @@ namespace xcodhost {
 namespace {
 
 /// Error flags that come back other than they were given, but for bit 0 of a call that is refused.
-void ExpectFlagsKept(Trial& trial, ParameterBlock block, Entry entry) {
+void expectFlagsKept(Trial& trial, ParameterBlock block, Entry entry) {
     const bool isRefused = block.Selector() != kInstallerSelector;
     for (int bit = 0; bit < 34; ++bit) {
         const std::uint32_t given = bit == 32 ? 0xFFFFFFFE : bit == 33 ? 0xFFFFFFFF : std::uint32_t{1} << bit;
@@ -21,17 +21,17 @@ void ExpectFlagsKept(Trial& trial, ParameterBlock block, Entry entry) {
     }
 }
 
-void OtherErrorBitsStay(Trial& trial) {
+void otherErrorBitsStay(Trial& trial) {
     trial.WatchVolume(false);
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
-        ExpectFlagsKept(trial, {std::uint16_t{999}, message, 4900, 0}, Entry::Main);
-        ExpectFlagsKept(trial, Event(message, 1234), Entry::Main);
+        expectFlagsKept(trial, {std::uint16_t{999}, message, 4900, 0}, Entry::kMain);
+        expectFlagsKept(trial, Event(message, 1234), Entry::kMain);
     }
-    ExpectFlagsKept(trial, Event(4, 4900), Entry::Main);
+    expectFlagsKept(trial, Event(4, 4900), Entry::kMain);
 }
 
 /// Known products: bits that were set before must still be there, and none may be added.
-void GoodCallKeepsFlags(Trial& trial) {
+void goodCallKeepsFlags(Trial& trial) {
     trial.WatchVolume(false);
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const ProductContract& product : kProducts) {
@@ -45,7 +45,7 @@ void GoodCallKeepsFlags(Trial& trial) {
     }
 }
 
-void RestOfBlockStays(Trial& trial) {
+void restOfBlockStays(Trial& trial) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall, std::uint16_t{4}}) {
         for (const std::uint16_t selector : {kInstallerSelector, std::uint16_t{7}}) {
             const std::string bytes = trial.Deliver({selector, message, 4900, 11}).otherBytes;
@@ -55,12 +55,12 @@ void RestOfBlockStays(Trial& trial) {
 }
 
 /// Two deliveries of blocks that mean the same have the same effects on fresh volumes.
-void ExpectSameEffects(Trial& trial, const ParameterBlock& plain, const ParameterBlock& other,
+void expectSameEffects(Trial& trial, const ParameterBlock& plain, const ParameterBlock& other,
                        std::size_t misalignment, const char* expected) {
     trial.UseFreshVolume();
     const Outcome wanted = trial.Deliver(plain);
     trial.UseFreshVolume();
-    const Outcome seen = trial.Deliver(other, Entry::Main, misalignment);
+    const Outcome seen = trial.Deliver(other, Entry::kMain, misalignment);
     const std::string wantedText = Describe(wanted.changes);
     const std::string seenText = Describe(seen.changes);
     trial.Expect(seenText == wantedText, std::string(expected) + ": " + wantedText, seenText);
@@ -69,21 +69,21 @@ void ExpectSameEffects(Trial& trial, const ParameterBlock& plain, const Paramete
                  Hex(seen.flagsAfter, 8));
 }
 
-void AnyAddressWorks(Trial& trial) {
+void anyAddressWorks(Trial& trial) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const std::size_t misalignment : {1u, 2u, 3u, 5u, 7u}) {
-            ExpectSameEffects(trial, Event(message, 4900, 11), Event(message, 4900, 11), misalignment,
+            expectSameEffects(trial, Event(message, 4900, 11), Event(message, 4900, 11), misalignment,
                               "the same at an odd address");
         }
     }
 }
 
-void HostFieldsAreNotRead(Trial& trial) {
+void hostFieldsAreNotRead(Trial& trial) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const char byte : {'\x01', '\x7F', '\xFF'}) {
             ParameterBlock filled = Event(message, 4900, 11);
             filled.FillHostFields(byte);
-            ExpectSameEffects(trial, Event(message, 4900, 11), filled, 0,
+            expectSameEffects(trial, Event(message, 4900, 11), filled, 0,
                               "the same whatever the host's fields hold");
         }
     }
@@ -98,18 +98,18 @@ std::vector<Check> BlockChecks() {
          "The other bits are the host's and other plug-ins'. Each of the 32 is tried alone, with refused "
          "calls, "
          "unknown products and other messages.",
-         events, &OtherErrorBitsStay},
+         events, &otherErrorBitsStay},
         {"block.no-error", "An event that is carried out leaves the error flags as they are.",
          "A set bit makes the installer tell the user that the installation failed.", events,
-         &GoodCallKeepsFlags},
+         &goodCallKeepsFlags},
         {"block.rest", "No other byte of the block changes, nor any around it.",
          "The block is the host's own record and goes on after the last field that a plug-in reads.", events,
-         &RestOfBlockStays},
+         &restOfBlockStays},
         {"block.odd-address", "The block may lie at any address.",
          "The host promises no alignment; fields must be copied, not dereferenced.", events,
-         &AnyAddressWorks},
+         &anyAddressWorks},
         {"block.host-fields", "The host's own fields are not read.",
-         "Bytes 12 to 609 mean nothing to a plug-in.", events, &HostFieldsAreNotRead},
+         "Bytes 12 to 609 mean nothing to a plug-in.", events, &hostFieldsAreNotRead},
     };
 }
 

@@ -11,43 +11,43 @@ namespace xcodhost {
 namespace {
 
 /// Only whether the calls come back: what they do is looked at by others.
-void DeliverAll(Trial& trial, std::uint16_t message) {
+void deliverAll(Trial& trial, std::uint16_t message) {
     trial.WatchVolume(false);
     for (const ProductContract& product : kProducts) trial.Deliver(Event(message, product.code));
     for (const std::int32_t product : kUnknownProducts) trial.Deliver(Event(message, product));
 }
-void PreInstallReturns(Trial& trial) { DeliverAll(trial, kPreInstall); }
-void PostInstallReturns(Trial& trial) {
-    DeliverAll(trial, kPostInstall);
+void preInstallReturns(Trial& trial) { deliverAll(trial, kPreInstall); }
+void postInstallReturns(Trial& trial) {
+    deliverAll(trial, kPostInstall);
     for (const LanguageContract& language : kLanguages) {
         trial.Deliver(Event(kPostInstall, 4900, language.code));
     }
     for (const std::int32_t language : kOtherLanguages) trial.Deliver(Event(kPostInstall, 4900, language));
 }
 
-bool IsVersionKey(const PreferenceChange& change) { return change.key.rfind("InstalledProducts/", 0) == 0; }
-bool IsPostInstallKey(const PreferenceChange& change) {
+bool isVersionKey(const PreferenceChange& change) { return change.key.rfind("InstalledProducts/", 0) == 0; }
+bool isPostInstallKey(const PreferenceChange& change) {
     return change.key == kIntervalKey || change.key == kLanguageKey;
 }
 
-void PreInstallRunsAlone(Trial& trial) {
+void preInstallRunsAlone(Trial& trial) {
     const Changes changes = trial.Deliver(Event(kPreInstall, 4900)).changes;
     const bool isAlone =
-        std::none_of(changes.preferences.begin(), changes.preferences.end(), &IsPostInstallKey) &&
+        std::none_of(changes.preferences.begin(), changes.preferences.end(), &isPostInstallKey) &&
         changes.finderFlags.empty();
     trial.Expect(isAlone, "message 2 has the effects of the pre-install step only", Describe(changes));
 }
 
-void PostInstallRunsAlone(Trial& trial) {
+void postInstallRunsAlone(Trial& trial) {
     const Changes changes = trial.Deliver(Event(kPostInstall, 4900)).changes;
-    trial.Expect(std::none_of(changes.preferences.begin(), changes.preferences.end(), &IsVersionKey),
+    trial.Expect(std::none_of(changes.preferences.begin(), changes.preferences.end(), &isVersionKey),
                  "message 3 has the effects of the post-install step only", Describe(changes));
 }
 
 constexpr std::uint16_t kOtherMessages[] = {0,      1,      4,      5,    6,      0x0102,
                                             0x0103, 0x0202, 0x0300, 1000, 0x8002, 0xFFFF};
 
-void OtherMessagesDoNothing(Trial& trial) {
+void otherMessagesDoNothing(Trial& trial) {
     for (const std::uint16_t message : kOtherMessages) {
         const Outcome outcome = trial.Deliver(Event(message, 4900));
         trial.ExpectNoEffect(outcome);
@@ -59,7 +59,7 @@ void OtherMessagesDoNothing(Trial& trial) {
 constexpr std::uint16_t kWrongSelectors[] = {0, 7, 999, 1001, 1000 + 256, 0x8000 | 1000, 0xFFFF};
 
 template <typename Look>
-void ForEachWrongSelector(Trial& trial, Look look) {
+void forEachWrongSelector(Trial& trial, Look look) {
     for (const std::uint16_t selector : kWrongSelectors) {
         for (const std::uint16_t message : {kPreInstall, kPostInstall, std::uint16_t{4}}) {
             look(trial.Deliver({selector, message, 4900, 0}));
@@ -67,29 +67,29 @@ void ForEachWrongSelector(Trial& trial, Look look) {
     }
 }
 
-void WrongSelectorSetsBit(Trial& trial) {
-    ForEachWrongSelector(trial, [&](const Outcome& outcome) {
+void wrongSelectorSetsBit(Trial& trial) {
+    forEachWrongSelector(trial, [&](const Outcome& outcome) {
         trial.Expect((outcome.flagsAfter & 1) != 0, "bit 0 of the error flags is set",
                      Hex(outcome.flagsAfter, 8));
     });
 }
-void WrongSelectorIsSilent(Trial& trial) {
-    ForEachWrongSelector(trial, [&](const Outcome& outcome) {
+void wrongSelectorIsSilent(Trial& trial) {
+    forEachWrongSelector(trial, [&](const Outcome& outcome) {
         trial.Expect(outcome.alerts.empty(), "the main entry shows no alert", Describe(outcome.alerts));
     });
 }
-void WrongSelectorDoesNothing(Trial& trial) {
-    ForEachWrongSelector(trial, [&](const Outcome& outcome) { trial.ExpectNoEffect(outcome); });
+void wrongSelectorDoesNothing(Trial& trial) {
+    forEachWrongSelector(trial, [&](const Outcome& outcome) { trial.ExpectNoEffect(outcome); });
 }
 
-VolumeState AfterEvents(Trial& trial, std::initializer_list<std::uint16_t> messages) {
+VolumeState afterEvents(Trial& trial, std::initializer_list<std::uint16_t> messages) {
     trial.UseFreshVolume();
     for (const std::uint16_t message : messages) trial.Deliver(Event(message, 4900, 11));
     return trial.Look();
 }
 
 /// Files of two volumes never have the same inodes, and their times are no matter.
-VolumeState WithoutIdentity(VolumeState state) {
+VolumeState withoutIdentity(VolumeState state) {
     for (auto& [path, item] : state.items) {
         item.device = item.inode = 0;
         item.modified = 0;
@@ -97,18 +97,18 @@ VolumeState WithoutIdentity(VolumeState state) {
     return state;
 }
 
-void ExpectSameVolume(Trial& trial, VolumeState wanted, VolumeState seen, const char* expected) {
-    const Changes changes = Compare(WithoutIdentity(std::move(wanted)), WithoutIdentity(std::move(seen)));
+void expectSameVolume(Trial& trial, VolumeState wanted, VolumeState seen, const char* expected) {
+    const Changes changes = Compare(withoutIdentity(std::move(wanted)), withoutIdentity(std::move(seen)));
     trial.Expect(changes.Count() == 0, expected, Describe(changes));
 }
 
-void OrderDoesNotMatter(Trial& trial) {
-    const VolumeState right = AfterEvents(trial, {kPreInstall, kPostInstall});
-    const VolumeState wrong = AfterEvents(trial, {kPostInstall, kPreInstall});
-    ExpectSameVolume(trial, right, wrong, "post-install before pre-install leaves the same volume");
+void orderDoesNotMatter(Trial& trial) {
+    const VolumeState right = afterEvents(trial, {kPreInstall, kPostInstall});
+    const VolumeState wrong = afterEvents(trial, {kPostInstall, kPreInstall});
+    expectSameVolume(trial, right, wrong, "post-install before pre-install leaves the same volume");
 }
 
-void SecondRunChangesNothing(Trial& trial) {
+void secondRunChangesNothing(Trial& trial) {
     for (const ProductContract& product : kProducts) {
         const auto run = [&] {
             const Changes before = trial.Deliver(Event(kPreInstall, product.code)).changes;
@@ -122,14 +122,14 @@ void SecondRunChangesNothing(Trial& trial) {
     }
 }
 
-void EachEventTwiceIsTheSame(Trial& trial) {
-    const VolumeState once = AfterEvents(trial, {kPreInstall, kPostInstall});
-    const VolumeState twice = AfterEvents(trial, {kPreInstall, kPreInstall, kPostInstall, kPostInstall});
-    ExpectSameVolume(trial, once, twice, "events that come twice leave the same volume");
+void eachEventTwiceIsTheSame(Trial& trial) {
+    const VolumeState once = afterEvents(trial, {kPreInstall, kPostInstall});
+    const VolumeState twice = afterEvents(trial, {kPreInstall, kPreInstall, kPostInstall, kPostInstall});
+    expectSameVolume(trial, once, twice, "events that come twice leave the same volume");
 }
 
-void TwoInstancesWork(Trial& trial) {
-    const VolumeState one = AfterEvents(trial, {kPreInstall, kPostInstall});
+void twoInstancesWork(Trial& trial) {
+    const VolumeState one = afterEvents(trial, {kPreInstall, kPostInstall});
     trial.UseFreshVolume();
     FunctionBlock** const other = trial.Bundle().MakeInstance();
     trial.Deliver(Event(kPreInstall, 4900, 11));
@@ -138,7 +138,7 @@ void TwoInstancesWork(Trial& trial) {
         trial.Bundle().Inside({"AddRef", "the other instance", {}}, [&] { return (*other)->AddRef(other); });
     trial.Expect(count == 2, "the other instance lives on with 1 reference", std::to_string(count - 1));
     trial.Deliver(Event(kPostInstall, 4900, 11)); // through a third
-    ExpectSameVolume(trial, one, trial.Look(), "events through two instances leave the same volume");
+    expectSameVolume(trial, one, trial.Look(), "events through two instances leave the same volume");
 }
 
 } // namespace
@@ -150,41 +150,41 @@ std::vector<Check> DispatchChecks() {
          "The pre-install event comes back for every product, known or not.",
          "A crash, a hang, an exit or an exception is told with the call that it happened in.",
          {"interface.adds-reference"},
-         &PreInstallReturns},
+         &preInstallReturns},
         {"dispatch.post-install",
          "The post-install event comes back for every product and language, known or not.",
          "A crash, a hang, an exit or an exception is told with the call that it happened in.",
          {"interface.adds-reference"},
-         &PostInstallReturns},
+         &postInstallReturns},
         {"dispatch.pre-install-alone", "Message 2 runs the pre-install step only.",
          "The products' files are not there yet: the Finder's flags and the language come later.", events,
-         &PreInstallRunsAlone},
+         &preInstallRunsAlone},
         {"dispatch.post-install-alone", "Message 3 runs the post-install step only.",
-         "The version is noted before the installation.", events, &PostInstallRunsAlone},
+         "The version is noted before the installation.", events, &postInstallRunsAlone},
         {"dispatch.other-messages", "Any other message has no effect and sets no error bit.",
          "The installer sends more messages than the two; they are none of the plug-in's business.", events,
-         &OtherMessagesDoNothing},
+         &otherMessagesDoNothing},
         {"dispatch.wrong-selector", "A selector other than 1000 sets bit 0 of the error flags.",
-         "The selector is compared as 16 bits.", events, &WrongSelectorSetsBit},
+         "The selector is compared as 16 bits.", events, &wrongSelectorSetsBit},
         {"dispatch.wrong-selector-silent", "The main entry shows no alert for a wrong selector.",
-         "Only the steps, when they are called directly, talk to the user.", events, &WrongSelectorIsSilent},
+         "Only the steps, when they are called directly, talk to the user.", events, &wrongSelectorIsSilent},
         {"dispatch.wrong-selector-idle", "A wrong selector has no effect on the volume.",
-         "Neither step runs.", events, &WrongSelectorDoesNothing},
+         "Neither step runs.", events, &wrongSelectorDoesNothing},
         {"dispatch.order", "The events may come in the wrong order.",
          "The two steps write to different places, so that their order does not matter.", events,
-         &OrderDoesNotMatter},
+         &orderDoesNotMatter},
         {"dispatch.twice", "Each event may come twice in a row.", "A step stores values; it does not add up.",
-         events, &EachEventTwiceIsTheSame},
+         events, &eachEventTwiceIsTheSame},
         {"dispatch.second-run",
          "A second installation of the same product changes nothing.",
          "Installing again is what users do when something looks wrong.",
          {"dispatch.order", "pre-install.nothing-else", "post-install.nothing-else"},
-         &SecondRunChangesNothing},
+         &secondRunChangesNothing},
         {"dispatch.two-instances",
          "Two instances may be in use at once.",
          "Releasing one must not take anything from the other.",
          {"dispatch.pre-install", "dispatch.post-install", "factory.two-instances", "references.zero"},
-         &TwoInstancesWork},
+         &twoInstancesWork},
     };
 }
 

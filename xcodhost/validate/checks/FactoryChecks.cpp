@@ -12,10 +12,10 @@ namespace xcodhost {
 
 namespace {
 
-void RightTypeGivesInstance(Trial& trial) { trial.Bundle().MakeInstance(); }
+void rightTypeGivesInstance(Trial& trial) { trial.Bundle().MakeInstance(); }
 
 /// Asks for an instance of the type; whatever comes back is released again.
-void ExpectNoInstance(Trial& trial, FactoryFunction make, const CFUUIDBytes& type) {
+void expectNoInstance(Trial& trial, FactoryFunction make, const CFUUIDBytes& type) {
     const Owned<CFUUIDRef> identifier(CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, type));
     const std::size_t before = macplatform::LiveObjectCount();
     void* const instance = trial.Bundle().Inside({kFactoryFunction, "type " + Describe(type), {}},
@@ -26,19 +26,19 @@ void ExpectNoInstance(Trial& trial, FactoryFunction make, const CFUUIDBytes& typ
                  Counted(after - before, "object") + " more");
 }
 
-void WrongTypesAreRefused(Trial& trial) {
+void wrongTypesAreRefused(Trial& trial) {
     const FactoryFunction make = trial.Factory();
     for (const CFUUIDBytes& type : {CFUUIDBytes{}, kHostInterface, kUnknownInterface}) {
-        ExpectNoInstance(trial, make, type);
+        expectNoInstance(trial, make, type);
     }
     for (std::size_t byte = 0; byte < sizeof kPluginType; ++byte) {
         CFUUIDBytes near = kPluginType;
         reinterpret_cast<unsigned char*>(&near)[byte] ^= 1;
-        ExpectNoInstance(trial, make, near);
+        expectNoInstance(trial, make, near);
     }
 }
 
-void AllocatorIsIgnored(Trial& trial) {
+void allocatorIsIgnored(Trial& trial) {
     const FactoryFunction make = trial.Factory();
     void* const instance = trial.Bundle().Inside({kFactoryFunction, "the system's allocator", {}}, [&] {
         return make(kCFAllocatorSystemDefault, ConstantIdentifier(kPluginType));
@@ -46,7 +46,7 @@ void AllocatorIsIgnored(Trial& trial) {
     trial.Expect(instance, "an instance with any allocator", "null with kCFAllocatorSystemDefault");
 }
 
-void InstanceLiesInPointerBlock(Trial& trial) {
+void instanceLiesInPointerBlock(Trial& trial) {
     bool hasAsked = false;
     trial.AtEachCall([&](const macplatform::JournalEntry& entry) { hasAsked |= entry.call == "NewPtr"; });
     trial.Bundle().MakeInstance();
@@ -54,7 +54,7 @@ void InstanceLiesInPointerBlock(Trial& trial) {
     trial.Expect(hasAsked, "the instance is allocated by NewPtr", "NewPtr was not called");
 }
 
-void NoMemoryGivesNothing(Trial& trial) {
+void noMemoryGivesNothing(Trial& trial) {
     const FactoryFunction make = trial.Factory();
     trial.ForgetObjects();
     macplatform::OrderFault({"NewPtr", 0, 0});
@@ -68,7 +68,7 @@ void NoMemoryGivesNothing(Trial& trial) {
                  Counted(trial.ObjectsLeft().size(), "object"));
 }
 
-void InstancesAreTheirOwn(Trial& trial) {
+void instancesAreTheirOwn(Trial& trial) {
     FunctionBlock** const first = trial.Bundle().MakeInstance();
     FunctionBlock** const second = trial.Bundle().MakeInstance();
     trial.Expect(first != second, "each call makes a new instance", "the same instance twice");
@@ -79,14 +79,14 @@ void InstancesAreTheirOwn(Trial& trial) {
     trial.Expect(count == 2, "the second instance counts for itself: 2", std::to_string(count));
 }
 
-void SlotsAreFilled(Trial& trial) {
+void slotsAreFilled(Trial& trial) {
     const FunctionBlock& block = **trial.Bundle().MakeInstance();
     trial.Expect(!block._reserved, "the first slot is null", "it is not null");
     trial.Expect(block.AddRef, "the AddRef slot is filled", "it is null");
     trial.Expect(block.main, "the main entry's slot is filled", "it is null");
 }
 
-void BlockIsConstant(Trial& trial) {
+void blockIsConstant(Trial& trial) {
     FunctionBlock* const block = *trial.Bundle().MakeInstance();
     FunctionBlock before = *block;
     trial.Deliver(Event(kPreInstall, 4900));
@@ -107,40 +107,40 @@ std::vector<Check> FactoryChecks() {
          "The instance's first word points to the function block, whose QueryInterface and Release are "
          "filled.",
          {"bundle.loads"},
-         &RightTypeGivesInstance},
+         &rightTypeGivesInstance},
         {"factory.wrong-types", "For any other type the factory answers null and allocates nothing.",
          "The type is compared as a whole: types that differ in one bit are asked for as well.", loaded,
-         &WrongTypesAreRefused},
+         &wrongTypesAreRefused},
         {"factory.allocator",
          "The factory ignores the allocator that it is given.",
          "The installer's allocator is not meant for instances.",
          {"factory.right-type", "bundle.factory-name"},
-         &AllocatorIsIgnored},
+         &allocatorIsIgnored},
         {"factory.pointer-block",
          "The instance lies in a block of the Memory Manager.",
          "It is allocated by NewPtr and freed by DisposePtr.",
          {"factory.right-type"},
-         &InstanceLiesInPointerBlock},
+         &instanceLiesInPointerBlock},
         {"factory.no-memory",
          "Without memory the factory answers null.",
          "NewPtr is made to answer null; writing through it would take the installer down.",
          {"factory.right-type", "factory.pointer-block", "bundle.factory-name"},
-         &NoMemoryGivesNothing},
+         &noMemoryGivesNothing},
         {"factory.two-instances",
          "Two instances at once count their references apart.",
          "An instance that is a static object, or a count that is, breaks this.",
          {"references.counting"},
-         &InstancesAreTheirOwn},
+         &instancesAreTheirOwn},
         {"function-block.slots",
          "The function block holds null, QueryInterface, AddRef, Release and the main entry.",
          "The installer calls through these places.",
          {"factory.right-type"},
-         &SlotsAreFilled},
+         &slotsAreFilled},
         {"function-block.constant",
          "All instances share one function block, which never changes.",
          "It is a static table.",
          {"interface.host", "dispatch.pre-install", "dispatch.post-install"},
-         &BlockIsConstant},
+         &blockIsConstant},
     };
 }
 

@@ -16,13 +16,13 @@ namespace {
 
 constexpr std::uint16_t kEvents[] = {kPreInstall, kPostInstall};
 
-std::size_t CallsOf(const std::string& name, const Outcome& outcome) {
+std::size_t callsOf(const std::string& name, const Outcome& outcome) {
     return static_cast<std::size_t>(std::count_if(outcome.calls.begin(), outcome.calls.end(),
                                                   [&](const auto& entry) { return entry.call == name; }));
 }
 
 /// A preferences file that was written holds whole values that belong there, or is what it was.
-void ExpectNothingHalfWritten(Trial& trial, const Outcome& outcome, const std::string& fault) {
+void expectNothingHalfWritten(Trial& trial, const Outcome& outcome, const std::string& fault) {
     for (const auto& [domain, file] : trial.Look().preferences) {
         trial.Expect(file.problem.empty(), fault + ": every preferences file can be read",
                      file.path + ' ' + file.problem);
@@ -37,12 +37,12 @@ void ExpectNothingHalfWritten(Trial& trial, const Outcome& outcome, const std::s
 }
 
 /// Delivers both events once for each call of this name that a good delivery makes, that call failing.
-void ExpectHarmless(Trial& trial, const std::vector<std::string>& names, long code) {
+void expectHarmless(Trial& trial, const std::vector<std::string>& names, long code) {
     for (const std::uint16_t message : kEvents) {
         trial.UseFreshVolume();
         const Outcome good = trial.Deliver(Event(message, 4900));
         for (const std::string& name : names) {
-            for (std::size_t skip = 0; skip < CallsOf(name, good); ++skip) {
+            for (std::size_t skip = 0; skip < callsOf(name, good); ++skip) {
                 trial.UseFreshVolume();
                 trial.Write("/Library/Preferences/com.korvane.updater.plist",
                             "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>UpdateInterval</key>"
@@ -52,7 +52,7 @@ void ExpectHarmless(Trial& trial, const std::vector<std::string>& names, long co
                 const Outcome outcome = trial.Deliver(Event(message, 4900));
                 macplatform::CancelFaults();
                 const std::string fault = "call " + std::to_string(skip + 1) + " of " + name + " fails";
-                ExpectNothingHalfWritten(trial, outcome, fault);
+                expectNothingHalfWritten(trial, outcome, fault);
                 trial.Expect(outcome.flagsAfter == 0, fault + ": no error bit", Hex(outcome.flagsAfter, 8));
                 const auto left = trial.ObjectsLeft();
                 trial.Expect(left.empty(), fault + ": nothing leaked", left.empty() ? "" : left.front());
@@ -61,25 +61,25 @@ void ExpectHarmless(Trial& trial, const std::vector<std::string>& names, long co
     }
 }
 
-void RefusedPreferencesAreHarmless(Trial& trial) {
-    ExpectHarmless(trial, {"CFPreferencesSetValue", "CFPreferencesSynchronize"}, 0);
+void refusedPreferencesAreHarmless(Trial& trial) {
+    expectHarmless(trial, {"CFPreferencesSetValue", "CFPreferencesSynchronize"}, 0);
 }
-void MissingStringsAreHarmless(Trial& trial) {
-    ExpectHarmless(
+void missingStringsAreHarmless(Trial& trial) {
+    expectHarmless(
         trial, {"CFStringCreateWithCString", "CFStringCreateWithBytes", "CFStringCreateWithCharacters"}, 0);
 }
-void MissingNumbersAreHarmless(Trial& trial) { ExpectHarmless(trial, {"CFNumberCreate"}, 0); }
-void RefusedFinderCallsAreHarmless(Trial& trial) {
-    ExpectHarmless(trial,
+void missingNumbersAreHarmless(Trial& trial) { expectHarmless(trial, {"CFNumberCreate"}, 0); }
+void refusedFinderCallsAreHarmless(Trial& trial) {
+    expectHarmless(trial,
                    {"CFURLCreateWithFileSystemPath", "CFURLGetFSRef", "FSPathMakeRef", "FSGetCatalogInfo",
                     "FSSetCatalogInfo"},
                    -5000);
 }
-void RefusedFileCallsAreHarmless(Trial& trial) {
-    ExpectHarmless(trial, {"access", "stat", "fopen", "open", "openat"}, EIO);
+void refusedFileCallsAreHarmless(Trial& trial) {
+    expectHarmless(trial, {"access", "stat", "fopen", "open", "openat"}, EIO);
 }
 
-void FinderFaultLeavesOther(Trial& trial) {
+void finderFaultLeavesOther(Trial& trial) {
     for (unsigned skip = 0; skip < 2; ++skip) {
         trial.UseFreshVolume();
         trial.Interface();
@@ -92,7 +92,7 @@ void FinderFaultLeavesOther(Trial& trial) {
 }
 
 /// Its bytes are none of a property list, so nothing can be added without losing them.
-void BrokenFileIsLeft(Trial& trial) {
+void brokenFileIsLeft(Trial& trial) {
     constexpr const char* path = "/Library/Preferences/com.korvane.updater.plist";
     const std::string bytes = "<?xml version=\"1.0\"?><plist><dict><key>half";
     trial.Write(path, bytes);
@@ -102,7 +102,7 @@ void BrokenFileIsLeft(Trial& trial) {
     trial.Expect(now == bytes, "the broken file keeps its bytes", now);
 }
 
-void QueryWithoutMemoryIsHarmless(Trial& trial) {
+void queryWithoutMemoryIsHarmless(Trial& trial) {
     FunctionBlock** const instance = trial.Bundle().MakeInstance();
     trial.ForgetObjects();
     macplatform::OrderFault({"CFUUIDCreateFromUUIDBytes", 0, 0});
@@ -126,32 +126,32 @@ std::vector<Check> FaultChecks() {
         {"faults.preferences",
          "Preferences that cannot be written are no error, and nothing is half-written or leaked.",
          "Each call that sets or synchronises a preference is made to fail in turn.", events,
-         &RefusedPreferencesAreHarmless},
+         &refusedPreferencesAreHarmless},
         {"faults.no-string", "A text that the platform cannot make does no harm.",
-         "Each call that makes a CFString is made to fail in turn.", events, &MissingStringsAreHarmless},
+         "Each call that makes a CFString is made to fail in turn.", events, &missingStringsAreHarmless},
         {"faults.no-number", "A number that the platform cannot make does no harm: the stored value stays.",
-         "Setting a preference to null removes it.", events, &MissingNumbersAreHarmless},
+         "Setting a preference to null removes it.", events, &missingNumbersAreHarmless},
         {"faults.finder", "Refused Finder calls do no harm.",
          "Each call on the way to the Finder information is made to fail in turn.", events,
-         &RefusedFinderCallsAreHarmless},
+         &refusedFinderCallsAreHarmless},
         {"faults.finder-apart",
          "Where one item's Finder information cannot be read, the other is dressed all the same.",
          "The folder and its icon file are handled apart.",
          {"finder.folder", "finder.icon", "finder.other-items"},
-         &FinderFaultLeavesOther},
+         &finderFaultLeavesOther},
         {"faults.files", "Refused calls for the status file do no harm.",
          "Each call that looks for or opens a file is made to fail in turn.", events,
-         &RefusedFileCallsAreHarmless},
+         &refusedFileCallsAreHarmless},
         {"faults.broken-list",
          "A preferences file that cannot be parsed keeps its bytes.",
          "What cannot be read cannot be merged with; the user's data come first.",
          {"dispatch.pre-install", "dispatch.post-install"},
-         &BrokenFileIsLeft},
+         &brokenFileIsLeft},
         {"faults.query",
          "QueryInterface without memory does no harm.",
          "The identifier object cannot be made; the answer must be whole, either way.",
          {"interface.nothing-left"},
-         &QueryWithoutMemoryIsHarmless},
+         &queryWithoutMemoryIsHarmless},
     };
 }
 

@@ -14,7 +14,7 @@ struct Query {
     void* found = nullptr;
 };
 
-Query Ask(Trial& trial, FunctionBlock** instance, const CFUUIDBytes& identifier) {
+Query ask(Trial& trial, FunctionBlock** instance, const CFUUIDBytes& identifier) {
     Query query;
     query.found = &query; // neither null nor an instance
     query.result = trial.Bundle().Inside({"QueryInterface", "interface " + Describe(identifier), {}}, [&] {
@@ -23,24 +23,24 @@ Query Ask(Trial& trial, FunctionBlock** instance, const CFUUIDBytes& identifier)
     return query;
 }
 
-ULONG CountOf(Trial& trial, FunctionBlock** instance) {
+ULONG countOf(Trial& trial, FunctionBlock** instance) {
     trial.Bundle().Inside({"AddRef", {}, {}}, [&] { return (*instance)->AddRef(instance); });
     return trial.Bundle().Inside({"Release", {}, {}}, [&] { return (*instance)->Release(instance); });
 }
 
-void ExpectInstance(Trial& trial, const CFUUIDBytes& identifier) {
+void expectInstance(Trial& trial, const CFUUIDBytes& identifier) {
     FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    const Query query = Ask(trial, instance, identifier);
+    const Query query = ask(trial, instance, identifier);
     trial.Expect(query.result == 0, "result 0x00000000", Hex(query.result, 8));
     trial.Expect(query.result != 0 || query.found == instance, "the instance itself in the result place",
                  query.found ? "another pointer" : "null");
 }
 
-void HostInterfaceIsGiven(Trial& trial) { ExpectInstance(trial, kHostInterface); }
-void UnknownInterfaceIsGiven(Trial& trial) { ExpectInstance(trial, kUnknownInterface); }
+void hostInterfaceIsGiven(Trial& trial) { expectInstance(trial, kHostInterface); }
+void unknownInterfaceIsGiven(Trial& trial) { expectInstance(trial, kUnknownInterface); }
 
 /// Identifiers that no plug-in of this installer has.
-std::vector<CFUUIDBytes> OtherInterfaces() {
+std::vector<CFUUIDBytes> otherInterfaces() {
     std::vector<CFUUIDBytes> others = {CFUUIDBytes{}, kPluginType};
     for (const CFUUIDBytes& known : {kHostInterface, kUnknownInterface}) {
         for (std::size_t byte = 0; byte < sizeof known; ++byte) {
@@ -52,62 +52,63 @@ std::vector<CFUUIDBytes> OtherInterfaces() {
     return others;
 }
 
-void OthersAreRefused(Trial& trial) {
+void othersAreRefused(Trial& trial) {
     FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    for (const CFUUIDBytes& identifier : OtherInterfaces()) {
-        const Query query = Ask(trial, instance, identifier);
+    for (const CFUUIDBytes& identifier : otherInterfaces()) {
+        const Query query = ask(trial, instance, identifier);
         trial.Expect(query.result == 0x80000004, "result 0x80000004 for " + Describe(identifier),
                      Hex(query.result, 8));
     }
 }
 
-void RefusalClearsThePlace(Trial& trial) {
+void refusalClearsThePlace(Trial& trial) {
     FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    for (const CFUUIDBytes& identifier : OtherInterfaces()) {
-        const Query query = Ask(trial, instance, identifier);
+    for (const CFUUIDBytes& identifier : otherInterfaces()) {
+        const Query query = ask(trial, instance, identifier);
         trial.Expect(!query.found, "null in the result place for " + Describe(identifier), "it is not null");
     }
 }
 
-void InterfaceAddsReference(Trial& trial) {
+void interfaceAddsReference(Trial& trial) {
     FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    Ask(trial, instance, kHostInterface);
-    const ULONG afterHost = CountOf(trial, instance);
+    ask(trial, instance, kHostInterface);
+    const ULONG afterHost = countOf(trial, instance);
     trial.Expect(afterHost == 2, "2 references after the host's interface", std::to_string(afterHost));
-    Ask(trial, instance, kUnknownInterface);
-    const ULONG afterUnknown = CountOf(trial, instance);
+    ask(trial, instance, kUnknownInterface);
+    const ULONG afterUnknown = countOf(trial, instance);
     trial.Expect(afterUnknown == afterHost + 1, "1 reference more after IUnknown",
                  std::to_string(afterUnknown) + " after " + std::to_string(afterHost));
 }
 
-void RefusalAddsNoReference(Trial& trial) {
+void refusalAddsNoReference(Trial& trial) {
     FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    for (const CFUUIDBytes& identifier : OtherInterfaces()) Ask(trial, instance, identifier);
-    const ULONG count = CountOf(trial, instance);
+    for (const CFUUIDBytes& identifier : otherInterfaces()) ask(trial, instance, identifier);
+    const ULONG count = countOf(trial, instance);
     trial.Expect(count == 1, "1 reference after refused interfaces", std::to_string(count));
 }
 
-int slotCalls = 0;
-ULONG CountSlotCall(void*) { return static_cast<ULONG>(++slotCalls); }
+int gSlotCalls = 0;
+ULONG countSlotCall(void*) { return static_cast<ULONG>(++gSlotCalls); }
 
-void ReferenceGoesThroughSlot(Trial& trial) {
+void referenceGoesThroughSlot(Trial& trial) {
     FunctionBlock** const instance = trial.Bundle().MakeInstance();
     FunctionBlock* const own = *instance;
     FunctionBlock replaced = *own;
-    replaced.AddRef = &CountSlotCall;
-    slotCalls = 0;
+    replaced.AddRef = &countSlotCall;
+    gSlotCalls = 0;
     *instance = &replaced;
-    Ask(trial, instance, kHostInterface);
+    ask(trial, instance, kHostInterface);
     *instance = own;
-    trial.Expect(slotCalls == 1, "QueryInterface calls the AddRef slot of the instance's function block once",
-                 Counted(static_cast<std::size_t>(slotCalls), "call") + " of a slot that was replaced");
+    trial.Expect(gSlotCalls == 1,
+                 "QueryInterface calls the AddRef slot of the instance's function block once",
+                 Counted(static_cast<std::size_t>(gSlotCalls), "call") + " of a slot that was replaced");
 }
 
-void QueriesLeaveNothing(Trial& trial) {
+void queriesLeaveNothing(Trial& trial) {
     FunctionBlock** const instance = trial.Bundle().MakeInstance();
     trial.ForgetObjects();
     for (const CFUUIDBytes& identifier : {kHostInterface, kUnknownInterface, kPluginType}) {
-        Ask(trial, instance, identifier);
+        ask(trial, instance, identifier);
         const auto left = trial.ObjectsLeft();
         trial.Expect(left.empty(), "no object left after the query", left.empty() ? "" : left.front());
     }
@@ -122,40 +123,40 @@ std::vector<Check> InterfaceChecks() {
          "QueryInterface gives the installer's interface.",
          "Result 0 and the instance itself in the result place.",
          {"factory.right-type"},
-         &HostInterfaceIsGiven},
+         &hostInterfaceIsGiven},
         {"interface.iunknown",
          "QueryInterface gives IUnknown, which is the same pointer.",
          "The identity of an object is its IUnknown pointer.",
          {"factory.right-type"},
-         &UnknownInterfaceIsGiven},
+         &unknownInterfaceIsGiven},
         {"interface.others",
          "QueryInterface answers 0x80000004 for any other interface.",
          "The identifier is compared as a whole; near ones are asked for as well.",
          {"factory.right-type"},
-         &OthersAreRefused},
+         &othersAreRefused},
         {"interface.clears-place",
          "A refused interface leaves null in the result place.",
          "The installer looks at the pointer, not at the result.",
          {"factory.right-type", "interface.others"},
-         &RefusalClearsThePlace},
+         &refusalClearsThePlace},
         {"interface.adds-reference",
          "Each interface that is given adds one reference.",
          "Otherwise the installer's Release frees an instance that is still in use.",
          {"interface.host", "interface.iunknown", "references.counting"},
-         &InterfaceAddsReference},
+         &interfaceAddsReference},
         {"interface.refusal-count",
          "A refused interface adds no reference.",
          "Otherwise the instance is never freed.",
          {"interface.others", "references.counting"},
-         &RefusalAddsNoReference},
+         &refusalAddsNoReference},
         {"interface.through-slot",
          "The reference is added through the instance's own function block.",
          "A host may put a function block of its own in front, to watch the counting.",
          {"interface.adds-reference"},
-         &ReferenceGoesThroughSlot},
+         &referenceGoesThroughSlot},
         {"interface.nothing-left", "A query leaves no platform object behind.",
          "The identifier object that is made for the comparison is released, whatever the answer.", counted,
-         &QueriesLeaveNothing},
+         &queriesLeaveNothing},
     };
 }
 

@@ -11,47 +11,47 @@ namespace xcodhost {
 
 namespace {
 
-std::string TextValue(const char* text) { return std::string("(string) \"") + text + '"'; }
+std::string textValue(const char* text) { return std::string("(string) \"") + text + '"'; }
 
 /// What lies under the key now, as a tester reads it: the bare tag where it is a text.
-std::string StoredTag(const VolumeState& state, const ProductContract& product) {
+std::string storedTag(const VolumeState& state, const ProductContract& product) {
     const auto file = state.preferences.find(product.domain);
     if (file == state.preferences.end()) return "(none)";
     const auto value = file->second.values.find(kLanguageKey);
     if (value == file->second.values.end()) return "(none)";
-    const bool isText = value->second.kind == macplatform::PropertyValue::Kind::Text;
+    const bool isText = value->second.kind == macplatform::PropertyValue::Kind::kText;
     return isText ? value->second.text : Describe(std::optional(value->second));
 }
 
-void LanguageIsStored(Trial& trial) {
+void languageIsStored(Trial& trial) {
     for (const ProductContract& product : kProducts) {
         for (const LanguageContract& language : kLanguages) {
             trial.UseFreshVolume();
             trial.Deliver(Event(kPostInstall, product.code, language.code));
-            const std::string seen = StoredTag(trial.Look(), product);
+            const std::string seen = storedTag(trial.Look(), product);
             trial.TellCell(product.code, language.code, seen, seen == language.tag);
-            trial.ExpectPreference(product.domain, kLanguageKey, TextValue(language.tag));
+            trial.ExpectPreference(product.domain, kLanguageKey, textValue(language.tag));
         }
     }
 }
 
-void OtherLanguagesAreEnglish(Trial& trial) {
+void otherLanguagesAreEnglish(Trial& trial) {
     const ProductContract& product = kProducts.back();
     for (const std::int32_t language : kOtherLanguages) {
         trial.UseFreshVolume();
         trial.Deliver(Event(kPostInstall, product.code, language));
-        trial.ExpectPreference(product.domain, kLanguageKey, TextValue("en"));
+        trial.ExpectPreference(product.domain, kLanguageKey, textValue("en"));
     }
 }
 
-void LanguageIsReplaced(Trial& trial) {
+void languageIsReplaced(Trial& trial) {
     const ProductContract& product = kProducts.front();
     trial.Deliver(Event(kPostInstall, product.code, 11));
     trial.Deliver(Event(kPostInstall, product.code, 2));
-    trial.ExpectPreference(product.domain, kLanguageKey, TextValue("de"));
+    trial.ExpectPreference(product.domain, kLanguageKey, textValue("de"));
 }
 
-void UnknownProductStoresNothing(Trial& trial) {
+void unknownProductStoresNothing(Trial& trial) {
     for (const std::int32_t product : kUnknownProducts) {
         const Changes changes = trial.Deliver(Event(kPostInstall, product, 11)).changes;
         trial.Expect(changes.preferences.empty(), "an unknown product gets no preferences",
@@ -60,11 +60,11 @@ void UnknownProductStoresNothing(Trial& trial) {
 }
 
 /// Whether there may be one is another check's matter.
-bool IsFailureText(const PreferenceChange& change) {
+bool isFailureText(const PreferenceChange& change) {
     return change.domain == kUpdaterDomain && change.key == kFailureKey;
 }
 
-void NothingElseChanges(Trial& trial) {
+void nothingElseChanges(Trial& trial) {
     for (const ProductContract& product : kProducts) {
         for (const bool hasStatus : {true, false}) {
             SampleVolume sample;
@@ -72,7 +72,7 @@ void NothingElseChanges(Trial& trial) {
             trial.UseFreshVolume(sample);
             Changes changes = trial.Deliver(Event(kPostInstall, product.code)).changes;
             changes.preferences.erase(
-                std::remove_if(changes.preferences.begin(), changes.preferences.end(), &IsFailureText),
+                std::remove_if(changes.preferences.begin(), changes.preferences.end(), &isFailureText),
                 changes.preferences.end());
             ExpectNothingBeside(trial, changes,
                                 {{kUpdaterDomain, kIntervalKey}, {product.domain, kLanguageKey}});
@@ -80,7 +80,7 @@ void NothingElseChanges(Trial& trial) {
     }
 }
 
-void StoredInOrder(Trial& trial) {
+void storedInOrder(Trial& trial) {
     ExpectOrder(
         trial, trial.Deliver(Event(kPostInstall, 4900)),
         {"CFPreferencesSetValue \"UpdateInterval\"", "CFPreferencesSynchronize \"com.korvane.updater\"",
@@ -89,7 +89,7 @@ void StoredInOrder(Trial& trial) {
 }
 
 /// The scopes stand last among the arguments of both calls.
-void ScopesAreRight(Trial& trial) {
+void scopesAreRight(Trial& trial) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const macplatform::JournalEntry& entry : trial.Deliver(Event(message, 4900)).calls) {
             if (entry.call.rfind("CFPreferences", 0) != 0 || entry.arguments.size() < 2) continue;
@@ -101,7 +101,7 @@ void ScopesAreRight(Trial& trial) {
     }
 }
 
-void OtherKeysStay(Trial& trial) {
+void otherKeysStay(Trial& trial) {
     const ProductContract& product = kProducts.back();
     const std::string others =
         "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Other</key><array><integer>7"
@@ -123,27 +123,27 @@ std::vector<Check> PostInstallChecks() {
     return {
         {"post-install.language", "The installer's language is stored in the product's own preferences.",
          "Lang in the product's domain, for each known product and each of the twelve language codes.", event,
-         &LanguageIsStored},
+         &languageIsStored},
         {"post-install.other-languages",
          "A language that the products do not speak is stored as English.",
          "Codes outside 0 to 11, negative ones too.",
          {"post-install.language"},
-         &OtherLanguagesAreEnglish},
+         &otherLanguagesAreEnglish},
         {"post-install.replaces",
          "A language that is stored already is replaced.",
          "Users install again in another language.",
          {"post-install.language"},
-         &LanguageIsReplaced},
+         &languageIsReplaced},
         {"post-install.unknown-product",
          "An unknown product gets no preferences.",
          "Codes are compared as 32 bits; near and far ones are tried.",
          {"dispatch.post-install-alone", "pre-install.unknown-product"},
-         &UnknownProductStoresNothing},
+         &unknownProductStoresNothing},
         {"post-install.nothing-else",
          "Post-install stores nothing else on the volume.",
          "Two preference keys; no further file and no further key, with and without a status file.",
          {"dispatch.post-install-alone"},
-         &NothingElseChanges},
+         &nothingElseChanges},
         {"post-install.order",
          "Interval, language and Finder flags are stored in this order, each domain synchronised "
          "after its "
@@ -151,17 +151,17 @@ std::vector<Check> PostInstallChecks() {
          "A value that is set after the synchronisation is lost when the installer ends.",
          {"post-install.nothing-else", "post-install.language", "status-file.interval", "finder.folder",
           "finder.icon", "finder.other-items", "preferences.scope"},
-         &StoredInOrder},
+         &storedInOrder},
         {"preferences.scope",
          "Every preference is for any user on the current host.",
          "The updater looks nowhere else.",
          {"dispatch.pre-install", "dispatch.post-install"},
-         &ScopesAreRight},
+         &scopesAreRight},
         {"preferences.other-keys",
          "Other keys of the same preferences stay as they are.",
          "The updater and the products keep their own settings there.",
          {"dispatch.pre-install", "dispatch.post-install"},
-         &OtherKeysStay},
+         &otherKeysStay},
     };
 }
 

@@ -8,44 +8,44 @@ namespace xcodhost {
 
 namespace {
 
-std::string VersionKey(const ProductContract& product) {
+std::string versionKey(const ProductContract& product) {
     return std::string("InstalledProducts/") + product.shortName + "/CurrentVersion";
 }
 
 const std::string kVersionValue = std::string("(string) \"") + kCurrentVersion + '"';
 
-void VersionIsStored(Trial& trial) {
+void versionIsStored(Trial& trial) {
     for (const ProductContract& product : kProducts) {
         trial.UseFreshVolume();
         trial.Deliver(Event(kPreInstall, product.code));
-        trial.ExpectPreference(kUpdaterDomain, VersionKey(product), kVersionValue);
+        trial.ExpectPreference(kUpdaterDomain, versionKey(product), kVersionValue);
     }
 }
 
-void OldVersionIsReplaced(Trial& trial) {
+void oldVersionIsReplaced(Trial& trial) {
     const ProductContract& product = kProducts.front();
     trial.Write("/Library/Preferences/com.korvane.updater.plist",
-                "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>" + VersionKey(product) +
+                "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>" + versionKey(product) +
                     "</key><integer>9</integer></dict></plist>");
     trial.Deliver(Event(kPreInstall, product.code));
-    trial.ExpectPreference(kUpdaterDomain, VersionKey(product), kVersionValue);
+    trial.ExpectPreference(kUpdaterDomain, versionKey(product), kVersionValue);
 }
 
-void UnknownProductHasNoEffect(Trial& trial) {
+void unknownProductHasNoEffect(Trial& trial) {
     for (const std::int32_t product : kUnknownProducts) {
         trial.ExpectNoEffect(trial.Deliver(Event(kPreInstall, product)));
     }
 }
 
-void NothingElseChanges(Trial& trial) {
+void nothingElseChanges(Trial& trial) {
     for (const ProductContract& product : kProducts) {
         trial.UseFreshVolume();
         ExpectNothingBeside(trial, trial.Deliver(Event(kPreInstall, product.code)).changes,
-                            {{kUpdaterDomain, VersionKey(product)}});
+                            {{kUpdaterDomain, versionKey(product)}});
     }
 }
 
-void StoredInOrder(Trial& trial) {
+void storedInOrder(Trial& trial) {
     const Outcome outcome = trial.Deliver(Event(kPreInstall, 4900));
     ExpectOrder(trial, outcome,
                 {"CFPreferencesSetValue \"InstalledProducts/Fusewright/CurrentVersion\"",
@@ -61,27 +61,27 @@ std::vector<Check> PreInstallChecks() {
          "InstalledProducts/NAME/CurrentVersion in com.korvane.updater is the text 1.73, for each known "
          "product. "
          "The updater compares it with the newest one.",
-         event, &VersionIsStored},
+         event, &versionIsStored},
         {"pre-install.replaces",
          "A version that is stored already is replaced, whatever its type.",
          "The file of an older installation may hold anything under the key.",
          {"pre-install.version"},
-         &OldVersionIsReplaced},
+         &oldVersionIsReplaced},
         {"pre-install.unknown-product",
          "An unknown product is left alone.",
          "No preference is stored. Codes are compared as 32 bits; near and far ones are tried.",
          {"dispatch.pre-install-alone"},
-         &UnknownProductHasNoEffect},
+         &unknownProductHasNoEffect},
         {"pre-install.nothing-else",
          "Pre-install changes nothing else on the volume.",
          "One preference key; no further file, key or Finder flag.",
          {"dispatch.pre-install-alone"},
-         &NothingElseChanges},
+         &nothingElseChanges},
         {"pre-install.order",
          "The value is set once, and then the domain is synchronised once.",
          "A value that is set after the synchronisation is lost when the installer ends.",
          {"pre-install.version", "pre-install.nothing-else", "preferences.scope"},
-         &StoredInOrder},
+         &storedInOrder},
     };
 }
 

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 namespace {
 
 /// The bundle's whole life: both events, known and unknown product, a refused call.
-void LiveOnce(Trial& trial) {
+void liveOnce(Trial& trial) {
     trial.WatchVolume(false);
     for (const std::int32_t product : {4900, 3100, 1234}) {
         for (const std::uint16_t message : {kPreInstall, kPostInstall})
@@ -35,23 +35,23 @@ void LiveOnce(Trial& trial) {
     trial.ReleaseInterface();
 }
 
-void NoObjectIsLeft(Trial& trial) {
+void noObjectIsLeft(Trial& trial) {
     trial.Bundle();
     trial.ForgetObjects();
-    LiveOnce(trial);
+    liveOnce(trial);
     for (const std::string& object : trial.ObjectsLeft()) {
         trial.Fail("every platform object is released", object);
     }
 }
 
 /// What the first runs allocate may stay, such as the C library's own buffers.
-void NoMemoryGrows(Trial& trial) {
+void noMemoryGrows(Trial& trial) {
     constexpr std::size_t lives = 50;
     constexpr std::size_t smallestBlock = 32; // the C library's own caches may grow by a few of them
-    for (std::size_t i = 0; i < lives; ++i) LiveOnce(trial);
+    for (std::size_t i = 0; i < lives; ++i) liveOnce(trial);
     trial.ForgetObjects();
     const std::size_t before = mallinfo2().uordblks;
-    for (std::size_t i = 0; i < lives; ++i) LiveOnce(trial);
+    for (std::size_t i = 0; i < lives; ++i) liveOnce(trial);
     const std::size_t after = mallinfo2().uordblks;
     const auto left = trial.ObjectsLeft();
     trial.Expect(left.empty(), std::to_string(lives) + " further runs leave no platform object",
@@ -61,37 +61,37 @@ void NoMemoryGrows(Trial& trial) {
                  Counted(after - before, "byte") + " more");
 }
 
-std::size_t EntriesOf(const char* folder) {
+std::size_t entriesOf(const char* folder) {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-void NoProcessIsLeft(Trial& trial) {
-    LiveOnce(trial);
+void noProcessIsLeft(Trial& trial) {
+    liveOnce(trial);
     const std::size_t children = ChildrenOfThisProcess().size();
     trial.Expect(children == 0, "no process is started",
                  std::to_string(children) + (children == 1 ? " process" : " processes"));
 }
 
-void NoThreadIsLeft(Trial& trial) {
+void noThreadIsLeft(Trial& trial) {
     trial.Interface();
-    const std::size_t before = EntriesOf("/proc/self/task");
-    LiveOnce(trial);
-    const std::size_t after = EntriesOf("/proc/self/task");
+    const std::size_t before = entriesOf("/proc/self/task");
+    liveOnce(trial);
+    const std::size_t after = entriesOf("/proc/self/task");
     trial.Expect(after == before, "no thread is started", Counted(after - before, "thread") + " more");
 }
 
 /// Numbers of the open descriptors; the one that reads the list is among them both times.
-std::set<std::string> Descriptors() {
+std::set<std::string> descriptors() {
     std::set<std::string> numbers;
     for (const auto& entry : fs::directory_iterator("/proc/self/fd")) numbers.insert(entry.path().filename());
     return numbers;
 }
 
-void DescriptorsAreClosed(Trial& trial) {
+void descriptorsAreClosed(Trial& trial) {
     trial.Interface();
-    const auto before = Descriptors();
-    LiveOnce(trial);
-    const auto after = Descriptors();
+    const auto before = descriptors();
+    liveOnce(trial);
+    const auto after = descriptors();
     trial.Expect(after == before, Counted(before.size(), "open file descriptor"),
                  std::to_string(after.size()));
 }
@@ -111,10 +111,10 @@ struct ProcessState {
     }
 };
 
-void ProcessStateStays(Trial& trial) {
+void processStateStays(Trial& trial) {
     trial.Interface();
     const ProcessState before;
-    LiveOnce(trial);
+    liveOnce(trial);
     const ProcessState after;
     trial.Expect(after.folder == before.folder, "working folder " + before.folder, after.folder);
     trial.Expect(after.mask == before.mask, "file mode mask " + Hex(before.mask, 4), Hex(after.mask, 4));
@@ -150,11 +150,11 @@ private:
     Descriptor error;
 };
 
-void NothingIsPrinted(Trial& trial) {
+void nothingIsPrinted(Trial& trial) {
     const std::string file = trial.Volume() + " output";
     {
         const CapturedOutput captured(file);
-        LiveOnce(trial);
+        liveOnce(trial);
     }
     const auto size = static_cast<std::size_t>(fs::file_size(file));
     std::string start(std::min<std::size_t>(size, 200), '\0');
@@ -162,14 +162,14 @@ void NothingIsPrinted(Trial& trial) {
     trial.Expect(size == 0, "nothing is printed", Counted(size, "byte") + ": " + PrintableQuoted(start));
 }
 
-void NothingIsWrittenOutside(Trial& trial) {
+void nothingIsWrittenOutside(Trial& trial) {
     const std::string folder = trial.Volume() + " watched";
     fs::create_directory(folder);
     const auto run = [&](const Channel& channel, const std::function<void()>& watch) {
         try {
             Trial inner(trial.BundlePath(), folder, channel);
             watch();
-            LiveOnce(inner);
+            liveOnce(inner);
         } catch (const Stopped&) { // told already
         }
     };
@@ -188,26 +188,26 @@ std::vector<Check> ProcessChecks() {
          "Every platform object is released when the last reference is gone.",
          "Strings, numbers, URLs, blocks of the Memory Manager and the rest; the report names each.",
          {"dispatch.pre-install", "dispatch.post-install", "references.zero", "references.frees"},
-         &NoObjectIsLeft},
+         &noObjectIsLeft},
         {"process.growth",
          "Further runs in the same process leave nothing either.",
          "Installers of several products call the plug-in many times.",
          {"process.objects", "process.threads"},
-         &NoMemoryGrows},
+         &noMemoryGrows},
         {"process.processes", "No process is started.", "It would outlive the installation.", life,
-         &NoProcessIsLeft},
+         &noProcessIsLeft},
         {"process.threads", "No thread is started.", "The installer unloads the bundle's code.", life,
-         &NoThreadIsLeft},
+         &noThreadIsLeft},
         {"process.descriptors", "Every file that is opened is closed.", "The installer's process lives on.",
-         life, &DescriptorsAreClosed},
+         life, &descriptorsAreClosed},
         {"process.state", "Working folder, file mode mask, locale and signal handlers stay.",
-         "They belong to the installer and its other plug-ins.", life, &ProcessStateStays},
+         "They belong to the installer and its other plug-ins.", life, &processStateStays},
         {"process.silent", "Nothing is printed.", "The installer's output is not the plug-in's.", life,
-         &NothingIsPrinted},
+         &nothingIsPrinted},
         {"volume.nothing-outside", "Nothing is written outside the startup volume.",
          "Every system call that makes, changes or removes something by its path is looked at, whoever makes "
          "it.",
-         life, &NothingIsWrittenOutside},
+         life, &nothingIsWrittenOutside},
     };
 }
 

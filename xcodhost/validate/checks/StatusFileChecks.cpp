@@ -17,7 +17,7 @@ struct StatusText {
     const char* interval;
 };
 
-const std::vector<StatusText>& StatusTexts() {
+const std::vector<StatusText>& statusTexts() {
     static const std::vector<StatusText> texts = {
         {"UpdatesEnabled", "2"},
         {"UpdatesEnabled\r\n", "2"},
@@ -38,47 +38,47 @@ const std::vector<StatusText>& StatusTexts() {
     return texts;
 }
 
-SampleVolume WithStatus(std::optional<std::string> status) {
+SampleVolume withStatus(std::optional<std::string> status) {
     SampleVolume sample;
     sample.status = std::move(status);
     return sample;
 }
 
-std::string IntervalValue(const char* interval) { return std::string("(integer) ") + interval; }
+std::string intervalValue(const char* interval) { return std::string("(integer) ") + interval; }
 
-void IntervalFollowsText(Trial& trial) {
-    for (const StatusText& text : StatusTexts()) {
-        trial.UseFreshVolume(WithStatus(text.bytes));
+void intervalFollowsText(Trial& trial) {
+    for (const StatusText& text : statusTexts()) {
+        trial.UseFreshVolume(withStatus(text.bytes));
         trial.Deliver(Event(kPostInstall, 4900));
-        trial.ExpectPreference(kUpdaterDomain, kIntervalKey, IntervalValue(text.interval));
+        trial.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue(text.interval));
     }
 }
 
-void EveryProductSetsInterval(Trial& trial) {
+void everyProductSetsInterval(Trial& trial) {
     for (const ProductContract& product : kProducts) {
-        trial.UseFreshVolume(WithStatus("UpdatesDisabled"));
+        trial.UseFreshVolume(withStatus("UpdatesDisabled"));
         trial.Deliver(Event(kPostInstall, product.code));
-        trial.ExpectPreference(kUpdaterDomain, kIntervalKey, IntervalValue("0"));
+        trial.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("0"));
     }
 }
 
-void MissingFileMeansDefault(Trial& trial) {
-    trial.UseFreshVolume(WithStatus(std::nullopt));
+void missingFileMeansDefault(Trial& trial) {
+    trial.UseFreshVolume(withStatus(std::nullopt));
     trial.Deliver(Event(kPostInstall, 4900));
-    trial.ExpectPreference(kUpdaterDomain, kIntervalKey, IntervalValue("2"));
+    trial.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("2"));
 }
 
-void NoFailureNoText(Trial& trial) {
+void noFailureNoText(Trial& trial) {
     for (const auto& status : {std::optional<std::string>(), std::optional<std::string>("UpdatesDisabled")}) {
-        trial.UseFreshVolume(WithStatus(status));
+        trial.UseFreshVolume(withStatus(status));
         trial.Deliver(Event(kPostInstall, 4900));
         trial.ExpectPreference(kUpdaterDomain, kFailureKey, "(none)");
     }
 }
 
 /// The file is there, and the first call that opens it is refused.
-Outcome DeliverUnreadable(Trial& trial, std::uint32_t errorFlags) {
-    trial.UseFreshVolume(WithStatus("UpdatesDisabled"));
+Outcome deliverUnreadable(Trial& trial, std::uint32_t errorFlags) {
+    trial.UseFreshVolume(withStatus("UpdatesDisabled"));
     trial.Interface();
     for (const char* const call : {"fopen", "open", "openat"}) macplatform::OrderFault({call, EACCES, 0});
     ParameterBlock block = Event(kPostInstall, 4900);
@@ -88,35 +88,35 @@ Outcome DeliverUnreadable(Trial& trial, std::uint32_t errorFlags) {
     return outcome;
 }
 
-void UnreadableFileMeansDefault(Trial& trial) {
-    DeliverUnreadable(trial, 0);
-    trial.ExpectPreference(kUpdaterDomain, kIntervalKey, IntervalValue("2"));
+void unreadableFileMeansDefault(Trial& trial) {
+    deliverUnreadable(trial, 0);
+    trial.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("2"));
 }
 
-void UnreadableFileIsTold(Trial& trial) {
-    DeliverUnreadable(trial, 0);
+void unreadableFileIsTold(Trial& trial) {
+    deliverUnreadable(trial, 0);
     trial.ExpectPreference(kUpdaterDomain, kFailureKey, "(string) \"Error opening file\"");
 }
 
-void UnreadableFileIsNoError(Trial& trial) {
+void unreadableFileIsNoError(Trial& trial) {
     for (const std::uint32_t given : {0U, 0xFFFFFFFEU}) {
-        const Outcome outcome = DeliverUnreadable(trial, given);
+        const Outcome outcome = deliverUnreadable(trial, given);
         trial.Expect(outcome.flagsAfter == given, "error flags " + Hex(given, 8) + " stay",
                      Hex(outcome.flagsAfter, 8));
         trial.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
     }
 }
 
-void UnreadableFileLeavesTheRest(Trial& trial) {
-    const Outcome outcome = DeliverUnreadable(trial, 0);
+void unreadableFileLeavesTheRest(Trial& trial) {
+    const Outcome outcome = deliverUnreadable(trial, 0);
     trial.ExpectPreference("com.korvane.audioplugins.Fusewright", kLanguageKey, "(string) \"en\"");
     trial.Expect(outcome.changes.finderFlags.size() == 2,
                  "the language and both Finder flags are stored all the same", Describe(outcome.changes));
 }
 
-void FileIsOnlyRead(Trial& trial) {
-    for (const StatusText& text : StatusTexts()) {
-        trial.UseFreshVolume(WithStatus(text.bytes));
+void fileIsOnlyRead(Trial& trial) {
+    for (const StatusText& text : statusTexts()) {
+        trial.UseFreshVolume(withStatus(text.bytes));
         const Outcome outcome = trial.Deliver(Event(kPostInstall, 4900));
         for (const FileChange& change : outcome.changes.files) {
             trial.Expect(change.path != kStatusFile, "the status file stays as it is", change.what);
@@ -138,37 +138,37 @@ std::vector<Check> StatusFileChecks() {
          "The first 14 bytes count, upper and lower case apart; a NUL ends the text. Fifteen files are "
          "tried, an empty one, "
          "a long one and damaged ones among them.",
-         event, &IntervalFollowsText},
+         event, &intervalFollowsText},
         {"status-file.products",
          "Every known product reads the status file.",
          "The updater is shared by all products.",
          {"status-file.interval"},
-         &EveryProductSetsInterval},
+         &everyProductSetsInterval},
         {"status-file.missing", "Without a status file UpdateInterval is 2.", "The updater has not run yet.",
-         event, &MissingFileMeansDefault},
+         event, &missingFileMeansDefault},
         {"status-file.no-failure", "InstallStatus is not stored unless reading failed.",
-         "The updater takes it for a failure.", event, &NoFailureNoText},
+         "The updater takes it for a failure.", event, &noFailureNoText},
         {"status-file.unreadable",
          "With a status file that cannot be read UpdateInterval is 2.",
          "Opening the file is refused, as for a file of another user.",
          {"status-file.interval"},
-         &UnreadableFileMeansDefault},
+         &unreadableFileMeansDefault},
         {"status-file.failure-text",
          "With a status file that cannot be opened InstallStatus says \"Error opening file\".",
          "The updater reads the reason there.",
          {"status-file.interval"},
-         &UnreadableFileIsTold},
+         &unreadableFileIsTold},
         {"status-file.failure-silent",
          "A status file that cannot be read is no error to the installer or the user.",
-         "No error bit is set or cleared, no alert is shown.", event, &UnreadableFileIsNoError},
+         "No error bit is set or cleared, no alert is shown.", event, &unreadableFileIsNoError},
         {"status-file.failure-rest",
          "Language and Finder flags are stored although the status file cannot be read.",
          "The failure concerns the updater alone.",
          {"status-file.failure-text", "post-install.language", "finder.folder", "finder.icon",
           "finder.other-items"},
-         &UnreadableFileLeavesTheRest},
+         &unreadableFileLeavesTheRest},
         {"status-file.kept", "The status file is only read.", "It is the updater's own.", event,
-         &FileIsOnlyRead},
+         &fileIsOnlyRead},
     };
 }
 

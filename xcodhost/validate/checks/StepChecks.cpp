@@ -11,9 +11,9 @@ namespace {
 constexpr std::uint16_t kWrongSelectors[] = {0, 7, 999, 1001, 0xFFFF};
 constexpr std::uint16_t kSteps[] = {kPreInstall, kPostInstall};
 
-ParameterBlock Refused(std::uint16_t step, std::uint16_t selector = 7) { return {selector, step, 4900, 0}; }
+ParameterBlock refused(std::uint16_t step, std::uint16_t selector = 7) { return {selector, step, 4900, 0}; }
 
-void NullBlockDoesNothing(Trial& trial) {
+void nullBlockDoesNothing(Trial& trial) {
     for (const std::uint16_t step : kSteps) {
         const Outcome outcome = trial.DeliverNothing(step);
         trial.ExpectNoEffect(outcome);
@@ -21,45 +21,45 @@ void NullBlockDoesNothing(Trial& trial) {
     }
 }
 
-void StepsReturn(Trial& trial) {
+void stepsReturn(Trial& trial) {
     for (const std::uint16_t step : kSteps) {
-        trial.Deliver(Event(step, 4900), Entry::Step);
-        trial.Deliver(Refused(step), Entry::Step);
+        trial.Deliver(Event(step, 4900), Entry::kStep);
+        trial.Deliver(refused(step), Entry::kStep);
     }
 }
 
-void StepsDoAsMainEntry(Trial& trial) {
+void stepsDoAsMainEntry(Trial& trial) {
     for (const std::uint16_t step : kSteps) {
         for (const ProductContract& product : kProducts) {
             trial.UseFreshVolume();
             const std::string wanted = Describe(trial.Deliver(Event(step, product.code, 2)).changes);
             trial.UseFreshVolume();
             const std::string seen =
-                Describe(trial.Deliver(Event(step, product.code, 2), Entry::Step).changes);
+                Describe(trial.Deliver(Event(step, product.code, 2), Entry::kStep).changes);
             trial.Expect(seen == wanted, "as through the main entry: " + wanted, seen);
         }
     }
 }
 
 template <typename Look>
-void ForEachRefusal(Trial& trial, Look look) {
+void forEachRefusal(Trial& trial, Look look) {
     for (const std::uint16_t step : kSteps) {
         for (const std::uint16_t selector : kWrongSelectors) {
-            look(trial.Deliver(Refused(step, selector), Entry::Step));
+            look(trial.Deliver(refused(step, selector), Entry::kStep));
         }
     }
 }
 
-void RefusalShowsAlert(Trial& trial) {
-    ForEachRefusal(trial, [&](const Outcome& outcome) {
+void refusalShowsAlert(Trial& trial) {
+    forEachRefusal(trial, [&](const Outcome& outcome) {
         const std::string wanted = std::string("Alert \"") + kFailureMessage + '"';
         const bool isShown = !outcome.alerts.empty() && outcome.alerts.front().message == kFailureMessage;
         trial.Expect(isShown, "first " + wanted, Describe(outcome.alerts));
     });
 }
 
-void AlertHasOneButton(Trial& trial) {
-    ForEachRefusal(trial, [&](const Outcome& outcome) {
+void alertHasOneButton(Trial& trial) {
+    forEachRefusal(trial, [&](const Outcome& outcome) {
         for (const macplatform::Alert& alert : outcome.alerts) {
             trial.Expect(alert.buttons.size() <= 1, "no button beside the alert's own",
                          Counted(alert.buttons.size(), "button"));
@@ -67,50 +67,50 @@ void AlertHasOneButton(Trial& trial) {
     });
 }
 
-void StopAlertFollows(Trial& trial) {
-    ForEachRefusal(trial, [&](const Outcome& outcome) {
+void stopAlertFollows(Trial& trial) {
+    forEachRefusal(trial, [&](const Outcome& outcome) {
         const bool isLast = !outcome.alerts.empty() &&
-                            outcome.alerts.back().kind == macplatform::Alert::Kind::Stop &&
+                            outcome.alerts.back().kind == macplatform::Alert::Kind::kStop &&
                             outcome.alerts.back().resource == kFailureStopAlert;
         trial.Expect(isLast, "stop alert 5000 after the alert", Describe(outcome.alerts));
     });
 }
 
-void NothingElseIsShown(Trial& trial) {
-    ForEachRefusal(trial, [&](const Outcome& outcome) {
+void nothingElseIsShown(Trial& trial) {
+    forEachRefusal(trial, [&](const Outcome& outcome) {
         trial.Expect(outcome.alerts.size() <= 2, "one alert and one stop alert at most",
                      Describe(outcome.alerts));
     });
 }
 
-void RefusalSetsBit(Trial& trial) {
-    ForEachRefusal(trial, [&](const Outcome& outcome) {
+void refusalSetsBit(Trial& trial) {
+    forEachRefusal(trial, [&](const Outcome& outcome) {
         trial.Expect((outcome.flagsAfter & 1) != 0, "bit 0 of the error flags is set",
                      Hex(outcome.flagsAfter, 8));
     });
 }
 
-void RefusalKeepsOtherBits(Trial& trial) {
+void refusalKeepsOtherBits(Trial& trial) {
     for (const std::uint16_t step : kSteps) {
         for (const std::uint32_t given : {0xFFFFFFFEU, 0x80000000U, 0x00010002U}) {
-            ParameterBlock block = Refused(step);
+            ParameterBlock block = refused(step);
             block.SetErrorFlags(given);
-            const std::uint32_t after = trial.Deliver(block, Entry::Step).flagsAfter;
+            const std::uint32_t after = trial.Deliver(block, Entry::kStep).flagsAfter;
             trial.Expect((after & ~1U) == given, "the other bits of " + Hex(given, 8) + " stay",
                          Hex(after, 8));
         }
     }
 }
 
-void RefusalDoesNothingElse(Trial& trial) {
-    ForEachRefusal(trial, [&](const Outcome& outcome) { trial.ExpectNoEffect(outcome); });
+void refusalDoesNothingElse(Trial& trial) {
+    forEachRefusal(trial, [&](const Outcome& outcome) { trial.ExpectNoEffect(outcome); });
 }
 
-void AnswerDoesNotMatter(Trial& trial) {
+void answerDoesNotMatter(Trial& trial) {
     for (const std::uint16_t step : kSteps) {
         for (const int button : {-1, 0, 1, 7}) {
             trial.Answer(button);
-            const Outcome outcome = trial.Deliver(Refused(step), Entry::Step);
+            const Outcome outcome = trial.Deliver(refused(step), Entry::kStep);
             trial.Expect((outcome.flagsAfter & 1) != 0 && outcome.alerts.size() == 2,
                          "both alerts and the error bit, whatever is answered",
                          Describe(outcome.alerts) + ", error flags " + Hex(outcome.flagsAfter, 8));
@@ -118,12 +118,12 @@ void AnswerDoesNotMatter(Trial& trial) {
     }
 }
 
-void AcceptedCallIsSilent(Trial& trial) {
+void acceptedCallIsSilent(Trial& trial) {
     for (const std::uint16_t step : kSteps) {
         std::vector<std::int32_t> products(kUnknownProducts.begin(), kUnknownProducts.end());
         for (const ProductContract& product : kProducts) products.push_back(product.code);
         for (const std::int32_t product : products) {
-            const Outcome outcome = trial.Deliver(Event(step, product), Entry::Step);
+            const Outcome outcome = trial.Deliver(Event(step, product), Entry::kStep);
             trial.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
         }
     }
@@ -138,39 +138,39 @@ std::vector<Check> StepChecks() {
          "The exported steps do nothing with a null block.",
          "Unlike the main entry, they may be called without one.",
          {"bundle.loads"},
-         &NullBlockDoesNothing},
+         &nullBlockDoesNothing},
         {"steps.return",
          "The exported steps come back, from events and from refused calls.",
          "A crash, a hang, an exit or an exception is told with the call that it happened in.",
          {"bundle.loads", "dispatch.pre-install", "dispatch.post-install"},
-         &StepsReturn},
+         &stepsReturn},
         {"steps.same-effects",
          "The exported steps do what the main entry does for their event.",
          "A host may call either.",
          {"steps.return", "dispatch.pre-install-alone", "dispatch.post-install-alone"},
-         &StepsDoAsMainEntry},
+         &stepsDoAsMainEntry},
         {"steps.alert", "A step that is called with a wrong selector shows the alert first.",
          "\"Unable to set post install option keys.\", the same text for both steps.", direct,
-         &RefusalShowsAlert},
+         &refusalShowsAlert},
         {"steps.alert-buttons", "The alert has the platform's own single button.",
-         "There is nothing to choose.", direct, &AlertHasOneButton},
+         "There is nothing to choose.", direct, &alertHasOneButton},
         {"steps.stop-alert", "Stop alert 5000 follows the alert.",
-         "Its text lies in a resource of the installer.", direct, &StopAlertFollows},
+         "Its text lies in a resource of the installer.", direct, &stopAlertFollows},
         {"steps.alerts-once", "A refused call shows no more than the two alerts.", "Each is shown once.",
-         direct, &NothingElseIsShown},
+         direct, &nothingElseIsShown},
         {"steps.error-bit", "A step that is called with a wrong selector sets bit 0 of the error flags.",
-         "The installer learns of the failure by this bit alone.", direct, &RefusalSetsBit},
+         "The installer learns of the failure by this bit alone.", direct, &refusalSetsBit},
         {"steps.other-bits", "A refused call of a step leaves the other error bits alone.",
-         "They are the host's and other plug-ins'.", direct, &RefusalKeepsOtherBits},
+         "They are the host's and other plug-ins'.", direct, &refusalKeepsOtherBits},
         {"steps.refused-idle", "A refused call of a step has no effect on the volume.",
-         "No preference is stored, no flag set.", direct, &RefusalDoesNothingElse},
+         "No preference is stored, no flag set.", direct, &refusalDoesNothingElse},
         {"steps.answer",
          "It makes no difference how the alerts are answered, or whether they could be shown.",
          "An alert may be dismissed, or the machine may have no screen.",
          {"steps.alert", "steps.stop-alert", "steps.alerts-once", "steps.error-bit"},
-         &AnswerDoesNotMatter},
+         &answerDoesNotMatter},
         {"steps.silent", "A step that is carried out shows no alert.",
-         "An unknown product is no error either.", direct, &AcceptedCallIsSilent},
+         "An unknown product is no error either.", direct, &acceptedCallIsSilent},
     };
 }
 

@@ -9,12 +9,12 @@ namespace xcodhost {
 
 namespace {
 
-bool IsAmong(const std::vector<PreferencePlace>& places, const PreferenceChange& change) {
+bool isAmong(const std::vector<PreferencePlace>& places, const PreferenceChange& change) {
     return std::find(places.begin(), places.end(), PreferencePlace{change.domain, change.key}) !=
            places.end();
 }
 
-bool IsStored(const Changes& changes, const PreferencePlace& place) {
+bool isStored(const Changes& changes, const PreferencePlace& place) {
     return std::any_of(changes.preferences.begin(), changes.preferences.end(),
                        [&](const PreferenceChange& change) {
                            return change.domain == place.first && change.key == place.second;
@@ -22,20 +22,20 @@ bool IsStored(const Changes& changes, const PreferencePlace& place) {
 }
 
 /// Whether it is a wanted key that went to another domain instead of its own.
-bool IsStray(const Changes& changes, const PreferenceChange& change,
+bool isStray(const Changes& changes, const PreferenceChange& change,
              const std::vector<PreferencePlace>& wanted) {
     return std::any_of(wanted.begin(), wanted.end(), [&](const PreferencePlace& place) {
-        return !IsStored(changes, place) && (place.second == change.key || place.first == change.domain);
+        return !isStored(changes, place) && (place.second == change.key || place.first == change.domain);
     });
 }
 
-std::string Joined(const std::vector<std::string>& texts) {
+std::string joinTexts(const std::vector<std::string>& texts) {
     std::string joined;
     for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
     return joined.empty() ? "none" : joined;
 }
 
-std::vector<std::string> StoringCalls(const Outcome& outcome) {
+std::vector<std::string> storingCalls(const Outcome& outcome) {
     std::vector<std::string> stored;
     for (const macplatform::JournalEntry& entry : outcome.calls) {
         if (entry.call == "CFPreferencesSetValue" || entry.call == "CFPreferencesSynchronize" ||
@@ -50,7 +50,7 @@ std::vector<std::string> StoringCalls(const Outcome& outcome) {
 
 void ExpectNothingBeside(Trial& trial, const Changes& changes, const std::vector<PreferencePlace>& wanted) {
     for (const PreferenceChange& change : changes.preferences) {
-        const bool isOurs = IsAmong(wanted, change) || IsStray(changes, change, wanted);
+        const bool isOurs = isAmong(wanted, change) || isStray(changes, change, wanted);
         trial.Expect(isOurs, "no other preference changes", Line(change));
     }
     for (const FileChange& change : changes.files) {
@@ -59,8 +59,8 @@ void ExpectNothingBeside(Trial& trial, const Changes& changes, const std::vector
 }
 
 void ExpectOrder(Trial& trial, const Outcome& outcome, const std::vector<std::string>& wanted) {
-    const std::vector<std::string> stored = StoringCalls(outcome);
-    trial.Expect(stored == wanted, Joined(wanted), Joined(stored));
+    const std::vector<std::string> stored = storingCalls(outcome);
+    trial.Expect(stored == wanted, joinTexts(wanted), joinTexts(stored));
 }
 
 } // namespace xcodhost

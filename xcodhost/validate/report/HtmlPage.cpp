@@ -38,21 +38,21 @@ constexpr const char* kStyle =
     ".passed .mark,td.right{color:#4ade80}.failed .mark,td.wrong{color:#f87171}}"
     "@media print{body{margin:0;max-width:none}}";
 
-std::string Element(const std::string& tag, const std::string& content) {
+std::string element(const std::string& tag, const std::string& content) {
     return '<' + tag + '>' + content + "</" + tag.substr(0, tag.find(' ')) + ">\n";
 }
 
-std::string CheckRow(const BundleResult& bundle, const CheckResult& result) {
-    const char* const kind = result.state == State::Passed   ? "passed"
-                             : result.state == State::Failed ? "failed"
-                                                             : "skipped";
+std::string checkRow(const BundleResult& bundle, const CheckResult& result) {
+    const char* const kind = result.state == State::kPassed   ? "passed"
+                             : result.state == State::kFailed ? "failed"
+                                                              : "skipped";
     std::string text = MarkupText(result.check->sentence);
-    if (result.state == State::Failed) {
+    if (result.state == State::kFailed) {
         std::string lines;
         for (const std::string& line : FindingLines(result)) lines += MarkupText(line) + '\n';
         text += "<p>" + MarkupText(result.check->why) + "</p><pre>" + lines + "repeat    " +
                 MarkupText(RepeatCommand(bundle.bundle, result)) + "</pre>";
-    } else if (result.state == State::NotRun) {
+    } else if (result.state == State::kNotRun) {
         text += " (" + MarkupText(result.reason) + ')';
     }
     return std::string("<tr class=\"") + kind + "\"><td class=\"mark\">" + StateName(result.state) +
@@ -60,18 +60,18 @@ std::string CheckRow(const BundleResult& bundle, const CheckResult& result) {
 }
 
 /// Those that did not pass come first.
-std::string CheckTable(const BundleResult& bundle) {
+std::string checkTable(const BundleResult& bundle) {
     std::string rows;
-    for (const State state : {State::Failed, State::NotRun, State::Passed}) {
+    for (const State state : {State::kFailed, State::kNotRun, State::kPassed}) {
         for (const CheckResult& result : bundle.checks) {
-            if (result.state == state) rows += CheckRow(bundle, result);
+            if (result.state == state) rows += checkRow(bundle, result);
         }
     }
-    return Element("h3", "Checks") +
-           Element("table", "<tr><th>Result</th><th>Check</th><th>What holds</th></tr>\n" + rows);
+    return element("h3", "Checks") +
+           element("table", "<tr><th>Result</th><th>Check</th><th>What holds</th></tr>\n" + rows);
 }
 
-std::string LanguageCell(const BundleResult& bundle, std::int32_t product, std::int32_t language) {
+std::string languageCell(const BundleResult& bundle, std::int32_t product, std::int32_t language) {
     const auto cell = std::find_if(bundle.table.begin(), bundle.table.end(), [&](const TableCell& one) {
         return one.product == product && one.language == language;
     });
@@ -80,7 +80,7 @@ std::string LanguageCell(const BundleResult& bundle, std::int32_t product, std::
            (cell->isRight ? "" : " &#x2717;") + "</td>";
 }
 
-std::string LanguageTable(const BundleResult& bundle) {
+std::string languageTable(const BundleResult& bundle) {
     if (bundle.table.empty()) return {};
     std::string rows = "<tr><th>Product</th>";
     for (const LanguageContract& language : kLanguages)
@@ -89,43 +89,43 @@ std::string LanguageTable(const BundleResult& bundle) {
     for (const ProductContract& product : kProducts) {
         rows += "<tr><th>" + std::to_string(product.code) + ' ' + MarkupText(product.shortName) + "</th>";
         for (const LanguageContract& language : kLanguages)
-            rows += LanguageCell(bundle, product.code, language.code);
+            rows += languageCell(bundle, product.code, language.code);
         rows += "</tr>\n";
     }
-    return Element("h3", "Language stored, by product and language code") +
-           Element("table class=\"grid\"", rows);
+    return element("h3", "Language stored, by product and language code") +
+           element("table class=\"grid\"", rows);
 }
 
-std::string ChangeRow(const std::string& place, const std::string& before, const std::string& after) {
+std::string changeRow(const std::string& place, const std::string& before, const std::string& after) {
     return "<tr><td class=\"value\">" + MarkupText(place) + "</td><td class=\"value\">" + MarkupText(before) +
            "</td><td class=\"value\">" + MarkupText(after) + "</td></tr>\n";
 }
 
-std::string ChangeTable(const Changes& changes) {
+std::string changeTable(const Changes& changes) {
     std::string rows;
     for (const PreferenceChange& change : changes.preferences) {
-        rows += ChangeRow(change.domain + ' ' + change.key, Describe(change.before), Describe(change.after));
+        rows += changeRow(change.domain + ' ' + change.key, Describe(change.before), Describe(change.after));
     }
     for (const FinderFlagChange& change : changes.finderFlags) {
         rows +=
-            ChangeRow(change.path + ": " + Describe(change.flag), DescribeSetting(change.flag, change.before),
+            changeRow(change.path + ": " + Describe(change.flag), DescribeSetting(change.flag, change.before),
                       DescribeSetting(change.flag, change.after));
     }
-    for (const FileChange& change : changes.files) rows += ChangeRow(change.path, "", change.what);
+    for (const FileChange& change : changes.files) rows += changeRow(change.path, "", change.what);
     if (rows.empty()) rows = "<tr><td colspan=\"3\">nothing changed</td></tr>\n";
-    return Element("table", "<tr><th>Where</th><th>Before</th><th>After</th></tr>\n" + rows);
+    return element("table", "<tr><th>Where</th><th>Before</th><th>After</th></tr>\n" + rows);
 }
 
-bool HasPassed(const BundleResult& bundle, const char* id) {
+bool hasPassed(const BundleResult& bundle, const char* id) {
     return std::any_of(bundle.checks.begin(), bundle.checks.end(), [&](const CheckResult& one) {
-        return one.state == State::Passed && std::string(one.check->id) == id;
+        return one.state == State::kPassed && std::string(one.check->id) == id;
     });
 }
 
 /// Both events on a new sample volume for each product, in French: a language of its own, unlike most codes.
-std::string VolumeTables(const BundleResult& bundle) {
-    if (!HasPassed(bundle, "dispatch.pre-install") || !HasPassed(bundle, "dispatch.post-install")) return {};
-    std::string text = Element("h3", "The volume before and after an installation in French");
+std::string volumeTables(const BundleResult& bundle) {
+    if (!hasPassed(bundle, "dispatch.pre-install") || !hasPassed(bundle, "dispatch.post-install")) return {};
+    std::string text = element("h3", "The volume before and after an installation in French");
     for (const ProductContract& product : kProducts) {
         RunOptions options;
         options.bundle = bundle.bundle;
@@ -135,25 +135,25 @@ std::string VolumeTables(const BundleResult& bundle) {
         const RunResult run = RunBundle(options);
         const std::string title = std::to_string(product.code) + ' ' + product.shortName + ": " +
                                   Counted(run.changes.Count(), "change");
-        text += Element("details" + std::string(product.code == kProducts.front().code ? " open" : ""),
-                        Element("summary", MarkupText(title)) + ChangeTable(run.changes));
+        text += element("details" + std::string(product.code == kProducts.front().code ? " open" : ""),
+                        element("summary", MarkupText(title)) + changeTable(run.changes));
     }
     return text;
 }
 
-std::string VerdictBanner(const ValidationVerdict& verdict) {
-    const char* const kind = verdict.status == ExitStatus::Done ? "passed" : "failed";
+std::string verdictBanner(const ValidationVerdict& verdict) {
+    const char* const kind = verdict.status == ExitStatus::kDone ? "passed" : "failed";
     return std::string("<p class=\"verdict ") + kind + "\">" + MarkupText(verdict.text) + "</p>\n";
 }
 
 } // namespace
 
 std::string HtmlPage(const std::vector<BundleResult>& bundles, const ValidationVerdict& verdict) {
-    std::string body = Element("h1", "Plug-in validation") + VerdictBanner(verdict);
+    std::string body = element("h1", "Plug-in validation") + verdictBanner(verdict);
     for (const BundleResult& bundle : bundles) {
-        body += Element("h2", MarkupText(bundle.bundle));
-        if (bundles.size() > 1) body += VerdictBanner(Judge(bundle));
-        body += CheckTable(bundle) + LanguageTable(bundle) + VolumeTables(bundle);
+        body += element("h2", MarkupText(bundle.bundle));
+        if (bundles.size() > 1) body += verdictBanner(Judge(bundle));
+        body += checkTable(bundle) + languageTable(bundle) + volumeTables(bundle);
     }
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +

@@ -12,19 +12,19 @@ namespace {
 using State = CheckResult::State;
 
 /// Seconds with a point, whatever the locale.
-std::string Time(double seconds) {
+std::string timeText(double seconds) {
     const auto milliseconds = std::llround(seconds * 1000);
     const std::string rest = std::to_string(milliseconds % 1000);
     return std::to_string(milliseconds / 1000) + '.' + std::string(3 - rest.size(), '0') + rest;
 }
 
-std::string Case(const BundleResult& bundle, const CheckResult& result) {
+std::string testCase(const BundleResult& bundle, const CheckResult& result) {
     const std::string id = result.check->id;
     std::string text = "    <testcase classname=\"" + MarkupText(id.substr(0, id.find('.'))) + "\" name=\"" +
-                       MarkupText(id) + "\" time=\"" + Time(result.seconds) + "\"";
-    if (result.state == State::Passed) return text + "/>\n";
+                       MarkupText(id) + "\" time=\"" + timeText(result.seconds) + "\"";
+    if (result.state == State::kPassed) return text + "/>\n";
     text += ">\n";
-    if (result.state == State::NotRun) {
+    if (result.state == State::kNotRun) {
         text += "      <skipped message=\"" + MarkupText(result.reason) + "\"/>\n";
     } else {
         const LocatedFinding& first = result.findings.front();
@@ -37,14 +37,15 @@ std::string Case(const BundleResult& bundle, const CheckResult& result) {
     return text + "    </testcase>\n";
 }
 
-std::string Suite(const BundleResult& bundle) {
+std::string suite(const BundleResult& bundle) {
     double seconds = 0;
     for (const CheckResult& result : bundle.checks) seconds += result.seconds;
     std::string text = "  <testsuite name=\"" + MarkupText(bundle.bundle) + "\" tests=\"" +
                        std::to_string(bundle.checks.size()) + "\" failures=\"" +
-                       std::to_string(bundle.Count(State::Failed)) + "\" errors=\"0\" skipped=\"" +
-                       std::to_string(bundle.Count(State::NotRun)) + "\" time=\"" + Time(seconds) + "\">\n";
-    for (const CheckResult& result : bundle.checks) text += Case(bundle, result);
+                       std::to_string(bundle.Count(State::kFailed)) + "\" errors=\"0\" skipped=\"" +
+                       std::to_string(bundle.Count(State::kNotRun)) + "\" time=\"" + timeText(seconds) +
+                       "\">\n";
+    for (const CheckResult& result : bundle.checks) text += testCase(bundle, result);
     return text + "  </testsuite>\n";
 }
 
@@ -53,7 +54,7 @@ std::string Suite(const BundleResult& bundle) {
 std::string JUnitReport(const std::vector<BundleResult>& bundles) {
     std::string text =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites name=\"xcodhost validate\">\n";
-    for (const BundleResult& bundle : bundles) text += Suite(bundle);
+    for (const BundleResult& bundle : bundles) text += suite(bundle);
     return text + "</testsuites>\n";
 }
 

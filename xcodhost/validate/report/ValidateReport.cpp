@@ -13,7 +13,7 @@ namespace {
 
 using State = CheckResult::State;
 
-std::string ShellQuoted(const std::string& text) {
+std::string shellQuoted(const std::string& text) {
     const char plain[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./-+,:=@%";
     if (!text.empty() && text.find_first_not_of(plain) == std::string::npos && text.front() != '-')
         return text;
@@ -22,29 +22,29 @@ std::string ShellQuoted(const std::string& text) {
     return quoted + '\'';
 }
 
-std::string Padded(const std::string& text, std::size_t width) {
+std::string padded(const std::string& text, std::size_t width) {
     return text + std::string(text.size() < width ? width - text.size() : 1, ' ');
 }
 
-std::string CheckText(const BundleResult& bundle, const CheckResult& result, const Style& style) {
-    const std::string line = Padded(result.check->id, 30) + ' ' + result.check->sentence + '\n';
-    if (result.state == State::Passed) return style.Good("pass     ") + line;
-    if (result.state == State::NotRun)
-        return "not run  " + Padded(result.check->id, 30) + ' ' + Printable(result.reason) + '\n';
+std::string checkText(const BundleResult& bundle, const CheckResult& result, const Style& style) {
+    const std::string line = padded(result.check->id, 30) + ' ' + result.check->sentence + '\n';
+    if (result.state == State::kPassed) return style.Good("pass     ") + line;
+    if (result.state == State::kNotRun)
+        return "not run  " + padded(result.check->id, 30) + ' ' + Printable(result.reason) + '\n';
     std::string text = style.Bad("FAIL     ") + line;
     for (const std::string& detail : FindingLines(result)) text += "           " + detail + '\n';
     return text + "           repeat    " + RepeatCommand(bundle.bundle, result) + '\n';
 }
 
-std::string BundleText(const BundleResult& bundle, const Style& style) {
+std::string bundleText(const BundleResult& bundle, const Style& style) {
     std::string text = style.Heading("bundle  " + Printable(bundle.bundle)) + '\n';
-    for (const CheckResult& result : bundle.checks) text += CheckText(bundle, result, style);
-    const std::size_t notRun = bundle.Count(State::NotRun);
+    for (const CheckResult& result : bundle.checks) text += checkText(bundle, result, style);
+    const std::size_t notRun = bundle.Count(State::kNotRun);
     if (notRun > 0) text += Counted(notRun, "check") + " not run\n";
     return text;
 }
 
-Json ToJson(const BundleResult& bundle, const CheckResult& result) {
+Json toJson(const BundleResult& bundle, const CheckResult& result) {
     Json value;
     value["id"] = result.check->id;
     value["sentence"] = result.check->sentence;
@@ -63,9 +63,9 @@ Json ToJson(const BundleResult& bundle, const CheckResult& result) {
     return value;
 }
 
-Json ToJson(const BundleResult& bundle) {
+Json toJson(const BundleResult& bundle) {
     Json value = {{"bundle", bundle.bundle}, {"checks", Json::array()}, {"languages", Json::array()}};
-    for (const CheckResult& result : bundle.checks) value["checks"].push_back(ToJson(bundle, result));
+    for (const CheckResult& result : bundle.checks) value["checks"].push_back(toJson(bundle, result));
     for (const TableCell& cell : bundle.table) {
         value["languages"].push_back({{"product", cell.product},
                                       {"language", cell.language},
@@ -84,16 +84,16 @@ std::string ValidateReport(const std::vector<BundleResult>& bundles, const Valid
                            const Style& style) {
     std::string text;
     for (const BundleResult& bundle : bundles) {
-        text += BundleText(bundle, style);
+        text += bundleText(bundle, style);
         if (bundles.size() > 1) text += Judge(bundle).text + "\n\n";
     }
-    const bool isGood = verdict.status == ExitStatus::Done;
+    const bool isGood = verdict.status == ExitStatus::kDone;
     return text + (isGood ? style.Good(verdict.text) : style.Bad(verdict.text)) + '\n';
 }
 
 std::string ValidateReportJson(const std::vector<BundleResult>& bundles, const ValidationVerdict& verdict) {
     Json document = {{"command", "validate"}, {"bundles", Json::array()}};
-    for (const BundleResult& bundle : bundles) document["bundles"].push_back(ToJson(bundle));
+    for (const BundleResult& bundle : bundles) document["bundles"].push_back(toJson(bundle));
     document["verdict"] = verdict.text;
     document["exitStatus"] = static_cast<int>(verdict.status);
     return DumpDocument(document);
@@ -115,11 +115,11 @@ std::vector<std::string> FindingLines(const CheckResult& result) {
 
 std::string RepeatCommand(const std::string& bundle, const CheckResult& result) {
     const char* const mac = macplatform::MacCodeIsPreferred() ? " --mac" : "";
-    return "xcodhost validate " + ShellQuoted(bundle) + mac + " --include " + result.check->id;
+    return "xcodhost validate " + shellQuoted(bundle) + mac + " --include " + result.check->id;
 }
 
 const char* StateName(CheckResult::State state) {
-    return state == State::Passed ? "passed" : state == State::Failed ? "failed" : "not run";
+    return state == State::kPassed ? "passed" : state == State::kFailed ? "failed" : "not run";
 }
 
 ValidationVerdict Judge(const BundleResult& bundle) {

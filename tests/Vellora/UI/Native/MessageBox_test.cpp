@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-static bool dialogsAllowed = true;
+static bool gDialogsAllowed = true;
 
 // In the place of the library's.
-bool Util::IsModalDialogAllowed() { return dialogsAllowed; }
+bool Util::IsModalDialogAllowed() { return gDialogsAllowed; }
 
 namespace {
 
@@ -25,7 +25,7 @@ struct MessageBox : testing::Test {
     }
     ~MessageBox() override {
         macplatform::SetAlertPresenter({});
-        dialogsAllowed = true;
+        gDialogsAllowed = true;
         EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore);
     }
     int answer = 0;
@@ -40,7 +40,7 @@ struct Kind {
     std::vector<bool> cancelled; ///< Empty: the flag is left alone.
 };
 
-const std::vector<Kind> kinds = {
+const std::vector<Kind> kKinds = {
     {[](bool&) { return MessageOKCancel(nullptr, "T", "M", OKCancelFocus::SecondButton, false); },
      {"OK", "Cancel"},
      {true, false, false},
@@ -62,7 +62,7 @@ const std::vector<Kind> kinds = {
 };
 
 TEST_F(MessageBox, AnswersByTheButtonChosen) {
-    for (const Kind& kind : kinds) {
+    for (const Kind& kind : kKinds) {
         for (std::size_t i = 0; i < 2 * kind.results.size(); ++i) {
             const std::size_t button = i / 2;
             const bool flagBefore = i % 2 != 0;
@@ -78,8 +78,8 @@ TEST_F(MessageBox, AnswersByTheButtonChosen) {
 }
 
 TEST_F(MessageBox, ShowsNothingWhereNoDialogIsAllowed) {
-    dialogsAllowed = false;
-    for (const Kind& kind : kinds) {
+    gDialogsAllowed = false;
+    for (const Kind& kind : kKinds) {
         for (bool cancelled : {false, true}) {
             const bool flagBefore = cancelled;
             EXPECT_FALSE(kind.ask(cancelled));

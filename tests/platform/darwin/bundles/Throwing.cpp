@@ -9,9 +9,9 @@
 
 namespace {
 
-CFStringRef madeByAnInitialiser = CFSTR("made before the first call");
+CFStringRef gMadeByAnInitialiser = CFSTR("made before the first call");
 
-void Deliver(char* block) {
+void deliver(char* block) {
     std::int32_t order = 0;
     std::memcpy(&order, block + 4, sizeof order);
     switch (order) {
@@ -26,19 +26,19 @@ void Deliver(char* block) {
         *reinterpret_cast<volatile int*>(8) = 1;
         break;
     default:
-        if (!madeByAnInitialiser) block[8] = 1;
+        if (!gMadeByAnInitialiser) block[8] = 1;
     }
 }
 
-PlugInFunctions functions = {nullptr, &GiveInterface, &CountNothing, &CountNothing, &Deliver};
-PlugInFunctions* instance = &functions;
+PlugInFunctions gFunctions = {nullptr, &GiveInterface, &CountNothing, &CountNothing, &deliver};
+PlugInFunctions* gInstance = &gFunctions;
 
 } // namespace
 
 #pragma GCC visibility push(default)
 extern "C" {
-void* MyFactory(CFAllocatorRef, CFUUIDRef) { return &instance; }
-void PreInstall(char* block) { Deliver(block); }
-void PostInstall(char* block) { Deliver(block); }
+void* MyFactory(CFAllocatorRef, CFUUIDRef) { return &gInstance; }
+void PreInstall(char* block) { deliver(block); }
+void PostInstall(char* block) { deliver(block); }
 }
 #pragma GCC visibility pop

@@ -10,7 +10,7 @@
 namespace {
 
 /// Shows an alert with these buttons; the number that runModal answers.
-int Show(const std::vector<CFStringRef>& buttons) {
+int show(const std::vector<CFStringRef>& buttons) {
     const id alert = NewAlert();
     Send(alert, "setMessageText:", CFSTR("Really?"));
     for (const CFStringRef button : buttons) Send(alert, "addButtonWithTitle:", button);
@@ -38,21 +38,21 @@ TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
             shown.push_back(alert);
             return choice;
         });
-        EXPECT_EQ(Show(buttons), 1000 + choice);
+        EXPECT_EQ(show(buttons), 1000 + choice);
     }
     EXPECT_EQ(shown.at(0).message, "Really?");
     EXPECT_EQ(shown.at(0).buttons, (std::vector<std::string>{"Yes", "Cancel", "No"}));
-    EXPECT_EQ(Show({}), -1001) << "the third button of an alert that has one";
+    EXPECT_EQ(show({}), -1001) << "the third button of an alert that has one";
     EXPECT_EQ(shown.back().buttons, std::vector<std::string>{"OK"}) << "the platform's own";
     macplatform::SetAlertPresenter({});
-    EXPECT_EQ(Show(buttons), 1000) << "nobody to ask: the first";
+    EXPECT_EQ(show(buttons), 1000) << "nobody to ask: the first";
 }
 
 TEST_F(Alerts, StopAlertIsNotShownUnlessSomebodyShowsIt) {
     EXPECT_EQ(StopAlert(5000, nullptr), -1);
     int resource = 0;
     macplatform::SetAlertPresenter([&](const macplatform::Alert& alert) {
-        resource = alert.kind == macplatform::Alert::Kind::Stop ? alert.resource : -1;
+        resource = alert.kind == macplatform::Alert::Kind::kStop ? alert.resource : -1;
         return 0;
     });
     EXPECT_EQ(StopAlert(5000, nullptr), 1);

@@ -10,7 +10,7 @@
 namespace {
 
 /// Asks the Finder to move the item to a place; the answer of AESend.
-OSErr Ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh') {
+OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh') {
     FSRef ref{};
     MakeRef(path, ref);
     AEDesc address, object, nowhere = {typeNull, nullptr}, property, specifier;
@@ -51,7 +51,7 @@ protected:
 TEST_F(AppleEvents, MoveToTheTrashWithARecord) {
     volume.Write("Users/a b/\xC3\xA9.txt", "one");
     volume.Write("Users/a b/._\xC3\xA9.txt", "sidecar");
-    EXPECT_EQ(Ask("/Users/a b/\xC3\xA9.txt"), noErr);
+    EXPECT_EQ(ask("/Users/a b/\xC3\xA9.txt"), noErr);
     EXPECT_EQ(note, "");
     EXPECT_FALSE(std::filesystem::exists(volume / "Users/a b/\xC3\xA9.txt"));
     EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one");
@@ -60,7 +60,7 @@ TEST_F(AppleEvents, MoveToTheTrashWithARecord) {
     EXPECT_EQ(record.substr(0, record.find("\nDeletionDate=")), "[Trash Info]\nPath=Users/a%20b/%C3%A9.txt");
 
     volume.Write("Users/a b/\xC3\xA9.txt", "two");
-    EXPECT_EQ(Ask("/Users/a b/\xC3\xA9.txt"), noErr);
+    EXPECT_EQ(ask("/Users/a b/\xC3\xA9.txt"), noErr);
     EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one") << "the first of that name stays";
     EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.2.txt"), "two");
 }
@@ -69,7 +69,7 @@ TEST_F(AppleEvents, KeepToTheVolumeAndToNamesThatFit) {
     const TemporaryFolder outside;
     volume.Write("Users/x");
     std::filesystem::create_directory_symlink(outside.Path(), Trash());
-    EXPECT_EQ(Ask("/Users/x"), noErr);
+    EXPECT_EQ(ask("/Users/x"), noErr);
     EXPECT_EQ(note, "the Finder answered -1407");
     EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));
     EXPECT_TRUE(std::filesystem::is_empty(outside.Path()));
@@ -77,7 +77,7 @@ TEST_F(AppleEvents, KeepToTheVolumeAndToNamesThatFit) {
     std::filesystem::remove(Trash());
     const std::string name(255, 'n');
     volume.Write("Users/" + name);
-    EXPECT_EQ(Ask("/Users/" + name), noErr);
+    EXPECT_EQ(ask("/Users/" + name), noErr);
     EXPECT_EQ(note, "") << "the record's name is longer than the item's";
     EXPECT_TRUE(std::filesystem::exists(Trash() / "files" / name.substr(0, 230)));
 }
@@ -88,22 +88,22 @@ TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
     const std::string kept = before ? before : "";
     setenv("XDG_DATA_HOME", home.Path().c_str(), 1);
     const std::string file = home.Write("x.txt");
-    EXPECT_EQ(Ask(file), noErr);
+    EXPECT_EQ(ask(file), noErr);
     EXPECT_TRUE(std::filesystem::exists(home / "Trash/files/x.txt"));
     EXPECT_NE(ReadBytes(home / "Trash/info/x.txt.trashinfo").find("Path=" + file + "\n"), std::string::npos);
-    EXPECT_EQ(Ask((home / "Trash").string()), noErr);
+    EXPECT_EQ(ask((home / "Trash").string()), noErr);
     EXPECT_EQ(note, "the Finder answered -47") << "the Trash itself stays";
     before ? setenv("XDG_DATA_HOME", kept.c_str(), 1) : unsetenv("XDG_DATA_HOME");
 }
 
 TEST_F(AppleEvents, RefuseWhatNobodyDoes) {
     volume.Write("Users/x");
-    EXPECT_EQ(Ask("/Users/x", 'ttxt'), procNotFound);
-    EXPECT_EQ(Ask("/Users/x", 'MACS', 'desk'), noErr) << "the reply has the Finder's own failure";
+    EXPECT_EQ(ask("/Users/x", 'ttxt'), procNotFound);
+    EXPECT_EQ(ask("/Users/x", 'MACS', 'desk'), noErr) << "the reply has the Finder's own failure";
     EXPECT_EQ(note, "the Finder answered -1728");
-    EXPECT_EQ(Ask("/Users/missing"), noErr);
+    EXPECT_EQ(ask("/Users/missing"), noErr);
     EXPECT_EQ(note, "the Finder answered -1401") << "a reference that was never made";
     macplatform::OrderFault({"AESend", procNotFound});
-    EXPECT_EQ(Ask("/Users/x"), procNotFound) << "no Finder";
+    EXPECT_EQ(ask("/Users/x"), procNotFound) << "no Finder";
     EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));
 }

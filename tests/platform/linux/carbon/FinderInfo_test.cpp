@@ -20,11 +20,11 @@ using namespace macplatform;
 
 namespace {
 
-constexpr char attribute[] = "user.com.apple.FinderInfo";
+constexpr char kAttribute[] = "user.com.apple.FinderInfo";
 
 /// The sixteen bytes as FileInfo or FolderInfo.
 template <typename Info>
-OSStatus Get(const std::string& path, Info& info) {
+OSStatus readInfo(const std::string& path, Info& info) {
     FSRef ref;
     FSCatalogInfo catalog{};
     if (const OSStatus result = MakeRef(path, ref)) return result;
@@ -33,17 +33,17 @@ OSStatus Get(const std::string& path, Info& info) {
     return result;
 }
 
-std::string Attribute(const std::string& path) {
+std::string readAttribute(const std::string& path) {
     char bytes[64];
-    const ssize_t size = getxattr(path.c_str(), attribute, bytes, sizeof bytes);
+    const ssize_t size = getxattr(path.c_str(), kAttribute, bytes, sizeof bytes);
     return size < 0 ? strerrorname_np(errno) : std::string(bytes, static_cast<std::size_t>(size));
 }
 
-std::string Bytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
+std::string toBytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
 
 /// Text, creator "ttxt", invisible and with a custom icon, at (258, 3).
-constexpr FileInfo sampleFile{'TEXT', 'ttxt', kIsInvisible | kHasCustomIcon, {258, 3}, 0};
-const std::string sampleBytes = "TEXTttxt" + Bytes({0x44, 0, 1, 2, 0, 3, 0, 0}) + std::string(16, '\0');
+constexpr FileInfo kSampleFile{'TEXT', 'ttxt', kIsInvisible | kHasCustomIcon, {258, 3}, 0};
+const std::string kSampleBytes = "TEXTttxt" + toBytes({0x44, 0, 1, 2, 0, 3, 0, 0}) + std::string(16, '\0');
 
 class FinderInfoTest : public testing::Test {
 protected:
@@ -54,43 +54,43 @@ protected:
 };
 
 TEST_F(FinderInfoTest, LiesBigEndianInTheAttribute) {
-    ASSERT_EQ(SetFinderInfo(file, sampleFile), noErr);
-    EXPECT_EQ(Attribute(file), sampleBytes);
+    ASSERT_EQ(SetFinderInfo(file, kSampleFile), noErr);
+    EXPECT_EQ(readAttribute(file), kSampleBytes);
     EXPECT_EQ(ReadFinderFlags(file), 0x4400);
 
     FileInfo read{};
-    EXPECT_EQ(Get(file, read), noErr);
-    EXPECT_EQ(std::memcmp(&read, &sampleFile, sizeof read), 0);
+    EXPECT_EQ(readInfo(file, read), noErr);
+    EXPECT_EQ(std::memcmp(&read, &kSampleFile, sizeof read), 0);
 
-    EXPECT_THAT(Printed("getfattr --absolute-names -e hex -n " + std::string(attribute) + " " + file),
+    EXPECT_THAT(Printed("getfattr --absolute-names -e hex -n " + std::string(kAttribute) + " " + file),
                 testing::HasSubstr("FinderInfo=0x544558547474787444000102000300000000"));
 }
 
 TEST_F(FinderInfoTest, OfAFolderHasAnotherLayout) {
     const FolderInfo info{{1, 2, 3, 4}, kHasCustomIcon, {5, 6}, 7};
     ASSERT_EQ(SetFinderInfo(folder.Path(), info), noErr);
-    EXPECT_EQ(Attribute(folder.Path()),
-              Bytes({0, 1, 0, 2, 0, 3, 0, 4, 4, 0, 0, 5, 0, 6, 0, 7}) + std::string(16, '\0'));
+    EXPECT_EQ(readAttribute(folder.Path()),
+              toBytes({0, 1, 0, 2, 0, 3, 0, 4, 4, 0, 0, 5, 0, 6, 0, 7}) + std::string(16, '\0'));
     FolderInfo read{};
-    EXPECT_EQ(Get(folder.Path(), read), noErr);
+    EXPECT_EQ(readInfo(folder.Path(), read), noErr);
     EXPECT_EQ(read.windowBounds.right, 4);
     EXPECT_EQ(read.finderFlags, kHasCustomIcon);
 }
 
 TEST_F(FinderInfoTest, KeepsTheExtendedHalfAndGoesWhenEmpty) {
-    const std::string extended = sampleBytes.substr(0, 16) + std::string(16, 'e');
-    ASSERT_EQ(setxattr(file.c_str(), attribute, extended.data(), 32, 0), 0);
+    const std::string extended = kSampleBytes.substr(0, 16) + std::string(16, 'e');
+    ASSERT_EQ(setxattr(file.c_str(), kAttribute, extended.data(), 32, 0), 0);
     ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
-    EXPECT_EQ(Attribute(file), std::string(16, '\0') + std::string(16, 'e'));
+    EXPECT_EQ(readAttribute(file), std::string(16, '\0') + std::string(16, 'e'));
 
-    ASSERT_EQ(setxattr(file.c_str(), attribute, sampleBytes.data(), 32, 0), 0);
+    ASSERT_EQ(setxattr(file.c_str(), kAttribute, kSampleBytes.data(), 32, 0), 0);
     ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
-    EXPECT_EQ(Attribute(file), "ENODATA");
+    EXPECT_EQ(readAttribute(file), "ENODATA");
     EXPECT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
 
-    ASSERT_EQ(setxattr(file.c_str(), attribute, "short", 5, 0), 0);
-    EXPECT_EQ(SetFinderInfo(file, sampleFile), ioErr);
-    EXPECT_EQ(Attribute(file), "short");
+    ASSERT_EQ(setxattr(file.c_str(), kAttribute, "short", 5, 0), 0);
+    EXPECT_EQ(SetFinderInfo(file, kSampleFile), ioErr);
+    EXPECT_EQ(readAttribute(file), "short");
     EXPECT_EQ(ReadFinderFlags(file), std::nullopt);
 }
 
@@ -98,28 +98,28 @@ TEST_F(FinderInfoTest, IsTheOwnersToSetAndNobodyElses) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
     const std::string own = folder.Write("own");
     fs::permissions(folder.Path(), fs::perms(0755));
-    ASSERT_EQ(chown(own.c_str(), otherUser, otherUser), 0);
+    ASSERT_EQ(chown(own.c_str(), kOtherUser, kOtherUser), 0);
     chmod(own.c_str(), 0444);
-    ASSERT_EQ(SetFinderInfo(file, sampleFile), noErr);
+    ASSERT_EQ(SetFinderInfo(file, kSampleFile), noErr);
     chmod(file.c_str(), 0444);
-    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(own, sampleFile) == noErr; }));
-    EXPECT_EQ(Attribute(own), sampleBytes);
+    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(own, kSampleFile) == noErr; }));
+    EXPECT_EQ(readAttribute(own), kSampleBytes);
     EXPECT_EQ(fs::status(own).permissions(), fs::perms(0444));
     // What is there already needs no right to write.
-    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, sampleFile) == noErr; }));
+    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, kSampleFile) == noErr; }));
     EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, FileInfo{}) == permErr; }));
-    EXPECT_EQ(Attribute(file), sampleBytes);
+    EXPECT_EQ(readAttribute(file), kSampleBytes);
 }
 
 TEST_F(FinderInfoTest, GoesIntoASidecarWhereThereAreNoAttributes) {
     RefuseExtendedAttributes(true);
-    ASSERT_EQ(SetFinderInfo(file, sampleFile), noErr);
-    const std::string header = Bytes({0, 5, 0x16, 7, 0, 2, 0, 0}) + std::string(16, '\0') +
-                               Bytes({0, 2, 0, 0, 0, 9, 0, 0, 0, 50, 0, 0, 0, 32}) +
-                               Bytes({0, 0, 0, 2, 0, 0, 0, 82, 0, 0, 0, 0});
-    EXPECT_EQ(ReadBytes(folder / "._file"), header + sampleBytes);
+    ASSERT_EQ(SetFinderInfo(file, kSampleFile), noErr);
+    const std::string header = toBytes({0, 5, 0x16, 7, 0, 2, 0, 0}) + std::string(16, '\0') +
+                               toBytes({0, 2, 0, 0, 0, 9, 0, 0, 0, 50, 0, 0, 0, 32}) +
+                               toBytes({0, 0, 0, 2, 0, 0, 0, 82, 0, 0, 0, 0});
+    EXPECT_EQ(ReadBytes(folder / "._file"), header + kSampleBytes);
     EXPECT_EQ(ReadFinderFlags(file), 0x4400);
-    EXPECT_EQ(Attribute(file), "ENODATA");
+    EXPECT_EQ(readAttribute(file), "ENODATA");
 
     fs::create_directory(folder / "sub");
     ASSERT_EQ(SetFinderInfo(folder / "sub", FolderInfo{{}, kIsInvisible, {}, 0}), noErr);
@@ -130,24 +130,24 @@ TEST_F(FinderInfoTest, GoesIntoASidecarWhereThereAreNoAttributes) {
     RefuseExtendedAttributes(false);
     ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
     EXPECT_EQ(ReadBytes(folder / "._file"), header + std::string(32, '\0'));
-    EXPECT_EQ(Attribute(file), "ENODATA");
+    EXPECT_EQ(readAttribute(file), "ENODATA");
 }
 
 /// Entry 9 behind another one, longer than it must be, and more bytes behind it.
-std::string ForeignSidecar() {
-    return Bytes({0, 5, 0x16, 7, 0, 2, 0, 0}) + "Mac OS X        " +
-           Bytes({0, 2, 0, 0, 0, 2, 0, 0, 0, 120, 0, 0, 0, 30, 0, 0, 0, 9, 0, 0, 0, 60, 0, 0, 0, 60}) +
-           std::string(10, 'p') + sampleBytes + std::string(60, 'q');
+std::string foreignSidecar() {
+    return toBytes({0, 5, 0x16, 7, 0, 2, 0, 0}) + "Mac OS X        " +
+           toBytes({0, 2, 0, 0, 0, 2, 0, 0, 0, 120, 0, 0, 0, 30, 0, 0, 0, 9, 0, 0, 0, 60, 0, 0, 0, 60}) +
+           std::string(10, 'p') + kSampleBytes + std::string(60, 'q');
 }
 
 TEST_F(FinderInfoTest, ChangesAForeignSidecarInThirtyTwoBytesOnly) {
-    folder.Write("._file", ForeignSidecar());
+    folder.Write("._file", foreignSidecar());
     FileInfo info{};
-    ASSERT_EQ(Get(file, info), noErr);
-    EXPECT_EQ(info.fileType, sampleFile.fileType);
+    ASSERT_EQ(readInfo(file, info), noErr);
+    EXPECT_EQ(info.fileType, kSampleFile.fileType);
     info.finderFlags = kIsAlias;
     ASSERT_EQ(SetFinderInfo(file, info), noErr);
-    std::string expected = ForeignSidecar();
+    std::string expected = foreignSidecar();
     expected[68] = '\x80';
     expected[69] = 0;
     EXPECT_EQ(ReadBytes(folder / "._file"), expected);
@@ -156,27 +156,27 @@ TEST_F(FinderInfoTest, ChangesAForeignSidecarInThirtyTwoBytesOnly) {
 TEST_F(FinderInfoTest, IsNotFoundInABrokenSidecarWhichStaysAsItIs) {
     RefuseExtendedAttributes(true);
     std::vector<std::string> broken;
-    for (std::size_t length = 0; length < 92; ++length) broken.push_back(ForeignSidecar().substr(0, length));
+    for (std::size_t length = 0; length < 92; ++length) broken.push_back(foreignSidecar().substr(0, length));
     const auto change = [&](std::size_t at, const std::string& bytes) {
-        broken.push_back(ForeignSidecar().replace(at, bytes.size(), bytes));
+        broken.push_back(foreignSidecar().replace(at, bytes.size(), bytes));
     };
-    change(3, "\6");                  // mark
-    change(5, "\3");                  // version
-    change(24, Bytes({0, 1}));        // the entry is behind the last one
-    change(46, Bytes({0, 0, 0, 31})); // length
-    change(42, Bytes({0, 0, 0, 49})); // offset inside the table
-    change(42, Bytes({255, 255, 255, 240}));
+    change(3, "\6");                    // mark
+    change(5, "\3");                    // version
+    change(24, toBytes({0, 1}));        // the entry is behind the last one
+    change(46, toBytes({0, 0, 0, 31})); // length
+    change(42, toBytes({0, 0, 0, 49})); // offset inside the table
+    change(42, toBytes({255, 255, 255, 240}));
     for (const auto& bytes : broken) {
         folder.Write("._file", bytes);
-        FileInfo info = sampleFile;
-        EXPECT_EQ(Get(file, info), noErr);
+        FileInfo info = kSampleFile;
+        EXPECT_EQ(readInfo(file, info), noErr);
         EXPECT_EQ(info.fileType, 0U) << bytes.size();
-        EXPECT_EQ(SetFinderInfo(file, sampleFile), ioErr);
+        EXPECT_EQ(SetFinderInfo(file, kSampleFile), ioErr);
         EXPECT_EQ(ReadBytes(folder / "._file"), bytes);
     }
     fs::remove(folder / "._file");
     fs::create_symlink("file", folder / "._file");
-    EXPECT_EQ(SetFinderInfo(file, sampleFile), ioErr);
+    EXPECT_EQ(SetFinderInfo(file, kSampleFile), ioErr);
     EXPECT_EQ(ReadBytes(file), "data");
 }
 
@@ -243,7 +243,7 @@ TEST_F(FinderInfoTest, FSPathMakeRefSaysWhatIsWrong) {
     EXPECT_EQ(FSExchangeObjects(&ref, &ref), errFSOperationNotSupported);
 }
 
-Boolean RefOfUrl(const char* path) {
+Boolean refOfUrl(const char* path) {
     const CFURLRef url = NewURL(path);
     FSRef ref;
     const Boolean found = CFURLGetFSRef(url, &ref);
@@ -256,14 +256,14 @@ TEST_F(FinderInfoTest, IsSetOnTheStartupVolumeAndTold) {
     ASSERT_TRUE(SetStartupVolume(folder.Path()));
     {
         const ToldCalls told;
-        EXPECT_EQ(SetFinderInfo("/Applications/App", sampleFile), noErr);
+        EXPECT_EQ(SetFinderInfo("/Applications/App", kSampleFile), noErr);
         EXPECT_THAT(told.lines,
                     testing::ElementsAre(
                         "FSPathMakeRef(\"/Applications/App\") = 0",
                         "FSSetCatalogInfo(\"/Applications/App\", FinderInfo, Finder flags 0x4400) = 0"));
     }
-    EXPECT_EQ(RefOfUrl("/Applications/App"), 1);
-    EXPECT_EQ(RefOfUrl("/Applications/Other"), 0);
+    EXPECT_EQ(refOfUrl("/Applications/App"), 1);
+    EXPECT_EQ(refOfUrl("/Applications/Other"), 0);
     SetStartupVolume("");
     EXPECT_EQ(ReadFinderFlags(folder / "Applications/App"), 0x4400);
 }

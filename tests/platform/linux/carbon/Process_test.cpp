@@ -17,7 +17,7 @@ using namespace macplatform;
 
 namespace {
 
-constexpr ProcessSerialNumber thisProcess{0, kCurrentProcess};
+constexpr ProcessSerialNumber kThisProcess{0, kCurrentProcess};
 
 TEST(Process, HasTheExecutablesName) {
     unsigned char name[256] = {};
@@ -26,13 +26,13 @@ TEST(Process, HasTheExecutablesName) {
     info.processInfoLength = sizeof info;
     info.processName = name;
     info.processAppSpec = &file;
-    ASSERT_EQ(GetProcessInformation(&thisProcess, &info), noErr);
+    ASSERT_EQ(GetProcessInformation(&kThisProcess, &info), noErr);
     EXPECT_EQ(std::string(reinterpret_cast<char*>(name + 1), name[0]), "platform_services_test");
     EXPECT_EQ(std::memcmp(file.name, name, name[0] + 1U), 0);
     EXPECT_EQ(info.processType, FourCharCode{'APPL'});
 
     SetProcessName(std::string(300, 'x'));
-    EXPECT_EQ(GetProcessInformation(&thisProcess, &info), noErr);
+    EXPECT_EQ(GetProcessInformation(&kThisProcess, &info), noErr);
     EXPECT_EQ(name[0], 255);
     EXPECT_EQ(file.name[0], 63);
     SetProcessName("");
@@ -43,13 +43,13 @@ TEST(Process, WritesNothingBehindAShorterRecord) {
     std::memset(&info, 0x55, sizeof info);
     info.processInfoLength = offsetof(ProcessInfoRec, processType);
     info.processName = nullptr;
-    EXPECT_EQ(GetProcessInformation(&thisProcess, &info), noErr);
+    EXPECT_EQ(GetProcessInformation(&kThisProcess, &info), noErr);
     EXPECT_EQ(info.processNumber.lowLongOfPSN, kCurrentProcess);
     EXPECT_EQ(info.processType, 0x55555555U);
 
     const ProcessSerialNumber other{0, 77};
     EXPECT_EQ(GetProcessInformation(&other, &info), procNotFound);
-    EXPECT_EQ(GetProcessInformation(&thisProcess, nullptr), paramErr);
+    EXPECT_EQ(GetProcessInformation(&kThisProcess, nullptr), paramErr);
 }
 
 TEST(Sysctl, AnswersTheFrequencyAsEightBytes) {

@@ -12,10 +12,10 @@ using testing::Optional;
 namespace {
 
 using Units = std::vector<UniChar>;
-const auto refused = std::nullopt;
+const auto kRefused = std::nullopt;
 
 /// The units of a string, which is released; nothing for null.
-std::optional<Units> TakeUnits(CFStringRef string) {
+std::optional<Units> takeUnits(CFStringRef string) {
     if (!string) return std::nullopt;
     Units units(static_cast<std::size_t>(CFStringGetLength(string)));
     CFStringGetCharacters(string, CFRangeMake(0, CFStringGetLength(string)), units.data());
@@ -23,11 +23,11 @@ std::optional<Units> TakeUnits(CFStringRef string) {
     return units;
 }
 
-std::optional<Units> Decoded(const std::string& bytes, CFStringEncoding encoding) {
-    return TakeUnits(CFStringCreateWithCString(kCFAllocatorDefault, bytes.c_str(), encoding));
+std::optional<Units> decoded(const std::string& bytes, CFStringEncoding encoding) {
+    return takeUnits(CFStringCreateWithCString(kCFAllocatorDefault, bytes.c_str(), encoding));
 }
 
-std::optional<std::string> Encoded(const Units& units, CFStringEncoding encoding) {
+std::optional<std::string> encoded(const Units& units, CFStringEncoding encoding) {
     const CFStringRef string =
         CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), static_cast<CFIndex>(units.size()));
     char buffer[64] = "rubbish";
@@ -52,20 +52,20 @@ TEST(String, IsDecodedFromUtf8Strictly) {
          Units{0x7FF, 0xFFFF, 0xDBFF, 0xDFFF}},
         {"AroundTheSurrogates", "\xED\x9F\xBF\xEE\x80\x80", Units{0xD7FF, 0xE000}},
         {"Noncharacter", "\xEF\xBF\xBE", Units{0xFFFE}},
-        {"OverlongOfTwo", "\xC1\xBF", refused},
-        {"OverlongOfThree", "\xE0\x9F\xBF", refused},
-        {"OverlongOfFour", "\xF0\x8F\xBF\xBF", refused},
-        {"FirstSurrogate", "\xED\xA0\x80", refused},
-        {"SurrogatePair", "\xED\xA0\x80\xED\xB0\x80", refused},
-        {"AboveTheLast", "\xF4\x90\x80\x80", refused},
-        {"LeadF5", "\xF5\x80\x80\x80", refused},
-        {"FiveBytes", "\xF8\x88\x80\x80\x80", refused},
-        {"CutOffTwo", "a\xC3", refused},
-        {"CutOffThree", "a\xE2\x82", refused},
-        {"CutOffFour", "a\xF0\x90\x80", refused},
-        {"WrongContinuation", "\xE2\x82(", refused},
-        {"LeadAsContinuation", "\xC3\xC3", refused},
-        {"StrayContinuation", "a\x80", refused},
+        {"OverlongOfTwo", "\xC1\xBF", kRefused},
+        {"OverlongOfThree", "\xE0\x9F\xBF", kRefused},
+        {"OverlongOfFour", "\xF0\x8F\xBF\xBF", kRefused},
+        {"FirstSurrogate", "\xED\xA0\x80", kRefused},
+        {"SurrogatePair", "\xED\xA0\x80\xED\xB0\x80", kRefused},
+        {"AboveTheLast", "\xF4\x90\x80\x80", kRefused},
+        {"LeadF5", "\xF5\x80\x80\x80", kRefused},
+        {"FiveBytes", "\xF8\x88\x80\x80\x80", kRefused},
+        {"CutOffTwo", "a\xC3", kRefused},
+        {"CutOffThree", "a\xE2\x82", kRefused},
+        {"CutOffFour", "a\xF0\x90\x80", kRefused},
+        {"WrongContinuation", "\xE2\x82(", kRefused},
+        {"LeadAsContinuation", "\xC3\xC3", kRefused},
+        {"StrayContinuation", "a\x80", kRefused},
         {"LoneA9", "\2512\xA9", Units{0xFFFD, '2', 0xFFFD}},
         {"A9AsContinuation", "\xC2\xA9", Units{0xA9}},
         {"LeadingByteOrderMark", "\xEF\xBB\xBFx", Units{'x'}},
@@ -73,7 +73,7 @@ TEST(String, IsDecodedFromUtf8Strictly) {
         {"SecondByteOrderMark", "\xEF\xBB\xBF\xEF\xBB\xBF", Units{0xFEFF}},
         {"Empty", "", Units{}},
     };
-    for (const auto& row : rows) EXPECT_EQ(Decoded(row.bytes, kCFStringEncodingUTF8), row.units) << row.name;
+    for (const auto& row : rows) EXPECT_EQ(decoded(row.bytes, kCFStringEncodingUTF8), row.units) << row.name;
 }
 
 TEST(String, IsEncodedOnlyWhenEveryCharacterHasAForm) {
@@ -89,30 +89,30 @@ TEST(String, IsEncodedOnlyWhenEveryCharacterHasAForm) {
          {'a', 0xE9, 0x20AC, 0xD834, 0xDD1E},
          utf8,
          "a\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E"},
-        {"LoneHighSurrogate", {'a', 0xD834}, utf8, refused},
-        {"LoneLowSurrogate", {0xDD1E, 'a'}, utf8, refused},
-        {"SurrogatesInWrongOrder", {0xDD1E, 0xD834}, utf8, refused},
-        {"RomanWithoutForm", {0x0394}, roman, refused},
-        {"RomanOldCurrencySign", {0xA4}, roman, refused},
+        {"LoneHighSurrogate", {'a', 0xD834}, utf8, kRefused},
+        {"LoneLowSurrogate", {0xDD1E, 'a'}, utf8, kRefused},
+        {"SurrogatesInWrongOrder", {0xDD1E, 0xD834}, utf8, kRefused},
+        {"RomanWithoutForm", {0x0394}, roman, kRefused},
+        {"RomanOldCurrencySign", {0xA4}, roman, kRefused},
         {"RomanOmegaAndOhm", {0x03A9, 0x2126}, roman, "\xBD\xBD"},
         {"RomanComposed", {'e', 0x301, 'C', 0x327, '=', 0x338, 'y', 0x308}, roman, "\x8E\x82\xAD\xD8"},
-        {"RomanMarkOnWrongLetter", {'x', 0x301}, roman, refused},
-        {"RomanSecondMark", {'e', 0x301, 0x301}, roman, refused},
-        {"RomanMarkAlone", {0x301}, roman, refused},
-        {"RomanSurrogatePair", {0xD834, 0xDD1E}, roman, refused},
+        {"RomanMarkOnWrongLetter", {'x', 0x301}, roman, kRefused},
+        {"RomanSecondMark", {'e', 0x301, 0x301}, roman, kRefused},
+        {"RomanMarkAlone", {0x301}, roman, kRefused},
+        {"RomanSurrogatePair", {0xD834, 0xDD1E}, roman, kRefused},
         {"Ascii", {'~', 0x7F}, kCFStringEncodingASCII, "~\x7F"},
-        {"AsciiAbove", {0x80}, kCFStringEncodingASCII, refused},
-        {"UnknownEncoding", {'a'}, 0xFFFFFFFF, refused},
+        {"AsciiAbove", {0x80}, kCFStringEncodingASCII, kRefused},
+        {"UnknownEncoding", {'a'}, 0xFFFFFFFF, kRefused},
         {"EmbeddedNulEndsTheCString", {'a', 0, 'b'}, utf8, "a"},
     };
-    for (const auto& row : rows) EXPECT_EQ(Encoded(row.units, row.encoding), row.bytes) << row.name;
+    for (const auto& row : rows) EXPECT_EQ(encoded(row.units, row.encoding), row.bytes) << row.name;
 }
 
 TEST(String, HoldsAllOfMacRoman) {
     unsigned char all[256] = {255};
     for (unsigned i = 1; i < 256; ++i) all[i] = static_cast<unsigned char>(i);
     const auto units =
-        TakeUnits(CFStringCreateWithPascalString(kCFAllocatorDefault, all, kCFStringEncodingMacRoman));
+        takeUnits(CFStringCreateWithPascalString(kCFAllocatorDefault, all, kCFStringEncodingMacRoman));
     ASSERT_TRUE(units);
     EXPECT_EQ(units->size(), 255U);
     const auto at = [&](unsigned byte) { return (*units)[byte - 1]; };
@@ -124,9 +124,9 @@ TEST(String, HoldsAllOfMacRoman) {
     EXPECT_EQ(at(0xF0), 0xF8FF);
     EXPECT_EQ(at(0xFF), 0x02C7);
     for (unsigned i = 1; i < 256; ++i) {
-        EXPECT_EQ(Encoded({at(i)}, kCFStringEncodingMacRoman), std::string(1, static_cast<char>(i))) << i;
+        EXPECT_EQ(encoded({at(i)}, kCFStringEncodingMacRoman), std::string(1, static_cast<char>(i))) << i;
     }
-    EXPECT_THAT(Decoded("\x80\xFF", kCFStringEncodingASCII), Optional(ElementsAre(0x80, 0xFF)));
+    EXPECT_THAT(decoded("\x80\xFF", kCFStringEncodingASCII), Optional(ElementsAre(0x80, 0xFF)));
 }
 
 TEST(String, GivesTheCStringWhenItFitsWithItsNul) {
@@ -152,7 +152,7 @@ TEST(String, KeepsAnyUnitsAndGivesARangeOfThem) {
     EXPECT_THAT(part, ElementsAre(0, 0xFFFF, 1, 1));
     CFStringGetCharacters(text, CFRangeMake(4, 0), part);
     EXPECT_DEATH(CFStringGetCharacters(text, CFRangeMake(3, 2), part), "the range .3, 2. lies outside");
-    EXPECT_EQ(TakeUnits(text), units);
+    EXPECT_EQ(takeUnits(text), units);
     EXPECT_EQ(CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), -1), nullptr);
 }
 

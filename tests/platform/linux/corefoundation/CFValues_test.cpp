@@ -14,7 +14,7 @@
 namespace {
 
 /// What a live object is listed as; it is the only one and is released.
-std::string TakeDescription(CFTypeRef object) {
+std::string takeDescription(CFTypeRef object) {
     if (!object) return "NULL";
     const auto lines = macplatform::DescribeLiveObjects();
     CFRelease(object);
@@ -22,47 +22,47 @@ std::string TakeDescription(CFTypeRef object) {
     return lines.size() == 1 ? lines.front() : "not one object";
 }
 
-constexpr CFUUIDBytes someBytes = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
-                                   0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF};
+constexpr CFUUIDBytes kSomeBytes = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
+                                    0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF};
 
-CFUUIDRef Constant(UInt8 last) {
+CFUUIDRef constant(UInt8 last) {
     return CFUUIDGetConstantUUIDWithBytes(nullptr, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, last);
 }
 
 template <typename T>
-CFNumberRef NewNumber(CFNumberType type, T value) {
+CFNumberRef newNumber(CFNumberType type, T value) {
     return CFNumberCreate(kCFAllocatorDefault, type, &value);
 }
 
 TEST(Uuid, IsOneObjectForTheSameBytes) {
-    const CFUUIDRef one = CFUUIDCreateFromUUIDBytes(nullptr, someBytes);
-    const CFUUIDRef other = CFUUIDCreateFromUUIDBytes(nullptr, someBytes);
+    const CFUUIDRef one = CFUUIDCreateFromUUIDBytes(nullptr, kSomeBytes);
+    const CFUUIDRef other = CFUUIDCreateFromUUIDBytes(nullptr, kSomeBytes);
     EXPECT_EQ(one, other);
     EXPECT_EQ(CFGetRetainCount(one), 2);
     const CFUUIDBytes bytes = CFUUIDGetUUIDBytes(one);
-    EXPECT_EQ(std::memcmp(&bytes, &someBytes, sizeof bytes), 0);
+    EXPECT_EQ(std::memcmp(&bytes, &kSomeBytes, sizeof bytes), 0);
     CFRelease(one);
-    EXPECT_EQ(TakeDescription(other), "UUID 01234567-89AB-CDEF-0123-456789ABCDEF, 1 reference");
+    EXPECT_EQ(takeDescription(other), "UUID 01234567-89AB-CDEF-0123-456789ABCDEF, 1 reference");
 }
 
 TEST(Uuid, OnceConstantIsNeverFreed) {
     CFUUIDBytes bytes{};
     bytes.byte15 = 7;
     const CFUUIDRef made = CFUUIDCreateFromUUIDBytes(nullptr, bytes);
-    EXPECT_EQ(Constant(7), made);
+    EXPECT_EQ(constant(7), made);
     for (int i = 0; i < 5; ++i) CFRelease(made);
     EXPECT_EQ(CFGetRetainCount(made), 0x7FFFFFFF);
-    EXPECT_EQ(Constant(7), made);
-    EXPECT_NE(Constant(8), made);
+    EXPECT_EQ(constant(7), made);
+    EXPECT_NE(constant(8), made);
     EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
 }
 
 TEST(Uuid, StaysWholeWhileThreadsMakeAndFreeIt) {
     const auto work = [] {
         for (int i = 0; i < 20000; ++i) {
-            const CFUUIDRef uuid = CFUUIDCreateFromUUIDBytes(nullptr, someBytes);
+            const CFUUIDRef uuid = CFUUIDCreateFromUUIDBytes(nullptr, kSomeBytes);
             const CFUUIDBytes bytes = CFUUIDGetUUIDBytes(uuid);
-            if (std::memcmp(&bytes, &someBytes, sizeof bytes) != 0) ADD_FAILURE();
+            if (std::memcmp(&bytes, &kSomeBytes, sizeof bytes) != 0) ADD_FAILURE();
             CFRelease(uuid);
         }
     };
@@ -73,16 +73,16 @@ TEST(Uuid, StaysWholeWhileThreadsMakeAndFreeIt) {
 }
 
 TEST(Number, HoldsWhatEachTypeReads) {
-    EXPECT_EQ(TakeDescription(NewNumber<std::int8_t>(kCFNumberSInt8Type, -128)), "number -128, 1 reference");
-    EXPECT_EQ(TakeDescription(NewNumber<short>(kCFNumberShortType, 32767)), "number 32767, 1 reference");
-    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberIntType, -2)), "number -2, 1 reference");
-    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberLongType, LONG_MIN)),
+    EXPECT_EQ(takeDescription(newNumber<std::int8_t>(kCFNumberSInt8Type, -128)), "number -128, 1 reference");
+    EXPECT_EQ(takeDescription(newNumber<short>(kCFNumberShortType, 32767)), "number 32767, 1 reference");
+    EXPECT_EQ(takeDescription(newNumber(kCFNumberIntType, -2)), "number -2, 1 reference");
+    EXPECT_EQ(takeDescription(newNumber(kCFNumberLongType, LONG_MIN)),
               "number " + std::to_string(LONG_MIN) + ", 1 reference");
-    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberSInt64Type, INT64_MIN)),
+    EXPECT_EQ(takeDescription(newNumber(kCFNumberSInt64Type, INT64_MIN)),
               "number -9223372036854775808, 1 reference");
-    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberFloatType, 0.5F)), "number 0.5, 1 reference");
-    EXPECT_EQ(TakeDescription(NewNumber(kCFNumberDoubleType, 1e300)), "number 1e+300, 1 reference");
-    EXPECT_EQ(NewNumber(static_cast<CFNumberType>(99), 1), nullptr);
+    EXPECT_EQ(takeDescription(newNumber(kCFNumberFloatType, 0.5F)), "number 0.5, 1 reference");
+    EXPECT_EQ(takeDescription(newNumber(kCFNumberDoubleType, 1e300)), "number 1e+300, 1 reference");
+    EXPECT_EQ(newNumber(static_cast<CFNumberType>(99), 1), nullptr);
     EXPECT_DEATH(CFNumberCreate(nullptr, kCFNumberIntType, nullptr), "CFNumberCreate: the value is NULL");
 }
 
@@ -104,13 +104,13 @@ TEST(Number, TellsWhetherAConversionLoses) {
         {"NotANumber", std::nan(""), false, 0},
     };
     for (const auto& row : rows) {
-        const CFNumberRef number = NewNumber(kCFNumberDoubleType, row.value);
+        const CFNumberRef number = newNumber(kCFNumberDoubleType, row.value);
         SInt32 converted = 99;
         EXPECT_EQ(CFNumberGetValue(number, kCFNumberSInt32Type, &converted), row.fits) << row.name;
         EXPECT_EQ(converted, row.nearest) << row.name;
         CFRelease(number);
     }
-    const CFNumberRef odd = NewNumber(kCFNumberLongLongType, (1LL << 53) + 1);
+    const CFNumberRef odd = newNumber(kCFNumberLongLongType, (1LL << 53) + 1);
     double real = 0;
     EXPECT_FALSE(CFNumberGetValue(odd, kCFNumberDoubleType, &real)) << "53 bits are not enough";
     float small = 0;
@@ -122,9 +122,9 @@ TEST(Number, TellsWhetherAConversionLoses) {
 }
 
 TEST(Number, EqualsByItsValue) {
-    const CFNumberRef two = NewNumber(kCFNumberIntType, 2);
-    const CFNumberRef real = NewNumber(kCFNumberDoubleType, 2.0);
-    const CFNumberRef more = NewNumber(kCFNumberDoubleType, 2.5);
+    const CFNumberRef two = newNumber(kCFNumberIntType, 2);
+    const CFNumberRef real = newNumber(kCFNumberDoubleType, 2.0);
+    const CFNumberRef more = newNumber(kCFNumberDoubleType, 2.5);
     EXPECT_TRUE(CFEqual(two, real));
     EXPECT_FALSE(CFEqual(two, more));
     EXPECT_FALSE(CFEqual(two, CFSTR("2")));
@@ -153,7 +153,7 @@ TEST(Url, HoldsAnAbsolutePath) {
     };
     for (const auto& row : rows) {
         const CFStringRef text = __CFStringMakeConstantString(row.path);
-        EXPECT_EQ(TakeDescription(CFURLCreateWithFileSystemPath(nullptr, text, row.style, row.isDirectory)),
+        EXPECT_EQ(takeDescription(CFURLCreateWithFileSystemPath(nullptr, text, row.style, row.isDirectory)),
                   row.described);
     }
     const UniChar broken[][3] = {{'/', 0xD800, 'a'}, {'/', 0, 'a'}};
@@ -171,9 +171,9 @@ TEST(Values, AreRefusedWhenAFaultIsOrdered) {
         macplatform::OrderFault({call});
     }
     const UniChar unit = 'a';
-    EXPECT_EQ(CFUUIDCreateFromUUIDBytes(nullptr, someBytes), nullptr);
-    EXPECT_EQ(Constant(1), nullptr);
-    EXPECT_EQ(NewNumber(kCFNumberIntType, 1), nullptr);
+    EXPECT_EQ(CFUUIDCreateFromUUIDBytes(nullptr, kSomeBytes), nullptr);
+    EXPECT_EQ(constant(1), nullptr);
+    EXPECT_EQ(newNumber(kCFNumberIntType, 1), nullptr);
     EXPECT_EQ(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/"), kCFURLPOSIXPathStyle, true), nullptr);
     EXPECT_EQ(CFStringCreateWithCharacters(nullptr, &unit, 1), nullptr);
     EXPECT_FALSE(CFEqual(CFSTR("a"), CFSTR("a")));

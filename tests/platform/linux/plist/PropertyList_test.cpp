@@ -15,7 +15,7 @@ using macplatform::ReadPropertyList;
 
 namespace {
 
-const char oneOfEach[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+const char kOneOfEach[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
 <plist version="1.0"><dict>
 <key>text</key><string>caf&#233; &lt;1&gt;</string><key>integer</key><integer>-5</integer>
@@ -27,14 +27,14 @@ const char oneOfEach[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 
 TEST(PropertyList, ReadsBothFormatsAlike) {
     const TemporaryFolder folder;
-    const std::string xml = folder.Write("list.plist", oneOfEach);
+    const std::string xml = folder.Write("list.plist", kOneOfEach);
     const std::string binary = (folder / "binary.plist").string();
     ASSERT_EQ(std::system(("plistutil -f bin -i '" + xml + "' -o '" + binary + "'").c_str()), 0);
 
     const auto fromXml = ReadPropertyList(xml), fromBinary = ReadPropertyList(binary);
     EXPECT_EQ(fromXml.error, "");
-    EXPECT_EQ(fromXml.format, PropertyListFormat::Xml);
-    EXPECT_EQ(fromBinary.format, PropertyListFormat::Binary);
+    EXPECT_EQ(fromXml.format, PropertyListFormat::kXml);
+    EXPECT_EQ(fromBinary.format, PropertyListFormat::kBinary);
     EXPECT_EQ(fromXml.root, fromBinary.root);
     EXPECT_EQ(
         fromXml.root.Describe(),
@@ -51,7 +51,7 @@ TEST(PropertyList, RefusesWhatIsNone) {
          {"", "UpdatesEnabled", "bplist00", "{ old = style; }", "<plist><dict><key>a", "<"}) {
         const auto list = ReadPropertyList(folder.Write("bad.plist", text));
         EXPECT_NE(list.error, "") << text;
-        EXPECT_EQ(list.root.kind, PropertyValue::Kind::None);
+        EXPECT_EQ(list.root.kind, PropertyValue::Kind::kNone);
     }
     EXPECT_EQ(ReadPropertyList((folder / "missing").string()).errorNumber, ENOENT);
     EXPECT_EQ(ReadPropertyList(folder.Path().string()).errorNumber, EISDIR);

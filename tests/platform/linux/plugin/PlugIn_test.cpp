@@ -14,11 +14,11 @@ using macplatform::LastBundleFailure;
 
 namespace {
 
-constexpr CFUUIDBytes typeBytes = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 0x4C, 0xA2,
-                                   0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8};
-constexpr CFUUIDBytes factoryBytes = {0xA0, 0xA0, 0xA0, 0xA0, 0, 0, 0x40, 0, 0x80, 0, 0, 0, 0, 0, 0, 1};
+constexpr CFUUIDBytes kTypeBytes = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 0x4C, 0xA2,
+                                    0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8};
+constexpr CFUUIDBytes kFactoryBytes = {0xA0, 0xA0, 0xA0, 0xA0, 0, 0, 0x40, 0, 0x80, 0, 0, 0, 0, 0, 0, 1};
 
-CFPlugInRef Create(const std::filesystem::path& bundle) {
+CFPlugInRef create(const std::filesystem::path& bundle) {
     const CFURLRef url = NewURL(bundle);
     const CFPlugInRef plugIn = CFPlugInCreate(nullptr, url);
     CFRelease(url);
@@ -26,8 +26,8 @@ CFPlugInRef Create(const std::filesystem::path& bundle) {
 }
 
 /// Makes an instance as an installer does; null where any step fails.
-void* MakeInstance(CFPlugInRef plugIn) {
-    const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, typeBytes);
+void* makeInstance(CFPlugInRef plugIn) {
+    const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, kTypeBytes);
     const CFArrayRef factories = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, plugIn);
     void* instance = nullptr;
     if (factories && CFArrayGetCount(factories) > 0) {
@@ -58,11 +58,11 @@ protected:
 TEST_F(PlugIn, GivesAnInstance) {
     WriteInfo(InfoList("MakeSample"));
     CopyCode();
-    const CFPlugInRef plugIn = Create(bundle);
+    const CFPlugInRef plugIn = create(bundle);
     ASSERT_TRUE(plugIn);
-    EXPECT_TRUE(MakeInstance(plugIn)) << LastBundleFailure().text;
+    EXPECT_TRUE(makeInstance(plugIn)) << LastBundleFailure().text;
     EXPECT_TRUE(macplatform::BundleSymbol(plugIn, "RefuseSample"));
-    const CFPlugInRef again = Create(bundle);
+    const CFPlugInRef again = create(bundle);
     EXPECT_EQ(again, plugIn);
     EXPECT_EQ(CFGetRetainCount(plugIn), 2);
     CFRelease(again);
@@ -71,8 +71,8 @@ TEST_F(PlugIn, GivesAnInstance) {
 
 TEST_F(PlugIn, LivesAsLongAsItsInstances) {
     WriteInfo(InfoList("MakeSample"));
-    const CFPlugInRef plugIn = Create(bundle);
-    const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, factoryBytes);
+    const CFPlugInRef plugIn = create(bundle);
+    const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, kFactoryBytes);
     CFPlugInRemoveInstanceForFactory(factory);
     EXPECT_EQ(CFGetRetainCount(plugIn), 1) << "there was no instance";
     CFPlugInAddInstanceForFactory(factory);
@@ -88,16 +88,16 @@ TEST_F(PlugIn, LivesAsLongAsItsInstances) {
 TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
     WriteInfo(InfoList("MakeSample"));
     folder.Write("Other.bundle/Contents/Info.plist", "<plist><dict/></plist>");
-    const CFPlugInRef empty = Create(folder / "Other.bundle");
-    const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, typeBytes);
+    const CFPlugInRef empty = create(folder / "Other.bundle");
+    const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, kTypeBytes);
     EXPECT_EQ(CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, empty), nullptr);
-    const CFPlugInRef plugIn = Create(bundle);
+    const CFPlugInRef plugIn = create(bundle);
     const CFArrayRef none = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, empty);
     ASSERT_TRUE(none);
     EXPECT_EQ(CFArrayGetCount(none), 0);
     const CFArrayRef one = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, plugIn);
     ASSERT_EQ(CFArrayGetCount(one), 1);
-    const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, factoryBytes);
+    const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, kFactoryBytes);
     EXPECT_TRUE(CFEqual(CFArrayGetValueAtIndex(one, 0), factory));
     for (const CFTypeRef object : {CFTypeRef(empty), CFTypeRef(type), CFTypeRef(plugIn), CFTypeRef(none),
                                    CFTypeRef(one), CFTypeRef(factory)}) {
@@ -108,7 +108,7 @@ TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
 TEST_F(PlugIn, IsFoundOnTheStartupVolume) {
     folder.Write("Library/Sample.bundle/Contents/Info.plist", InfoList("MakeSample"));
     macplatform::SetStartupVolume(folder.Path().string());
-    const CFPlugInRef plugIn = Create("/Library/Sample.bundle");
+    const CFPlugInRef plugIn = create("/Library/Sample.bundle");
     macplatform::SetStartupVolume("");
     ASSERT_TRUE(plugIn) << LastBundleFailure().text;
     CFRelease(plugIn);

@@ -24,22 +24,22 @@
 namespace {
 
 /// Naps that were taken, not slept, while this is set: a lock is waited for in no time.
-std::optional<unsigned> naps;
+std::optional<unsigned> gNaps;
 
 } // namespace
 
 extern "C" int nanosleep(const timespec* time, timespec* left) {
     static const auto next =
         reinterpret_cast<int (*)(const timespec*, timespec*)>(dlsym(RTLD_NEXT, "nanosleep"));
-    if (!naps) return next(time, left);
-    ++*naps;
+    if (!gNaps) return next(time, left);
+    ++*gNaps;
     return 0;
 }
 
 namespace {
 
 /// False when the work was done before that stop.
-bool IsKilledAt(unsigned stop, const std::function<int()>& work) {
+bool isKilledAt(unsigned stop, const std::function<int()>& work) {
     const TracedEnd end = RunTraced(stop, work, [](pid_t child) { kill(child, SIGKILL); });
     EXPECT_TRUE(end.isReached || end.status == 0) << "the child cannot be traced, or its work fails";
     return end.isReached;
@@ -65,12 +65,12 @@ TEST_F(PreferencesSurvival, OfAKillAtEverySystemCall) {
         return Synchronise() ? 0 : 1;
     };
     WriteOld();
-    ASSERT_FALSE(IsKilledAt(1U << 30, change));
+    ASSERT_FALSE(isKilledAt(1U << 30, change));
     const std::string fresh = ReadBytes(File());
     ASSERT_NE(fresh, old);
     unsigned stop = 0, lost = 0;
     std::filesystem::permissions(File(), std::filesystem::perms(0644));
-    for (WriteOld(); IsKilledAt(stop, change); WriteOld(), ++stop) {
+    for (WriteOld(); isKilledAt(stop, change); WriteOld(), ++stop) {
         const std::string left = ReadBytes(File());
         struct stat status {};
         ASSERT_EQ(stat(File().c_str(), &status), 0);
@@ -104,11 +104,11 @@ TEST_F(PreferencesSurvival, OfALockThatIsHeld) {
     WriteOld();
     const int folder = open(Folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(flock(folder, LOCK_EX), 0);
-    naps = 0;
+    gNaps = 0;
     Set("Lang", "ja");
     EXPECT_FALSE(Synchronise());
-    EXPECT_GT(*naps, 1000U);
-    naps.reset();
+    EXPECT_GT(*gNaps, 1000U);
+    gNaps.reset();
     EXPECT_EQ(ReadBytes(File()), old);
     close(folder);
     EXPECT_TRUE(Synchronise()) << "the value went on waiting";

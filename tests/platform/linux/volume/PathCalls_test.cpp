@@ -18,7 +18,7 @@ namespace {
 
 using PathCalls = VolumeTest;
 
-bool Exists(const char* path) { return access(path, F_OK) == 0; }
+bool isPresent(const char* path) { return access(path, F_OK) == 0; }
 
 } // namespace
 
@@ -31,12 +31,12 @@ TEST_F(PathCalls, SeeTheVolume) {
     std::fclose(file);
     EXPECT_STREQ(text, "inside");
     EXPECT_TRUE(std::filesystem::exists("/Library/a.txt")) << "the C++ library's calls too";
-    EXPECT_TRUE(Exists((volume / "Library/a.txt").c_str())) << "its path on this machine goes on working";
+    EXPECT_TRUE(isPresent((volume / "Library/a.txt").c_str())) << "its path on this machine goes on working";
     struct stat status {};
     EXPECT_EQ(stat("/Library/a.txt", &status), 0);
     EXPECT_EQ(status.st_size, 6);
-    EXPECT_FALSE(Exists("/Library/b.txt"));
-    EXPECT_TRUE(Exists("/usr/bin/env")) << "other paths are this machine's";
+    EXPECT_FALSE(isPresent("/Library/b.txt"));
+    EXPECT_TRUE(isPresent("/usr/bin/env")) << "other paths are this machine's";
 }
 
 TEST_F(PathCalls, ChangeTheVolumeAlone) {
@@ -51,7 +51,7 @@ TEST_F(PathCalls, ChangeTheVolumeAlone) {
     EXPECT_EQ(chmod("/Applications/new", 0600), 0);
     EXPECT_EQ(rename("/Applications/new", "/Library/moved"), 0);
     EXPECT_EQ(symlink("/Library/moved", "/Applications/link"), 0);
-    EXPECT_TRUE(Exists("/Applications/link")) << "an absolute link starts at the volume";
+    EXPECT_TRUE(isPresent("/Applications/link")) << "an absolute link starts at the volume";
     EXPECT_EQ(rename("/Library/moved", (volume / "out").c_str()), 0);
     EXPECT_TRUE(std::filesystem::exists(volume / "out"));
     EXPECT_EQ(unlink("/Applications/link"), 0);
@@ -79,8 +79,8 @@ TEST_F(PathCalls, ListAndResolveOnTheVolume) {
     EXPECT_STREQ(resolved, "/Users/a/b.txt");
     std::free(resolved);
     std::filesystem::create_symlink("/etc/passwd", volume / "Users/out");
-    EXPECT_FALSE(Exists("/Users/out")) << "no link leads out";
-    EXPECT_FALSE(Exists("/Users/../../../../etc/passwd"));
+    EXPECT_FALSE(isPresent("/Users/out")) << "no link leads out";
+    EXPECT_FALSE(isPresent("/Users/../../../../etc/passwd"));
 }
 
 extern "C" int __open_2(const char* path, int flags);
@@ -121,14 +121,14 @@ TEST_F(PathCalls, SeeTheVolumeFromNamesWithASuffixAndFromWalks) {
     ASSERT_GE(made, 0);
     close(made);
     EXPECT_TRUE(std::filesystem::exists(volume.Path().string() + name)) << name;
-    static int visits;
-    visits = 0;
+    static int gVisits;
+    gVisits = 0;
     const auto visit = [](const char* path, const struct stat*, int, FTW*) {
-        visits += Exists(path) ? 1 : 0;
+        gVisits += isPresent(path) ? 1 : 0;
         return 0;
     };
     EXPECT_EQ(nftw("/Library/a", visit, 4, FTW_PHYS), 0);
-    EXPECT_EQ(visits, 3);
+    EXPECT_EQ(gVisits, 3);
 }
 
 TEST_F(PathCalls, ReadAPipeAsAnEmptyFile) {
@@ -160,12 +160,12 @@ TEST_F(PathCalls, RefuseAnEmptyPathAndAnOverlongOne) {
 TEST_F(PathCalls, AreToldAndFailAsOrdered) {
     volume.Write("Library/a.txt");
     const ToldCalls told;
-    EXPECT_FALSE(Exists("/Library/none"));
+    EXPECT_FALSE(isPresent("/Library/none"));
     EXPECT_EQ(errno, ENOENT);
     macplatform::OrderFault({"fopen", EACCES, 0});
     EXPECT_EQ(std::fopen("/Library/a.txt", "rb"), nullptr);
     EXPECT_EQ(errno, EACCES);
-    EXPECT_TRUE(Exists("/etc/passwd"));
+    EXPECT_TRUE(isPresent("/etc/passwd"));
     EXPECT_THAT(told.lines,
                 testing::ElementsAre("access(\"/Library/none\", 0) = -1: No such file or directory",
                                      "fopen(\"/Library/a.txt\", \"rb\") = NULL: Permission denied"));

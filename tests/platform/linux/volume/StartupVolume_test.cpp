@@ -55,9 +55,9 @@ TEST_F(StartupVolumeTest, FindsMacPathsInTheFolder) {
         {"dot-dot before the first name", "/nowhere/../Users/ann", "/Users/ann"},
     };
     for (const auto& row : rows) EXPECT_EQ(HostPath(row.path), root + row.onVolume) << row.condition;
-    EXPECT_EQ(HostPath("/Library/relative", LastLink::Keep), root + "/Library/relative");
-    EXPECT_EQ(HostPath("/Library/relative/toFile", LastLink::Keep), root + "/Library/Preferences/toFile");
-    EXPECT_EQ(HostPath("/Library/relative/", LastLink::Keep), root + "/Library/Preferences/");
+    EXPECT_EQ(HostPath("/Library/relative", LastLink::kKeep), root + "/Library/relative");
+    EXPECT_EQ(HostPath("/Library/relative/toFile", LastLink::kKeep), root + "/Library/Preferences/toFile");
+    EXPECT_EQ(HostPath("/Library/relative/", LastLink::kKeep), root + "/Library/Preferences/");
 }
 
 TEST_F(StartupVolumeTest, LeavesOtherPathsToThisMachine) {

@@ -5,8 +5,8 @@
 extern "C" {
 
 __attribute__((visibility("default"))) void* MakeSample(CFAllocatorRef, CFUUIDRef) {
-    static int instance;
-    return &instance;
+    static int gInstance;
+    return &gInstance;
 }
 
 __attribute__((visibility("default"))) void* RefuseSample(CFAllocatorRef, CFUUIDRef) { return nullptr; }
