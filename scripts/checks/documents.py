@@ -1,4 +1,4 @@
-"""What stands in the documents: fenced blocks, headings, links, and names of files."""
+"""Reads the documents of the tree: fenced blocks, headings, and the lines outside of blocks."""
 
 import pathlib
 import re
@@ -6,7 +6,7 @@ import subprocess
 
 
 class Block:
-    """A fenced block: what follows its fence, its lines, and where it begins."""
+    """A fenced block: the words behind its fence, its lines, and the line of its fence."""
 
     def __init__(self, document, line, info):
         self.document, self.line, self.info, self.lines = document, line, info.split(), []
@@ -21,14 +21,14 @@ class Block:
 
 
 def documents():
-    """The tree's documents, as they are on the disk."""
+    """Returns the paths of the documents in the working tree."""
     names = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "--", "*.md"], capture_output=True, text=True,
                            check=True).stdout.split("\n")
     return [pathlib.Path(name) for name in names if name and pathlib.Path(name).exists()]
 
 
 def read(document):
-    """The fenced blocks of a document, and the numbered lines outside them."""
+    """Returns the fenced blocks of a document and the numbered lines outside of them."""
     blocks, prose, block = [], [], None
     for number, line in enumerate(document.read_text(encoding="utf-8").splitlines(), 1):
         if line.startswith("```"):
@@ -45,12 +45,12 @@ def read(document):
 
 
 def blocks_of(language):
-    """All fenced blocks of a language, document by document."""
+    """Returns the fenced blocks of a language in all documents."""
     return [block for document in documents() for block in read(document)[0] if block.info[:1] == [language]]
 
 
 def anchors(document):
-    """What a link can name behind "#": the headings, in small letters, with hyphens for blanks, without other signs."""
+    """Returns the anchors of a document: its headings in lower case, with hyphens for blanks, without punctuation."""
     found = {}
     for _, line in read(document)[1]:
         heading = re.match(r"#+ +(.*)", line)
