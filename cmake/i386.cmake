@@ -1,4 +1,4 @@
-# 32-bit x86 on a 64-bit machine: 4-byte long and pointers, SSE2 arithmetic and 64-bit file offsets, as on the Mac target.
+# Toolchain for 32-bit x86 on a 64-bit machine: 4-byte long and pointers, SSE2 arithmetic and 64-bit file offsets, as on the Mac.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i386)
 set(CMAKE_C_COMPILER gcc)
@@ -7,7 +7,7 @@ set(CMAKE_CXX_FLAGS_INIT "-m32 -msse2 -mfpmath=sse -D_FILE_OFFSET_BITS=64")
 set(CMAKE_C_FLAGS_INIT "${CMAKE_CXX_FLAGS_INIT}")
 set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH /)
-# The programs of this build run on the machine that builds them.
+# The machine that builds the programs can run them.
 set(CMAKE_CROSSCOMPILING_EMULATOR "")
 
 set(i386_packages "dpkg --add-architecture i386 && apt-get update && apt-get install g++-multilib libplist-dev libplist-dev:i386")
@@ -17,10 +17,10 @@ execute_process(
     COMMAND ${CMAKE_CXX_COMPILER} -m32 -x c++ - -o /dev/null
     RESULT_VARIABLE cannot_compile OUTPUT_QUIET ERROR_QUIET)
 if(cannot_compile)
-    message(FATAL_ERROR "The i386 preset needs a compiler that makes 32-bit programs (package g++-multilib). Install with:\n"
+    message(FATAL_ERROR "The preset i386 needs a compiler for 32-bit programs (package g++-multilib). Install it with:\n"
         "  ${i386_packages}")
 endif()
 if(NOT EXISTS /usr/lib/i386-linux-gnu/libplist-2.0.so)
-    message(FATAL_ERROR "The i386 preset needs the 32-bit property-list library (package libplist-dev:i386). Install with:\n"
+    message(FATAL_ERROR "The preset i386 needs the 32-bit property-list library (package libplist-dev:i386). Install it with:\n"
         "  ${i386_packages}")
 endif()

@@ -1,9 +1,10 @@
-# What "cmake --install" delivers. No place of this machine goes into it: the tree may be moved, and a program in it finds its
-# libraries from where it lies itself.
+# Rules for "cmake --install". The installed tree has no absolute paths and can be moved: a program finds its libraries relative
+# to its own path.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-# compressed(RESULT SOURCE NAME): a file NAME, made from SOURCE with the rest of the build. Debian wants some so.
+# compressed(RESULT SOURCE NAME): compresses SOURCE to the file NAME in the build directory and stores its path in RESULT. Debian
+# requires this for manual pages and changelogs.
 function(compressed result source name)
     set(output ${PROJECT_BINARY_DIR}/${name})
     add_custom_command(OUTPUT ${output} COMMAND gzip -9nc ${source} > ${output} DEPENDS ${source} VERBATIM)
@@ -13,13 +14,13 @@ endfunction()
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Kelbase)
 
-# The library and its platform, which on a Mac is the system
+# The library and its platform. On a Mac the platform is the system.
 install(TARGETS Kelbase EXPORT Kelbase FILE_SET HEADERS INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(APPLE)
     install(TARGETS macplatform EXPORT Kelbase)
     set(platform_libraries "-framework CoreFoundation -framework Carbon -framework AppKit -lobjc")
 else()
-    set(platform_headers ${CMAKE_INSTALL_INCLUDEDIR}/macplatform) # <sys/...> and others must not stand among a system's own
+    set(platform_headers ${CMAKE_INSTALL_INCLUDEDIR}/macplatform) # <sys/...> and other headers must not hide those of the system
     install(TARGETS macplatform EXPORT Kelbase INCLUDES DESTINATION ${platform_headers})
     install(DIRECTORY platform/include/ DESTINATION ${platform_headers} FILES_MATCHING PATTERN *.h)
     set(platform_libraries -lmacplatform)
@@ -43,12 +44,12 @@ if(NOT KELBASE_TOOLS)
     return()
 endif()
 
-# The plug-in, for one who delivers it and for one who wants to try the tool
+# The plug-in, as a product and as an example for the tool
 set(contents ${CMAKE_INSTALL_LIBDIR}/kelbase/PostInstall.bundle/Contents)
 install(TARGETS PostInstall DESTINATION ${contents}/$<IF:$<PLATFORM_ID:Darwin>,MacOS,Linux>)
 install(FILES ${PROJECT_BINARY_DIR}/PostInstall.bundle/Contents/Info.plist
     ${PROJECT_BINARY_DIR}/PostInstall.bundle/Contents/PkgInfo DESTINATION ${contents})
-set_target_properties(PostInstall PROPERTIES INSTALL_RPATH $ORIGIN/../../../..) # out of the bundle, to ${CMAKE_INSTALL_LIBDIR}
+set_target_properties(PostInstall PROPERTIES INSTALL_RPATH $ORIGIN/../../../..) # from Contents/Linux up to ${CMAKE_INSTALL_LIBDIR}
 if(APPLE)
     return()
 endif()

@@ -1,21 +1,22 @@
-# How code for 32-bit Intel macOS 10.6 and later is made on this system.
+# Functions that build code for 32-bit Intel macOS 10.6 and later on this system.
 #
-# No packaged linker makes a sound file for that system, so nothing is left to link: every source, the C++ library's
-# too, becomes one module of bitcode, that becomes one object, and that the bundle.
+# No packaged linker makes a correct file for that system, so no linker is used. All sources, including those of the C++
+# library, are compiled to one module of bitcode. The module is compiled to one object file, and the object file is converted to
+# the executable of the bundle.
 include_guard(GLOBAL)
 
 foreach(tool clang++-14 llvm-link-14 opt-14 llvm-objdump-14 llvm-nm-14 llvm-dwarfdump-14)
     find_program(DARWIN_${tool} ${tool})
     if(NOT DARWIN_${tool})
-        message(FATAL_ERROR "The executable for the Mac needs ${tool} (packages clang-14 and llvm-14); "
-            "scripts/build-macos-bundle installs all that is missing")
+        message(FATAL_ERROR "${tool}: missing, but the Mac's executable needs it (packages clang-14 and llvm-14); "
+            "run scripts/build-macos-bundle, which installs missing packages")
     endif()
 endforeach()
 
 set(DARWIN_RUNTIME ${PROJECT_SOURCE_DIR}/build/cxx-runtime CACHE PATH "Sources of the C++ library for the Mac")
 if(NOT EXISTS ${DARWIN_RUNTIME}/libcxxabi/src/cxa_personality.cpp)
-    message(FATAL_ERROR "The executable for the Mac needs the sources of the C++ library in ${DARWIN_RUNTIME}; "
-        "scripts/get-cxx-runtime fetches them once, which needs the network")
+    message(FATAL_ERROR "${DARWIN_RUNTIME}: the sources of the C++ library are missing, but the Mac's executable needs them; "
+        "run scripts/get-cxx-runtime, which downloads them once")
 endif()
 
 set(DARWIN_FOLDER ${CMAKE_CURRENT_LIST_DIR} CACHE INTERNAL "")
@@ -29,7 +30,7 @@ set(DARWIN_WRITER ${writer} CACHE INTERNAL "")
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${DARWIN_FOLDER}/include/*)
 set(DARWIN_HEADERS ${headers} CACHE INTERNAL "")
 
-# darwin_bitcode(LIST SOURCE FLAG...): one file of a module, whose place is added to LIST.
+# darwin_bitcode(LIST SOURCE FLAG...): compiles a source to a file of bitcode and appends the path of the file to LIST.
 function(darwin_bitcode list source)
     file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR} ${source})
     string(REPLACE "../" "" name ${name})
@@ -45,14 +46,14 @@ function(darwin_bitcode list source)
     set(${list} ${${list}} ${output} PARENT_SCOPE)
 endfunction()
 
-# darwin_own_bitcode(LIST SOURCE FLAG...): the same of a source of ours.
+# darwin_own_bitcode(LIST SOURCE FLAG...): does the same for a source of this tree, with its warnings and include directories.
 function(darwin_own_bitcode list source)
     darwin_bitcode(${list} ${source} -std=c++17 -Wall -Wextra -Wno-multichar $<$<BOOL:${KELBASE_WERROR}>:-Werror> ${ARGN}
         -isystem ${PROJECT_SOURCE_DIR}/platform/include -I${PROJECT_SOURCE_DIR}/src -I${PROJECT_SOURCE_DIR})
     set(${list} ${${list}} PARENT_SCOPE)
 endfunction()
 
-# darwin_bundle(TARGET EXECUTABLE BITCODE...): a bundle's executable with the plug-in's three exports.
+# darwin_bundle(TARGET EXECUTABLE BITCODE...): makes the executable of a bundle that exports the plug-in's three entry points.
 function(darwin_bundle target executable)
     set(exports ${PROJECT_SOURCE_DIR}/PostInstall/exports.txt)
     set(imports ${DARWIN_FOLDER}/imports.txt)

@@ -1,6 +1,7 @@
-# Kelbase_old_headers: the library as an older compiler builds it, whose headers have neither <charconv> nor __get_cpuid_count.
+# Adds the target Kelbase_old_headers: the library built with the headers of an older compiler, which have neither <charconv> nor
+# __get_cpuid_count.
 
-# The C++ library's own directories. The one with most headers is replaced by links to all of them but the missing ones.
+# Replaces the main include directory of the C++ library by a directory of links to all its headers except <charconv>.
 set(old_headers ${CMAKE_CURRENT_BINARY_DIR}/old_headers)
 file(REMOVE_RECURSE ${old_headers})
 file(MAKE_DIRECTORY ${old_headers})
