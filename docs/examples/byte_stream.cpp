@@ -12,7 +12,8 @@ static void dump(const char* what, Util::ByteStream& stream) {
     std::printf("%-6s", what);
     stream.SetPosition(0);
     while (!stream.AtEnd())
-        std::printf(" %02X", static_cast<unsigned int>(stream.ReadPrimitive(static_cast<unsigned char>(0))));
+        std::printf(" %02X",
+                    static_cast<unsigned int>(stream.ReadPrimitive(static_cast<unsigned char>(0))));
     std::printf("\n");
 }
 

@@ -23,5 +23,6 @@ int main() {
 
     // The program created this reference. The holder becomes its owner and calls CFRelease.
     const CFStringRef made = CFStringCreateWithCString(nullptr, "abc", kCFStringEncodingUTF8);
-    std::printf("%s\n", Util::CFString(made, Util::CFString::kReleaseOnDestroy).ToString().Latin1());
+    std::printf("%s\n",
+                Util::CFString(made, Util::CFString::kReleaseOnDestroy).ToString().Latin1());
 }

@@ -14,10 +14,11 @@ int main() {
     const double seconds = Util::GetCycleCountSeconds() - start;
 
     std::printf("the sum is %.3f\n", sum);
+    std::printf("%s\n", seconds > 0 && seconds < 60 && millis < 60000 ? "it took a moment"
+                                                                      : "the clock was set");
     std::printf("%s\n",
-                seconds > 0 && seconds < 60 && millis < 60000 ? "it took a moment" : "the clock was set");
-    std::printf("%s\n", Util::GetNumLogicalProcessors() >= 1 ? "on one processor or more" : "nowhere");
+                Util::GetNumLogicalProcessors() >= 1 ? "on one processor or more" : "nowhere");
     std::printf("in a program called %s\n", Util::GetCurrentProcessName().Latin1());
-    std::printf("%s\n",
-                Util::GetTimeSeconds() > 1700000000 ? "after November 2023" : "on a machine without a clock");
+    std::printf("%s\n", Util::GetTimeSeconds() > 1700000000 ? "after November 2023"
+                                                            : "on a machine without a clock");
 }

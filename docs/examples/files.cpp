@@ -30,7 +30,8 @@ int main() {
 
     std::vector<String> names;
     Util::Dir(folder).GetFilenames(names, "notes*.txt", false, false);
-    for (const String& name : names) std::printf("%s: %s\n", name.Latin1(), readText(folder + name).Latin1());
+    for (const String& name : names)
+        std::printf("%s: %s\n", name.Latin1(), readText(folder + name).Latin1());
 
     try {
         readText(folder + "missing.txt");

@@ -1,5 +1,5 @@
-// Hides a file as the plug-in does, and prints the sidecar file. The sidecar holds the flags where the file
-// system has no extended attributes.
+// Hides a file as the plug-in does, and prints the sidecar file. The sidecar holds the flags where
+// the file system has no extended attributes.
 #include <Carbon/Carbon.h>
 #include <macplatform/FinderFlags.h>
 
@@ -31,7 +31,8 @@ int main() {
     std::FILE* const sidecar = std::fopen("._notes.example", "rb");
     if (!sidecar) return 1;
     for (int place = 0, byte; (byte = std::fgetc(sidecar)) != EOF; ++place) {
-        if (place % 16 == 0) std::printf(place ? "\n%04X " : "%04X ", static_cast<unsigned int>(place));
+        if (place % 16 == 0)
+            std::printf(place ? "\n%04X " : "%04X ", static_cast<unsigned int>(place));
         std::printf(" %02X", static_cast<unsigned int>(byte));
     }
     std::printf("\n");

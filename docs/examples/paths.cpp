@@ -3,10 +3,12 @@
 
 #include <cstdio>
 
-static void show(const char* what, const String& text) { std::printf("%-10s %s\n", what, text.Latin1()); }
+static void show(const char* what, const String& text) {
+    std::printf("%-10s %s\n", what, text.Latin1());
+}
 
 int main() {
-    const FilePath preset("/Users/Ada//Presets\\..\\Presets/Warm.Room.fxp", false);
+    const FilePath preset("/Users/Ada//Presets\\..\\Presets/Warm.Hall.fxp", false);
     show("given", preset.GetInternal());
     show("clean", preset.ToString());
     show("name", preset.GetFilename());
@@ -19,7 +21,7 @@ int main() {
     show("backup", (folder + (preset.GetBaseName() + ".bak")).ToString());
 
     // Comparisons ignore the case of ASCII letters, as the Mac's own volumes do.
-    const bool same = preset == FilePath("/users/ada/PRESETS/warm.room.FXP", false);
+    const bool same = preset == FilePath("/users/ada/PRESETS/warm.hall.FXP", false);
     std::printf("%-10s %s\n", "same file", same ? "yes" : "no");
 
     // Of two ".." in a row only the first removes a name.

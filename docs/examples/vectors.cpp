@@ -28,8 +28,8 @@ int main() {
                                  reinterpret_cast<const unsigned char*>(again));
     std::printf("%s\n", same ? "unchanged" : "changed");
 
-    // A product that does not fit 32 bits gives the lowest value, as NaN does. A product that fits is limited
-    // to 16 bits.
+    // A product that does not fit 32 bits gives the lowest value, as NaN does. A product that fits
+    // is limited to 16 bits.
     const float wild[2] = {1e5f, 2.0f};
     short held[2];
     IPP::Convert(2, wild, held, -15, false);
