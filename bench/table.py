@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Prints one line a job from the benchmarks' JSON documents: table.py TARGETS DOCUMENT..."""
+"""Prints one line for each job from the JSON documents of the benchmarks: table.py TARGETS DOCUMENT..."""
 
 import collections
 import json
@@ -9,7 +9,7 @@ UNITS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
 def read_targets(path):
-    """The jobs in their order, each with its noise and with (who of ours, peer, most that ours may be of the peer, or None)."""
+    """Returns the jobs in order, each with its noise and a list of (our implementation, peer, target ratio or None)."""
     targets = collections.OrderedDict()
     usual = 0
     for line in open(path):
@@ -33,10 +33,10 @@ def read_targets(path):
 
 
 def read_medians(paths):
-    """(job, who) -> (nanoseconds of processor time an item, whether the result differs from ours)."""
+    """Returns (job, implementation) -> (nanoseconds of processor time for an item, whether the result differs from ours)."""
     medians = {}
     for path in paths:
-        text = open(path).read()  # empty where no job of the program was asked for
+        text = open(path).read()  # empty if no job of the program was selected
         for run in json.loads(text)["benchmarks"] if text else []:
             if run.get("aggregate_name", "median") != "median" or "/" not in run["run_name"]:
                 continue
@@ -51,7 +51,7 @@ def figure(nanoseconds):
 
 
 def comparison(medians, job, ours, peer, target):
-    """The words on one peer, and how far ours is above the target, as a part of it (None: no target, or no such peer here)."""
+    """Returns the text for one peer, and by which part of the target our ratio exceeds it (None without a target or peer)."""
     if (job, ours) not in medians or (job, peer) not in medians:
         return f"{peer} -", None
     time, differs = medians[job, peer]
@@ -78,9 +78,9 @@ def main():
         if (job, "ours") not in medians:
             continue
         results = [comparison(medians, job, *peer) for peer in peers]
-        told = verdict([excess for _, excess in results if excess is not None], noise)
-        verdicts[told] += 1
-        print(f"{job:<26} {told:<6} ours {figure(medians[job, 'ours'][0]):>6} | " + " | ".join(w for w, _ in results))
+        outcome = verdict([excess for _, excess in results if excess is not None], noise)
+        verdicts[outcome] += 1
+        print(f"{job:<26} {outcome:<6} ours {figure(medians[job, 'ours'][0]):>6} | " + " | ".join(w for w, _ in results))
     held = verdicts.total() - verdicts["-"]
     print(f"{verdicts['met']} of {held} jobs meet all their targets, {verdicts['noise']} are above one by less than the noise of such jobs,")
     print(f"{verdicts['MISSED']} miss one. Times are nanoseconds an item (milliseconds where a job sorts), medians of processor time;")

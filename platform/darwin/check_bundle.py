@@ -1,10 +1,10 @@
 #!/usr/bin/python3 -B
-"""Checks the structure of the plug-in's executable for the Mac with readers that do not come from here.
+"""Checks the structure of the plug-in's executable for the Mac with third-party tools.
 
 usage: check_bundle.py EXECUTABLE
 
-Prints each fault on a line and ends with 1, or says what was found in order. Every check is there for a fault that some
-linker made in such a file without a word. What only the system itself can tell, that it loads the file, is not checked.
+Prints one line for each fault and exits with 1, or prints one line that the structure is in order. Each check covers a fault
+that a linker has made in such a file without a message. Whether the system loads the file is not checked.
 """
 
 import os

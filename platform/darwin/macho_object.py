@@ -19,7 +19,7 @@ class Relocation:
     relative: bool  # to the end of the field
     symbol: int = -1  # of one that is not resolved
     section: int = -1  # of the target, from 0
-    value: int = -1  # old address that tells the target's section
+    value: int = -1  # old address, which identifies the target's section
     subtracted: int = -1  # the same of the address that is taken away
 
 
