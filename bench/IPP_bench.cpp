@@ -97,7 +97,7 @@ __attribute__((optimize("O3"))) void loopO3(unsigned int n, const Source* __rest
 /// What a Form's routine does, by the instructions of SSE2 alone.
 template <typename Source, typename Target, typename... Factor>
 auto bySse2(void (*IPP::Form::*routine)(unsigned int, const Source*, Target*, Factor...), Factor... factor) {
-    return [f = IPP::sse2Form.*routine, factor...](unsigned int n, const Source* s, Target* d) {
+    return [f = IPP::kSse2Form.*routine, factor...](unsigned int n, const Source* s, Target* d) {
         f(n, s, d, factor...);
     };
 }

@@ -9,7 +9,7 @@ static const char* askToKeep(const String& name) {
     bool cancelled = false;
     const String question = String("Replace \"%1\"?").Arg(name);
     if (UI::Native::MessageYesNoCancel(cancelled, nullptr, "Export", question,
-                                       UI::Native::YesNoCancelFocus::FirstButton, false))
+                                       UI::Native::YesNoCancelFocus::kFirstButton, false))
         return "replaced";
     return cancelled ? "stopped" : "kept";
 }

@@ -65,7 +65,7 @@ __m256i get(const Integer* src) {
 struct CharToFloat {
     using Source = unsigned char;
     using Target = float;
-    static constexpr unsigned int count = 8;
+    static constexpr unsigned int kCount = 8;
 
     template <bool stream>
     void Convert(const unsigned char* src, float* dst) const {
@@ -76,7 +76,7 @@ struct CharToFloat {
 struct FloatToDouble {
     using Source = float;
     using Target = double;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
 
     template <bool stream>
     void Convert(const float* src, double* dst) const {
@@ -87,7 +87,7 @@ struct FloatToDouble {
 struct DoubleToFloat {
     using Source = double;
     using Target = float;
-    static constexpr unsigned int count = 8;
+    static constexpr unsigned int kCount = 8;
 
     template <bool stream>
     void Convert(const double* src, float* dst) const {
@@ -100,7 +100,7 @@ struct DoubleToFloat {
 struct ShortToFloat {
     using Source = short;
     using Target = float;
-    static constexpr unsigned int count = 8;
+    static constexpr unsigned int kCount = 8;
     __m256 factor;
 
     explicit ShortToFloat(float f) : factor(_mm256_set1_ps(f)) {}
@@ -115,7 +115,7 @@ struct ShortToFloat {
 struct ShortToDouble {
     using Source = short;
     using Target = double;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
     __m256d factor;
 
     explicit ShortToDouble(double f) : factor(_mm256_set1_pd(f)) {}
@@ -130,7 +130,7 @@ struct ShortToDouble {
 struct IntToFloat {
     using Source = int;
     using Target = float;
-    static constexpr unsigned int count = 8;
+    static constexpr unsigned int kCount = 8;
     __m256 factor;
 
     explicit IntToFloat(float f) : factor(_mm256_set1_ps(f)) {}
@@ -144,7 +144,7 @@ struct IntToFloat {
 struct IntToDouble {
     using Source = int;
     using Target = double;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
     __m256d factor;
 
     explicit IntToDouble(double f) : factor(_mm256_set1_pd(f)) {}
@@ -180,7 +180,7 @@ template <bool round>
 struct FloatToShort : ToInts<round> {
     using Source = float;
     using Target = short;
-    static constexpr unsigned int count = 16;
+    static constexpr unsigned int kCount = 16;
     using ToInts<round>::ToInts;
 
     template <bool stream>
@@ -194,7 +194,7 @@ template <bool round>
 struct FloatToInt : ToInts<round> {
     using Source = float;
     using Target = int;
-    static constexpr unsigned int count = 8;
+    static constexpr unsigned int kCount = 8;
     using ToInts<round>::ToInts;
 
     template <bool stream>
@@ -206,18 +206,18 @@ struct FloatToInt : ToInts<round> {
 template <typename Block, auto routine, typename... Factor>
 void convert(unsigned int count, const typename Block::Source* src, typename Block::Target* dst,
              Factor... factor) {
-    if (count < Block::count)
-        (IPP::sse2Form.*routine)(count, src, dst, factor...);
+    if (count < Block::kCount)
+        (IPP::kSse2Form.*routine)(count, src, dst, factor...);
     else
-        IPP::convertArray<32>(count, src, dst, Block(factor...));
+        IPP::ConvertArray<32>(count, src, dst, Block(factor...));
 }
 
 void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
     if (bytes < 32) {
-        IPP::sse2Form.fill(bytes, dst, pattern);
+        IPP::kSse2Form.fill(bytes, dst, pattern);
         return;
     }
-    if (bytes >= IPP::stringFillBytes && IPP::FillByString(bytes, dst, pattern)) return;
+    if (bytes >= IPP::kStringFillBytes && IPP::FillByString(bytes, dst, pattern)) return;
     const __m256i v = _mm256_broadcastq_epi64(getQuarter(pattern));
     const std::size_t last = bytes - 32;
     for (std::size_t i = 0; i < last; i += 32) put<false>(dst + i, v);
@@ -226,7 +226,7 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
 
 } // namespace
 
-const IPP::Form IPP::avx2Form = {
+const IPP::Form IPP::kAvx2Form = {
     "avx2",
     isSupported,
     fill,

@@ -33,22 +33,22 @@ struct Form {
     void (*floatToIntRounded)(unsigned int count, const float* src, int* dst, float factor);
 };
 
-extern const Form scalarForm;
-extern const Form sse2Form; ///< Exists only in builds for x86, as does avx2Form.
-extern const Form avx2Form; ///< Uses AVX2 and FMA.
+extern const Form kScalarForm;
+extern const Form kSse2Form; ///< Exists only in builds for x86, as does kAvx2Form.
+extern const Form kAvx2Form; ///< Uses AVX2 and FMA.
 
-/// The implementations of this build, the best one first, ended by null. The last one is scalarForm, which
+/// The implementations of this build, the best one first, ended by null. The last one is kScalarForm, which
 /// every processor can run.
-extern const Form* const allForms[];
+extern const Form* const kAllForms[];
 
 /// Selects the first implementation that the processor supports. `ChosenForm` calls it once.
 const Form& ChooseForm();
-extern const Form* chosenForm; ///< The dispatched implementation, null until ChooseForm has been called.
+extern const Form* gChosenForm; ///< The dispatched implementation, null until ChooseForm has been called.
 /// Returns the dispatched implementation.
 inline const Form& ChosenForm() {
     // Threads that make the first call at the same time find the same implementation. The builtin prevents a
     // data race.
-    const Form* const form = __atomic_load_n(&chosenForm, __ATOMIC_RELAXED);
+    const Form* const form = __atomic_load_n(&gChosenForm, __ATOMIC_RELAXED);
     return form ? *form : ChooseForm();
 }
 

@@ -1,3 +1,3 @@
 #include <Kelbase/IPP/IPP_forms.h>
 
-const IPP::Form* const IPP::allForms[] = {&scalarForm, nullptr};
+const IPP::Form* const IPP::kAllForms[] = {&kScalarForm, nullptr};

@@ -41,22 +41,22 @@ int toIntRounded(float x, float factor) {
     return Util::TruncateToInt(x * factor + Util::HalfAwayFromZero(x));
 }
 
-template <int (*ToInt)(float, float)>
+template <int (*convertOne)(float, float)>
 void scaleToInt(unsigned int count, const float* src, int* dst, float factor) {
-    for (unsigned int i = 0; i < count; ++i) dst[i] = ToInt(src[i], factor);
+    for (unsigned int i = 0; i < count; ++i) dst[i] = convertOne(src[i], factor);
 }
 
-template <int (*ToInt)(float, float)>
+template <int (*convertOne)(float, float)>
 void scaleToShort(unsigned int count, const float* src, short* dst, float factor) {
     for (unsigned int i = 0; i < count; ++i) {
-        const int r = ToInt(src[i], factor);
+        const int r = convertOne(src[i], factor);
         dst[i] = static_cast<short>(r > 32767 ? 32767 : r < -32768 ? -32768 : r);
     }
 }
 
 } // namespace
 
-const IPP::Form IPP::scalarForm = {
+const IPP::Form IPP::kScalarForm = {
     "scalar",
     always,
     fill,

@@ -44,7 +44,7 @@ __m128i upperHalf(__m128i v) { return _mm_unpackhi_epi64(v, v); }
 struct CharToFloat {
     using Source = unsigned char;
     using Target = float;
-    static constexpr unsigned int count = 8;
+    static constexpr unsigned int kCount = 8;
 
     template <bool stream>
     void Convert(const unsigned char* src, float* dst) const {
@@ -58,7 +58,7 @@ struct CharToFloat {
 struct FloatToDouble {
     using Source = float;
     using Target = double;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
 
     template <bool stream>
     void Convert(const float* src, double* dst) const {
@@ -71,7 +71,7 @@ struct FloatToDouble {
 struct DoubleToFloat {
     using Source = double;
     using Target = float;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
 
     template <bool stream>
     void Convert(const double* src, float* dst) const {
@@ -87,7 +87,7 @@ struct DoubleToFloat {
 struct ShortToFloat {
     using Source = short;
     using Target = float;
-    static constexpr unsigned int count = 8;
+    static constexpr unsigned int kCount = 8;
     __m128 factor;
 
     explicit ShortToFloat(float f) : factor(_mm_set1_ps(f / 65536)) {}
@@ -103,7 +103,7 @@ struct ShortToFloat {
 struct ShortToDouble {
     using Source = short;
     using Target = double;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
     __m128d factor;
 
     explicit ShortToDouble(double f) : factor(_mm_set1_pd(f / 65536)) {}
@@ -119,7 +119,7 @@ struct ShortToDouble {
 struct IntToFloat {
     using Source = int;
     using Target = float;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
     __m128 factor;
 
     explicit IntToFloat(float f) : factor(_mm_set1_ps(f)) {}
@@ -133,7 +133,7 @@ struct IntToFloat {
 struct IntToDouble {
     using Source = int;
     using Target = double;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
     __m128d factor;
 
     explicit IntToDouble(double f) : factor(_mm_set1_pd(f)) {}
@@ -170,7 +170,7 @@ template <bool round>
 struct FloatToShort : ToInts<round> {
     using Source = float;
     using Target = short;
-    static constexpr unsigned int count = 8;
+    static constexpr unsigned int kCount = 8;
     using ToInts<round>::ToInts;
 
     template <bool stream>
@@ -183,7 +183,7 @@ template <bool round>
 struct FloatToInt : ToInts<round> {
     using Source = float;
     using Target = int;
-    static constexpr unsigned int count = 4;
+    static constexpr unsigned int kCount = 4;
     using ToInts<round>::ToInts;
 
     template <bool stream>
@@ -195,18 +195,18 @@ struct FloatToInt : ToInts<round> {
 template <typename Block, auto routine, typename... Factor>
 void convert(unsigned int count, const typename Block::Source* src, typename Block::Target* dst,
              Factor... factor) {
-    if (count < Block::count)
-        (IPP::scalarForm.*routine)(count, src, dst, factor...);
+    if (count < Block::kCount)
+        (IPP::kScalarForm.*routine)(count, src, dst, factor...);
     else
-        IPP::convertArray<16>(count, src, dst, Block(factor...));
+        IPP::ConvertArray<16>(count, src, dst, Block(factor...));
 }
 
 void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
     if (bytes < 16) {
-        IPP::scalarForm.fill(bytes, dst, pattern);
+        IPP::kScalarForm.fill(bytes, dst, pattern);
         return;
     }
-    if (bytes >= IPP::stringFillBytes && IPP::FillByString(bytes, dst, pattern)) return;
+    if (bytes >= IPP::kStringFillBytes && IPP::FillByString(bytes, dst, pattern)) return;
     const __m128i half = getHalf(pattern);
     const __m128i v = _mm_unpacklo_epi64(half, half);
     const std::size_t last = bytes - 16;
@@ -216,7 +216,7 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
 
 } // namespace
 
-const IPP::Form IPP::sse2Form = {
+const IPP::Form IPP::kSse2Form = {
     "sse2",
     isSupported,
     fill,

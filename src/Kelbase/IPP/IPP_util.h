@@ -108,37 +108,37 @@ void Convert(unsigned int count, const double* src, int* dst, int scale, bool ro
 namespace detail {
 /// Copies the elements. The pointers may be null for a count of 0.
 template <typename T>
-void copyElements(unsigned int count, const T* src, T* dst) {
+void CopyElements(unsigned int count, const T* src, T* dst) {
     if (count) std::memcpy(dst, src, std::size_t{count} * sizeof(T));
 }
 
 /// Sets every byte to 0. The pointer may be null for a count of 0.
 template <typename T>
-void zeroElements(unsigned int count, T* dst) {
+void ZeroElements(unsigned int count, T* dst) {
     if (count) std::memset(dst, 0, std::size_t{count} * sizeof(T));
 }
 } // namespace detail
 
-inline void Copy(unsigned int count, const char* src, char* dst) { detail::copyElements(count, src, dst); }
+inline void Copy(unsigned int count, const char* src, char* dst) { detail::CopyElements(count, src, dst); }
 inline void Copy(unsigned int count, const unsigned char* src, unsigned char* dst) {
-    detail::copyElements(count, src, dst);
+    detail::CopyElements(count, src, dst);
 }
-inline void Copy(unsigned int count, const short* src, short* dst) { detail::copyElements(count, src, dst); }
-inline void Copy(unsigned int count, const int* src, int* dst) { detail::copyElements(count, src, dst); }
+inline void Copy(unsigned int count, const short* src, short* dst) { detail::CopyElements(count, src, dst); }
+inline void Copy(unsigned int count, const int* src, int* dst) { detail::CopyElements(count, src, dst); }
 inline void Copy(unsigned int count, const unsigned int* src, unsigned int* dst) {
-    detail::copyElements(count, src, dst);
+    detail::CopyElements(count, src, dst);
 }
-inline void Copy(unsigned int count, const float* src, float* dst) { detail::copyElements(count, src, dst); }
+inline void Copy(unsigned int count, const float* src, float* dst) { detail::CopyElements(count, src, dst); }
 inline void Copy(unsigned int count, const double* src, double* dst) {
-    detail::copyElements(count, src, dst);
+    detail::CopyElements(count, src, dst);
 }
 
-inline void Zero(unsigned int count, unsigned char* dst) { detail::zeroElements(count, dst); }
-inline void Zero(unsigned int count, short* dst) { detail::zeroElements(count, dst); }
-inline void Zero(unsigned int count, int* dst) { detail::zeroElements(count, dst); }
-inline void Zero(unsigned int count, unsigned int* dst) { detail::zeroElements(count, dst); }
-inline void Zero(unsigned int count, float* dst) { detail::zeroElements(count, dst); }
-inline void Zero(unsigned int count, double* dst) { detail::zeroElements(count, dst); }
+inline void Zero(unsigned int count, unsigned char* dst) { detail::ZeroElements(count, dst); }
+inline void Zero(unsigned int count, short* dst) { detail::ZeroElements(count, dst); }
+inline void Zero(unsigned int count, int* dst) { detail::ZeroElements(count, dst); }
+inline void Zero(unsigned int count, unsigned int* dst) { detail::ZeroElements(count, dst); }
+inline void Zero(unsigned int count, float* dst) { detail::ZeroElements(count, dst); }
+inline void Zero(unsigned int count, double* dst) { detail::ZeroElements(count, dst); }
 
 inline bool Equal(unsigned int count, const unsigned char* a, const unsigned char* b) {
     return count == 0 || std::memcmp(a, b, count) == 0;

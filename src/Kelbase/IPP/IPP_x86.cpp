@@ -14,4 +14,4 @@ bool IPP::FillByString(std::size_t bytes, unsigned char* dst, const unsigned cha
     return true;
 }
 
-const IPP::Form* const IPP::allForms[] = {&avx2Form, &sse2Form, &scalarForm, nullptr};
+const IPP::Form* const IPP::kAllForms[] = {&kAvx2Form, &kSse2Form, &kScalarForm, nullptr};

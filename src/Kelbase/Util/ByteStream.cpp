@@ -9,7 +9,7 @@ namespace Util {
 
 namespace {
 
-constexpr unsigned int longestString = 200000; // a larger count is most likely damage
+constexpr unsigned int kLongestString = 200000; // a larger count is most likely damage
 
 /// Returns the exception that a line of this source throws.
 Exception::DataStreamIO failure(const String& message, long long line) {
@@ -41,7 +41,7 @@ DataStream& ByteStream::operator>>(String& v) {
     v = String();
     unsigned int length = 0;
     ReadAs<unsigned int>(length);
-    if (length > longestString) throw failure(String("Improbable string length %1").Arg(length), __LINE__);
+    if (length > kLongestString) throw failure(String("Improbable string length %1").Arg(length), __LINE__);
     if (length == 0) return *this;
     if (!Holds(length)) throw failure(String("Can't read string of length %1").Arg(length), __LINE__);
     v = String(reinterpret_cast<const char*>(data.Data() + position), length);

@@ -115,7 +115,7 @@ struct CloseFolder {
     void operator()(DIR* folder) const { closedir(folder); }
 };
 
-enum class Wanted { Files, Folders, Everything };
+enum class Wanted { kFiles, kFolders, kEverything };
 
 /// Adds the names of the matching entries, and sorts the list.
 ///
@@ -138,10 +138,10 @@ void list(Paths paths, std::vector<String>& names, const Pattern& pattern, bool 
             if (!file) continue;
             entered = entered || recorded;
         }
-        if (wanted == Wanted::Everything || *file == (wanted == Wanted::Files))
+        if (wanted == Wanted::kEverything || *file == (wanted == Wanted::kFiles))
             names.emplace_back(entry->d_name);
     }
-    sortTexts(names);
+    SortTexts(names);
 }
 
 /// A search for one file in a folder and its subfolders.
@@ -166,9 +166,9 @@ public:
     }
 
 private:
-    static constexpr unsigned int limit = 5000;
+    static constexpr unsigned int kLimit = 5000;
 
-    bool IsOver() const { return count > limit; }
+    bool IsOver() const { return count > kLimit; }
 
     FilePath Below(const String& folder) {
         std::vector<String> subfolders;
@@ -198,21 +198,21 @@ private:
 
 void Dir::GetFilenames(std::vector<String>& names, const String& pattern, bool append,
                        bool includeAll) const {
-    list(Paths(path), names, Pattern(pattern), append, includeAll ? Wanted::Everything : Wanted::Files);
+    list(Paths(path), names, Pattern(pattern), append, includeAll ? Wanted::kEverything : Wanted::kFiles);
 }
 
 void Dir::GetFoldernames(std::vector<String>& names, const String& pattern, bool append) const {
-    list(Paths(path), names, Pattern(pattern), append, Wanted::Folders);
+    list(Paths(path), names, Pattern(pattern), append, Wanted::kFolders);
 }
 
 void Dir::GetFilenames(const String& folder, std::vector<String>& names, const String& pattern, bool append,
                        bool includeAll) {
-    list(Paths(folder), names, Pattern(pattern), append, includeAll ? Wanted::Everything : Wanted::Files);
+    list(Paths(folder), names, Pattern(pattern), append, includeAll ? Wanted::kEverything : Wanted::kFiles);
 }
 
 void Dir::GetFoldernames(const String& folder, std::vector<String>& names, const String& pattern,
                          bool append) {
-    list(Paths(folder), names, Pattern(pattern), append, Wanted::Folders);
+    list(Paths(folder), names, Pattern(pattern), append, Wanted::kFolders);
 }
 
 FilePath Dir::FindFile(const String& folder, const String& name, bool recursive, unsigned int& count) {

@@ -18,15 +18,15 @@ using Exception::Throw;
 
 namespace {
 
-constexpr char sourceFile[] = "src/Kelbase/Util/Dir_mac";
+constexpr char kSourceFile[] = "src/Kelbase/Util/Dir_mac";
 
-constexpr FailureSite ancestorNotMade = {sourceFile, 105, FileIO::WriteError, "mkdir() failed with %1/%2"};
-constexpr FailureSite notMade = {sourceFile, 118, FileIO::WriteError, "mkdir() failed with %1/%2"};
-constexpr FailureSite notRemoved = {sourceFile, 135, FileIO::RemoveError, "rmdir() failed"};
-constexpr FailureSite timeNotSet = {sourceFile, 158, FileIO::UnexpectedError, "Error setting folder time"};
-constexpr FailureSite timeNotRead = {sourceFile, 171, FileIO::UnexpectedError, "Error getting folder time"};
+constexpr FailureSite kAncestorNotMade = {kSourceFile, 105, FileIO::WriteError, "mkdir() failed with %1/%2"};
+constexpr FailureSite kNotMade = {kSourceFile, 118, FileIO::WriteError, "mkdir() failed with %1/%2"};
+constexpr FailureSite kNotRemoved = {kSourceFile, 135, FileIO::RemoveError, "rmdir() failed"};
+constexpr FailureSite kTimeNotSet = {kSourceFile, 158, FileIO::UnexpectedError, "Error setting folder time"};
+constexpr FailureSite kTimeNotRead = {kSourceFile, 171, FileIO::UnexpectedError, "Error getting folder time"};
 
-constexpr mode_t newFolderMode = 0755;
+constexpr mode_t kNewFolderMode = 0755;
 
 String withoutTrailingSlashes(const String& path) {
     unsigned int length = path.GetLength();
@@ -37,7 +37,7 @@ String withoutTrailingSlashes(const String& path) {
 /// Creates one folder. Returns 0 or the system's error number.
 int makeFolder(const FolderPath& folder) {
     const String name = folder.ToString();
-    return mkdir(name.Latin1(), newFolderMode) == 0 ? 0 : errno;
+    return mkdir(name.Latin1(), kNewFolderMode) == 0 ? 0 : errno;
 }
 
 } // namespace
@@ -61,18 +61,18 @@ bool Dir::GetDirInfo(DirInfo& info) const {
 
 void Dir::GetTime(FileTime* time) const {
     FileTime read;
-    if (!ReadFileTime(path.ToString(), read)) Throw(timeNotRead, path, 0);
+    if (!ReadFileTime(path.ToString(), read)) Throw(kTimeNotRead, path, 0);
     if (time) *time = read;
 }
 
 void Dir::SetTime(const FileTime& time) const {
-    if (!WriteFileTime(path.ToString(), time)) Throw(timeNotSet, path, 0);
+    if (!WriteFileTime(path.ToString(), time)) Throw(kTimeNotSet, path, 0);
 }
 
 void Dir::Create(bool recursive) const {
     if (Exists()) return;
     if (!recursive) {
-        if (const int error = makeFolder(path)) Throw(notMade, path, 0, -1, error);
+        if (const int error = makeFolder(path)) Throw(kNotMade, path, 0, -1, error);
         return;
     }
     const String name = path.ToString();
@@ -81,12 +81,12 @@ void Dir::Create(bool recursive) const {
     while ((end = name.Find('/', end + 1)).IsGiven()) {
         const FolderPath ancestor(name.Left(end), false);
         if (Dir(ancestor).Exists()) continue;
-        if (const int error = makeFolder(ancestor)) Throw(ancestorNotMade, path, 0, -1, error);
+        if (const int error = makeFolder(ancestor)) Throw(kAncestorNotMade, path, 0, -1, error);
     }
 }
 
 void Dir::Remove() const {
-    if (Exists() && rmdir(path.ToString().Latin1()) != 0) Throw(notRemoved, path, 0);
+    if (Exists() && rmdir(path.ToString().Latin1()) != 0) Throw(kNotRemoved, path, 0);
 }
 
 } // namespace Util

@@ -16,28 +16,28 @@ using Exception::Throw;
 
 namespace {
 
-constexpr char sourceFile[] = "src/Kelbase/Util/File";
+constexpr char kSourceFile[] = "src/Kelbase/Util/File";
 
-constexpr FailureSite modeNotSet = {sourceFile, 128, FileIO::UnexpectedError,
-                                    "Error modifying file permissions"};
-constexpr FailureSite timeNotSet = {sourceFile, 148, FileIO::UnexpectedError, "Error setting file time"};
-constexpr FailureSite timeNotRead = {sourceFile, 179, FileIO::UnexpectedError, "Error getting file time"};
-constexpr FailureSite notOpened = {sourceFile, 288, FileIO::OpenError, "Error opening file"};
-constexpr FailureSite seekWhenClosed = {sourceFile, 329, FileIO::UnexpectedError,
-                                        "Attempt to seek to %1 when not open"};
-constexpr FailureSite seekFailed = {sourceFile, 345, FileIO::UnexpectedError, "Seek to %1 failed"};
-constexpr FailureSite closeFailed = {sourceFile, 397, FileIO::CloseError, "Close failed"};
-constexpr FailureSite removeFailed = {sourceFile, 422, FileIO::RemoveError, "Remove failed"};
-constexpr FailureSite readWhenClosed = {sourceFile, 577, FileIO::ReadError,
-                                        "Attempt to read %1 bytes when not open"};
-constexpr FailureSite shortTextRead = {sourceFile, 592, FileIO::ReadError,
-                                       "Attempt to read %1 bytes, only read %2 bytes"};
-constexpr FailureSite shortRead = {sourceFile, 608, FileIO::ReadError,
-                                   "Attempt to read %1 bytes, only read %2 bytes"};
-constexpr FailureSite writeWhenClosed = {sourceFile, 623, FileIO::WriteError,
-                                         "Attempt to write %1 bytes when not open"};
-constexpr FailureSite shortWrite = {sourceFile, 630, FileIO::WriteError,
-                                    "Attempt to write %1 bytes, only wrote %2 bytes"};
+constexpr FailureSite kModeNotSet = {kSourceFile, 128, FileIO::UnexpectedError,
+                                     "Error modifying file permissions"};
+constexpr FailureSite kTimeNotSet = {kSourceFile, 148, FileIO::UnexpectedError, "Error setting file time"};
+constexpr FailureSite kTimeNotRead = {kSourceFile, 179, FileIO::UnexpectedError, "Error getting file time"};
+constexpr FailureSite kNotOpened = {kSourceFile, 288, FileIO::OpenError, "Error opening file"};
+constexpr FailureSite kSeekWhenClosed = {kSourceFile, 329, FileIO::UnexpectedError,
+                                         "Attempt to seek to %1 when not open"};
+constexpr FailureSite kSeekFailed = {kSourceFile, 345, FileIO::UnexpectedError, "Seek to %1 failed"};
+constexpr FailureSite kCloseFailed = {kSourceFile, 397, FileIO::CloseError, "Close failed"};
+constexpr FailureSite kRemoveFailed = {kSourceFile, 422, FileIO::RemoveError, "Remove failed"};
+constexpr FailureSite kReadWhenClosed = {kSourceFile, 577, FileIO::ReadError,
+                                         "Attempt to read %1 bytes when not open"};
+constexpr FailureSite kShortTextRead = {kSourceFile, 592, FileIO::ReadError,
+                                        "Attempt to read %1 bytes, only read %2 bytes"};
+constexpr FailureSite kShortRead = {kSourceFile, 608, FileIO::ReadError,
+                                    "Attempt to read %1 bytes, only read %2 bytes"};
+constexpr FailureSite kWriteWhenClosed = {kSourceFile, 623, FileIO::WriteError,
+                                          "Attempt to write %1 bytes when not open"};
+constexpr FailureSite kShortWrite = {kSourceFile, 630, FileIO::WriteError,
+                                     "Attempt to write %1 bytes, only wrote %2 bytes"};
 
 const char* streamMode(unsigned int mode) {
     const bool writable = mode & (File::Write | File::ReadWrite | File::Append);
@@ -72,10 +72,10 @@ void File::SetPath(const FilePath& file) {
 void File::Open(unsigned int mode) {
     const String name = path.ToString();
     std::FILE* stream = std::fopen(name.Latin1(), streamMode(mode));
-    if (!stream) Throw(notOpened, path, errno);
+    if (!stream) Throw(kNotOpened, path, errno);
     handle = stream;
     openMode = mode;
-    last = Transfer::None;
+    last = Transfer::kNone;
 }
 
 void File::Close() {
@@ -83,13 +83,13 @@ void File::Close() {
     std::FILE* stream = handle;
     handle = nullptr;
     openMode = checked_value<unsigned int>();
-    if (std::fclose(stream) != 0) Throw(closeFailed, path, errno);
+    if (std::fclose(stream) != 0) Throw(kCloseFailed, path, errno);
 }
 
 void File::Flush() {
     if (!handle) return;
     static_cast<void>(std::fflush(handle)); // see the header: failures are not reported
-    if (last == Transfer::Write) last = Transfer::None;
+    if (last == Transfer::kWrite) last = Transfer::kNone;
 }
 
 checked_value<unsigned long long> File::At() const {
@@ -99,11 +99,12 @@ checked_value<unsigned long long> File::At() const {
 }
 
 void File::At(unsigned long long position) {
-    if (!handle) Throw(seekWhenClosed, path, 0, position);
+    if (!handle) Throw(kSeekWhenClosed, path, 0, position);
     if (position > static_cast<unsigned long long>(std::numeric_limits<off_t>::max()))
-        Throw(seekFailed, path, EINVAL, position);
-    if (fseeko(handle, static_cast<off_t>(position), SEEK_SET) != 0) Throw(seekFailed, path, errno, position);
-    last = Transfer::None;
+        Throw(kSeekFailed, path, EINVAL, position);
+    if (fseeko(handle, static_cast<off_t>(position), SEEK_SET) != 0)
+        Throw(kSeekFailed, path, errno, position);
+    last = Transfer::kNone;
 }
 
 bool File::AtEnd() const { return handle && std::feof(handle); }
@@ -127,15 +128,16 @@ checked_value<unsigned long long> File::Remaining() const {
 /// Makes a change between reading and writing legal. ISO C demands a flush or a positioning between the two,
 /// except for writing where a read met the end. A failure of these calls is not reported.
 void File::Turn(Transfer next) {
-    if (last == Transfer::Write && next == Transfer::Read) static_cast<void>(std::fflush(handle));
-    if (last == Transfer::Read && next == Transfer::Write && !std::feof(handle)) fseeko(handle, 0, SEEK_CUR);
+    if (last == Transfer::kWrite && next == Transfer::kRead) static_cast<void>(std::fflush(handle));
+    if (last == Transfer::kRead && next == Transfer::kWrite && !std::feof(handle))
+        fseeko(handle, 0, SEEK_CUR);
     last = next;
 }
 
 void File::ReadBlock(char* buffer, unsigned int count) {
     if (count == 0 || !buffer) return;
-    if (!handle) Throw(readWhenClosed, path, 0, count);
-    Turn(Transfer::Read);
+    if (!handle) Throw(kReadWhenClosed, path, 0, count);
+    Turn(Transfer::kRead);
 
     const bool text = openMode & Text;
     unsigned long long start = 0;
@@ -144,19 +146,19 @@ void File::ReadBlock(char* buffer, unsigned int count) {
     const std::size_t delivered = std::fread(buffer, 1, count, handle);
     if (text) {
         const unsigned long long passed = At() - start; // an absent position counts as 0
-        if (passed != count) Throw(shortTextRead, path, errno, count, passed);
+        if (passed != count) Throw(kShortTextRead, path, errno, count, passed);
     } else if (delivered < count) {
-        Throw(shortRead, path, errno, count, static_cast<unsigned int>(delivered));
+        Throw(kShortRead, path, errno, count, static_cast<unsigned int>(delivered));
     }
 }
 
 void File::WriteBlock(const char* buffer, unsigned int count) {
     if (count == 0 || !buffer) return;
-    if (!handle) Throw(writeWhenClosed, path, 0, count);
-    Turn(Transfer::Write);
+    if (!handle) Throw(kWriteWhenClosed, path, 0, count);
+    Turn(Transfer::kWrite);
 
     const std::size_t written = std::fwrite(buffer, 1, count, handle);
-    if (written < count) Throw(shortWrite, path, errno, count, static_cast<unsigned int>(written));
+    if (written < count) Throw(kShortWrite, path, errno, count, static_cast<unsigned int>(written));
 }
 
 bool File::Exists() const { return access(path.ToString().Latin1(), F_OK) == 0; }
@@ -166,23 +168,23 @@ bool File::IsReadable() const { return access(path.ToString().Latin1(), R_OK) ==
 bool File::IsWritable() const { return access(path.ToString().Latin1(), W_OK) == 0; }
 
 void File::SetMode(unsigned short permissions) {
-    if (chmod(path.ToString().Latin1(), static_cast<mode_t>(permissions)) == -1) Throw(modeNotSet, path, 0);
+    if (chmod(path.ToString().Latin1(), static_cast<mode_t>(permissions)) == -1) Throw(kModeNotSet, path, 0);
 }
 
 void File::SetTime(const FileTime& time) {
-    if (!WriteFileTime(path.ToString(), time)) Throw(timeNotSet, path, 0);
+    if (!WriteFileTime(path.ToString(), time)) Throw(kTimeNotSet, path, 0);
 }
 
 void File::GetTime(FileTime* time) {
     FileTime read;
-    if (!ReadFileTime(path.ToString(), read)) Throw(timeNotRead, path, 0);
+    if (!ReadFileTime(path.ToString(), read)) Throw(kTimeNotRead, path, 0);
     if (time) *time = read;
 }
 
 void File::Remove(bool throwOnFailure) {
     Close();
     const String name = path.ToString();
-    if (std::remove(name.Latin1()) != 0 && throwOnFailure) Throw(removeFailed, path, errno);
+    if (std::remove(name.Latin1()) != 0 && throwOnFailure) Throw(kRemoveFailed, path, errno);
 }
 
 } // namespace Util

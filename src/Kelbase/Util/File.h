@@ -115,7 +115,7 @@ public:
     unsigned int GetOSXFileType() const;
 
 private:
-    enum class Transfer { None, Read, Write };
+    enum class Transfer { kNone, kRead, kWrite };
 
     void Release(); // closes and ignores a failure
     void Turn(Transfer next);
@@ -123,7 +123,7 @@ private:
     FilePath path;
     std::FILE* handle = nullptr;
     checked_value<unsigned int> openMode;
-    Transfer last = Transfer::None; // since the last positioning of the stream
+    Transfer last = Transfer::kNone; // since the last positioning of the stream
 };
 
 } // namespace Util

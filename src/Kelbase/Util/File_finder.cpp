@@ -11,8 +11,8 @@ namespace Util {
 
 namespace {
 
-constexpr Exception::FailureSite renameFailed = {"src/Kelbase/Util/File", 547, Exception::FileIO::RenameError,
-                                                 "Rename failed"};
+constexpr Exception::FailureSite kRenameFailed = {"src/Kelbase/Util/File", 547,
+                                                  Exception::FileIO::RenameError, "Rename failed"};
 
 OSStatus makeRef(const String& path, FSRef& ref) {
     return FSPathMakeRef(reinterpret_cast<const UInt8*>(path.Latin1()), &ref, nullptr);
@@ -69,7 +69,7 @@ void File::Rename(const FilePath& from, const FilePath& to) {
     }
     const String fromName = from.ToString();
     const String toName = to.ToString();
-    if (std::rename(fromName.Latin1(), toName.Latin1()) != 0) Exception::Throw(renameFailed, from, errno);
+    if (std::rename(fromName.Latin1(), toName.Latin1()) != 0) Exception::Throw(kRenameFailed, from, errno);
 }
 
 int File::Recycle(const String& path) {

@@ -29,7 +29,7 @@ namespace math_detail {
 /// Returns 2 to the power of `exponent`, assembled from its bits and therefore exact. The fraction of the
 /// type has `fractionBits` bits, and its exponent is stored with `bias` added.
 template <typename Float, typename Bits>
-Float powerOfTwo(long long exponent, int fractionBits, int bias) {
+Float PowerOfTwo(long long exponent, int fractionBits, int bias) {
     static_assert(std::numeric_limits<Float>::is_iec559 && sizeof(Float) == sizeof(Bits),
                   "the bit pattern below is that of IEEE 754");
     if (exponent > bias) return std::numeric_limits<Float>::infinity();
@@ -46,10 +46,10 @@ Float powerOfTwo(long long exponent, int fractionBits, int bias) {
 ///@{
 /// Returns 2 to the power of `exponent`. The result is a denormal, 0 or infinity where the type requires it.
 inline float PowerOfTwo(long long exponent) {
-    return math_detail::powerOfTwo<float, unsigned int>(exponent, 23, 127);
+    return math_detail::PowerOfTwo<float, unsigned int>(exponent, 23, 127);
 }
 inline double PowerOfTwoDouble(long long exponent) {
-    return math_detail::powerOfTwo<double, unsigned long long>(exponent, 52, 1023);
+    return math_detail::PowerOfTwo<double, unsigned long long>(exponent, 52, 1023);
 }
 ///@}
 

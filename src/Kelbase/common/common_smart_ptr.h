@@ -26,45 +26,45 @@ void checked_array_delete(T* p) {
 namespace smart_ptr_detail {
 
 template <typename T>
-struct use_counter {
+struct UseCounter {
     unsigned int uses;
-    void (*dispose)(use_counter*, T* object); ///< Frees the object and the counter.
+    void (*dispose)(UseCounter*, T* object); ///< Frees the object and the counter.
 };
 
 /// The counter of every null handle. Its count never changes, and null handles allocate nothing.
 template <typename T>
-inline use_counter<T> null_counter = {1, nullptr};
+inline UseCounter<T> gNullCounter = {1, nullptr};
 
-/// A handle with shared ownership. `Delete` frees the object.
-template <typename T, void (*Delete)(T*)>
-class shared_handle {
-    using counter_type = use_counter<T>;
+/// A handle with shared ownership. `deleter` frees the object.
+template <typename T, void (*deleter)(T*)>
+class SharedHandle {
+    using CounterType = UseCounter<T>;
 
 public:
-    shared_handle() noexcept = default;
+    SharedHandle() noexcept = default;
     /// Takes ownership of `p`. Throws `std::bad_alloc`, and `p` is then freed.
-    explicit shared_handle(T* p) {
+    explicit SharedHandle(T* p) {
         if (!p) return;
-        std::unique_ptr<T, void (*)(T*)> guard(p, Delete);
-        counter = new counter_type{1, &dispose_both};
+        std::unique_ptr<T, void (*)(T*)> guard(p, deleter);
+        counter = new CounterType{1, &DisposeBoth};
         object = guard.release();
     }
-    shared_handle(const shared_handle& other) noexcept : object(other.object), counter(other.counter) {
+    SharedHandle(const SharedHandle& other) noexcept : object(other.object), counter(other.counter) {
         if (object) ++counter->uses;
     }
-    shared_handle(shared_handle&& other) noexcept : object(other.object), counter(other.counter) {
+    SharedHandle(SharedHandle&& other) noexcept : object(other.object), counter(other.counter) {
         other.object = nullptr;
-        other.counter = &null_counter<T>;
+        other.counter = &gNullCounter<T>;
     }
-    shared_handle& operator=(shared_handle other) noexcept {
+    SharedHandle& operator=(SharedHandle other) noexcept {
         swap(other);
         return *this;
     }
-    ~shared_handle() {
+    ~SharedHandle() {
         if (object && --counter->uses == 0) counter->dispose(counter, object);
     }
 
-    void swap(shared_handle& other) noexcept {
+    void swap(SharedHandle& other) noexcept {
         std::swap(object, other.object);
         std::swap(counter, other.counter);
     }
@@ -72,7 +72,7 @@ public:
     /// Releases the present object and takes ownership of `p`. Does nothing if `p` is the present object.
     /// Throws `std::bad_alloc`: `p` is then freed and the present object stays.
     void reset(T* p = nullptr) {
-        if (p != object) shared_handle(p).swap(*this);
+        if (p != object) SharedHandle(p).swap(*this);
     }
 
     T* get() const noexcept { return object; }
@@ -82,40 +82,40 @@ public:
 
 protected:
     /// Counter and object in one allocation.
-    struct block : counter_type {
+    struct Block : CounterType {
         template <typename... Arguments>
-        explicit block(Arguments&&... arguments)
-            : counter_type{1, &dispose_block}, value(std::forward<Arguments>(arguments)...) {}
+        explicit Block(Arguments&&... arguments)
+            : CounterType{1, &DisposeBlock}, value(std::forward<Arguments>(arguments)...) {}
         T value;
     };
-    explicit shared_handle(block* b) noexcept : object(&b->value), counter(b) {}
+    explicit SharedHandle(Block* b) noexcept : object(&b->value), counter(b) {}
 
 private:
-    static void dispose_both(counter_type* counter, T* object) {
-        Delete(object);
+    static void DisposeBoth(CounterType* counter, T* object) {
+        deleter(object);
         delete counter;
     }
-    static void dispose_block(counter_type* counter, T*) { delete static_cast<block*>(counter); }
+    static void DisposeBlock(CounterType* counter, T*) { delete static_cast<Block*>(counter); }
 
     T* object = nullptr;
-    counter_type* counter = &null_counter<T>;
+    CounterType* counter = &gNullCounter<T>;
 };
 
 } // namespace smart_ptr_detail
 
 /// Shared ownership of one object.
 template <typename T>
-class shared_ptr : public smart_ptr_detail::shared_handle<T, &checked_delete<T>> {
-    using base = smart_ptr_detail::shared_handle<T, &checked_delete<T>>;
+class shared_ptr : public smart_ptr_detail::SharedHandle<T, &checked_delete<T>> {
+    using Base = smart_ptr_detail::SharedHandle<T, &checked_delete<T>>;
 
 public:
-    using base::base;
+    using Base::Base;
     shared_ptr() noexcept = default;
 
     /// Creates the object and its counter in one allocation.
     template <typename... Arguments>
-    static shared_ptr make(Arguments&&... arguments) {
-        return shared_ptr(new typename base::block(std::forward<Arguments>(arguments)...));
+    static shared_ptr Make(Arguments&&... arguments) {
+        return shared_ptr(new typename Base::Block(std::forward<Arguments>(arguments)...));
     }
 
     ///@{
@@ -125,14 +125,14 @@ public:
     ///@}
 
 private:
-    explicit shared_ptr(typename base::block* b) noexcept : base(b) {}
+    explicit shared_ptr(typename Base::Block* b) noexcept : Base(b) {}
 };
 
 /// Shared ownership of an array made with `new[]`.
 template <typename T>
-class shared_array : public smart_ptr_detail::shared_handle<T, &checked_array_delete<T>> {
+class shared_array : public smart_ptr_detail::SharedHandle<T, &checked_array_delete<T>> {
 public:
-    using smart_ptr_detail::shared_handle<T, &checked_array_delete<T>>::shared_handle;
+    using smart_ptr_detail::SharedHandle<T, &checked_array_delete<T>>::SharedHandle;
     shared_array() noexcept = default;
 
     /// Does not check the index, because the handle does not know the length.

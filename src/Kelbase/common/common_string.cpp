@@ -44,10 +44,10 @@ std::size_t roomToGrow(std::size_t length) {
 
 } // namespace
 
-void refuseLength() { throw std::length_error("String: too long"); }
+void RefuseLength() { throw std::length_error("String: too long"); }
 
 /// Allocates a buffer with one holder. The caller writes the bytes. Both sizes must have been checked with
-/// `checkedLength`.
+/// `CheckedLength`.
 String::Block* String::NewBlock(std::size_t length, std::size_t capacity) {
     void* const memory = std::malloc(sizeof(Block) + capacity + 1); // operator new would only call malloc
     if (!memory) throw std::bad_alloc();
@@ -62,7 +62,7 @@ void String::Free(Block* b) noexcept { std::free(b); }
 
 String::String(std::string_view bytes) {
     if (bytes.empty()) return;
-    block = NewBlock(checkedLength(bytes.size()), bytes.size());
+    block = NewBlock(CheckedLength(bytes.size()), bytes.size());
     std::memcpy(block->Bytes(), bytes.data(), bytes.size());
 }
 
@@ -79,7 +79,7 @@ String String::GetPlatformLinefeed() { return String('\n'); }
 
 String& String::Append(std::string_view piece) {
     const std::size_t length = GetLength();
-    const std::size_t total = checkedLength(0ull + length + piece.size());
+    const std::size_t total = CheckedLength(0ull + length + piece.size());
     if (IsSoleHolder() && total <= block->capacity) {
         std::memcpy(block->Bytes() + length, piece.data(), piece.size());
         block->length = static_cast<unsigned int>(total);
@@ -111,7 +111,7 @@ String operator+(String a, const char* b) {
 }
 
 String& String::detachAndExtend(unsigned int n) {
-    const std::size_t length = n < GetLength() ? GetLength() : checkedLength(n + 1ull);
+    const std::size_t length = n < GetLength() ? GetLength() : CheckedLength(n + 1ull);
     return Resize(static_cast<unsigned int>(length), false);
 }
 
@@ -119,7 +119,7 @@ String& String::Resize(unsigned int n, bool keepWholeCharacters) {
     const unsigned int kept = std::min(n, GetLength());
     if (!IsSoleHolder() || n > block->capacity) {
         String own;
-        own.block = NewBlock(checkedLength(n), IsSoleHolder() ? roomToGrow(n) : n);
+        own.block = NewBlock(CheckedLength(n), IsSoleHolder() ? roomToGrow(n) : n);
         std::memcpy(own.block->Bytes(), Latin1(), kept);
         std::swap(block, own.block);
     }

@@ -139,7 +139,7 @@ void String::Split(char sep, std::vector<String>& out) const {
 String String::Join(const String& sep, const std::vector<String>& parts) {
     if (parts.empty()) return {};
     std::size_t total = 0;
-    for (const String& part : parts) total = checkedLength(0ull + total + sep.GetLength() + part.GetLength());
+    for (const String& part : parts) total = CheckedLength(0ull + total + sep.GetLength() + part.GetLength());
     StringBuilder joined(total);
     for (const String& part : parts) {
         if (&part != &parts.front()) joined.Add(sep.Bytes());

@@ -42,18 +42,18 @@ public:
         if (zeros) std::memset(text.Take(zeros), '0', zeros);
         char* const end = text.Take(digits) + digits;
         if (base == 10)
-            writeDecimal(end, magnitude);
+            WriteDecimal(end, magnitude);
         else if (base == 16)
-            writeHexadecimal(end, magnitude, digits);
+            WriteHexadecimal(end, magnitude, digits);
         else
-            writeDigits(end, magnitude, base);
+            WriteDigits(end, magnitude, base);
     }
 
 private:
     unsigned int Count() const {
-        return base == 10   ? countDecimal(magnitude)
-               : base == 16 ? countHexadecimal(magnitude)
-                            : countDigits(magnitude, base);
+        return base == 10   ? CountDecimal(magnitude)
+               : base == 16 ? CountHexadecimal(magnitude)
+                            : CountDigits(magnitude, base);
     }
 
     unsigned long long magnitude;
@@ -115,7 +115,7 @@ String formatInteger(long v, unsigned int base, const Width& width, Use use) {
     const unsigned long magnitude = v < 0 ? 0 - static_cast<unsigned long>(v) : static_cast<unsigned long>(v);
     if (v != INT_MIN || !width.IsGiven()) return use(IntegerPart(magnitude, v < 0, usableBase(base), width));
     // The smallest int is written in two pieces, and each is padded to the width.
-    checkedLength(2ull * width + 1);
+    CheckedLength(2ull * width + 1);
     base = usableBase(base);
     const String pieces = textOf(IntegerPart(magnitude / base, true, base, width)) +
                           textOf(IntegerPart(magnitude % base, false, base, width));

@@ -40,7 +40,7 @@ unsigned short toAscii(unsigned short unit, char decimalPoint) {
 /// signs as ASCII. Returns an empty text if the bytes are not UTF-8.
 String normalizeNumberString(const String& s) {
     if (s.GetLength() == 0) return s;
-    const char decimalPoint = *localeDecimalPoint();
+    const char decimalPoint = *LocaleDecimalPoint();
     String t = s;
     for (const char separator : {'.', ',', g_chDecimalPoint}) {
         if (separator != decimalPoint) t = t.StripWhiteSpace().ReplaceChar(separator, decimalPoint);
@@ -249,7 +249,7 @@ constexpr unsigned long long kLargestExactInteger = 1ull << std::numeric_limits<
 /// Returns whether the normaliser turns both separators, and no other character, into the separator of
 /// `strtod`.
 bool isUsualLocale() {
-    const char* const point = localeDecimalPoint();
+    const char* const point = LocaleDecimalPoint();
     return (*point == '.' || *point == ',') && point[1] == '\0' && g_chDecimalPoint == '.';
 }
 

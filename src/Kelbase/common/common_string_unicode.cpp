@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr std::size_t maxUnitsIn = 100000; ///< Texts of this length and longer are rejected.
-constexpr CFIndex maxUnitsOut = 100000;
+constexpr std::size_t kMaxUnitsIn = 100000; ///< Texts of this length and longer are rejected.
+constexpr CFIndex kMaxUnitsOut = 100000;
 
 struct Release {
     void operator()(CFStringRef string) const { CFRelease(string); }
@@ -22,7 +22,7 @@ CFStringEncoding platformEncoding(unsigned int encoding) {
 /// Returns the number of units before the terminating 0, at most the limit.
 std::size_t countUnits(const unsigned short* s) {
     std::size_t count = 0;
-    while (count < maxUnitsIn && s[count] != 0) ++count;
+    while (count < kMaxUnitsIn && s[count] != 0) ++count;
     return count;
 }
 
@@ -35,7 +35,7 @@ String::String(const unsigned short* s, unsigned int encoding) {
         *this = String("");
         return;
     }
-    if (count >= maxUnitsIn) return;
+    if (count >= kMaxUnitsIn) return;
     const OwnedCFString string(
         CFStringCreateWithCharacters(kCFAllocatorDefault, s, static_cast<CFIndex>(count)));
     if (!string) return;
@@ -52,7 +52,7 @@ shared_array<unsigned short> String::Unicode(unsigned int encoding) const {
         CFStringCreateWithCString(kCFAllocatorDefault, Latin1(), platformEncoding(encoding)));
     if (!string) return {};
     const CFIndex length = CFStringGetLength(string.get());
-    if (length > maxUnitsOut) return {};
+    if (length > kMaxUnitsOut) return {};
     shared_array<unsigned short> units(new unsigned short[static_cast<std::size_t>(length) + 1]);
     if (length > 0) CFStringGetCharacters(string.get(), CFRangeMake(0, length), units.get());
     units[static_cast<std::size_t>(length)] = 0;

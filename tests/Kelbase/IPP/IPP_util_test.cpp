@@ -52,7 +52,7 @@ protected:
                                       const std::vector<Source>& source, Factor... factor) {
         std::vector<Target> expected = guarded<Target>(source.size() + 2), actual = expected;
         const unsigned int count = static_cast<unsigned int>(source.size());
-        (IPP::scalarForm.*routine)(count, source.data(), expected.data() + 1, factor...);
+        (IPP::kScalarForm.*routine)(count, source.data(), expected.data() + 1, factor...);
         (GetParam()->*routine)(count, source.data(), actual.data() + 1, factor...);
         return sameBytes(actual, expected);
     }
@@ -68,7 +68,7 @@ protected:
                 for (std::size_t to = 0; to < 32 / sizeof(Target); ++to) {
                     std::vector<Target> expected = guarded<Target>(70 + 2 * 32 / sizeof(Target)),
                                         actual = expected;
-                    (IPP::scalarForm.*routine)(count, &source[from], &expected[to], factor...);
+                    (IPP::kScalarForm.*routine)(count, &source[from], &expected[to], factor...);
                     (GetParam()->*routine)(count, &source[from], &actual[to], factor...);
                     ASSERT_TRUE(sameBytes(actual, expected)) << count << " from " << from << " to " << to;
                 }
@@ -77,12 +77,12 @@ protected:
 
 std::vector<const Form*> formsUpTo(const Form* end) {
     std::vector<const Form*> forms;
-    for (const Form* const* form = IPP::allForms; *form != end; ++form) forms.push_back(*form);
+    for (const Form* const* form = IPP::kAllForms; *form != end; ++form) forms.push_back(*form);
     return forms;
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(WideForm);
-INSTANTIATE_TEST_SUITE_P(IPP, WideForm, testing::ValuesIn(formsUpTo(&IPP::scalarForm)),
+INSTANTIATE_TEST_SUITE_P(IPP, WideForm, testing::ValuesIn(formsUpTo(&IPP::kScalarForm)),
                          [](const auto& test) { return test.param->name; });
 
 TEST_P(WideForm, WritesExactlyItsElementsAtEveryCountAndOffset) {

@@ -18,7 +18,7 @@ int Counted::gAlive = 0;
 
 TEST(SharedPtr, FreesWithTheLastHandle) {
     for (const bool inOneBlock : {false, true}) {
-        auto first = inOneBlock ? shared_ptr<Counted>::make(7) : shared_ptr<Counted>(new Counted(7));
+        auto first = inOneBlock ? shared_ptr<Counted>::Make(7) : shared_ptr<Counted>(new Counted(7));
         {
             shared_ptr<Counted> second(first);
             EXPECT_EQ(first.use_count(), 2u);

@@ -111,11 +111,11 @@ TEST(StringList, SortsAsTheOperatorOrders) {
         }
         expected = texts;
         std::sort(expected.begin(), expected.end());
-        sortTexts(texts);
+        SortTexts(texts);
         EXPECT_EQ(Bytes(String::Join("|", texts)), Bytes(String::Join("|", expected)));
     }
     std::vector<String> none;
-    sortTexts(none);
+    SortTexts(none);
 }
 
 namespace {

@@ -8,14 +8,14 @@ namespace Util {
 
 namespace {
 
-constexpr unsigned long long largestSize = 0xFFFFFFFF;
+constexpr unsigned long long kLargestSize = 0xFFFFFFFF;
 
 } // namespace
 
 /// Grows the buffer up to `end` and fills the gap between the written bytes and `position` with zeros.
 void ByteBuffer::Extend(unsigned int position, unsigned long long end) {
-    if (end > largestSize) throw std::length_error("Util::ByteStream: more than 4294967295 bytes");
-    if (end > room) Enlarge(std::max(end, std::min(2ull * room, largestSize)));
+    if (end > kLargestSize) throw std::length_error("Util::ByteStream: more than 4294967295 bytes");
+    if (end > room) Enlarge(std::max(end, std::min(2ull * room, kLargestSize)));
     if (position > size) std::memset(bytes.get() + size, 0, position - size);
 }
 

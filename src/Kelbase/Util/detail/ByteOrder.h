@@ -10,7 +10,7 @@
 namespace Util::ByteOrder {
 
 /// Whether the target machine stores the least significant byte first.
-constexpr bool machineIsLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+constexpr bool kMachineIsLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
 
 ///@{
 /// Returns the bytes in the opposite order.
@@ -47,7 +47,7 @@ template <typename Number>
 Number Decode(const unsigned char* bytes, bool littleEndian) {
     typename BitsOf<sizeof(Number)>::Type bits;
     std::memcpy(&bits, bytes, sizeof bits);
-    if (littleEndian != machineIsLittleEndian) bits = Swapped(bits);
+    if (littleEndian != kMachineIsLittleEndian) bits = Swapped(bits);
     Number number;
     std::memcpy(&number, &bits, sizeof number);
     return number;
@@ -58,7 +58,7 @@ template <typename Number>
 void Encode(Number number, unsigned char* bytes, bool littleEndian) {
     typename BitsOf<sizeof(Number)>::Type bits;
     std::memcpy(&bits, &number, sizeof bits);
-    if (littleEndian != machineIsLittleEndian) bits = Swapped(bits);
+    if (littleEndian != kMachineIsLittleEndian) bits = Swapped(bits);
     std::memcpy(bytes, &bits, sizeof bits);
 }
 

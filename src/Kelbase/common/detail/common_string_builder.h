@@ -8,7 +8,7 @@ class StringBuilder {
 public:
     /// Allocates a buffer for at most `length` bytes. Throws as `String` does.
     explicit StringBuilder(unsigned long long length) {
-        const std::size_t room = checkedLength(length);
+        const std::size_t room = CheckedLength(length);
         text.block = String::NewBlock(room, room);
         end = text.block->Bytes();
     }

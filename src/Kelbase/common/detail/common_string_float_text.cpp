@@ -15,9 +15,9 @@
 
 namespace {
 
-constexpr unsigned int defaultPrecision = 6;
-constexpr unsigned int powersOfTen[] = {1,      10,      100,      1000,      10000,
-                                        100000, 1000000, 10000000, 100000000, 1000000000};
+constexpr unsigned int kDefaultPrecision = 6;
+constexpr unsigned int kPowersOfTen[] = {1,      10,      100,      1000,      10000,
+                                         100000, 1000000, 10000000, 100000000, 1000000000};
 
 char letterOf(const checked_value<unsigned int>& format) {
     if (!format.IsGiven()) return 'f';
@@ -86,8 +86,8 @@ private:
 
 FloatText::FloatText(double value, unsigned int precision, const checked_value<unsigned int>& format) {
     const char letter = letterOf(format);
-    precision = precision == noPrecision ? defaultPrecision : std::min(precision, 99u);
-    const char* const point = localeDecimalPoint();
+    precision = precision == kNoPrecision ? kDefaultPrecision : std::min(precision, 99u);
+    const char* const point = LocaleDecimalPoint();
     if (point[1] == '\0' && std::isfinite(value)) {
         if ((letter == 'f' || letter == 'F') && WriteFixed(value, precision, *point)) return;
         if (letter == 'e' && WriteScientific(value, precision, *point)) return;
@@ -99,16 +99,16 @@ FloatText::FloatText(double value, unsigned int precision, const checked_value<u
 
 /// By exact integers. False for numbers of 2^63 and more and for more than nine digits behind the point.
 bool FloatText::WriteFixed(double value, unsigned int precision, char point) {
-    if (std::fabs(value) >= 9223372036854775808.0 || precision >= std::size(powersOfTen)) return false;
+    if (std::fabs(value) >= 9223372036854775808.0 || precision >= std::size(kPowersOfTen)) return false;
     FixedPoint number(std::fabs(value));
-    const unsigned int parts = number.RoundToParts(powersOfTen[precision]);
+    const unsigned int parts = number.RoundToParts(kPowersOfTen[precision]);
     char* const end = room + sizeof room;
     char* p = end;
     if (precision > 0) {
-        p = writeLowDigits(p, parts, precision);
+        p = WriteLowDigits(p, parts, precision);
         *--p = point;
     }
-    p = writeDecimal(p, number.Whole());
+    p = WriteDecimal(p, number.Whole());
     if (std::signbit(value)) *--p = '-';
     first = p;
     length = static_cast<std::size_t>(end - p);

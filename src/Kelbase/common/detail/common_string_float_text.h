@@ -7,7 +7,7 @@
 /// A floating-point number as snprintf writes it in the process's locale.
 class FloatText {
 public:
-    static constexpr unsigned int noPrecision = 0xFFFFFFFF;
+    static constexpr unsigned int kNoPrecision = 0xFFFFFFFF;
 
     /// `format` is the conversion letter; anything but f F e E g G is f. `precision` is cut to 99.
     FloatText(double value, unsigned int precision, const checked_value<unsigned int>& format);

@@ -12,12 +12,12 @@
 
 namespace text_scan::plain {
 
-inline char folded(char c) { return Char(c).ToLower(); }
+inline char Folded(char c) { return Char(c).ToLower(); }
 
 template <bool fold>
 bool StandsAt(const char* text, std::string_view part) {
     for (std::size_t i = 0; i < part.size(); ++i) {
-        if (fold ? folded(text[i]) != folded(part[i]) : text[i] != part[i]) return false;
+        if (fold ? Folded(text[i]) != Folded(part[i]) : text[i] != part[i]) return false;
     }
     return true;
 }
@@ -32,7 +32,7 @@ std::size_t Find(std::string_view text, std::string_view part, std::size_t start
 
 inline bool EqualFolded(const char* a, const char* b, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {
-        if (folded(a[i]) != folded(b[i])) return false;
+        if (Folded(a[i]) != Folded(b[i])) return false;
         if (!a[i]) break;
     }
     return true;

@@ -19,7 +19,7 @@ namespace text_scan {
 
 namespace {
 
-constexpr std::size_t width = 16;
+constexpr std::size_t kWidth = 16;
 
 __m128i load(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 __m128i every(char c) { return _mm_set1_epi8(c); }
@@ -51,7 +51,7 @@ bool equalFolded(__m128i a, __m128i b, bool& ended) {
 /// Loads the first eight and the last eight of `n` bytes. `n` is 8 to 16; overlapping bytes are loaded twice.
 __m128i loadEnds(const char* p, std::size_t n) {
     return _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
-                              _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + n - width / 2)));
+                              _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + n - kWidth / 2)));
 }
 
 /// Finds a byte; a letter in both cases.
@@ -80,25 +80,25 @@ public:
     explicit Finder(std::string_view p) : part(p), first(p.front()), last(p.back()) {}
 
     std::size_t In(std::string_view text) const {
-        if (text.size() < part.size() + width) return plain::Find<fold>(text, part);
-        const std::size_t lastBlock = text.size() - part.size() + 1 - width;
-        for (std::size_t i = 0; i < lastBlock; i += width) {
+        if (text.size() < part.size() + kWidth) return plain::Find<fold>(text, part);
+        const std::size_t lastBlock = text.size() - part.size() + 1 - kWidth;
+        for (std::size_t i = 0; i < lastBlock; i += kWidth) {
             const std::size_t hit = InBlock(text.data() + i);
-            if (hit < width) return i + hit;
+            if (hit < kWidth) return i + hit;
         }
         const std::size_t hit = InBlock(text.data() + lastBlock); // may overlap the previous block
-        return hit < width ? lastBlock + hit : text.npos;
+        return hit < kWidth ? lastBlock + hit : text.npos;
     }
 
 private:
-    /// Returns the first match at the sixteen places from `block` on, or `width`.
+    /// Returns the first match at the sixteen places from `block` on, or `kWidth`.
     std::size_t InBlock(const char* block) const {
         const __m128i firsts = first.In(load(block));
         const __m128i lasts = last.In(load(block + part.size() - 1));
         for (unsigned int hits = maskOf(_mm_and_si128(firsts, lasts)); hits; hits &= hits - 1) {
             if (plain::StandsAt<fold>(block + firstOf(hits), part)) return firstOf(hits);
         }
-        return width;
+        return kWidth;
     }
 
     std::string_view part;
@@ -112,14 +112,14 @@ bool findByteShuffle() {
 
 /// Returns whether the processor has the byte shuffle. The first call asks the processor.
 bool hasByteShuffle() {
-    enum { unknown, no, yes };
-    static int answer = unknown; // the builtins prevent a data race of two first calls
-    int known = __atomic_load_n(&answer, __ATOMIC_RELAXED);
-    if (known == unknown) {
-        known = findByteShuffle() ? yes : no;
-        __atomic_store_n(&answer, known, __ATOMIC_RELAXED);
+    enum { kUnknown, kNo, kYes };
+    static int gAnswer = kUnknown; // the builtins prevent a data race of two first calls
+    int known = __atomic_load_n(&gAnswer, __ATOMIC_RELAXED);
+    if (known == kUnknown) {
+        known = findByteShuffle() ? kYes : kNo;
+        __atomic_store_n(&gAnswer, known, __ATOMIC_RELAXED);
     }
-    return known == yes;
+    return known == kYes;
 }
 
 /// For each mask of eight bytes: the places of the bytes whose bit is clear, in order, and their number.
@@ -135,13 +135,13 @@ struct KeptBytes {
         }
     }
 };
-constexpr KeptBytes kept;
+constexpr KeptBytes kKept;
 
 /// Writes the eight lower bytes without the dropped ones.
 __attribute__((target("ssse3"))) char* writeKept(__m128i v, unsigned int dropped, char* out) {
-    const __m128i places = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&kept.places[dropped]));
+    const __m128i places = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&kKept.places[dropped]));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(v, places));
-    return out + kept.count[dropped];
+    return out + kKept.count[dropped];
 }
 
 /// Sixteen bytes with their white space turned into blanks, and the mask of the white space.
@@ -161,13 +161,13 @@ struct Blanked {
 __attribute__((target("ssse3"))) char* writeWordsByShuffles(std::string_view text, char* out) {
     bool afterSpace = true;
     std::size_t i = 0;
-    for (; i + width <= text.size(); i += width) {
+    for (; i + kWidth <= text.size(); i += kWidth) {
         const Blanked next(load(text.data() + i));
         const unsigned int dropped = next.Dropped(afterSpace);
-        afterSpace = next.spaces >> (width - 1);
+        afterSpace = next.spaces >> (kWidth - 1);
         if (dropped == 0) {
             _mm_storeu_si128(reinterpret_cast<__m128i*>(out), next.bytes);
-            out += width;
+            out += kWidth;
         } else {
             out = writeKept(next.bytes, dropped & 0xFF, out);
             out = writeKept(_mm_unpackhi_epi64(next.bytes, next.bytes), dropped >> 8, out);
@@ -184,14 +184,14 @@ std::size_t FindFolded(std::string_view text, std::string_view part) { return Fi
 
 bool EqualFolded(const char* a, const char* b, std::size_t n) {
     bool ended = false;
-    if (n < width) {
-        if (n < width / 2) return plain::EqualFolded(a, b, n);
+    if (n < kWidth) {
+        if (n < kWidth / 2) return plain::EqualFolded(a, b, n);
         return equalFolded(loadEnds(a, n), loadEnds(b, n), ended);
     }
     for (std::size_t i = 0;;
-         i = std::min(i + width, n - width)) { // the last block may overlap the previous one
+         i = std::min(i + kWidth, n - kWidth)) { // the last block may overlap the previous one
         const bool equal = equalFolded(load(a + i), load(b + i), ended);
-        if (ended || i == n - width) return equal;
+        if (ended || i == n - kWidth) return equal;
     }
 }
 
@@ -200,12 +200,12 @@ char* WriteWords(std::string_view text, char* out) {
 }
 
 std::size_t LowestPlaceholder(std::string_view text) {
-    if (text.size() <= width) return plain::LowestPlaceholder(text);
-    const std::size_t lastBlock = text.size() - 1 - width;
+    if (text.size() <= kWidth) return plain::LowestPlaceholder(text);
+    const std::size_t lastBlock = text.size() - 1 - kWidth;
     std::size_t best = text.npos;
     char above = '9' + 1;
     for (std::size_t i = 0;;
-         i = std::min(i + width, lastBlock)) { // the last block may overlap the previous one
+         i = std::min(i + kWidth, lastBlock)) { // the last block may overlap the previous one
         const char* const block = text.data() + i;
         const __m128i signs = _mm_and_si128(is(load(block), '%'), isAmong(load(block + 1), '0', 10));
         for (unsigned int hits = maskOf(signs); hits; hits &= hits - 1) {
@@ -219,8 +219,9 @@ std::size_t LowestPlaceholder(std::string_view text) {
 }
 
 std::size_t LastSeparator(std::string_view text) {
-    if (text.size() < width) return plain::LastSeparator(text);
-    for (std::size_t i = text.size() - width;; i = i > width ? i - width : 0) { // the last block may overlap
+    if (text.size() < kWidth) return plain::LastSeparator(text);
+    for (std::size_t i = text.size() - kWidth;;
+         i = i > kWidth ? i - kWidth : 0) { // the last block may overlap
         const unsigned int hits = separators(load(text.data() + i));
         if (hits) return i + lastOf(hits);
         if (i == 0) return text.npos;
@@ -229,7 +230,7 @@ std::size_t LastSeparator(std::string_view text) {
 
 std::size_t CopyName(std::string_view text, char* out) {
     std::size_t i = 0;
-    for (; i + width <= text.size(); i += width) {
+    for (; i + kWidth <= text.size(); i += kWidth) {
         const __m128i v = load(text.data() + i);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), v);
         const unsigned int ends = separators(v);
@@ -240,10 +241,10 @@ std::size_t CopyName(std::string_view text, char* out) {
 
 bool HasDirtyPath(std::string_view text) {
     constexpr std::size_t behind = 2; // bytes examined after each byte
-    if (text.size() < width + behind) return plain::HasDirtyPath(text);
-    const std::size_t lastBlock = text.size() - behind - width;
+    if (text.size() < kWidth + behind) return plain::HasDirtyPath(text);
+    const std::size_t lastBlock = text.size() - behind - kWidth;
     for (std::size_t i = 0;;
-         i = std::min(i + width, lastBlock)) { // the last block may overlap the previous one
+         i = std::min(i + kWidth, lastBlock)) { // the last block may overlap the previous one
         const __m128i here = load(text.data() + i), next = load(text.data() + i + 1);
         const __m128i parents = _mm_and_si128(is(next, '.'), is(load(text.data() + i + behind), '.'));
         const __m128i dirt = _mm_and_si128(is(here, '/'), _mm_or_si128(is(next, '/'), parents));

@@ -39,7 +39,7 @@ std::uint64_t keyOf(const char* s, std::size_t start) {
 
 } // namespace
 
-void sortTexts(std::vector<String>& texts) {
+void SortTexts(std::vector<String>& texts) {
     if (texts.size() < 2) return;
     const std::size_t prefix = commonPrefix(texts);
     std::vector<Keyed> keyed;

@@ -6,4 +6,4 @@
 
 /// Sorts as std::sort does, and faster for many texts. Throws `std::bad_alloc` and then leaves the list
 /// unchanged.
-void sortTexts(std::vector<String>& texts);
+void SortTexts(std::vector<String>& texts);

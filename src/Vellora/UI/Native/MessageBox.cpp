@@ -11,7 +11,7 @@ namespace UI::Native {
 namespace {
 
 // Results of runModal. The buttons are numbered in the order in which they were added.
-enum : CFIndex { firstButton = 1000, thirdButton = 1002 };
+enum : CFIndex { kFirstButton = 1000, kThirdButton = 1002 };
 
 struct Selectors {
     SEL alloc = sel_registerName("alloc");
@@ -82,8 +82,8 @@ bool standardAlertDialog(const String& message, bool okCancel, bool yesNo, bool 
                          bool* cancelled, bool retryCancel) {
     okCancel = okCancel || yesNo || retryCancel;
     const CFIndex button = askUser(message, okCancel, yesNo, cancelled != nullptr, retryCancel);
-    if (cancelled) *cancelled = button != firstButton && button != thirdButton;
-    return button == firstButton;
+    if (cancelled) *cancelled = button != kFirstButton && button != kThirdButton;
+    return button == kFirstButton;
 }
 
 Util::CFString fromUtf16(const std::vector<unsigned short>& units) {
@@ -111,24 +111,24 @@ void MessageOK(void*, const std::vector<unsigned short>&, const std::vector<unsi
 
 bool MessageOKCancel(void*, const String&, const String& message, OKCancelFocus focus, bool) {
     if (!Util::IsModalDialogAllowed()) return false;
-    return standardAlertDialog(message, true, false, focus == OKCancelFocus::FirstButton, nullptr, false);
+    return standardAlertDialog(message, true, false, focus == OKCancelFocus::kFirstButton, nullptr, false);
 }
 
 bool MessageYesNo(void*, const String&, const String& message, YesNoFocus focus, bool) {
     if (!Util::IsModalDialogAllowed()) return false;
-    return standardAlertDialog(message, true, true, focus == YesNoFocus::FirstButton, nullptr, false);
+    return standardAlertDialog(message, true, true, focus == YesNoFocus::kFirstButton, nullptr, false);
 }
 
 bool MessageYesNoCancel(bool& cancelled, void*, const String&, const String& message, YesNoCancelFocus focus,
                         bool) {
     if (!Util::IsModalDialogAllowed()) return false;
-    return standardAlertDialog(message, true, true, focus == YesNoCancelFocus::FirstButton, &cancelled,
+    return standardAlertDialog(message, true, true, focus == YesNoCancelFocus::kFirstButton, &cancelled,
                                false);
 }
 
 bool MessageRetryCancel(void*, const String&, const String& message, RetryCancelFocus focus, bool) {
     if (!Util::IsModalDialogAllowed()) return false;
-    return standardAlertDialog(message, true, false, focus == RetryCancelFocus::FirstButton, nullptr, true);
+    return standardAlertDialog(message, true, false, focus == RetryCancelFocus::kFirstButton, nullptr, true);
 }
 
 } // namespace UI::Native

@@ -19,10 +19,10 @@ namespace UI::Native {
 
 ///@{
 /// The default button. The buttons are counted in the order of the function's name.
-enum class OKCancelFocus { FirstButton, SecondButton };
-enum class YesNoFocus { FirstButton, SecondButton };
-enum class YesNoCancelFocus { FirstButton, SecondButton, ThirdButton };
-enum class RetryCancelFocus { FirstButton, SecondButton };
+enum class OKCancelFocus { kFirstButton, kSecondButton };
+enum class YesNoFocus { kFirstButton, kSecondButton };
+enum class YesNoCancelFocus { kFirstButton, kSecondButton, kThirdButton };
+enum class RetryCancelFocus { kFirstButton, kSecondButton };
 ///@}
 
 /// Shows a message and one button.

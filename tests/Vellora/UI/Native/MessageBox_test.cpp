@@ -41,21 +41,21 @@ struct Kind {
 };
 
 const std::vector<Kind> kKinds = {
-    {[](bool&) { return MessageOKCancel(nullptr, "T", "M", OKCancelFocus::SecondButton, false); },
+    {[](bool&) { return MessageOKCancel(nullptr, "T", "M", OKCancelFocus::kSecondButton, false); },
      {"OK", "Cancel"},
      {true, false, false},
      {}},
-    {[](bool&) { return MessageYesNo(nullptr, "T", "M", YesNoFocus::FirstButton, true); },
+    {[](bool&) { return MessageYesNo(nullptr, "T", "M", YesNoFocus::kFirstButton, true); },
      {"Yes", "No"},
      {true, false, false},
      {}},
     {[](bool& flag) {
-         return MessageYesNoCancel(flag, nullptr, "T", "M", YesNoCancelFocus::ThirdButton, false);
+         return MessageYesNoCancel(flag, nullptr, "T", "M", YesNoCancelFocus::kThirdButton, false);
      },
      {"Yes", "Cancel", "No"},
      {true, false, false, false},
      {false, true, false, true}},
-    {[](bool&) { return MessageRetryCancel(nullptr, "T", "M", RetryCancelFocus::FirstButton, false); },
+    {[](bool&) { return MessageRetryCancel(nullptr, "T", "M", RetryCancelFocus::kFirstButton, false); },
      {"OK", "Cancel", "Retry", "Cancel"},
      {true, false, false, false, false},
      {}},
