@@ -2,7 +2,7 @@
 
 #include <Kelbase/Util/ByteStream.h>
 
-#include "Contest.h"
+#include "Comparison.h"
 
 #include <cstdint>
 #include <sstream>

@@ -2,7 +2,7 @@
 
 #include <Kelbase/Util/Dir.h>
 
-#include "Contest.h"
+#include "Comparison.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,10 +1,10 @@
 // The vector routines, at four sizes and misaligned, beside the vector library of signal processing and loops
 // of the user's own. Source and target are the same two blocks of memory for all.
 
-#include <Kelbase/IPP/IPP_forms.h>
+#include <Kelbase/IPP/IPP_implementations.h>
 #include <Kelbase/IPP/IPP_util.h>
 
-#include "Contest.h"
+#include "Comparison.h"
 
 #include <algorithm>
 #include <cstdint>

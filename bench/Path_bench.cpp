@@ -2,7 +2,7 @@
 
 #include <Kelbase/common/common_path.h>
 
-#include "Contest.h"
+#include "Comparison.h"
 
 #ifdef BENCH_QT
 #include <QDir>

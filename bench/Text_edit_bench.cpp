@@ -1,6 +1,6 @@
 // Searching, slicing, replacing, cleaning, splitting and joining.
 
-#include "Contest.h"
+#include "Comparison.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,6 @@
 // Numbers to text and back, and placeholders.
 
-#include "Contest.h"
+#include "Comparison.h"
 
 #include <array>
 #include <charconv>

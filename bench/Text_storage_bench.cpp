@@ -1,6 +1,6 @@
 // Texts made, copied, joined, compared and sorted.
 
-#include "Contest.h"
+#include "Comparison.h"
 
 #include <algorithm>
 #include <array>

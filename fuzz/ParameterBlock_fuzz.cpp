@@ -5,7 +5,7 @@
 
 #include <PostInstall/PluginEntry.h>
 
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/StartupVolume.h>
 
 #include <cstring>

@@ -3,8 +3,8 @@
 
 #include "Property.h"
 
-#include "plist/BinaryListEdit.h"
-#include "plist/BinaryListWriter.h"
+#include "plist/BinaryPlistEdit.h"
+#include "plist/BinaryPlistWriter.h"
 #include "plist/PropertyListTree.h"
 
 #include <algorithm>

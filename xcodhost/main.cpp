@@ -9,7 +9,7 @@
 #include "commands/ValidateCommand.h"
 #include "commands/VolumeCommand.h"
 #include "process/Interruption.h"
-#include "process/Worker.h"
+#include "process/Supervisor.h"
 
 #include <algorithm>
 #include <exception>

@@ -3,7 +3,7 @@
 
 #include <macplatform/Alerts.h>
 #include <macplatform/Bundles.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 #include <macplatform/PropertyList.h>
 #include <macplatform/StartupVolume.h>

@@ -1,17 +1,17 @@
 #include "InstallerHost.h"
 #include "support/Allocations.h"
+#include "support/FaultTally.h"
 #include "support/FinderItem.h"
 #include "support/InChild.h"
 #include "support/TracedChild.h"
-#include "support/Tried.h"
 
 #include <dlfcn.h>
 #include <exception>
 #include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/FinderFlags.h>
-#include <macplatform/Journal.h>
 #include <sys/stat.h>
 #include <utility>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "InfoList.h"
+#include "InfoPlist.h"
 #include "TemporaryFolder.h"
 
 #include <filesystem>

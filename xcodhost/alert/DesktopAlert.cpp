@@ -1,6 +1,6 @@
 #include "DesktopAlert.h"
 
-#include "Answers.h"
+#include "AlertResponder.h"
 #include "DialogProcess.h"
 #include "DisplayText.h"
 #include "ExitStatus.h"

@@ -2,7 +2,7 @@
 
 /// The command line.
 
-#include "alert/Answers.h"
+#include "alert/AlertResponder.h"
 #include "volume/SampleVolume.h"
 
 #include <cstdint>

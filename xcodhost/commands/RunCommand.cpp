@@ -2,7 +2,7 @@
 
 #include "Console.h"
 #include "DisplayText.h"
-#include "alert/Answers.h"
+#include "alert/AlertResponder.h"
 #include "process/Interruption.h"
 #include "run/BlockFile.h"
 #include "run/Delivery.h"

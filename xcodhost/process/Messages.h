@@ -4,7 +4,7 @@
 
 #include <macplatform/Alerts.h>
 #include <macplatform/Bundles.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "RunReport.h"
 
 #include "DisplayText.h"
-#include "alert/Answers.h"
+#include "alert/AlertResponder.h"
 
 namespace xcodhost {
 

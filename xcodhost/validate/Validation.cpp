@@ -1,7 +1,7 @@
 #include "Validation.h"
 
+#include "CheckRun.h"
 #include "DisplayText.h"
-#include "Trial.h"
 #include "run/RunResult.h"
 #include "volume/ScratchVolume.h"
 

@@ -2,7 +2,7 @@
 
 #include <Carbon/Dialogs.h>
 
-#include "AlertPresenter.h"
+#include "AlertResponder.h"
 #include "trace/PlatformCall.h"
 
 #include <algorithm>

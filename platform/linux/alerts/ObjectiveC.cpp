@@ -5,11 +5,11 @@
 
 #include <CoreFoundation/CFString.h>
 
-#include "AlertPresenter.h"
+#include "AlertResponder.h"
 #include "corefoundation/CFStringObject.h"
 #include "corefoundation/TextEncoding.h"
-#include "trace/LiveRegistry.h"
 #include "trace/PlatformCall.h"
+#include "trace/TrackedObject.h"
 
 #include <cstdint>
 #include <cstring>

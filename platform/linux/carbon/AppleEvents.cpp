@@ -6,8 +6,8 @@
 #include "FileReference.h"
 #include "ResultCodes.h"
 #include "Trash.h"
-#include "trace/LiveRegistry.h"
 #include "trace/PlatformCall.h"
+#include "trace/TrackedObject.h"
 
 #include <algorithm>
 #include <cstring>

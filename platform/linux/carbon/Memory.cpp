@@ -2,8 +2,8 @@
 #include <Carbon/MacMemory.h>
 
 #include "corefoundation/CFObject.h"
-#include "trace/LiveRegistry.h"
 #include "trace/PlatformCall.h"
+#include "trace/TrackedObject.h"
 
 #include <cstddef>
 #include <cstdlib>

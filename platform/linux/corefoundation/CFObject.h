@@ -9,8 +9,8 @@
 
 #include <CoreFoundation/CFBase.h>
 
-#include "trace/LiveRegistry.h"
 #include "trace/PlatformCall.h"
+#include "trace/TrackedObject.h"
 
 #include <atomic>
 #include <cstddef>

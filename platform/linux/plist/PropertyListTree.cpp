@@ -1,6 +1,6 @@
 #include "PropertyListTree.h"
 
-#include "BinaryListDanger.h"
+#include "BinaryPlistValidation.h"
 #include "PropertyListLimits.h"
 #include "PropertyListXml.h"
 #include "trace/PlatformCall.h"

@@ -1,6 +1,6 @@
 #include "PropertyListXml.h"
 
-#include "BinaryListWriter.h"
+#include "BinaryPlistWriter.h"
 #include "PropertyListLimits.h"
 #include "XmlCharacters.h"
 #include "XmlScalars.h"

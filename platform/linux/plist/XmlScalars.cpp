@@ -1,6 +1,6 @@
 #include "XmlScalars.h"
 
-#include "BinaryListWriter.h"
+#include "BinaryPlistWriter.h"
 #include "XmlCharacters.h"
 
 #include <algorithm>

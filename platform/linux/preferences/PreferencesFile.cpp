@@ -1,7 +1,7 @@
 #include "PreferencesFile.h"
 
-#include "plist/BinaryListEdit.h"
-#include "plist/BinaryListWriter.h"
+#include "plist/BinaryPlistEdit.h"
+#include "plist/BinaryPlistWriter.h"
 #include "plist/PropertyListLimits.h"
 #include "plist/PropertyListTree.h"
 #include "posix/AtomicFile.h"

@@ -1,4 +1,4 @@
-#include <Kelbase/IPP/IPP_forms.h>
+#include <Kelbase/IPP/IPP_implementations.h>
 
 #include <Kelbase/IPP/IPP_blocks.h>
 

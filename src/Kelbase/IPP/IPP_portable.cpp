@@ -1,3 +1,3 @@
-#include <Kelbase/IPP/IPP_forms.h>
+#include <Kelbase/IPP/IPP_implementations.h>
 
 const IPP::Form* const IPP::kAllForms[] = {&kScalarForm, nullptr};

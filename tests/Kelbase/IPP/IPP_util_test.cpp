@@ -1,6 +1,6 @@
 #include <Kelbase/IPP/IPP_util.h>
 
-#include <Kelbase/IPP/IPP_forms.h>
+#include <Kelbase/IPP/IPP_implementations.h>
 #include <Kelbase/Util/math_utils.h>
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include <Kelbase/Util/CFString.h>
 
 #include <gtest/gtest.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 #include <string>
 #include <vector>

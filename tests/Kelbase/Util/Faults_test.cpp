@@ -3,8 +3,8 @@
 
 #include "FailingCalls.h"
 #include "FileFailure.h"
+#include "support/FaultTally.h"
 #include "support/TemporaryFolder.h"
-#include "support/Tried.h"
 
 #include <Kelbase/Util/ByteStream.h>
 #include <Kelbase/Util/Dir.h>

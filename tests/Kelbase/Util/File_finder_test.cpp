@@ -3,7 +3,7 @@
 #include "support/TemporaryFolder.h"
 
 #include <Kelbase/Util/File.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 
 #include <gmock/gmock.h>

@@ -3,7 +3,7 @@
 #include <Carbon/MacErrors.h>
 #include <Kelbase/common/common_path.h>
 #include <gtest/gtest.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 #include <macplatform/ProcessIdentity.h>
 #include <string>

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <mach/mach_time.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/ProcessIdentity.h>
 #include <utility>
 

@@ -1,8 +1,8 @@
 // What a run touches, as the system call tracer sees it: nothing outside of the volume, whatever lies on
 // that.
 
+#include "support/FaultTally.h"
 #include "support/TemporaryFolder.h"
-#include "support/Tried.h"
 
 #include <gmock/gmock.h>
 

@@ -4,7 +4,7 @@
 #include "ExitStatus.h"
 #include "bundle/BundleInfo.h"
 #include "bundle/ElfFile.h"
-#include "validate/Trial.h"
+#include "validate/CheckRun.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 #include "Groups.h"
 
 #include "DisplayText.h"
-#include "validate/Trial.h"
+#include "validate/CheckRun.h"
 
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 
 #include <cstring>

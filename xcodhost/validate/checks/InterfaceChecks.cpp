@@ -1,7 +1,7 @@
 #include "Groups.h"
 
 #include "DisplayText.h"
-#include "validate/Trial.h"
+#include "validate/CheckRun.h"
 
 #include <cstring>
 

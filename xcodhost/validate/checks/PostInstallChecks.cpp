@@ -3,7 +3,7 @@
 #include "DisplayText.h"
 #include "StoredCalls.h"
 #include "contract/ProductContract.h"
-#include "validate/Trial.h"
+#include "validate/CheckRun.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "StoredCalls.h"
 #include "contract/ProductContract.h"
-#include "validate/Trial.h"
+#include "validate/CheckRun.h"
 
 namespace xcodhost {
 

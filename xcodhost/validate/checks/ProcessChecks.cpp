@@ -4,7 +4,7 @@
 #include "process/ChildProcess.h"
 #include "process/Descriptor.h"
 #include "sandbox/OutsideWrites.h"
-#include "validate/Trial.h"
+#include "validate/CheckRun.h"
 
 #include <algorithm>
 #include <clocale>

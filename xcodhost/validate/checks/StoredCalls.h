@@ -1,6 +1,6 @@
 #pragma once
 
-#include "validate/Trial.h"
+#include "validate/CheckRun.h"
 
 #include <string>
 #include <utility>

@@ -1,6 +1,6 @@
 #include <Kelbase/common/detail/common_string_scan.h>
 
-#include <Kelbase/common/detail/common_string_scan_plain.h>
+#include <Kelbase/common/detail/common_string_scan_scalar.h>
 
 std::size_t text_scan::Find(std::string_view text, std::string_view part) { return text.find(part); }
 

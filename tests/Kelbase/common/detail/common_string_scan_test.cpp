@@ -1,6 +1,6 @@
 #include <Kelbase/common/detail/common_string_scan.h>
 
-#include <Kelbase/common/detail/common_string_scan_plain.h>
+#include <Kelbase/common/detail/common_string_scan_scalar.h>
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include <macplatform/Alerts.h>
 #include <macplatform/LiveObjects.h>
 
+#include "support/CallRecorder.h"
 #include "support/SendMessage.h"
-#include "support/ToldCalls.h"
 
 #include <gmock/gmock.h>
 

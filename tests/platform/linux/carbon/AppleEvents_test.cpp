@@ -1,4 +1,4 @@
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 
 #include "support/FinderItem.h"

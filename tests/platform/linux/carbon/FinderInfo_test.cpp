@@ -1,13 +1,13 @@
+#include <macplatform/CallLog.h>
 #include <macplatform/FinderFlags.h>
-#include <macplatform/Journal.h>
 #include <macplatform/StartupVolume.h>
 
+#include "support/CallRecorder.h"
 #include "support/CommandOutput.h"
 #include "support/FinderItem.h"
 #include "support/InChild.h"
 #include "support/NewText.h"
 #include "support/TemporaryFolder.h"
-#include "support/ToldCalls.h"
 
 #include <cerrno>
 #include <gmock/gmock.h>

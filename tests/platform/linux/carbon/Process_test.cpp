@@ -3,7 +3,7 @@
 #include <Carbon/Multiprocessing.h>
 #include <Carbon/Processes.h>
 #include <mach/mach_time.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 #include <macplatform/ProcessIdentity.h>
 #include <sys/sysctl.h>

@@ -1,10 +1,10 @@
 #include <CoreFoundation/CFBase.h>
 #include <CoreFoundation/CFString.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 
+#include "support/CallRecorder.h"
 #include "support/NewText.h"
-#include "support/ToldCalls.h"
 
 #include <gmock/gmock.h>
 

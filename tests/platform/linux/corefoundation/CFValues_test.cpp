@@ -1,5 +1,5 @@
 #include <CoreFoundation/CoreFoundation.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include <macplatform/PropertyList.h>
 
-#include "support/BinaryList.h"
+#include "support/BinaryPlist.h"
 #include "support/CommaLocale.h"
 #include "support/TemporaryFolder.h"
 

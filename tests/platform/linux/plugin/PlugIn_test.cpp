@@ -4,7 +4,7 @@
 #include <macplatform/LiveObjects.h>
 #include <macplatform/StartupVolume.h>
 
-#include "support/InfoList.h"
+#include "support/InfoPlist.h"
 #include "support/NewText.h"
 #include "support/TemporaryFolder.h"
 

@@ -3,9 +3,9 @@
 #include <macplatform/PropertyList.h>
 
 #include "PreferenceCalls.h"
+#include "support/FaultTally.h"
 #include "support/InChild.h"
 #include "support/TracedChild.h"
-#include "support/Tried.h"
 #include "support/VolumeTest.h"
 
 #include <cerrno>

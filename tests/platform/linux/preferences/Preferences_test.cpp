@@ -1,11 +1,11 @@
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
 #include <macplatform/PropertyList.h>
 
 #include "PreferenceCalls.h"
-#include "support/BinaryList.h"
+#include "support/BinaryPlist.h"
 #include "support/CommandOutput.h"
 #include "support/InChild.h"
 #include "support/VolumeTest.h"

@@ -1,4 +1,4 @@
-#include "support/ToldCalls.h"
+#include "support/CallRecorder.h"
 #include "support/VolumeTest.h"
 
 #include <gmock/gmock.h>

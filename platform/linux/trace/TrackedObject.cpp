@@ -1,4 +1,4 @@
-#include "LiveRegistry.h"
+#include "TrackedObject.h"
 
 #include <macplatform/LiveObjects.h>
 

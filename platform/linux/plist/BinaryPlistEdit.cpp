@@ -1,7 +1,7 @@
-#include "BinaryListEdit.h"
+#include "BinaryPlistEdit.h"
 
-#include "BinaryListReader.h"
-#include "BinaryListWriter.h"
+#include "BinaryPlistReader.h"
+#include "BinaryPlistWriter.h"
 
 #include <vector>
 

@@ -1,8 +1,8 @@
-#include "Trial.h"
+#include "CheckRun.h"
 
 #include "DisplayText.h"
 #include "ExitStatus.h"
-#include "alert/Answers.h"
+#include "alert/AlertResponder.h"
 #include "run/RunReport.h"
 
 #include <macplatform/LiveObjects.h>

@@ -1,4 +1,4 @@
-#include "Answers.h"
+#include "AlertResponder.h"
 
 #include "Console.h"
 #include "DisplayText.h"

@@ -1,4 +1,4 @@
-#include "Contest.h"
+#include "Comparison.h"
 
 #include <cstdio>
 

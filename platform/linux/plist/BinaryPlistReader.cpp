@@ -1,4 +1,4 @@
-#include "BinaryListReader.h"
+#include "BinaryPlistReader.h"
 
 #include "PropertyListLimits.h"
 #include "corefoundation/TextEncoding.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 
 #include <cerrno>
 #include <string>

@@ -1,4 +1,4 @@
-#include <Kelbase/IPP/IPP_forms.h>
+#include <Kelbase/IPP/IPP_implementations.h>
 
 // Initialised before any code runs, so that constructors of static objects may call the routines.
 const IPP::Form* IPP::gChosenForm = nullptr;

@@ -1,4 +1,4 @@
-#include "BinaryListWriter.h"
+#include "BinaryPlistWriter.h"
 
 #include "corefoundation/TextEncoding.h"
 

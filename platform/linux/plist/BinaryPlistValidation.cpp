@@ -1,6 +1,6 @@
-#include "BinaryListDanger.h"
+#include "BinaryPlistValidation.h"
 
-#include "BinaryListReader.h"
+#include "BinaryPlistReader.h"
 #include "PropertyListLimits.h"
 
 #include <algorithm>

@@ -9,7 +9,7 @@
 #include "volume/VolumeState.h"
 
 #include <macplatform/Alerts.h>
-#include <macplatform/Journal.h>
+#include <macplatform/CallLog.h>
 
 #include <cstdint>
 #include <functional>

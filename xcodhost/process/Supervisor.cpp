@@ -1,4 +1,4 @@
-#include "Worker.h"
+#include "Supervisor.h"
 
 #include "ChildProcess.h"
 #include "Descriptor.h"
