@@ -22,8 +22,8 @@
 
 namespace {
 
-using contest::Contest;
-using contest::Opaque;
+using comparison::Comparison;
+using comparison::Opaque;
 using Util::ByteStream;
 using Util::DataStream;
 
@@ -191,30 +191,30 @@ auto readCereal(bool little) {
 
 void enterRecords(const std::string& suffix, bool little) {
     const DataStream::EndianType order = little ? DataStream::EndianLittle : DataStream::EndianBig;
-    Contest writing("write_" + suffix, kValues), reading("read_" + suffix, kValues);
-    writing.By("ours", writeOurs(order));
-    reading.By("ours", readOurs(order));
+    Comparison writing("write_" + suffix, kValues), reading("read_" + suffix, kValues);
+    writing.Add("ours", writeOurs(order));
+    reading.Add("ours", readOurs(order));
 #ifdef BENCH_QT
     const QDataStream::ByteOrder qtOrder = little ? QDataStream::LittleEndian : QDataStream::BigEndian;
-    writing.By("QDataStream", writeQt(qtOrder));
-    reading.By("QDataStream", readQt(qtOrder));
+    writing.Add("QDataStream", writeQt(qtOrder));
+    reading.Add("QDataStream", readQt(qtOrder));
 #endif
 #ifdef BENCH_POCO
     const PocoOrder pocoOrder =
         little ? Poco::BinaryWriter::LITTLE_ENDIAN_BYTE_ORDER : Poco::BinaryWriter::BIG_ENDIAN_BYTE_ORDER;
-    writing.By("Poco", writePoco(pocoOrder));
-    reading.By("Poco", readPoco(pocoOrder));
+    writing.Add("Poco", writePoco(pocoOrder));
+    reading.Add("Poco", readPoco(pocoOrder));
 #endif
 #ifdef BENCH_CEREAL
-    writing.By("cereal", writeCereal(little));
-    reading.By("cereal", readCereal(little));
+    writing.Add("cereal", writeCereal(little));
+    reading.Add("cereal", readCereal(little));
 #endif
 }
 
 /// Through the abstract interface: a virtual call for every value.
 void enterAbstract() {
-    Contest writing("write_le_abstract", kValues), reading("read_le_abstract", kValues);
-    writing.By("ours", [] {
+    Comparison writing("write_le_abstract", kValues), reading("read_le_abstract", kValues);
+    writing.Add("ours", [] {
         ByteStream stream(0);
         DataStream* abstract = &stream;
         benchmark::DoNotOptimize(abstract);
@@ -223,20 +223,20 @@ void enterAbstract() {
     });
     auto written = std::make_shared<ByteStream>(0);
     fill(*written, DataStream::EndianLittle);
-    reading.By("ours", [written] {
+    reading.Add("ours", [written] {
         DataStream* abstract = written.get();
         benchmark::DoNotOptimize(abstract);
         abstract->SetPosition(0);
         return sumOfRecords<String>([abstract](auto& v) { *abstract >> v; });
     });
 #ifdef BENCH_QT
-    writing.By("QDataStream", writeQt(QDataStream::LittleEndian));
-    reading.By("QDataStream", readQt(QDataStream::LittleEndian));
+    writing.Add("QDataStream", writeQt(QDataStream::LittleEndian));
+    reading.Add("QDataStream", readQt(QDataStream::LittleEndian));
 #endif
 }
 
 void enterInts() {
-    Contest writing("write_ints_be", kInts), reading("read_ints_be", kInts);
+    Comparison writing("write_ints_be", kInts), reading("read_ints_be", kInts);
     const auto writeTo = [](auto& stream) {
         for (std::uint32_t i = 0; i < kInts; ++i) stream << static_cast<std::int32_t>(i);
     };
@@ -249,7 +249,7 @@ void enterInts() {
         }
         return sum;
     };
-    writing.By("ours", [writeTo] {
+    writing.Add("ours", [writeTo] {
         ByteStream stream(0);
         stream.SetEndianType(DataStream::EndianBig);
         writeTo(stream);
@@ -258,7 +258,7 @@ void enterInts() {
     ByteStream written(0);
     written.SetEndianType(DataStream::EndianBig);
     writeTo(written);
-    reading.By("ours", [bytes = bytesOf(written), sumFrom] {
+    reading.Add("ours", [bytes = bytesOf(written), sumFrom] {
         ByteStream stream(bytes);
         stream.SetEndianType(DataStream::EndianBig);
         return sumFrom(stream);
@@ -269,8 +269,8 @@ void enterInts() {
         withQt(QDataStream::BigEndian, bytes, QIODevice::WriteOnly, writeTo);
         return bytes;
     };
-    writing.By("QDataStream", [writeInts] { return writeInts().size() == kInts * 4; });
-    reading.By("QDataStream", [bytes = writeInts(), sumFrom]() mutable {
+    writing.Add("QDataStream", [writeInts] { return writeInts().size() == kInts * 4; });
+    reading.Add("QDataStream", [bytes = writeInts(), sumFrom]() mutable {
         return withQt(QDataStream::BigEndian, bytes, QIODevice::ReadOnly, sumFrom);
     });
 #endif
@@ -279,20 +279,20 @@ void enterInts() {
 void enterBlocks() {
     constexpr unsigned int blocks = 4096, blockSize = 1024;
     const std::string block(blockSize, 'b');
-    Contest writing("write_raw_4M_in_1K", blocks * blockSize);
-    writing.By("ours", [block] {
+    Comparison writing("write_raw_4M_in_1K", blocks * blockSize);
+    writing.Add("ours", [block] {
         ByteStream stream(0);
         for (unsigned int i = 0; i < blocks; ++i)
             stream.Write(blockSize, reinterpret_cast<const unsigned char*>(block.data()));
         return stream.GetSize() == blocks * blockSize;
     });
-    writing.By("std::append", [block] {
+    writing.Add("std::append", [block] {
         std::string bytes;
         for (unsigned int i = 0; i < blocks; ++i) bytes.append(block);
         return bytes.size() == blocks * blockSize;
     });
 #ifdef BENCH_QT
-    writing.By("QDataStream", [block] {
+    writing.Add("QDataStream", [block] {
         QByteArray bytes;
         return withQt(QDataStream::LittleEndian, bytes, QIODevice::WriteOnly, [&](QDataStream& stream) {
             for (unsigned int i = 0; i < blocks; ++i) stream.writeRawData(block.data(), blockSize);
@@ -302,7 +302,7 @@ void enterBlocks() {
 #endif
 }
 
-[[maybe_unused]] const bool kEntered =
+[[maybe_unused]] const bool kRegistered =
     (enterRecords("le", true), enterRecords("be", false), enterAbstract(), enterInts(), enterBlocks(), true);
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-namespace contest {
+namespace comparison {
 
 std::string Show(double v) {
     char text[32];
@@ -10,8 +10,8 @@ std::string Show(double v) {
     return text;
 }
 
-void Contest::Enter(const std::string& who, const std::string& result,
-                    std::function<void(benchmark::State&)> run) {
+void Comparison::Register(const std::string& implementation, const std::string& result,
+                          std::function<void(benchmark::State&)> run) {
     if (!hasExpected) expected = result;
     hasExpected = true;
     const char* const label = result == expected ? "" : "differs";
@@ -20,7 +20,7 @@ void Contest::Enter(const std::string& who, const std::string& result,
         state.SetLabel(label);
         state.counters["items"] = each;
     };
-    benchmark::RegisterBenchmark((job + "/" + who).c_str(), body);
+    benchmark::RegisterBenchmark((job + "/" + implementation).c_str(), body);
 }
 
-} // namespace contest
+} // namespace comparison

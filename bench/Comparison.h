@@ -2,9 +2,9 @@
 
 /// One job, done by the library and by what a user would take instead, in one program.
 ///
-///     Contest("concat_3")
-///         .By("ours", [] { return Opaque(folder) + "/" + file; })
-///         .By("std", [] { return Opaque(folderStd) + "/" + fileStd; });
+///     Comparison("concat_3")
+///         .Add("ours", [] { return Opaque(folder) + "/" + file; })
+///         .Add("std", [] { return Opaque(folderStd) + "/" + fileStd; });
 ///
 /// Each entry is a benchmark "job/who". The first entry's result is taken for right: an entry with another
 /// result is timed too, and labelled "differs", so that the table can say so.
@@ -26,7 +26,7 @@
 #include <QString>
 #endif
 
-namespace contest {
+namespace comparison {
 
 /// The same object, of which the compiler no longer knows what it holds.
 template <typename T>
@@ -76,14 +76,15 @@ inline const char* NameOf(const QByteArray&) { return "QByteArray"; }
 inline const char* NameOf(const QString&) { return "QString"; }
 #endif
 
-class Contest {
+class Comparison {
 public:
     /// A run of the job handles `items`; the table tells the time of one.
-    explicit Contest(std::string jobName, double itemsARun = 1) : job(std::move(jobName)), items(itemsARun) {}
+    explicit Comparison(std::string jobName, double itemsARun = 1)
+        : job(std::move(jobName)), items(itemsARun) {}
 
     template <typename Work>
-    Contest& By(const std::string& who, Work work) {
-        Enter(who, Show(work()), [work](benchmark::State& state) mutable {
+    Comparison& Add(const std::string& implementation, Work work) {
+        Register(implementation, Show(work()), [work](benchmark::State& state) mutable {
             for (auto _ : state) {
                 auto result = work();
                 benchmark::DoNotOptimize(result);
@@ -92,12 +93,12 @@ public:
         return *this;
     }
 
-    /// A run that answers nothing: it works on what `prepare` has made, and `look` tells the result.
-    template <typename Run, typename Prepare, typename Look>
-    Contest& By(const std::string& who, Run run, Prepare prepare, Look look) {
+    /// A run that answers nothing: it works on what `prepare` has made, and `inspect` tells the result.
+    template <typename Run, typename Prepare, typename Inspect>
+    Comparison& Add(const std::string& implementation, Run run, Prepare prepare, Inspect inspect) {
         prepare();
         run();
-        Enter(who, look(), [run, prepare](benchmark::State& state) {
+        Register(implementation, inspect(), [run, prepare](benchmark::State& state) {
             prepare();
             for (auto _ : state) {
                 run();
@@ -109,13 +110,14 @@ public:
 
     /// An entry for each kind of text: `make` gets an empty one and answers the work.
     template <typename... Kinds, typename Make>
-    Contest& ByEach(TextKinds<Kinds...>, Make make) {
-        (By(NameOf(Kinds()), make(Kinds())), ...);
+    Comparison& AddEach(TextKinds<Kinds...>, Make make) {
+        (Add(NameOf(Kinds()), make(Kinds())), ...);
         return *this;
     }
 
 private:
-    void Enter(const std::string& who, const std::string& result, std::function<void(benchmark::State&)> run);
+    void Register(const std::string& implementation, const std::string& result,
+                  std::function<void(benchmark::State&)> run);
 
     std::string job;
     double items;
@@ -123,4 +125,4 @@ private:
     std::string expected;
 };
 
-} // namespace contest
+} // namespace comparison

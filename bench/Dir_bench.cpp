@@ -21,7 +21,7 @@
 
 namespace {
 
-using contest::Contest;
+using comparison::Comparison;
 namespace fs = std::filesystem;
 
 /// A folder of its own with empty files and a few folders in it, removed at the end.
@@ -60,7 +60,7 @@ struct Wanted {
     bool folders;
 };
 
-std::vector<String> byDir(const String& folder, const Wanted& wanted) {
+std::vector<String> listWithDir(const String& folder, const Wanted& wanted) {
     std::vector<String> names;
     if (wanted.folders)
         Util::Dir::GetFoldernames(folder, names, wanted.pattern, false);
@@ -69,7 +69,7 @@ std::vector<String> byDir(const String& folder, const Wanted& wanted) {
     return names;
 }
 
-std::vector<std::string> byFilesystem(const std::string& folder, const Wanted& wanted) {
+std::vector<std::string> listWithFilesystem(const std::string& folder, const Wanted& wanted) {
     std::vector<std::string> names;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
         std::string name = entry.path().filename().string();
@@ -80,7 +80,7 @@ std::vector<std::string> byFilesystem(const std::string& folder, const Wanted& w
     return names;
 }
 
-std::vector<std::string> byScandir(const std::string& folder, const Wanted& wanted) {
+std::vector<std::string> listWithScandir(const std::string& folder, const Wanted& wanted) {
     dirent** entries = nullptr;
     const int count = scandir(folder.c_str(), &entries, nullptr, alphasort);
     std::vector<std::string> names;
@@ -99,18 +99,18 @@ std::vector<std::string> byScandir(const std::string& folder, const Wanted& want
 void enterFolder(const std::string& place, const std::string& folder, double entries) {
     for (const Wanted& wanted :
          {Wanted{"all", "", false}, Wanted{"wav", "*.wav", false}, Wanted{"folders", "", true}}) {
-        Contest("dir_" + std::string(wanted.name) + place, entries)
-            .By("ours", [folder, wanted] { return byDir(String(folder.c_str()), wanted); })
-            .By("std", [folder, wanted] { return byFilesystem(folder, wanted); })
-            .By("scandir", [folder, wanted] { return byScandir(folder, wanted); })
+        Comparison("dir_" + std::string(wanted.name) + place, entries)
+            .Add("ours", [folder, wanted] { return listWithDir(String(folder.c_str()), wanted); })
+            .Add("std", [folder, wanted] { return listWithFilesystem(folder, wanted); })
+            .Add("scandir", [folder, wanted] { return listWithScandir(folder, wanted); })
 #ifdef BENCH_QT
-            .By("QDir",
-                [folder, wanted] {
-                    const QDir::Filters filters =
-                        QDir::Hidden | QDir::NoDotAndDotDot | (wanted.folders ? QDir::Dirs : QDir::Files);
-                    return QDir(QString::fromStdString(folder))
-                        .entryList({*wanted.pattern ? wanted.pattern : "*"}, filters, QDir::Name);
-                })
+            .Add("QDir",
+                 [folder, wanted] {
+                     const QDir::Filters filters =
+                         QDir::Hidden | QDir::NoDotAndDotDot | (wanted.folders ? QDir::Dirs : QDir::Files);
+                     return QDir(QString::fromStdString(folder))
+                         .entryList({*wanted.pattern ? wanted.pattern : "*"}, filters, QDir::Name);
+                 })
 #endif
             ;
     }
@@ -128,6 +128,6 @@ void enterAll() {
     enterFolder("_tmpfs", inMemory.Path(), 100000);
 }
 
-[[maybe_unused]] const bool kEntered = (enterAll(), true);
+[[maybe_unused]] const bool kRegistered = (enterAll(), true);
 
 } // namespace

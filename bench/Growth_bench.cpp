@@ -165,7 +165,7 @@ void keepMemory() {
     mallopt(M_MMAP_THRESHOLD, twoGigabytes);
 }
 
-[[maybe_unused]] const bool kEntered =
+[[maybe_unused]] const bool kRegistered =
     (keepMemory(), enterTexts(), enterListing(), enterPreferences("preferences_xml", true),
      enterPreferences("preferences_binary", false), true);
 

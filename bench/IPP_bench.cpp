@@ -18,7 +18,7 @@
 
 namespace {
 
-using contest::Contest;
+using comparison::Comparison;
 
 constexpr unsigned int kLargestCount = 16u << 20;
 
@@ -58,14 +58,14 @@ public:
     Conversion(std::string name, double sourceScale) : job(std::move(name)), scale(sourceScale) {}
 
     template <typename Run>
-    Conversion& By(const char* who, Run run) {
+    Conversion& Add(const char* implementation, Run run) {
         for (const Size& size : kSizes) {
-            Contest& contest = At(size);
+            Comparison& comparison = At(size);
             // One element beside the boundary that every array of the platform begins on.
             Source* const source = reinterpret_cast<Source*>(kSourceBlock) + size.misaligned;
             Target* const target = reinterpret_cast<Target*>(kTargetBlock) + size.misaligned;
-            contest.By(
-                who, [run, size, source, target] { run(size.count, source, target); },
+            comparison.Add(
+                implementation, [run, size, source, target] { run(size.count, source, target); },
                 [this_scale = scale, size, source] { fillSource(source, size.count, this_scale); },
                 [size, target] {
                     return std::string(reinterpret_cast<const char*>(target),
@@ -76,15 +76,15 @@ public:
     }
 
 private:
-    Contest& At(const Size& size) {
+    Comparison& At(const Size& size) {
         const std::size_t index = static_cast<std::size_t>(&size - kSizes);
-        if (contests.size() <= index) contests.emplace_back(job + "_" + size.name, size.count);
-        return contests[index];
+        if (comparisons.size() <= index) comparisons.emplace_back(job + "_" + size.name, size.count);
+        return comparisons[index];
     }
 
     std::string job;
     double scale;
-    std::vector<Contest> contests;
+    std::vector<Comparison> comparisons;
 };
 
 /// The same loop as compilers vectorise it when they are asked to.
@@ -94,122 +94,124 @@ __attribute__((optimize("O3"))) void loopO3(unsigned int n, const Source* __rest
     for (unsigned int i = 0; i < n; ++i) d[i] = each(s[i]);
 }
 
-/// What a Form's routine does, by the instructions of SSE2 alone.
+/// What an Implementation's routine does, by the instructions of SSE2 alone.
 template <typename Source, typename Target, typename... Factor>
-auto bySse2(void (*IPP::Form::*routine)(unsigned int, const Source*, Target*, Factor...), Factor... factor) {
-    return [f = IPP::kSse2Form.*routine, factor...](unsigned int n, const Source* s, Target* d) {
+auto withSse2(void (*IPP::Implementation::*routine)(unsigned int, const Source*, Target*, Factor...),
+              Factor... factor) {
+    return [f = IPP::kSse2Implementation.*routine, factor...](unsigned int n, const Source* s, Target* d) {
         f(n, s, d, factor...);
     };
 }
 
 void enterFromFloat() {
     Conversion<float, short>("f32_s16_round", 1.2)
-        .By("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, true); })
-        .By("ours-sse2", bySse2(&IPP::Form::floatToShortRounded, 32768.0f))
+        .Add("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, true); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::floatToShortRounded, 32768.0f))
 #ifdef BENCH_VOLK
-        .By("VOLK",
-            [](unsigned int n, const float* s, short* d) { volk_32f_s32f_convert_16i(d, s, 32768, n); })
-        .By("VOLK-sse", [](unsigned int n, const float* s,
-                           short* d) { volk_32f_s32f_convert_16i_manual(d, s, 32768, n, "u_sse2"); })
+        .Add("VOLK",
+             [](unsigned int n, const float* s, short* d) { volk_32f_s32f_convert_16i(d, s, 32768, n); })
+        .Add("VOLK-sse", [](unsigned int n, const float* s,
+                            short* d) { volk_32f_s32f_convert_16i_manual(d, s, 32768, n, "u_sse2"); })
 #endif
         ;
     Conversion<float, short>("f32_s16_trunc", 1.2)
-        .By("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, false); })
-        .By("ours-sse2", bySse2(&IPP::Form::floatToShort, 32768.0f))
+        .Add("ours", [](unsigned int n, const float* s, short* d) { IPP::Convert(n, s, d, -15, false); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::floatToShort, 32768.0f))
 #ifdef BENCH_VOLK
-        .By("VOLK",
-            [](unsigned int n, const float* s, short* d) { volk_32f_s32f_convert_16i(d, s, 32768, n); })
-        .By("VOLK-sse", [](unsigned int n, const float* s,
-                           short* d) { volk_32f_s32f_convert_16i_manual(d, s, 32768, n, "u_sse2"); })
+        .Add("VOLK",
+             [](unsigned int n, const float* s, short* d) { volk_32f_s32f_convert_16i(d, s, 32768, n); })
+        .Add("VOLK-sse", [](unsigned int n, const float* s,
+                            short* d) { volk_32f_s32f_convert_16i_manual(d, s, 32768, n, "u_sse2"); })
 #endif
         ;
     Conversion<float, int>("f32_s32_trunc", 1e6)
-        .By("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, 0, false); })
-        .By("ours-sse2", bySse2(&IPP::Form::floatToInt, 1.0f))
+        .Add("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, 0, false); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::floatToInt, 1.0f))
 #ifdef BENCH_VOLK
-        .By("VOLK", [](unsigned int n, const float* s, int* d) { volk_32f_s32f_convert_32i(d, s, 1, n); })
-        .By("VOLK-sse", [](unsigned int n, const float* s,
-                           int* d) { volk_32f_s32f_convert_32i_manual(d, s, 1, n, "u_sse2"); })
+        .Add("VOLK", [](unsigned int n, const float* s, int* d) { volk_32f_s32f_convert_32i(d, s, 1, n); })
+        .Add("VOLK-sse", [](unsigned int n, const float* s,
+                            int* d) { volk_32f_s32f_convert_32i_manual(d, s, 1, n, "u_sse2"); })
 #endif
         ;
     Conversion<float, int>("f32_s32_scaled_round", 0.9)
-        .By("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, -31, true); })
-        .By("ours-sse2", bySse2(&IPP::Form::floatToIntRounded, 2147483648.0f))
+        .Add("ours", [](unsigned int n, const float* s, int* d) { IPP::Convert(n, s, d, -31, true); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::floatToIntRounded, 2147483648.0f))
 #ifdef BENCH_VOLK
-        .By("VOLK",
-            [](unsigned int n, const float* s, int* d) { volk_32f_s32f_convert_32i(d, s, 2147483648.0f, n); })
-        .By("VOLK-sse", [](unsigned int n, const float* s,
-                           int* d) { volk_32f_s32f_convert_32i_manual(d, s, 2147483648.0f, n, "u_sse2"); })
+        .Add("VOLK", [](unsigned int n, const float* s,
+                        int* d) { volk_32f_s32f_convert_32i(d, s, 2147483648.0f, n); })
+        .Add("VOLK-sse", [](unsigned int n, const float* s,
+                            int* d) { volk_32f_s32f_convert_32i_manual(d, s, 2147483648.0f, n, "u_sse2"); })
 #endif
         ;
     Conversion<float, double>("f32_f64", 1)
-        .By("ours", [](unsigned int n, const float* s, double* d) { IPP::Convert(n, s, d); })
-        .By("ours-sse2", bySse2(&IPP::Form::floatToDouble))
+        .Add("ours", [](unsigned int n, const float* s, double* d) { IPP::Convert(n, s, d); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::floatToDouble))
 #ifdef BENCH_VOLK
-        .By("VOLK", [](unsigned int n, const float* s, double* d) { volk_32f_convert_64f(d, s, n); })
-        .By("VOLK-sse",
-            [](unsigned int n, const float* s, double* d) { volk_32f_convert_64f_manual(d, s, n, "u_sse2"); })
+        .Add("VOLK", [](unsigned int n, const float* s, double* d) { volk_32f_convert_64f(d, s, n); })
+        .Add("VOLK-sse", [](unsigned int n, const float* s,
+                            double* d) { volk_32f_convert_64f_manual(d, s, n, "u_sse2"); })
 #endif
         ;
 }
 
 void enterToFloat() {
     Conversion<short, float>("s16_f32", 32767)
-        .By("ours", [](unsigned int n, const short* s, float* d) { IPP::Convert(n, s, d, 15); })
-        .By("ours-sse2", bySse2(&IPP::Form::shortToFloat, 1.0f / 32768))
+        .Add("ours", [](unsigned int n, const short* s, float* d) { IPP::Convert(n, s, d, 15); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::shortToFloat, 1.0f / 32768))
 #ifdef BENCH_VOLK
-        .By("VOLK",
-            [](unsigned int n, const short* s, float* d) { volk_16i_s32f_convert_32f(d, s, 32768, n); })
-        .By("VOLK-sse", [](unsigned int n, const short* s,
-                           float* d) { volk_16i_s32f_convert_32f_manual(d, s, 32768, n, "u_sse4_1"); })
+        .Add("VOLK",
+             [](unsigned int n, const short* s, float* d) { volk_16i_s32f_convert_32f(d, s, 32768, n); })
+        .Add("VOLK-sse", [](unsigned int n, const short* s,
+                            float* d) { volk_16i_s32f_convert_32f_manual(d, s, 32768, n, "u_sse4_1"); })
 #endif
         ;
     Conversion<int, float>("s32_f32", 2147483647)
-        .By("ours", [](unsigned int n, const int* s, float* d) { IPP::Convert(n, s, d, 31); })
-        .By("ours-sse2", bySse2(&IPP::Form::intToFloat, 1.0f / 2147483648.0f))
+        .Add("ours", [](unsigned int n, const int* s, float* d) { IPP::Convert(n, s, d, 31); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::intToFloat, 1.0f / 2147483648.0f))
 #ifdef BENCH_VOLK
-        .By("VOLK",
-            [](unsigned int n, const int* s, float* d) { volk_32i_s32f_convert_32f(d, s, 2147483648.0f, n); })
-        .By("VOLK-sse", [](unsigned int n, const int* s,
-                           float* d) { volk_32i_s32f_convert_32f_manual(d, s, 2147483648.0f, n, "u_sse2"); })
+        .Add("VOLK", [](unsigned int n, const int* s,
+                        float* d) { volk_32i_s32f_convert_32f(d, s, 2147483648.0f, n); })
+        .Add("VOLK-sse", [](unsigned int n, const int* s,
+                            float* d) { volk_32i_s32f_convert_32f_manual(d, s, 2147483648.0f, n, "u_sse2"); })
 #endif
         ;
     Conversion<unsigned char, float>("u8_f32", 127)
-        .By("ours", [](unsigned int n, const unsigned char* s, float* d) { IPP::Convert(n, s, d); })
-        .By("ours-sse2", bySse2(&IPP::Form::charToFloat))
+        .Add("ours", [](unsigned int n, const unsigned char* s, float* d) { IPP::Convert(n, s, d); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::charToFloat))
 #ifdef BENCH_VOLK
-        .By("VOLK",
-            [](unsigned int n, const unsigned char* s, float* d) {
-                volk_8i_s32f_convert_32f(d, reinterpret_cast<const std::int8_t*>(s), 1, n);
-            })
-        .By("VOLK-sse",
-            [](unsigned int n, const unsigned char* s, float* d) {
-                volk_8i_s32f_convert_32f_manual(d, reinterpret_cast<const std::int8_t*>(s), 1, n, "u_sse4_1");
-            })
+        .Add("VOLK",
+             [](unsigned int n, const unsigned char* s, float* d) {
+                 volk_8i_s32f_convert_32f(d, reinterpret_cast<const std::int8_t*>(s), 1, n);
+             })
+        .Add("VOLK-sse",
+             [](unsigned int n, const unsigned char* s, float* d) {
+                 volk_8i_s32f_convert_32f_manual(d, reinterpret_cast<const std::int8_t*>(s), 1, n,
+                                                 "u_sse4_1");
+             })
 #endif
         ;
     Conversion<double, float>("f64_f32", 1)
-        .By("ours", [](unsigned int n, const double* s, float* d) { IPP::Convert(n, s, d); })
-        .By("ours-sse2", bySse2(&IPP::Form::doubleToFloat))
+        .Add("ours", [](unsigned int n, const double* s, float* d) { IPP::Convert(n, s, d); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::doubleToFloat))
 #ifdef BENCH_VOLK
-        .By("VOLK", [](unsigned int n, const double* s, float* d) { volk_64f_convert_32f(d, s, n); })
-        .By("VOLK-sse",
-            [](unsigned int n, const double* s, float* d) { volk_64f_convert_32f_manual(d, s, n, "u_sse2"); })
+        .Add("VOLK", [](unsigned int n, const double* s, float* d) { volk_64f_convert_32f(d, s, n); })
+        .Add("VOLK-sse", [](unsigned int n, const double* s,
+                            float* d) { volk_64f_convert_32f_manual(d, s, n, "u_sse2"); })
 #endif
         ;
 }
 
 void enterToDouble() {
     Conversion<short, double>("s16_f64", 32767)
-        .By("ours", [](unsigned int n, const short* s, double* d) { IPP::Convert(n, s, d, 15); })
-        .By("ours-sse2", bySse2(&IPP::Form::shortToDouble, 1.0 / 32768))
-        .By("O3-loop", [](unsigned int n, const short* s, double* d) {
+        .Add("ours", [](unsigned int n, const short* s, double* d) { IPP::Convert(n, s, d, 15); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::shortToDouble, 1.0 / 32768))
+        .Add("O3-loop", [](unsigned int n, const short* s, double* d) {
             loopO3(n, s, d, [](short v) { return v * (1.0 / 32768); });
         });
     Conversion<int, double>("s32_f64", 2147483647)
-        .By("ours", [](unsigned int n, const int* s, double* d) { IPP::Convert(n, s, d, 31); })
-        .By("ours-sse2", bySse2(&IPP::Form::intToDouble, 1.0 / 2147483648.0))
-        .By("O3-loop", [](unsigned int n, const int* s, double* d) {
+        .Add("ours", [](unsigned int n, const int* s, double* d) { IPP::Convert(n, s, d, 31); })
+        .Add("ours-sse2", withSse2(&IPP::Implementation::intToDouble, 1.0 / 2147483648.0))
+        .Add("O3-loop", [](unsigned int n, const int* s, double* d) {
             loopO3(n, s, d, [](int v) { return v * (1.0 / 2147483648.0); });
         });
 }
@@ -217,9 +219,9 @@ void enterToDouble() {
 template <typename Element>
 void enterSet(const char* job, Element value) {
     Conversion<Element, Element>(job, 1)
-        .By("ours", [value](unsigned int n, const Element*, Element* d) { IPP::Set(n, d, value); })
-        .By("std::fill", [value](unsigned int n, const Element*, Element* d) { std::fill(d, d + n, value); })
-        .By("O3-loop", [value](unsigned int n, const Element* s, Element* d) {
+        .Add("ours", [value](unsigned int n, const Element*, Element* d) { IPP::Set(n, d, value); })
+        .Add("std::fill", [value](unsigned int n, const Element*, Element* d) { std::fill(d, d + n, value); })
+        .Add("O3-loop", [value](unsigned int n, const Element* s, Element* d) {
             loopO3(n, s, d, [value](Element) { return value; });
         });
 }
@@ -230,18 +232,18 @@ void enterEqual() {
         const auto prepare = [n = size.count] {
             std::memset(kSourceBlock, 0, n), std::memset(kTargetBlock, 0, n);
         };
-        const auto look = [] { return std::string(); };
-        Contest(std::string("equal_u8_") + size.name, size.count)
-            .By(
+        const auto inspect = [] { return std::string(); };
+        Comparison(std::string("equal_u8_") + size.name, size.count)
+            .Add(
                 "ours",
                 [n = size.count] { benchmark::DoNotOptimize(IPP::Equal(n, kSourceBlock, kTargetBlock)); },
-                prepare, look)
-            .By(
+                prepare, inspect)
+            .Add(
                 "memcmp",
                 [n = size.count] {
                     benchmark::DoNotOptimize(std::memcmp(kSourceBlock, kTargetBlock, n) == 0);
                 },
-                prepare, look);
+                prepare, inspect);
     }
 }
 
@@ -249,15 +251,15 @@ void enterBlocks() {
     enterSet("set_f32", 1.5f);
     enterSet("set_s16", short{7});
     Conversion<float, float>("copy_f32", 1)
-        .By("ours", [](unsigned int n, const float* s, float* d) { IPP::Copy(n, s, d); })
-        .By("memcpy", [](unsigned int n, const float* s, float* d) { std::memcpy(d, s, n * sizeof *s); });
+        .Add("ours", [](unsigned int n, const float* s, float* d) { IPP::Copy(n, s, d); })
+        .Add("memcpy", [](unsigned int n, const float* s, float* d) { std::memcpy(d, s, n * sizeof *s); });
     Conversion<float, float>("zero_f32", 1)
-        .By("ours", [](unsigned int n, const float*, float* d) { IPP::Zero(n, d); })
-        .By("memset", [](unsigned int n, const float*, float* d) { std::memset(d, 0, n * sizeof *d); });
+        .Add("ours", [](unsigned int n, const float*, float* d) { IPP::Zero(n, d); })
+        .Add("memset", [](unsigned int n, const float*, float* d) { std::memset(d, 0, n * sizeof *d); });
     enterEqual();
 }
 
-[[maybe_unused]] const bool kEntered =
+[[maybe_unused]] const bool kRegistered =
     (enterFromFloat(), enterToFloat(), enterToDouble(), enterBlocks(), true);
 
 } // namespace

@@ -12,48 +12,48 @@
 #include <Poco/Path.h>
 #endif
 
-std::string Show(const FilePath& path) { return contest::Show(path.ToString()); }
+std::string Show(const FilePath& path) { return comparison::Show(path.ToString()); }
 std::string Show(const FolderPath& path) {
-    std::string text = contest::Show(path.ToString());
+    std::string text = comparison::Show(path.ToString());
     text.pop_back();
     return text;
 }
 
 namespace {
 
-using contest::Contest;
-using contest::Opaque;
+using comparison::Comparison;
+using comparison::Opaque;
 namespace fs = std::filesystem;
 
 constexpr char kClean[] = "/Library/Application Support/Korvane/Updater/install_status.txt";
 constexpr char kDirty[] = "/Library//Application Support/Korvane/Fusewright/../Updater/install_status.txt";
 
 void enterNormalizing(const char* job, const char* text) {
-    Contest(job)
-        .By("ours", [s = String(text)]() mutable { return FilePath(Opaque(s), false).ToString(); })
-        .By("std", [s = std::string(text)]() mutable { return fs::path(Opaque(s)).lexically_normal(); })
+    Comparison(job)
+        .Add("ours", [s = String(text)]() mutable { return FilePath(Opaque(s), false).ToString(); })
+        .Add("std", [s = std::string(text)]() mutable { return fs::path(Opaque(s)).lexically_normal(); })
 #ifdef BENCH_POCO
-        .By("Poco", [s = std::string(text)]() mutable { return Poco::Path(Opaque(s)).toString(); })
+        .Add("Poco", [s = std::string(text)]() mutable { return Poco::Path(Opaque(s)).toString(); })
 #endif
 #ifdef BENCH_QT
-        .By("QDir", [s = QString(text)]() mutable { return QDir::cleanPath(Opaque(s)); })
+        .Add("QDir", [s = QString(text)]() mutable { return QDir::cleanPath(Opaque(s)); })
 #endif
         ;
 }
 
 void enterComparison() {
     constexpr char other[] = "/library/application support/korvane/updater/install_status.txt";
-    Contest("same_place")
-        .By("ours", [a = FilePath(kDirty, false),
-                     b = FilePath(other, false)]() mutable { return Opaque(a) == Opaque(b); })
+    Comparison("same_place")
+        .Add("ours", [a = FilePath(kDirty, false),
+                      b = FilePath(other, false)]() mutable { return Opaque(a) == Opaque(b); })
 #ifdef BENCH_QT
-        .By("QDir",
-            [a = QString(kDirty), b = QString(other)]() mutable {
-                return QDir::cleanPath(Opaque(a)).compare(QDir::cleanPath(Opaque(b)), Qt::CaseInsensitive) ==
-                       0;
-            })
+        .Add("QDir",
+             [a = QString(kDirty), b = QString(other)]() mutable {
+                 return QDir::cleanPath(Opaque(a)).compare(QDir::cleanPath(Opaque(b)), Qt::CaseInsensitive) ==
+                        0;
+             })
 #endif
-        .By("std", [a = fs::path(kDirty), b = fs::path(other)]() mutable {
+        .Add("std", [a = fs::path(kDirty), b = fs::path(other)]() mutable {
             return Opaque(a).lexically_normal() == Opaque(b).lexically_normal();
         });
 }
@@ -61,39 +61,40 @@ void enterComparison() {
 void enterParts() {
     const FilePath ours(kClean, false);
     const fs::path theirs(kClean);
-    Contest("filename")
-        .By("ours", [p = ours]() mutable { return Opaque(p).GetFilename(); })
-        .By("std", [p = theirs]() mutable { return Opaque(p).filename(); })
+    Comparison("filename")
+        .Add("ours", [p = ours]() mutable { return Opaque(p).GetFilename(); })
+        .Add("std", [p = theirs]() mutable { return Opaque(p).filename(); })
 #ifdef BENCH_QT
-        .By("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).fileName(); })
+        .Add("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).fileName(); })
 #endif
         ;
-    Contest("extension")
-        .By("ours", [p = ours]() mutable { return Opaque(p).GetExtension(); })
-        .By("std", [p = theirs]() mutable { return Opaque(p).extension().string().substr(1); })
+    Comparison("extension")
+        .Add("ours", [p = ours]() mutable { return Opaque(p).GetExtension(); })
+        .Add("std", [p = theirs]() mutable { return Opaque(p).extension().string().substr(1); })
 #ifdef BENCH_QT
-        .By("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).suffix(); })
+        .Add("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).suffix(); })
 #endif
         ;
-    Contest("parent")
-        .By("ours", [p = ours]() mutable { return Opaque(p).GetFolder(); })
-        .By("std", [p = theirs]() mutable { return Opaque(p).parent_path(); })
+    Comparison("parent")
+        .Add("ours", [p = ours]() mutable { return Opaque(p).GetFolder(); })
+        .Add("std", [p = theirs]() mutable { return Opaque(p).parent_path(); })
 #ifdef BENCH_QT
-        .By("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).path(); })
+        .Add("QFileInfo", [p = QFileInfo(kClean)]() mutable { return Opaque(p).path(); })
 #endif
         ;
     constexpr char folder[] = "/Library/Application Support/Korvane", name[] = "install_status.txt";
-    Contest("join")
-        .By("ours",
-            [f = FolderPath(folder, false), n = String(name)]() mutable { return Opaque(f) + Opaque(n); })
-        .By("std", [f = fs::path(folder), n = std::string(name)]() mutable { return Opaque(f) / Opaque(n); })
+    Comparison("join")
+        .Add("ours",
+             [f = FolderPath(folder, false), n = String(name)]() mutable { return Opaque(f) + Opaque(n); })
+        .Add("std", [f = fs::path(folder), n = std::string(name)]() mutable { return Opaque(f) / Opaque(n); })
 #ifdef BENCH_QT
-        .By("QDir", [f = QDir(folder), n = QString(name)]() mutable { return Opaque(f).filePath(Opaque(n)); })
+        .Add("QDir",
+             [f = QDir(folder), n = QString(name)]() mutable { return Opaque(f).filePath(Opaque(n)); })
 #endif
         ;
 }
 
-[[maybe_unused]] const bool kEntered =
+[[maybe_unused]] const bool kRegistered =
     (enterNormalizing("normalize_clean", kClean), enterNormalizing("normalize_dirty", kDirty),
      enterComparison(), enterParts(), true);
 

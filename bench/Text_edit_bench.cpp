@@ -21,9 +21,9 @@
 
 namespace {
 
-using contest::AllTexts;
-using contest::Contest;
-using contest::Opaque;
+using comparison::AllTexts;
+using comparison::Comparison;
+using comparison::Opaque;
 
 /// `sentence` again and again, up to 4096 bytes.
 std::string longText(const std::string& sentence) {
@@ -46,38 +46,38 @@ long long position(const Found& at) {
 long long position(std::size_t at) { return static_cast<long long>(at); }
 
 void enterFind(const std::string& job, const std::string& text, const std::string& part) {
-    Contest(job)
-        .By("ours", [s = String(text.c_str()),
-                     p = part]() mutable { return position(Opaque(s).Find(Opaque(p).c_str())); })
-        .By("strstr",
-            [s = text, p = part]() mutable {
-                const char* const found = std::strstr(Opaque(s).c_str(), Opaque(p).c_str());
-                return found ? static_cast<long long>(found - s.c_str()) : -1;
-            })
-        .By("std", [s = text, p = part]() mutable { return position(Opaque(s).find(Opaque(p))); })
+    Comparison(job)
+        .Add("ours", [s = String(text.c_str()),
+                      p = part]() mutable { return position(Opaque(s).Find(Opaque(p).c_str())); })
+        .Add("strstr",
+             [s = text, p = part]() mutable {
+                 const char* const found = std::strstr(Opaque(s).c_str(), Opaque(p).c_str());
+                 return found ? static_cast<long long>(found - s.c_str()) : -1;
+             })
+        .Add("std", [s = text, p = part]() mutable { return position(Opaque(s).find(Opaque(p))); })
 #ifdef BENCH_QT
-        .By("QByteArray",
-            [s = QByteArray(text.c_str()), p = QByteArray(part.c_str())]() mutable {
-                return static_cast<long long>(Opaque(s).indexOf(Opaque(p)));
-            })
+        .Add("QByteArray",
+             [s = QByteArray(text.c_str()), p = QByteArray(part.c_str())]() mutable {
+                 return static_cast<long long>(Opaque(s).indexOf(Opaque(p)));
+             })
 #endif
         ;
 }
 
 void enterFindFolded(const std::string& job, const std::string& text, const std::string& part) {
-    Contest(job)
-        .By("ours", [s = String(text.c_str()),
-                     p = part]() mutable { return position(Opaque(s).Find(Opaque(p).c_str(), 0, false)); })
-        .By("strcasestr",
-            [s = text, p = part]() mutable {
-                const char* const found = strcasestr(Opaque(s).c_str(), Opaque(p).c_str());
-                return found ? static_cast<long long>(found - s.c_str()) : -1;
-            })
+    Comparison(job)
+        .Add("ours", [s = String(text.c_str()),
+                      p = part]() mutable { return position(Opaque(s).Find(Opaque(p).c_str(), 0, false)); })
+        .Add("strcasestr",
+             [s = text, p = part]() mutable {
+                 const char* const found = strcasestr(Opaque(s).c_str(), Opaque(p).c_str());
+                 return found ? static_cast<long long>(found - s.c_str()) : -1;
+             })
 #ifdef BENCH_QT
-        .By("QString",
-            [s = QString(text.c_str()), p = QString(part.c_str())]() mutable {
-                return static_cast<long long>(Opaque(s).indexOf(Opaque(p), 0, Qt::CaseInsensitive));
-            })
+        .Add("QString",
+             [s = QString(text.c_str()), p = QString(part.c_str())]() mutable {
+                 return static_cast<long long>(Opaque(s).indexOf(Opaque(p), 0, Qt::CaseInsensitive));
+             })
 #endif
         ;
 }
@@ -85,16 +85,17 @@ void enterFindFolded(const std::string& job, const std::string& text, const std:
 void enterSearching() {
     std::string zs = kProse;
     zs[4090] = 'z';
-    Contest("find_char_4K")
-        .By("ours", [s = String(zs.c_str())]() mutable { return position(Opaque(s).Find('z')); })
-        .By("std", [s = zs]() mutable { return position(Opaque(s).find('z')); })
+    Comparison("find_char_4K")
+        .Add("ours", [s = String(zs.c_str())]() mutable { return position(Opaque(s).Find('z')); })
+        .Add("std", [s = zs]() mutable { return position(Opaque(s).find('z')); })
 #ifdef BENCH_QT
-        .By("QByteArray",
+        .Add(
+            "QByteArray",
             [s = QByteArray(zs.c_str())]() mutable { return static_cast<long long>(Opaque(s).indexOf('z')); })
-        .By("QString",
-            [s = QString(zs.c_str())]() mutable {
-                return static_cast<long long>(Opaque(s).indexOf(QChar('z')));
-            })
+        .Add("QString",
+             [s = QString(zs.c_str())]() mutable {
+                 return static_cast<long long>(Opaque(s).indexOf(QChar('z')));
+             })
 #endif
         ;
     std::string rare = kProse, common = kProse;
@@ -105,20 +106,20 @@ void enterSearching() {
     enterFind("find_text_short", kPathText, "Korvane");
     enterFindFolded("find_ci_4K", common, "ASKS the End");
     enterFindFolded("find_ci_short", kPathText, "korvane");
-    Contest("begins_ci")
-        .By("ours",
-            [s = String(kPathText.c_str()), p = String("/library/application")]() mutable {
-                return Opaque(s).BeginsWith(Opaque(p), false);
-            })
-        .By("strncasecmp",
-            [s = kPathText, p = std::string("/library/application")]() mutable {
-                return strncasecmp(Opaque(s).c_str(), Opaque(p).c_str(), Opaque(p).size()) == 0;
-            })
+    Comparison("begins_ci")
+        .Add("ours",
+             [s = String(kPathText.c_str()), p = String("/library/application")]() mutable {
+                 return Opaque(s).BeginsWith(Opaque(p), false);
+             })
+        .Add("strncasecmp",
+             [s = kPathText, p = std::string("/library/application")]() mutable {
+                 return strncasecmp(Opaque(s).c_str(), Opaque(p).c_str(), Opaque(p).size()) == 0;
+             })
 #ifdef BENCH_QT
-        .By("QString",
-            [s = QString(kPathText.c_str()), p = QString("/library/application")]() mutable {
-                return Opaque(s).startsWith(Opaque(p), Qt::CaseInsensitive);
-            })
+        .Add("QString",
+             [s = QString(kPathText.c_str()), p = QString("/library/application")]() mutable {
+                 return Opaque(s).startsWith(Opaque(p), Qt::CaseInsensitive);
+             })
 #endif
         ;
 }
@@ -146,34 +147,34 @@ std::string linesOfProse() {
 }
 
 void enterReplace(const char* job, const std::string& text, const char* from, const char* to) {
-    Contest(job)
-        .By("ours", [s = String(text.c_str()), a = String(from),
-                     b = String(to)]() mutable { return Opaque(s).Replace(Opaque(a), Opaque(b)); })
-        .By("std", [s = text, a = std::string(from),
-                    b = std::string(to)]() mutable { return replacedAll(Opaque(s), Opaque(a), Opaque(b)); })
+    Comparison(job)
+        .Add("ours", [s = String(text.c_str()), a = String(from),
+                      b = String(to)]() mutable { return Opaque(s).Replace(Opaque(a), Opaque(b)); })
+        .Add("std", [s = text, a = std::string(from),
+                     b = std::string(to)]() mutable { return replacedAll(Opaque(s), Opaque(a), Opaque(b)); })
 #ifdef BENCH_POCO
-        .By("Poco",
-            [s = text, a = std::string(from), b = std::string(to)]() mutable {
-                return Poco::replace(Opaque(s), Opaque(a), Opaque(b));
-            })
+        .Add("Poco",
+             [s = text, a = std::string(from), b = std::string(to)]() mutable {
+                 return Poco::replace(Opaque(s), Opaque(a), Opaque(b));
+             })
 #endif
 #ifdef BENCH_QT
-        .By("QByteArray",
-            [s = QByteArray(text.c_str()), a = QByteArray(from), b = QByteArray(to)]() mutable {
-                QByteArray copy = Opaque(s);
-                return copy.replace(Opaque(a), Opaque(b));
-            })
+        .Add("QByteArray",
+             [s = QByteArray(text.c_str()), a = QByteArray(from), b = QByteArray(to)]() mutable {
+                 QByteArray copy = Opaque(s);
+                 return copy.replace(Opaque(a), Opaque(b));
+             })
 #endif
         ;
 }
 
 void enterLower(const char* job, const std::string& text) {
-    Contest(job)
-        .By("ours", [s = String(text.c_str())]() mutable { return Opaque(s).ToLower(); })
-        .By("std", [s = text]() mutable { return lowered(Opaque(s)); })
+    Comparison(job)
+        .Add("ours", [s = String(text.c_str())]() mutable { return Opaque(s).ToLower(); })
+        .Add("std", [s = text]() mutable { return lowered(Opaque(s)); })
 #ifdef BENCH_QT
-        .By("QByteArray",
-            [s = QByteArray(text.c_str())]() mutable { return std::as_const(Opaque(s)).toLower(); })
+        .Add("QByteArray",
+             [s = QByteArray(text.c_str())]() mutable { return std::as_const(Opaque(s)).toLower(); })
 #endif
         ;
 }
@@ -205,11 +206,11 @@ auto simplifyInTurn(const std::vector<std::string>& texts) {
 }
 
 void enterSimplify(const char* job, const std::vector<std::string>& texts) {
-    Contest(job)
-        .By("ours", simplifyInTurn<String>(texts))
+    Comparison(job)
+        .Add("ours", simplifyInTurn<String>(texts))
 #ifdef BENCH_QT
-        .By("QByteArray", simplifyInTurn<QByteArray>(texts))
-        .By("QString", simplifyInTurn<QString>(texts))
+        .Add("QByteArray", simplifyInTurn<QByteArray>(texts))
+        .Add("QString", simplifyInTurn<QString>(texts))
 #endif
         ;
 }
@@ -217,20 +218,20 @@ void enterSimplify(const char* job, const std::vector<std::string>& texts) {
 void enterEditing() {
     enterReplace("replace_4K", linesOfProse(), "\n", "\r\n");
     enterReplace("replace_word_4K", kProse, "the", "each");
-    Contest("replace_char_4K")
-        .By("ours", [s = String(kProse.c_str())]() mutable { return Opaque(s).ReplaceChar('e', 'o'); })
-        .By("std",
-            [s = kProse]() mutable {
-                std::string copy = Opaque(s);
-                std::replace(copy.begin(), copy.end(), 'e', 'o');
-                return copy;
-            })
+    Comparison("replace_char_4K")
+        .Add("ours", [s = String(kProse.c_str())]() mutable { return Opaque(s).ReplaceChar('e', 'o'); })
+        .Add("std",
+             [s = kProse]() mutable {
+                 std::string copy = Opaque(s);
+                 std::replace(copy.begin(), copy.end(), 'e', 'o');
+                 return copy;
+             })
 #ifdef BENCH_QT
-        .By("QString",
-            [s = QString(kProse.c_str())]() mutable {
-                QString copy = Opaque(s);
-                return copy.replace(QChar('e'), QChar('o'));
-            })
+        .Add("QString",
+             [s = QString(kProse.c_str())]() mutable {
+                 QString copy = Opaque(s);
+                 return copy.replace(QChar('e'), QChar('o'));
+             })
 #endif
         ;
     enterLower("lower_short", kPathText);
@@ -239,24 +240,25 @@ void enterEditing() {
     enterSimplify("simplify_4K",
                   {longText("The installer  asks the Updater\tfor its Status,\n and the answer is kept. ")});
     const std::string padded = "  Korvane Fusewright 1.73 \n";
-    Contest("strip_short")
-        .By("ours", [s = String(padded.c_str())]() mutable { return Opaque(s).StripWhiteSpace(); })
+    Comparison("strip_short")
+        .Add("ours", [s = String(padded.c_str())]() mutable { return Opaque(s).StripWhiteSpace(); })
 #ifdef BENCH_POCO
-        .By("Poco", [s = padded]() mutable { return Poco::trim(Opaque(s)); })
+        .Add("Poco", [s = padded]() mutable { return Poco::trim(Opaque(s)); })
 #endif
 #ifdef BENCH_QT
-        .By("QByteArray",
-            [s = QByteArray(padded.c_str())]() mutable { return std::as_const(Opaque(s)).trimmed(); })
-        .By("QString", [s = QString(padded.c_str())]() mutable { return std::as_const(Opaque(s)).trimmed(); })
+        .Add("QByteArray",
+             [s = QByteArray(padded.c_str())]() mutable { return std::as_const(Opaque(s)).trimmed(); })
+        .Add("QString",
+             [s = QString(padded.c_str())]() mutable { return std::as_const(Opaque(s)).trimmed(); })
 #endif
         ;
-    Contest("left_mid")
-        .By("ours",
-            [s = String(kPathText.c_str())]() mutable { return Opaque(s).Left(20) + Opaque(s).Mid(36); })
-        .By("std", [s = kPathText]() mutable { return Opaque(s).substr(0, 20) + Opaque(s).substr(36); })
+    Comparison("left_mid")
+        .Add("ours",
+             [s = String(kPathText.c_str())]() mutable { return Opaque(s).Left(20) + Opaque(s).Mid(36); })
+        .Add("std", [s = kPathText]() mutable { return Opaque(s).substr(0, 20) + Opaque(s).substr(36); })
 #ifdef BENCH_QT
-        .By("QString",
-            [s = QString(kPathText.c_str())]() mutable { return Opaque(s).left(20) + Opaque(s).mid(36); })
+        .Add("QString",
+             [s = QString(kPathText.c_str())]() mutable { return Opaque(s).left(20) + Opaque(s).mid(36); })
 #endif
         ;
 }
@@ -298,12 +300,12 @@ std::string listText(int count) {
 }
 
 void enterSplit(const char* job, const std::string& text) {
-    Contest(job)
-        .By("ours", [s = String(text.c_str())]() mutable { return fieldsOf(Opaque(s), ','); })
-        .By("std", [s = text]() mutable { return fieldsOf(Opaque(s), ','); })
+    Comparison(job)
+        .Add("ours", [s = String(text.c_str())]() mutable { return fieldsOf(Opaque(s), ','); })
+        .Add("std", [s = text]() mutable { return fieldsOf(Opaque(s), ','); })
 #ifdef BENCH_QT
-        .By("QByteArray", [s = QByteArray(text.c_str())]() mutable { return Opaque(s).split(','); })
-        .By("QString", [s = QString(text.c_str())]() mutable { return Opaque(s).split(QChar(',')); })
+        .Add("QByteArray", [s = QByteArray(text.c_str())]() mutable { return Opaque(s).split(','); })
+        .Add("QString", [s = QString(text.c_str())]() mutable { return Opaque(s).split(QChar(',')); })
 #endif
         ;
 }
@@ -312,38 +314,38 @@ void enterLists() {
     enterSplit("split_10", listText(10));
     enterSplit("split_1000", listText(1000));
     const std::string ten = listText(10), thousand = listText(1000);
-    Contest("join_1000")
-        .By("ours", [l = fieldsOf(String(thousand.c_str()), ','),
-                     s = String(", ")]() mutable { return String::Join(Opaque(s), Opaque(l)); })
-        .By("std", [l = fieldsOf(thousand, ','),
-                    s = std::string(", ")]() mutable { return joined(Opaque(l), Opaque(s)); })
+    Comparison("join_1000")
+        .Add("ours", [l = fieldsOf(String(thousand.c_str()), ','),
+                      s = String(", ")]() mutable { return String::Join(Opaque(s), Opaque(l)); })
+        .Add("std", [l = fieldsOf(thousand, ','),
+                     s = std::string(", ")]() mutable { return joined(Opaque(l), Opaque(s)); })
 #ifdef BENCH_FMT
-        .By("fmt",
-            [l = fieldsOf(thousand, ','), s = std::string(", ")]() mutable {
-                return fmt::format("{}", fmt::join(Opaque(l), Opaque(s)));
-            })
+        .Add("fmt",
+             [l = fieldsOf(thousand, ','), s = std::string(", ")]() mutable {
+                 return fmt::format("{}", fmt::join(Opaque(l), Opaque(s)));
+             })
 #endif
 #ifdef BENCH_QT
-        .By("QString", [l = QString(thousand.c_str()).split(QChar(',')),
-                        s = QString(", ")]() mutable { return Opaque(l).join(Opaque(s)); })
+        .Add("QString", [l = QString(thousand.c_str()).split(QChar(',')),
+                         s = QString(", ")]() mutable { return Opaque(l).join(Opaque(s)); })
 #endif
         ;
-    Contest("split_join_10")
-        .By("ours",
-            [s = String(ten.c_str()), with = String("/")]() mutable {
-                return String::Join(Opaque(with), fieldsOf(Opaque(s), ','));
-            })
-        .By("std", [s = ten, with = std::string(
-                                 "/")]() mutable { return joined(fieldsOf(Opaque(s), ','), Opaque(with)); })
+    Comparison("split_join_10")
+        .Add("ours",
+             [s = String(ten.c_str()), with = String("/")]() mutable {
+                 return String::Join(Opaque(with), fieldsOf(Opaque(s), ','));
+             })
+        .Add("std", [s = ten, with = std::string(
+                                  "/")]() mutable { return joined(fieldsOf(Opaque(s), ','), Opaque(with)); })
 #ifdef BENCH_QT
-        .By("QString",
-            [s = QString(ten.c_str()), with = QString("/")]() mutable {
-                return Opaque(s).split(QChar(',')).join(Opaque(with));
-            })
+        .Add("QString",
+             [s = QString(ten.c_str()), with = QString("/")]() mutable {
+                 return Opaque(s).split(QChar(',')).join(Opaque(with));
+             })
 #endif
         ;
 }
 
-[[maybe_unused]] const bool kEntered = (enterSearching(), enterEditing(), enterLists(), true);
+[[maybe_unused]] const bool kRegistered = (enterSearching(), enterEditing(), enterLists(), true);
 
 } // namespace

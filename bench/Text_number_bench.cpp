@@ -17,8 +17,8 @@
 
 namespace {
 
-using contest::Contest;
-using contest::Opaque;
+using comparison::Comparison;
+using comparison::Opaque;
 
 constexpr std::array<int, 8> kInts = {0, 7, -42, 1999, 65536, -1234567, 2147483647, 100};
 constexpr std::array<long long, 8> kWideInts = {0,           -7,        4294967296LL, 1234567890123LL,
@@ -41,78 +41,78 @@ auto printed(const std::array<Value, 8>& values, const char* format) {
     });
 }
 
-template <typename Value, typename... Form>
-auto byCharconv(const std::array<Value, 8>& values, Form... form) {
-    return onNext(values, [form...](Value v) {
+template <typename Value, typename... Arguments>
+auto withCharconv(const std::array<Value, 8>& values, Arguments... arguments) {
+    return onNext(values, [arguments...](Value v) {
         char text[64];
-        const std::to_chars_result end = std::to_chars(text, text + sizeof text, v, form...);
+        const std::to_chars_result end = std::to_chars(text, text + sizeof text, v, arguments...);
         return std::string(text, end.ptr);
     });
 }
 
 void enterIntegers() {
-    Contest("number_int")
-        .By("ours", onNext(kInts, [](int v) { return String::Number(v); }))
-        .By("snprintf", printed(kInts, "%d"))
-        .By("to_string", onNext(kInts, [](int v) { return std::to_string(v); }))
-        .By("make_shared",
-            onNext(kInts, [](int v) { return std::make_shared<std::string>(std::to_string(v)); }))
+    Comparison("number_int")
+        .Add("ours", onNext(kInts, [](int v) { return String::Number(v); }))
+        .Add("snprintf", printed(kInts, "%d"))
+        .Add("to_string", onNext(kInts, [](int v) { return std::to_string(v); }))
+        .Add("make_shared",
+             onNext(kInts, [](int v) { return std::make_shared<std::string>(std::to_string(v)); }))
 #ifdef BENCH_POCO
-        .By("Poco", onNext(kInts, [](int v) { return Poco::NumberFormatter::format(v); }))
+        .Add("Poco", onNext(kInts, [](int v) { return Poco::NumberFormatter::format(v); }))
 #endif
 #ifdef BENCH_QT
-        .By("QString", onNext(kInts, [](int v) { return QString::number(v); }))
+        .Add("QString", onNext(kInts, [](int v) { return QString::number(v); }))
 #endif
         ;
     constexpr std::array<unsigned int, 8> bits = {0, 255, 4096, 0xDEADBEEF, 0x1F, 0xFFFFFFFF, 31, 0xABCDE};
-    Contest("number_uint_hex")
-        .By("ours", onNext(bits, [](unsigned int v) { return String::Number(v, 16); }))
-        .By("snprintf", printed(bits, "%X"))
+    Comparison("number_uint_hex")
+        .Add("ours", onNext(bits, [](unsigned int v) { return String::Number(v, 16); }))
+        .Add("snprintf", printed(bits, "%X"))
 #ifdef BENCH_FMT
-        .By("fmt", onNext(bits, [](unsigned int v) { return fmt::format("{:X}", v); }))
+        .Add("fmt", onNext(bits, [](unsigned int v) { return fmt::format("{:X}", v); }))
 #endif
 #ifdef BENCH_POCO
-        .By("Poco", onNext(bits, [](unsigned int v) { return Poco::NumberFormatter::formatHex(v); }))
+        .Add("Poco", onNext(bits, [](unsigned int v) { return Poco::NumberFormatter::formatHex(v); }))
 #endif
 #ifdef BENCH_QT
-        .By("QString", onNext(bits, [](unsigned int v) { return QString::number(v, 16).toUpper(); }))
+        .Add("QString", onNext(bits, [](unsigned int v) { return QString::number(v, 16).toUpper(); }))
 #endif
         ;
-    Contest("number_int64")
-        .By("ours", onNext(kWideInts, [](long long v) { return String::Number(v); }))
-        .By("snprintf", printed(kWideInts, "%lld"))
+    Comparison("number_int64")
+        .Add("ours", onNext(kWideInts, [](long long v) { return String::Number(v); }))
+        .Add("snprintf", printed(kWideInts, "%lld"))
 #ifdef BENCH_FMT
-        .By("fmt", onNext(kWideInts, [](long long v) { return fmt::format("{}", v); }))
+        .Add("fmt", onNext(kWideInts, [](long long v) { return fmt::format("{}", v); }))
 #endif
 #ifdef BENCH_QT
-        .By("QString", onNext(kWideInts, [](long long v) { return QString::number(v); }))
+        .Add("QString", onNext(kWideInts, [](long long v) { return QString::number(v); }))
 #endif
         ;
 }
 
 void enterDoubles() {
-    Contest("number_double")
-        .By("ours", onNext(kDoubles, [](double v) { return String::Number(v); }))
-        .By("snprintf", printed(kDoubles, "%f"))
-        .By("charconv", byCharconv(kDoubles, std::chars_format::fixed, 6))
+    Comparison("number_double")
+        .Add("ours", onNext(kDoubles, [](double v) { return String::Number(v); }))
+        .Add("snprintf", printed(kDoubles, "%f"))
+        .Add("charconv", withCharconv(kDoubles, std::chars_format::fixed, 6))
 #ifdef BENCH_QT
-        .By("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'f', 6); }))
+        .Add("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'f', 6); }))
 #endif
         ;
-    Contest("number_double_p2")
-        .By("ours", onNext(kDoubles, [](double v) { return String::Number(v, 2); }))
-        .By("snprintf", printed(kDoubles, "%.2f"))
-        .By("charconv", byCharconv(kDoubles, std::chars_format::fixed, 2))
+    Comparison("number_double_p2")
+        .Add("ours", onNext(kDoubles, [](double v) { return String::Number(v, 2); }))
+        .Add("snprintf", printed(kDoubles, "%.2f"))
+        .Add("charconv", withCharconv(kDoubles, std::chars_format::fixed, 2))
 #ifdef BENCH_QT
-        .By("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'f', 2); }))
+        .Add("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'f', 2); }))
 #endif
         ;
-    Contest("number_double_e")
-        .By("ours", onNext(kDoubles, [](double v) { return String::Number(v, 4, 'e'); }))
-        .By("snprintf", printed(kDoubles, "%.4e"))
-        .By("charconv", byCharconv(kDoubles, std::chars_format::scientific, 4))
+    Comparison("number_double_e")
+        .Add("ours", onNext(kDoubles, [](double v) { return String::Number(v, 4, 'e'); }))
+        .Add("snprintf", printed(kDoubles, "%.4e"))
+        .Add("charconv", withCharconv(kDoubles, std::chars_format::scientific, 4))
 #ifdef BENCH_QT
-        .By("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'e', 4); }))
+        .Add("QString", onNext(kDoubles, [](double v) { return QString::number(v, 'e', 4); }))
 #endif
         ;
 }
@@ -135,17 +135,17 @@ std::array<Text, 8> as(const std::array<std::string, 8>& texts) {
 
 void enterIntegerParsing(const char* job, const std::array<std::string, 8>& texts, unsigned int base) {
     const int intBase = static_cast<int>(base);
-    Contest(job)
-        .By("ours", onNext(as<String>(texts), [base](const String& s) { return s.ToInt(nullptr, base); }))
-        .By("strtol", onNext(texts,
-                             [intBase](const std::string& s) {
-                                 char* end = nullptr;
-                                 return static_cast<int>(std::strtol(s.c_str(), &end, intBase));
-                             }))
-        .By("charconv", parsedByCharconv<int>(texts, intBase))
+    Comparison(job)
+        .Add("ours", onNext(as<String>(texts), [base](const String& s) { return s.ToInt(nullptr, base); }))
+        .Add("strtol", onNext(texts,
+                              [intBase](const std::string& s) {
+                                  char* end = nullptr;
+                                  return static_cast<int>(std::strtol(s.c_str(), &end, intBase));
+                              }))
+        .Add("charconv", parsedByCharconv<int>(texts, intBase))
 #ifdef BENCH_QT
-        .By("QString",
-            onNext(as<QString>(texts), [intBase](const QString& s) { return s.toInt(nullptr, intBase); }))
+        .Add("QString",
+             onNext(as<QString>(texts), [intBase](const QString& s) { return s.toInt(nullptr, intBase); }))
 #endif
         ;
 }
@@ -155,13 +155,13 @@ void enterParsing() {
     enterIntegerParsing("to_int_hex", {"0", "2A", "1f", "FFFF", "7FFFFFFF", "abcdef", "10", "1234567"}, 16);
     const std::array<std::string, 8> texts = {"0.5", "44100", "-3.25",  "0.000125",
                                               "1e3", "99.99", "-0.707", "123456.789"};
-    Contest("to_double")
-        .By("ours", onNext(as<String>(texts), [](const String& s) { return s.ToDouble(); }))
-        .By("strtod", onNext(texts, [](const std::string& s) { return std::strtod(s.c_str(), nullptr); }))
-        .By("charconv", parsedByCharconv<double>(texts))
+    Comparison("to_double")
+        .Add("ours", onNext(as<String>(texts), [](const String& s) { return s.ToDouble(); }))
+        .Add("strtod", onNext(texts, [](const std::string& s) { return std::strtod(s.c_str(), nullptr); }))
+        .Add("charconv", parsedByCharconv<double>(texts))
 #ifdef BENCH_QT
-        .By("QByteArray", onNext(as<QByteArray>(texts), [](const QByteArray& s) { return s.toDouble(); }))
-        .By("QString", onNext(as<QString>(texts), [](const QString& s) { return s.toDouble(); }))
+        .Add("QByteArray", onNext(as<QByteArray>(texts), [](const QByteArray& s) { return s.toDouble(); }))
+        .Add("QString", onNext(as<QString>(texts), [](const QString& s) { return s.toDouble(); }))
 #endif
         ;
 }
@@ -176,62 +176,62 @@ std::string replaced(std::string text, const std::string& argument) {
 }
 
 void enterArguments() {
-    Contest("arg_int")
-        .By("ours", [t = String(kOneValue), v = 4096]() mutable { return Opaque(t).Arg(Opaque(v)); })
-        .By("replace", [t = std::string(kOneValue),
-                        v = 4096]() mutable { return replaced(Opaque(t), std::to_string(Opaque(v))); })
+    Comparison("arg_int")
+        .Add("ours", [t = String(kOneValue), v = 4096]() mutable { return Opaque(t).Arg(Opaque(v)); })
+        .Add("replace", [t = std::string(kOneValue),
+                         v = 4096]() mutable { return replaced(Opaque(t), std::to_string(Opaque(v))); })
 #ifdef BENCH_FMT
-        .By("fmt",
-            [v = 4096]() mutable { return fmt::format("Attempt to seek to {} when not open", Opaque(v)); })
+        .Add("fmt",
+             [v = 4096]() mutable { return fmt::format("Attempt to seek to {} when not open", Opaque(v)); })
 #endif
 #ifdef BENCH_QT
-        .By("QString", [t = QString(kOneValue), v = 4096]() mutable { return Opaque(t).arg(Opaque(v)); })
+        .Add("QString", [t = QString(kOneValue), v = 4096]() mutable { return Opaque(t).arg(Opaque(v)); })
 #endif
         ;
-    Contest("arg_3_ints")
-        .By("ours", [t = String(kThreeValues),
-                     v = 4096]() mutable { return Opaque(t).Arg(Opaque(v)).Arg(Opaque(v)).Arg(Opaque(v)); })
-        .By("printf",
-            [v = 4096]() mutable {
-                char text[128];
-                const int n =
-                    std::snprintf(text, sizeof text, "Can't extract %d bytes at position %d, total size %d",
-                                  Opaque(v), Opaque(v), Opaque(v));
-                return std::string(text, static_cast<std::size_t>(n));
-            })
+    Comparison("arg_3_ints")
+        .Add("ours", [t = String(kThreeValues),
+                      v = 4096]() mutable { return Opaque(t).Arg(Opaque(v)).Arg(Opaque(v)).Arg(Opaque(v)); })
+        .Add("printf",
+             [v = 4096]() mutable {
+                 char text[128];
+                 const int n =
+                     std::snprintf(text, sizeof text, "Can't extract %d bytes at position %d, total size %d",
+                                   Opaque(v), Opaque(v), Opaque(v));
+                 return std::string(text, static_cast<std::size_t>(n));
+             })
 #ifdef BENCH_FMT
-        .By("fmt",
-            [v = 4096]() mutable {
-                return fmt::format("Can't extract {} bytes at position {}, total size {}", Opaque(v),
-                                   Opaque(v), Opaque(v));
-            })
+        .Add("fmt",
+             [v = 4096]() mutable {
+                 return fmt::format("Can't extract {} bytes at position {}, total size {}", Opaque(v),
+                                    Opaque(v), Opaque(v));
+             })
 #endif
 #ifdef BENCH_QT
-        .By("QString",
-            [t = QString(kThreeValues), v = 4096]() mutable {
-                return Opaque(t).arg(Opaque(v)).arg(Opaque(v)).arg(Opaque(v));
-            })
+        .Add("QString",
+             [t = QString(kThreeValues), v = 4096]() mutable {
+                 return Opaque(t).arg(Opaque(v)).arg(Opaque(v)).arg(Opaque(v));
+             })
 #endif
         ;
-    Contest("arg_text")
-        .By("ours",
-            [t = String(kOneText), a = String("Fusewright")]() mutable { return Opaque(t).Arg(Opaque(a)); })
-        .By("replace", [t = std::string(kOneText),
-                        a = std::string("Fusewright")]() mutable { return replaced(Opaque(t), Opaque(a)); })
+    Comparison("arg_text")
+        .Add("ours",
+             [t = String(kOneText), a = String("Fusewright")]() mutable { return Opaque(t).Arg(Opaque(a)); })
+        .Add("replace", [t = std::string(kOneText),
+                         a = std::string("Fusewright")]() mutable { return replaced(Opaque(t), Opaque(a)); })
 #ifdef BENCH_FMT
-        .By("fmt",
-            [a = std::string("Fusewright")]() mutable {
-                return fmt::format("InstalledProducts/{}/CurrentVersion", Opaque(a));
-            })
+        .Add("fmt",
+             [a = std::string("Fusewright")]() mutable {
+                 return fmt::format("InstalledProducts/{}/CurrentVersion", Opaque(a));
+             })
 #endif
 #ifdef BENCH_QT
-        .By("QString",
-            [t = QString(kOneText), a = QString("Fusewright")]() mutable { return Opaque(t).arg(Opaque(a)); })
+        .Add("QString", [t = QString(kOneText),
+                         a = QString("Fusewright")]() mutable { return Opaque(t).arg(Opaque(a)); })
 #endif
         ;
 }
 
-[[maybe_unused]] const bool kEntered =
+[[maybe_unused]] const bool kRegistered =
     (enterIntegers(), enterDoubles(), enterParsing(), enterArguments(), true);
 
 } // namespace

@@ -13,9 +13,9 @@
 
 namespace {
 
-using contest::AllTexts;
-using contest::Contest;
-using contest::Opaque;
+using comparison::AllTexts;
+using comparison::Comparison;
+using comparison::Opaque;
 
 constexpr std::array<const char*, 8> kShortTexts = {"Fusewright", "take 01.wav", "Icon.icns", "readme.txt",
                                                     "plug-in id", "en-GB.lproj", "Resources", "1.73.0.2114"};
@@ -40,56 +40,56 @@ auto inTurn(const std::array<const char*, 8>& texts, Make make) {
 }
 
 void enterNew(const char* job, const std::array<const char*, 8>& texts) {
-    Contest(job)
-        .ByEach(
+    Comparison(job)
+        .AddEach(
             AllTexts(),
             [&texts](auto empty) { return inTurn(texts, [](const char* s) { return decltype(empty)(s); }); })
-        .By("make_shared", inTurn(texts, [](const char* s) { return std::make_shared<std::string>(s); }));
+        .Add("make_shared", inTurn(texts, [](const char* s) { return std::make_shared<std::string>(s); }));
 }
 
 void enterCopies() {
-    Contest("copy")
-        .ByEach(AllTexts(),
-                [](auto empty) {
-                    using Text = decltype(empty);
-                    return [source = Text(kFolderText)]() mutable { return Text(Opaque(source)); };
-                })
-        .By("shared_ptr", [source = std::make_shared<std::string>(kFolderText)]() mutable {
+    Comparison("copy")
+        .AddEach(AllTexts(),
+                 [](auto empty) {
+                     using Text = decltype(empty);
+                     return [source = Text(kFolderText)]() mutable { return Text(Opaque(source)); };
+                 })
+        .Add("shared_ptr", [source = std::make_shared<std::string>(kFolderText)]() mutable {
             return std::shared_ptr<std::string>(Opaque(source));
         });
     const auto copyList = [](auto item) {
         using List = std::vector<decltype(item)>;
         return [list = List(1024, item)]() mutable { return List(Opaque(list)); };
     };
-    Contest("copy_vector_1024")
-        .ByEach(AllTexts(), [copyList](auto empty) { return copyList(decltype(empty)(kFolderText)); })
-        .By("shared_ptr", copyList(std::make_shared<std::string>(kFolderText)));
+    Comparison("copy_vector_1024")
+        .AddEach(AllTexts(), [copyList](auto empty) { return copyList(decltype(empty)(kFolderText)); })
+        .Add("shared_ptr", copyList(std::make_shared<std::string>(kFolderText)));
 }
 
 void enterAppends() {
-    Contest("append_char_x1000").ByEach(AllTexts(), [](auto empty) {
+    Comparison("append_char_x1000").AddEach(AllTexts(), [](auto empty) {
         return [empty] {
             auto text = empty;
             for (int i = 0; i < 1000; ++i) text += static_cast<char>('a' + i % 16);
             return text;
         };
     });
-    Contest("append_text_x100").ByEach(AllTexts(), [](auto empty) {
+    Comparison("append_text_x100").AddEach(AllTexts(), [](auto empty) {
         return [empty, piece = decltype(empty)("twelve bytes")]() mutable {
             auto text = empty;
             for (int i = 0; i < 100; ++i) text += Opaque(piece);
             return text;
         };
     });
-    Contest job("concat_3");
-    job.ByEach(AllTexts(), [](auto empty) {
+    Comparison job("concat_3");
+    job.AddEach(AllTexts(), [](auto empty) {
         using Text = decltype(empty);
         return [folder = Text(kFolderText), file = Text(kFileText)]() mutable {
             return Text(Opaque(folder) + "/" + Opaque(file));
         };
     });
 #ifdef BENCH_QT
-    job.By("QStringBuilder", [folder = QString(kFolderText), file = QString(kFileText)]() mutable {
+    job.Add("QStringBuilder", [folder = QString(kFolderText), file = QString(kFileText)]() mutable {
         return QString(Opaque(folder) % QLatin1Char('/') % Opaque(file));
     });
 #endif
@@ -104,8 +104,8 @@ void enterComparisons() {
             };
         };
     };
-    Contest("equal").ByEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a == b; }));
-    Contest("less").ByEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a < b; }));
+    Comparison("equal").AddEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a == b; }));
+    Comparison("less").AddEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a < b; }));
 }
 
 /// 100,000 texts: names that differ at their end, or letters that differ at once.
@@ -121,8 +121,8 @@ std::vector<std::string> manyTexts(bool names) {
 
 void enterSorting(const char* job, bool names) {
     const std::vector<std::string> texts = manyTexts(names);
-    Contest(job, 1e6) // so that the table tells milliseconds
-        .ByEach(AllTexts(), [&texts](auto empty) {
+    Comparison(job, 1e6) // so that the table tells milliseconds
+        .AddEach(AllTexts(), [&texts](auto empty) {
             std::vector<decltype(empty)> list;
             for (const std::string& text : texts) list.push_back(decltype(empty)(text.c_str()));
             return [list] {
@@ -134,7 +134,7 @@ void enterSorting(const char* job, bool names) {
 }
 
 void enterAll() {
-    Contest("default_x16").ByEach(AllTexts(), [](auto empty) {
+    Comparison("default_x16").AddEach(AllTexts(), [](auto empty) {
         return [] { return std::array<decltype(empty), 16>(); };
     });
     enterNew("new_short", kShortTexts);
@@ -146,6 +146,6 @@ void enterAll() {
     enterSorting("sort_100k_free", false);
 }
 
-[[maybe_unused]] const bool kEntered = (enterAll(), true);
+[[maybe_unused]] const bool kRegistered = (enterAll(), true);
 
 } // namespace

@@ -77,12 +77,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const std::size_t place = placeOfFinderInfo(bytes);
     FinderInfo info{};
-    const int answer = macplatform::ReadSidecar(sidecar.path, info);
-    Require(answer == (place != 0 ? 0 : EBADMSG), "read exactly when the information is inside");
+    const int result = macplatform::ReadSidecar(sidecar.path, info);
+    Require(result == (place != 0 ? 0 : EBADMSG), "read exactly when the information is inside");
     if (place != 0) RequireEqual({info.begin(), info.end()}, bytes.substr(place, 32), "the 32 bytes");
 
     for (std::uint8_t& byte : info) byte = static_cast<std::uint8_t>(byte + 1);
-    Require(macplatform::WriteSidecar(sidecar.path, info) == answer, "written exactly when it can be read");
+    Require(macplatform::WriteSidecar(sidecar.path, info) == result, "written exactly when it can be read");
     if (place != 0) bytes.replace(place, 32, std::string(info.begin(), info.end()));
     RequireEqual(sidecar.Content(), bytes, "nothing else of it changes");
     return 0;

@@ -108,7 +108,7 @@ private:
         case 0:
             return EditInPlace();
         case 1:
-            return TakeCopy();
+            return ReplaceByCopy();
         case 2:
             return Search();
         default:
@@ -168,7 +168,7 @@ private:
         bytes = expected;
     }
 
-    void TakeCopy() {
+    void ReplaceByCopy() {
         const unsigned int place = Place();
         switch (input.ConsumeIntegralInRange<int>(0, 8)) {
         case 0:

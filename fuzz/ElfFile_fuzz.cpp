@@ -13,9 +13,9 @@
 namespace {
 
 std::string summaryOf(const xcodhost::ElfFile& file) {
-    std::string told = file.architecture + '\n';
-    for (const std::string& name : file.exports) told += name + '\n';
-    return told;
+    std::string summary = file.architecture + '\n';
+    for (const std::string& name : file.exports) summary += name + '\n';
+    return summary;
 }
 
 template <typename T>

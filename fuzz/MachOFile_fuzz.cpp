@@ -18,12 +18,12 @@ bool isSound(const xcodhost::MachOFile& file) {
 }
 
 std::string summaryOf(const xcodhost::MachOFile& file) {
-    std::string told = file.problem + '\n';
+    std::string summary = file.problem + '\n';
     for (const xcodhost::MachOImage& image : file.images) {
-        told += image.architecture + ' ' + image.problem + '\n';
-        for (const std::string& name : image.exports) told += name + '\n';
+        summary += image.architecture + ' ' + image.problem + '\n';
+        for (const std::string& name : image.exports) summary += name + '\n';
     }
-    return told;
+    return summary;
 }
 
 /// A file for one processor, in either order of bytes, of a symbol table and its names.

@@ -58,7 +58,7 @@ void watch() {
     static const bool made = mkdtemp(gFolder.data()) && macplatform::SetStartupVolume(gFolder);
     Require(made, "there is a place for the volume");
     std::atexit([] { rmdir(gFolder.c_str()); });
-    macplatform::SetJournalObserver([](const macplatform::JournalEntry& entry) {
+    macplatform::SetCallObserver([](const macplatform::RecordedCall& entry) {
         if (entry.call == "CFPreferencesSetValue") {
             gSeen += entry.arguments.at(2) + ' ' + entry.arguments.at(0) + ' ' + entry.arguments.at(1) + '\n';
         }
@@ -76,10 +76,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string before = block;
     gSeen.clear();
     gShowedAlert = false;
-    for (int i = 0; i < 3; ++i) macplatform::OrderFault({"CFPreferencesSynchronize"});
+    for (int i = 0; i < 3; ++i) macplatform::InjectFault({"CFPreferencesSynchronize"});
 
     XCodMain(reinterpret_cast<XCodParamBlock*>(block.data()));
-    macplatform::CancelFaults();
+    macplatform::CancelInjectedFaults();
 
     std::string expected = before;
     if (field<std::int16_t>(before, 0) != 1000) expected[8] = static_cast<char>(expected[8] | 1);

@@ -85,26 +85,26 @@ std::string folderOf(const std::string& text) {
 void checkOne(const std::string& text) {
     const FilePath file(TextOf(text), false);
     const FolderPath folder(TextOf(text), false);
-    const std::string inside = BytesOf(file.GetInternal());
+    const std::string internal = BytesOf(file.GetInternal());
     if (file.IsEmpty()) {
         Require(folder.IsEmpty(), "blank is blank for both");
         return;
     }
     if (!text.empty() && (text[0] == '/' || text[0] == '\\'))
-        RequireEqual(inside, text, "an absolute path is kept");
-    Require(inside.size() >= text.size() || text[0] == '~', "making a path absolute drops nothing");
+        RequireEqual(internal, text, "an absolute path is kept");
+    Require(internal.size() >= text.size() || text[0] == '~', "making a path absolute drops nothing");
 
-    const std::string clean = canonicalOf(inside);
+    const std::string clean = canonicalOf(internal);
     RequireEqual(BytesOf(file.ToString()), clean.substr(0, clean.size() - 1), "the clean form of a file");
     RequireEqual(BytesOf(folder.ToString()), canonicalOf(BytesOf(folder.GetInternal())),
                  "the clean form of a folder");
 
-    const std::string name = lastName(inside);
+    const std::string name = lastName(internal);
     const std::size_t dot = name.rfind('.');
     RequireEqual(BytesOf(file.GetFilename()), name, "the last name");
     RequireEqual(BytesOf(file.GetExtension()), dot == name.npos ? "" : name.substr(dot + 1), "the extension");
     RequireEqual(BytesOf(file.GetBaseName()), name.substr(0, dot), "the base name");
-    const FolderPath expectedFolder(TextOf(folderOf(inside)), false);
+    const FolderPath expectedFolder(TextOf(folderOf(internal)), false);
     RequireEqual(BytesOf(file.GetFolder().GetInternal()), BytesOf(expectedFolder.GetInternal()),
                  "its folder");
 

@@ -12,14 +12,14 @@
 #include <memory>
 #include <vector>
 
-using macplatform::BinaryFormOf;
 using macplatform::FormatOf;
-using macplatform::ParseBinaryForm;
+using macplatform::ParseBinaryPlist;
 using macplatform::ParsePropertyList;
 using macplatform::PropertyListFormat;
 using macplatform::PropertyValue;
+using macplatform::ToBinaryPlist;
+using macplatform::ToXmlPlist;
 using macplatform::ValueOf;
-using macplatform::XmlFormOf;
 
 namespace {
 
@@ -65,7 +65,7 @@ std::string elementName(const PropertyValue& value) {
 void appendOutline(const PropertyValue& value, std::string& outline) {
     const std::string name = elementName(value);
     outline += '<' + name + '>';
-    if (value.kind == PropertyValue::Kind::kText) outline += value.text;
+    if (value.kind == PropertyValue::Kind::kString) outline += value.text;
     for (const PropertyValue& item : value.items) appendOutline(item, outline);
     for (std::size_t i = 0; i < value.keys.size(); ++i) {
         outline += "<key>" + value.keys[i] + "</key>";
@@ -90,9 +90,9 @@ bool holdsDate(const PropertyValue& value) {
 }
 
 /// The list with one key more, which binary lists take whatever else they hold.
-void checkEdit(const std::string& list, PropertyValue root) {
+void checkEdit(const std::string& plist, PropertyValue root) {
     if (root.kind != PropertyValue::Kind::kDictionary || root.Find("added")) return;
-    const auto edited = macplatform::EditBinaryList(list, {{"added", macplatform::BooleanObject(true)}});
+    const auto edited = macplatform::EditBinaryPlist(plist, {{"added", macplatform::BooleanObject(true)}});
     if (!edited) return; // who edits such a list leaves the file as it is
     std::string error;
     const auto again = ParsePropertyList(*edited, error);
@@ -104,7 +104,7 @@ void checkEdit(const std::string& list, PropertyValue root) {
     root.keys.push_back("added");
     root.values.push_back(value);
     Require(ValueOf(again.get()) == root, "and has the key, and all that was there");
-    const auto back = macplatform::EditBinaryList(*edited, {{"added", std::nullopt}});
+    const auto back = macplatform::EditBinaryPlist(*edited, {{"added", std::nullopt}});
     Require(back.has_value() && ParsePropertyList(*back, error) != nullptr, "the key goes away again");
 }
 
@@ -113,19 +113,19 @@ void checkEdit(const std::string& list, PropertyValue root) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(Bytes(data, size));
     std::string error;
-    const std::string list = BinaryFormOf(bytes, error);
-    Require(list.empty() == !error.empty(), "no list has a reason");
-    const auto tree = list.empty() ? nullptr : ParseBinaryForm(list, error);
+    const std::string plist = ToBinaryPlist(bytes, error);
+    Require(plist.empty() == !error.empty(), "no list has a reason");
+    const auto tree = plist.empty() ? nullptr : ParseBinaryPlist(plist, error);
     Require((tree == nullptr) == !error.empty(), "no list has a reason");
     if (!tree) return 0;
     const PropertyValue root = ValueOf(tree.get());
-    checkEdit(list, root);
+    checkEdit(plist, root);
     if (FormatOf(bytes) == PropertyListFormat::kBinary) return 0;
     checkXml(bytes, root);
     if (bytes.find("&#") != bytes.npos || holdsDate(root))
         return 0; // who rewrites such a list compares, and leaves the file as it is
 
-    const auto again = ParsePropertyList(XmlFormOf(list), error);
+    const auto again = ParsePropertyList(ToXmlPlist(plist), error);
     Require(again != nullptr, "its form can be written and read");
     Require(ValueOf(again.get()) == root, "and is the same list");
     return 0;

@@ -27,10 +27,10 @@ public:
         std::string out(bytes.size() * 4 + 8, '\0');
         char* from = bytes.data();
         char* to = out.data();
-        std::size_t left = bytes.size(), room = out.size();
-        iconv(state, &from, &left, &to, &room);
+        std::size_t left = bytes.size(), space = out.size();
+        iconv(state, &from, &left, &to, &space);
         rest.assign(from, left);
-        out.resize(out.size() - room);
+        out.resize(out.size() - space);
         return out;
     }
 

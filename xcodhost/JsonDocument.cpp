@@ -17,29 +17,29 @@ std::string ErrorDocument(ExitStatus status, const std::string& message) {
 }
 
 Json ValueJson(const PropertyValue& value) {
-    Json plain;
+    Json content;
     switch (value.kind) {
     case PropertyValue::Kind::kBoolean:
-        plain = value.integer != 0;
+        content = value.integer != 0;
         break;
     case PropertyValue::Kind::kInteger:
-        plain = value.integer;
+        content = value.integer;
         break;
     case PropertyValue::Kind::kArray:
-        plain = Json::array();
-        for (const PropertyValue& item : value.items) plain.push_back(ValueJson(item));
+        content = Json::array();
+        for (const PropertyValue& item : value.items) content.push_back(ValueJson(item));
         break;
     case PropertyValue::Kind::kDictionary:
-        plain = Json::object();
+        content = Json::object();
         for (std::size_t i = 0; i < value.keys.size(); ++i) {
             // Appended: looking for each key first, as operator[] does, takes quadratic time.
-            plain.get_ref<Json::object_t&>().emplace_back(value.keys[i], ValueJson(value.values[i]));
+            content.get_ref<Json::object_t&>().emplace_back(value.keys[i], ValueJson(value.values[i]));
         }
         break;
     default:
-        plain = value.text;
+        content = value.text;
     }
-    return {{"type", value.KindName()}, {"value", std::move(plain)}};
+    return {{"type", value.KindName()}, {"value", std::move(content)}};
 }
 
 Json FlagJson(const FinderFlagName& flag) {

@@ -72,5 +72,5 @@ int main(int argc, char** argv) {
         return guarded(isJson,
                        [&] { return static_cast<int>(std::visit(Execute(), ParseCommandLine(argc, argv))); });
     };
-    return mayRunBundles(argc, argv) ? guarded(isJson, [&] { return RunInWorker(work); }) : work();
+    return mayRunBundles(argc, argv) ? guarded(isJson, [&] { return RunInSupervisor(work); }) : work();
 }

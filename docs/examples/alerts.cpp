@@ -17,7 +17,7 @@ static const char* askToKeep(const String& name) {
 int main() {
     // On Linux this function returns the index of a button. Any other number means "not shown".
     int answer = 0;
-    macplatform::SetAlertPresenter([&answer](const macplatform::Alert& alert) {
+    macplatform::SetAlertResponder([&answer](const macplatform::Alert& alert) {
         std::printf("%s", alert.message.c_str());
         for (const std::string& button : alert.buttons) std::printf(" [%s]", button.c_str());
         return answer;

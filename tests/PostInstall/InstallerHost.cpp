@@ -32,7 +32,7 @@ LoadedPlugIn load(const CFUUIDBytes& typeBytes) {
 }
 
 /// One line for a call that changes something or opens a file; empty for any other.
-std::string effectOf(const macplatform::JournalEntry& entry) {
+std::string effectOf(const macplatform::RecordedCall& entry) {
     const auto& a = entry.arguments;
     if (entry.call == "CFPreferencesSetValue") {
         return "set " + a.at(2) + " " + a.at(0) + " = " + a.at(1) + ", " + a.at(3) + ", " + a.at(4);
@@ -56,12 +56,12 @@ InstallerHost::InstallerHost() {
     XCodInstance* const instance = NewInstance(); // what loading the bundle leaves behind is no leak
     instance->functionBlock->Release(instance);
     if (!macplatform::SetStartupVolume(volume.Path().string())) throw std::runtime_error("no startup volume");
-    macplatform::SetJournalObserver([this](const macplatform::JournalEntry& entry) {
+    macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) {
         calls.push_back(entry.call);
         const std::string effect = effectOf(entry);
         if (!effect.empty()) effects.push_back(effect);
     });
-    macplatform::SetAlertPresenter([this](const macplatform::Alert& alert) {
+    macplatform::SetAlertResponder([this](const macplatform::Alert& alert) {
         const bool isStop = alert.kind == macplatform::Alert::Kind::kStop;
         effects.push_back(isStop ? "stop " + std::to_string(alert.resource) : "alert " + alert.message);
         return isStop ? -1 : 0;
@@ -72,9 +72,9 @@ InstallerHost::InstallerHost() {
 InstallerHost::~InstallerHost() {
     EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore)
         << testing::PrintToString(macplatform::DescribeLiveObjects());
-    EXPECT_EQ(macplatform::CancelFaults(), 0U);
-    macplatform::SetAlertPresenter({});
-    macplatform::SetJournalObserver({});
+    EXPECT_EQ(macplatform::CancelInjectedFaults(), 0U);
+    macplatform::SetAlertResponder({});
+    macplatform::SetCallObserver({});
     macplatform::SetStartupVolume("");
 }
 

@@ -107,7 +107,7 @@ TEST_F(PostInstallStep, MissingStatusFileMeansTheDefault) {
 
 TEST_F(PostInstallStep, UnopenedStatusFileIsNotedBeforeTheDefault) {
     WriteStatus("disabled");
-    macplatform::OrderFault({"fopen", EACCES});
+    macplatform::InjectFault({"fopen", EACCES});
     EXPECT_EQ(Deliver({3}), 0U);
     const Texts expected = {
         "fopen \"/Library/Application Support/Korvane/Updater/install_status.txt\"",
@@ -160,18 +160,18 @@ TEST_F(PostInstallStep, StatusFileMayShrinkWhileItIsRead) {
         WriteStatus(text);
         fs::remove_all(OnVolume("/Library/Preferences"));
         const TracedEnd end = RunTraced(stop, deliver, shrink);
-        const Texts told = Preferences(kUpdater);
-        const bool isNoted =
-            told.size() == 2 && told[0].find("bytes, only read") != std::string::npos && told[1] == kEnabled;
-        const bool isRead = told == Texts{kEnabled} || told == Texts{kDisabled};
+        const Texts stored = Preferences(kUpdater);
+        const bool isNoted = stored.size() == 2 && stored[0].find("bytes, only read") != std::string::npos &&
+                             stored[1] == kEnabled;
+        const bool isRead = stored == Texts{kEnabled} || stored == Texts{kDisabled};
         if (end.status != 0 || (!isNoted && !isRead)) ++lost;
         noted += isNoted ? 1 : 0;
         goesOn =
-            end.isReached && (noted == 0 || told != Texts{kEnabled}); // until it was read before it was cut
+            end.isReached && (noted == 0 || stored != Texts{kEnabled}); // until it was read before it was cut
     }
     EXPECT_EQ(lost, 0U);
     EXPECT_GT(noted, 0U);
-    Tried("status file cut at a system call of its reader", stop, lost);
+    TallyFault("status file cut at a system call of its reader", stop, lost);
 }
 
 /// The file gets its new size right after the step has taken its size for the first time.
@@ -226,7 +226,7 @@ TEST_F(PostInstallStep, MissingOrRefusingItemsAreSkipped) {
          {"FSSetCatalogInfo", "FSGetCatalogInfo", "CFURLGetFSRef", "CFURLCreateWithFileSystemPath"}) {
         MakeItem(kFolder, true, 0x4000);
         MakeItem(kIcon, false, 0x0400);
-        macplatform::OrderFault({call, permErr}); // for the folder, whose refusal must not stop the icon
+        macplatform::InjectFault({call, permErr}); // for the folder, whose refusal must not stop the icon
         EXPECT_EQ(Deliver({3, 1234}), 0U) << call;
         EXPECT_EQ(Flags(kFolder), 0x4000) << call;
         EXPECT_EQ(Flags(kIcon), 0x4000) << call;

@@ -4,7 +4,7 @@
 #include <vector>
 
 /// A binary list from its objects, with one-byte offsets and references; the first object is the root.
-inline std::string BinaryList(const std::vector<std::string>& objects) {
+inline std::string BinaryPlist(const std::vector<std::string>& objects) {
     std::string bytes = "bplist00", table;
     for (const std::string& object : objects) {
         table += static_cast<char>(bytes.size());

@@ -7,10 +7,10 @@
 #include <vector>
 
 /// While one lives, notes the platform's calls as "CALL(ARGUMENT, ARGUMENT) = RESULT".
-class ToldCalls {
+class CallRecorder {
 public:
-    ToldCalls() {
-        macplatform::SetJournalObserver([this](const macplatform::JournalEntry& entry) {
+    CallRecorder() {
+        macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) {
             std::string arguments;
             for (const auto& argument : entry.arguments)
                 arguments += (arguments.empty() ? "" : ", ") + argument;
@@ -18,9 +18,9 @@ public:
             errno = 0; // what an observer does must not show
         });
     }
-    ToldCalls(const ToldCalls&) = delete;
-    ToldCalls& operator=(const ToldCalls&) = delete;
-    ~ToldCalls() { macplatform::SetJournalObserver({}); }
+    CallRecorder(const CallRecorder&) = delete;
+    CallRecorder& operator=(const CallRecorder&) = delete;
+    ~CallRecorder() { macplatform::SetCallObserver({}); }
 
     std::vector<std::string> lines;
 };

@@ -12,12 +12,12 @@ class CommaLocale {
 public:
     CommaLocale() {
         for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "es_ES.UTF-8", "ru_RU.UTF-8"}) {
-            if (Enter(name)) return;
+            if (Set(name)) return;
         }
         const std::string make = "localedef -c -i de_DE -f UTF-8 " + (made / "de_DE.UTF-8").string();
         if (std::system((make + " >/dev/null 2>&1").c_str()) == -1) return;
         setenv("LOCPATH", made.Path().c_str(), 1);
-        Enter("de_DE.UTF-8");
+        Set("de_DE.UTF-8");
     }
     CommaLocale(const CommaLocale&) = delete;
     CommaLocale& operator=(const CommaLocale&) = delete;
@@ -27,14 +27,13 @@ public:
     }
 
     /// False when there is none, and none can be made.
-    bool IsEntered() const { return isEntered; }
+    bool IsSet() const { return isSet; }
 
 private:
-    bool Enter(const char* name) {
-        return isEntered =
-                   std::setlocale(LC_ALL, name) && std::string(std::localeconv()->decimal_point) == ",";
+    bool Set(const char* name) {
+        return isSet = std::setlocale(LC_ALL, name) && std::string(std::localeconv()->decimal_point) == ",";
     }
 
     TemporaryFolder made;
-    bool isEntered = false;
+    bool isSet = false;
 };

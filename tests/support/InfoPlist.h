@@ -6,8 +6,8 @@ constexpr const char* kPluginType = "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8";
 constexpr const char* kPluginFactory = "A0A0A0A0-0000-4000-8000-000000000001";
 
 /// The property list of a plug-in whose factory is the function `factory`.
-inline std::string InfoList(const std::string& factory, const std::string& type = kPluginType,
-                            const std::string& executable = "Test") {
+inline std::string InfoPlist(const std::string& factory, const std::string& type = kPluginType,
+                             const std::string& executable = "Test") {
     const auto tag = [](const std::string& name, const std::string& content) {
         return '<' + name + '>' + content + "</" + name + '>';
     };

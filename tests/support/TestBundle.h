@@ -10,9 +10,10 @@
 /// "plug-in" stands for that code.
 class TestBundle {
 public:
-    explicit TestBundle(const std::string& infoList = InfoList("Make"), const std::string& code = "plug-in") {
+    explicit TestBundle(const std::string& infoPlist = InfoPlist("Make"),
+                        const std::string& code = "plug-in") {
         folder.Write("Test.bundle/keep");
-        if (!infoList.empty()) folder.Write("Test.bundle/Contents/Info.plist", infoList);
+        if (!infoPlist.empty()) folder.Write("Test.bundle/Contents/Info.plist", infoPlist);
         if (code == "plug-in") {
             Link(TEST_PLUGIN, "Test");
         } else if (!code.empty()) {
@@ -35,7 +36,7 @@ private:
 class CorpusBundle : public TestBundle {
 public:
     explicit CorpusBundle(const std::string& fault, const std::string& factory = "MyFactory")
-        : TestBundle(InfoList(factory, kPluginType, fault), "") {
+        : TestBundle(InfoPlist(factory, kPluginType, fault), "") {
         const std::string own = std::string(CORPUS) + '/' + fault;
         Link(std::filesystem::exists(own) ? own : CORPUS "/PlugIn", fault);
     }

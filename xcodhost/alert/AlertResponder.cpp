@@ -40,7 +40,7 @@ std::string question(const macplatform::Alert& alert, const std::vector<std::str
 
 /// The place of the button that a person typed the number or the title of, and 0 for nothing; -1 for anything
 /// else.
-int chosen(const std::string& typed, const std::vector<std::string>& buttons) {
+int buttonTyped(const std::string& typed, const std::vector<std::string>& buttons) {
     if (typed.empty()) return 0;
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         if (typed == buttons[i] || typed == std::to_string(i + 1)) return static_cast<int>(i);
@@ -50,20 +50,20 @@ int chosen(const std::string& typed, const std::vector<std::string>& buttons) {
 
 } // namespace
 
-Answers::Answers(AnswerPolicy answerPolicy, const Interruption& pendingSignals)
+AlertResponder::AlertResponder(AnswerPolicy answerPolicy, const Interruption& pendingSignals)
     : policy(std::move(answerPolicy)), interruption(pendingSignals) {}
 
-Answer Answers::To(const macplatform::Alert& alert) {
+Answer AlertResponder::Respond(const macplatform::Alert& alert) {
     if (policy.kind == AnswerPolicy::Kind::kAsk) return Ask(alert);
     if (policy.kind == AnswerPolicy::Kind::kDesktop) {
         return ShowOnDesktop(policy.programs, messageOf(alert), buttonsOf(alert), interruption);
     }
     if (isStop(alert)) return {-1, "its resource is not here"};
     if (policy.kind == AnswerPolicy::Kind::kFirst) return {0, {}};
-    return TakeTitle(alert);
+    return NextTitle(alert);
 }
 
-Answer Answers::TakeTitle(const macplatform::Alert& alert) {
+Answer AlertResponder::NextTitle(const macplatform::Alert& alert) {
     if (nextTitle == policy.titles.size()) return {-1, "no answer was left for it"};
     const std::string& title = policy.titles[nextTitle++];
     const std::vector<std::string> buttons = buttonsOf(alert);
@@ -72,14 +72,14 @@ Answer Answers::TakeTitle(const macplatform::Alert& alert) {
     return {static_cast<int>(button - buttons.begin()), {}};
 }
 
-Answer Answers::Ask(const macplatform::Alert& alert) {
+Answer AlertResponder::Ask(const macplatform::Alert& alert) {
     const std::vector<std::string> buttons = buttonsOf(alert);
     WriteError(question(alert, buttons));
     std::string line;
     while (true) {
         WriteError("Button [1]: ");
         if (!ReadLine(line)) return {-1, "nobody answered"};
-        const int button = chosen(line, buttons);
+        const int button = buttonTyped(line, buttons);
         if (button >= 0) return {button, {}};
         WriteError("There is no button " + PrintableQuoted(line) + ".\n");
     }
@@ -87,7 +87,7 @@ Answer Answers::Ask(const macplatform::Alert& alert) {
 
 /// False at the end of the input. Waits for the signals too: a question must not outlive Ctrl-C. A person may
 /// take any time; another program that says nothing for ten seconds has nothing to say.
-bool Answers::ReadLine(std::string& line) {
+bool AlertResponder::ReadLine(std::string& line) {
     while (true) {
         const std::size_t end = typedAhead.find('\n');
         if (end != std::string::npos) {

@@ -31,16 +31,16 @@ struct Answer {
     std::string note; ///< Why it was not shown; empty for a person's or the policy's choice.
 };
 
-class Answers {
+class AlertResponder {
 public:
-    Answers(AnswerPolicy answerPolicy, const Interruption& pendingSignals);
+    AlertResponder(AnswerPolicy answerPolicy, const Interruption& pendingSignals);
 
     /// Stop alerts, whose text and buttons lie in a resource that is not here, are shown to a person only.
-    Answer To(const macplatform::Alert& alert);
+    Answer Respond(const macplatform::Alert& alert);
 
 private:
     Answer Ask(const macplatform::Alert& alert);
-    Answer TakeTitle(const macplatform::Alert& alert);
+    Answer NextTitle(const macplatform::Alert& alert);
     bool ReadLine(std::string& line);
 
     AnswerPolicy policy;

@@ -71,7 +71,7 @@ std::string replaced(std::string text, std::string_view from, std::string_view t
 }
 
 /// Takes one line's worth off the front of `rest`, at a space where it has one.
-std::string takeLine(std::string_view& rest) {
+std::string nextLine(std::string_view& rest) {
     if (rest.size() <= kLineWidth) return std::string(std::exchange(rest, {}));
     std::size_t end = rest.rfind(' ', kLineWidth);
     if (end == std::string_view::npos || end == 0) {
@@ -96,7 +96,7 @@ Texts linesOf(const std::string& message) {
                 lines.emplace_back("[...]");
                 return lines;
             }
-            lines.push_back(takeLine(left));
+            lines.push_back(nextLine(left));
         } while (!left.empty());
     }
     return lines;

@@ -25,31 +25,31 @@ constexpr std::uintmax_t kLargestExecutable = std::uintmax_t{512} << 20;
     throw Refusal(ExitStatus::kNotLoaded, Printable(path) + ": " + reason);
 }
 
-PropertyValue readInfoList(const std::string& bundle) {
+PropertyValue readInfoPlist(const std::string& bundle) {
     std::error_code error;
     const std::string path = bundle + "/Contents/Info.plist";
     if (!fs::is_directory(bundle, error)) refuse(bundle, error ? error.message() : "no bundle: not a folder");
     if (!fs::exists(path, error)) refuse(path, "missing, so this is no bundle");
     if (!fs::is_regular_file(path, error)) refuse(path, "not a file");
-    macplatform::PropertyListFile list = macplatform::ReadPropertyList(path);
-    if (!list.error.empty()) refuse(path, list.error);
-    if (list.root.kind != PropertyValue::Kind::kDictionary) refuse(path, "its root is not a dictionary");
-    return std::move(list.root);
+    macplatform::PropertyListFile plist = macplatform::ReadPropertyList(path);
+    if (!plist.error.empty()) refuse(path, plist.error);
+    if (plist.root.kind != PropertyValue::Kind::kDictionary) refuse(path, "its root is not a dictionary");
+    return std::move(plist.root);
 }
 
-const PropertyValue& dictionaryAt(const PropertyValue& list, const std::string& key,
+const PropertyValue& dictionaryAt(const PropertyValue& plist, const std::string& key,
                                   const std::string& bundle) {
-    const PropertyValue* value = list.Find(key);
+    const PropertyValue* value = plist.Find(key);
     if (!value) refuse(bundle, "its property list has no key " + key);
     if (value->kind != PropertyValue::Kind::kDictionary) refuse(bundle, key + " is not a dictionary");
     return *value;
 }
 
-std::vector<BundleFactory> factoriesOf(const PropertyValue& list, const std::string& bundle) {
+std::vector<BundleFactory> factoriesOf(const PropertyValue& plist, const std::string& bundle) {
     std::vector<BundleFactory> factories;
-    const PropertyValue& entries = dictionaryAt(list, "CFPlugInFactories", bundle);
+    const PropertyValue& entries = dictionaryAt(plist, "CFPlugInFactories", bundle);
     for (std::size_t i = 0; i < entries.keys.size(); ++i) {
-        if (entries.values[i].kind != PropertyValue::Kind::kText) {
+        if (entries.values[i].kind != PropertyValue::Kind::kString) {
             refuse(bundle, "CFPlugInFactories has no function name for " + Printable(entries.keys[i]));
         }
         factories.push_back({entries.keys[i], entries.values[i].text});
@@ -57,13 +57,13 @@ std::vector<BundleFactory> factoriesOf(const PropertyValue& list, const std::str
     return factories;
 }
 
-std::vector<BundleType> typesOf(const PropertyValue& list, const std::string& bundle) {
+std::vector<BundleType> typesOf(const PropertyValue& plist, const std::string& bundle) {
     std::vector<BundleType> types;
-    const PropertyValue& entries = dictionaryAt(list, "CFPlugInTypes", bundle);
+    const PropertyValue& entries = dictionaryAt(plist, "CFPlugInTypes", bundle);
     for (std::size_t i = 0; i < entries.keys.size(); ++i) {
         BundleType type{entries.keys[i], {}};
         const PropertyValue& named = entries.values[i];
-        if (named.kind == PropertyValue::Kind::kText) type.factories.push_back(named.text);
+        if (named.kind == PropertyValue::Kind::kString) type.factories.push_back(named.text);
         for (const PropertyValue& item : named.items) type.factories.push_back(item.text);
         types.push_back(std::move(type));
     }
@@ -71,10 +71,10 @@ std::vector<BundleType> typesOf(const PropertyValue& list, const std::string& bu
 }
 
 /// `CFBundleExecutable`, or the bundle's own name without its extension.
-std::string executableName(const PropertyValue& list, const std::string& bundle) {
-    const PropertyValue* name = list.Find("CFBundleExecutable");
+std::string executableName(const PropertyValue& plist, const std::string& bundle) {
+    const PropertyValue* name = plist.Find("CFBundleExecutable");
     if (!name) return fs::canonical(bundle).stem().string(); // canonical: without a separator at its end
-    const bool isName = name->kind == PropertyValue::Kind::kText && !name->text.empty() &&
+    const bool isName = name->kind == PropertyValue::Kind::kString && !name->text.empty() &&
                         name->text.find('/') == std::string::npos;
     if (!isName) refuse(bundle, "CFBundleExecutable is not a file's name");
     return name->text;
@@ -116,17 +116,17 @@ BundleExecutable readExecutable(const std::string& platform, const std::string& 
 
 } // namespace
 
-BundleInfo ReadBundleList(const std::string& path) {
+BundleInfo ReadInfoPlist(const std::string& path) {
     BundleInfo info;
     info.path = path;
-    info.propertyList = readInfoList(path);
+    info.propertyList = readInfoPlist(path);
     info.factories = factoriesOf(info.propertyList, path);
     info.types = typesOf(info.propertyList, path);
     return info;
 }
 
 BundleInfo ReadBundle(const std::string& path) {
-    BundleInfo info = ReadBundleList(path);
+    BundleInfo info = ReadInfoPlist(path);
     const std::string name = executableName(info.propertyList, path);
     for (const char* platform : {"Linux", "MacOS"}) {
         const std::string file = (fs::path(path) / "Contents" / platform / name).string();

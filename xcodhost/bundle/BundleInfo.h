@@ -47,6 +47,6 @@ struct BundleInfo {
 BundleInfo ReadBundle(const std::string& path);
 
 /// The same without the executables.
-BundleInfo ReadBundleList(const std::string& path);
+BundleInfo ReadInfoPlist(const std::string& path);
 
 } // namespace xcodhost

@@ -55,10 +55,10 @@ CFUUIDRef LoadedBundle::Factory() const {
 }
 
 void* LoadedBundle::Symbol(const std::string& name) {
-    void* const symbol = Inside({"loading", "symbol " + name, {}},
-                                [&] { return macplatform::BundleSymbol(plugIn.get(), name); });
+    void* const symbol = RunCode({"loading", "symbol " + name, {}},
+                                 [&] { return macplatform::BundleSymbol(plugIn.get(), name); });
     if (!symbol) StopWithPlatformReason();
-    channel.Tell(CallReturned{"a function", std::nullopt});
+    channel.Send(CallReturned{"a function", std::nullopt});
     return symbol;
 }
 
@@ -66,12 +66,12 @@ FunctionBlock** LoadedBundle::MakeInstance() {
     const CFUUIDRef factory = Factory();
     const CFUUIDRef type = ConstantIdentifier(kPluginType);
     void* const made =
-        Inside({"CFPlugInInstanceCreate",
-                "factory " + Describe(CFUUIDGetUUIDBytes(factory)) + ", type " + Describe(kPluginType),
-                {}},
-               [&] { return CFPlugInInstanceCreate(kCFAllocatorDefault, factory, type); });
+        RunCode({"CFPlugInInstanceCreate",
+                 "factory " + Describe(CFUUIDGetUUIDBytes(factory)) + ", type " + Describe(kPluginType),
+                 {}},
+                [&] { return CFPlugInInstanceCreate(kCFAllocatorDefault, factory, type); });
     if (!made) StopWithPlatformReason();
-    channel.Tell(CallReturned{"an instance", std::nullopt});
+    channel.Send(CallReturned{"an instance", std::nullopt});
     auto* const instance = static_cast<FunctionBlock**>(made);
     if (!*instance || !(*instance)->QueryInterface || !(*instance)->Release) {
         Stop("interface-refused", path + ": the instance has no function block, or one with null slots");
@@ -81,7 +81,7 @@ FunctionBlock** LoadedBundle::MakeInstance() {
 
 FunctionBlock** LoadedBundle::AskInterface(FunctionBlock** instance) {
     void* found = nullptr;
-    const HRESULT result = Inside({"QueryInterface", "interface " + Describe(kHostInterface), {}}, [&] {
+    const HRESULT result = RunCode({"QueryInterface", "interface " + Describe(kHostInterface), {}}, [&] {
         return (*instance)->QueryInterface(instance, kHostInterface, &found);
     });
     const std::string code = Hex(static_cast<std::uint32_t>(result), 8);
@@ -89,7 +89,7 @@ FunctionBlock** LoadedBundle::AskInterface(FunctionBlock** instance) {
         Stop("interface-refused",
              path + ": the instance refuses the interface " + Describe(kHostInterface) + " (" + code + ")");
     }
-    channel.Tell(CallReturned{code, std::nullopt});
+    channel.Send(CallReturned{code, std::nullopt});
     auto* const interface = static_cast<FunctionBlock**>(found);
     if (!*interface || !(*interface)->Release) {
         Stop("interface-refused", path + ": the interface has no function block, or one with null slots");
@@ -98,8 +98,8 @@ FunctionBlock** LoadedBundle::AskInterface(FunctionBlock** instance) {
 }
 
 ULONG LoadedBundle::Release(FunctionBlock** instance) {
-    const ULONG references = Inside({"Release", {}, {}}, [&] { return (*instance)->Release(instance); });
-    channel.Tell(CallReturned{std::to_string(references), std::nullopt});
+    const ULONG references = RunCode({"Release", {}, {}}, [&] { return (*instance)->Release(instance); });
+    channel.Send(CallReturned{std::to_string(references), std::nullopt});
     return references;
 }
 
@@ -108,18 +108,18 @@ DeliverFunction LoadedBundle::MainEntry(FunctionBlock** instance) const {
     return (*instance)->main;
 }
 
-void LoadedBundle::TellException() const {
+void LoadedBundle::ReportException() const {
     try {
         throw;
     } catch (const std::exception& exception) {
-        channel.Tell(ExceptionEscaped{currentExceptionType(), exception.what()});
+        channel.Send(ExceptionEscaped{currentExceptionType(), exception.what()});
     } catch (...) {
-        channel.Tell(ExceptionEscaped{currentExceptionType(), {}});
+        channel.Send(ExceptionEscaped{currentExceptionType(), {}});
     }
 }
 
 void LoadedBundle::Stop(const char* reason, const std::string& text) const {
-    channel.Tell(LoadFailed{reason, text});
+    channel.Send(LoadFailed{reason, text});
     throw Stopped{};
 }
 

@@ -52,8 +52,8 @@ public:
     /// Runs the bundle's code: tells which call it is, and what exception it let out, which then ends the
     /// work.
     template <typename Call>
-    auto Inside(const CallBegan& call, Call run) {
-        channel.Tell(call);
+    auto RunCode(const CallBegan& call, Call run) {
+        channel.Send(call);
         isRunning = true;
         try {
             auto result = run();
@@ -61,7 +61,7 @@ public:
             return result;
         } catch (...) {
             isRunning = false;
-            TellException();
+            ReportException();
         }
         throw Stopped{};
     }
@@ -69,7 +69,7 @@ public:
     bool IsRunning() const { return isRunning; }
 
 private:
-    void TellException() const;
+    void ReportException() const;
     [[noreturn]] void Stop(const char* reason, const std::string& text) const;
     [[noreturn]] void StopWithPlatformReason() const;
 

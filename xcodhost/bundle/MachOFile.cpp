@@ -16,21 +16,21 @@ constexpr std::uint32_t kUniversalWide = 0xCAFEBABF;
 /// Java classes begin like universal files; their version, read as a count, is 45 or more.
 constexpr std::uint32_t kMostArchitectures = 30;
 
-struct Form {
+struct Layout {
     std::uint32_t magic = 0; ///< 0 for what is no Mach-O file.
     bool isBigEndian = false;
 
     bool IsThin() const { return magic == kThin32 || magic == kThin64; }
 };
 
-Form formOf(std::string_view bytes) {
+Layout layoutOf(std::string_view bytes) {
     if (bytes.size() < 8) return {};
     for (const bool isBigEndian : {false, true}) {
         const MachOBytes file(bytes, isBigEndian);
-        const Form form{file.U32(0), isBigEndian};
-        if (form.IsThin()) return form;
-        const bool isUniversal = form.magic == kUniversal || form.magic == kUniversalWide;
-        if (isUniversal && file.U32(4) <= kMostArchitectures) return form;
+        const Layout layout{file.U32(0), isBigEndian};
+        if (layout.IsThin()) return layout;
+        const bool isUniversal = layout.magic == kUniversal || layout.magic == kUniversalWide;
+        if (isUniversal && file.U32(4) <= kMostArchitectures) return layout;
     }
     return {};
 }
@@ -54,12 +54,12 @@ std::string architectureOf(std::uint32_t processor) {
     }
 }
 
-MachOImage readImage(std::string_view bytes, Form form) {
-    const MachOBytes file(bytes, form.isBigEndian);
+MachOImage readImage(std::string_view bytes, Layout layout) {
+    const MachOBytes file(bytes, layout.isBigEndian);
     MachOImage image;
     image.architecture = architectureOf(file.U32(4));
     try {
-        image.exports = MachOExports(file, form.magic == kThin64);
+        image.exports = MachOExports(file, layout.magic == kThin64);
     } catch (const BrokenMachO& broken) {
         image.problem = broken.reason;
     }
@@ -75,9 +75,9 @@ MachOImage readListed(std::string_view bytes, const MachOBytes& list, std::uint6
         return {listed, {}, "its image lies outside of the file"};
     }
     const auto image = bytes.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
-    const Form form = formOf(image);
-    if (!form.IsThin()) return {listed, {}, "its image is no Mach-O file"};
-    MachOImage found = readImage(image, form);
+    const Layout layout = layoutOf(image);
+    if (!layout.IsThin()) return {listed, {}, "its image is no Mach-O file"};
+    MachOImage found = readImage(image, layout);
     if (found.architecture != listed && found.problem.empty()) {
         found.problem = "the file's list calls it " + listed;
     }
@@ -86,15 +86,15 @@ MachOImage readListed(std::string_view bytes, const MachOBytes& list, std::uint6
 
 } // namespace
 
-bool IsMachO(std::string_view bytes) { return formOf(bytes).magic != 0; }
+bool IsMachO(std::string_view bytes) { return layoutOf(bytes).magic != 0; }
 
 MachOFile ReadMachO(std::string_view bytes) {
-    const Form form = formOf(bytes);
-    if (form.magic == 0) return {{}, "it is no Mach-O file"};
-    if (form.IsThin()) return {{readImage(bytes, form)}, {}};
+    const Layout layout = layoutOf(bytes);
+    if (layout.magic == 0) return {{}, "it is no Mach-O file"};
+    if (layout.IsThin()) return {{readImage(bytes, layout)}, {}};
     MachOFile file;
-    const MachOBytes list(bytes, form.isBigEndian);
-    const bool isWide = form.magic == kUniversalWide;
+    const MachOBytes list(bytes, layout.isBigEndian);
+    const bool isWide = layout.magic == kUniversalWide;
     const std::uint64_t entrySize = isWide ? 32 : 20;
     try {
         for (std::uint32_t i = 0; i < list.U32(4); ++i) {

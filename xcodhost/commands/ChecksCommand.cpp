@@ -16,7 +16,7 @@ Json toJson(const Check& check) {
     return {{"id", check.id},
             {"sentence", check.sentence},
             {"why", check.why},
-            {"needs", std::vector<std::string>(check.needs.begin(), check.needs.end())}};
+            {"needs", std::vector<std::string>(check.dependencies.begin(), check.dependencies.end())}};
 }
 
 const Check& checkNamed(const std::string& id) {
@@ -36,7 +36,7 @@ const Check& checkNamed(const std::string& id) {
 
 std::string explanation(const Check& check, const Style& style) {
     std::string text = style.Heading(check.id) + "\n" + check.sentence + "\n\n" + check.why + '\n';
-    for (const char* need : check.needs) text += std::string("needs  ") + need + '\n';
+    for (const char* dependency : check.dependencies) text += std::string("needs  ") + dependency + '\n';
     return text + "run    xcodhost validate BUNDLE --include " + check.id + '\n';
 }
 

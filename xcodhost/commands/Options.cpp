@@ -78,8 +78,8 @@ double parseSeconds(const std::string& name, const std::string& text) {
 template <typename Target, typename Parse>
 CLI::Option* addNumber(CLI::App& app, const std::string& name, Target& target, Parse parse,
                        const std::string& description) {
-    const auto take = [&target, parse, name](const std::string& text) { target = parse(name, text); };
-    return app.add_option_function<std::string>(name, take, description)->type_name("N");
+    const auto accept = [&target, parse, name](const std::string& text) { target = parse(name, text); };
+    return app.add_option_function<std::string>(name, accept, description)->type_name("N");
 }
 
 std::vector<std::uint16_t> messagesFor(const RunArguments& arguments) {

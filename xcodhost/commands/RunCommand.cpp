@@ -30,10 +30,10 @@ std::vector<ParameterBlock> blocksFor(const RunOptions& options) {
     for (const std::uint16_t message : options.messages) {
         blocks.emplace_back(options.selector, message, *options.product, options.language);
     }
-    const bool isPlain = std::all_of(blocks.begin(), blocks.end(), [](const ParameterBlock& block) {
+    const bool areSteps = std::all_of(blocks.begin(), blocks.end(), [](const ParameterBlock& block) {
         return block.Message() == kPreInstall || block.Message() == kPostInstall;
     });
-    if (options.isDirect && !isPlain) {
+    if (options.isDirect && !areSteps) {
         throw UsageError(
             "--direct calls PreInstall for message 2 and PostInstall for message 3; the block has another");
     }
@@ -45,7 +45,7 @@ DeliveryPlan planFor(const RunOptions& options) {
     plan.blocks = blocksFor(options);
     plan.bundle = std::filesystem::absolute(options.bundle).lexically_normal().string();
     plan.isDirect = options.isDirect;
-    plan.tellsAll = options.hasTrace;
+    plan.recordsAll = options.hasTrace;
     return plan;
 }
 
@@ -80,14 +80,15 @@ private:
 /// Sorts what the child tells into the result.
 class Recorder {
 public:
-    Recorder(RunResult& runResult, Answers& alertAnswers) : result(runResult), answers(alertAnswers) {}
+    Recorder(RunResult& runResult, AlertResponder& alertResponder)
+        : result(runResult), responder(alertResponder) {}
 
-    void Take(Message&& message) {
-        std::visit([this](auto&& one) { TakeOne(std::forward<decltype(one)>(one)); }, std::move(message));
+    void Record(Message&& message) {
+        std::visit([this](auto&& one) { Add(std::forward<decltype(one)>(one)); }, std::move(message));
     }
 
     int Answer(macplatform::Alert&& alert) {
-        const auto [button, note] = answers.To(alert);
+        const auto [button, note] = responder.Respond(alert);
         const bool isStop = alert.kind == macplatform::Alert::Kind::kStop;
         if (!note.empty() && !isStop && !std::exchange(hasNoted, true)) {
             Note(Describe(alert) + " was not shown: " + note);
@@ -97,14 +98,14 @@ public:
     }
 
 private:
-    void TakeOne(CallBegan&& call) {
+    void Add(CallBegan&& call) {
         result.calls.emplace_back();
         result.calls.back().call = std::move(call);
     }
-    void TakeOne(CallReturned&& returned) {
+    void Add(CallReturned&& returned) {
         if (!result.calls.empty()) result.calls.back().returned = std::move(returned);
     }
-    void TakeOne(macplatform::JournalEntry&& entry) {
+    void Add(macplatform::RecordedCall&& entry) {
         if (result.calls.empty()) return;
         CallRecord& call = result.calls.back();
         if (entry.call == "CFPreferencesSynchronize" && entry.result == "false" && !entry.arguments.empty()) {
@@ -112,15 +113,15 @@ private:
         }
         if (result.hasTrace) call.platformCalls.push_back(std::move(entry));
     }
-    void TakeOne(LoadFailed&& failure) { result.loadFailure = std::move(failure); }
-    void TakeOne(ExceptionEscaped&& exception) { result.exception = std::move(exception); }
-    void TakeOne(ObjectsLeft&& left) { result.objectsLeft = std::move(left.objects); }
-    void TakeOne(Finding&&) {} // of checks only, as the next two
-    void TakeOne(GaveUp&&) {}
-    void TakeOne(TableCell&&) {}
-    void TakeOne(macplatform::Alert&&) {} // answered before
-    void TakeOne(ChildFault&&) {}         // thrown before
-    void TakeOne(Done&&) {}
+    void Add(LoadFailed&& failure) { result.loadFailure = std::move(failure); }
+    void Add(ExceptionEscaped&& exception) { result.exception = std::move(exception); }
+    void Add(ObjectsLeft&& left) { result.objectsLeft = std::move(left.objects); }
+    void Add(Finding&&) {} // of checks only, as the next two
+    void Add(Skipped&&) {}
+    void Add(TableCell&&) {}
+    void Add(macplatform::Alert&&) {} // answered before
+    void Add(ChildFault&&) {}         // thrown before
+    void Add(Done&&) {}
 
     static std::string Unquoted(const std::string& text) {
         const bool isQuoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
@@ -128,7 +129,7 @@ private:
     }
 
     RunResult& result;
-    Answers& answers;
+    AlertResponder& responder;
     bool hasNoted = false;
 };
 
@@ -173,10 +174,10 @@ RunResult RunBundle(const RunOptions& options) {
     const WorkVolume volume(options, interruption);
     plan.volume = volume.Folder();
     VolumeState before = ReadVolume(volume.Folder());
-    Answers answers(options.answers, interruption);
-    Recorder recorder(result, answers);
+    AlertResponder responder(options.answers, interruption);
+    Recorder recorder(result, responder);
     const ChildListener listener{
-        [&](Message&& message) { recorder.Take(std::move(message)); },
+        [&](Message&& message) { recorder.Record(std::move(message)); },
         [&](macplatform::Alert&& alert) { return recorder.Answer(std::move(alert)); }};
     result.end = RunInChild([&](const Channel& channel) { Deliver(plan, channel); }, limitsFor(options),
                             listener, interruption);

@@ -27,7 +27,7 @@ unsigned processors() {
     return static_cast<unsigned>(std::max(CPU_COUNT(&allowed), 1));
 }
 
-std::vector<const Check*> chosen(const ValidateOptions& options) {
+std::vector<const Check*> selectedChecks(const ValidateOptions& options) {
     std::vector<const Check*> checks = MatchingChecks(options.include);
     if (options.exclude.empty()) return checks;
     const auto excluded = MatchingChecks(options.exclude);
@@ -85,7 +85,7 @@ ExitStatus ValidateCommand(const ValidateOptions& options) {
     expectWritable(options.junitFile);
     expectWritable(options.htmlFile);
     ValidationPlan plan;
-    plan.checks = chosen(options);
+    plan.checks = selectedChecks(options);
     plan.secondsPerCall = options.secondsPerCall;
     plan.atOnce = options.atOnce == 0 ? processors() : options.atOnce;
     std::vector<BundleResult> results;

@@ -22,7 +22,7 @@ bool SendAll(int socket, const char* bytes, std::size_t size) {
 
 Channel Channel::OfThisProcess() const { return {socket, getpid()}; }
 
-void Channel::Tell(const Message& message) const {
+void Channel::Send(const Message& message) const {
     if (getpid() != owner) return;
     const std::string line = Encode(message);
     if (!SendAll(socket, line.data(), line.size())) _exit(70); // without its parent it has no purpose
@@ -30,7 +30,7 @@ void Channel::Tell(const Message& message) const {
 
 int Channel::Ask(const macplatform::Alert& alert) const {
     if (getpid() != owner) return -1;
-    Tell(alert);
+    Send(alert);
     std::int32_t answer = -1;
     char* const bytes = reinterpret_cast<char*>(&answer);
     for (std::size_t got = 0; got < sizeof answer;) {

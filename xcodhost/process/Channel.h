@@ -17,7 +17,7 @@ public:
     /// For a child that this process forked to go on in its name.
     Channel OfThisProcess() const;
 
-    void Tell(const Message& message) const;
+    void Send(const Message& message) const;
     /// Tells the alert and waits for the answer: the place of a button, or -1.
     int Ask(const macplatform::Alert& alert) const;
 

@@ -45,9 +45,9 @@ void runBody(const std::function<void(const Channel&)>& body, int socket) {
     const Channel channel(socket, getpid());
     try {
         body(channel);
-        channel.Tell(Done{});
+        channel.Send(Done{});
     } catch (const std::exception& fault) {
-        channel.Tell(ChildFault{fault.what()});
+        channel.Send(ChildFault{fault.what()});
     }
 }
 
@@ -91,7 +91,7 @@ public:
         return hasEnded ? std::optional(EndOf(child.Reap())) : std::nullopt;
     }
 
-    void TellEnd(const ChildEnd& end) const { onEnd(end); }
+    void ReportEnd(const ChildEnd& end) const { onEnd(end); }
 
 private:
     ChildEnd Ended(ChildEnd::Kind kind, int code, double seconds) {
@@ -203,7 +203,7 @@ void Children::Serve() {
         ready += Supervision::kDescriptors;
     }
     running.erase(std::remove(running.begin(), running.end(), nullptr), running.end());
-    for (const auto& [one, end] : ended) one->TellEnd(end);
+    for (const auto& [one, end] : ended) one->ReportEnd(end);
 }
 
 ChildEnd RunInChild(const std::function<void(const Channel&)>& body, const ChildLimits& limits,

@@ -18,7 +18,7 @@ namespace xcodhost {
 namespace {
 
 /// The children that are not reaped yet. Whatever else is a child of this process is an orphan.
-std::vector<pid_t>& livingChildren() {
+std::vector<pid_t>& unreapedChildren() {
     static std::vector<pid_t> gChildren;
     return gChildren;
 }
@@ -27,7 +27,7 @@ std::vector<pid_t>& livingChildren() {
 /// bundle may start processes faster than they can be ended.
 void endOrphans() {
     constexpr int rounds = 1000;
-    const auto& known = livingChildren();
+    const auto& known = unreapedChildren();
     for (int round = 0; round < rounds; ++round) {
         bool hasOrphan = false;
         for (const pid_t child : ChildrenOfThisProcess()) {
@@ -75,17 +75,17 @@ ChildProcess::ChildProcess(const Streams& streams, const Interruption& interrupt
     SetSignalEffect(SIGCHLD, SIG_DFL);
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     const pid_t parent = getpid();
-    livingChildren().reserve(livingChildren().size() + 1);
+    unreapedChildren().reserve(unreapedChildren().size() + 1);
     id = fork();
     if (id < 0) throw ToolFault::FromErrno("no child process");
     if (id == 0) {
-        livingChildren().clear();
+        unreapedChildren().clear();
         settle(streams, parent, interruption);
         body();
         _exit(0); // not exit(): the bundle's own clean-up at exit is no part of a delivery
     }
     setpgid(id, id); // both do it, so that it is done whoever runs first
-    livingChildren().push_back(id);
+    unreapedChildren().push_back(id);
     end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
     if (end.Number() < 0) {
         const int error = errno;
@@ -99,8 +99,8 @@ int ChildProcess::Reap() {
     if (isReaped) return status;
     isReaped = true;
     status = EndGroup(id);
-    auto& living = livingChildren();
-    living.erase(std::remove(living.begin(), living.end(), id), living.end());
+    auto& unreaped = unreapedChildren();
+    unreaped.erase(std::remove(unreaped.begin(), unreaped.end(), id), unreaped.end());
     endOrphans();
     return status;
 }

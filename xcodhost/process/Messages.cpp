@@ -23,7 +23,7 @@ json toJson(const CallReturned& call) {
     return value;
 }
 
-json toJson(const macplatform::JournalEntry& entry) {
+json toJson(const macplatform::RecordedCall& entry) {
     return {{"is", "journal"},
             {"call", entry.call},
             {"arguments", entry.arguments},
@@ -53,7 +53,7 @@ json toJson(const Finding& finding) {
     return {{"is", "finding"}, {"expected", finding.expected}, {"seen", finding.seen}};
 }
 
-json toJson(const GaveUp& given) { return {{"is", "gaveUp"}, {"reason", given.reason}}; }
+json toJson(const Skipped& given) { return {{"is", "gaveUp"}, {"reason", given.reason}}; }
 
 json toJson(const TableCell& cell) {
     return {{"is", "cell"},
@@ -95,7 +95,7 @@ std::optional<Message> messageFrom(const json& value) {
     }
     if (is == "returned") return returnedFrom(value);
     if (is == "journal") {
-        return macplatform::JournalEntry{textAt(value, "call"),
+        return macplatform::RecordedCall{textAt(value, "call"),
                                          value.at("arguments").get<std::vector<std::string>>(),
                                          textAt(value, "result"), textAt(value, "note")};
     }
@@ -104,7 +104,7 @@ std::optional<Message> messageFrom(const json& value) {
     if (is == "notLoaded") return LoadFailed{textAt(value, "reason"), textAt(value, "text")};
     if (is == "left") return ObjectsLeft{value.at("objects").get<std::vector<std::string>>()};
     if (is == "finding") return Finding{textAt(value, "expected"), textAt(value, "seen")};
-    if (is == "gaveUp") return GaveUp{textAt(value, "reason")};
+    if (is == "gaveUp") return Skipped{textAt(value, "reason")};
     if (is == "cell") {
         return TableCell{value.at("product").get<std::int32_t>(), value.at("language").get<std::int32_t>(),
                          textAt(value, "seen"), value.at("right").get<bool>()};
@@ -136,7 +136,7 @@ const char* ReasonWord(macplatform::BundleFault fault) {
         return "unknown";
     case BundleFault::kNoBundle:
         return "no-bundle";
-    case BundleFault::kBrokenList:
+    case BundleFault::kBrokenPropertyList:
         return "broken-property-list";
     case BundleFault::kMissingKey:
         return "missing-key";

@@ -57,7 +57,7 @@ struct Finding {
 };
 
 /// A check cannot be made on this machine.
-struct GaveUp {
+struct Skipped {
     std::string reason;
 };
 
@@ -78,8 +78,8 @@ struct ChildFault {
 struct Done {};
 
 using Message =
-    std::variant<CallBegan, CallReturned, macplatform::JournalEntry, macplatform::Alert, ExceptionEscaped,
-                 LoadFailed, ObjectsLeft, Finding, GaveUp, TableCell, ChildFault, Done>;
+    std::variant<CallBegan, CallReturned, macplatform::RecordedCall, macplatform::Alert, ExceptionEscaped,
+                 LoadFailed, ObjectsLeft, Finding, Skipped, TableCell, ChildFault, Done>;
 
 /// One line with its line feed.
 std::string Encode(const Message& message);

@@ -19,35 +19,35 @@ namespace xcodhost {
 namespace {
 
 /// Hands the signals on until the worker has ended.
-void attend(pid_t worker, const Interruption& interruption) {
-    const Descriptor end(static_cast<int>(syscall(SYS_pidfd_open, worker, 0)));
+void waitForSupervisor(pid_t supervisor, const Interruption& interruption) {
+    const Descriptor end(static_cast<int>(syscall(SYS_pidfd_open, supervisor, 0)));
     std::array<pollfd, 2> waits{{{end.Number(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
     while (end.Number() >= 0 && waits[0].revents == 0) {
         poll(waits.data(), waits.size(), -1);
         try {
             interruption.Check();
         } catch (const Interrupted& interrupted) {
-            kill(worker, interrupted.signal);
+            kill(supervisor, interrupted.signal);
         }
     }
 }
 
 } // namespace
 
-int RunInWorker(const std::function<int()>& work) {
+int RunInSupervisor(const std::function<int()>& work) {
     SetSignalEffect(SIGCHLD, SIG_DFL); // ignored, it would lose the worker's status
     std::optional<Interruption> interruption(std::in_place);
     const pid_t parent = getpid();
-    const pid_t worker = fork();
-    if (worker < 0) throw ToolFault::FromErrno("no process for the work");
-    if (worker == 0) {
+    const pid_t supervisor = fork();
+    if (supervisor < 0) throw ToolFault::FromErrno("no process for the work");
+    if (supervisor == 0) {
         prctl(PR_SET_PDEATHSIG, SIGTERM);
         interruption.reset();
         if (getppid() != parent) _exit(70); // it died before the first line
         _exit(work());
     }
-    attend(worker, *interruption);
-    const int status = WaitFor(worker);
+    waitForSupervisor(supervisor, *interruption);
+    const int status = WaitFor(supervisor);
     if (WIFSIGNALED(status)) DieOf(WTERMSIG(status));
     return WEXITSTATUS(status);
 }

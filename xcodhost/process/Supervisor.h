@@ -8,6 +8,6 @@ namespace xcodhost {
 /// died of. SIGINT, SIGTERM and SIGHUP are handed on. When this process is killed in a way that it cannot see
 /// (SIGKILL), the child is told by SIGTERM, so that it ends the bundle's processes and removes its scratch
 /// folders all the same.
-int RunInWorker(const std::function<int()>& work);
+int RunInSupervisor(const std::function<int()>& work);
 
 } // namespace xcodhost

@@ -31,22 +31,22 @@ public:
         }
         std::vector<std::string> left = macplatform::DescribeLiveObjects();
         left.erase(left.begin(), left.begin() + static_cast<std::ptrdiff_t>(std::min(before, left.size())));
-        channel.Tell(ObjectsLeft{std::move(left)});
+        channel.Send(ObjectsLeft{std::move(left)});
     }
 
 private:
     void ConnectPlatform() {
         if (!macplatform::SetStartupVolume(plan.volume)) throw ToolFault::FromErrno(plan.volume);
-        macplatform::SetAlertPresenter(
+        macplatform::SetAlertResponder(
             [this](const macplatform::Alert& alert) { return channel.Ask(alert); });
-        macplatform::SetJournalObserver([this](const macplatform::JournalEntry& entry) { Tell(entry); });
+        macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) { Record(entry); });
     }
 
-    void Tell(const macplatform::JournalEntry& entry) const {
+    void Record(const macplatform::RecordedCall& entry) const {
         // Made by the host, not by the bundle's code that runs inside it.
         if (!bundle.IsRunning() || entry.call == "CFPlugInInstanceCreate") return;
         const bool isLostWrite = entry.call == "CFPreferencesSynchronize" && entry.result == "false";
-        if (plan.tellsAll || isLostWrite) channel.Tell(entry);
+        if (plan.recordsAll || isLostWrite) channel.Send(entry);
     }
 
     void DeliverThroughInterface() {
@@ -68,12 +68,12 @@ private:
         std::vector<char> bytes = given.Bytes();
         bytes.resize(bytes.size() + kGuard);
         const ParameterBlock before(bytes);
-        bundle.Inside({function, given.Describe(), EventName(given.Message())}, [&] {
+        bundle.RunCode({function, given.Describe(), EventName(given.Message())}, [&] {
             deliver(bytes.data());
             return true;
         });
         const ParameterBlock after(std::move(bytes));
-        channel.Tell(CallReturned{
+        channel.Send(CallReturned{
             {}, BlockEffect{before.ErrorFlags(), after.ErrorFlags(), before.BytesChangedElsewhere(after)}});
     }
 

@@ -15,7 +15,8 @@ struct DeliveryPlan {
     std::string volume; ///< The folder that stands for the startup volume.
     std::vector<ParameterBlock> blocks;
     bool isDirect = false; ///< Call the exported PreInstall and PostInstall, not the interface's main entry.
-    bool tellsAll = false; ///< Tell every platform call; otherwise only those that failed without being seen.
+    bool recordsAll =
+        false; ///< Tell every platform call; otherwise only those that failed without being seen.
 };
 
 /// Does as the installer does: factory, interface, one call of the main entry for each block, release. Stops

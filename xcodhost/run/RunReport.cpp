@@ -21,7 +21,7 @@ std::string alertLine(const AlertRecord& record) {
     return "  " + Describe(record.alert) + buttons + ": " + answer + '\n';
 }
 
-std::string journalLine(const macplatform::JournalEntry& entry) {
+std::string callLine(const macplatform::RecordedCall& entry) {
     std::string text = "  " + entry.call;
     const bool isWholeMessage = !entry.call.empty() && entry.call.front() == '[';
     if (!isWholeMessage || !entry.arguments.empty()) {
@@ -57,7 +57,7 @@ bool isShown(const CallRecord& call, bool hasTrace) {
 
 std::string callText(const CallRecord& call, const Style& style) {
     std::string text = style.Heading(call.Describe()) + '\n';
-    for (const auto& entry : call.platformCalls) text += journalLine(entry);
+    for (const auto& entry : call.platformCalls) text += callLine(entry);
     for (const AlertRecord& alert : call.alerts) text += alertLine(alert);
     return text + (call.returned ? returnLine(*call.returned) : "  did not return\n");
 }

@@ -33,7 +33,7 @@ struct CallRecord {
     CallBegan call;
     std::optional<CallReturned> returned; ///< Nothing: the child ended inside, or an exception left it.
     std::vector<AlertRecord> alerts;
-    std::vector<macplatform::JournalEntry> platformCalls; ///< Empty unless they were asked for.
+    std::vector<macplatform::RecordedCall> platformCalls; ///< Empty unless they were asked for.
     std::vector<LostWrite> lostWrites;
 
     /// "XCodMain(selector 1000, ...)"

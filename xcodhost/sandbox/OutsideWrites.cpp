@@ -69,7 +69,7 @@ public:
             if (!isOn && process == child) {
                 isOn = ptrace(PTRACE_SETOPTIONS, process, 0, options) == 0;
             } else if (event == PTRACE_EVENT_SECCOMP) {
-                LookAt(process);
+                Inspect(process);
             }
             ptrace(PTRACE_CONT, process, 0, signal);
         }
@@ -78,7 +78,7 @@ public:
     std::vector<std::string> calls;
 
 private:
-    void LookAt(pid_t process) {
+    void Inspect(pid_t process) {
         Stop stop{};
         if (ptrace(PTRACE_GET_SYSCALL_INFO, process, sizeof stop, &stop) <= 0) return;
         const auto& all = WritingCalls();

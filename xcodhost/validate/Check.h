@@ -9,16 +9,16 @@
 
 namespace xcodhost {
 
-class Trial;
+class CheckRun;
 
 struct Check {
     const char* id;       ///< Stable: "group.name".
     const char* sentence; ///< What holds.
     const char* why;      ///< What goes wrong where it does not, and where to look.
     /// Checks without which this one means nothing: it is not run after one of them has failed.
-    std::vector<const char*> needs;
+    std::vector<const char*> dependencies;
     /// Runs in a child process of its own and tells what does not hold.
-    void (*body)(Trial&);
+    void (*body)(CheckRun&);
     /// How the tool ends when this is the first check that failed, for other reasons than a crash or a hang.
     ExitStatus failure = ExitStatus::kFailed;
 };

@@ -29,43 +29,43 @@ ParameterBlock Event(std::uint16_t message, std::int32_t product, std::int32_t l
     return {kInstallerSelector, message, product, language};
 }
 
-Trial::Trial(std::string path, std::string folder, const Channel& parentChannel)
+CheckRun::CheckRun(std::string path, std::string folder, const Channel& parentChannel)
     : bundlePath(std::move(path)), scratch(std::move(folder)), channel(parentChannel) {
-    macplatform::SetAlertPresenter([this](const macplatform::Alert& alert) {
+    macplatform::SetAlertResponder([this](const macplatform::Alert& alert) {
         if (current) current->alerts.push_back(alert);
         return answer;
     });
-    macplatform::SetJournalObserver([this](const macplatform::JournalEntry& entry) { Note(entry); });
+    macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) { Note(entry); });
     UseFreshVolume();
     ForgetObjects();
 }
 
-Trial::~Trial() {
-    macplatform::SetJournalObserver({});
-    macplatform::SetAlertPresenter({});
+CheckRun::~CheckRun() {
+    macplatform::SetCallObserver({});
+    macplatform::SetAlertResponder({});
 }
 
-void Trial::UseFreshVolume(const SampleVolume& sample) {
+void CheckRun::UseFreshVolume(const SampleVolume& sample) {
     volume = scratch + "/volume " + std::to_string(++volumes);
     MakeSampleVolume(volume, sample);
     if (bundle) MapVolume();
 }
 
-void Trial::MapVolume() const {
+void CheckRun::MapVolume() const {
     if (!macplatform::SetStartupVolume(volume)) throw ToolFault::FromErrno(volume);
 }
 
-VolumeState Trial::Look() const {
+VolumeState CheckRun::CurrentVolume() const {
     VolumeState state = ReadVolume(volume);
     if (bundle) MapVolume(); // reading has ended it
     return state;
 }
 
-void Trial::Write(const std::string& macPath, const std::string& bytes) const {
+void CheckRun::Write(const std::string& macPath, const std::string& bytes) const {
     std::ofstream(OnVolume(macPath), std::ios::binary | std::ios::trunc) << bytes;
 }
 
-LoadedBundle& Trial::Bundle() {
+LoadedBundle& CheckRun::Bundle() {
     if (bundle) return *bundle;
     bundle.emplace(bundlePath, channel);
     bundle->FindFactories();
@@ -74,7 +74,7 @@ LoadedBundle& Trial::Bundle() {
     return *bundle;
 }
 
-FunctionBlock** Trial::Interface() {
+FunctionBlock** CheckRun::Interface() {
     if (interface) return interface;
     FunctionBlock** const instance = Bundle().MakeInstance();
     interface = Bundle().AskInterface(instance);
@@ -82,15 +82,15 @@ FunctionBlock** Trial::Interface() {
     return interface;
 }
 
-void Trial::ReleaseInterface() {
+void CheckRun::ReleaseInterface() {
     if (interface) Bundle().Release(std::exchange(interface, nullptr));
 }
 
-FactoryFunction Trial::Factory() {
+FactoryFunction CheckRun::Factory() {
     return reinterpret_cast<FactoryFunction>(Bundle().Symbol(kFactoryFunction));
 }
 
-Outcome Trial::Deliver(const ParameterBlock& block, Entry entry, std::size_t misalignment) {
+Outcome CheckRun::Deliver(const ParameterBlock& block, Entry entry, std::size_t misalignment) {
     const bool isMain = entry == Entry::kMain;
     const std::string function = isMain ? "XCodMain" : stepName(block.Message());
     const auto deliver = isMain ? Bundle().MainEntry(Interface())
@@ -102,7 +102,7 @@ Outcome Trial::Deliver(const ParameterBlock& block, Entry entry, std::size_t mis
         bytes.insert(bytes.end(), block.Bytes().begin(), block.Bytes().end());
         bytes.insert(bytes.end(), kGuard, kGuardByte);
         const std::vector<char> given = bytes;
-        Bundle().Inside(call, [&] { return deliver(bytes.data() + start), true; });
+        Bundle().RunCode(call, [&] { return deliver(bytes.data() + start), true; });
         const auto from = [start](const std::vector<char>& all) {
             return ParameterBlock(
                 std::vector<char>(all.begin() + static_cast<std::ptrdiff_t>(start), all.end()));
@@ -118,37 +118,37 @@ Outcome Trial::Deliver(const ParameterBlock& block, Entry entry, std::size_t mis
     });
 }
 
-Outcome Trial::DeliverNothing(std::uint16_t message) {
+Outcome CheckRun::DeliverNothing(std::uint16_t message) {
     const std::string function = stepName(message);
     const auto deliver = reinterpret_cast<DeliverFunction>(Bundle().Symbol(function));
     const CallBegan call{function, "NULL", EventName(message)};
-    return Recorded([&](Outcome&) { Bundle().Inside(call, [&] { return deliver(nullptr), true; }); });
+    return Recorded([&](Outcome&) { Bundle().RunCode(call, [&] { return deliver(nullptr), true; }); });
 }
 
-Outcome Trial::Recorded(const std::function<void(Outcome&)>& deliver) {
+Outcome CheckRun::Recorded(const std::function<void(Outcome&)>& deliver) {
     VolumeState before;
-    if (isVolumeWatched) before = Look();
+    if (isVolumeWatched) before = CurrentVolume();
     Outcome outcome;
     current = &outcome;
     deliver(outcome);
     current = nullptr;
-    channel.Tell(CallReturned{{}, BlockEffect{outcome.flagsBefore, outcome.flagsAfter, outcome.otherBytes}});
-    if (isVolumeWatched) outcome.changes = Compare(std::move(before), Look());
+    channel.Send(CallReturned{{}, BlockEffect{outcome.flagsBefore, outcome.flagsAfter, outcome.otherBytes}});
+    if (isVolumeWatched) outcome.changes = Compare(std::move(before), CurrentVolume());
     return outcome;
 }
 
-void Trial::Note(const macplatform::JournalEntry& entry) {
+void CheckRun::Note(const macplatform::RecordedCall& entry) {
     if (!bundle || !bundle->IsRunning() || entry.call == "CFPlugInInstanceCreate") return;
     if (current) current->calls.push_back(entry);
     if (atEachCall) atEachCall(entry);
 }
 
-void Trial::Fail(const std::string& expected, const std::string& seen) {
-    channel.Tell(Finding{expected, seen});
+void CheckRun::Fail(const std::string& expected, const std::string& seen) {
+    channel.Send(Finding{expected, seen});
 }
 
-void Trial::ExpectPreference(const std::string& domain, const std::string& key, const std::string& value) {
-    const VolumeState state = Look();
+void CheckRun::ExpectPreference(const std::string& domain, const std::string& key, const std::string& value) {
+    const VolumeState state = CurrentVolume();
     const std::string name = domain + ' ' + key + ": ";
     const auto file = state.preferences.find(domain);
     if (file == state.preferences.end()) {
@@ -160,26 +160,27 @@ void Trial::ExpectPreference(const std::string& domain, const std::string& key, 
     Expect(seen == value, name + value, name + seen);
 }
 
-void Trial::ExpectNoEffect(const Outcome& outcome) {
+void CheckRun::ExpectNoEffect(const Outcome& outcome) {
     Expect(outcome.changes.Count() == 0, "nothing changes on the volume", Describe(outcome.changes));
 }
 
-std::vector<std::string> Trial::ObjectsLeft() const {
+std::vector<std::string> CheckRun::ObjectsLeft() const {
     std::vector<std::string> left = macplatform::DescribeLiveObjects();
     left.erase(left.begin(),
                left.begin() + static_cast<std::ptrdiff_t>(std::min(objectsBefore, left.size())));
     return left;
 }
 
-void Trial::ForgetObjects() { objectsBefore = macplatform::LiveObjectCount(); }
+void CheckRun::ForgetObjects() { objectsBefore = macplatform::LiveObjectCount(); }
 
-void Trial::GiveUp(const std::string& reason) {
-    channel.Tell(GaveUp{reason});
+void CheckRun::Skip(const std::string& reason) {
+    channel.Send(Skipped{reason});
     throw Stopped{};
 }
 
-void Trial::TellCell(std::int32_t product, std::int32_t language, const std::string& seen, bool isRight) {
-    channel.Tell(TableCell{product, language, seen, isRight});
+void CheckRun::RecordCell(std::int32_t product, std::int32_t language, const std::string& seen,
+                          bool isRight) {
+    channel.Send(TableCell{product, language, seen, isRight});
 }
 
 std::string Describe(const Changes& changes) {

@@ -30,20 +30,20 @@ struct Outcome {
     std::uint32_t flagsAfter = 0;
     std::string otherBytes; ///< "20 to 23" when bytes of or behind the block changed outside its error flags.
     std::vector<macplatform::Alert> alerts;
-    std::vector<macplatform::JournalEntry> calls; ///< Of the platform.
+    std::vector<macplatform::RecordedCall> calls; ///< Of the platform.
     Changes changes;                              ///< On the volume.
 };
 
 /// An installer event for a product: selector 1000.
 ParameterBlock Event(std::uint16_t message, std::int32_t product, std::int32_t language = 0);
 
-class Trial {
+class CheckRun {
 public:
     /// `scratch` is an empty folder of the check's own.
-    Trial(std::string bundlePath, std::string scratch, const Channel& parentChannel);
-    ~Trial();
-    Trial(const Trial&) = delete;
-    Trial& operator=(const Trial&) = delete;
+    CheckRun(std::string bundlePath, std::string scratch, const Channel& parentChannel);
+    ~CheckRun();
+    CheckRun(const CheckRun&) = delete;
+    CheckRun& operator=(const CheckRun&) = delete;
 
     const std::string& BundlePath() const { return bundlePath; }
     const Channel& Parent() const { return channel; }
@@ -52,7 +52,7 @@ public:
     void UseFreshVolume(const SampleVolume& sample = {});
     const std::string& Volume() const { return volume; }
     std::string OnVolume(const std::string& macPath) const { return volume + macPath; }
-    VolumeState Look() const;
+    VolumeState CurrentVolume() const;
     /// Writes the bytes to a file of the volume, in place of what is there.
     void Write(const std::string& macPath, const std::string& bytes) const;
 
@@ -74,7 +74,7 @@ public:
     /// Which button is chosen in the alerts that follow; -1: not shown.
     void Answer(int button) { answer = button; }
     /// Called at each platform call of the bundle, after it; an empty one ends that.
-    void AtEachCall(std::function<void(const macplatform::JournalEntry&)> call) {
+    void AtEachCall(std::function<void(const macplatform::RecordedCall&)> call) {
         atEachCall = std::move(call);
     }
 
@@ -89,14 +89,14 @@ public:
     std::vector<std::string> ObjectsLeft() const;
     void ForgetObjects();
     /// The check cannot be made on this machine.
-    [[noreturn]] void GiveUp(const std::string& reason);
+    [[noreturn]] void Skip(const std::string& reason);
     /// A cell of the table of products by languages.
-    void TellCell(std::int32_t product, std::int32_t language, const std::string& seen, bool isRight);
+    void RecordCell(std::int32_t product, std::int32_t language, const std::string& seen, bool isRight);
 
 private:
     void MapVolume() const;
     Outcome Recorded(const std::function<void(Outcome&)>& deliver);
-    void Note(const macplatform::JournalEntry& entry);
+    void Note(const macplatform::RecordedCall& entry);
 
     std::string bundlePath;
     std::string scratch;
@@ -109,7 +109,7 @@ private:
     Outcome* current = nullptr;
     bool isVolumeWatched = true;
     int answer = 0;
-    std::function<void(const macplatform::JournalEntry&)> atEachCall;
+    std::function<void(const macplatform::RecordedCall&)> atEachCall;
 };
 
 /// "3 changes: com.korvane.updater UpdateInterval: (none) -> (integer) 2; ..."

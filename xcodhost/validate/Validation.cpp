@@ -55,14 +55,14 @@ public:
                 ExitStatus::kCrashed);
         } else if (auto* failure = std::get_if<LoadFailed>(&message)) {
             Add("the bundle can be loaded and gives its interface", failure->text, ExitStatus::kNotLoaded);
-        } else if (auto* given = std::get_if<GaveUp>(&message)) {
+        } else if (auto* given = std::get_if<Skipped>(&message)) {
             result.reason = given->reason;
         } else if (auto* cell = std::get_if<TableCell>(&message)) {
             table.push_back(std::move(*cell));
         }
     }
 
-    void Hear(std::string_view printed) {
+    void Receive(std::string_view printed) {
         result.output += printed.substr(0, kOutputKept - std::min(kOutputKept, result.output.size()));
     }
 
@@ -102,12 +102,12 @@ private:
 void runCheck(const Check& check, const std::string& bundle, const std::string& scratch,
               const Channel& channel) {
     try {
-        Trial trial(bundle, scratch, channel);
-        check.body(trial);
+        CheckRun run(bundle, scratch, channel);
+        check.body(run);
     } catch (const Stopped&) { // told already
     } catch (const std::exception& fault) {
         // Such as a volume that the bundle has removed.
-        channel.Tell(Finding{"the check can be carried out", fault.what()});
+        channel.Send(Finding{"the check can be carried out", fault.what()});
     }
 }
 
@@ -145,13 +145,14 @@ private:
     /// Needs that were not chosen are not asked for.
     Readiness ReadinessOf(CheckResult& one) const {
         Readiness readiness = Readiness::kReady;
-        for (const std::string id : one.check->needs) {
-            const auto need = std::find_if(result.checks.begin(), result.checks.end(),
-                                           [&](const CheckResult& other) { return other.check->id == id; });
-            if (need == result.checks.end()) continue;
-            if (IsPending(static_cast<std::size_t>(need - result.checks.begin()))) {
+        for (const std::string id : one.check->dependencies) {
+            const auto dependency =
+                std::find_if(result.checks.begin(), result.checks.end(),
+                             [&](const CheckResult& other) { return other.check->id == id; });
+            if (dependency == result.checks.end()) continue;
+            if (IsPending(static_cast<std::size_t>(dependency - result.checks.begin()))) {
                 readiness = Readiness::kMustWait;
-            } else if (need->state != CheckResult::State::kPassed) {
+            } else if (dependency->state != CheckResult::State::kPassed) {
                 one.reason = "needs " + id;
                 return Readiness::kNever;
             }
@@ -186,7 +187,7 @@ private:
         const auto record = std::make_shared<RunningCheck>(one, result.table);
         ChildListener listener{[record](Message&& message) { record->Take(std::move(message)); },
                                [](macplatform::Alert&&) { return -1; }, // answered in the child
-                               [record](std::string_view printed) { record->Hear(printed); }};
+                               [record](std::string_view printed) { record->Receive(printed); }};
         running.push_back(place);
         children.Start([&](const Channel& channel) { runCheck(*one.check, path, folder, channel); }, limits,
                        std::move(listener),

@@ -17,12 +17,12 @@ void forEachPair(Map& before, Map& after, Visit visit) {
     auto left = before.begin();
     auto right = after.begin();
     while (left != before.end() || right != after.end()) {
-        const bool takesLeft = right == after.end() || (left != before.end() && left->first <= right->first);
-        const bool takesRight = left == before.end() || (right != after.end() && right->first <= left->first);
-        const std::string& key = takesLeft ? left->first : right->first;
-        visit(key, takesLeft ? &left->second : nullptr, takesRight ? &right->second : nullptr);
-        if (takesLeft) ++left;
-        if (takesRight) ++right;
+        const bool hasLeft = right == after.end() || (left != before.end() && left->first <= right->first);
+        const bool hasRight = left == before.end() || (right != after.end() && right->first <= left->first);
+        const std::string& key = hasLeft ? left->first : right->first;
+        visit(key, hasLeft ? &left->second : nullptr, hasRight ? &right->second : nullptr);
+        if (hasLeft) ++left;
+        if (hasRight) ++right;
     }
 }
 

@@ -19,7 +19,7 @@ namespace xcodhost {
 
 namespace {
 
-constexpr std::string_view kListExtension = ".plist";
+constexpr std::string_view kPropertyListExtension = ".plist";
 
 struct CloseFolder {
     void operator()(DIR* folder) const { closedir(folder); }
@@ -131,16 +131,16 @@ PreferencesFile readPreferences(const std::string& macPath) {
     } else if (!S_ISREG(status.st_mode)) {
         file.problem = "is not a file"; // opening a pipe would wait for a writer
     } else {
-        macplatform::PropertyListFile list = macplatform::ReadPropertyList(path);
-        if (list.errorNumber != 0) {
-            file.problem = std::string("cannot be read: ") + std::strerror(list.errorNumber);
-        } else if (!list.error.empty()) {
+        macplatform::PropertyListFile plist = macplatform::ReadPropertyList(path);
+        if (plist.errorNumber != 0) {
+            file.problem = std::string("cannot be read: ") + std::strerror(plist.errorNumber);
+        } else if (!plist.error.empty()) {
             file.problem = "is not a property list";
-        } else if (list.root.kind != macplatform::PropertyValue::Kind::kDictionary) {
+        } else if (plist.root.kind != macplatform::PropertyValue::Kind::kDictionary) {
             file.problem = "is not a dictionary of keys";
         }
-        for (std::size_t i = 0; file.problem.empty() && i < list.root.keys.size(); ++i) {
-            file.values.insert_or_assign(list.root.keys[i], std::move(list.root.values[i]));
+        for (std::size_t i = 0; file.problem.empty() && i < plist.root.keys.size(); ++i) {
+            file.values.insert_or_assign(plist.root.keys[i], std::move(plist.root.values[i]));
         }
     }
     return file;
@@ -159,7 +159,7 @@ void readAllPreferences(const std::string& volume, VolumeState& state) {
     for (const std::string& name : names) {
         const std::string macPath = std::string(kPreferencesFolder) + '/' + name;
         if (!IsPreferencesPath(macPath)) continue;
-        state.preferences.emplace(name.substr(0, name.size() - kListExtension.size()),
+        state.preferences.emplace(name.substr(0, name.size() - kPropertyListExtension.size()),
                                   readPreferences(macPath));
     }
 }
@@ -169,11 +169,11 @@ void readAllPreferences(const std::string& volume, VolumeState& state) {
 bool IsPreferencesPath(const std::string& macPath) {
     const std::string_view path = macPath;
     const std::string_view folder = kPreferencesFolder;
-    if (path.size() <= folder.size() + 1 + kListExtension.size()) return false;
+    if (path.size() <= folder.size() + 1 + kPropertyListExtension.size()) return false;
     const std::string_view name = path.substr(folder.size() + 1);
     return path.substr(0, folder.size()) == folder && path[folder.size()] == '/' &&
            name.find('/') == std::string_view::npos && name.substr(0, 2) != "._" &&
-           name.substr(name.size() - kListExtension.size()) == kListExtension;
+           name.substr(name.size() - kPropertyListExtension.size()) == kPropertyListExtension;
 }
 
 VolumeState ReadVolume(const std::string& volume) {

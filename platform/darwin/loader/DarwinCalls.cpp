@@ -166,10 +166,10 @@ std::uint32_t DarwinImport(const std::string& name) {
     if (void* const call = findIn(DarwinFileCalls(), name)) return address(call);
     if (void* const call = findIn(smallResults(), name)) return address(call);
     if (name.empty() || name[0] != '_') return 0;
-    const char* const plain = name.c_str() + 1;
-    if (std::find(std::begin(kSameCalls), std::end(kSameCalls), plain) != std::end(kSameCalls))
-        return address(dlsym(RTLD_DEFAULT, plain));
-    return isFrameworkName(plain) ? address(findInPlatform(plain)) : 0;
+    const char* const symbol = name.c_str() + 1;
+    if (std::find(std::begin(kSameCalls), std::end(kSameCalls), symbol) != std::end(kSameCalls))
+        return address(dlsym(RTLD_DEFAULT, symbol));
+    return isFrameworkName(symbol) ? address(findInPlatform(symbol)) : 0;
 }
 
 } // namespace macplatform

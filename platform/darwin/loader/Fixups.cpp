@@ -25,7 +25,7 @@ public:
         isSet = true;
     }
     void Skip(std::uint32_t bytes) { address += bytes; }
-    std::uint32_t Take() {
+    std::uint32_t Next() {
         if (!isSet) throw MachORefused("has a fix-up without a place");
         address += 4;
         return address - 4;
@@ -89,7 +89,7 @@ private:
 
     void Move(std::uint32_t count, std::uint32_t skip) {
         for (; count > 0; --count) {
-            const std::uint32_t address = cursor.Take();
+            const std::uint32_t address = cursor.Next();
             memory.SetWord(address, memory.Word(address) + memory.Slide());
             cursor.Skip(skip);
         }
@@ -172,7 +172,7 @@ private:
             throw MachORefused("imports " + std::string(name) + " of no library");
         const std::uint32_t value = find(std::string(name)) + addend;
         for (; count > 0; --count) {
-            memory.SetWord(cursor.Take(), value);
+            memory.SetWord(cursor.Next(), value);
             cursor.Skip(skip);
         }
     }

@@ -9,7 +9,7 @@ ImageMemory::ImageMemory(const ImageFile& file) : image(file) {
     void* const mapped =
         mmap(nullptr, file.end - file.start, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapped == MAP_FAILED) throw MachORefused("finds no memory");
-    room = static_cast<char*>(mapped);
+    capacity = static_cast<char*>(mapped);
     slide = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(mapped)) - file.start;
     for (const Segment& segment : file.segments) {
         if (!segment.contents.empty())

@@ -20,14 +20,14 @@ public:
     /// A section's bytes.
     std::string_view Bytes(const ImageSection& section) const;
     /// Where an address of the file lies now.
-    char* At(std::uint32_t address) const { return room + (address - image.start); }
+    char* At(std::uint32_t address) const { return capacity + (address - image.start); }
     void Protect() const;
 
 private:
     void Check(std::uint32_t address) const;
 
     const ImageFile& image;
-    char* room = nullptr;
+    char* capacity = nullptr;
     std::uint32_t slide = 0;
 };
 

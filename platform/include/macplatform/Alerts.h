@@ -23,11 +23,11 @@ struct Alert {
 
 /// The answer is the place of the chosen button, from 0. Any other means that the alert could not be shown:
 /// `runModal` then answers -1001, as for an alert that was aborted, and StopAlert -1.
-using AlertPresenter = std::function<int(const Alert&)>;
+using AlertResponder = std::function<int(const Alert&)>;
 
 /// Replaces the presenter; an empty one restores the first one, which shows nothing and chooses the first
 /// button of a message, and answers -1 for a stop alert.
-void SetAlertPresenter(AlertPresenter presenter);
+void SetAlertResponder(AlertResponder responder);
 
 } // namespace macplatform
 #pragma GCC visibility pop

@@ -11,8 +11,8 @@ namespace macplatform {
 /// The first thing that stood in the way.
 enum class BundleFault {
     kNone,
-    kNoBundle,          ///< No such folder, or no property list in it.
-    kBrokenList,        ///< The property list cannot be read or holds no dictionary.
+    kNoBundle,           ///< No such folder, or no property list in it.
+    kBrokenPropertyList, ///< The property list cannot be read or holds no dictionary.
     kMissingKey,        ///< The property list lacks a key, a factory or a type, or has a key in a wrong form.
     kNoExecutable,      ///< The file that the property list names is missing, unreadable or no regular file.
     kWrongArchitecture, ///< It was made for another processor or system, or is no program code.

@@ -15,7 +15,7 @@
 namespace macplatform {
 
 /// One call, after it is done.
-struct JournalEntry {
+struct RecordedCall {
     std::string call; ///< The function's name.
     /// As a person would write them: texts in quotation marks; of objc_msgSend receiver, selector and
     /// argument.
@@ -25,26 +25,26 @@ struct JournalEntry {
 };
 
 /// Called on the thread that made the call, before that goes on.
-using JournalObserver = std::function<void(const JournalEntry&)>;
+using CallObserver = std::function<void(const RecordedCall&)>;
 
 /// Replaces the observer; an empty one ends the telling. The observer must not throw.
-void SetJournalObserver(JournalObserver observer);
+void SetCallObserver(CallObserver observer);
 
 /// A failure that is ordered: the call of this name fails once, after `skip` more calls of it, in the way of
 /// its kind: null for a function that makes an object, false for one that answers yes or no, -1 for
 /// StopAlert, `code` as the result code of the other Carbon calls, and `code` as errno for those of the C
 /// library. It then has no other effect. Calls that cannot fail (CFRetain, CFRelease, CFStringGetLength,
 /// AEDisposeDesc, the clocks and others) never meet an ordered failure, which then waits.
-struct OrderedFault {
+struct InjectedFault {
     std::string call;  ///< The function's name, as the journal tells it.
     long code = 0;     ///< For calls that answer with a code.
     unsigned skip = 0; ///< Calls that succeed before.
 };
-/// Adds one to those that are waiting. A name that no call has waits until `CancelFaults`.
-void OrderFault(const OrderedFault& fault);
+/// Adds one to those that are waiting. A name that no call has waits until `CancelInjectedFaults`.
+void InjectFault(const InjectedFault& fault);
 
 /// Takes back every fault that has not happened yet; answers how many those were.
-std::size_t CancelFaults();
+std::size_t CancelInjectedFaults();
 
 } // namespace macplatform
 #pragma GCC visibility pop

@@ -21,7 +21,7 @@ enum class PropertyListFormat { kXml, kBinary };
 struct PropertyValue {
     /// The types of both formats. Only binary property lists have a `kUid`. `kNone` means that there is no
     /// value.
-    enum class Kind { kNone, kBoolean, kInteger, kReal, kText, kData, kDate, kUid, kArray, kDictionary };
+    enum class Kind { kNone, kBoolean, kInteger, kReal, kString, kData, kDate, kUid, kArray, kDictionary };
     Kind kind = Kind::kNone;  ///< Says which of the other members mean something.
     std::string text;         ///< The text; for scalars as a person would write them; data in hexadecimal.
     std::int64_t integer = 0; ///< kBoolean and kInteger; an integer from 2^63 on wraps to a negative one.

@@ -13,21 +13,21 @@ namespace macplatform {
 
 namespace {
 
-AlertPresenter& currentPresenter() {
-    static AlertPresenter gPresenter;
-    return gPresenter;
+AlertResponder& currentResponder() {
+    static AlertResponder gResponder;
+    return gResponder;
 }
 
 } // namespace
 
-void SetAlertPresenter(AlertPresenter presenter) { currentPresenter() = std::move(presenter); }
+void SetAlertResponder(AlertResponder responder) { currentResponder() = std::move(responder); }
 
 int Present(Alert alert) {
     if (alert.kind == Alert::Kind::kMessage && alert.buttons.empty()) alert.buttons = {"OK"};
-    const AlertPresenter presenter = currentPresenter(); // which may replace itself
-    if (!presenter) return alert.kind == Alert::Kind::kMessage ? 0 : -1;
+    const AlertResponder responder = currentResponder(); // which may replace itself
+    if (!responder) return alert.kind == Alert::Kind::kMessage ? 0 : -1;
     const auto buttons = static_cast<int>(std::max<std::size_t>(alert.buttons.size(), 1));
-    const int answer = presenter(alert);
+    const int answer = responder(alert);
     return answer >= 0 && answer < buttons ? answer : -1;
 }
 
@@ -36,9 +36,9 @@ int Present(Alert alert) {
 DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) try {
     using namespace macplatform;
     PlatformCall call("StopAlert");
-    if (call.IsTold()) call.SetArguments({std::to_string(alertID)});
+    if (call.IsRecorded()) call.SetArguments({std::to_string(alertID)});
     constexpr DialogItemIndex notShown = -1;
-    if (call.TakeFault()) return call.Result(notShown);
+    if (call.ConsumeFault()) return call.Result(notShown);
     Alert alert;
     alert.kind = Alert::Kind::kStop;
     alert.resource = alertID;

@@ -19,7 +19,7 @@
 
 using namespace macplatform;
 
-struct objc_object : LiveThing {
+struct objc_object : TrackedObject {
     static constexpr std::uint32_t kLiveMagic = 0x0B7EC7C1;
     std::uint32_t magic = kLiveMagic;
     int references = 1;
@@ -46,15 +46,15 @@ std::string textOf(const void* string, const char* message) {
 id makeAlert() {
     auto* const alert = new (std::nothrow) objc_object;
     if (!alert) return nullptr;
-    alert->Enlist([](const LiveThing& thing) {
-        return "NSAlert " + Quoted(static_cast<const objc_object&>(thing).alert.message);
+    alert->Register([](const TrackedObject& object) {
+        return "NSAlert " + Quoted(static_cast<const objc_object&>(object).alert.message);
     });
     return alert;
 }
 
 void releaseAlert(objc_object& alert) {
     if (--alert.references > 0) return;
-    alert.Delist();
+    alert.Unregister();
     alert.magic = 0;
     delete &alert;
 }
@@ -95,13 +95,13 @@ std::intptr_t sendToAlert(objc_object& alert, const std::string& message, const 
     return 0;
 }
 
-bool takesArgument(const std::string& message) { return !message.empty() && message.back() == ':'; }
+bool hasArgument(const std::string& message) { return !message.empty() && message.back() == ':'; }
 
-void tellMessage(PlatformCall& call, const objc_object* receiver, const std::string& message,
-                 const void* argument) {
-    if (!call.IsTold()) return;
+void recordMessage(PlatformCall& call, const objc_object* receiver, const std::string& message,
+                   const void* argument) {
+    if (!call.IsRecorded()) return;
     std::vector<std::string> texts = {receiver ? "NSAlert" : "nil", message};
-    if (takesArgument(message)) texts.push_back(argument ? Quoted(textOf(argument, "objc_msgSend")) : "nil");
+    if (hasArgument(message)) texts.push_back(argument ? Quoted(textOf(argument, "objc_msgSend")) : "nil");
     call.SetArguments(std::move(texts));
 }
 
@@ -111,8 +111,8 @@ MACPLATFORM_C_BEGIN
 
 id objc_getClass(const char* name) try {
     PlatformCall call("objc_getClass");
-    if (call.IsTold()) call.SetArguments({Quoted(name)});
-    const bool known = name && std::strcmp(name, "NSAlert") == 0 && !call.TakeFault();
+    if (call.IsRecorded()) call.SetArguments({Quoted(name)});
+    const bool known = name && std::strcmp(name, "NSAlert") == 0 && !call.ConsumeFault();
     return call.Result(known ? &classObject() : id{nullptr}, known ? "NSAlert" : "nil");
 } catch (const std::bad_alloc&) {
     return nullptr;
@@ -121,7 +121,7 @@ id objc_getClass(const char* name) try {
 SEL sel_registerName(const char* name) try {
     static auto& gNames = *new std::set<std::string>;
     PlatformCall call("sel_registerName");
-    if (call.IsTold()) call.SetArguments({Quoted(name)});
+    if (call.IsRecorded()) call.SetArguments({Quoted(name)});
     const std::string& kept = *gNames.emplace(name ? name : "").first;
     return call.Result(reinterpret_cast<SEL>(kept.c_str()), kept);
 } catch (const std::bad_alloc&) {
@@ -131,8 +131,8 @@ SEL sel_registerName(const char* name) try {
 std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) try {
     PlatformCall call("objc_msgSend");
     const std::string message = selector ? reinterpret_cast<const char*>(selector) : "";
-    tellMessage(call, receiver, message, argument);
-    if (!receiver || call.TakeFault()) return call.Result(std::intptr_t{0}, "nil");
+    recordMessage(call, receiver, message, argument);
+    if (!receiver || call.ConsumeFault()) return call.Result(std::intptr_t{0}, "nil");
     if (receiver->magic != objc_object::kLiveMagic)
         Misuse("objc_msgSend", message + " was sent to what is no object");
     const std::intptr_t answer =

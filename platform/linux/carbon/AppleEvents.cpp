@@ -19,7 +19,7 @@
 using namespace macplatform;
 
 /// What a descriptor holds: bytes, or parameters by their keywords. Freed with its descriptor.
-struct OpaqueAEDataStorageType : LiveThing {
+struct OpaqueAEDataStorageType : TrackedObject {
     struct Parameter {
         AEKeyword keyword;
         DescType type;
@@ -27,9 +27,9 @@ struct OpaqueAEDataStorageType : LiveThing {
     };
 
     explicit OpaqueAEDataStorageType(DescType ofType) : type(ofType) {
-        Enlist([](const LiveThing& thing) {
+        Register([](const TrackedObject& object) {
             return "Apple-event descriptor " +
-                   CodeText(static_cast<const OpaqueAEDataStorageType&>(thing).type);
+                   CodeText(static_cast<const OpaqueAEDataStorageType&>(object).type);
         });
     }
     OpaqueAEDataStorageType(const OpaqueAEDataStorageType& other) : OpaqueAEDataStorageType(other.type) {
@@ -40,7 +40,7 @@ struct OpaqueAEDataStorageType : LiveThing {
     OpaqueAEDataStorageType& operator=(const OpaqueAEDataStorageType&) = delete;
     ~OpaqueAEDataStorageType() {
         for (const Parameter& parameter : parameters) delete parameter.data;
-        Delist();
+        Unregister();
     }
 
     static std::string CodeText(FourCharCode code) {
@@ -118,7 +118,7 @@ template <typename Work>
 OSErr made(PlatformCall& call, AEDesc* result, Work work) {
     if (!result) return call.Result(OSErr{paramErr});
     *result = {typeNull, nullptr};
-    if (const auto fault = call.TakeFault()) return call.Result(static_cast<OSErr>(*fault));
+    if (const auto fault = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*fault));
     try {
         return call.Result(OSErr{work()});
     } catch (const std::bad_alloc&) {
@@ -157,12 +157,12 @@ OSErr sendEvent(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) 
     if (codeOf(record, kKeyEventClass) != kAECoreSuite || codeOf(record, kKeyEventID) != kAEMove)
         return errAEEventNotHandled;
 
-    auto answer = std::make_unique<Storage>(kTypeAppleEvent);
+    auto replyData = std::make_unique<Storage>(kTypeAppleEvent);
     if (const OSErr failed = moveAsTheFinderDoes(record)) {
-        putCode(*answer, keyErrorNumber, 'long', SInt32{failed});
+        putCode(*replyData, keyErrorNumber, 'long', SInt32{failed});
         call.SetNote("the Finder answered " + std::to_string(failed));
     }
-    giveTo(reply, kTypeAppleEvent, std::move(answer));
+    giveTo(reply, kTypeAppleEvent, std::move(replyData));
     return noErr;
 }
 
@@ -170,7 +170,7 @@ OSErr sendEvent(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) 
 
 OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) try {
     PlatformCall call("AECreateDesc");
-    if (call.IsTold()) call.SetArguments({Storage::CodeText(type), std::to_string(size) + " bytes"});
+    if (call.IsRecorded()) call.SetArguments({Storage::CodeText(type), std::to_string(size) + " bytes"});
     return made(call, result, [=]() -> OSErr {
         if (size < 0 || (size > 0 && !data)) return paramErr;
         if (type == typeNull) return noErr;
@@ -186,7 +186,7 @@ OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) t
 OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAddressDesc* target, AEReturnID,
                          AETransactionID, AppleEvent* result) try {
     PlatformCall call("AECreateAppleEvent");
-    if (call.IsTold())
+    if (call.IsRecorded())
         call.SetArguments({Storage::CodeText(eventClass), Storage::CodeText(eventID), shown(target)});
     return made(call, result, [=]() -> OSErr {
         if (!target) return paramErr;
@@ -203,8 +203,8 @@ OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAdd
 
 OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* value) try {
     PlatformCall call("AEPutParamDesc");
-    if (call.IsTold()) call.SetArguments({shown(event), Storage::CodeText(keyword), shown(value)});
-    if (const auto fault = call.TakeFault()) return call.Result(static_cast<OSErr>(*fault));
+    if (call.IsRecorded()) call.SetArguments({shown(event), Storage::CodeText(keyword), shown(value)});
+    if (const auto fault = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*fault));
     if (!event || !value) return call.Result(OSErr{paramErr});
     if (!event->dataHandle || event->dataHandle->type != kTypeAppleEvent)
         return call.Result(OSErr{errAENotAEDesc});
@@ -217,7 +217,7 @@ OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* value) 
 OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType form, AEDesc* key,
                          Boolean disposeInputs, AEDesc* specifier) try {
     PlatformCall call("CreateObjSpecifier");
-    if (call.IsTold())
+    if (call.IsRecorded())
         call.SetArguments({Storage::CodeText(desiredClass), Storage::CodeText(form), shown(key)});
     return made(call, specifier, [=]() -> OSErr {
         if (!container || !key) return paramErr;
@@ -240,7 +240,7 @@ OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType form
 OSErr AESend(const AppleEvent* event, AppleEvent* reply, AESendMode mode, AESendPriority, long, AEIdleUPP,
              AEFilterUPP) try {
     PlatformCall call("AESend");
-    if (call.IsTold()) call.SetArguments({shown(event), "mode " + std::to_string(mode)});
+    if (call.IsRecorded()) call.SetArguments({shown(event), "mode " + std::to_string(mode)});
     return made(call, reply, [&]() -> OSErr { return sendEvent(event, reply, call); });
 } catch (const std::bad_alloc&) {
     return memFullErr;
@@ -252,7 +252,7 @@ OSErr AEDisposeDesc(AEDesc* desc) try {
     const DescType type = desc->descriptorType;
     delete desc->dataHandle;
     *desc = {typeNull, nullptr};
-    if (call.IsTold()) call.SetArguments({Storage::CodeText(type)});
+    if (call.IsRecorded()) call.SetArguments({Storage::CodeText(type)});
     return call.Result(OSErr{noErr});
 } catch (const std::bad_alloc&) {
     return memFullErr;

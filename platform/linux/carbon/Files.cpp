@@ -60,8 +60,8 @@ OSErr setInfo(const FSRef& ref, const FSCatalogInfo& info) {
 OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) try {
     const char* const text = reinterpret_cast<const char*>(path);
     PlatformCall call("FSPathMakeRef");
-    if (call.IsTold()) call.SetArguments({Quoted(text)});
-    if (const auto code = call.TakeFault()) return call.Result(static_cast<OSStatus>(*code));
+    if (call.IsRecorded()) call.SetArguments({Quoted(text)});
+    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSStatus>(*code));
     if (!path || !ref) return call.Result(OSStatus{paramErr});
     const Item item = FindItem(std::string(text));
     if (item.result != noErr) return call.Result(OSStatus{item.result});
@@ -75,8 +75,8 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) try 
 Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) try {
     PlatformCall call("CFURLGetFSRef");
     const std::string& path = UrlPath(url);
-    if (call.IsTold()) call.SetArguments({Quoted(path)});
-    if (call.TakeFault() || !ref) return call.Result(Boolean{0});
+    if (call.IsRecorded()) call.SetArguments({Quoted(path)});
+    if (call.ConsumeFault() || !ref) return call.Result(Boolean{0});
     const Item item = FindItem(path);
     if (item.result != noErr) {
         call.SetNote("result code " + std::to_string(item.result));
@@ -91,14 +91,14 @@ Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) try {
 OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, FSCatalogInfo* info, HFSUniStr255* name,
                        FSSpec* spec, FSRef* parent) try {
     PlatformCall call("FSGetCatalogInfo");
-    if (call.IsTold()) call.SetArguments({DescribeReference(ref), describeBitmap(bitmap)});
-    if (const auto code = call.TakeFault()) return call.Result(static_cast<OSErr>(*code));
+    if (call.IsRecorded()) call.SetArguments({DescribeReference(ref), describeBitmap(bitmap)});
+    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*code));
     if (!ref || name || spec || parent || (!info && bitmap != kFSCatInfoNone))
         return call.Result(OSErr{paramErr});
     if ((bitmap & ~(kFSCatInfoFinderInfo | kFSCatInfoNodeFlags)) != 0)
         return call.Result(OSErr{errFSBadInfoBitmap});
     const OSErr result = getInfo(*ref, bitmap, info);
-    if (result != noErr || !call.IsTold()) return call.Result(result);
+    if (result != noErr || !call.IsRecorded()) return call.Result(result);
     return call.Result(result, "0, " + describeFlags(info, bitmap));
 } catch (const std::bad_alloc&) {
     return memFullErr;
@@ -106,9 +106,9 @@ OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, FSCatalogIn
 
 OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, const FSCatalogInfo* info) try {
     PlatformCall call("FSSetCatalogInfo");
-    if (call.IsTold())
+    if (call.IsRecorded())
         call.SetArguments({DescribeReference(ref), describeBitmap(bitmap), describeFlags(info, bitmap)});
-    if (const auto code = call.TakeFault()) return call.Result(static_cast<OSErr>(*code));
+    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*code));
     if (!ref || (!info && bitmap != kFSCatInfoNone)) return call.Result(OSErr{paramErr});
     if ((bitmap & ~kFSCatInfoFinderInfo) != 0) return call.Result(OSErr{errFSBadInfoBitmap});
     return call.Result(bitmap == kFSCatInfoNone ? FindItem(*ref).result : setInfo(*ref, *info));
@@ -118,8 +118,8 @@ OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, const FSCat
 
 OSErr FSExchangeObjects(const FSRef* ref, const FSRef* other) try {
     PlatformCall call("FSExchangeObjects");
-    if (call.IsTold()) call.SetArguments({DescribeReference(ref), DescribeReference(other)});
-    if (const auto code = call.TakeFault()) return call.Result(static_cast<OSErr>(*code));
+    if (call.IsRecorded()) call.SetArguments({DescribeReference(ref), DescribeReference(other)});
+    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*code));
     if (!ref || !other) return call.Result(OSErr{paramErr});
     for (const FSRef* each : {ref, other}) {
         if (const OSErr result = FindItem(*each).result; result != noErr) return call.Result(result);

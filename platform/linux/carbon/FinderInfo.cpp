@@ -113,7 +113,7 @@ void SwapBasicFinderInfo(const std::uint8_t* from, std::uint8_t* to, bool isFold
 }
 
 std::optional<std::uint16_t> ReadFinderFlags(const std::string& path) {
-    const PlatformInside inside;
+    const InternalCallScope internalCalls;
     FinderInfo info;
     if (ReadFinderInfo(path, info) != 0) return std::nullopt;
     return static_cast<std::uint16_t>(info[8] << 8 | info[9]);

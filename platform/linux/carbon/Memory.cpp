@@ -15,7 +15,7 @@ using namespace macplatform;
 namespace {
 
 /// Stands before the bytes that the caller gets.
-struct alignas(16) Block : LiveThing {
+struct alignas(16) Block : TrackedObject {
     static constexpr std::uint64_t kLiving = 0x4B4C42656D6F4D21;
     explicit Block(Size bytes) : size(bytes) {}
 
@@ -25,8 +25,8 @@ struct alignas(16) Block : LiveThing {
 
 thread_local OSErr gLastResult = noErr;
 
-std::string describe(const LiveThing& thing) {
-    return "memory block of " + std::to_string(static_cast<const Block&>(thing).size) + " bytes";
+std::string describe(const TrackedObject& object) {
+    return "memory block of " + std::to_string(static_cast<const Block&>(object).size) + " bytes";
 }
 
 Ptr makeBlock(Size size) {
@@ -35,7 +35,7 @@ Ptr makeBlock(Size size) {
     void* const memory = std::malloc(sizeof(Block) + static_cast<std::size_t>(size));
     if (!memory) return nullptr;
     auto* const block = new (memory) Block(size);
-    block->Enlist(describe);
+    block->Register(describe);
     return reinterpret_cast<Ptr>(block + 1);
 }
 
@@ -44,7 +44,7 @@ void freeBlock(Ptr pointer) {
     if (reinterpret_cast<std::uintptr_t>(pointer) % alignof(Block) != 0 || block->mark != Block::kLiving) {
         Misuse("DisposePtr", "this is no block of NewPtr, or it was disposed of already");
     }
-    block->Delist();
+    block->Unregister();
     block->mark = 0;
     std::free(block);
 }
@@ -53,8 +53,8 @@ void freeBlock(Ptr pointer) {
 
 Ptr NewPtr(Size size) try {
     PlatformCall call("NewPtr");
-    if (call.IsTold()) call.SetArguments({std::to_string(size)});
-    const Ptr block = call.TakeFault() ? nullptr : makeBlock(size);
+    if (call.IsRecorded()) call.SetArguments({std::to_string(size)});
+    const Ptr block = call.ConsumeFault() ? nullptr : makeBlock(size);
     gLastResult = block ? OSErr{noErr} : OSErr{memFullErr};
     return call.Result(block, block ? "a block" : "NULL");
 } catch (const std::bad_alloc&) {
@@ -66,7 +66,7 @@ void DisposePtr(Ptr pointer) try {
     PlatformCall call("DisposePtr");
     gLastResult = noErr;
     if (pointer) freeBlock(pointer);
-    if (call.IsTold()) call.SetArguments({pointer ? "a block" : "NULL"});
+    if (call.IsRecorded()) call.SetArguments({pointer ? "a block" : "NULL"});
 } catch (const std::bad_alloc&) {
     // The block is gone; only the telling failed.
 }

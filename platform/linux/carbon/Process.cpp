@@ -69,10 +69,10 @@ void macplatform::SetProcessorCount(std::optional<unsigned> count) { givenProces
 
 OSErr GetProcessInformation(const ProcessSerialNumber* process, ProcessInfoRec* info) try {
     PlatformCall call("GetProcessInformation");
-    if (const auto code = call.TakeFault()) return call.Result(static_cast<OSErr>(*code));
+    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*code));
     if (!process || !info || info->processInfoLength < sizeof info->processInfoLength)
         return call.Result(paramErr);
-    if (call.IsTold()) call.SetArguments({std::to_string(process->lowLongOfPSN)});
+    if (call.IsRecorded()) call.SetArguments({std::to_string(process->lowLongOfPSN)});
     if (process->highLongOfPSN != 0 || process->lowLongOfPSN != kCurrentProcess)
         return call.Result(procNotFound);
     describe(*info);

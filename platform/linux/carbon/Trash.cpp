@@ -115,9 +115,10 @@ std::string percentEncoded(const std::string& path) {
     std::string encoded;
     for (const char c : path) {
         const auto byte = static_cast<unsigned char>(c);
-        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-                           c == '/' || c == '-' || c == '_' || c == '.' || c == '~';
-        if (plain) {
+        const bool isUnreserved = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                                  (c >= '0' && c <= '9') || c == '/' || c == '-' || c == '_' || c == '.' ||
+                                  c == '~';
+        if (isUnreserved) {
             encoded += c;
         } else {
             ((encoded += '%') += hex[byte >> 4]) += hex[byte & 15];

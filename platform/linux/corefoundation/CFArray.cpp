@@ -54,14 +54,14 @@ CFArrayRef macplatform::NewArray(std::vector<CFTypeRef> items) {
 CFIndex CFArrayGetCount(CFArrayRef array) {
     PlatformCall call("CFArrayGetCount");
     const auto& items = checkedItems(array, "CFArrayGetCount");
-    Tell(call, array);
+    RecordArguments(call, array);
     return call.Result(static_cast<CFIndex>(items.size()));
 }
 
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
     PlatformCall call("CFArrayGetValueAtIndex");
     const auto& items = checkedItems(array, "CFArrayGetValueAtIndex");
-    Tell(call, array, index);
+    RecordArguments(call, array, index);
     if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
         Misuse("CFArrayGetValueAtIndex", "index " + std::to_string(index) + " lies outside of an array of " +
                                              std::to_string(items.size()) + " items");

@@ -23,7 +23,7 @@ public:
         return gQuarantine;
     }
 
-    void TakeIn(void* block, std::size_t size) {
+    void Add(void* block, std::size_t size) {
         std::memset(block, kPoison, size);
         void* oldest = nullptr;
         {
@@ -41,13 +41,13 @@ private:
 };
 
 void freeObject(Object& object) noexcept {
-    object.Delist();
+    object.Unregister();
     if (object.type->finalise) object.type->finalise(object);
-    Quarantine::Get().TakeIn(&object, object.size);
+    Quarantine::Get().Add(&object, object.size);
 }
 
-std::string describeLive(const LiveThing& thing) {
-    const auto& object = static_cast<const Object&>(thing);
+std::string describeTracked(const TrackedObject& tracked) {
+    const auto& object = static_cast<const Object&>(tracked);
     const std::int32_t count = object.references;
     return std::string(object.type->kind) + ' ' + object.type->describe(object) + ", " +
            std::to_string(count) + (count == 1 ? " reference" : " references");
@@ -90,7 +90,7 @@ Object& CheckedObject(CFTypeRef reference, const char* function, const ObjectCla
 void Introduce(Object& object, std::size_t size) noexcept {
     object.references = 1;
     object.size = size;
-    object.Enlist(&describeLive);
+    object.Register(&describeTracked);
 }
 
 bool TryRetain(const Object& object) noexcept {
@@ -114,7 +114,7 @@ void Release(Object& object) noexcept {
 
 void MakeImmortal(Object& object) noexcept {
     object.references = Object::kImmortal;
-    object.Delist();
+    object.Unregister();
 }
 
 bool Equal(CFTypeRef left, CFTypeRef right) {
@@ -150,34 +150,34 @@ const CFAllocatorRef kCFAllocatorSystemDefault = &kSystemDefault;
 CFTypeRef CFRetain(CFTypeRef object) {
     PlatformCall call("CFRetain");
     Retain(CheckedObject(object, "CFRetain"));
-    Tell(call, object);
+    RecordArguments(call, object);
     return ObjectResult(call, object);
 }
 
 void CFRelease(CFTypeRef object) {
     PlatformCall call("CFRelease");
     Object& checked = CheckedObject(object, "CFRelease");
-    Tell(call, object);
+    RecordArguments(call, object);
     Release(checked);
 }
 
 CFIndex CFGetRetainCount(CFTypeRef object) {
     PlatformCall call("CFGetRetainCount");
     const Object& checked = CheckedObject(object, "CFGetRetainCount");
-    Tell(call, object);
+    RecordArguments(call, object);
     return call.Result(static_cast<CFIndex>(checked.references));
 }
 
 CFTypeID CFGetTypeID(CFTypeRef object) {
     PlatformCall call("CFGetTypeID");
     const Object& checked = CheckedObject(object, "CFGetTypeID");
-    Tell(call, object);
+    RecordArguments(call, object);
     return call.Result(checked.type->id);
 }
 
 Boolean CFEqual(CFTypeRef left, CFTypeRef right) {
     PlatformCall call("CFEqual");
     const bool equal = Equal(left, right);
-    Tell(call, left, right);
-    return call.Result(Boolean{equal && !call.TakeFault()});
+    RecordArguments(call, left, right);
+    return call.Result(Boolean{equal && !call.ConsumeFault()});
 }

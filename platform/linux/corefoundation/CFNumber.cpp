@@ -152,10 +152,10 @@ CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const vo
     PlatformCall call("CFNumberCreate");
     if (!from) Misuse("CFNumberCreate", "the value is NULL");
     const auto value = readValue(type, from);
-    const CFNumberRef number = call.TakeFault() || !value ? nullptr : MakeObject<__CFNumber>(0, *value);
-    if (call.IsTold()) {
+    const CFNumberRef number = call.ConsumeFault() || !value ? nullptr : MakeObject<__CFNumber>(0, *value);
+    if (call.IsRecorded()) {
         const std::string text = value ? describeNumber(__CFNumber(*value)) : "?";
-        Tell(call, allocator, typeName(type), text);
+        RecordArguments(call, allocator, typeName(type), text);
     }
     return ObjectResult(call, number);
 } catch (const std::bad_alloc&) {
@@ -165,8 +165,8 @@ CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const vo
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* to) {
     PlatformCall call("CFNumberGetValue");
     const NumberValue& value = toValue(CheckedObject(number, "CFNumberGetValue", kNumberClass));
-    if (call.IsTold()) Tell(call, number, typeName(type), std::string("buffer"));
+    if (call.IsRecorded()) RecordArguments(call, number, typeName(type), std::string("buffer"));
     if (!to) Misuse("CFNumberGetValue", "the buffer is NULL");
-    if (call.TakeFault()) return call.Result(Boolean{false});
+    if (call.ConsumeFault()) return call.Result(Boolean{false});
     return call.Result(Boolean{writeValue(value, type, to)});
 }

@@ -34,7 +34,7 @@ struct ObjectClass {
     void (*finalise)(Object&);                   ///< Ends the members; null when there is nothing to end.
 };
 
-struct Object : LiveThing {
+struct Object : TrackedObject {
     static constexpr std::uint32_t kLiveMagic = 0xCF0B7EC7;
     static constexpr std::int32_t kImmortal = 0x7FFFFFFF;
 
@@ -100,14 +100,14 @@ inline std::string ArgumentText(long long number) { return std::to_string(number
 
 /// Tells the journal the arguments, if anyone listens. Running out of memory here ends the program.
 template <typename... Arguments>
-void Tell(PlatformCall& call, const Arguments&... arguments) noexcept {
-    if (call.IsTold()) call.SetArguments({ArgumentText(arguments)...});
+void RecordArguments(PlatformCall& call, const Arguments&... arguments) noexcept {
+    if (call.IsRecorded()) call.SetArguments({ArgumentText(arguments)...});
 }
 
 /// Notes an object as the result and hands it on.
 template <typename T>
 T ObjectResult(PlatformCall& call, T object) noexcept {
-    return call.IsTold() ? call.Result(object, Describe(object)) : object;
+    return call.IsRecorded() ? call.Result(object, Describe(object)) : object;
 }
 
 } // namespace macplatform

@@ -126,8 +126,8 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
                                       CFStringEncoding encoding) try {
     PlatformCall call("CFStringCreateWithCString");
     if (!text) Misuse("CFStringCreateWithCString", "the text is NULL");
-    if (call.IsTold()) Tell(call, allocator, text, encodingName(encoding));
-    return ObjectResult(call, call.TakeFault() ? nullptr : newDecodedString(text, encoding));
+    if (call.IsRecorded()) RecordArguments(call, allocator, text, encodingName(encoding));
+    return ObjectResult(call, call.ConsumeFault() ? nullptr : newDecodedString(text, encoding));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -137,8 +137,8 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar
     if (!units && count > 0) Misuse("CFStringCreateWithCharacters", "the text is NULL");
     if (count < 0) return ObjectResult(call, CFStringRef{});
     const std::u16string text(units, units + count);
-    if (call.IsTold()) Tell(call, allocator, Quoted(ReadableUtf8(text)), count);
-    return ObjectResult(call, call.TakeFault() ? nullptr : NewString(text));
+    if (call.IsRecorded()) RecordArguments(call, allocator, Quoted(ReadableUtf8(text)), count);
+    return ObjectResult(call, call.ConsumeFault() ? nullptr : NewString(text));
 } catch (const std::exception&) {
     return nullptr;
 }
@@ -148,8 +148,8 @@ CFStringRef CFStringCreateWithPascalString(CFAllocatorRef allocator, ConstStr255
     PlatformCall call("CFStringCreateWithPascalString");
     if (!text) Misuse("CFStringCreateWithPascalString", "the text is NULL");
     const std::string bytes(text + 1, text + 1 + text[0]);
-    if (call.IsTold()) Tell(call, allocator, Quoted(bytes), encodingName(encoding));
-    return ObjectResult(call, call.TakeFault() ? nullptr : newDecodedString(bytes, encoding));
+    if (call.IsRecorded()) RecordArguments(call, allocator, Quoted(bytes), encodingName(encoding));
+    return ObjectResult(call, call.ConsumeFault() ? nullptr : newDecodedString(bytes, encoding));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -157,18 +157,18 @@ CFStringRef CFStringCreateWithPascalString(CFAllocatorRef allocator, ConstStr255
 CFIndex CFStringGetLength(CFStringRef string) {
     PlatformCall call("CFStringGetLength");
     const StringObject& checked = checkedString(string, "CFStringGetLength");
-    Tell(call, string);
+    RecordArguments(call, string);
     return call.Result(static_cast<CFIndex>(checked.units.size()));
 }
 
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding) try {
     PlatformCall call("CFStringGetCString");
     const StringObject& checked = checkedString(string, "CFStringGetCString");
-    if (call.IsTold()) Tell(call, string, std::string("buffer"), size, encodingName(encoding));
+    if (call.IsRecorded()) RecordArguments(call, string, std::string("buffer"), size, encodingName(encoding));
     if (size < 1) return call.Result(Boolean{false});
     if (!buffer) Misuse("CFStringGetCString", "the buffer is NULL");
     buffer[0] = '\0';
-    if (call.TakeFault()) return call.Result(Boolean{false});
+    if (call.ConsumeFault()) return call.Result(Boolean{false});
     const auto bytes = encode(checked.units, encoding);
     if (!bytes || bytes->size() >= static_cast<std::size_t>(size)) return call.Result(Boolean{false});
     std::memcpy(buffer, bytes->c_str(), bytes->size() + 1);
@@ -181,9 +181,10 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
     PlatformCall call("CFStringGetCharacters");
     const std::u16string_view units = checkedString(string, "CFStringGetCharacters").units;
     const auto length = static_cast<CFIndex>(units.size());
-    if (call.IsTold()) {
-        Tell(call, string, '{' + std::to_string(range.location) + ", " + std::to_string(range.length) + '}',
-             std::string("buffer"));
+    if (call.IsRecorded()) {
+        RecordArguments(call, string,
+                        '{' + std::to_string(range.location) + ", " + std::to_string(range.length) + '}',
+                        std::string("buffer"));
     }
     if (range.location < 0 || range.length < 0 || range.location > length ||
         range.length > length - range.location) {

@@ -80,10 +80,10 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef pat
                                        Boolean isDirectory) try {
     PlatformCall call("CFURLCreateWithFileSystemPath");
     CheckedObject(path, "CFURLCreateWithFileSystemPath", kStringClass);
-    if (call.IsTold()) {
-        Tell(call, allocator, path, styleName(style), std::string(isDirectory ? "true" : "false"));
+    if (call.IsRecorded()) {
+        RecordArguments(call, allocator, path, styleName(style), std::string(isDirectory ? "true" : "false"));
     }
-    return ObjectResult(call, call.TakeFault() ? nullptr : newUrl(path, style, isDirectory));
+    return ObjectResult(call, call.ConsumeFault() ? nullptr : newUrl(path, style, isDirectory));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }

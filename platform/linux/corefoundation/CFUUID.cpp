@@ -29,7 +29,7 @@ public:
     }
 
     /// With one reference for the caller.
-    __CFUUID& Take(const UuidBytes& bytes) {
+    __CFUUID& Read(const UuidBytes& bytes) {
         const std::lock_guard lock(mutex);
         const auto place = uuids.emplace(bytes, nullptr).first;
         // One that is at its end in another thread is replaced; it then leaves the new one alone.
@@ -103,15 +103,15 @@ const UuidBytes& macplatform::BytesOf(CFUUIDRef uuid, const char* function) {
     return toUuid(CheckedObject(uuid, function, kUuidClass)).bytes;
 }
 
-CFUUIDRef macplatform::NewUuid(const UuidBytes& bytes) { return &UuidTable::Get().Take(bytes); }
+CFUUIDRef macplatform::NewUuid(const UuidBytes& bytes) { return &UuidTable::Get().Read(bytes); }
 
 CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef allocator, CFUUIDBytes given) try {
     PlatformCall call("CFUUIDCreateFromUUIDBytes");
     UuidBytes bytes;
     static_assert(sizeof given == sizeof bytes);
     std::memcpy(bytes.data(), &given, sizeof given);
-    if (call.IsTold()) Tell(call, allocator, UuidText(bytes));
-    return ObjectResult(call, call.TakeFault() ? nullptr : NewUuid(bytes));
+    if (call.IsRecorded()) RecordArguments(call, allocator, UuidText(bytes));
+    return ObjectResult(call, call.ConsumeFault() ? nullptr : NewUuid(bytes));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -119,10 +119,10 @@ CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef allocator, CFUUIDBytes given)
 CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid) {
     PlatformCall call("CFUUIDGetUUIDBytes");
     const UuidBytes& bytes = BytesOf(uuid, "CFUUIDGetUUIDBytes");
-    Tell(call, uuid);
+    RecordArguments(call, uuid);
     CFUUIDBytes result;
     std::memcpy(&result, bytes.data(), sizeof result);
-    if (call.IsTold()) call.Result(0, UuidText(bytes));
+    if (call.IsRecorded()) call.Result(0, UuidText(bytes));
     return result;
 }
 
@@ -133,9 +133,9 @@ CFUUIDRef CFUUIDGetConstantUUIDWithBytes(CFAllocatorRef allocator, UInt8 byte0, 
     PlatformCall call("CFUUIDGetConstantUUIDWithBytes");
     const UuidBytes bytes = {byte0, byte1, byte2,  byte3,  byte4,  byte5,  byte6,  byte7,
                              byte8, byte9, byte10, byte11, byte12, byte13, byte14, byte15};
-    if (call.IsTold()) Tell(call, allocator, UuidText(bytes));
-    if (call.TakeFault()) return ObjectResult(call, CFUUIDRef{});
-    __CFUUID& uuid = UuidTable::Get().Take(bytes);
+    if (call.IsRecorded()) RecordArguments(call, allocator, UuidText(bytes));
+    if (call.ConsumeFault()) return ObjectResult(call, CFUUIDRef{});
+    __CFUUID& uuid = UuidTable::Get().Read(bytes);
     MakeImmortal(uuid);
     return ObjectResult(call, CFUUIDRef{&uuid});
 } catch (const std::bad_alloc&) {

@@ -60,7 +60,7 @@ std::size_t sequenceLength(unsigned char lead, unsigned char second) {
 }
 
 /// Takes one sequence of two bytes or more off the front; nothing when it is not valid.
-std::optional<char32_t> takeSequence(std::string_view& bytes) {
+std::optional<char32_t> decodeSequence(std::string_view& bytes) {
     const auto byteAt = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const std::size_t length = bytes.size() < 2 ? 0 : sequenceLength(byteAt(0), byteAt(1));
     if (length == 0 || length > bytes.size()) return std::nullopt;
@@ -100,7 +100,7 @@ void appendUtf8(std::string& bytes, char32_t character) {
 }
 
 /// Takes one character off the front; nothing, with one unit taken, when a surrogate stands alone.
-std::optional<char32_t> takeCharacter(std::u16string_view& units) {
+std::optional<char32_t> decodeCharacter(std::u16string_view& units) {
     const char16_t first = units.front();
     units.remove_prefix(1);
     if ((first & 0xF800) != 0xD800) return first;
@@ -142,7 +142,7 @@ std::optional<std::u16string> DecodeUtf8(std::string_view bytes) {
         if (lead < 0x80 || lead == 0xA9) {
             units += lead < 0x80 ? char16_t{lead} : static_cast<char16_t>(kReplacement);
             bytes.remove_prefix(1);
-        } else if (const auto character = takeSequence(bytes)) {
+        } else if (const auto character = decodeSequence(bytes)) {
             appendUtf16(units, *character);
         } else {
             return std::nullopt;
@@ -155,7 +155,7 @@ bool IsUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
         if (static_cast<unsigned char>(bytes.front()) < 0x80) {
             bytes.remove_prefix(1);
-        } else if (!takeSequence(bytes)) {
+        } else if (!decodeSequence(bytes)) {
             return false;
         }
     }
@@ -189,7 +189,7 @@ std::optional<std::string> EncodeUtf8(std::u16string_view units) {
     std::string bytes;
     bytes.reserve(units.size());
     while (!units.empty()) {
-        const auto character = takeCharacter(units);
+        const auto character = decodeCharacter(units);
         if (!character) return std::nullopt;
         appendUtf8(bytes, *character);
     }
@@ -199,7 +199,7 @@ std::optional<std::string> EncodeUtf8(std::u16string_view units) {
 std::string ReadableUtf8(std::u16string_view units) {
     std::string bytes;
     bytes.reserve(units.size());
-    while (!units.empty()) appendUtf8(bytes, takeCharacter(units).value_or(kReplacement));
+    while (!units.empty()) appendUtf8(bytes, decodeCharacter(units).value_or(kReplacement));
     return bytes;
 }
 

@@ -9,13 +9,13 @@ namespace macplatform {
 
 namespace {
 
-using Object = BinaryListWriter::Object;
+using Object = BinaryPlistWriter::Object;
 
-class BinaryListCopy {
+class BinaryPlistCopy {
 public:
-    explicit BinaryListCopy(const std::string& bytes) : source(bytes) {}
+    explicit BinaryPlistCopy(const std::string& bytes) : source(bytes) {}
 
-    std::optional<std::string> With(BinaryListChanges changes) {
+    std::optional<std::string> With(BinaryPlistChanges changes) {
         if (!source.ReadTrailer() || source.KindOf(source.Root()) != BinaryKind::kDictionary)
             return std::nullopt;
         const auto entries = source.Children(source.Root());
@@ -23,10 +23,10 @@ public:
         copies.resize(source.ObjectCount());
         const std::size_t count = entries->size() / 2;
         for (std::size_t i = 0; i < count; ++i) {
-            if (!TakeEntry((*entries)[i], (*entries)[count + i], changes)) return std::nullopt;
+            if (!CopyEntry((*entries)[i], (*entries)[count + i], changes)) return std::nullopt;
         }
         for (const auto& [key, value] : changes) {
-            if (value) AddEntry(copy.Add(TextObject(key)), copy.Add(*value));
+            if (value) AddEntry(copy.Add(StringObject(key)), copy.Add(*value));
         }
         keys.insert(keys.end(), values.begin(), values.end());
         return copy.Bytes(copy.AddContainer(BinaryKind::kDictionary, keys));
@@ -39,8 +39,8 @@ private:
     }
 
     /// With its change, which is then done; false when it cannot be copied.
-    bool TakeEntry(std::size_t key, std::size_t value, BinaryListChanges& changes) {
-        const auto text = source.TextOf(key);
+    bool CopyEntry(std::size_t key, std::size_t value, BinaryPlistChanges& changes) {
+        const auto text = source.StringOf(key);
         if (!text) return false;
         const auto change = changes.find(*text);
         const bool isChanged = change != changes.end();
@@ -72,21 +72,21 @@ private:
         return copies[object] = children ? std::optional(copy.AddContainer(*kind, members)) : std::nullopt;
     }
 
-    BinaryListReader source;
-    BinaryListWriter copy;
+    BinaryPlistReader source;
+    BinaryPlistWriter copy;
     std::vector<std::optional<Object>> copies; ///< By the object's number in the source.
     std::vector<Object> keys, values;          ///< Of the root.
 };
 
 } // namespace
 
-std::optional<std::string> EditBinaryList(const std::string& bytes, const BinaryListChanges& changes) {
-    return BinaryListCopy(bytes).With(changes);
+std::optional<std::string> EditBinaryPlist(const std::string& bytes, const BinaryPlistChanges& changes) {
+    return BinaryPlistCopy(bytes).With(changes);
 }
 
-std::string EmptyBinaryList() {
-    BinaryListWriter list;
-    return list.Bytes(list.AddContainer(BinaryKind::kDictionary, {}));
+std::string EmptyBinaryPlist() {
+    BinaryPlistWriter plist;
+    return plist.Bytes(plist.AddContainer(BinaryKind::kDictionary, {}));
 }
 
 } // namespace macplatform

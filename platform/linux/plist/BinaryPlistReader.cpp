@@ -9,13 +9,13 @@
 namespace macplatform {
 
 /// The big-endian number at a place inside the bytes; SIZE_MAX for one that is larger than any size.
-std::size_t BinaryListReader::Number(std::size_t at, unsigned width) const {
+std::size_t BinaryPlistReader::Number(std::size_t at, unsigned width) const {
     std::uint64_t value = 0;
     for (std::size_t i = at; i < at + width; ++i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
     return value < SIZE_MAX ? static_cast<std::size_t>(value) : SIZE_MAX;
 }
 
-bool BinaryListReader::ReadTrailer() {
+bool BinaryPlistReader::ReadTrailer() {
     if (bytes.size() < 8 + 32) return false;
     const std::size_t trailer = bytes.size() - 32;
     offsetWidth = static_cast<unsigned char>(bytes[trailer + 6]);
@@ -28,7 +28,7 @@ bool BinaryListReader::ReadTrailer() {
            table <= trailer && objectCount <= (trailer - table) / offsetWidth;
 }
 
-std::optional<BinaryListReader::Extent> BinaryListReader::ExtentOf(std::size_t object) const {
+std::optional<BinaryPlistReader::Extent> BinaryPlistReader::ExtentOf(std::size_t object) const {
     const std::size_t at = Number(table + object * offsetWidth, offsetWidth);
     if (at < 8 || at >= table) return std::nullopt;
     Extent extent = {static_cast<BinaryKind>(Number(at, 1) >> 4), at, at + 1, Number(at, 1) & 0x0F};
@@ -42,12 +42,12 @@ std::optional<BinaryListReader::Extent> BinaryListReader::ExtentOf(std::size_t o
     return extent;
 }
 
-std::optional<BinaryKind> BinaryListReader::KindOf(std::size_t object) const {
+std::optional<BinaryKind> BinaryPlistReader::KindOf(std::size_t object) const {
     const auto extent = ExtentOf(object);
     return extent ? std::optional(extent->kind) : std::nullopt;
 }
 
-std::optional<std::vector<std::size_t>> BinaryListReader::Children(std::size_t object) const {
+std::optional<std::vector<std::size_t>> BinaryPlistReader::Children(std::size_t object) const {
     const auto extent = ExtentOf(object);
     if (!extent) return std::nullopt;
     if (!IsContainer(extent->kind)) return std::vector<std::size_t>();
@@ -62,16 +62,16 @@ std::optional<std::vector<std::size_t>> BinaryListReader::Children(std::size_t o
     return children;
 }
 
-std::optional<std::string> BinaryListReader::TextOf(std::size_t object) const {
+std::optional<std::string> BinaryPlistReader::StringOf(std::size_t object) const {
     const auto extent = ExtentOf(object);
     if (!extent) return std::nullopt;
-    if (extent->kind == BinaryKind::kAsciiText && extent->count <= table - extent->first) {
+    if (extent->kind == BinaryKind::kAsciiString && extent->count <= table - extent->first) {
         const std::string_view text = std::string_view(bytes).substr(extent->first, extent->count);
         const bool isWhole = std::all_of(
             text.begin(), text.end(), [](char c) { return c != 0 && static_cast<unsigned char>(c) < 0x80; });
         return isWhole ? std::optional<std::string>(text) : std::nullopt;
     }
-    if (extent->kind != BinaryKind::kUtf16Text || extent->count > (table - extent->first) / 2)
+    if (extent->kind != BinaryKind::kUtf16String || extent->count > (table - extent->first) / 2)
         return std::nullopt;
     std::u16string units(extent->count, u'\0');
     for (std::size_t i = 0; i < units.size(); ++i) {
@@ -81,7 +81,7 @@ std::optional<std::string> BinaryListReader::TextOf(std::size_t object) const {
     return EncodeUtf8(units);
 }
 
-std::optional<std::string_view> BinaryListReader::ScalarBytes(std::size_t object) const {
+std::optional<std::string_view> BinaryPlistReader::ScalarBytes(std::size_t object) const {
     const auto extent = ExtentOf(object);
     if (!extent || IsContainer(extent->kind)) return std::nullopt;
     std::size_t size = 0;
@@ -95,10 +95,10 @@ std::optional<std::string_view> BinaryListReader::ScalarBytes(std::size_t object
         size = extent->count + 1;
         break;
     case BinaryKind::kData:
-    case BinaryKind::kAsciiText:
+    case BinaryKind::kAsciiString:
         size = extent->count;
         break;
-    case BinaryKind::kUtf16Text:
+    case BinaryKind::kUtf16String:
         if (extent->count > table / 2) return std::nullopt;
         size = extent->count * 2;
         break;

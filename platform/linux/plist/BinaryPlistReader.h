@@ -12,10 +12,10 @@ namespace macplatform {
 
 /// The object table of a binary property list, looked at without making anything of it. Whatever the bytes
 /// are, nothing outside them is read.
-class BinaryListReader {
+class BinaryPlistReader {
 public:
     /// The bytes must outlive this.
-    explicit BinaryListReader(const std::string& source) : bytes(source) {}
+    explicit BinaryPlistReader(const std::string& source) : bytes(source) {}
 
     /// To be called first. False when the table does not lie inside the bytes, or is too large.
     bool ReadTrailer();
@@ -30,7 +30,7 @@ public:
     std::optional<std::vector<std::size_t>> Children(std::size_t object) const;
     /// In UTF-8; nothing when the object is no text or the parser would not keep each of its characters: one
     /// with a NUL, a lone surrogate or a byte that is not ASCII.
-    std::optional<std::string> TextOf(std::size_t object) const;
+    std::optional<std::string> StringOf(std::size_t object) const;
     /// The whole object; nothing when it is a container, of an unknown kind, or lies outside.
     std::optional<std::string_view> ScalarBytes(std::size_t object) const;
 

@@ -15,20 +15,20 @@ const char kTooDeep[] = "it is nested too deeply";
 const char kDamaged[] = "its binary form is damaged";
 
 /// Depth first, each object once; what comes out of a shared one counts each time it is referred to.
-class BinaryListWalk {
+class BinaryPlistValidator {
 public:
-    explicit BinaryListWalk(const std::string& bytes) : list(bytes) {}
+    explicit BinaryPlistValidator(const std::string& bytes) : reader(bytes) {}
 
-    std::string Danger() {
-        if (!list.ReadTrailer()) return kDamaged;
-        values.assign(list.ObjectCount(), 0);
-        depths.assign(list.ObjectCount(), 0);
-        state.assign(list.ObjectCount(), kUnseen);
-        if (!Enter(list.Root())) return reason;
+    std::string Validate() {
+        if (!reader.ReadTrailer()) return kDamaged;
+        values.assign(reader.ObjectCount(), 0);
+        depths.assign(reader.ObjectCount(), 0);
+        state.assign(reader.ObjectCount(), kUnseen);
+        if (!Push(reader.Root())) return reason;
         while (!stack.empty()) {
             if (!Step()) return reason;
         }
-        return depths[list.Root()] > kMaxPropertyListDepth ? kTooDeep : std::string();
+        return depths[reader.Root()] > kMaxPropertyListDepth ? kTooDeep : std::string();
     }
 
 private:
@@ -48,13 +48,13 @@ private:
     bool Step() {
         Container& top = stack.back();
         if (top.next == top.children.size()) {
-            Leave();
+            Pop();
             return stack.size() <= kMaxPropertyListDepth || Refuse(kTooDeep);
         }
         const std::size_t child = top.children[top.next];
         if (state[child] == kOpen) return Refuse("an object in it holds itself");
         if (state[child] == kUnseen) {
-            return stack.size() <= kMaxPropertyListDepth ? Enter(child) : Refuse(kTooDeep);
+            return stack.size() <= kMaxPropertyListDepth ? Push(child) : Refuse(kTooDeep);
         }
         ++top.next;
         if ((values[top.object] += values[child]) > kMaxPropertyListValues)
@@ -64,10 +64,10 @@ private:
     }
 
     /// A container goes onto the stack, and a scalar as one without members.
-    bool Enter(std::size_t object) {
-        auto children = list.Children(object);
+    bool Push(std::size_t object) {
+        auto children = reader.Children(object);
         if (!children) return Refuse(kDamaged);
-        if (list.KindOf(object) == BinaryKind::kDictionary && !CheckKeys(*children)) return false;
+        if (reader.KindOf(object) == BinaryKind::kDictionary && !CheckKeys(*children)) return false;
         state[object] = kOpen;
         stack.push_back({object, std::move(*children)});
         return true;
@@ -77,7 +77,7 @@ private:
     bool CheckKeys(const std::vector<std::size_t>& keysAndValues) {
         std::vector<std::string> keys;
         for (std::size_t i = 0; i < keysAndValues.size() / 2; ++i) {
-            auto key = list.TextOf(keysAndValues[i]);
+            auto key = reader.StringOf(keysAndValues[i]);
             if (!key) return Refuse(kDamaged);
             keys.push_back(std::move(*key));
         }
@@ -86,7 +86,7 @@ private:
                Refuse("a dictionary in it has the same key twice");
     }
 
-    void Leave() {
+    void Pop() {
         const Container& top = stack.back();
         state[top.object] = kDone;
         ++values[top.object];
@@ -94,7 +94,7 @@ private:
         stack.pop_back();
     }
 
-    BinaryListReader list;
+    BinaryPlistReader reader;
     std::vector<std::size_t> values; ///< That come out of each object, itself included.
     std::vector<unsigned> depths;
     std::vector<State> state;
@@ -104,6 +104,6 @@ private:
 
 } // namespace
 
-std::string BinaryListDanger(const std::string& bytes) { return BinaryListWalk(bytes).Danger(); }
+std::string ValidateBinaryPlist(const std::string& bytes) { return BinaryPlistValidator(bytes).Validate(); }
 
 } // namespace macplatform

@@ -57,30 +57,31 @@ std::string RealObject(double value) { return eightBytes(BinaryKind::kReal, valu
 std::string DateObject(double seconds) { return eightBytes(BinaryKind::kDate, seconds); }
 std::string DataObject(std::string_view bytes) { return head(BinaryKind::kData, bytes.size()).append(bytes); }
 
-std::string TextObject(std::string_view text) {
+std::string StringObject(std::string_view text) {
     if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
-        return head(BinaryKind::kAsciiText, text.size()).append(text);
+        return head(BinaryKind::kAsciiString, text.size()).append(text);
     }
     // Decoding drops a byte order mark at the start: this one, and not one of the text's own.
     const auto units = DecodeUtf8("\xEF\xBB\xBF" + std::string(text)).value_or(u"");
-    std::string bytes = head(BinaryKind::kUtf16Text, units.size());
+    std::string bytes = head(BinaryKind::kUtf16String, units.size());
     for (const char16_t unit : units) appendNumber(bytes, unit, 2);
     return bytes;
 }
 
-BinaryListWriter::Object BinaryListWriter::Add(std::string_view scalar) {
+BinaryPlistWriter::Object BinaryPlistWriter::Add(std::string_view scalar) {
     objects.push_back({BinaryKind::kSimple, scalars.size(), scalar.size()});
     scalars += scalar;
     return static_cast<Object>(objects.size() - 1);
 }
 
-BinaryListWriter::Object BinaryListWriter::AddContainer(BinaryKind kind, const std::vector<Object>& members) {
+BinaryPlistWriter::Object BinaryPlistWriter::AddContainer(BinaryKind kind,
+                                                          const std::vector<Object>& members) {
     objects.push_back({kind, references.size(), members.size()});
     references.insert(references.end(), members.begin(), members.end());
     return static_cast<Object>(objects.size() - 1);
 }
 
-std::string BinaryListWriter::Bytes(Object root) const {
+std::string BinaryPlistWriter::Bytes(Object root) const {
     const unsigned referenceWidth = widthFor(objects.size() - 1);
     std::string bytes = "bplist00";
     std::vector<std::size_t> offsets;

@@ -18,10 +18,10 @@ std::string RealObject(double value);
 std::string DateObject(double seconds);
 std::string DataObject(std::string_view bytes);
 /// The text must be UTF-8.
-std::string TextObject(std::string_view text);
+std::string StringObject(std::string_view text);
 
 /// Makes a binary property list out of objects, members before the container that holds them.
-class BinaryListWriter {
+class BinaryPlistWriter {
 public:
     using Object = std::uint32_t;
 

@@ -24,7 +24,7 @@ const char* PropertyValue::KindName() const {
 
 std::string PropertyValue::Describe() const {
     const bool isArray = kind == Kind::kArray;
-    if (kind == Kind::kText) return Quoted(text);
+    if (kind == Kind::kString) return Quoted(text);
     if (kind == Kind::kData) return '<' + text + '>';
     if (!isArray && kind != Kind::kDictionary) return text;
 

@@ -48,21 +48,21 @@ std::string hexText(plist_t node) {
     return text;
 }
 
-void takeInteger(plist_t node, PropertyValue& value) {
+void readInteger(plist_t node, PropertyValue& value) {
     std::uint64_t bits = 0;
     plist_get_uint_val(node, &bits);
     value.integer = static_cast<std::int64_t>(bits);
     value.text = std::to_string(value.integer); // the parser has no sign: above 2^63 it cannot be told
 }
 
-void takeString(plist_t node, PropertyValue& value) {
+void readString(plist_t node, PropertyValue& value) {
     std::uint64_t length = 0;
     if (const char* const text = plist_get_string_ptr(node, &length)) {
         value.text.assign(text, static_cast<std::size_t>(length));
     }
 }
 
-void takeItems(plist_t node, PropertyValue& value) {
+void readItems(plist_t node, PropertyValue& value) {
     plist_array_iter iterator = nullptr;
     plist_array_new_iter(node, &iterator);
     const std::unique_ptr<void, FreeBlock> guard(iterator);
@@ -71,7 +71,7 @@ void takeItems(plist_t node, PropertyValue& value) {
     }
 }
 
-void takeEntries(plist_t node, PropertyValue& value) {
+void readEntries(plist_t node, PropertyValue& value) {
     plist_dict_iter iterator = nullptr;
     plist_dict_new_iter(node, &iterator);
     const std::unique_ptr<void, FreeBlock> guard(iterator);
@@ -87,18 +87,18 @@ void takeEntries(plist_t node, PropertyValue& value) {
 }
 
 /// Numbers are written as the locale has it: with a decimal comma, they would lose their fractions.
-class PlainNumbers {
+class CLocaleScope {
 public:
-    PlainNumbers() : plain(newlocale(LC_ALL_MASK, "C", nullptr)), before(uselocale(plain)) {}
-    PlainNumbers(const PlainNumbers&) = delete;
-    PlainNumbers& operator=(const PlainNumbers&) = delete;
-    ~PlainNumbers() {
+    CLocaleScope() : cLocale(newlocale(LC_ALL_MASK, "C", nullptr)), before(uselocale(cLocale)) {}
+    CLocaleScope(const CLocaleScope&) = delete;
+    CLocaleScope& operator=(const CLocaleScope&) = delete;
+    ~CLocaleScope() {
         uselocale(before);
-        if (plain) freelocale(plain);
+        if (cLocale) freelocale(cLocale);
     }
 
 private:
-    locale_t plain, before;
+    locale_t cLocale, before;
 };
 
 } // namespace
@@ -107,36 +107,36 @@ PropertyListFormat FormatOf(const std::string& bytes) {
     return bytes.compare(0, 8, "bplist00") == 0 ? PropertyListFormat::kBinary : PropertyListFormat::kXml;
 }
 
-std::string BinaryFormOf(const std::string& bytes, std::string& error) {
+std::string ToBinaryPlist(const std::string& bytes, std::string& error) {
     error.clear();
     if (bytes.size() > kMaxPropertyListBytes) {
         error = "it is larger than 64 MiB";
     } else if (bytes.empty()) {
         error = "the file is empty";
     } else if (FormatOf(bytes) == PropertyListFormat::kXml) {
-        return BinaryListFromXml(bytes, error);
+        return BinaryPlistFromXml(bytes, error);
     } else {
-        error = BinaryListDanger(bytes);
+        error = ValidateBinaryPlist(bytes);
     }
     return error.empty() ? bytes : std::string();
 }
 
-PropertyListTree ParseBinaryForm(const std::string& list, std::string& error) {
+PropertyListTree ParseBinaryPlist(const std::string& plist, std::string& error) {
     plist_t tree = nullptr; // the parser reads what stands here
-    plist_from_bin(list.data(), static_cast<std::uint32_t>(list.size()), &tree);
+    plist_from_bin(plist.data(), static_cast<std::uint32_t>(plist.size()), &tree);
     if (!tree) error = "it is not a property list";
     return PropertyListTree(tree);
 }
 
 PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error) {
-    const std::string list = BinaryFormOf(bytes, error);
-    return list.empty() ? nullptr : ParseBinaryForm(list, error);
+    const std::string plist = ToBinaryPlist(bytes, error);
+    return plist.empty() ? nullptr : ParseBinaryPlist(plist, error);
 }
 
-std::string XmlFormOf(const std::string& list) {
+std::string ToXmlPlist(const std::string& plist) {
     std::string error;
-    const PropertyListTree tree = ParseBinaryForm(list, error);
-    const PlainNumbers plain;
+    const PropertyListTree tree = ParseBinaryPlist(plist, error);
+    const CLocaleScope cLocale;
     char* text = nullptr;
     std::uint32_t length = 0;
     if (tree) plist_to_xml(tree.get(), &text, &length);
@@ -160,7 +160,7 @@ PropertyValue ValueOf(plist_t node) {
         break;
     }
     case PLIST_UINT:
-        takeInteger(node, made(Kind::kInteger));
+        readInteger(node, made(Kind::kInteger));
         break;
     case PLIST_REAL: {
         double real = 0;
@@ -169,7 +169,7 @@ PropertyValue ValueOf(plist_t node) {
         break;
     }
     case PLIST_STRING:
-        takeString(node, made(Kind::kText));
+        readString(node, made(Kind::kString));
         break;
     case PLIST_DATA:
         made(Kind::kData).text = hexText(node);
@@ -184,10 +184,10 @@ PropertyValue ValueOf(plist_t node) {
         break;
     }
     case PLIST_ARRAY:
-        takeItems(node, made(Kind::kArray));
+        readItems(node, made(Kind::kArray));
         break;
     case PLIST_DICT:
-        takeEntries(node, made(Kind::kDictionary));
+        readEntries(node, made(Kind::kDictionary));
         break;
     default:
         break;

@@ -39,18 +39,18 @@ bool isXmlText(std::string_view bytes) {
            bytes.find("\xEF\xBF\xBF") == bytes.npos;
 }
 
-enum class Role { kList, kDictionary, kArray, kKey, kScalar };
+enum class Role { kPropertyList, kDictionary, kArray, kKey, kScalar };
 struct Element {
     std::string_view name;
     Role role;
     std::optional<std::string> (*object)(std::string_view); ///< Of its text; null for a container.
 };
 constexpr Element kElements[] = {
-    {"plist", Role::kList, nullptr},     {"dict", Role::kDictionary, nullptr},
-    {"array", Role::kArray, nullptr},    {"key", Role::kKey, TextFrom},
-    {"string", Role::kScalar, TextFrom}, {"integer", Role::kScalar, IntegerFrom},
-    {"real", Role::kScalar, RealFrom},   {"date", Role::kScalar, DateFrom},
-    {"data", Role::kScalar, DataFrom},   {"true", Role::kScalar, TrueFrom},
+    {"plist", Role::kPropertyList, nullptr}, {"dict", Role::kDictionary, nullptr},
+    {"array", Role::kArray, nullptr},        {"key", Role::kKey, StringFrom},
+    {"string", Role::kScalar, StringFrom},   {"integer", Role::kScalar, IntegerFrom},
+    {"real", Role::kScalar, RealFrom},       {"date", Role::kScalar, DateFrom},
+    {"data", Role::kScalar, DataFrom},       {"true", Role::kScalar, TrueFrom},
     {"false", Role::kScalar, FalseFrom},
 };
 
@@ -60,7 +60,7 @@ public:
     explicit XmlReader(const std::string& source) : xml(source), rest(source) {}
 
     bool Read() {
-        Take("\xEF\xBB\xBF");
+        Accept("\xEF\xBB\xBF");
         if (!isXmlText(rest) || !ReadDeclaration()) return false;
         while (!rest.empty()) {
             if (!ReadNext()) return false;
@@ -68,7 +68,7 @@ public:
         return open.empty() && hasRoot;
     }
 
-    std::string Binary() const { return list.Bytes(root); }
+    std::string Binary() const { return writer.Bytes(root); }
 
     std::string Error() const {
         if (!reason.empty()) return reason;
@@ -81,18 +81,18 @@ public:
 private:
     struct Opened {
         const Element* element;
-        std::vector<BinaryListWriter::Object> members; ///< Keys and values of a dictionary by turns.
+        std::vector<BinaryPlistWriter::Object> members; ///< Keys and values of a dictionary by turns.
         std::set<std::string> keys; ///< Of a dictionary: which of two would count, readers do not agree on.
     };
 
-    bool Take(std::string_view token) {
+    bool Accept(std::string_view token) {
         const bool isThere = rest.substr(0, token.size()) == token;
         if (isThere) rest.remove_prefix(token.size());
         return isThere;
     }
 
     /// What stands before the mark, which is taken too; nothing when there is no such mark.
-    std::optional<std::string_view> TakeUntil(std::string_view mark) {
+    std::optional<std::string_view> ReadUntil(std::string_view mark) {
         const std::size_t end = rest.find(mark);
         if (end == rest.npos) return std::nullopt;
         const std::string_view before = rest.substr(0, end);
@@ -106,7 +106,7 @@ private:
         return text.substr(static_cast<std::size_t>(first - text.begin()));
     }
 
-    std::string_view TakeName() {
+    std::string_view ParseName() {
         const auto end = std::find_if_not(rest.begin(), rest.end(), IsLetter);
         const std::string_view name = rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
         rest.remove_prefix(name.size());
@@ -114,17 +114,17 @@ private:
     }
 
     /// ` NAME = "VALUE"`; nothing when that is not what follows.
-    std::optional<std::string_view> TakeAttribute(std::string_view name) {
+    std::optional<std::string_view> ParseAttribute(std::string_view name) {
         const std::string_view before = rest;
         SkipSpace();
-        if (rest.size() == before.size() || !Take(name)) return rest = before, std::nullopt;
+        if (rest.size() == before.size() || !Accept(name)) return rest = before, std::nullopt;
         SkipSpace();
-        if (!Take("=")) return rest = before, std::nullopt;
+        if (!Accept("=")) return rest = before, std::nullopt;
         SkipSpace();
         const std::string_view quote = rest.substr(0, 1);
         if (quote != "\"" && quote != "'") return rest = before, std::nullopt;
         rest.remove_prefix(1);
-        const auto value = TakeUntil(quote);
+        const auto value = ReadUntil(quote);
         if (!value) rest = before;
         return value;
     }
@@ -132,36 +132,36 @@ private:
     bool ReadDeclaration() {
         if (rest.substr(0, 5) != "<?xml" || rest.size() < 6 || !IsSpace(rest[5])) return true;
         rest.remove_prefix(5);
-        if (TakeAttribute("version") != "1.0") return false;
-        if (const auto encoding = TakeAttribute("encoding")) {
+        if (ParseAttribute("version") != "1.0") return false;
+        if (const auto encoding = ParseAttribute("encoding")) {
             if (lowerCase(*encoding) != "utf-8") {
                 reason = "its XML is not in UTF-8";
                 return false;
             }
         }
-        if (const auto standalone = TakeAttribute("standalone");
+        if (const auto standalone = ParseAttribute("standalone");
             standalone && standalone != "yes" && standalone != "no")
             return false;
         SkipSpace();
-        return Take("?>");
+        return Accept("?>");
     }
 
     bool ReadNext() {
         if (rest.front() != '<') return ReadText();
-        if (Take("<!--")) {
-            const auto comment = TakeUntil("--");
-            return comment && Take(">");
+        if (Accept("<!--")) {
+            const auto comment = ReadUntil("--");
+            return comment && Accept(">");
         }
-        if (Take("<![CDATA[")) return ReadLiteralText();
-        if (Take("<!DOCTYPE")) return ReadDocumentType();
-        if (Take("<?")) return ReadInstruction();
-        if (Take("</")) return ReadEnd();
+        if (Accept("<![CDATA[")) return ReadLiteralText();
+        if (Accept("<!DOCTYPE")) return ReadDocumentType();
+        if (Accept("<?")) return ReadInstruction();
+        if (Accept("</")) return ReadEnd();
         rest.remove_prefix(1);
         return ReadStart();
     }
 
     bool ReadInstruction() {
-        const std::string_view target = TakeName();
+        const std::string_view target = ParseName();
         const auto behind = std::find_if_not(rest.begin(), rest.end(), [](char c) {
             return IsLetter(c) || IsDigit(c) || c == '-' || c == '_' || c == '.';
         });
@@ -169,7 +169,7 @@ private:
         rest.remove_prefix(static_cast<std::size_t>(behind - rest.begin()));
         if (target.empty() || isXml || rest.empty() || (!IsSpace(rest.front()) && rest.substr(0, 2) != "?>"))
             return false;
-        return TakeUntil("?>").has_value();
+        return ReadUntil("?>").has_value();
     }
 
     /// ` plist PUBLIC "..." "..."`, and no declarations.
@@ -177,27 +177,27 @@ private:
         if (hasType || hasRoot || !open.empty() || rest.empty() || !IsSpace(rest[0])) return false;
         hasType = true;
         SkipSpace();
-        if (!Take("plist")) return false;
-        const bool isPublic = TakeSpaced("PUBLIC");
-        if (isPublic && !TakeQuoted()) return false;
-        if ((isPublic || TakeSpaced("SYSTEM")) && !TakeQuoted()) return false;
+        if (!Accept("plist")) return false;
+        const bool isPublic = AcceptSpaced("PUBLIC");
+        if (isPublic && !ParseQuoted()) return false;
+        if ((isPublic || AcceptSpaced("SYSTEM")) && !ParseQuoted()) return false;
         SkipSpace();
-        return Take(">");
+        return Accept(">");
     }
 
-    bool TakeSpaced(std::string_view word) {
+    bool AcceptSpaced(std::string_view word) {
         const std::string_view before = rest;
         SkipSpace();
-        if (rest.size() < before.size() && Take(word)) return true;
+        if (rest.size() < before.size() && Accept(word)) return true;
         rest = before;
         return false;
     }
 
-    bool TakeQuoted() {
-        const std::size_t room = rest.size();
+    bool ParseQuoted() {
+        const std::size_t sizeBefore = rest.size();
         SkipSpace();
-        if (rest.size() == room || !Take("\"")) return false;
-        const auto text = TakeUntil("\"");
+        if (rest.size() == sizeBefore || !Accept("\"")) return false;
+        const auto text = ReadUntil("\"");
         return text && std::all_of(text->begin(), text->end(), [](char c) {
                    return IsLetter(c) || IsDigit(c) ||
                           std::string_view(" -'()+,./:=?;!*#@$_%").find(c) != std::string_view::npos;
@@ -205,17 +205,17 @@ private:
     }
 
     bool ReadStart() {
-        const std::string_view name = TakeName();
+        const std::string_view name = ParseName();
         const auto* const element = std::find_if(std::begin(kElements), std::end(kElements),
                                                  [name](const Element& e) { return e.name == name; });
         if (element == std::end(kElements) || !MayStand(element->role)) return false;
-        if (element->role == Role::kList) {
-            const auto version = TakeAttribute("version");
+        if (element->role == Role::kPropertyList) {
+            const auto version = ParseAttribute("version");
             if (version && version->find_first_of("<&") != version->npos) return false;
         }
         SkipSpace();
-        const bool isEmpty = Take("/");
-        if (!Take(">")) return false;
+        const bool isEmpty = Accept("/");
+        if (!Accept(">")) return false;
         open.push_back({element, {}, {}});
         content.clear();
         if (open.size() > kMaxPropertyListDepth + 2 || ++count > kMaxPropertyListValues) {
@@ -230,27 +230,27 @@ private:
         if (open.empty()) return !hasRoot && role != Role::kKey && (hasRoot = true);
         const Opened& parent = open.back();
         switch (parent.element->role) {
-        case Role::kList:
-            return parent.members.empty() && role != Role::kList && role != Role::kKey;
+        case Role::kPropertyList:
+            return parent.members.empty() && role != Role::kPropertyList && role != Role::kKey;
         case Role::kDictionary:
-            return role != Role::kList && (role == Role::kKey) == (parent.members.size() % 2 == 0);
+            return role != Role::kPropertyList && (role == Role::kKey) == (parent.members.size() % 2 == 0);
         case Role::kArray:
-            return role != Role::kList && role != Role::kKey;
+            return role != Role::kPropertyList && role != Role::kKey;
         default:
             return false;
         }
     }
 
     bool ReadEnd() {
-        if (open.empty() || TakeName() != open.back().element->name) return false;
+        if (open.empty() || ParseName() != open.back().element->name) return false;
         SkipSpace();
-        return Take(">") && Close();
+        return Accept(">") && Close();
     }
 
     bool Close() {
         const Opened closed = std::move(open.back());
         open.pop_back();
-        if (closed.element->role == Role::kList) return closed.members.size() == 1;
+        if (closed.element->role == Role::kPropertyList) return closed.members.size() == 1;
         const auto object = closed.element->object ? Scalar(*closed.element) : Container(closed);
         if (!object) return false;
         root = *object; // the last one is
@@ -258,24 +258,24 @@ private:
         return true;
     }
 
-    std::optional<BinaryListWriter::Object> Scalar(const Element& element) {
+    std::optional<BinaryPlistWriter::Object> Scalar(const Element& element) {
         const auto bytes = element.object(content);
         if (element.role == Role::kKey) reason = KeyFault();
         if (!bytes || !reason.empty()) return std::nullopt;
-        return list.Add(*bytes);
+        return writer.Add(*bytes);
     }
 
-    std::optional<BinaryListWriter::Object> Container(const Opened& closed) {
+    std::optional<BinaryPlistWriter::Object> Container(const Opened& closed) {
         if (closed.element->role == Role::kArray)
-            return list.AddContainer(BinaryKind::kArray, closed.members);
+            return writer.AddContainer(BinaryKind::kArray, closed.members);
         const std::size_t pairs = closed.members.size() / 2;
         if (closed.members.size() != 2 * pairs) return std::nullopt;
-        std::vector<BinaryListWriter::Object> keysAndValues(closed.members.size());
+        std::vector<BinaryPlistWriter::Object> keysAndValues(closed.members.size());
         for (std::size_t i = 0; i < pairs; ++i) {
             keysAndValues[i] = closed.members[2 * i];
             keysAndValues[pairs + i] = closed.members[2 * i + 1];
         }
-        return list.AddContainer(BinaryKind::kDictionary, keysAndValues);
+        return writer.AddContainer(BinaryKind::kDictionary, keysAndValues);
     }
 
     /// Why the key that was read cannot stand in its dictionary; empty when it can.
@@ -284,11 +284,11 @@ private:
         return open.back().keys.insert(content).second ? "" : "a dictionary in it has the same key twice";
     }
 
-    bool TakesText() const { return !open.empty() && open.back().element->object; }
+    bool AcceptsText() const { return !open.empty() && open.back().element->object; }
 
     bool ReadLiteralText() {
-        const auto literal = TakeUntil("]]>");
-        if (!literal || !TakesText()) return false;
+        const auto literal = ReadUntil("]]>");
+        if (!literal || !AcceptsText()) return false;
         AppendLines(*literal);
         return true;
     }
@@ -306,37 +306,37 @@ private:
 
     bool ReadText() {
         std::string_view run = rest.substr(0, rest.find('<'));
-        if (!TakesText()) {
+        if (!AcceptsText()) {
             rest.remove_prefix(run.size());
             return Stripped(run).empty();
         }
         if (run.find("]]>") != run.npos) return false;
-        const std::size_t plain = std::min(run.find('&'), run.size());
-        AppendLines(run.substr(0, plain));
-        rest.remove_prefix(plain);
-        return plain == run.size() || ReadReference();
+        const std::size_t literal = std::min(run.find('&'), run.size());
+        AppendLines(run.substr(0, literal));
+        rest.remove_prefix(literal);
+        return literal == run.size() || ReadReference();
     }
 
     bool ReadReference() {
         constexpr std::string_view named[] = {"&lt;", "&gt;", "&amp;", "&apos;", "&quot;"};
         for (std::size_t i = 0; i < std::size(named); ++i) {
-            if (Take(named[i])) return content += "<>&'\""[i], true;
+            if (Accept(named[i])) return content += "<>&'\""[i], true;
         }
-        if (!Take("&#")) return false;
-        const bool isHexadecimal = Take("x");
+        if (!Accept("&#")) return false;
+        const bool isHexadecimal = Accept("x");
         std::uint32_t character = 0;
         const auto read =
             std::from_chars(rest.data(), rest.data() + rest.size(), character, isHexadecimal ? 16 : 10);
         rest.remove_prefix(static_cast<std::size_t>(read.ptr - rest.data()));
-        if (read.ec != std::errc() || !Take(";") || !isXmlCharacter(character)) return false;
+        if (read.ec != std::errc() || !Accept(";") || !isXmlCharacter(character)) return false;
         content += Utf8Of(character);
         return true;
     }
 
     const std::string& xml;
     std::string_view rest;
-    BinaryListWriter list;
-    BinaryListWriter::Object root = 0;
+    BinaryPlistWriter writer;
+    BinaryPlistWriter::Object root = 0;
     std::vector<Opened> open;
     std::string content; ///< Of the innermost element, as far as it is read.
     std::size_t count = 0;
@@ -346,7 +346,7 @@ private:
 
 } // namespace
 
-std::string BinaryListFromXml(const std::string& xml, std::string& error) {
+std::string BinaryPlistFromXml(const std::string& xml, std::string& error) {
     XmlReader reader(xml);
     if (reader.Read()) return reader.Binary();
     error = reader.Error();

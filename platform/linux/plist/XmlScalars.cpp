@@ -13,7 +13,7 @@ namespace macplatform {
 namespace {
 
 /// Takes a sign off; true for minus.
-bool takeSign(std::string_view& text) {
+bool parseSign(std::string_view& text) {
     const bool isMinus = text.substr(0, 1) == "-";
     if (isMinus || text.substr(0, 1) == "+") text.remove_prefix(1);
     return isMinus;
@@ -45,7 +45,7 @@ std::optional<std::string> booleanFrom(std::string_view text, bool value) {
 
 std::optional<std::string> IntegerFrom(std::string_view text) {
     text = Stripped(text);
-    const bool isMinus = takeSign(text);
+    const bool isMinus = parseSign(text);
     const bool isHexadecimal = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
     if (isHexadecimal) text.remove_prefix(2);
     std::uint64_t value = 0;
@@ -59,7 +59,7 @@ std::optional<std::string> IntegerFrom(std::string_view text) {
 
 std::optional<std::string> RealFrom(std::string_view text) {
     text = Stripped(text);
-    const bool isMinus = takeSign(text);
+    const bool isMinus = parseSign(text);
     double value = 0;
     const char* const end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, value);
@@ -70,11 +70,11 @@ std::optional<std::string> RealFrom(std::string_view text) {
 }
 
 std::optional<std::string> DateFrom(std::string_view text) {
-    constexpr std::string_view form = "0000-00-00T00:00:00Z";
+    constexpr std::string_view pattern = "0000-00-00T00:00:00Z";
     text = Stripped(text);
-    if (text.size() != form.size()) return std::nullopt;
-    for (std::size_t i = 0; i < form.size(); ++i) {
-        if (form[i] == '0' ? !IsDigit(text[i]) : text[i] != form[i]) return std::nullopt;
+    if (text.size() != pattern.size()) return std::nullopt;
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        if (pattern[i] == '0' ? !IsDigit(text[i]) : text[i] != pattern[i]) return std::nullopt;
     }
     const auto number = [text](std::size_t at) { return (text[at] - '0') * 10 + (text[at + 1] - '0'); };
     const bool isDay = number(5) >= 1 && number(5) <= 12 && number(8) >= 1 && number(8) <= 31;
@@ -100,7 +100,7 @@ std::optional<std::string> DataFrom(std::string_view text) {
     return DataObject(bytes);
 }
 
-std::optional<std::string> TextFrom(std::string_view text) { return TextObject(text); }
+std::optional<std::string> StringFrom(std::string_view text) { return StringObject(text); }
 
 std::optional<std::string> TrueFrom(std::string_view text) { return booleanFrom(text, true); }
 std::optional<std::string> FalseFrom(std::string_view text) { return booleanFrom(text, false); }

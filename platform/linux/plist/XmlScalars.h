@@ -14,7 +14,7 @@ std::optional<std::string> RealFrom(std::string_view text);
 std::optional<std::string> DateFrom(std::string_view text);
 std::optional<std::string> DataFrom(std::string_view text);
 /// The text must be UTF-8.
-std::optional<std::string> TextFrom(std::string_view text);
+std::optional<std::string> StringFrom(std::string_view text);
 std::optional<std::string> TrueFrom(std::string_view text);
 std::optional<std::string> FalseFrom(std::string_view text);
 

@@ -99,29 +99,31 @@ bool PreferMacCode(bool preferred) {
 bool MacCodeIsPreferred() { return gPrefersMacCode; }
 
 BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
-    const PlatformInside inside;
+    const InternalCallScope internalCalls;
     if (!isFolder(path))
         return failure(BundleFault::kNoBundle, path + " is no bundle: there is no such folder");
-    const std::string listPath = path + "/Contents/Info.plist";
-    PropertyListFile list = ReadPropertyList(listPath);
-    if (list.errorNumber == ENOENT || list.errorNumber == ENOTDIR) {
+    const std::string plistPath = path + "/Contents/Info.plist";
+    PropertyListFile plist = ReadPropertyList(plistPath);
+    if (plist.errorNumber == ENOENT || plist.errorNumber == ENOTDIR) {
         return failure(BundleFault::kNoBundle, path + " is no bundle: it has no Contents/Info.plist");
     }
-    if (!list.error.empty()) return failure(BundleFault::kBrokenList, listPath + ": " + list.error);
-    if (list.root.kind != PropertyValue::Kind::kDictionary) {
-        return failure(BundleFault::kBrokenList, listPath + ": it holds no dictionary");
+    if (!plist.error.empty())
+        return failure(BundleFault::kBrokenPropertyList, plistPath + ": " + plist.error);
+    if (plist.root.kind != PropertyValue::Kind::kDictionary) {
+        return failure(BundleFault::kBrokenPropertyList, plistPath + ": it holds no dictionary");
     }
     bundle.path = path;
-    bundle.info = std::move(list.root);
+    bundle.info = std::move(plist.root);
     const std::string name = executableName(bundle);
     if (name.empty())
-        return failure(BundleFault::kMissingKey, listPath + ": CFBundleExecutable is not the name of a file");
+        return failure(BundleFault::kMissingKey,
+                       plistPath + ": CFBundleExecutable is not the name of a file");
     bundle.executable = chosenExecutable(path + "/Contents/Linux/" + name, path + "/Contents/MacOS/" + name);
     return {};
 }
 
 BundleFailure CheckExecutable(BundleFolder& bundle) {
-    const PlatformInside inside;
+    const InternalCallScope internalCalls;
     const std::string& file = bundle.executable;
     const Descriptor code(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!code) {

@@ -66,7 +66,7 @@ Bundle& checkedBundle(const void* plugIn, const char* function) {
     return static_cast<Bundle&>(CheckedObject(plugIn, function, kBundleClass));
 }
 
-std::string listPath(const Bundle& bundle) { return bundle.folder.path + "/Contents/Info.plist"; }
+std::string plistPath(const Bundle& bundle) { return bundle.folder.path + "/Contents/Info.plist"; }
 
 /// Factories and types out of the property list; what is no UUID or no name is left out.
 void readTables(Bundle& bundle) {
@@ -74,7 +74,7 @@ void readTables(Bundle& bundle) {
         for (std::size_t i = 0; i < factories->keys.size(); ++i) {
             const auto factory = ParseUuid(factories->keys[i]);
             const PropertyValue& function = factories->values[i];
-            if (factory && function.kind == PropertyValue::Kind::kText) {
+            if (factory && function.kind == PropertyValue::Kind::kString) {
                 bundle.factories[*factory] = function.text;
             }
         }
@@ -97,7 +97,7 @@ void noteMissingKeys(const Bundle& bundle) {
     for (const char* const key : {"CFPlugInTypes", "CFPlugInFactories"}) {
         const PropertyValue* const value = bundle.folder.info.Find(key);
         if (!value || value->kind != PropertyValue::Kind::kDictionary) {
-            fail(BundleFault::kMissingKey, listPath(bundle) + ": the dictionary " + key + " is missing");
+            fail(BundleFault::kMissingKey, plistPath(bundle) + ": the dictionary " + key + " is missing");
         }
     }
 }
@@ -131,7 +131,7 @@ bool loadCode(Bundle& bundle) {
         lastFailure() = std::move(failure);
         return false;
     }
-    const BundleCodeRuns initialisers;
+    const BundleCodeScope initialisers;
     if (bundle.folder.isMachO) {
         bundle.macCode = LoadMachO(bundle.folder.executable, lastFailure());
         return bundle.macCode != nullptr;
@@ -167,8 +167,9 @@ CFPlugInFactoryFunction findFactoryFunction(const UuidBytes& factory, const Uuid
     const auto listed = bundle->types.find(type);
     if (listed == bundle->types.end() ||
         std::find(listed->second.begin(), listed->second.end(), factory) == listed->second.end()) {
-        fail(BundleFault::kMissingKey,
-             listPath(*bundle) + ": CFPlugInTypes does not list this factory for the type " + UuidText(type));
+        fail(BundleFault::kMissingKey, plistPath(*bundle) +
+                                           ": CFPlugInTypes does not list this factory for the type " +
+                                           UuidText(type));
         return nullptr;
     }
     return reinterpret_cast<CFPlugInFactoryFunction>(findSymbol(*bundle, bundle->factories[factory]));
@@ -200,7 +201,7 @@ const ObjectClass kBundleClass = {
 const BundleFailure& LastBundleFailure() { return lastFailure(); }
 
 void* BundleSymbol(const void* plugIn, const std::string& name) {
-    const PlatformInside inside;
+    const InternalCallScope internalCalls;
     lastFailure() = {};
     return findSymbol(checkedBundle(plugIn, "BundleSymbol"), name);
 }
@@ -209,8 +210,8 @@ void* BundleSymbol(const void* plugIn, const std::string& name) {
 
 CFPlugInRef CFPlugInCreate(CFAllocatorRef allocator, CFURLRef url) {
     PlatformCall call("CFPlugInCreate");
-    Tell(call, allocator, url);
-    if (call.TakeFault()) return ObjectResult(call, CFPlugInRef{nullptr});
+    RecordArguments(call, allocator, url);
+    if (call.ConsumeFault()) return ObjectResult(call, CFPlugInRef{nullptr});
     try {
         return ObjectResult(call, CFPlugInRef{openBundle(UrlPath(url))});
     } catch (const std::bad_alloc&) {
@@ -221,8 +222,8 @@ CFPlugInRef CFPlugInCreate(CFAllocatorRef allocator, CFURLRef url) {
 CFArrayRef CFPlugInFindFactoriesForPlugInTypeInPlugIn(CFUUIDRef type, CFPlugInRef plugIn) {
     constexpr char name[] = "CFPlugInFindFactoriesForPlugInTypeInPlugIn";
     PlatformCall call(name);
-    Tell(call, type, plugIn);
-    if (call.TakeFault()) return ObjectResult(call, CFArrayRef{nullptr});
+    RecordArguments(call, type, plugIn);
+    if (call.ConsumeFault()) return ObjectResult(call, CFArrayRef{nullptr});
     try {
         return ObjectResult(call, factoriesInPlugIn(BytesOf(type, name), checkedBundle(plugIn, name)));
     } catch (const std::bad_alloc&) {
@@ -233,8 +234,8 @@ CFArrayRef CFPlugInFindFactoriesForPlugInTypeInPlugIn(CFUUIDRef type, CFPlugInRe
 void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUIDRef type) {
     constexpr char name[] = "CFPlugInInstanceCreate";
     PlatformCall call(name);
-    Tell(call, allocator, factory, type);
-    if (call.TakeFault()) return call.Result(static_cast<void*>(nullptr));
+    RecordArguments(call, allocator, factory, type);
+    if (call.ConsumeFault()) return call.Result(static_cast<void*>(nullptr));
     CFPlugInFactoryFunction make = nullptr;
     try {
         make = findFactoryFunction(BytesOf(factory, name), BytesOf(type, name));
@@ -243,7 +244,7 @@ void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUID
     }
     void* instance = nullptr;
     if (make) {
-        const BundleCodeRuns factoryFunction;
+        const BundleCodeScope factoryFunction;
         instance = make(allocator, type);
     }
     if (make && !instance) {
@@ -256,7 +257,7 @@ void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUID
 void CFPlugInAddInstanceForFactory(CFUUIDRef factory) {
     constexpr char name[] = "CFPlugInAddInstanceForFactory";
     PlatformCall call(name);
-    Tell(call, factory);
+    RecordArguments(call, factory);
     if (Bundle* const bundle = bundleOfFactory(BytesOf(factory, name))) {
         ++bundle->instances;
         Retain(*bundle);
@@ -266,7 +267,7 @@ void CFPlugInAddInstanceForFactory(CFUUIDRef factory) {
 void CFPlugInRemoveInstanceForFactory(CFUUIDRef factory) {
     constexpr char name[] = "CFPlugInRemoveInstanceForFactory";
     PlatformCall call(name);
-    Tell(call, factory);
+    RecordArguments(call, factory);
     Bundle* const bundle = bundleOfFactory(BytesOf(factory, name));
     // A count that was never raised would free the bundle under its owner.
     if (!bundle || bundle->instances == 0) return;

@@ -27,7 +27,7 @@ std::uint64_t mach_absolute_time() {
 kern_return_t mach_timebase_info(mach_timebase_info_t info) {
     constexpr kern_return_t invalidArgument = 4;
     PlatformCall call("mach_timebase_info");
-    if (const auto code = call.TakeFault()) return call.Result(static_cast<kern_return_t>(*code));
+    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<kern_return_t>(*code));
     if (!info) return call.Result(invalidArgument);
     *info = {1, 1};
     return call.Result(0);

@@ -83,8 +83,8 @@ void macplatform::SetCpuFrequency(std::optional<std::uint64_t> hertz) { givenFre
 
 int sysctlnametomib(const char* name, int* mib, std::size_t* count) try {
     PlatformCall call("sysctlnametomib");
-    if (call.IsTold()) call.SetArguments({macplatform::Quoted(name)});
-    if (const auto code = call.TakeFault()) return refuse(call, *code);
+    if (call.IsRecorded()) call.SetArguments({macplatform::Quoted(name)});
+    if (const auto code = call.ConsumeFault()) return refuse(call, *code);
     if (!name || !mib || !count) return refuse(call, EFAULT);
     if (std::strcmp(name, "hw.cpufrequency") != 0 || frequency() == 0) return refuse(call, ENOENT);
     if (*count < 2) return refuse(call, ENOMEM);
@@ -100,12 +100,12 @@ int sysctlnametomib(const char* name, int* mib, std::size_t* count) try {
 int sysctl(int* mib, unsigned int mibCount, void* oldValue, std::size_t* oldSize, void* newValue,
            std::size_t) try {
     PlatformCall call("sysctl");
-    if (const auto code = call.TakeFault()) return refuse(call, *code);
+    if (const auto code = call.ConsumeFault()) return refuse(call, *code);
     if (!mib || (oldValue && !oldSize)) return refuse(call, EFAULT);
     const std::uint64_t hertz = frequency();
     if (mibCount != 2 || mib[0] != kHardware || mib[1] != kCpuFrequency || hertz == 0)
         return refuse(call, ENOENT);
-    if (call.IsTold()) call.SetArguments({"hw.cpufrequency"});
+    if (call.IsRecorded()) call.SetArguments({"hw.cpufrequency"});
     if (newValue) return refuse(call, EPERM);
     if (oldValue) {
         if (*oldSize < sizeof hertz) return refuse(call, ENOMEM);

@@ -22,7 +22,7 @@ int checkKind(int descriptor, std::size_t limit) {
 } // namespace
 
 int ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes) {
-    const PlatformInside inside;
+    const InternalCallScope internalCalls;
     bytes.clear();
     // Without waiting: a pipe in the file's place would wait for a writer for ever.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));

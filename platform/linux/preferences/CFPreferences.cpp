@@ -79,8 +79,8 @@ const CFStringRef kCFPreferencesCurrentHost = &kCurrentHost;
 void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef domain, CFStringRef user,
                            CFStringRef host) {
     PlatformCall call("CFPreferencesSetValue");
-    Tell(call, key, value, domain, user, host);
-    if (call.TakeFault()) return;
+    RecordArguments(call, key, value, domain, user, host);
+    if (call.ConsumeFault()) return;
     // Other scopes are not kept apart: their synchronisation answers false, which tells the caller as much.
     try {
         call.SetNote(isStored(user, host) ? keepWaiting(key, value, domain, "CFPreferencesSetValue")
@@ -92,8 +92,8 @@ void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef
 
 Boolean CFPreferencesSynchronize(CFStringRef domain, CFStringRef user, CFStringRef host) {
     PlatformCall call("CFPreferencesSynchronize");
-    Tell(call, domain, user, host);
-    if (call.TakeFault()) return call.Result(Boolean{false});
+    RecordArguments(call, domain, user, host);
+    if (call.ConsumeFault()) return call.Result(Boolean{false});
     std::string failure;
     try {
         failure = store(domain, user, host, "CFPreferencesSynchronize");

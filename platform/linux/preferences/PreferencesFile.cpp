@@ -26,7 +26,7 @@ namespace {
 
 constexpr char kPreferencesFolder[] = "/Library/Preferences";
 
-std::string why(const std::string& thing, int error) { return thing + ": " + std::strerror(error); }
+std::string why(const std::string& object, int error) { return object + ": " + std::strerror(error); }
 
 /// Makes a folder, and everything on the way to it.
 void makeFolder(const std::string& path) {
@@ -77,7 +77,7 @@ bool canHold(PropertyListFormat format, const std::string& text) {
 
 /// As a list has it.
 std::string objectOf(const PreferenceValue& value) {
-    if (const auto* text = std::get_if<std::string>(&value)) return TextObject(*text);
+    if (const auto* text = std::get_if<std::string>(&value)) return StringObject(*text);
     if (const auto* real = std::get_if<double>(&value)) return RealObject(*real);
     const std::int64_t number = std::get<std::int64_t>(value);
     const auto bits = static_cast<std::uint64_t>(number);
@@ -87,7 +87,7 @@ std::string objectOf(const PreferenceValue& value) {
 PropertyValue asReadAgain(const PreferenceValue& value) {
     PropertyValue read;
     if (const auto* text = std::get_if<std::string>(&value)) {
-        read.kind = PropertyValue::Kind::kText;
+        read.kind = PropertyValue::Kind::kString;
         read.text = *text;
     } else if (const auto* real = std::get_if<double>(&value)) {
         read.kind = PropertyValue::Kind::kReal;
@@ -131,7 +131,7 @@ public:
         struct stat status {};
         if (fstatat(folder.Get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
             if (errno != ENOENT) return why(path, errno);
-            list = EmptyBinaryList();
+            plist = EmptyBinaryPlist();
             return {};
         }
         exists = true;
@@ -141,8 +141,8 @@ public:
         if (const int failed = target.empty() ? errno : ReadWholeFile(target, kMaxPropertyListBytes, bytes)) {
             return why(path, failed);
         }
-        list = BinaryFormOf(bytes, error);
-        const PropertyListTree tree = list.empty() ? nullptr : ParseBinaryForm(list, error);
+        plist = ToBinaryPlist(bytes, error);
+        const PropertyListTree tree = plist.empty() ? nullptr : ParseBinaryPlist(plist, error);
         if (!tree) return path + ": " + error;
         format = FormatOf(bytes);
         entries = ValueOf(tree.get());
@@ -174,17 +174,17 @@ public:
 
     std::string Write() {
         if (changes.empty()) return {};
-        BinaryListChanges objects;
+        BinaryPlistChanges objects;
         for (const auto& [key, value] : changes) {
             objects.emplace(key, value ? std::optional(objectOf(*value)) : std::nullopt);
         }
-        const auto edited = EditBinaryList(list, objects);
+        const auto edited = EditBinaryPlist(plist, objects);
         entries = withChanges(std::move(entries), std::move(changes));
         if (entries.keys.empty()) {
             return !exists || unlinkat(folder.Get(), name.c_str(), 0) == 0 ? std::string() : why(path, errno);
         }
         std::string bytes, error;
-        if (edited) bytes = format == PropertyListFormat::kBinary ? *edited : XmlFormOf(*edited);
+        if (edited) bytes = format == PropertyListFormat::kBinary ? *edited : ToXmlPlist(*edited);
         const PropertyListTree again = ParsePropertyList(bytes, error);
         if (!again || ValueOf(again.get()) != entries) {
             return path + ": it cannot be written again without loss";
@@ -196,7 +196,7 @@ public:
 private:
     const Descriptor& folder;
     std::string name, path;
-    std::string list;      ///< In binary form.
+    std::string plist;     ///< In binary form.
     PropertyValue entries; ///< Of it; after Write, of what was written.
     PreferenceChanges changes;
     PropertyListFormat format = PropertyListFormat::kBinary;
@@ -206,7 +206,7 @@ private:
 } // namespace
 
 std::string StorePreferences(const std::string& domain, const PreferenceChanges& changes) {
-    const PlatformInside inside;
+    const InternalCallScope internalCalls;
     if (!isFileName(domain)) return Quoted(domain) + " is no name of a preferences file";
     if (changes.empty()) return {};
     std::string folderPath;

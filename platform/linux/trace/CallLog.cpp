@@ -11,13 +11,13 @@ namespace macplatform {
 
 namespace {
 
-JournalObserver& currentObserver() {
-    static JournalObserver gObserver;
+CallObserver& currentObserver() {
+    static CallObserver gObserver;
     return gObserver;
 }
 
-std::vector<OrderedFault>& pendingFaults() {
-    static std::vector<OrderedFault> gFaults;
+std::vector<InjectedFault>& pendingFaults() {
+    static std::vector<InjectedFault> gFaults;
     return gFaults;
 }
 
@@ -25,11 +25,11 @@ thread_local int gCallDepth = 0;
 
 } // namespace
 
-void SetJournalObserver(JournalObserver observer) { currentObserver() = std::move(observer); }
+void SetCallObserver(CallObserver observer) { currentObserver() = std::move(observer); }
 
-void OrderFault(const OrderedFault& fault) { pendingFaults().push_back(fault); }
+void InjectFault(const InjectedFault& fault) { pendingFaults().push_back(fault); }
 
-std::size_t CancelFaults() {
+std::size_t CancelInjectedFaults() {
     const std::size_t count = pendingFaults().size();
     pendingFaults().clear();
     return count;
@@ -63,30 +63,30 @@ std::string Digits(double number) {
 }
 
 PlatformCall::PlatformCall(const char* functionName)
-    : name(functionName), told(gCallDepth == 0 && currentObserver() != nullptr) {
+    : name(functionName), isRecorded(gCallDepth == 0 && currentObserver() != nullptr) {
     ++gCallDepth;
 }
 
 PlatformCall::~PlatformCall() {
     // The observer's own platform calls are not told either: the depth goes down after it is done.
     const int errorNumber = errno; // part of the result of some calls
-    if (told) currentObserver()({name, std::move(arguments), std::move(result), std::move(note)});
+    if (isRecorded) currentObserver()({name, std::move(arguments), std::move(result), std::move(note)});
     errno = errorNumber;
     --gCallDepth;
 }
 
-PlatformInside::PlatformInside() { ++gCallDepth; }
-PlatformInside::~PlatformInside() { --gCallDepth; }
-bool PlatformInside::IsActive() { return gCallDepth > 0; }
+InternalCallScope::InternalCallScope() { ++gCallDepth; }
+InternalCallScope::~InternalCallScope() { --gCallDepth; }
+bool InternalCallScope::IsActive() { return gCallDepth > 0; }
 
-BundleCodeRuns::BundleCodeRuns() : outerDepth(gCallDepth) { gCallDepth = 0; }
-BundleCodeRuns::~BundleCodeRuns() { gCallDepth = outerDepth; }
+BundleCodeScope::BundleCodeScope() : outerDepth(gCallDepth) { gCallDepth = 0; }
+BundleCodeScope::~BundleCodeScope() { gCallDepth = outerDepth; }
 
-std::optional<long> PlatformCall::TakeFault() {
+std::optional<long> PlatformCall::ConsumeFault() {
     if (gCallDepth != 1) return std::nullopt;
     auto& faults = pendingFaults();
     const auto fault =
-        std::find_if(faults.begin(), faults.end(), [this](const OrderedFault& f) { return f.call == name; });
+        std::find_if(faults.begin(), faults.end(), [this](const InjectedFault& f) { return f.call == name; });
     if (fault == faults.end()) return std::nullopt;
     if (fault->skip > 0) {
         --fault->skip;

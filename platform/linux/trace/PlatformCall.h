@@ -20,8 +20,8 @@ std::string Digits(double number);
 ///
 ///     OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
 ///         PlatformCall call("FSPathMakeRef");
-///         if (call.IsTold()) call.SetArguments({Quoted(path)});
-///         if (auto code = call.TakeFault()) return call.Result(static_cast<OSStatus>(*code));
+///         if (call.IsRecorded()) call.SetArguments({Quoted(path)});
+///         if (auto code = call.ConsumeFault()) return call.Result(static_cast<OSStatus>(*code));
 ///         ...
 ///         return call.Result(status);
 ///     }
@@ -33,26 +33,26 @@ public:
     ~PlatformCall();
 
     /// Whether describing this call is worth the work.
-    bool IsTold() const { return told; }
+    bool IsRecorded() const { return isRecorded; }
     void SetArguments(std::vector<std::string> texts) { arguments = std::move(texts); }
 
     /// The code of a fault that was ordered for this call, which it uses up.
-    std::optional<long> TakeFault();
+    std::optional<long> ConsumeFault();
 
     /// Says why a call had no effect or failed, where its result does not tell.
     void SetNote(std::string text) {
-        if (told) note = std::move(text);
+        if (isRecorded) note = std::move(text);
     }
 
     /// Notes the result and hands it on.
     template <typename T>
     T Result(T value) {
-        if (told) result = ToText(value);
+        if (isRecorded) result = ToText(value);
         return value;
     }
     template <typename T>
     T Result(T value, const std::string& text) {
-        if (told) result = text;
+        if (isRecorded) result = text;
         return value;
     }
 
@@ -69,7 +69,7 @@ private:
     }
 
     const char* name;
-    bool told;
+    bool isRecorded;
     std::vector<std::string> arguments;
     std::string result;
     std::string note;
@@ -77,23 +77,23 @@ private:
 
 /// While one lives, the platform works for itself: nothing is told, no fault happens, and paths are this
 /// machine's. Every `PlatformCall` is one; platform code that runs outside such a call opens its own.
-class PlatformInside {
+class InternalCallScope {
 public:
-    PlatformInside();
-    PlatformInside(const PlatformInside&) = delete;
-    PlatformInside& operator=(const PlatformInside&) = delete;
-    ~PlatformInside();
+    InternalCallScope();
+    InternalCallScope(const InternalCallScope&) = delete;
+    InternalCallScope& operator=(const InternalCallScope&) = delete;
+    ~InternalCallScope();
     static bool IsActive();
 };
 
 /// While one lives, code of a bundle runs on behalf of the platform (a factory function, an initialiser): its
 /// calls count as a bundle's own again.
-class BundleCodeRuns {
+class BundleCodeScope {
 public:
-    BundleCodeRuns();
-    BundleCodeRuns(const BundleCodeRuns&) = delete;
-    BundleCodeRuns& operator=(const BundleCodeRuns&) = delete;
-    ~BundleCodeRuns();
+    BundleCodeScope();
+    BundleCodeScope(const BundleCodeScope&) = delete;
+    BundleCodeScope& operator=(const BundleCodeScope&) = delete;
+    ~BundleCodeScope();
 
 private:
     int outerDepth;

@@ -6,67 +6,67 @@
 
 namespace macplatform {
 
-struct LiveList {
+struct ObjectRegistry {
     std::mutex mutex;
-    LiveThing* first = nullptr;
-    LiveThing* last = nullptr;
+    TrackedObject* first = nullptr;
+    TrackedObject* last = nullptr;
     std::size_t count = 0;
 
     /// Never destroyed: static objects of the caller may release what they hold at exit.
-    static LiveList& Get() {
-        static LiveList& gList = *new LiveList;
-        return gList;
+    static ObjectRegistry& Get() {
+        static ObjectRegistry& gRegistry = *new ObjectRegistry;
+        return gRegistry;
     }
 
-    void Append(LiveThing& thing, LiveThing::Describer describer) {
-        thing.describer = describer;
-        thing.previous = last;
-        thing.next = nullptr;
-        (last ? last->next : first) = &thing;
-        last = &thing;
+    void Append(TrackedObject& object, TrackedObject::Describer describer) {
+        object.describer = describer;
+        object.previous = last;
+        object.next = nullptr;
+        (last ? last->next : first) = &object;
+        last = &object;
         ++count;
     }
 
-    void Remove(LiveThing& thing) {
-        if (!thing.describer) return;
-        (thing.previous ? thing.previous->next : first) = thing.next;
-        (thing.next ? thing.next->previous : last) = thing.previous;
-        thing.describer = nullptr;
+    void Remove(TrackedObject& object) {
+        if (!object.describer) return;
+        (object.previous ? object.previous->next : first) = object.next;
+        (object.next ? object.next->previous : last) = object.previous;
+        object.describer = nullptr;
         --count;
     }
 
     std::vector<std::string> Describe() const {
         std::vector<std::string> lines;
         lines.reserve(count);
-        for (const LiveThing* thing = first; thing; thing = thing->next) {
-            lines.push_back(thing->describer(*thing));
+        for (const TrackedObject* object = first; object; object = object->next) {
+            lines.push_back(object->describer(*object));
         }
         return lines;
     }
 };
 
-void LiveThing::Enlist(Describer describe) noexcept {
-    LiveList& list = LiveList::Get();
-    const std::lock_guard lock(list.mutex);
-    list.Append(*this, describe);
+void TrackedObject::Register(Describer describe) noexcept {
+    ObjectRegistry& registry = ObjectRegistry::Get();
+    const std::lock_guard lock(registry.mutex);
+    registry.Append(*this, describe);
 }
 
-void LiveThing::Delist() noexcept {
-    LiveList& list = LiveList::Get();
-    const std::lock_guard lock(list.mutex);
-    list.Remove(*this);
+void TrackedObject::Unregister() noexcept {
+    ObjectRegistry& registry = ObjectRegistry::Get();
+    const std::lock_guard lock(registry.mutex);
+    registry.Remove(*this);
 }
 
 std::size_t LiveObjectCount() {
-    LiveList& list = LiveList::Get();
-    const std::lock_guard lock(list.mutex);
-    return list.count;
+    ObjectRegistry& registry = ObjectRegistry::Get();
+    const std::lock_guard lock(registry.mutex);
+    return registry.count;
 }
 
 std::vector<std::string> DescribeLiveObjects() {
-    LiveList& list = LiveList::Get();
-    const std::lock_guard lock(list.mutex);
-    return list.Describe();
+    ObjectRegistry& registry = ObjectRegistry::Get();
+    const std::lock_guard lock(registry.mutex);
+    return registry.Describe();
 }
 
 } // namespace macplatform

@@ -11,29 +11,29 @@ namespace macplatform {
 /// does not change. It is not on the list until it is enlisted, and the owner delists it before the
 /// memory goes: there is no destructor, so that constant objects can hold one too.
 ///
-///     struct Block : LiveThing { std::size_t size; };
-///     block->Enlist([](const LiveThing& thing) {
-///         return "memory block of " + std::to_string(static_cast<const Block&>(thing).size) + " bytes";
+///     struct Block : TrackedObject { std::size_t size; };
+///     block->Register([](const TrackedObject& object) {
+///         return "memory block of " + std::to_string(static_cast<const Block&>(object).size) + " bytes";
 ///     });
-class LiveThing {
+class TrackedObject {
 public:
     /// One line without a line break: kind, then value as a person would write it. It must not enlist or
     /// delist anything.
-    using Describer = std::string (*)(const LiveThing&);
+    using Describer = std::string (*)(const TrackedObject&);
 
-    constexpr LiveThing() = default;
-    LiveThing(const LiveThing&) = delete;
-    LiveThing& operator=(const LiveThing&) = delete;
+    constexpr TrackedObject() = default;
+    TrackedObject(const TrackedObject&) = delete;
+    TrackedObject& operator=(const TrackedObject&) = delete;
 
     /// At the end of the list; once only, until it is delisted.
-    void Enlist(Describer describe) noexcept;
+    void Register(Describer describe) noexcept;
     /// Nothing happens when it is not on the list.
-    void Delist() noexcept;
+    void Unregister() noexcept;
 
 private:
-    friend struct LiveList;
-    LiveThing* previous = nullptr;
-    LiveThing* next = nullptr;
+    friend struct ObjectRegistry;
+    TrackedObject* previous = nullptr;
+    TrackedObject* next = nullptr;
     Describer describer = nullptr; ///< Null while it is not on the list.
 };
 

@@ -17,13 +17,13 @@
 namespace macplatform {
 
 /// Keeps errno as the C library left it, whatever the telling of the journal does to it.
-class KeptErrno {
+class SavedErrno {
 public:
-    KeptErrno() : value(errno) {}
-    KeptErrno(const KeptErrno&) = delete;
-    KeptErrno& operator=(const KeptErrno&) = delete;
-    ~KeptErrno() { errno = value; }
-    void Take() { value = errno; }
+    SavedErrno() : value(errno) {}
+    SavedErrno(const SavedErrno&) = delete;
+    SavedErrno& operator=(const SavedErrno&) = delete;
+    ~SavedErrno() { errno = value; }
+    void Save() { value = errno; }
     void Set(int error) { value = error; }
 
 private:
@@ -38,15 +38,15 @@ Function* NextDefinition(const char* symbol) {
 
 /// Whether a bundle's path falls on the startup volume. Paths that the platform itself uses never do. Without
 /// the memory to tell, it does: CallOnVolume then refuses.
-inline bool FallsOnVolume(const char* path) noexcept try {
-    return path && StartupVolumeIsSet() && !PlatformInside::IsActive() && IsOnStartupVolume(path);
+inline bool IsRedirected(const char* path) noexcept try {
+    return path && StartupVolumeIsSet() && !InternalCallScope::IsActive() && IsOnStartupVolume(path);
 } catch (const std::bad_alloc&) {
     return true;
 }
 
 /// Where a bundle's path lies on this machine; empty with errno when it cannot be resolved.
 inline std::string HostPathOf(const char* path, LastLink link) {
-    return FallsOnVolume(path) ? HostPath(path, link) : std::string(path);
+    return IsRedirected(path) ? HostPath(path, link) : std::string(path);
 }
 
 inline std::string ShownArgument(const char* text) { return Quoted(text); }
@@ -68,13 +68,14 @@ std::string ShownResult(Result result, bool failed) {
 
 /// The call itself, made by the platform with the path of this machine.
 template <typename Result, typename Make>
-Result MakeCall(PlatformCall& call, KeptErrno& kept, Result failure, const std::string& hostPath, Make make) {
+Result MakeCall(PlatformCall& call, SavedErrno& savedErrno, Result failure, const std::string& hostPath,
+                Make make) {
     if (hostPath.empty()) {
-        kept.Take();
+        savedErrno.Save();
         return call.Result(failure, ShownResult(failure, true));
     }
     const Result result = make(hostPath.c_str());
-    if (result == failure) kept.Take();
+    if (result == failure) savedErrno.Save();
     return call.Result(result, ShownResult(result, result == failure));
 }
 
@@ -82,18 +83,18 @@ Result MakeCall(PlatformCall& call, KeptErrno& kept, Result failure, const std::
 template <typename Result, typename Make, typename... Arguments>
 Result CallOnVolume(const char* name, Result failure, LastLink link, const char* path, Make make,
                     const Arguments&... arguments) try {
-    KeptErrno kept;
+    SavedErrno savedErrno;
     const std::string hostPath = HostPathOf(path, link);
     const int unresolved = errno;
     PlatformCall call(name);
-    if (call.IsTold()) call.SetArguments({ShownArgument(arguments)...});
-    if (const auto fault = call.TakeFault()) {
-        kept.Set(static_cast<int>(*fault));
+    if (call.IsRecorded()) call.SetArguments({ShownArgument(arguments)...});
+    if (const auto fault = call.ConsumeFault()) {
+        savedErrno.Set(static_cast<int>(*fault));
         errno = static_cast<int>(*fault);
         return call.Result(failure, ShownResult(failure, true));
     }
     if (hostPath.empty()) errno = *path ? unresolved : ENOENT;
-    return MakeCall(call, kept, failure, hostPath, make);
+    return MakeCall(call, savedErrno, failure, hostPath, make);
 } catch (const std::bad_alloc&) {
     errno = ENOMEM;
     return failure;

@@ -5,9 +5,9 @@
 // Not covered: raw system calls, exec and dlopen, fts and glob, and getcwd, which answers the path on this
 // machine.
 //
-// The functions have names of their own and take the library's by assembler labels: so they need not repeat
-// its exact declarations, and the forms for 32-bit and 64-bit file offsets stay apart whatever this file is
-// compiled with.
+// The functions are in a namespace of their own and get their symbols by assembler labels: so they need not
+// repeat its exact declarations, and the forms for 32-bit and 64-bit file offsets stay apart whatever this
+// file is compiled with.
 
 #include "PathCall.h"
 #include "posix/Descriptor.h"
@@ -63,20 +63,24 @@ private:
 /// A call whose first argument is the path: result, what it answers on failure, library name, name in the
 /// journal, whether a link in last place is followed, further parameters, the same as arguments.
 #define PATH_CALL(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                      \
-    extern "C" RESULT Caught_##SYMBOL(const char* path PARAMETERS) __asm__(#SYMBOL);                         \
-    RESULT Caught_##SYMBOL(const char* path PARAMETERS) {                                                    \
+    namespace interposed {                                                                                   \
+    RESULT SYMBOL(const char* path PARAMETERS) __asm__(#SYMBOL);                                             \
+    }                                                                                                        \
+    RESULT interposed::SYMBOL(const char* path PARAMETERS) {                                                 \
         static const auto next = NextDefinition<RESULT(const char* PARAMETERS)>(#SYMBOL);                    \
-        if (!FallsOnVolume(path)) return next(path __VA_ARGS__);                                             \
+        if (!IsRedirected(path)) return next(path __VA_ARGS__);                                              \
         const auto make = [&](const char* hostPath) { return next(hostPath __VA_ARGS__); };                  \
         return CallOnVolume<RESULT>(NAME, FAILURE, LINK, path, make, path __VA_ARGS__);                      \
     }
 
 /// The same for calls that take the path behind an open folder, which an absolute path does not heed.
 #define PATH_CALL_AT(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                   \
-    extern "C" RESULT Caught_##SYMBOL(int folder, const char* path PARAMETERS) __asm__(#SYMBOL);             \
-    RESULT Caught_##SYMBOL(int folder, const char* path PARAMETERS) {                                        \
+    namespace interposed {                                                                                   \
+    RESULT SYMBOL(int folder, const char* path PARAMETERS) __asm__(#SYMBOL);                                 \
+    }                                                                                                        \
+    RESULT interposed::SYMBOL(int folder, const char* path PARAMETERS) {                                     \
         static const auto next = NextDefinition<RESULT(int, const char* PARAMETERS)>(#SYMBOL);               \
-        if (!FallsOnVolume(path)) return next(folder, path __VA_ARGS__);                                     \
+        if (!IsRedirected(path)) return next(folder, path __VA_ARGS__);                                      \
         const auto make = [&](const char* hostPath) { return next(folder, hostPath __VA_ARGS__); };          \
         return CallOnVolume<RESULT>(NAME, FAILURE, LINK, path, make, path __VA_ARGS__);                      \
     }
@@ -85,14 +89,16 @@ private:
 
 // Opening.
 #define OPEN_CALL(SYMBOL)                                                                                    \
-    extern "C" int Caught_##SYMBOL(const char* path, int flags, ...) __asm__(#SYMBOL);                       \
-    int Caught_##SYMBOL(const char* path, int flags, ...) {                                                  \
+    namespace interposed {                                                                                   \
+    int SYMBOL(const char* path, int flags, ...) __asm__(#SYMBOL);                                           \
+    }                                                                                                        \
+    int interposed::SYMBOL(const char* path, int flags, ...) {                                               \
         static const auto next = NextDefinition<int(const char*, int, ...)>(#SYMBOL);                        \
         va_list rest;                                                                                        \
         va_start(rest, flags);                                                                               \
         const unsigned mode = modeBehind(flags, rest);                                                       \
         va_end(rest);                                                                                        \
-        if (!FallsOnVolume(path)) return next(path, flags, mode);                                            \
+        if (!IsRedirected(path)) return next(path, flags, mode);                                             \
         const auto make = [&](const char* hostPath) {                                                        \
             const PipeWriter writer(hostPath, flags);                                                        \
             return next(hostPath, flags, mode);                                                              \
@@ -100,14 +106,16 @@ private:
         return CallOnVolume<int>("open", -1, openLink(flags), path, make, path, flags);                      \
     }
 #define OPENAT_CALL(SYMBOL)                                                                                  \
-    extern "C" int Caught_##SYMBOL(int folder, const char* path, int flags, ...) __asm__(#SYMBOL);           \
-    int Caught_##SYMBOL(int folder, const char* path, int flags, ...) {                                      \
+    namespace interposed {                                                                                   \
+    int SYMBOL(int folder, const char* path, int flags, ...) __asm__(#SYMBOL);                               \
+    }                                                                                                        \
+    int interposed::SYMBOL(int folder, const char* path, int flags, ...) {                                   \
         static const auto next = NextDefinition<int(int, const char*, int, ...)>(#SYMBOL);                   \
         va_list rest;                                                                                        \
         va_start(rest, flags);                                                                               \
         const unsigned mode = modeBehind(flags, rest);                                                       \
         va_end(rest);                                                                                        \
-        if (!FallsOnVolume(path)) return next(folder, path, flags, mode);                                    \
+        if (!IsRedirected(path)) return next(folder, path, flags, mode);                                     \
         const auto make = [&](const char* hostPath) {                                                        \
             const PipeWriter writer(hostPath, flags);                                                        \
             return next(folder, hostPath, flags, mode);                                                      \
@@ -116,18 +124,24 @@ private:
     }
 /// What a bundle that was compiled with fortified calls opens an existing file with.
 #define OPEN_2_CALL(SYMBOL, PLAIN)                                                                           \
-    extern "C" int Caught_##SYMBOL(const char* path, int flags) __asm__(#SYMBOL);                            \
-    int Caught_##SYMBOL(const char* path, int flags) { return Caught_##PLAIN(path, flags, 0U); }
+    namespace interposed {                                                                                   \
+    int SYMBOL(const char* path, int flags) __asm__(#SYMBOL);                                                \
+    }                                                                                                        \
+    int interposed::SYMBOL(const char* path, int flags) { return interposed::PLAIN(path, flags, 0U); }
 #define OPENAT_2_CALL(SYMBOL, PLAIN)                                                                         \
-    extern "C" int Caught_##SYMBOL(int folder, const char* path, int flags) __asm__(#SYMBOL);                \
-    int Caught_##SYMBOL(int folder, const char* path, int flags) {                                           \
-        return Caught_##PLAIN(folder, path, flags, 0U);                                                      \
+    namespace interposed {                                                                                   \
+    int SYMBOL(int folder, const char* path, int flags) __asm__(#SYMBOL);                                    \
+    }                                                                                                        \
+    int interposed::SYMBOL(int folder, const char* path, int flags) {                                        \
+        return interposed::PLAIN(folder, path, flags, 0U);                                                   \
     }
 #define STREAM_CALL(SYMBOL, NAME, PARAMETERS, ...)                                                           \
-    extern "C" void* Caught_##SYMBOL(const char* path, const char* mode PARAMETERS) __asm__(#SYMBOL);        \
-    void* Caught_##SYMBOL(const char* path, const char* mode PARAMETERS) {                                   \
+    namespace interposed {                                                                                   \
+    void* SYMBOL(const char* path, const char* mode PARAMETERS) __asm__(#SYMBOL);                            \
+    }                                                                                                        \
+    void* interposed::SYMBOL(const char* path, const char* mode PARAMETERS) {                                \
         static const auto next = NextDefinition<void*(const char*, const char* PARAMETERS)>(#SYMBOL);        \
-        if (!FallsOnVolume(path)) return next(path, mode __VA_ARGS__);                                       \
+        if (!IsRedirected(path)) return next(path, mode __VA_ARGS__);                                        \
         const auto make = [&](const char* hostPath) {                                                        \
             const PipeWriter writer(hostPath, mode);                                                         \
             return next(hostPath, mode __VA_ARGS__);                                                         \
@@ -179,11 +193,11 @@ PATH_CALL(ssize_t, -1, readlink, "readlink", kKeep, COMMA void* buffer COMMA std
 PATH_CALL_AT(ssize_t, -1, readlinkat, "readlinkat", kKeep, COMMA void* buffer COMMA std::size_t size,
              COMMA buffer COMMA size)
 PATH_CALL(ssize_t, -1, __readlink_chk, "readlink", kKeep,
-          COMMA void* buffer COMMA std::size_t size COMMA std::size_t room,
-          COMMA buffer COMMA size COMMA room)
+          COMMA void* buffer COMMA std::size_t size COMMA std::size_t capacity,
+          COMMA buffer COMMA size COMMA capacity)
 PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", kKeep,
-             COMMA void* buffer COMMA std::size_t size COMMA std::size_t room,
-             COMMA buffer COMMA size COMMA room)
+             COMMA void* buffer COMMA std::size_t size COMMA std::size_t capacity,
+             COMMA buffer COMMA size COMMA capacity)
 
 // As older C libraries had programs ask: with the version of the answer's layout first.
 PATH_CALL_AT(int, -1, __xstat, "stat", kFollow, COMMA void* status, COMMA status)
@@ -191,11 +205,12 @@ PATH_CALL_AT(int, -1, __xstat64, "stat", kFollow, COMMA void* status, COMMA stat
 PATH_CALL_AT(int, -1, __lxstat, "lstat", kKeep, COMMA void* status, COMMA status)
 PATH_CALL_AT(int, -1, __lxstat64, "lstat", kKeep, COMMA void* status, COMMA status)
 #define OLD_FSTATAT_CALL(SYMBOL)                                                                             \
-    extern "C" int Caught_##SYMBOL(int version, int folder, const char* path, void* status,                  \
-                                   int flags) __asm__(#SYMBOL);                                              \
-    int Caught_##SYMBOL(int version, int folder, const char* path, void* status, int flags) {                \
+    namespace interposed {                                                                                   \
+    int SYMBOL(int version, int folder, const char* path, void* status, int flags) __asm__(#SYMBOL);         \
+    }                                                                                                        \
+    int interposed::SYMBOL(int version, int folder, const char* path, void* status, int flags) {             \
         static const auto next = NextDefinition<int(int, int, const char*, void*, int)>(#SYMBOL);            \
-        if (!FallsOnVolume(path)) return next(version, folder, path, status, flags);                         \
+        if (!IsRedirected(path)) return next(version, folder, path, status, flags);                          \
         const auto make = [&](const char* hostPath) {                                                        \
             return next(version, folder, hostPath, status, flags);                                           \
         };                                                                                                   \
@@ -267,12 +282,14 @@ PATH_CALL_AT(int, -1, __utimensat64, "utimensat", linkOf(flags), COMMA const voi
 
 // Walking a tree: what is visited is called by its path on this machine, which goes on working.
 #define WALK_CALL(SYMBOL, NAME, PARAMETERS, ...)                                                             \
-    extern "C" int Caught_##SYMBOL(const char* path, void* visit PARAMETERS) __asm__(#SYMBOL);               \
-    int Caught_##SYMBOL(const char* path, void* visit PARAMETERS) {                                          \
+    namespace interposed {                                                                                   \
+    int SYMBOL(const char* path, void* visit PARAMETERS) __asm__(#SYMBOL);                                   \
+    }                                                                                                        \
+    int interposed::SYMBOL(const char* path, void* visit PARAMETERS) {                                       \
         static const auto next = NextDefinition<int(const char*, void* PARAMETERS)>(#SYMBOL);                \
-        if (!FallsOnVolume(path)) return next(path, visit __VA_ARGS__);                                      \
+        if (!IsRedirected(path)) return next(path, visit __VA_ARGS__);                                       \
         const auto make = [&](const char* hostPath) {                                                        \
-            const BundleCodeRuns visitor;                                                                    \
+            const BundleCodeScope visitor;                                                                   \
             return next(hostPath, visit __VA_ARGS__);                                                        \
         };                                                                                                   \
         return CallOnVolume<int>(NAME, -1, kFollow, path, make, path, visit __VA_ARGS__);                    \
@@ -301,75 +318,74 @@ int callOfTwo(const char* name, const char* from, const char* to, Make make, Las
     return -1;
 }
 
-bool eitherFalls(const char* from, const char* to) {
-    return from && to && (FallsOnVolume(from) || FallsOnVolume(to));
+bool eitherIsRedirected(const char* from, const char* to) {
+    return from && to && (IsRedirected(from) || IsRedirected(to));
 }
 
 } // namespace
 
-extern "C" {
-int Caught_rename(const char* from, const char* to) __asm__("rename");
-int Caught_renameat(int fromFolder, const char* from, int toFolder, const char* to) __asm__("renameat");
-int Caught_renameat2(int fromFolder, const char* from, int toFolder, const char* to,
-                     unsigned flags) __asm__("renameat2");
-int Caught_link(const char* from, const char* to) __asm__("link");
-int Caught_linkat(int fromFolder, const char* from, int toFolder, const char* to,
-                  int flags) __asm__("linkat");
-int Caught_symlink(const char* target, const char* path) __asm__("symlink");
-int Caught_symlinkat(const char* target, int folder, const char* path) __asm__("symlinkat");
-char* Caught_realpath(const char* path, char* resolved) __asm__("realpath");
-char* Caught_realpath_chk(const char* path, char* resolved, std::size_t room) __asm__("__realpath_chk");
-int Caught_mkstemp(char* path) __asm__("mkstemp");
-int Caught_mkstemp64(char* path) __asm__("mkstemp64");
-int Caught_mkostemp(char* path, int flags) __asm__("mkostemp");
-int Caught_mkostemp64(char* path, int flags) __asm__("mkostemp64");
-int Caught_mkstemps(char* path, int suffix) __asm__("mkstemps");
-int Caught_mkstemps64(char* path, int suffix) __asm__("mkstemps64");
-int Caught_mkostemps(char* path, int suffix, int flags) __asm__("mkostemps");
-int Caught_mkostemps64(char* path, int suffix, int flags) __asm__("mkostemps64");
-char* Caught_mkdtemp(char* path) __asm__("mkdtemp");
-}
+namespace interposed {
+int rename(const char* from, const char* to) __asm__("rename");
+int renameat(int fromFolder, const char* from, int toFolder, const char* to) __asm__("renameat");
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to,
+              unsigned flags) __asm__("renameat2");
+int link(const char* from, const char* to) __asm__("link");
+int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) __asm__("linkat");
+int symlink(const char* target, const char* path) __asm__("symlink");
+int symlinkat(const char* target, int folder, const char* path) __asm__("symlinkat");
+char* realpath(const char* path, char* resolved) __asm__("realpath");
+char* __realpath_chk(const char* path, char* resolved, std::size_t capacity) __asm__("__realpath_chk");
+int mkstemp(char* path) __asm__("mkstemp");
+int mkstemp64(char* path) __asm__("mkstemp64");
+int mkostemp(char* path, int flags) __asm__("mkostemp");
+int mkostemp64(char* path, int flags) __asm__("mkostemp64");
+int mkstemps(char* path, int suffix) __asm__("mkstemps");
+int mkstemps64(char* path, int suffix) __asm__("mkstemps64");
+int mkostemps(char* path, int suffix, int flags) __asm__("mkostemps");
+int mkostemps64(char* path, int suffix, int flags) __asm__("mkostemps64");
+char* mkdtemp(char* path) __asm__("mkdtemp");
+} // namespace interposed
 
-int Caught_rename(const char* from, const char* to) {
+int interposed::rename(const char* from, const char* to) {
     static const auto next = NextDefinition<int(const char*, const char*)>("rename");
-    return eitherFalls(from, to) ? callOfTwo("rename", from, to, next) : next(from, to);
+    return eitherIsRedirected(from, to) ? callOfTwo("rename", from, to, next) : next(from, to);
 }
 
-int Caught_renameat(int fromFolder, const char* from, int toFolder, const char* to) {
+int interposed::renameat(int fromFolder, const char* from, int toFolder, const char* to) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*)>("renameat");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t); };
-    return eitherFalls(from, to) ? callOfTwo("renameat", from, to, make) : make(from, to);
+    return eitherIsRedirected(from, to) ? callOfTwo("renameat", from, to, make) : make(from, to);
 }
 
-int Caught_renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) {
+int interposed::renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*, unsigned)>("renameat2");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t, flags); };
-    return eitherFalls(from, to) ? callOfTwo("renameat2", from, to, make) : make(from, to);
+    return eitherIsRedirected(from, to) ? callOfTwo("renameat2", from, to, make) : make(from, to);
 }
 
-int Caught_link(const char* from, const char* to) {
+int interposed::link(const char* from, const char* to) {
     static const auto next = NextDefinition<int(const char*, const char*)>("link");
-    return eitherFalls(from, to) ? callOfTwo("link", from, to, next) : next(from, to);
+    return eitherIsRedirected(from, to) ? callOfTwo("link", from, to, next) : next(from, to);
 }
 
-int Caught_linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) {
+int interposed::linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*, int)>("linkat");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t, flags); };
     const LastLink link = flags & AT_SYMLINK_FOLLOW ? kFollow : kKeep;
-    return eitherFalls(from, to) ? callOfTwo("linkat", from, to, make, link) : make(from, to);
+    return eitherIsRedirected(from, to) ? callOfTwo("linkat", from, to, make, link) : make(from, to);
 }
 
 /// A link's text stays as it is given: it is read again, on the volume, when the link is followed.
-int Caught_symlink(const char* target, const char* path) {
+int interposed::symlink(const char* target, const char* path) {
     static const auto next = NextDefinition<int(const char*, const char*)>("symlink");
-    if (!FallsOnVolume(path)) return next(target, path);
+    if (!IsRedirected(path)) return next(target, path);
     const auto make = [&](const char* hostPath) { return next(target, hostPath); };
     return CallOnVolume<int>("symlink", -1, kKeep, path, make, target, path);
 }
 
-int Caught_symlinkat(const char* target, int folder, const char* path) {
+int interposed::symlinkat(const char* target, int folder, const char* path) {
     static const auto next = NextDefinition<int(const char*, int, const char*)>("symlinkat");
-    if (!FallsOnVolume(path)) return next(target, folder, path);
+    if (!IsRedirected(path)) return next(target, folder, path);
     const auto make = [&](const char* hostPath) { return next(target, folder, hostPath); };
     return CallOnVolume<int>("symlinkat", -1, kKeep, path, make, target, path);
 }
@@ -380,27 +396,27 @@ namespace {
 template <typename Make>
 char* resolvedOnVolume(const char* path, Make make) {
     const auto resolve = [&](const char* hostPath) -> char* {
-        char* const answer = make(hostPath);
-        if (!answer || !LiesInStartupVolume(answer)) return answer;
-        const std::string onMac = MacPath(answer); // shorter than what stands there
-        std::memcpy(answer, onMac.c_str(), onMac.size() + 1);
-        return answer;
+        char* const resolvedPath = make(hostPath);
+        if (!resolvedPath || !LiesInStartupVolume(resolvedPath)) return resolvedPath;
+        const std::string onMac = MacPath(resolvedPath); // shorter than thereresolvedPaththere
+        std::memcpy(resolvedPath, onMac.c_str(), onMac.size() + 1);
+        return resolvedPath;
     };
     return CallOnVolume<char*>("realpath", nullptr, kFollow, path, resolve, path);
 }
 
 } // namespace
 
-char* Caught_realpath(const char* path, char* resolved) {
+char* interposed::realpath(const char* path, char* resolved) {
     static const auto next = NextDefinition<char*(const char*, char*)>("realpath");
     const auto make = [&](const char* hostPath) { return next(hostPath, resolved); };
-    return FallsOnVolume(path) ? resolvedOnVolume(path, make) : make(path);
+    return IsRedirected(path) ? resolvedOnVolume(path, make) : make(path);
 }
 
-char* Caught_realpath_chk(const char* path, char* resolved, std::size_t room) {
+char* interposed::__realpath_chk(const char* path, char* resolved, std::size_t capacity) {
     static const auto next = NextDefinition<char*(const char*, char*, std::size_t)>("__realpath_chk");
-    const auto make = [&](const char* hostPath) { return next(hostPath, resolved, room); };
-    return FallsOnVolume(path) ? resolvedOnVolume(path, make) : make(path);
+    const auto make = [&](const char* hostPath) { return next(hostPath, resolved, capacity); };
+    return IsRedirected(path) ? resolvedOnVolume(path, make) : make(path);
 }
 
 namespace {
@@ -428,45 +444,45 @@ int callWithSuffix(const char* symbol, char* path, int suffix, Flags... flags) {
     const auto next = NextDefinition<int(char*, int, Flags...)>(symbol);
     const auto make = [&](char* filled) { return next(filled, suffix, flags...); };
     const char* const name = sizeof...(Flags) > 0 ? "mkostemps" : "mkstemps";
-    return FallsOnVolume(path) ? callWithTemplate(name, -1, path, make, suffix) : make(path);
+    return IsRedirected(path) ? callWithTemplate(name, -1, path, make, suffix) : make(path);
 }
 
 } // namespace
 
-int Caught_mkstemps(char* path, int suffix) { return callWithSuffix("mkstemps", path, suffix); }
-int Caught_mkstemps64(char* path, int suffix) { return callWithSuffix("mkstemps64", path, suffix); }
-int Caught_mkostemps(char* path, int suffix, int flags) {
+int interposed::mkstemps(char* path, int suffix) { return callWithSuffix("mkstemps", path, suffix); }
+int interposed::mkstemps64(char* path, int suffix) { return callWithSuffix("mkstemps64", path, suffix); }
+int interposed::mkostemps(char* path, int suffix, int flags) {
     return callWithSuffix("mkostemps", path, suffix, flags);
 }
-int Caught_mkostemps64(char* path, int suffix, int flags) {
+int interposed::mkostemps64(char* path, int suffix, int flags) {
     return callWithSuffix("mkostemps64", path, suffix, flags);
 }
 
-int Caught_mkstemp(char* path) {
+int interposed::mkstemp(char* path) {
     static const auto next = NextDefinition<int(char*)>("mkstemp");
-    return FallsOnVolume(path) ? callWithTemplate("mkstemp", -1, path, next) : next(path);
+    return IsRedirected(path) ? callWithTemplate("mkstemp", -1, path, next) : next(path);
 }
 
-int Caught_mkstemp64(char* path) {
+int interposed::mkstemp64(char* path) {
     static const auto next = NextDefinition<int(char*)>("mkstemp64");
-    return FallsOnVolume(path) ? callWithTemplate("mkstemp", -1, path, next) : next(path);
+    return IsRedirected(path) ? callWithTemplate("mkstemp", -1, path, next) : next(path);
 }
 
-int Caught_mkostemp(char* path, int flags) {
+int interposed::mkostemp(char* path, int flags) {
     static const auto next = NextDefinition<int(char*, int)>("mkostemp");
     const auto make = [&](char* filled) { return next(filled, flags); };
-    return FallsOnVolume(path) ? callWithTemplate("mkostemp", -1, path, make) : make(path);
+    return IsRedirected(path) ? callWithTemplate("mkostemp", -1, path, make) : make(path);
 }
 
-int Caught_mkostemp64(char* path, int flags) {
+int interposed::mkostemp64(char* path, int flags) {
     static const auto next = NextDefinition<int(char*, int)>("mkostemp64");
     const auto make = [&](char* filled) { return next(filled, flags); };
-    return FallsOnVolume(path) ? callWithTemplate("mkostemp", -1, path, make) : make(path);
+    return IsRedirected(path) ? callWithTemplate("mkostemp", -1, path, make) : make(path);
 }
 
-char* Caught_mkdtemp(char* path) {
+char* interposed::mkdtemp(char* path) {
     static const auto next = NextDefinition<char*(char*)>("mkdtemp");
-    if (!FallsOnVolume(path)) return next(path);
+    if (!IsRedirected(path)) return next(path);
     return callWithTemplate<char*>("mkdtemp", nullptr, path,
                                    [&](char* filled) { return next(filled) ? path : nullptr; });
 }

@@ -26,7 +26,7 @@ std::string& volumeFolder() {
 }
 
 /// The part of `rest` up to its first "/", which is taken off it.
-std::string_view takeComponent(std::string_view& rest) {
+std::string_view nextComponent(std::string_view& rest) {
     const std::string_view name = rest.substr(0, rest.find('/'));
     rest.remove_prefix(name.size());
     return name;
@@ -50,7 +50,7 @@ std::string_view firstComponent(std::string_view path) {
     std::string_view name = ".";
     while (name == ".") {
         skipSlashes(path);
-        name = takeComponent(path);
+        name = nextComponent(path);
     }
     return name;
 }
@@ -60,7 +60,7 @@ std::string lexicallyClean(std::string_view path) {
     std::vector<std::string_view> names;
     const bool asFolder = !path.empty() && path.back() == '/';
     for (skipSlashes(path); !path.empty(); skipSlashes(path)) {
-        const auto name = takeComponent(path);
+        const auto name = nextComponent(path);
         if (name == "..") {
             if (!names.empty()) names.pop_back();
         } else if (name != ".") {
@@ -91,18 +91,18 @@ private:
     void Step() {
         std::string_view view = rest;
         skipSlashes(view);
-        const std::string name(takeComponent(view));
+        const std::string name(nextComponent(view));
         rest.erase(0, rest.size() - view.size());
         asFolder = name.empty() || name == "." || !rest.empty();
         if (name == "..") {
             errorNumber = deadEnd;
             reached.resize(reached.empty() ? 0 : reached.rfind('/'));
         } else if (!name.empty() && name != ".") {
-            Enter(name);
+            Descend(name);
         }
     }
 
-    void Enter(const std::string& name) {
+    void Descend(const std::string& name) {
         const std::string parent = reached;
         (reached += '/') += name;
         if (deadEnd != 0) return;
@@ -154,7 +154,7 @@ bool IsOnStartupVolume(std::string_view path) {
 }
 
 bool SetStartupVolume(const std::string& folder) {
-    const PlatformInside inside;
+    const InternalCallScope internalCalls;
     if (folder.empty()) {
         gVolumeIsSet = false;
         volumeFolder().clear();
@@ -176,7 +176,7 @@ bool SetStartupVolume(const std::string& folder) {
 const std::string& StartupVolume() { return volumeFolder(); }
 
 std::string HostPath(const std::string& macPath, LastLink lastLink) {
-    const PlatformInside inside;
+    const InternalCallScope internalCalls;
     if (macPath.size() >= PATH_MAX || macPath.find('\0') != macPath.npos) {
         errno = macPath.size() >= PATH_MAX ? ENAMETOOLONG : EINVAL;
         return {};

@@ -207,14 +207,14 @@ template <typename Block, auto routine, typename... Factor>
 void convert(unsigned int count, const typename Block::Source* src, typename Block::Target* dst,
              Factor... factor) {
     if (count < Block::kCount)
-        (IPP::kSse2Form.*routine)(count, src, dst, factor...);
+        (IPP::kSse2Implementation.*routine)(count, src, dst, factor...);
     else
         IPP::ConvertArray<32>(count, src, dst, Block(factor...));
 }
 
 void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
     if (bytes < 32) {
-        IPP::kSse2Form.fill(bytes, dst, pattern);
+        IPP::kSse2Implementation.fill(bytes, dst, pattern);
         return;
     }
     if (bytes >= IPP::kStringFillBytes && IPP::FillByString(bytes, dst, pattern)) return;
@@ -226,19 +226,19 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
 
 } // namespace
 
-const IPP::Form IPP::kAvx2Form = {
+const IPP::Implementation IPP::kAvx2Implementation = {
     "avx2",
     isSupported,
     fill,
-    convert<CharToFloat, &IPP::Form::charToFloat>,
-    convert<FloatToDouble, &IPP::Form::floatToDouble>,
-    convert<DoubleToFloat, &IPP::Form::doubleToFloat>,
-    convert<ShortToFloat, &IPP::Form::shortToFloat>,
-    convert<ShortToDouble, &IPP::Form::shortToDouble>,
-    convert<IntToFloat, &IPP::Form::intToFloat>,
-    convert<IntToDouble, &IPP::Form::intToDouble>,
-    convert<FloatToShort<false>, &IPP::Form::floatToShort>,
-    convert<FloatToShort<true>, &IPP::Form::floatToShortRounded>,
-    convert<FloatToInt<false>, &IPP::Form::floatToInt>,
-    convert<FloatToInt<true>, &IPP::Form::floatToIntRounded>,
+    convert<CharToFloat, &IPP::Implementation::charToFloat>,
+    convert<FloatToDouble, &IPP::Implementation::floatToDouble>,
+    convert<DoubleToFloat, &IPP::Implementation::doubleToFloat>,
+    convert<ShortToFloat, &IPP::Implementation::shortToFloat>,
+    convert<ShortToDouble, &IPP::Implementation::shortToDouble>,
+    convert<IntToFloat, &IPP::Implementation::intToFloat>,
+    convert<IntToDouble, &IPP::Implementation::intToDouble>,
+    convert<FloatToShort<false>, &IPP::Implementation::floatToShort>,
+    convert<FloatToShort<true>, &IPP::Implementation::floatToShortRounded>,
+    convert<FloatToInt<false>, &IPP::Implementation::floatToInt>,
+    convert<FloatToInt<true>, &IPP::Implementation::floatToIntRounded>,
 };

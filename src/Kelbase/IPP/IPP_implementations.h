@@ -10,7 +10,7 @@
 namespace IPP {
 
 /// One implementation of the vector routines.
-struct Form {
+struct Implementation {
     const char* name;
     bool (*isSupported)(); ///< Returns whether processor and operating system can run it.
 
@@ -33,23 +33,26 @@ struct Form {
     void (*floatToIntRounded)(unsigned int count, const float* src, int* dst, float factor);
 };
 
-extern const Form kScalarForm;
-extern const Form kSse2Form; ///< Exists only in builds for x86, as does kAvx2Form.
-extern const Form kAvx2Form; ///< Uses AVX2 and FMA.
+extern const Implementation kScalarImplementation;
+extern const Implementation
+    kSse2Implementation; ///< Exists only in builds for x86, as does kAvx2Implementation.
+extern const Implementation kAvx2Implementation; ///< Uses AVX2 and FMA.
 
-/// The implementations of this build, the best one first, ended by null. The last one is kScalarForm, which
-/// every processor can run.
-extern const Form* const kAllForms[];
+/// The implementations of this build, the best one first, ended by null. The last one is
+/// kScalarImplementation, which every processor can run.
+extern const Implementation* const kAllImplementations[];
 
-/// Selects the first implementation that the processor supports. `ChosenForm` calls it once.
-const Form& ChooseForm();
-extern const Form* gChosenForm; ///< The dispatched implementation, null until ChooseForm has been called.
+/// Selects the first implementation that the processor supports. `DispatchedImplementation` calls it once.
+const Implementation& SelectImplementation();
+extern const Implementation* gDispatchedImplementation; ///< The dispatched implementation, null until
+                                                        ///< SelectImplementation has been called.
 /// Returns the dispatched implementation.
-inline const Form& ChosenForm() {
+inline const Implementation& DispatchedImplementation() {
     // Threads that make the first call at the same time find the same implementation. The builtin prevents a
     // data race.
-    const Form* const form = __atomic_load_n(&gChosenForm, __ATOMIC_RELAXED);
-    return form ? *form : ChooseForm();
+    const Implementation* const implementation =
+        __atomic_load_n(&gDispatchedImplementation, __ATOMIC_RELAXED);
+    return implementation ? *implementation : SelectImplementation();
 }
 
 } // namespace IPP

@@ -1,3 +1,3 @@
 #include <Kelbase/IPP/IPP_implementations.h>
 
-const IPP::Form* const IPP::kAllForms[] = {&kScalarForm, nullptr};
+const IPP::Implementation* const IPP::kAllImplementations[] = {&kScalarImplementation, nullptr};

@@ -56,7 +56,7 @@ void scaleToShort(unsigned int count, const float* src, short* dst, float factor
 
 } // namespace
 
-const IPP::Form IPP::kScalarForm = {
+const IPP::Implementation IPP::kScalarImplementation = {
     "scalar",
     always,
     fill,

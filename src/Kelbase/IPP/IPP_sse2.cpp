@@ -196,14 +196,14 @@ template <typename Block, auto routine, typename... Factor>
 void convert(unsigned int count, const typename Block::Source* src, typename Block::Target* dst,
              Factor... factor) {
     if (count < Block::kCount)
-        (IPP::kScalarForm.*routine)(count, src, dst, factor...);
+        (IPP::kScalarImplementation.*routine)(count, src, dst, factor...);
     else
         IPP::ConvertArray<16>(count, src, dst, Block(factor...));
 }
 
 void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
     if (bytes < 16) {
-        IPP::kScalarForm.fill(bytes, dst, pattern);
+        IPP::kScalarImplementation.fill(bytes, dst, pattern);
         return;
     }
     if (bytes >= IPP::kStringFillBytes && IPP::FillByString(bytes, dst, pattern)) return;
@@ -216,19 +216,19 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
 
 } // namespace
 
-const IPP::Form IPP::kSse2Form = {
+const IPP::Implementation IPP::kSse2Implementation = {
     "sse2",
     isSupported,
     fill,
-    convert<CharToFloat, &IPP::Form::charToFloat>,
-    convert<FloatToDouble, &IPP::Form::floatToDouble>,
-    convert<DoubleToFloat, &IPP::Form::doubleToFloat>,
-    convert<ShortToFloat, &IPP::Form::shortToFloat>,
-    convert<ShortToDouble, &IPP::Form::shortToDouble>,
-    convert<IntToFloat, &IPP::Form::intToFloat>,
-    convert<IntToDouble, &IPP::Form::intToDouble>,
-    convert<FloatToShort<false>, &IPP::Form::floatToShort>,
-    convert<FloatToShort<true>, &IPP::Form::floatToShortRounded>,
-    convert<FloatToInt<false>, &IPP::Form::floatToInt>,
-    convert<FloatToInt<true>, &IPP::Form::floatToIntRounded>,
+    convert<CharToFloat, &IPP::Implementation::charToFloat>,
+    convert<FloatToDouble, &IPP::Implementation::floatToDouble>,
+    convert<DoubleToFloat, &IPP::Implementation::doubleToFloat>,
+    convert<ShortToFloat, &IPP::Implementation::shortToFloat>,
+    convert<ShortToDouble, &IPP::Implementation::shortToDouble>,
+    convert<IntToFloat, &IPP::Implementation::intToFloat>,
+    convert<IntToDouble, &IPP::Implementation::intToDouble>,
+    convert<FloatToShort<false>, &IPP::Implementation::floatToShort>,
+    convert<FloatToShort<true>, &IPP::Implementation::floatToShortRounded>,
+    convert<FloatToInt<false>, &IPP::Implementation::floatToInt>,
+    convert<FloatToInt<true>, &IPP::Implementation::floatToIntRounded>,
 };

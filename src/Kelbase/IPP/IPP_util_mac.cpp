@@ -24,7 +24,8 @@ void setElements(unsigned int count, T* dst, T value) {
     unsigned char pattern[8];
     for (std::size_t i = 0; i < sizeof pattern; i += sizeof value)
         std::memcpy(pattern + i, &value, sizeof value);
-    IPP::ChosenForm().fill(std::size_t(count) * sizeof(T), reinterpret_cast<unsigned char*>(dst), pattern);
+    IPP::DispatchedImplementation().fill(std::size_t(count) * sizeof(T),
+                                         reinterpret_cast<unsigned char*>(dst), pattern);
 }
 
 /// Returns 1 shifted left in 32 bits, read as a signed number: a shift of 31 gives -2^31.
@@ -51,46 +52,48 @@ void IPP::Set(unsigned int count, float* dst, float value) { setElements(count, 
 void IPP::Set(unsigned int count, double* dst, double value) { setElements(count, dst, value); }
 
 void IPP::Convert(unsigned int count, const unsigned char* src, float* dst) {
-    ChosenForm().charToFloat(count, src, dst);
+    DispatchedImplementation().charToFloat(count, src, dst);
 }
 
 void IPP::Convert(unsigned int count, const float* src, double* dst) {
-    ChosenForm().floatToDouble(count, src, dst);
+    DispatchedImplementation().floatToDouble(count, src, dst);
 }
 
 void IPP::Convert(unsigned int count, const double* src, float* dst) {
-    ChosenForm().doubleToFloat(count, src, dst);
+    DispatchedImplementation().doubleToFloat(count, src, dst);
 }
 
 void IPP::Convert(unsigned int count, const short* src, float* dst, int scale) {
     const double factor = 1 / shiftedOne(static_cast<unsigned int>(scale));
-    ChosenForm().shortToFloat(count, src, dst, static_cast<float>(factor));
+    DispatchedImplementation().shortToFloat(count, src, dst, static_cast<float>(factor));
 }
 
 void IPP::Convert(unsigned int count, const short* src, double* dst, int scale) {
-    ChosenForm().shortToDouble(count, src, dst, 1 / shiftedOne(static_cast<unsigned int>(scale)));
+    DispatchedImplementation().shortToDouble(count, src, dst,
+                                             1 / shiftedOne(static_cast<unsigned int>(scale)));
 }
 
 // The scale is widened before it is negated, because the smallest int has no negation.
 
 void IPP::Convert(unsigned int count, const int* src, float* dst, int scale) {
-    ChosenForm().intToFloat(count, src, dst, Util::PowerOfTwo(-static_cast<long long>(scale)));
+    DispatchedImplementation().intToFloat(count, src, dst, Util::PowerOfTwo(-static_cast<long long>(scale)));
 }
 
 void IPP::Convert(unsigned int count, const int* src, double* dst, int scale) {
-    ChosenForm().intToDouble(count, src, dst, Util::PowerOfTwoDouble(-static_cast<long long>(scale)));
+    DispatchedImplementation().intToDouble(count, src, dst,
+                                           Util::PowerOfTwoDouble(-static_cast<long long>(scale)));
 }
 
 void IPP::Convert(unsigned int count, const float* src, short* dst, int scale, bool round) {
-    const Form& form = ChosenForm();
+    const Implementation& implementation = DispatchedImplementation();
     const float factor = static_cast<float>(shiftedOne(0u - static_cast<unsigned int>(scale)));
-    (round ? form.floatToShortRounded : form.floatToShort)(count, src, dst, factor);
+    (round ? implementation.floatToShortRounded : implementation.floatToShort)(count, src, dst, factor);
 }
 
 void IPP::Convert(unsigned int count, const float* src, int* dst, int scale, bool round) {
-    const Form& form = ChosenForm();
+    const Implementation& implementation = DispatchedImplementation();
     const float factor = Util::PowerOfTwo(-static_cast<long long>(scale));
-    (round ? form.floatToIntRounded : form.floatToInt)(count, src, dst, factor);
+    (round ? implementation.floatToIntRounded : implementation.floatToInt)(count, src, dst, factor);
 }
 
 void IPP::Convert(unsigned int, const float*, unsigned char*, int, bool) {}

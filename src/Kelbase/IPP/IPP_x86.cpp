@@ -14,4 +14,5 @@ bool IPP::FillByString(std::size_t bytes, unsigned char* dst, const unsigned cha
     return true;
 }
 
-const IPP::Form* const IPP::kAllForms[] = {&kAvx2Form, &kSse2Form, &kScalarForm, nullptr};
+const IPP::Implementation* const IPP::kAllImplementations[] = {&kAvx2Implementation, &kSse2Implementation,
+                                                               &kScalarImplementation, nullptr};

@@ -44,12 +44,12 @@ String CFString::ToString() const {
     if (length == 0 || length > longestText) return String();
 
     // A unit needs at most four bytes, so one call is enough.
-    const auto room = static_cast<std::size_t>(4 * length + 1);
-    const shared_array<char> utf8(new char[room]);
-    if (!CFStringGetCString(reference, utf8.get(), static_cast<CFIndex>(room), kCFStringEncodingUTF8)) {
+    const auto capacity = static_cast<std::size_t>(4 * length + 1);
+    const shared_array<char> utf8(new char[capacity]);
+    if (!CFStringGetCString(reference, utf8.get(), static_cast<CFIndex>(capacity), kCFStringEncodingUTF8)) {
         return String();
     }
-    utf8[room - 1] = 0;
+    utf8[capacity - 1] = 0;
     return String(utf8.get());
 }
 

@@ -37,9 +37,9 @@ void blankCutSequence(char* bytes, std::size_t length) {
 }
 
 /// Returns the capacity for a text that has grown to `length` and may grow further.
-std::size_t roomToGrow(std::size_t length) {
-    const unsigned long long room = length + std::max(0ull + length, 16ull);
-    return room > 0xFFFFFFFFu || room > PTRDIFF_MAX ? length : static_cast<std::size_t>(room);
+std::size_t capacityToGrow(std::size_t length) {
+    const unsigned long long capacity = length + std::max(0ull + length, 16ull);
+    return capacity > 0xFFFFFFFFu || capacity > PTRDIFF_MAX ? length : static_cast<std::size_t>(capacity);
 }
 
 } // namespace
@@ -87,7 +87,7 @@ String& String::Append(std::string_view piece) {
         return *this;
     }
     String longer; // frees the old text last: the piece may be a part of it
-    longer.block = NewBlock(total, roomToGrow(total));
+    longer.block = NewBlock(total, capacityToGrow(total));
     std::memcpy(longer.block->Bytes(), Latin1(), length);
     std::memcpy(longer.block->Bytes() + length, piece.data(), piece.size());
     std::swap(block, longer.block);
@@ -119,7 +119,7 @@ String& String::Resize(unsigned int n, bool keepWholeCharacters) {
     const unsigned int kept = std::min(n, GetLength());
     if (!IsSoleHolder() || n > block->capacity) {
         String own;
-        own.block = NewBlock(CheckedLength(n), IsSoleHolder() ? roomToGrow(n) : n);
+        own.block = NewBlock(CheckedLength(n), IsSoleHolder() ? capacityToGrow(n) : n);
         std::memcpy(own.block->Bytes(), Latin1(), kept);
         std::swap(block, own.block);
     }

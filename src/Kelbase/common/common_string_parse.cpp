@@ -187,7 +187,7 @@ unsigned long long String::ToUInt64(bool* ok, unsigned int base) const {
 namespace {
 
 /// A decimal number in its usual notation: an integer and a power of ten.
-struct PlainDecimal {
+struct ShortDecimal {
     unsigned long long digits = 0;
     int exponent = 0;
     bool minus = false;
@@ -210,7 +210,7 @@ std::ptrdiff_t readDigits(const char*& p, unsigned long long& number) {
 
 /// Reads digits with at most one separator among them. Returns false if there are none, or more than 64 bits
 /// can hold.
-bool readMantissa(const char*& p, PlainDecimal& number) {
+bool readMantissa(const char*& p, ShortDecimal& number) {
     std::ptrdiff_t count = readDigits(p, number.digits);
     if (*p == '.' || *p == ',') {
         const std::ptrdiff_t fraction = readDigits(++p, number.digits);
@@ -221,7 +221,7 @@ bool readMantissa(const char*& p, PlainDecimal& number) {
 }
 
 /// Reads an exponent of one to three digits, if there is an exponent. Returns false for any other.
-bool readExponent(const char*& p, PlainDecimal& number) {
+bool readExponent(const char*& p, ShortDecimal& number) {
     if (*p != 'e' && *p != 'E') return true;
     ++p;
     const bool minus = readSign(p);
@@ -234,7 +234,7 @@ bool readExponent(const char*& p, PlainDecimal& number) {
 
 /// Reads a whole text, which a NUL ends. Returns false for every text that has another notation, a number or
 /// not.
-bool readPlain(const char* p, const char* end, PlainDecimal& number) {
+bool readShortDecimal(const char* p, const char* end, ShortDecimal& number) {
     p = skipSpace(p, end);
     number.minus = readSign(p);
     return readMantissa(p, number) && readExponent(p, number) && skipSpace(p, end) == end;
@@ -257,8 +257,8 @@ bool isUsualLocale() {
 /// as `strtod` rounds. Returns false for every other text.
 bool readExactly(const String& s, double& value) {
     if (!isUsualLocale()) return false;
-    PlainDecimal number;
-    if (!readPlain(s.Latin1(), s.Latin1() + s.GetLength(), number)) return false;
+    ShortDecimal number;
+    if (!readShortDecimal(s.Latin1(), s.Latin1() + s.GetLength(), number)) return false;
     if (number.digits > kLargestExactInteger) return false;
     if (number.exponent < -kLargestPower || number.exponent > kLargestPower) return false;
     const double magnitude = static_cast<double>(number.digits);

@@ -39,11 +39,11 @@ String::String(const unsigned short* s, unsigned int encoding) {
     const OwnedCFString string(
         CFStringCreateWithCharacters(kCFAllocatorDefault, s, static_cast<CFIndex>(count)));
     if (!string) return;
-    const std::size_t room = 5 * count + 5; // no encoding needs more bytes for a unit
-    const scoped_array<char> buffer(new char[room]);
-    const bool converted = CFStringGetCString(string.get(), buffer.get(), static_cast<CFIndex>(room),
+    const std::size_t capacity = 5 * count + 5; // no encoding needs more bytes for a unit
+    const scoped_array<char> buffer(new char[capacity]);
+    const bool converted = CFStringGetCString(string.get(), buffer.get(), static_cast<CFIndex>(capacity),
                                               platformEncoding(encoding));
-    buffer[room - 1] = 0;
+    buffer[capacity - 1] = 0;
     if (converted) *this = String(buffer.get());
 }
 

@@ -16,7 +16,7 @@
 
 namespace {
 
-using IPP::Form;
+using IPP::Implementation;
 
 const float kNan = std::numeric_limits<float>::quiet_NaN();
 const float kInfinity = std::numeric_limits<float>::infinity();
@@ -40,7 +40,7 @@ testing::AssertionResult sameBytes(const std::vector<T>& a, const std::vector<T>
 
 /// Each form but the scalar one, which is their reference. Its own answers are the literals further down: a
 /// single element always ends there.
-class WideForm : public testing::TestWithParam<const Form*> {
+class WideImplementation : public testing::TestWithParam<const Implementation*> {
 protected:
     void SetUp() override {
         if (!GetParam()->isSupported()) GTEST_SKIP() << "this processor has no " << GetParam()->name;
@@ -48,18 +48,20 @@ protected:
 
     /// Runs the form's routine beside the scalar one: all bytes must agree, the neighbours' too.
     template <typename Source, typename Target, typename... Factor>
-    testing::AssertionResult AsScalar(void (*Form::*routine)(unsigned int, const Source*, Target*, Factor...),
+    testing::AssertionResult AsScalar(void (*Implementation::*routine)(unsigned int, const Source*, Target*,
+                                                                       Factor...),
                                       const std::vector<Source>& source, Factor... factor) {
         std::vector<Target> expected = guarded<Target>(source.size() + 2), actual = expected;
         const unsigned int count = static_cast<unsigned int>(source.size());
-        (IPP::kScalarForm.*routine)(count, source.data(), expected.data() + 1, factor...);
+        (IPP::kScalarImplementation.*routine)(count, source.data(), expected.data() + 1, factor...);
         (GetParam()->*routine)(count, source.data(), actual.data() + 1, factor...);
         return sameBytes(actual, expected);
     }
 
     /// Every count from 0 to 70 at every offset within a vector register.
     template <typename Source, typename Target, typename... Factor>
-    void ExpectAsScalarAtEveryPlace(void (*Form::*routine)(unsigned int, const Source*, Target*, Factor...),
+    void ExpectAsScalarAtEveryPlace(void (*Implementation::*routine)(unsigned int, const Source*, Target*,
+                                                                     Factor...),
                                     Factor... factor) {
         std::vector<Source> source(70 + 32 / sizeof(Source));
         std::iota(source.begin(), source.end(), Source(3));
@@ -68,38 +70,41 @@ protected:
                 for (std::size_t to = 0; to < 32 / sizeof(Target); ++to) {
                     std::vector<Target> expected = guarded<Target>(70 + 2 * 32 / sizeof(Target)),
                                         actual = expected;
-                    (IPP::kScalarForm.*routine)(count, &source[from], &expected[to], factor...);
+                    (IPP::kScalarImplementation.*routine)(count, &source[from], &expected[to], factor...);
                     (GetParam()->*routine)(count, &source[from], &actual[to], factor...);
                     ASSERT_TRUE(sameBytes(actual, expected)) << count << " from " << from << " to " << to;
                 }
     }
 };
 
-std::vector<const Form*> formsUpTo(const Form* end) {
-    std::vector<const Form*> forms;
-    for (const Form* const* form = IPP::kAllForms; *form != end; ++form) forms.push_back(*form);
-    return forms;
+std::vector<const Implementation*> implementationsUpTo(const Implementation* end) {
+    std::vector<const Implementation*> implementations;
+    for (const Implementation* const* implementation = IPP::kAllImplementations; *implementation != end;
+         ++implementation)
+        implementations.push_back(*implementation);
+    return implementations;
 }
 
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(WideForm);
-INSTANTIATE_TEST_SUITE_P(IPP, WideForm, testing::ValuesIn(formsUpTo(&IPP::kScalarForm)),
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(WideImplementation);
+INSTANTIATE_TEST_SUITE_P(IPP, WideImplementation,
+                         testing::ValuesIn(implementationsUpTo(&IPP::kScalarImplementation)),
                          [](const auto& test) { return test.param->name; });
 
-TEST_P(WideForm, WritesExactlyItsElementsAtEveryCountAndOffset) {
-    ExpectAsScalarAtEveryPlace(&Form::charToFloat);
-    ExpectAsScalarAtEveryPlace(&Form::floatToDouble);
-    ExpectAsScalarAtEveryPlace(&Form::doubleToFloat);
-    ExpectAsScalarAtEveryPlace(&Form::shortToFloat, 0.5f);
-    ExpectAsScalarAtEveryPlace(&Form::shortToDouble, 0.5);
-    ExpectAsScalarAtEveryPlace(&Form::intToFloat, 0.5f);
-    ExpectAsScalarAtEveryPlace(&Form::intToDouble, 0.5);
-    ExpectAsScalarAtEveryPlace(&Form::floatToShort, 0.5f);
-    ExpectAsScalarAtEveryPlace(&Form::floatToShortRounded, 0.5f);
-    ExpectAsScalarAtEveryPlace(&Form::floatToInt, 0.5f);
-    ExpectAsScalarAtEveryPlace(&Form::floatToIntRounded, 0.5f);
+TEST_P(WideImplementation, WritesExactlyItsElementsAtEveryCountAndOffset) {
+    ExpectAsScalarAtEveryPlace(&Implementation::charToFloat);
+    ExpectAsScalarAtEveryPlace(&Implementation::floatToDouble);
+    ExpectAsScalarAtEveryPlace(&Implementation::doubleToFloat);
+    ExpectAsScalarAtEveryPlace(&Implementation::shortToFloat, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Implementation::shortToDouble, 0.5);
+    ExpectAsScalarAtEveryPlace(&Implementation::intToFloat, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Implementation::intToDouble, 0.5);
+    ExpectAsScalarAtEveryPlace(&Implementation::floatToShort, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Implementation::floatToShortRounded, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Implementation::floatToInt, 0.5f);
+    ExpectAsScalarAtEveryPlace(&Implementation::floatToIntRounded, 0.5f);
 }
 
-TEST_P(WideForm, AgreesOnEverySixteenBitValue) {
+TEST_P(WideImplementation, AgreesOnEverySixteenBitValue) {
     std::vector<short> shorts(65536);
     std::vector<float> around, patterns;
     for (int i = -32768; i < 32768; ++i) {
@@ -114,24 +119,24 @@ TEST_P(WideForm, AgreesOnEverySixteenBitValue) {
     for (int shift = 0; shift < 32; ++shift) {
         const float factor = shift == 31 ? -2147483648.0f : std::ldexp(1.0f, shift);
         SCOPED_TRACE(factor);
-        EXPECT_TRUE(AsScalar(&Form::shortToFloat, shorts, 1 / factor));
-        EXPECT_TRUE(AsScalar(&Form::shortToDouble, shorts, 1.0 / factor));
+        EXPECT_TRUE(AsScalar(&Implementation::shortToFloat, shorts, 1 / factor));
+        EXPECT_TRUE(AsScalar(&Implementation::shortToDouble, shorts, 1.0 / factor));
         for (const std::vector<float>* floats : {&around, &patterns}) {
-            EXPECT_TRUE(AsScalar(&Form::floatToShort, *floats, factor));
-            EXPECT_TRUE(AsScalar(&Form::floatToShortRounded, *floats, factor));
+            EXPECT_TRUE(AsScalar(&Implementation::floatToShort, *floats, factor));
+            EXPECT_TRUE(AsScalar(&Implementation::floatToShortRounded, *floats, factor));
         }
     }
     for (int exponent = -150; exponent <= 128; ++exponent) { // from 0 to infinity
         const float factor = std::ldexp(1.0f, exponent);
         SCOPED_TRACE(exponent);
-        ASSERT_TRUE(AsScalar(&Form::floatToInt, patterns, factor));
-        ASSERT_TRUE(AsScalar(&Form::floatToIntRounded, patterns, factor));
+        ASSERT_TRUE(AsScalar(&Implementation::floatToInt, patterns, factor));
+        ASSERT_TRUE(AsScalar(&Implementation::floatToIntRounded, patterns, factor));
     }
-    EXPECT_TRUE(AsScalar(&Form::floatToIntRounded, around, 1.0f));
-    EXPECT_TRUE(AsScalar(&Form::floatToDouble, patterns));
+    EXPECT_TRUE(AsScalar(&Implementation::floatToIntRounded, around, 1.0f));
+    EXPECT_TRUE(AsScalar(&Implementation::floatToDouble, patterns));
 }
 
-TEST_P(WideForm, AgreesWhereSumsProductsAndNarrowingRound) {
+TEST_P(WideImplementation, AgreesWhereSumsProductsAndNarrowingRound) {
     std::vector<float> floats = {0.49999997f,   8388607.5f,      8388609.0f, 16777215.0f, 2147483520.0f,
                                  2147483648.0f, 32767.4980f,     32767.5f,   32768.5f,    kDenormal,
                                  3 * kDenormal, 1.17549421e-38f, FLT_MAX,    kInfinity,   0.0f,
@@ -150,58 +155,58 @@ TEST_P(WideForm, AgreesWhereSumsProductsAndNarrowingRound) {
                                    0.0};
     for (std::size_t i = 0, size = floats.size(); i < size; ++i) floats.push_back(-floats[i]);
     for (std::size_t i = 0, size = doubles.size(); i < size; ++i) doubles.push_back(-doubles[i]);
-    EXPECT_TRUE(AsScalar(&Form::doubleToFloat, doubles));
+    EXPECT_TRUE(AsScalar(&Implementation::doubleToFloat, doubles));
     for (int exponent = -1075; exponent <= 1024; ++exponent) {
         const float factor = std::ldexp(1.0f, exponent);
         SCOPED_TRACE(exponent);
-        ASSERT_TRUE(AsScalar(&Form::floatToInt, floats, factor));
-        ASSERT_TRUE(AsScalar(&Form::floatToIntRounded, floats, factor));
-        ASSERT_TRUE(AsScalar(&Form::intToFloat, ints, factor));
-        ASSERT_TRUE(AsScalar(&Form::intToDouble, ints, std::ldexp(1.0, exponent)));
+        ASSERT_TRUE(AsScalar(&Implementation::floatToInt, floats, factor));
+        ASSERT_TRUE(AsScalar(&Implementation::floatToIntRounded, floats, factor));
+        ASSERT_TRUE(AsScalar(&Implementation::intToFloat, ints, factor));
+        ASSERT_TRUE(AsScalar(&Implementation::intToDouble, ints, std::ldexp(1.0, exponent)));
     }
 }
 
-TEST_P(WideForm, AgreesOnArraysTooLargeForTheCaches) {
+TEST_P(WideImplementation, AgreesOnArraysTooLargeForTheCaches) {
     std::vector<unsigned char> bytes((24u << 20) / 5 + 100, 7);
     bytes[bytes.size() - 3] = 9;
-    EXPECT_TRUE(AsScalar(&Form::charToFloat, bytes)); // the destination begins one element off
+    EXPECT_TRUE(AsScalar(&Implementation::charToFloat, bytes)); // the destination begins one element off
     const std::vector<float> floats(bytes.begin(), bytes.end());
-    EXPECT_TRUE(AsScalar(&Form::floatToShortRounded, floats, 1.0f));
-    EXPECT_TRUE(AsScalar(&Form::floatToDouble, floats));
+    EXPECT_TRUE(AsScalar(&Implementation::floatToShortRounded, floats, 1.0f));
+    EXPECT_TRUE(AsScalar(&Implementation::floatToDouble, floats));
 }
 
-void expectFillsWholeElements(const Form& form, std::size_t element) {
+void expectFillsWholeElements(const Implementation& implementation, std::size_t element) {
     for (std::size_t count = 0; count <= 70; ++count)
         for (std::size_t start = 0; start < 32; start += element) {
             std::vector<unsigned char> bytes = guarded<unsigned char>(70 * 8 + 64), expected = bytes;
             unsigned char pattern[8];
             for (std::size_t i = 0; i < 8; ++i) pattern[i] = static_cast<unsigned char>(1 + i % element);
             for (std::size_t i = 0; i < count * element; ++i) expected[start + i] = pattern[i % element];
-            form.fill(count * element, &bytes[start], pattern);
+            implementation.fill(count * element, &bytes[start], pattern);
             ASSERT_TRUE(sameBytes(bytes, expected)) << count << " of " << element << " at " << start;
         }
 }
 
-TEST(IPPForms, FillLargeArraysAlike) {
+TEST(IPPImplementations, FillLargeArraysAlike) {
     const unsigned char patterns[][8] = {
         {1, 2, 1, 2, 1, 2, 1, 2}, {1, 2, 3, 4, 1, 2, 3, 4}, {1, 2, 3, 4, 5, 6, 7, 8}};
     constexpr std::size_t most = (1 << 20) + 16;
-    for (const Form* form : formsUpTo(nullptr))
+    for (const Implementation* implementation : implementationsUpTo(nullptr))
         for (const auto& pattern : patterns)
             for (const std::size_t count : {most - 24, most - 16, most - 14, most - 8}) {
-                if (!form->isSupported() || (count % 4 != 0 && pattern[2] == 3)) continue;
+                if (!implementation->isSupported() || (count % 4 != 0 && pattern[2] == 3)) continue;
                 std::vector<unsigned char> bytes = guarded<unsigned char>(most), expected = bytes;
                 for (std::size_t i = 0; i < count; ++i) expected[2 + i] = pattern[i % 8];
-                form->fill(count, &bytes[2], pattern);
-                ASSERT_TRUE(sameBytes(bytes, expected)) << form->name << " " << count;
+                implementation->fill(count, &bytes[2], pattern);
+                ASSERT_TRUE(sameBytes(bytes, expected)) << implementation->name << " " << count;
             }
 }
 
-TEST(IPPForms, FillWholeElementsOnly) {
-    for (const Form* form : formsUpTo(nullptr)) {
-        SCOPED_TRACE(form->name);
+TEST(IPPImplementations, FillWholeElementsOnly) {
+    for (const Implementation* implementation : implementationsUpTo(nullptr)) {
+        SCOPED_TRACE(implementation->name);
         for (std::size_t element : {2u, 4u, 8u})
-            if (form->isSupported()) expectFillsWholeElements(*form, element);
+            if (implementation->isSupported()) expectFillsWholeElements(*implementation, element);
     }
 }
 

@@ -62,10 +62,10 @@ TEST(CFString, OnlyReleaseOnDestroyReleases) {
 TEST(CFString, HoldsAnEmptyStringForNullAndWhereThePlatformMakesNone) {
     const CFString fromReference(static_cast<CFStringRef>(nullptr), CFString::kReleaseOnDestroy);
     const CFString fromText(static_cast<const char*>(nullptr), CFString::kReleaseOnDestroy);
-    macplatform::OrderFault({"CFStringCreateWithCString"});
-    macplatform::OrderFault({"CFStringCreateWithCString"});
+    macplatform::InjectFault({"CFStringCreateWithCString"});
+    macplatform::InjectFault({"CFStringCreateWithCString"});
     const CFString refused("text", CFString::kReleaseOnDestroy);
-    EXPECT_EQ(macplatform::CancelFaults(), 0U);
+    EXPECT_EQ(macplatform::CancelInjectedFaults(), 0U);
     for (const CFString* held : {&fromReference, &fromText, &refused}) {
         ASSERT_NE(held->GetRef(), nullptr);
         EXPECT_EQ(CFStringGetLength(held->GetRef()), 0);

@@ -207,8 +207,8 @@ TEST(Dir, KeepsTimes) {
 }
 
 TEST(Dir, ReckonsFreeSpaceIn32Bits) {
-    struct statfs told = {};
-    gVolume = &told;
+    struct statfs status = {};
+    gVolume = &status;
     const std::pair<unsigned int, unsigned long long> rows[] = {{3, 12288},
                                                                 {0x7FFFF, 0x7FFFF000},
                                                                 {0x80000, 0xFFFFFFFF80000000},
@@ -216,8 +216,8 @@ TEST(Dir, ReckonsFreeSpaceIn32Bits) {
                                                                 {0x100001, 4096}};
     Dir::DirInfo info = {};
     for (const auto& [blocks, bytes] : rows) {
-        told.f_bsize = 4096;
-        told.f_bavail = blocks;
+        status.f_bsize = 4096;
+        status.f_bavail = blocks;
         EXPECT_TRUE(Dir(toPath("/")).GetDirInfo(info));
         EXPECT_EQ(info.availableSpace, bytes);
     }
@@ -226,7 +226,7 @@ TEST(Dir, ReckonsFreeSpaceIn32Bits) {
     EXPECT_EQ(info.availableSpace, 4096U);
 }
 
-TEST(DirFindFile, TakesOwnFilesBeforeThoseBelow) {
+TEST(DirFindFile, ReturnsOwnFilesBeforeThoseBelow) {
     const TemporaryFolder folder;
     for (const char* name : {"b", "c", "a/Take.WAV", "a/deep/only", "z/take.wav"}) folder.Write(name);
     // Forty folders with such links would be found in more ways than can be walked.

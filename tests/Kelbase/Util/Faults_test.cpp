@@ -30,7 +30,7 @@ using Util::File;
 const char kFileSource[] = "src/Kelbase/Util/File", kDirSource[] = "src/Kelbase/Util/Dir_mac";
 
 /// A fresh folder with a file and a folder in it, and the objects under test.
-struct World {
+struct Fixture {
     const TemporaryFolder folder;
     const std::string name = folder.Write("file", "0123"), other = (folder / "other").string();
     const FilePath from{name.c_str(), false}, to{other.c_str(), false};
@@ -38,9 +38,9 @@ struct World {
     Dir dir{Folder("")}, empty{Folder("empty")}, deep{Folder("empty/a/b")};
     std::vector<String> names;
     char buffer[5] = {};
-    const char* answer = "nothing";
+    const char* result = "nothing";
 
-    World() {
+    Fixture() {
         std::filesystem::create_directory(folder / "empty");
         names.reserve(8);
     }
@@ -51,43 +51,43 @@ std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-/// "CALL: LINE KIND ERRNO: MESSAGE", or the answer, for each call of the work that fails. Running out of
+/// "CALL: LINE KIND ERRNO: MESSAGE", or the result, for each call of the work that fails. Running out of
 /// memory always ends in std::bad_alloc and is not listed. What leaks is told.
 template <typename Work>
 std::vector<std::string> withEachCallFailing(const char* source, const std::string& below, Work work) {
     std::vector<std::string> outcomes;
     {
-        World first; // what is kept from a first call on is no leak
+        Fixture first; // what is kept from a first call on is no leak
         work(first);
     }
     for (unsigned number = 0;; ++number) {
-        World world;
-        const std::string path = (world.folder / below).string();
-        char told[200] = "";
-        const auto descriptors = openDescriptors() + (world.file.IsOpen() ? 1 : 0);
+        Fixture fixture;
+        const std::string path = (fixture.folder / below).string();
+        char outcome[200] = "";
+        const auto descriptors = openDescriptors() + (fixture.file.IsOpen() ? 1 : 0);
         const std::size_t blocks = LiveBlocks();
         const FailingCall failing(number, EIO);
         try {
-            const std::string failure = FailureOf(source, path, [&] { work(world); });
-            std::snprintf(told, sizeof told, "%s", failure.empty() ? world.answer : failure.c_str());
+            const std::string failure = FailureOf(source, path, [&] { work(fixture); });
+            std::snprintf(outcome, sizeof outcome, "%s", failure.empty() ? fixture.result : failure.c_str());
         } catch (const std::bad_alloc&) {
-            std::snprintf(told, sizeof told, "out of memory");
+            std::snprintf(outcome, sizeof outcome, "out of memory");
         }
-        world.names.clear();
+        fixture.names.clear();
         const std::size_t left = LiveBlocks();
         if (!failing.Name()) {
-            Tried("file call or allocation of the library failing", number,
-                  testing::Test::HasFailure() ? 1 : 0);
+            TallyFault("file call or allocation of the library failing", number,
+                       testing::Test::HasFailure() ? 1 : 0);
             return outcomes;
         }
         EXPECT_EQ(left, blocks) << "leaked when call " << number << " failed: " << failing.Name();
-        const bool isOpen = world.file.IsOpen();
-        world.file.SetPath({});
+        const bool isOpen = fixture.file.IsOpen();
+        fixture.file.SetPath({});
         EXPECT_EQ(openDescriptors(), descriptors) << failing.Name();
         if (failing.Name() == std::string("malloc")) {
-            EXPECT_THAT(told, AnyOf(StrEq("out of memory"), StrEq(world.answer)));
+            EXPECT_THAT(outcome, AnyOf(StrEq("out of memory"), StrEq(fixture.result)));
         } else {
-            outcomes.push_back(failing.Name() + std::string(": ") + told + (isOpen ? " (open)" : ""));
+            outcomes.push_back(failing.Name() + std::string(": ") + outcome + (isOpen ? " (open)" : ""));
         }
     }
 }
@@ -96,12 +96,12 @@ std::vector<std::string> withEachCallFailing(const char* source, const std::stri
 
 TEST(Faults, OfAFileAreThrownWithTheirPlace) {
     EXPECT_THAT(withEachCallFailing(kFileSource, "file",
-                                    [](World& world) {
-                                        world.file.Open(File::Read | File::Write);
-                                        world.file.ReadBlock(world.buffer, 4);
-                                        world.file.At(2);
-                                        world.file.WriteBlock("ab", 2);
-                                        world.file.Close();
+                                    [](Fixture& fixture) {
+                                        fixture.file.Open(File::Read | File::Write);
+                                        fixture.file.ReadBlock(fixture.buffer, 4);
+                                        fixture.file.At(2);
+                                        fixture.file.WriteBlock("ab", 2);
+                                        fixture.file.Close();
                                     }),
                 ElementsAre("fopen: 288 1 5: Error opening file",
                             "fread: 608 2 5: Attempt to read 4 bytes, only read 2 bytes (open)",
@@ -109,10 +109,10 @@ TEST(Faults, OfAFileAreThrownWithTheirPlace) {
                             "fwrite: 630 3 5: Attempt to write 2 bytes, only wrote 1 bytes (open)",
                             "fclose: 397 4 5: Close failed"));
     EXPECT_THAT(withEachCallFailing(kFileSource, "file",
-                                    [](World& world) {
-                                        world.file.Open(File::Read | File::Text);
-                                        world.file.ReadBlock(world.buffer, 4);
-                                        world.file.SetPath({});
+                                    [](Fixture& fixture) {
+                                        fixture.file.Open(File::Read | File::Text);
+                                        fixture.file.ReadBlock(fixture.buffer, 4);
+                                        fixture.file.SetPath({});
                                     }),
                 ElementsAre("fopen: 288 1 5: Error opening file", "ftello: nothing",
                             "fread: 592 2 5: Attempt to read 4 bytes, only read 2 bytes (open)",
@@ -121,46 +121,49 @@ TEST(Faults, OfAFileAreThrownWithTheirPlace) {
 }
 
 TEST(Faults, OfANamedFileAreThrownWithTheirPlace) {
-    const auto failing = [](void (*work)(World&)) { return withEachCallFailing(kFileSource, "file", work); };
-    EXPECT_THAT(failing([](World& world) { world.file.SetMode(0600); }),
+    const auto failing = [](void (*work)(Fixture&)) {
+        return withEachCallFailing(kFileSource, "file", work);
+    };
+    EXPECT_THAT(failing([](Fixture& fixture) { fixture.file.SetMode(0600); }),
                 ElementsAre("chmod: 128 7 0: Error modifying file permissions"));
-    EXPECT_THAT(failing([](World& world) {
-                    world.file.SetTime({1, 2});
+    EXPECT_THAT(failing([](Fixture& fixture) {
+                    fixture.file.SetTime({1, 2});
                 }),
                 ElementsAre("utimes: 148 7 0: Error setting file time"));
-    EXPECT_THAT(failing([](World& world) {
+    EXPECT_THAT(failing([](Fixture& fixture) {
                     Util::FileTime time;
-                    world.file.GetTime(&time);
+                    fixture.file.GetTime(&time);
                 }),
                 ElementsAre("stat: 179 7 0: Error getting file time"));
-    EXPECT_THAT(failing([](World& world) { world.file.Remove(true); }),
+    EXPECT_THAT(failing([](Fixture& fixture) { fixture.file.Remove(true); }),
                 ElementsAre("remove: 422 5 5: Remove failed"));
-    EXPECT_THAT(failing([](World& world) { world.file.Remove(false); }), ElementsAre("remove: nothing"));
-    EXPECT_THAT(failing([](World& world) { File::Rename(world.from, world.to); }),
+    EXPECT_THAT(failing([](Fixture& fixture) { fixture.file.Remove(false); }),
+                ElementsAre("remove: nothing"));
+    EXPECT_THAT(failing([](Fixture& fixture) { File::Rename(fixture.from, fixture.to); }),
                 ElementsAre("access: nothing", "rename: 547 6 5: Rename failed"));
 }
 
-TEST(Faults, OfQuestionsAreAnswers) {
+TEST(Faults, OfQueriesAreResults) {
     EXPECT_THAT(withEachCallFailing(kFileSource, "file",
-                                    [](World& world) {
-                                        const bool all = world.file.Exists() && world.file.IsReadable() &&
-                                                         world.file.IsWritable();
-                                        world.answer = !all                           ? "not there"
-                                                       : !world.file.Size().IsGiven() ? "no size"
-                                                                                      : "whole";
+                                    [](Fixture& fixture) {
+                                        const bool all = fixture.file.Exists() && fixture.file.IsReadable() &&
+                                                         fixture.file.IsWritable();
+                                        fixture.result = !all                             ? "not there"
+                                                         : !fixture.file.Size().IsGiven() ? "no size"
+                                                                                          : "whole";
                                         Dir::DirInfo info = {7};
-                                        if (!world.dir.GetDirInfo(info) && info.availableSpace == 7)
-                                            world.answer = "no space told";
+                                        if (!fixture.dir.GetDirInfo(info) && info.availableSpace == 7)
+                                            fixture.result = "no space reported";
                                     }),
                 ElementsAre("access: not there", "access: not there", "access: not there", "stat: no size",
-                            "statfs: no space told"));
+                            "statfs: no space reported"));
     EXPECT_THAT(withEachCallFailing(kFileSource, "file",
-                                    [](World& world) {
-                                        world.file.Open(File::Read);
-                                        world.answer = !world.file.At().IsGiven()          ? "no place"
-                                                       : !world.file.Size().IsGiven()      ? "no size"
-                                                       : !world.file.Remaining().IsGiven() ? "no rest"
-                                                                                           : "whole";
+                                    [](Fixture& fixture) {
+                                        fixture.file.Open(File::Read);
+                                        fixture.result = !fixture.file.At().IsGiven()          ? "no place"
+                                                         : !fixture.file.Size().IsGiven()      ? "no size"
+                                                         : !fixture.file.Remaining().IsGiven() ? "no rest"
+                                                                                               : "whole";
                                     }),
                 ElementsAre("fopen: 288 1 5: Error opening file", "ftello: no place (open)",
                             "fstat: no size (open)", "fstat: no rest (open)", "ftello: no rest (open)"));
@@ -169,32 +172,34 @@ TEST(Faults, OfQuestionsAreAnswers) {
 TEST(Faults, OfAFolderAreThrownWithTheirPlace) {
     const char notMade[] = "mkdir: 105 3 0: mkdir() failed with -1/5";
     const auto deep =
-        withEachCallFailing(kDirSource, "empty/a/b/", [](World& world) { world.deep.Create(true); });
+        withEachCallFailing(kDirSource, "empty/a/b/", [](Fixture& fixture) { fixture.deep.Create(true); });
     EXPECT_THAT(deep, Contains(notMade).Times(2));
     EXPECT_THAT(deep,
                 Each(AnyOf(notMade, "access: nothing", EndsWith(": 105 3 0: mkdir() failed with -1/17"))));
-    const auto failing = [](void (*work)(World&)) { return withEachCallFailing(kDirSource, "empty/", work); };
-    EXPECT_THAT(failing([](World& world) {
-                    world.empty.Remove();
-                    world.empty.Create(false);
+    const auto failing = [](void (*work)(Fixture&)) {
+        return withEachCallFailing(kDirSource, "empty/", work);
+    };
+    EXPECT_THAT(failing([](Fixture& fixture) {
+                    fixture.empty.Remove();
+                    fixture.empty.Create(false);
                 }),
                 ElementsAre("access: nothing", "stat: nothing", "rmdir: 135 5 0: rmdir() failed",
                             "access: nothing", "mkdir: 118 3 0: mkdir() failed with -1/5"));
-    EXPECT_THAT(failing([](World& world) {
-                    world.empty.SetTime({1, 2});
+    EXPECT_THAT(failing([](Fixture& fixture) {
+                    fixture.empty.SetTime({1, 2});
                 }),
                 ElementsAre("utimes: 158 7 0: Error setting folder time"));
-    EXPECT_THAT(failing([](World& world) {
+    EXPECT_THAT(failing([](Fixture& fixture) {
                     Util::FileTime time;
-                    world.empty.GetTime(&time);
+                    fixture.empty.GetTime(&time);
                 }),
                 ElementsAre("stat: 171 7 0: Error getting folder time"));
 }
 
 TEST(Faults, OfAListingLeaveEntriesOut) {
-    const auto outcomes = withEachCallFailing(kDirSource, "", [](World& world) {
-        world.dir.GetFilenames(world.names, "", false, true);
-        world.answer = world.names.empty() ? "none" : world.names.size() == 1 ? "one" : "both";
+    const auto outcomes = withEachCallFailing(kDirSource, "", [](Fixture& fixture) {
+        fixture.dir.GetFilenames(fixture.names, "", false, true);
+        fixture.result = fixture.names.empty() ? "none" : fixture.names.size() == 1 ? "one" : "both";
     });
     ASSERT_GE(outcomes.size(), 4U);
     EXPECT_EQ(outcomes[0], "opendir: none");
@@ -221,9 +226,9 @@ TEST(Faults, OfMemoryLeaveTextsAndStreamsAsTheyWere) {
         [](Objects& o) { o.text.Split(' ', o.parts); },
         [](Objects& o) { o.stream << String("many words that need room"); },
     };
-    unsigned tried = 0;
+    unsigned tally = 0;
     for (const Work work : works) {
-        for (unsigned number = 0;; ++number, ++tried) {
+        for (unsigned number = 0;; ++number, ++tally) {
             Objects objects;
             const std::size_t blocks = LiveBlocks();
             bool isOut = false;
@@ -239,6 +244,6 @@ TEST(Faults, OfMemoryLeaveTextsAndStreamsAsTheyWere) {
             EXPECT_TRUE(objects.text == objects.copy && objects.parts.empty());
         }
     }
-    EXPECT_GT(tried, 2 * std::size(works));
-    Tried("allocation of a text or stream failing", tried, HasFailure() ? 1 : 0);
+    EXPECT_GT(tally, 2 * std::size(works));
+    TallyFault("allocation of a text or stream failing", tally, HasFailure() ? 1 : 0);
 }

@@ -19,12 +19,12 @@ class FileFinder : public testing::Test {
 protected:
     void SetUp() override {
         setenv("HOME", folder.Path().c_str(), 1);
-        macplatform::SetJournalObserver([this](const auto& entry) { calls.push_back(entry.call); });
+        macplatform::SetCallObserver([this](const auto& entry) { calls.push_back(entry.call); });
         setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
     }
     void TearDown() override {
-        macplatform::SetJournalObserver({});
-        EXPECT_EQ(macplatform::CancelFaults(), 0U) << "each ordered fault has happened";
+        macplatform::SetCallObserver({});
+        EXPECT_EQ(macplatform::CancelInjectedFaults(), 0U) << "each ordered fault has happened";
         EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
     }
 
@@ -35,13 +35,13 @@ protected:
 };
 
 TEST_F(FileFinder, RenameReplacesByExchangeWhereTheVolumeCan) {
-    macplatform::OrderFault({"FSExchangeObjects", noErr}); // says that it did, and does not
+    macplatform::InjectFault({"FSExchangeObjects", noErr}); // says that it did, and does not
     File::Rename(toPath(name), toPath(old));
     EXPECT_EQ(ReadBytes(old), "old bytes");
     EXPECT_FALSE(std::filesystem::exists(name));
 }
 
-TEST_F(FileFinder, RenameMovesOrTellsWhyNot) {
+TEST_F(FileFinder, RenameMovesOrReportsWhyNot) {
     File::Rename(toPath(name), toPath(old));
     EXPECT_THAT(calls, ElementsAre("FSPathMakeRef", "FSPathMakeRef", "FSExchangeObjects"));
     EXPECT_EQ(ReadBytes(old), "new bytes");
@@ -59,7 +59,7 @@ TEST_F(FileFinder, GivesTheFileTypeOr0) {
     ASSERT_EQ(SetFinderInfo(name, FileInfo{'WAVE', 'ttxt', 0, {}, 0}), noErr);
     EXPECT_EQ(file.GetOSXFileType(), 0x57415645U);
 
-    macplatform::OrderFault({"FSGetCatalogInfo", ioErr});
+    macplatform::InjectFault({"FSGetCatalogInfo", ioErr});
     EXPECT_EQ(file.GetOSXFileType(), 0U);
     EXPECT_EQ(File(toPath(folder / "missing")).GetOSXFileType(), 0U);
 }
@@ -75,10 +75,10 @@ TEST_F(FileFinder, RecyclePutsAFileIntoTheTrash) {
                                    "AESend", "AEDisposeDesc", "AEDisposeDesc"));
 }
 
-TEST_F(FileFinder, RecycleAnswersWhatKeptItFromAsking) {
+TEST_F(FileFinder, RecycleReturnsTheErrorOfBuildingTheEvent) {
     EXPECT_EQ(File::Recycle((folder / "missing").c_str()), fnfErr);
     const struct {
-        macplatform::OrderedFault fault;
+        macplatform::InjectedFault fault;
         int result;
     } rows[] = {
         {{"FSPathMakeRef", ioErr}, ioErr},
@@ -93,7 +93,7 @@ TEST_F(FileFinder, RecycleAnswersWhatKeptItFromAsking) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.fault.call + " " + std::to_string(row.fault.skip));
-        macplatform::OrderFault(row.fault);
+        macplatform::InjectFault(row.fault);
         EXPECT_EQ(File::Recycle(name.c_str()), row.result);
         EXPECT_EQ(ReadBytes(name), "new bytes");
         EXPECT_EQ(macplatform::LiveObjectCount(), 0U);

@@ -152,7 +152,7 @@ TEST(File, ReachesPast4GiB) {
     EXPECT_EQ(given(file.At()), 5368709123);
 }
 
-TEST(File, TellsWhatTheDiskRefuses) {
+TEST(File, ReportsWhatTheDiskRejects) {
     File file(toPath("/dev/full"));
     file.Open(File::Read | File::Write);
     file.WriteBlock("abc", 3); // buffered

@@ -19,7 +19,7 @@ TEST(PlatformInfo, ProcessNameIsThePlatformsReadAsUtf8) {
     macplatform::SetProcessName(std::string(255, 'n'));
     EXPECT_EQ(Util::GetCurrentProcessName().Latin1(), std::string(255, 'n'));
     macplatform::SetProcessName("");
-    macplatform::OrderFault({"GetProcessInformation", procNotFound});
+    macplatform::InjectFault({"GetProcessInformation", procNotFound});
     EXPECT_STREQ(Util::GetCurrentProcessName().Latin1(), "");
     EXPECT_STRNE(Util::GetCurrentProcessName().Latin1(), "");
     EXPECT_EQ(macplatform::LiveObjectCount(), before);

@@ -77,11 +77,11 @@ TEST(TickCount, FrequencyIsTheLow32BitsOrNothing) {
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 2400000000.0);
     macplatform::SetCpuFrequency(5000000000U);
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 705032704.0);
-    macplatform::OrderFault({"sysctl", 12});
+    macplatform::InjectFault({"sysctl", 12});
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
-    macplatform::OrderFault({"sysctlnametomib", 2});
+    macplatform::InjectFault({"sysctlnametomib", 2});
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
-    EXPECT_EQ(macplatform::CancelFaults(), 0U);
+    EXPECT_EQ(macplatform::CancelInjectedFaults(), 0U);
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 705032704.0);
     macplatform::SetCpuFrequency(0);
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);

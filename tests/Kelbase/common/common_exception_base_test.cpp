@@ -32,10 +32,10 @@ TEST(Exception, IsCaughtAsItsBaseWithAllItHolds) {
         DataStreamIO failure("No");
         failure.SetLocation("src/Kelbase/Util/ByteStream", 0x70000000CLL);
         throw DataStreamIO(failure);
-    } catch (const Exception::Base& caught) {
-        EXPECT_EQ(caught.GetLineNumber(), 12) << "the low 32 bits";
-        EXPECT_EQ(Bytes(caught.ToString()), "Base:\n\tNo\n\tsrc/Kelbase/Util/ByteStream (12): "
-                                            "Thrown, GetLastError(): 0\n\nDataStreamIO\n");
+    } catch (const Exception::Base& error) {
+        EXPECT_EQ(error.GetLineNumber(), 12) << "the low 32 bits";
+        EXPECT_EQ(Bytes(error.ToString()), "Base:\n\tNo\n\tsrc/Kelbase/Util/ByteStream (12): "
+                                           "Thrown, GetLastError(): 0\n\nDataStreamIO\n");
     }
 }
 

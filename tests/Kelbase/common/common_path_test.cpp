@@ -14,17 +14,17 @@
 namespace {
 
 /// Sets HOME and the working directory. The destructor restores both.
-class Surroundings {
+class ScopedEnvironment {
 public:
-    Surroundings(const char* home, const std::filesystem::path& folder)
+    ScopedEnvironment(const char* home, const std::filesystem::path& folder)
         : oldFolder(std::filesystem::current_path()) {
         if (const char* const old = std::getenv("HOME")) oldHome = old;
         setHome(home);
         std::filesystem::current_path(folder);
     }
-    Surroundings(const Surroundings&) = delete;
-    Surroundings& operator=(const Surroundings&) = delete;
-    ~Surroundings() {
+    ScopedEnvironment(const ScopedEnvironment&) = delete;
+    ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
+    ~ScopedEnvironment() {
         std::filesystem::current_path(oldFolder);
         setHome(oldHome ? oldHome->c_str() : nullptr);
     }
@@ -65,7 +65,7 @@ TEST(Path, PrintsClean) {
 TEST(Path, IsMadeAbsolute) {
     const TemporaryFolder folder;
     const std::string here = folder.Path().string();
-    const Surroundings surroundings("/Users/a", folder.Path());
+    const ScopedEnvironment environment("/Users/a", folder.Path());
     const std::string rows[][2] = {{"a/../b", here + "/a/../b"}, {"C:/x", here + "/C:/x"},
                                    {"~b/x", here + "/~b/x"},     {"\\x//y", "\\x//y"},
                                    {"~", "/Users/a/"},           {"~/x", "/Users/a/x"},
@@ -77,7 +77,7 @@ TEST(Path, IsMadeAbsolute) {
     EXPECT_TRUE(FilePath::IsRelative("C:/x"));
     EXPECT_FALSE(FolderPath::IsRelative("\\x") || FolderPath::IsRelative(""));
 
-    const Surroundings nothing(nullptr, folder.Path());
+    const ScopedEnvironment nothing(nullptr, folder.Path());
     EXPECT_EQ(Bytes(FilePath("~/x", false).GetInternal()), "/x");
     std::filesystem::create_directory(folder / "gone");
     std::filesystem::current_path(folder / "gone");
@@ -85,7 +85,7 @@ TEST(Path, IsMadeAbsolute) {
     EXPECT_EQ(Bytes(FilePath("x", false).GetInternal()), "/x");
 }
 
-TEST(Path, IsTakenApart) {
+TEST(Path, IsSplitIntoParts) {
     const char* const rows[][5] = {
         // path, file name, extension, base name, folder
         {"/a.b/c", "c", "", "c", "/a.b/"},
@@ -95,7 +95,7 @@ TEST(Path, IsTakenApart) {
         {"", "", "", "", ""},
         {"~", "", "", "", "//C:/"} // HOME is taken as it is, and made absolute when it is made a folder
     };
-    const Surroundings surroundings("C:", "/");
+    const ScopedEnvironment environment("C:", "/");
     for (const auto& [given, name, extension, base, folder] : rows) {
         SCOPED_TRACE(given);
         const FilePath path(given, false);

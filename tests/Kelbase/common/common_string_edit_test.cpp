@@ -44,7 +44,7 @@ TEST(StringFind, GivesPositionsOrAbsent) {
     EXPECT_EQ(position(cut.Find('b')), 2) << "bytes do not";
 }
 
-TEST(StringFind, TellsPrefixAndSuffix) {
+TEST(StringFind, FindsPrefixAndSuffix) {
     EXPECT_TRUE(String("abc").BeginsWith("AB", false));
     EXPECT_FALSE(String("abc").BeginsWith("AB"));
     EXPECT_FALSE(String("abc").BeginsWith("abcd"));
@@ -169,7 +169,7 @@ const Edit kEdits[] = {
 
 } // namespace
 
-TEST(StringEdit, AgreesWithPlainByteStrings) {
+TEST(StringEdit, AgreesWithByteStrings) {
     std::mt19937 random(20030);
     const auto below = [&random](std::size_t n) { return static_cast<unsigned int>(random() % n); };
     for (int program = 0; program < 300; ++program) {

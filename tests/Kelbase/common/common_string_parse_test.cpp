@@ -101,7 +101,7 @@ class StringParseReal : public testing::TestWithParam<char> {
 protected:
     void SetUp() override {
         if (GetParam() != ',') return;
-        if (!locale.emplace().IsEntered()) {
+        if (!locale.emplace().IsSet()) {
             GTEST_SKIP() << "no locale with a decimal comma is installed, and localedef cannot make one";
         }
     }
@@ -109,7 +109,7 @@ protected:
     std::optional<CommaLocale> locale;
 };
 
-TEST_P(StringParseReal, TakesPointAndComma) {
+TEST_P(StringParseReal, AcceptsPointAndComma) {
     struct Row {
         const char* text;
         bool ok;

@@ -34,7 +34,7 @@ TEST(String, EmptyStatesAreAlike) {
     }
 }
 
-TEST(String, TakesBytesUpToNulOrLimit) {
+TEST(String, AcceptsBytesUpToNulOrLimit) {
     EXPECT_EQ(Bytes(String("abc", 2)), "ab");
     EXPECT_EQ(Bytes(String("a\0b", 3)), "a");
     EXPECT_EQ(Bytes(String("abc", 0xFFFFFFFF)), "abc");

@@ -76,7 +76,7 @@ std::vector<Row> makeRows() {
     return rows;
 }
 
-/// What a run told and left behind, without the paths.
+/// What a run reported and left behind, without the paths.
 json effectsOf(const Row& row, const std::vector<std::string>& which) {
     const TemporaryFolder folder;
     const std::filesystem::path volume = folder / "volume";
@@ -87,11 +87,11 @@ json effectsOf(const Row& row, const std::vector<std::string>& which) {
     arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
     arguments.insert(arguments.end(), which.begin(), which.end());
     const HostTool tool = RunHost(arguments);
-    json told = json::parse(tool.out, nullptr, false);
-    if (told.is_object()) told.erase("volume");
+    json report = json::parse(tool.out, nullptr, false);
+    if (report.is_object()) report.erase("volume");
     std::string left;
     for (const auto& [path, content] : contentsOf(volume)) left += path + '\0' + content + '\0';
-    return {{"told", told}, {"noted", tool.err}, {"left", json::binary({left.begin(), left.end()})}};
+    return {{"report", report}, {"noted", tool.err}, {"left", json::binary({left.begin(), left.end()})}};
 }
 
 class BothExecutables : public testing::TestWithParam<Row> {};
@@ -99,7 +99,7 @@ class BothExecutables : public testing::TestWithParam<Row> {};
 TEST_P(BothExecutables, DoTheSame) {
     const json own = effectsOf(GetParam(), {});
     const json mac = effectsOf(GetParam(), {"--mac"});
-    ASSERT_EQ(mac["told"]["end"]["kind"], "finished") << mac["noted"];
+    ASSERT_EQ(mac["report"]["end"]["kind"], "finished") << mac["noted"];
     EXPECT_EQ(mac, own);
 }
 
@@ -108,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(Mac, BothExecutables, testing::ValuesIn(makeRows()),
 
 TEST(MacExecutable, CatchesAnExceptionOfItsOwn) {
     const json run = effectsOf(statusIsAFolder(), {"--mac"});
-    EXPECT_THAT(run["told"]["changes"]["preferences"].dump(),
+    EXPECT_THAT(run["report"]["changes"]["preferences"].dump(),
                 HasSubstr("Attempt to read 4096 bytes, only read 0 bytes"));
 }
 
@@ -148,7 +148,7 @@ TEST(MacExecutable, KeepsThePlugInContract) {
     EXPECT_THAT(tool.Verdict(), testing::StartsWith("PASS "));
 }
 
-TEST(MacExecutable, IsToldOfWhenItFails) {
+TEST(MacExecutable, IsReportedWhenItFails) {
     const TemporaryFolder folder;
     folder.Write("Throwing.bundle/Contents/Info.plist",
                  ReadBytes(std::string(POSTINSTALL_BUNDLE) + "/Contents/Info.plist"));
@@ -173,7 +173,7 @@ TEST(MacExecutable, IsTheOneThatRunsWhereThereIsNoOther) {
 TEST(MacExecutable, IsRefusedWithTheReason) {
     struct Refused {
         std::function<void(std::string& bytes)> change;
-        std::string told;
+        std::string report;
     };
     const auto word = [](std::uint32_t value) {
         return std::string(reinterpret_cast<const char*>(&value), sizeof value);
@@ -197,11 +197,11 @@ TEST(MacExecutable, IsRefusedWithTheReason) {
          "pointers that are not handled"},
     };
     for (const Refused& row : rows) {
-        SCOPED_TRACE(row.told);
+        SCOPED_TRACE(row.report);
         const HostTool run = runChanged(row.change);
         EXPECT_EQ(run.ExitStatus(), 3) << run.out;
         EXPECT_THAT(run.err, HasSubstr("/Contents/MacOS/PostInstall"));
-        EXPECT_THAT(run.err, HasSubstr(row.told));
+        EXPECT_THAT(run.err, HasSubstr(row.report));
     }
 }
 

@@ -121,7 +121,7 @@ using Row = std::tuple<const char*, std::pair<int, int>>;
 
 class AWindow : public testing::TestWithParam<Row> {};
 
-TEST_P(AWindow, AnswersTheButtonThatIsClicked) {
+TEST_P(AWindow, ReturnsTheButtonThatIsClicked) {
     const auto& [program, clicked] = GetParam();
     const Desktop desktop;
     const Installed installed({program});
@@ -145,7 +145,7 @@ class AnyProgram : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Desktop, AnyProgram, testing::Values("yad", "zenity"),
                          [](const auto& row) { return row.param; });
 
-TEST_P(AnyProgram, TakesTextsLetterByLetter) {
+TEST_P(AnyProgram, ShowsTextsLetterByLetter) {
     const Desktop desktop;
     const Installed installed({GetParam()});
     const HostTool run = runWith(click(3, 4), {"19"});
@@ -153,7 +153,7 @@ TEST_P(AnyProgram, TakesTextsLetterByLetter) {
     EXPECT_THAT(run.out, HasSubstr("0x00000000 -> 0x00040000")) << run.out << run.err;
 }
 
-TEST_P(AnyProgram, TellsAClosedWindowAsNotShown) {
+TEST_P(AnyProgram, ReportsAClosedWindowAsNotShown) {
     const Desktop desktop;
     const Installed installed({GetParam()});
     EXPECT_THAT(runWith(kPressEscape, {"12"}).out, HasSubstr(": not shown, its window was closed\n"));

@@ -80,7 +80,7 @@ TEST(Terminal, AsksAgainUntilAButtonIsNamed) {
     EXPECT_THAT(run.Report(), HasSubstr("[Yes] [No]: No\n"));
 }
 
-TEST(Terminal, TakesTheEndOfTheInputAsNotShown) {
+TEST(Terminal, TreatsTheEndOfTheInputAsNotShown) {
     TerminalRun run;
     run.ShownUntil(kPrompt);
     run.Type("\x04");

@@ -124,7 +124,7 @@ protected:
         const std::string line = "cd '" + folder.Path().string() + "' && " + command;
         ASSERT_EQ(std::system(line.c_str()), 0) << command;
     }
-    std::vector<std::string> NamesByOthers(const std::string& file) const {
+    std::vector<std::string> NamesByNm(const std::string& file) const {
         std::vector<std::string> names;
         std::istringstream lines(Printed("llvm-nm-14 --extern-only --defined-only --just-symbol-name '" +
                                          (folder / file).string() + "'"));
@@ -148,7 +148,7 @@ protected:
 };
 
 TEST_F(MachOFiles, ListTheSameExportsAsByOthers) {
-    EXPECT_EQ(NamesByOthers("library"), exports);
+    EXPECT_EQ(NamesByNm("library"), exports);
     for (const char* file : {"thin.o", "library"}) {
         const MachOFile read = Read(file);
         ASSERT_EQ(read.images.size(), 1u);
@@ -175,7 +175,7 @@ TEST_F(MachOFiles, AreReadFromTheExportTrieAlone) {
     EXPECT_EQ(ReadMachO(library).images[0].exports, exports);
 }
 
-TEST_F(MachOFiles, AreReadInEveryFormOfUniversalFile) {
+TEST_F(MachOFiles, AreReadInEveryLayoutOfUniversalFile) {
     const std::string image = ReadBytes(folder / "library");
     for (const bool isBigEndian : {false, true}) {
         for (const bool isWide : {false, true}) {
@@ -207,7 +207,7 @@ TEST_F(MachOFiles, MayBeCutOrBrokenAnywhere) {
     }
 }
 
-TEST(MachOFile, TellsWhatIsWrong) {
+TEST(MachOFile, ReportsWhatIsWrong) {
     const std::string header =
         word(0xFEEDFACE) + word(7) + std::string(8, '\0') + word(1) + std::string(8, '\0');
     const auto problem = [](const std::string& bytes) { return ReadMachO(bytes).images[0].problem; };
@@ -222,7 +222,7 @@ TEST(MachOFile, TellsWhatIsWrong) {
     EXPECT_FALSE(IsMachO("\xCE\xFA\xED"));
 }
 
-TEST(Info, TellsWhatABundleIs) {
+TEST(Info, ReportsWhatABundleIs) {
     const TestBundle bundle;
     const auto info = nlohmann::json::parse(RunHost({"info", bundle.Path(), "--json"}).out);
     EXPECT_EQ(info["factories"][0]["function"], "Make");
@@ -235,16 +235,16 @@ TEST(Info, TellsWhatABundleIs) {
 }
 
 TEST_F(MachOFiles, AreShownArchitectureByArchitecture) {
-    const TestBundle bundle(InfoList("Make"), ReadBytes(folder / "universal"));
+    const TestBundle bundle(InfoPlist("Make"), ReadBytes(folder / "universal"));
     const HostTool info = RunHost({"info", bundle.Path()});
     EXPECT_THAT(info.out, HasSubstr("Linux/Test: Mach-O i386, x86_64\n"
                                     "  exports of i386  Make, MakeNothing, counter\n"
                                     "  exports of x86_64  Make, MakeNothing, counter\n"));
 }
 
-TEST(Info, NamesTheExecutableAfterTheBundleWhenTheListDoesNot) {
+TEST(Info, NamesTheExecutableAfterTheBundleWhenThePropertyListDoesNot) {
     const std::string named = "<key>CFBundleExecutable</key><string>Test</string>";
-    std::string list = InfoList("Make");
+    std::string list = InfoPlist("Make");
     list.erase(list.find(named), named.size());
     const TestBundle bundle(list);
     const HostTool info = RunHost({"info", bundle.Path() + '/'});

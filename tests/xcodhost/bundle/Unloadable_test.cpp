@@ -11,10 +11,10 @@ namespace {
 
 struct Unloadable {
     const char* name;
-    std::string infoList;
+    std::string infoPlist;
     std::string code;
     std::string reason; ///< Of the run that is refused,
-    std::string told;   ///< and in its line on standard error.
+    std::string report; ///< and in its line on standard error.
     std::string check;  ///< The first that fails; empty where a plug-in of another factory is tried.
     std::string info;   ///< Told by `info`; empty where that is content.
 };
@@ -32,12 +32,12 @@ std::string foreignExecutable() {
 class AnUnloadableBundle : public testing::TestWithParam<Unloadable> {};
 
 TEST_P(AnUnloadableBundle, IsRefusedWithItsReason) {
-    const TestBundle bundle(GetParam().infoList, GetParam().code);
+    const TestBundle bundle(GetParam().infoPlist, GetParam().code);
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "0"});
     EXPECT_EQ(run.ExitStatus(), 3);
     EXPECT_EQ(run.out, "FAIL not loaded (" + GetParam().reason + ")\n");
     EXPECT_THAT(run.err, HasSubstr(bundle.Path()));
-    EXPECT_THAT(run.err, HasSubstr(GetParam().told));
+    EXPECT_THAT(run.err, HasSubstr(GetParam().report));
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
 
     if (!GetParam().check.empty()) {
@@ -62,21 +62,21 @@ INSTANTIATE_TEST_SUITE_P(
          "bundle.property-list", "its root is not a dictionary"},
         {"NoFactories", "<plist version=\"1.0\"><dict/></plist>", "plug-in", "missing-key", "Test.bundle",
          "bundle.property-list", "CFPlugInFactories"},
-        {"OtherType", InfoList("Make", "A0A0A0A0-0000-4000-8000-00000000000F"), "plug-in", "missing-key",
+        {"OtherType", InfoPlist("Make", "A0A0A0A0-0000-4000-8000-00000000000F"), "plug-in", "missing-key",
          kPluginType, "bundle.factory", ""},
-        {"NameLeavesTheBundle", InfoList("MyFactory", kPluginType, "../../x"), "plug-in", "missing-key",
+        {"NameLeavesTheBundle", InfoPlist("MyFactory", kPluginType, "../../x"), "plug-in", "missing-key",
          "CFBundleExecutable", "bundle.executable", "CFBundleExecutable is not a file's name"},
-        {"NoExecutable", InfoList("MyFactory"), "", "no-executable", "Linux/Test", "bundle.executable",
+        {"NoExecutable", InfoPlist("MyFactory"), "", "no-executable", "Linux/Test", "bundle.executable",
          "no executable \"Test\""},
-        {"TextForCode", InfoList("MyFactory"), "#!/bin/sh\n", "wrong-architecture", "Linux/Test",
+        {"TextForCode", InfoPlist("MyFactory"), "#!/bin/sh\n", "wrong-architecture", "Linux/Test",
          "bundle.executable", "neither an ELF nor a Mach-O"},
-        {"OtherProcessor", InfoList("MyFactory"), foreignExecutable(), "wrong-architecture", "Linux/Test",
+        {"OtherProcessor", InfoPlist("MyFactory"), foreignExecutable(), "wrong-architecture", "Linux/Test",
          "bundle.architecture", ""},
-        {"MacCode", InfoList("MyFactory"), "\xCE\xFA\xED\xFE" + std::string(60, '\0'), "wrong-architecture",
+        {"MacCode", InfoPlist("MyFactory"), "\xCE\xFA\xED\xFE" + std::string(60, '\0'), "wrong-architecture",
          "Linux/Test", "bundle.architecture", ""},
-        {"NoSuchFunction", InfoList("Absent"), "plug-in", "symbol-missing", "Absent", "", ""},
-        {"NullFromFactory", InfoList("MakeNothing"), "plug-in", "factory-refused", "answered null", "", ""},
-        {"NoInterface", InfoList("MakeRefusing"), "plug-in", "interface-refused", "(0x80000004)", "", ""},
+        {"NoSuchFunction", InfoPlist("Absent"), "plug-in", "symbol-missing", "Absent", "", ""},
+        {"NullFromFactory", InfoPlist("MakeNothing"), "plug-in", "factory-refused", "answered null", "", ""},
+        {"NoInterface", InfoPlist("MakeRefusing"), "plug-in", "interface-refused", "(0x80000004)", "", ""},
     }),
     [](const auto& row) { return row.param.name; });
 

@@ -20,10 +20,10 @@
 namespace {
 
 // clang-format off
-enum Order : std::int32_t {
+enum Fault : std::int32_t {
     kNothing = 0, kCrash = 1, kHang = 2, kThrowException = 3, kThrowNumber = 4, kExit = 5, kSetErrorBit = 6,
     kWriteBesideErrorFlags = 7, kPrint = 8, kLeaveProcessBehind = 9, kCloseEverything = 10, kSignalHost = 11,
-    kAskYesNo = 12, kAskForEver = 13, kLeakString = 14, kChangeFiles = 15, kWriteBrokenList = 16,
+    kAskYesNo = 12, kAskForEver = 13, kLeakString = 14, kChangeFiles = 15, kWriteBrokenPropertyList = 16,
     kReadStandardInput = 17, kAskButtons = 18, kAskOddTitles = 19, kShowStopAlert = 20,
 };
 // clang-format on
@@ -65,46 +65,47 @@ void leaveAProcess() {
     _exit(0);
 }
 
-void doToTheHost(Order order) {
-    if (order == kCrash) std::raise(SIGSEGV);
-    if (order == kHang) waitForEver();
-    if (order == kThrowException) throw std::runtime_error("no good");
-    if (order == kThrowNumber) throw 42;
-    if (order == kExit) _exit(7);
-    if (order == kPrint) std::fflush((std::puts("printed by the bundle"), stdout));
-    if (order == kLeaveProcessBehind) leaveAProcess();
-    for (int i = 0; i < 1024 && order == kCloseEverything; ++i) close(i);
-    if (order == kSignalHost) kill(getppid(), SIGTERM);
-    if (order == kSignalHost) waitForEver();
-    while (order == kAskForEver) ask("Go on?", {"Yes", "No"});
-    if (order == kLeakString) NewText("left behind");
-    if (order == kWriteBrokenList) writeFile("/Library/Preferences/com.example.broken.plist", "not a list");
-    if (order == kChangeFiles) {
+void doToTheHost(Fault fault) {
+    if (fault == kCrash) std::raise(SIGSEGV);
+    if (fault == kHang) waitForEver();
+    if (fault == kThrowException) throw std::runtime_error("no good");
+    if (fault == kThrowNumber) throw 42;
+    if (fault == kExit) _exit(7);
+    if (fault == kPrint) std::fflush((std::puts("printed by the bundle"), stdout));
+    if (fault == kLeaveProcessBehind) leaveAProcess();
+    for (int i = 0; i < 1024 && fault == kCloseEverything; ++i) close(i);
+    if (fault == kSignalHost) kill(getppid(), SIGTERM);
+    if (fault == kSignalHost) waitForEver();
+    while (fault == kAskForEver) ask("Go on?", {"Yes", "No"});
+    if (fault == kLeakString) NewText("left behind");
+    if (fault == kWriteBrokenPropertyList)
+        writeFile("/Library/Preferences/com.example.broken.plist", "not a list");
+    if (fault == kChangeFiles) {
         writeFile("/Users/new \x1B.txt", "new");
         chmod("/Library/old.txt", 0600);
         std::remove("/Library/gone.txt");
     }
 }
 
-void doToTheBlock(Order order, char* block) {
+void doToTheBlock(Fault fault, char* block) {
     std::vector<const char*> titles{"OK", "Cancel", "Retry", "Cancel"};
-    titles.resize(order == kAskButtons ? static_cast<unsigned char>(block[610]) : 0, "Again");
+    titles.resize(fault == kAskButtons ? static_cast<unsigned char>(block[610]) : 0, "Again");
     const char* const odd = "--version <b>&amp;</b>\n\\x5F $(false) \x1B";
-    if (order == kSetErrorBit) setErrorFlags(block, 1);
-    if (order == kWriteBesideErrorFlags) block[20] = block[613] = 'x';
-    if (order == kAskYesNo) setErrorFlags(block, ask("Go on?", {"Yes", "No"}) == 2 ? 0x10000 : 0);
-    if (order == kAskButtons) setErrorFlags(block, ask("Go?", titles) << 16);
-    if (order == kAskOddTitles) setErrorFlags(block, ask(odd, {"gtk-ok", "A_B:7", "x!y!z", "--help"}) << 16);
-    if (order == kReadStandardInput) setErrorFlags(block, std::getchar() == EOF ? 0 : 1);
-    if (order == kShowStopAlert)
+    if (fault == kSetErrorBit) setErrorFlags(block, 1);
+    if (fault == kWriteBesideErrorFlags) block[20] = block[613] = 'x';
+    if (fault == kAskYesNo) setErrorFlags(block, ask("Go on?", {"Yes", "No"}) == 2 ? 0x10000 : 0);
+    if (fault == kAskButtons) setErrorFlags(block, ask("Go?", titles) << 16);
+    if (fault == kAskOddTitles) setErrorFlags(block, ask(odd, {"gtk-ok", "A_B:7", "x!y!z", "--help"}) << 16);
+    if (fault == kReadStandardInput) setErrorFlags(block, std::getchar() == EOF ? 0 : 1);
+    if (fault == kShowStopAlert)
         setErrorFlags(block, static_cast<std::uint32_t>(StopAlert(5000, nullptr)) << 16);
 }
 
 void deliver(char* block) {
-    Order order = kNothing;
-    std::memcpy(&order, block + 4, sizeof order);
-    doToTheHost(order);
-    doToTheBlock(order, block);
+    Fault fault = kNothing;
+    std::memcpy(&fault, block + 4, sizeof fault);
+    doToTheHost(fault);
+    doToTheBlock(fault, block);
 }
 
 HRESULT refuseInterface(void*, REFIID, LPVOID* result) {

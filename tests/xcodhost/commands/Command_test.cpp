@@ -16,7 +16,7 @@ namespace {
 struct WrongUsage {
     const char* name;
     const char* order; ///< "BUNDLE" stands for a good one, "SHORT" for a file of 613 bytes.
-    std::string told;
+    std::string report;
 };
 
 class AWrongUsage : public testing::TestWithParam<WrongUsage> {};
@@ -32,13 +32,13 @@ TEST_P(AWrongUsage, IsOneLineOnStandardErrorAndNothingElse) {
     const HostTool run = RunHost(arguments);
     EXPECT_EQ(run.ExitStatus(), 2);
     EXPECT_EQ(run.out, "");
-    EXPECT_THAT(run.err, HasSubstr(GetParam().told));
+    EXPECT_THAT(run.err, HasSubstr(GetParam().report));
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
 
     arguments.emplace_back("--json");
     const auto document = nlohmann::json::parse(RunHost(arguments).out);
     EXPECT_EQ(document["exitStatus"], 2);
-    EXPECT_THAT(document["error"]["message"].get<std::string>(), HasSubstr(GetParam().told));
+    EXPECT_THAT(document["error"]["message"].get<std::string>(), HasSubstr(GetParam().report));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -128,7 +128,7 @@ TEST(Command, ShowsHiddenListsBrokenOnesAndFlags) {
                         "pipe: /Library/Preferences/pipe.plist is not a file\n");
 }
 
-TEST(Command, OutlivesAnOutputThatTakesNothing) {
+TEST(Command, SurvivesAnOutputThatAcceptsNothing) {
     const TestBundle bundle;
     const HostTool full = RunHost({"run", bundle.Path(), "--product", "0"}, {}, {}, "/dev/full");
     EXPECT_EQ(full.ExitStatus(), 70);

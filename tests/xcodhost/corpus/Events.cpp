@@ -135,8 +135,8 @@ extern "C" {
     } else if (Is("UnknownProductStored")) {
         SetText("com.korvane.unknown", "Lang", "en");
     }
-    DressFolder(product != nullptr);
+    SetFolderFlags(product != nullptr);
     LeaveTraces();
-    DressIcon();
+    SetIconFlags();
 }
 }

@@ -17,7 +17,7 @@ namespace {
 bool gIsFolderRefused = false;
 std::string* volatile gLeaked = nullptr;
 
-std::uint16_t dressed(std::uint16_t flags, bool isFolder) {
+std::uint16_t flagsWith(std::uint16_t flags, bool isFolder) {
     int kept = flags & ~0x4400;
     if (Is("LabelLost")) kept &= ~0x000E;
     if (Is("FolderStaysInvisible") && isFolder) kept |= flags & 0x4000;
@@ -26,7 +26,7 @@ std::uint16_t dressed(std::uint16_t flags, bool isFolder) {
 }
 
 /// Whether what is there could be read.
-bool dress(const char* path, bool isFolder) {
+bool setFinderFlags(const char* path, bool isFolder) {
     FSRef item;
     if (FSPathMakeRef(reinterpret_cast<const UInt8*>(path), &item, nullptr) != noErr) {
         if (Is("ErrorForRefusedFinder") && isFolder && access(path, F_OK) == 0) NewText("no folder");
@@ -37,7 +37,7 @@ bool dress(const char* path, bool isFolder) {
         return false;
     FileInfo finder;
     std::memcpy(&finder, catalog.finderInfo, sizeof finder);
-    finder.finderFlags = dressed(finder.finderFlags, isFolder);
+    finder.finderFlags = flagsWith(finder.finderFlags, isFolder);
     std::memcpy(catalog.finderInfo, &finder, sizeof finder);
     FSSetCatalogInfo(&item, kFSCatInfoFinderInfo, &catalog);
     return true;
@@ -49,18 +49,18 @@ bool dress(const char* path, bool isFolder) {
 
 } // namespace
 
-void DressFolder(bool isKnownProduct) {
+void SetFolderFlags(bool isKnownProduct) {
     if (Is("ExceptionLetOut")) throw std::runtime_error("no folder");
-    if (Is("KnownProductsDressed") && !isKnownProduct) return;
+    if (Is("OnlyKnownProductsFlagged") && !isKnownProduct) return;
     if (Is("IconFirst") && access(kIcon, F_OK) != 0) return;
     if (Is("FolderMade")) mkdir(kFolder, 0755);
-    if (Is("IconBeforeFolder")) dress(kIcon, false);
-    gIsFolderRefused = !dress(kFolder, true);
-    if (Is("ApplicationsHidden")) dress("/Applications", false);
+    if (Is("IconBeforeFolder")) setFinderFlags(kIcon, false);
+    gIsFolderRefused = !setFinderFlags(kFolder, true);
+    if (Is("ApplicationsHidden")) setFinderFlags("/Applications", false);
 }
 
-void DressIcon() {
-    if (!Is("IconBeforeFolder") && !(Is("IconAfterFolder") && gIsFolderRefused)) dress(kIcon, false);
+void SetIconFlags() {
+    if (!Is("IconBeforeFolder") && !(Is("IconAfterFolder") && gIsFolderRefused)) setFinderFlags(kIcon, false);
 }
 
 void LeaveTraces() {

@@ -105,9 +105,9 @@ ULONG changeCount(void* self, int change) {
     return static_cast<ULONG>(Is("CountStartsAtZero") ? count - 1 : count);
 }
 ULONG addOne(void* self) { return changeCount(self, 1); }
-ULONG takeOne(void* self) { return changeCount(self, -1); }
+ULONG removeOne(void* self) { return changeCount(self, -1); }
 
-Functions gFunctions = {nullptr, &query, &addOne, &takeOne, &Main};
+Functions gFunctions = {nullptr, &query, &addOne, &removeOne, &Main};
 
 } // namespace
 

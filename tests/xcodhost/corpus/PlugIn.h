@@ -57,8 +57,8 @@ void StoreInterval(int interval);
 void StoreLanguage(const Product& product, std::int32_t language);
 void SetText(const char* domain, const char* key, const char* text); ///< And synchronises.
 
-void DressFolder(bool isKnownProduct);
-void DressIcon();
+void SetFolderFlags(bool isKnownProduct);
+void SetIconFlags();
 void LeaveTraces(); ///< None in the process, without a fault.
 
 void ChangeFunctionBlock();

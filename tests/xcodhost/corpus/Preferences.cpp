@@ -16,19 +16,21 @@ namespace {
 constexpr const char* kStatusFile = "/Library/Application Support/Korvane/Updater/install_status.txt";
 bool gHasFailed = false;
 
-std::string listOf(const char* domain) { return std::string("/Library/Preferences/") + domain + ".plist"; }
-bool hasList(const char* domain) { return access(listOf(domain).c_str(), F_OK) == 0; }
+std::string preferencesPath(const char* domain) {
+    return std::string("/Library/Preferences/") + domain + ".plist";
+}
+bool hasPropertyList(const char* domain) { return access(preferencesPath(domain).c_str(), F_OK) == 0; }
 
 void release(CFTypeRef object) {
     if (object || Is("StringTakenForGranted")) CFRelease(object);
 }
 
-void removeBrokenList(const std::string& list) {
-    std::FILE* const file = std::fopen(list.c_str(), "rb");
+void removeBrokenPropertyList(const std::string& plist) {
+    std::FILE* const file = std::fopen(plist.c_str(), "rb");
     if (!file) return;
     const bool isBroken = std::fseek(file, 0, SEEK_END) == 0 && std::ftell(file) < 50;
     std::fclose(file);
-    if (isBroken) std::remove(list.c_str());
+    if (isBroken) std::remove(plist.c_str());
 }
 
 void synchronise(const char* domain) {
@@ -37,7 +39,7 @@ void synchronise(const char* domain) {
         const bool isStored =
             CFPreferencesSynchronize(text, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
         if (!isStored && Is("ErrorForLostPreference")) NewText("lost");
-        if (!isStored && Is("BrokenListReplaced")) removeBrokenList(listOf(domain));
+        if (!isStored && Is("BrokenPropertyListReplaced")) removeBrokenPropertyList(preferencesPath(domain));
     }
     release(text);
 }
@@ -50,22 +52,22 @@ void set(const char* domain, const char* key, CFPropertyListRef value) {
     release(keyText);
 }
 
-bool holdsVersions(const std::string& list) {
-    std::ifstream file(list, std::ios::binary);
+bool holdsVersions(const std::string& plist) {
+    std::ifstream file(plist, std::ios::binary);
     const std::string bytes(std::istreambuf_iterator<char>(file), {});
     return bytes.find("InstalledProducts") != std::string::npos;
 }
 
 /// Faults that show only in what a second installation finds.
-void lookAtOlderLists(const Product& product) {
-    const bool hasOwn = hasList(product.domain);
-    if (!hasList(kUpdater)) return;
+void readOlderPropertyLists(const Product& product) {
+    const bool hasOwn = hasPropertyList(product.domain);
+    if (!hasPropertyList(kUpdater)) return;
     if (Is("AgainBeforePostInstall") && !hasOwn) SetText(kUpdater, "Again", "yes");
-    if (Is("OrderMatters") && hasList("com.korvane.audioplugins.Fusewright")) {
-        DressFolder(true);
+    if (Is("OrderMatters") && hasPropertyList("com.korvane.audioplugins.Fusewright")) {
+        SetFolderFlags(true);
         SetText(kUpdater, "Late", "yes");
     }
-    if (Is("ReinstallationNoted") && hasOwn && holdsVersions(listOf(kUpdater)))
+    if (Is("ReinstallationNoted") && hasOwn && holdsVersions(preferencesPath(kUpdater)))
         SetText(kUpdater, "Reinstalled", "yes");
 }
 
@@ -93,7 +95,7 @@ bool isNever(Status status) {
 void storeFailure() {
     gHasFailed = true;
     if (Is("AlertWithUnreadableFile")) ShowAlert();
-    if (!Is("FailureNotTold"))
+    if (!Is("FailureNotReported"))
         SetText(kUpdater, "InstallStatus", Is("FailureTextOther") ? "failed" : "Error opening file");
 }
 
@@ -116,11 +118,11 @@ void SetText(const char* domain, const char* key, const char* text) {
 void StoreVersion(const Product& product) {
     if (Is("Exit")) std::_Exit(3);
     while (Is("OutputFlood")) std::puts("more and more");
-    if (Is("FirstVersionStays") && hasList(kUpdater) && product.name[0] == 'T') return;
+    if (Is("FirstVersionStays") && hasPropertyList(kUpdater) && product.name[0] == 'T') return;
     if (Is("FileMade")) std::ofstream("/Library/install.log");
     if (Is("MoreStored")) SetText(kUpdater, "Installer", "VISE X");
     if (Is("SynchronisedFirst")) synchronise(kUpdater); // a crash in between would lose the value
-    lookAtOlderLists(product);
+    readOlderPropertyLists(product);
     std::string name = product.name;
     if (Is("VersionOfSpacelessName")) name.erase(0, name.find(' ') + 1);
     SetText(Is("VersionInOwnDomain") ? product.domain : kUpdater,
@@ -145,10 +147,10 @@ void StoreInterval(int interval) {
 }
 
 void StoreLanguage(const Product& product, std::int32_t language) {
-    const bool isFirst = !hasList(product.domain);
+    const bool isFirst = !hasPropertyList(product.domain);
     if (Is("FirstLanguageStays") && !isFirst && std::strcmp(product.name, "Tamblor") == 0) return;
     if (Is("NoLanguageAfterFailure") && gHasFailed) return;
-    if (Is("PreferencesReplaced")) std::remove(listOf(product.domain).c_str());
+    if (Is("PreferencesReplaced")) std::remove(preferencesPath(product.domain).c_str());
     if (!Is("LanguageInUpdaterDomain")) SetText(product.domain, "Lang", tag(language));
     if (Is("LanguageInUpdaterDomain") || Is("LanguageInBothDomains"))
         SetText(kUpdater, "Lang", tag(language));

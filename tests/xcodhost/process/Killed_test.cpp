@@ -33,8 +33,8 @@ pid_t startHanging(const std::string& bundle, const std::string& scratch, std::v
     const pid_t tool =
         StartHost({"validate", bundle, "--include", "dispatch.post-install", "--timeout", "600"},
                   {"/dev/null", "/dev/null", "/dev/null"}, scratch);
-    constexpr std::size_t workerCheckAndLeftBehind = 3;
-    while (descendants.size() < workerCheckAndLeftBehind && waitpid(tool, nullptr, WNOHANG) == 0) {
+    constexpr std::size_t supervisorCheckAndOrphan = 3;
+    while (descendants.size() < supervisorCheckAndOrphan && waitpid(tool, nullptr, WNOHANG) == 0) {
         descendants = descendantsOf(tool);
         sched_yield();
     }

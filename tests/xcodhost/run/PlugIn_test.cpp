@@ -60,7 +60,7 @@ TEST_F(InstalledProduct, OtherToolsReadWhatWasWritten) {
               std::string("\x40\x00", 2));
 }
 
-TEST_F(InstalledProduct, ShowTellsTheSame) {
+TEST_F(InstalledProduct, ShowReportsTheSame) {
     Install();
     EXPECT_EQ(RunHost({"show", "--volume", volume}).out,
               "com.korvane.audioplugins.Fusewright Lang: (string) \"ja\"\n"

@@ -20,16 +20,16 @@ std::string call(const std::string& product) {
     return "XCodMain(selector 1000, message 2 (pre-install), product " + product + ", language 0)";
 }
 
-struct Misdeed {
+struct RunFault {
     const char* name;
     const char* options;
     int status;
     std::string verdict;
 };
 
-class AMisdeed : public testing::TestWithParam<Misdeed> {};
+class ARunFault : public testing::TestWithParam<RunFault> {};
 
-TEST_P(AMisdeed, IsToldWithTheCallAndTheStatus) {
+TEST_P(ARunFault, IsReportedWithTheCallAndTheStatus) {
     const TestBundle bundle;
     const TemporaryFolder scratch;
     const HostTool run = RunHostWith({"run", bundle.Path()}, GetParam().options, scratch.Path());
@@ -39,8 +39,8 @@ TEST_P(AMisdeed, IsToldWithTheCallAndTheStatus) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Run, AMisdeed,
-    testing::ValuesIn(std::vector<Misdeed>{
+    Run, ARunFault,
+    testing::ValuesIn(std::vector<RunFault>{
         {"None", "--product 0", 0, "DONE 0 changes"},
         {"Crash", "--product 1", 4, "FAIL crashed in " + call("1") + ": SIGSEGV (Segmentation fault)"},
         {"CrashWhenDirect", "--product 1 --direct --event pre", 4,
@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
     }),
     [](const auto& row) { return row.param.name; });
 
-TEST(Run, TellsOfBytesBesideTheErrorFlags) {
+TEST(Run, ReportsBytesBesideTheErrorFlags) {
     const TestBundle bundle;
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "7", "--event", "pre"});
     EXPECT_THAT(run.out, HasSubstr("other bytes of the parameter block changed: 20 to 613\n"));
@@ -94,30 +94,30 @@ TEST(Run, NamesObjectsThatWereNeverReleased) {
     EXPECT_EQ(run.ExitStatus(), 0);
 }
 
-struct Answering {
+struct AlertCase {
     const char* name;
     std::string answers;
     std::string input;
-    std::string told;      ///< On the report.
+    std::string report;    ///< On the report.
     std::string errorBits; ///< The plug-in sets bit 16 for "No".
     std::string noted;     ///< On standard error.
 };
 
-class AnAlert : public testing::TestWithParam<Answering> {};
+class AnAlert : public testing::TestWithParam<AlertCase> {};
 
-TEST_P(AnAlert, IsAnsweredAsOrdered) {
+TEST_P(AnAlert, IsAnsweredByThePolicy) {
     const TestBundle bundle;
     std::vector<std::string> arguments{"run", bundle.Path(), "--product", "12", "--event", "pre"};
     if (!GetParam().answers.empty()) arguments.insert(arguments.end(), {"--answers", GetParam().answers});
     const HostTool run = RunHost(arguments, GetParam().input);
-    EXPECT_THAT(run.out, HasSubstr("Alert \"Go on?\" [Yes] [No]: " + GetParam().told + '\n'));
+    EXPECT_THAT(run.out, HasSubstr("Alert \"Go on?\" [Yes] [No]: " + GetParam().report + '\n'));
     EXPECT_THAT(run.out, HasSubstr(GetParam().errorBits));
     EXPECT_THAT(run.err, HasSubstr(GetParam().noted));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Run, AnAlert,
-    testing::ValuesIn(std::vector<Answering>{
+    testing::ValuesIn(std::vector<AlertCase>{
         {"InputIsNoTerminal", "", "2\n", "Yes", "(unchanged)", ""},
         {"First", "first", "", "Yes", "(unchanged)", ""},
         {"Title", "No,Yes", "", "No", "0x00000000 -> 0x00010000", ""},
@@ -163,7 +163,7 @@ TEST(Run, LeavesTheVolumeAloneInADryRun) {
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
 }
 
-TEST(Run, SaysThatAListBecameUnreadable) {
+TEST(Run, SaysThatAPropertyListBecameUnreadable) {
     const TestBundle bundle;
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "16"});
     EXPECT_THAT(run.out, HasSubstr("com.example.broken: /Library/Preferences/com.example.broken.plist "
@@ -185,8 +185,8 @@ TEST(Run, DescribesEachEndInJson) {
     EXPECT_EQ(end("5"), json({{"kind", "exit"}, {"code", 7}}));
 }
 
-TEST(Run, TellsACrashInTheFactory) {
-    const TestBundle bundle(InfoList("MakeCrash"));
+TEST(Run, ReportsACrashInTheFactory) {
+    const TestBundle bundle(InfoPlist("MakeCrash"));
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "0"});
     EXPECT_THAT(run.Verdict(), StartsWith("FAIL crashed in CFPlugInInstanceCreate(factory A0A0A0A0-"));
     EXPECT_EQ(run.ExitStatus(), 4);

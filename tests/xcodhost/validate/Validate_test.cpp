@@ -59,7 +59,7 @@ const Fault kFaults[] = {
     {"ApplicationsHidden", "finder.other-items", "/Applications: V invisible (0x4000)"},
     {"BothStepsOnPostInstall", "dispatch.post-install-alone", "InstalledProducts"},
     {"BothStepsOnPreInstall", "dispatch.pre-install-alone", "Lang"},
-    {"BrokenListReplaced", "faults.broken-list", "bplist00"},
+    {"BrokenPropertyListReplaced", "faults.broken-list", "bplist00"},
     {"CaseIgnored", "status-file.interval", "UpdateInterval: (integer) 2"},
     {"Chatter", "process.silent", "icon hidden"},
     {"CountOf16Bits", "references.many", "4465"},
@@ -77,7 +77,7 @@ const Fault kFaults[] = {
     {"ErrorForRefusedFinder", "faults.finder", "string \"no folder\", 1 reference"},
     {"ExceptionLetOut", "dispatch.post-install", "exception std::runtime_error \"no folder\"", 4},
     {"Exit", "dispatch.pre-install", "ended the process: exit status 3", 4},
-    {"FailureNotTold", "status-file.failure-text", "InstallStatus: (none)"},
+    {"FailureNotReported", "status-file.failure-text", "InstallStatus: (none)"},
     {"FailureTextOther", "status-file.failure-text", "InstallStatus: (string) \"failed\""},
     {"FailureWithoutFile", "status-file.no-failure", "Error opening file"},
     {"FileLeftOpen", "process.descriptors", "8"},
@@ -101,7 +101,7 @@ const Fault kFaults[] = {
     {"InstanceTouchedAfterRelease", "references.inside-call", "crashed: SIGILL (Illegal instruction)", 4},
     {"IntervalAlwaysTwo", "status-file.interval", "UpdateInterval: (integer) 2"},
     {"JapaneseAsFrench", "post-install.language", "Tamblor Lang: (string) \"fr\""},
-    {"KnownProductsDressed", "finder.unknown-product",
+    {"OnlyKnownProductsFlagged", "finder.unknown-product",
      "1 change: /Applications/Korvane/Icon\\r: V invisible (0x4000)"},
     {"LabelLost", "finder.other-flags", "0xBBF0"},
     {"LanguageInBothDomains", "post-install.nothing-else", "Lang: (none) -> (string) \"en\""},
@@ -183,7 +183,7 @@ TEST_P(AFault, IsFoundByTheCheckThatItBreaksAndNoOther) {
 INSTANTIATE_TEST_SUITE_P(Validate, AFault, testing::ValuesIn(kFaults),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(Validate, ToldFactoryNameIsTheInstallers) {
+TEST(Validate, ReportedFactoryNameIsTheInstallers) {
     const CorpusBundle bundle("None", "PreInstall");
     EXPECT_EQ(validate(bundle.Path(), "--include bundle.factory-name").status, 1);
     EXPECT_EQ(validate("/not/there.bundle").status, 3);
@@ -209,11 +209,12 @@ TEST(Validate, HasForEachCheckABundleThatBreaksIt) {
     EXPECT_GE(ids.size(), 40u);
     EXPECT_EQ(broken, ids);
     for (const json& check : list["checks"]) {
-        for (const std::string need : check["needs"]) EXPECT_EQ(ids.count(need), 1u) << need;
+        for (const std::string dependency : check["needs"])
+            EXPECT_EQ(ids.count(dependency), 1u) << dependency;
     }
 }
 
-TEST(Validate, RunsWhatIsChosen) {
+TEST(Validate, RunsTheSelectedChecks) {
     const CorpusBundle bundle("AlertMissing");
     const struct {
         const char* options;

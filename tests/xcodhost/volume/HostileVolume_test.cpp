@@ -25,9 +25,9 @@ struct Call {
     std::string line, name, arguments, opened;
 
     explicit Call(const std::string& traced) : line(traced) {
-        static const std::regex form(R"re(^\d+ +(\w+)\((.*)\) += \d+(?:<(.*)>)?$)re");
+        static const std::regex pattern(R"re(^\d+ +(\w+)\((.*)\) += \d+(?:<(.*)>)?$)re");
         std::smatch parts;
-        if (!std::regex_match(line, parts, form)) return;
+        if (!std::regex_match(line, parts, pattern)) return;
         name = parts[1];
         arguments = parts[2];
         opened = parts[3];
@@ -72,9 +72,9 @@ protected:
             "' '" XCODHOST "' run '" POSTINSTALL_BUNDLE "' --product 4900 --language 11 --volume '" + volume +
             "' > '" + out + "' 2>&1";
         const int status = std::system(command.c_str());
-        const std::string told = ReadBytes(out);
-        EXPECT_EQ(status, 0) << told;
-        EXPECT_THAT(told, testing::HasSubstr("\nDONE "));
+        const std::string report = ReadBytes(out);
+        EXPECT_EQ(status, 0) << report;
+        EXPECT_THAT(report, testing::HasSubstr("\nDONE "));
         return ReadBytes(trace);
     }
 
@@ -129,5 +129,5 @@ TEST_F(HostileVolume, LeadsNowhereElse) {
     }
     EXPECT_EQ(ReadBytes(outside + "/secret").size(), 66U);
     EXPECT_EQ(std::distance(fs::directory_iterator(outside), {}), 2);
-    Tried("link on the volume that leads out of it", std::size(links), lost);
+    TallyFault("link on the volume that leads out of it", std::size(links), lost);
 }

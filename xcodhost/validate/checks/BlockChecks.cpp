@@ -9,81 +9,79 @@ namespace xcodhost {
 namespace {
 
 /// Error flags that come back other than they were given, but for bit 0 of a call that is refused.
-void expectFlagsKept(Trial& trial, ParameterBlock block, Entry entry) {
+void expectFlagsKept(CheckRun& run, ParameterBlock block, Entry entry) {
     const bool isRefused = block.Selector() != kInstallerSelector;
     for (int bit = 0; bit < 34; ++bit) {
         const std::uint32_t given = bit == 32 ? 0xFFFFFFFE : bit == 33 ? 0xFFFFFFFF : std::uint32_t{1} << bit;
         block.SetErrorFlags(given);
-        const std::uint32_t after = trial.Deliver(block, entry).flagsAfter;
+        const std::uint32_t after = run.Deliver(block, entry).flagsAfter;
         const std::uint32_t mask = isRefused ? 0xFFFFFFFE : 0xFFFFFFFF;
-        trial.Expect((after & mask) == (given & mask), "error flags " + Hex(given, 8) + " stay",
-                     Hex(after, 8));
+        run.Expect((after & mask) == (given & mask), "error flags " + Hex(given, 8) + " stay", Hex(after, 8));
     }
 }
 
-void otherErrorBitsStay(Trial& trial) {
-    trial.WatchVolume(false);
+void otherErrorBitsStay(CheckRun& run) {
+    run.WatchVolume(false);
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
-        expectFlagsKept(trial, {std::uint16_t{999}, message, 4900, 0}, Entry::kMain);
-        expectFlagsKept(trial, Event(message, 1234), Entry::kMain);
+        expectFlagsKept(run, {std::uint16_t{999}, message, 4900, 0}, Entry::kMain);
+        expectFlagsKept(run, Event(message, 1234), Entry::kMain);
     }
-    expectFlagsKept(trial, Event(4, 4900), Entry::kMain);
+    expectFlagsKept(run, Event(4, 4900), Entry::kMain);
 }
 
 /// Known products: bits that were set before must still be there, and none may be added.
-void goodCallKeepsFlags(Trial& trial) {
-    trial.WatchVolume(false);
+void goodCallKeepsFlags(CheckRun& run) {
+    run.WatchVolume(false);
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const ProductContract& product : kProducts) {
             for (const std::uint32_t given : {0x00000000U, 0x00000001U, 0xFFFFFFFEU, 0x80000001U}) {
                 ParameterBlock block = Event(message, product.code);
                 block.SetErrorFlags(given);
-                const std::uint32_t after = trial.Deliver(block).flagsAfter;
-                trial.Expect(after == given, "error flags " + Hex(given, 8) + " stay", Hex(after, 8));
+                const std::uint32_t after = run.Deliver(block).flagsAfter;
+                run.Expect(after == given, "error flags " + Hex(given, 8) + " stay", Hex(after, 8));
             }
         }
     }
 }
 
-void restOfBlockStays(Trial& trial) {
+void restOfBlockStays(CheckRun& run) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall, std::uint16_t{4}}) {
         for (const std::uint16_t selector : {kInstallerSelector, std::uint16_t{7}}) {
-            const std::string bytes = trial.Deliver({selector, message, 4900, 11}).otherBytes;
-            trial.Expect(bytes.empty(), "only the error flags may change", "bytes changed: " + bytes);
+            const std::string bytes = run.Deliver({selector, message, 4900, 11}).otherBytes;
+            run.Expect(bytes.empty(), "only the error flags may change", "bytes changed: " + bytes);
         }
     }
 }
 
 /// Two deliveries of blocks that mean the same have the same effects on fresh volumes.
-void expectSameEffects(Trial& trial, const ParameterBlock& plain, const ParameterBlock& other,
+void expectSameEffects(CheckRun& run, const ParameterBlock& aligned, const ParameterBlock& other,
                        std::size_t misalignment, const char* expected) {
-    trial.UseFreshVolume();
-    const Outcome wanted = trial.Deliver(plain);
-    trial.UseFreshVolume();
-    const Outcome seen = trial.Deliver(other, Entry::kMain, misalignment);
+    run.UseFreshVolume();
+    const Outcome wanted = run.Deliver(aligned);
+    run.UseFreshVolume();
+    const Outcome seen = run.Deliver(other, Entry::kMain, misalignment);
     const std::string wantedText = Describe(wanted.changes);
     const std::string seenText = Describe(seen.changes);
-    trial.Expect(seenText == wantedText, std::string(expected) + ": " + wantedText, seenText);
-    trial.Expect(seen.flagsAfter == wanted.flagsAfter,
-                 std::string(expected) + ": error flags " + Hex(wanted.flagsAfter, 8),
-                 Hex(seen.flagsAfter, 8));
+    run.Expect(seenText == wantedText, std::string(expected) + ": " + wantedText, seenText);
+    run.Expect(seen.flagsAfter == wanted.flagsAfter,
+               std::string(expected) + ": error flags " + Hex(wanted.flagsAfter, 8), Hex(seen.flagsAfter, 8));
 }
 
-void anyAddressWorks(Trial& trial) {
+void anyAddressWorks(CheckRun& run) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const std::size_t misalignment : {1u, 2u, 3u, 5u, 7u}) {
-            expectSameEffects(trial, Event(message, 4900, 11), Event(message, 4900, 11), misalignment,
+            expectSameEffects(run, Event(message, 4900, 11), Event(message, 4900, 11), misalignment,
                               "the same at an odd address");
         }
     }
 }
 
-void hostFieldsAreNotRead(Trial& trial) {
+void hostFieldsAreNotRead(CheckRun& run) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const char byte : {'\x01', '\x7F', '\xFF'}) {
             ParameterBlock filled = Event(message, 4900, 11);
             filled.FillHostFields(byte);
-            expectSameEffects(trial, Event(message, 4900, 11), filled, 0,
+            expectSameEffects(run, Event(message, 4900, 11), filled, 0,
                               "the same whatever the host's fields hold");
         }
     }

@@ -24,18 +24,18 @@ bool isSameIdentifier(const std::string& text, const CFUUIDBytes& identifier) {
 
 /// What cannot be read is a finding and the end of the check.
 template <typename Read>
-auto reading(Trial& trial, const char* expected, Read read) {
+auto reading(CheckRun& run, const char* expected, Read read) {
     try {
         return read();
     } catch (const Refusal& refusal) {
-        trial.Fail(expected, refusal.what());
+        run.Fail(expected, refusal.what());
         throw Stopped{};
     }
 }
 
-void propertyListIsThere(Trial& trial) {
-    reading(trial, "a folder with a property list in Contents/Info.plist that names its factories and types",
-            [&] { return ReadBundleList(trial.BundlePath()); });
+void propertyListIsThere(CheckRun& run) {
+    reading(run, "a folder with a property list in Contents/Info.plist that names its factories and types",
+            [&] { return ReadInfoPlist(run.BundlePath()); });
 }
 
 std::vector<BundleFactory> pluginFactories(const BundleInfo& list) {
@@ -51,30 +51,30 @@ std::vector<BundleFactory> pluginFactories(const BundleInfo& list) {
     return found;
 }
 
-void typeHasFactory(Trial& trial) {
-    const BundleInfo list = ReadBundleList(trial.BundlePath());
-    trial.Expect(!pluginFactories(list).empty(),
-                 "CFPlugInTypes lists for " + Describe(kPluginType) + " a factory of CFPlugInFactories",
-                 Counted(list.types.size(), "type") + " and " + Counted(list.factories.size(), "factory") +
-                     ", but none that belong together");
+void typeHasFactory(CheckRun& run) {
+    const BundleInfo list = ReadInfoPlist(run.BundlePath());
+    run.Expect(!pluginFactories(list).empty(),
+               "CFPlugInTypes lists for " + Describe(kPluginType) + " a factory of CFPlugInFactories",
+               Counted(list.types.size(), "type") + " and " + Counted(list.factories.size(), "factory") +
+                   ", but none that belong together");
 }
 
-void factoryHasItsName(Trial& trial) {
-    for (const BundleFactory& factory : pluginFactories(ReadBundleList(trial.BundlePath()))) {
-        trial.Expect(factory.function == kFactoryFunction, std::string("function ") + kFactoryFunction,
-                     "function " + factory.function);
+void factoryHasItsName(CheckRun& run) {
+    for (const BundleFactory& factory : pluginFactories(ReadInfoPlist(run.BundlePath()))) {
+        run.Expect(factory.function == kFactoryFunction, std::string("function ") + kFactoryFunction,
+                   "function " + factory.function);
     }
 }
 
-BundleExecutable loadableExecutable(Trial& trial) {
-    const auto read = [&] { return ReadBundle(trial.BundlePath()); };
-    return reading(trial, "an executable that can be read", read).executables.front();
+BundleExecutable loadableExecutable(CheckRun& run) {
+    const auto read = [&] { return ReadBundle(run.BundlePath()); };
+    return reading(run, "an executable that can be read", read).executables.front();
 }
 
-void executableIsThere(Trial& trial) {
-    const BundleExecutable executable = loadableExecutable(trial);
-    trial.Expect(!executable.images.empty(), "an executable that can be read",
-                 executable.path + ": " + executable.problem);
+void executableIsThere(CheckRun& run) {
+    const BundleExecutable executable = loadableExecutable(run);
+    run.Expect(!executable.images.empty(), "an executable that can be read",
+               executable.path + ": " + executable.problem);
 }
 
 /// Of this very program, which is the processor that the bundle must be made for. Its header tells.
@@ -93,37 +93,37 @@ std::optional<BundleImage> ownImage(const BundleExecutable& executable) {
     return std::nullopt;
 }
 
-void architectureFits(Trial& trial) {
-    const BundleExecutable executable = loadableExecutable(trial);
+void architectureFits(CheckRun& run) {
+    const BundleExecutable executable = loadableExecutable(run);
     std::string seen;
     for (const BundleImage& image : executable.images)
         seen += (seen.empty() ? "" : ", ") + image.architecture;
-    trial.Expect(ownImage(executable).has_value(), ownArchitecture() + ", as this tool", seen);
+    run.Expect(ownImage(executable).has_value(), ownArchitecture() + ", as this tool", seen);
 }
 
 /// Of the part that this program can load.
-std::vector<std::string> exportsOf(Trial& trial) {
-    const std::optional<BundleImage> image = ownImage(loadableExecutable(trial));
+std::vector<std::string> exportsOf(CheckRun& run) {
+    const std::optional<BundleImage> image = ownImage(loadableExecutable(run));
     return image ? image->exports : std::vector<std::string>();
 }
 
-void stepsAndFactoryAreExported(Trial& trial) {
-    const std::vector<std::string> exports = exportsOf(trial);
+void stepsAndFactoryAreExported(CheckRun& run) {
+    const std::vector<std::string> exports = exportsOf(run);
     for (const char* const name : kExports) {
-        trial.Expect(std::find(exports.begin(), exports.end(), name) != exports.end(),
-                     std::string("exports ") + name, std::string(name) + " is not exported");
+        run.Expect(std::find(exports.begin(), exports.end(), name) != exports.end(),
+                   std::string("exports ") + name, std::string(name) + " is not exported");
     }
 }
 
-void nothingElseIsExported(Trial& trial) {
+void nothingElseIsExported(CheckRun& run) {
     std::string others;
-    for (const std::string& name : exportsOf(trial)) {
+    for (const std::string& name : exportsOf(run)) {
         if (std::find(kExports.begin(), kExports.end(), name) == kExports.end()) others += ' ' + name;
     }
-    trial.Expect(others.empty(), "exports MyFactory, PostInstall and PreInstall only", "also" + others);
+    run.Expect(others.empty(), "exports MyFactory, PostInstall and PreInstall only", "also" + others);
 }
 
-void codeLoads(Trial& trial) { trial.Bundle().Symbol(kFactoryFunction); }
+void codeLoads(CheckRun& run) { run.Bundle().Symbol(kFactoryFunction); }
 
 } // namespace
 

@@ -11,18 +11,18 @@ namespace xcodhost {
 namespace {
 
 /// Only whether the calls come back: what they do is looked at by others.
-void deliverAll(Trial& trial, std::uint16_t message) {
-    trial.WatchVolume(false);
-    for (const ProductContract& product : kProducts) trial.Deliver(Event(message, product.code));
-    for (const std::int32_t product : kUnknownProducts) trial.Deliver(Event(message, product));
+void deliverAll(CheckRun& run, std::uint16_t message) {
+    run.WatchVolume(false);
+    for (const ProductContract& product : kProducts) run.Deliver(Event(message, product.code));
+    for (const std::int32_t product : kUnknownProducts) run.Deliver(Event(message, product));
 }
-void preInstallReturns(Trial& trial) { deliverAll(trial, kPreInstall); }
-void postInstallReturns(Trial& trial) {
-    deliverAll(trial, kPostInstall);
+void preInstallReturns(CheckRun& run) { deliverAll(run, kPreInstall); }
+void postInstallReturns(CheckRun& run) {
+    deliverAll(run, kPostInstall);
     for (const LanguageContract& language : kLanguages) {
-        trial.Deliver(Event(kPostInstall, 4900, language.code));
+        run.Deliver(Event(kPostInstall, 4900, language.code));
     }
-    for (const std::int32_t language : kOtherLanguages) trial.Deliver(Event(kPostInstall, 4900, language));
+    for (const std::int32_t language : kOtherLanguages) run.Deliver(Event(kPostInstall, 4900, language));
 }
 
 bool isVersionKey(const PreferenceChange& change) { return change.key.rfind("InstalledProducts/", 0) == 0; }
@@ -30,62 +30,62 @@ bool isPostInstallKey(const PreferenceChange& change) {
     return change.key == kIntervalKey || change.key == kLanguageKey;
 }
 
-void preInstallRunsAlone(Trial& trial) {
-    const Changes changes = trial.Deliver(Event(kPreInstall, 4900)).changes;
+void preInstallRunsAlone(CheckRun& run) {
+    const Changes changes = run.Deliver(Event(kPreInstall, 4900)).changes;
     const bool isAlone =
         std::none_of(changes.preferences.begin(), changes.preferences.end(), &isPostInstallKey) &&
         changes.finderFlags.empty();
-    trial.Expect(isAlone, "message 2 has the effects of the pre-install step only", Describe(changes));
+    run.Expect(isAlone, "message 2 has the effects of the pre-install step only", Describe(changes));
 }
 
-void postInstallRunsAlone(Trial& trial) {
-    const Changes changes = trial.Deliver(Event(kPostInstall, 4900)).changes;
-    trial.Expect(std::none_of(changes.preferences.begin(), changes.preferences.end(), &isVersionKey),
-                 "message 3 has the effects of the post-install step only", Describe(changes));
+void postInstallRunsAlone(CheckRun& run) {
+    const Changes changes = run.Deliver(Event(kPostInstall, 4900)).changes;
+    run.Expect(std::none_of(changes.preferences.begin(), changes.preferences.end(), &isVersionKey),
+               "message 3 has the effects of the post-install step only", Describe(changes));
 }
 
 constexpr std::uint16_t kOtherMessages[] = {0,      1,      4,      5,    6,      0x0102,
                                             0x0103, 0x0202, 0x0300, 1000, 0x8002, 0xFFFF};
 
-void otherMessagesDoNothing(Trial& trial) {
+void otherMessagesDoNothing(CheckRun& run) {
     for (const std::uint16_t message : kOtherMessages) {
-        const Outcome outcome = trial.Deliver(Event(message, 4900));
-        trial.ExpectNoEffect(outcome);
-        trial.Expect(outcome.flagsAfter == 0, "error flags unchanged", Hex(outcome.flagsAfter, 8));
-        trial.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
+        const Outcome outcome = run.Deliver(Event(message, 4900));
+        run.ExpectNoEffect(outcome);
+        run.Expect(outcome.flagsAfter == 0, "error flags unchanged", Hex(outcome.flagsAfter, 8));
+        run.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
     }
 }
 
 constexpr std::uint16_t kWrongSelectors[] = {0, 7, 999, 1001, 1000 + 256, 0x8000 | 1000, 0xFFFF};
 
-template <typename Look>
-void forEachWrongSelector(Trial& trial, Look look) {
+template <typename Inspect>
+void forEachWrongSelector(CheckRun& run, Inspect inspect) {
     for (const std::uint16_t selector : kWrongSelectors) {
         for (const std::uint16_t message : {kPreInstall, kPostInstall, std::uint16_t{4}}) {
-            look(trial.Deliver({selector, message, 4900, 0}));
+            inspect(run.Deliver({selector, message, 4900, 0}));
         }
     }
 }
 
-void wrongSelectorSetsBit(Trial& trial) {
-    forEachWrongSelector(trial, [&](const Outcome& outcome) {
-        trial.Expect((outcome.flagsAfter & 1) != 0, "bit 0 of the error flags is set",
-                     Hex(outcome.flagsAfter, 8));
+void wrongSelectorSetsBit(CheckRun& run) {
+    forEachWrongSelector(run, [&](const Outcome& outcome) {
+        run.Expect((outcome.flagsAfter & 1) != 0, "bit 0 of the error flags is set",
+                   Hex(outcome.flagsAfter, 8));
     });
 }
-void wrongSelectorIsSilent(Trial& trial) {
-    forEachWrongSelector(trial, [&](const Outcome& outcome) {
-        trial.Expect(outcome.alerts.empty(), "the main entry shows no alert", Describe(outcome.alerts));
+void wrongSelectorIsSilent(CheckRun& run) {
+    forEachWrongSelector(run, [&](const Outcome& outcome) {
+        run.Expect(outcome.alerts.empty(), "the main entry shows no alert", Describe(outcome.alerts));
     });
 }
-void wrongSelectorDoesNothing(Trial& trial) {
-    forEachWrongSelector(trial, [&](const Outcome& outcome) { trial.ExpectNoEffect(outcome); });
+void wrongSelectorDoesNothing(CheckRun& run) {
+    forEachWrongSelector(run, [&](const Outcome& outcome) { run.ExpectNoEffect(outcome); });
 }
 
-VolumeState afterEvents(Trial& trial, std::initializer_list<std::uint16_t> messages) {
-    trial.UseFreshVolume();
-    for (const std::uint16_t message : messages) trial.Deliver(Event(message, 4900, 11));
-    return trial.Look();
+VolumeState afterEvents(CheckRun& run, std::initializer_list<std::uint16_t> messages) {
+    run.UseFreshVolume();
+    for (const std::uint16_t message : messages) run.Deliver(Event(message, 4900, 11));
+    return run.CurrentVolume();
 }
 
 /// Files of two volumes never have the same inodes, and their times are no matter.
@@ -97,48 +97,48 @@ VolumeState withoutIdentity(VolumeState state) {
     return state;
 }
 
-void expectSameVolume(Trial& trial, VolumeState wanted, VolumeState seen, const char* expected) {
+void expectSameVolume(CheckRun& run, VolumeState wanted, VolumeState seen, const char* expected) {
     const Changes changes = Compare(withoutIdentity(std::move(wanted)), withoutIdentity(std::move(seen)));
-    trial.Expect(changes.Count() == 0, expected, Describe(changes));
+    run.Expect(changes.Count() == 0, expected, Describe(changes));
 }
 
-void orderDoesNotMatter(Trial& trial) {
-    const VolumeState right = afterEvents(trial, {kPreInstall, kPostInstall});
-    const VolumeState wrong = afterEvents(trial, {kPostInstall, kPreInstall});
-    expectSameVolume(trial, right, wrong, "post-install before pre-install leaves the same volume");
+void orderDoesNotMatter(CheckRun& run) {
+    const VolumeState right = afterEvents(run, {kPreInstall, kPostInstall});
+    const VolumeState wrong = afterEvents(run, {kPostInstall, kPreInstall});
+    expectSameVolume(run, right, wrong, "post-install before pre-install leaves the same volume");
 }
 
-void secondRunChangesNothing(Trial& trial) {
+void secondRunChangesNothing(CheckRun& run) {
     for (const ProductContract& product : kProducts) {
-        const auto run = [&] {
-            const Changes before = trial.Deliver(Event(kPreInstall, product.code)).changes;
-            const Changes after = trial.Deliver(Event(kPostInstall, product.code)).changes;
+        const auto deliverBoth = [&] {
+            const Changes before = run.Deliver(Event(kPreInstall, product.code)).changes;
+            const Changes after = run.Deliver(Event(kPostInstall, product.code)).changes;
             return std::pair(before, after);
         };
-        run();
-        const auto [before, after] = run();
-        trial.Expect(before.Count() == 0, "a second pre-install changes nothing", Describe(before));
-        trial.Expect(after.Count() == 0, "a second post-install changes nothing", Describe(after));
+        deliverBoth();
+        const auto [before, after] = deliverBoth();
+        run.Expect(before.Count() == 0, "a second pre-install changes nothing", Describe(before));
+        run.Expect(after.Count() == 0, "a second post-install changes nothing", Describe(after));
     }
 }
 
-void eachEventTwiceIsTheSame(Trial& trial) {
-    const VolumeState once = afterEvents(trial, {kPreInstall, kPostInstall});
-    const VolumeState twice = afterEvents(trial, {kPreInstall, kPreInstall, kPostInstall, kPostInstall});
-    expectSameVolume(trial, once, twice, "events that come twice leave the same volume");
+void eachEventTwiceIsTheSame(CheckRun& run) {
+    const VolumeState once = afterEvents(run, {kPreInstall, kPostInstall});
+    const VolumeState twice = afterEvents(run, {kPreInstall, kPreInstall, kPostInstall, kPostInstall});
+    expectSameVolume(run, once, twice, "events that come twice leave the same volume");
 }
 
-void twoInstancesWork(Trial& trial) {
-    const VolumeState one = afterEvents(trial, {kPreInstall, kPostInstall});
-    trial.UseFreshVolume();
-    FunctionBlock** const other = trial.Bundle().MakeInstance();
-    trial.Deliver(Event(kPreInstall, 4900, 11));
-    trial.ReleaseInterface();
+void twoInstancesWork(CheckRun& run) {
+    const VolumeState one = afterEvents(run, {kPreInstall, kPostInstall});
+    run.UseFreshVolume();
+    FunctionBlock** const other = run.Bundle().MakeInstance();
+    run.Deliver(Event(kPreInstall, 4900, 11));
+    run.ReleaseInterface();
     const ULONG count =
-        trial.Bundle().Inside({"AddRef", "the other instance", {}}, [&] { return (*other)->AddRef(other); });
-    trial.Expect(count == 2, "the other instance lives on with 1 reference", std::to_string(count - 1));
-    trial.Deliver(Event(kPostInstall, 4900, 11)); // through a third
-    expectSameVolume(trial, one, trial.Look(), "events through two instances leave the same volume");
+        run.Bundle().RunCode({"AddRef", "the other instance", {}}, [&] { return (*other)->AddRef(other); });
+    run.Expect(count == 2, "the other instance lives on with 1 reference", std::to_string(count - 1));
+    run.Deliver(Event(kPostInstall, 4900, 11)); // through a third
+    expectSameVolume(run, one, run.CurrentVolume(), "events through two instances leave the same volume");
 }
 
 } // namespace

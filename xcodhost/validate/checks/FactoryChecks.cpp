@@ -12,89 +12,89 @@ namespace xcodhost {
 
 namespace {
 
-void rightTypeGivesInstance(Trial& trial) { trial.Bundle().MakeInstance(); }
+void rightTypeGivesInstance(CheckRun& run) { run.Bundle().MakeInstance(); }
 
 /// Asks for an instance of the type; whatever comes back is released again.
-void expectNoInstance(Trial& trial, FactoryFunction make, const CFUUIDBytes& type) {
+void expectNoInstance(CheckRun& run, FactoryFunction make, const CFUUIDBytes& type) {
     const Owned<CFUUIDRef> identifier(CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, type));
     const std::size_t before = macplatform::LiveObjectCount();
-    void* const instance = trial.Bundle().Inside({kFactoryFunction, "type " + Describe(type), {}},
-                                                 [&] { return make(kCFAllocatorDefault, identifier.get()); });
-    trial.Expect(!instance, "null for " + Describe(type), "an instance");
+    void* const instance = run.Bundle().RunCode({kFactoryFunction, "type " + Describe(type), {}},
+                                                [&] { return make(kCFAllocatorDefault, identifier.get()); });
+    run.Expect(!instance, "null for " + Describe(type), "an instance");
     const std::size_t after = macplatform::LiveObjectCount();
-    trial.Expect(instance || after == before, "nothing allocated for " + Describe(type),
-                 Counted(after - before, "object") + " more");
+    run.Expect(instance || after == before, "nothing allocated for " + Describe(type),
+               Counted(after - before, "object") + " more");
 }
 
-void wrongTypesAreRefused(Trial& trial) {
-    const FactoryFunction make = trial.Factory();
+void wrongTypesAreRefused(CheckRun& run) {
+    const FactoryFunction make = run.Factory();
     for (const CFUUIDBytes& type : {CFUUIDBytes{}, kHostInterface, kUnknownInterface}) {
-        expectNoInstance(trial, make, type);
+        expectNoInstance(run, make, type);
     }
     for (std::size_t byte = 0; byte < sizeof kPluginType; ++byte) {
         CFUUIDBytes near = kPluginType;
         reinterpret_cast<unsigned char*>(&near)[byte] ^= 1;
-        expectNoInstance(trial, make, near);
+        expectNoInstance(run, make, near);
     }
 }
 
-void allocatorIsIgnored(Trial& trial) {
-    const FactoryFunction make = trial.Factory();
-    void* const instance = trial.Bundle().Inside({kFactoryFunction, "the system's allocator", {}}, [&] {
+void allocatorIsIgnored(CheckRun& run) {
+    const FactoryFunction make = run.Factory();
+    void* const instance = run.Bundle().RunCode({kFactoryFunction, "the system's allocator", {}}, [&] {
         return make(kCFAllocatorSystemDefault, ConstantIdentifier(kPluginType));
     });
-    trial.Expect(instance, "an instance with any allocator", "null with kCFAllocatorSystemDefault");
+    run.Expect(instance, "an instance with any allocator", "null with kCFAllocatorSystemDefault");
 }
 
-void instanceLiesInPointerBlock(Trial& trial) {
+void instanceLiesInPointerBlock(CheckRun& run) {
     bool hasAsked = false;
-    trial.AtEachCall([&](const macplatform::JournalEntry& entry) { hasAsked |= entry.call == "NewPtr"; });
-    trial.Bundle().MakeInstance();
-    trial.AtEachCall({});
-    trial.Expect(hasAsked, "the instance is allocated by NewPtr", "NewPtr was not called");
+    run.AtEachCall([&](const macplatform::RecordedCall& entry) { hasAsked |= entry.call == "NewPtr"; });
+    run.Bundle().MakeInstance();
+    run.AtEachCall({});
+    run.Expect(hasAsked, "the instance is allocated by NewPtr", "NewPtr was not called");
 }
 
-void noMemoryGivesNothing(Trial& trial) {
-    const FactoryFunction make = trial.Factory();
-    trial.ForgetObjects();
-    macplatform::OrderFault({"NewPtr", 0, 0});
-    void* const instance = trial.Bundle().Inside({kFactoryFunction, "NewPtr answers null", {}}, [&] {
+void noMemoryGivesNothing(CheckRun& run) {
+    const FactoryFunction make = run.Factory();
+    run.ForgetObjects();
+    macplatform::InjectFault({"NewPtr", 0, 0});
+    void* const instance = run.Bundle().RunCode({kFactoryFunction, "NewPtr answers null", {}}, [&] {
         return make(kCFAllocatorDefault, ConstantIdentifier(kPluginType));
     });
-    if (macplatform::CancelFaults() > 0)
+    if (macplatform::CancelInjectedFaults() > 0)
         return; // it asks for memory elsewhere, which is another check's matter
-    trial.Expect(!instance, "null when there is no memory", "an instance");
-    trial.Expect(trial.ObjectsLeft().empty(), "nothing is left allocated",
-                 Counted(trial.ObjectsLeft().size(), "object"));
+    run.Expect(!instance, "null when there is no memory", "an instance");
+    run.Expect(run.ObjectsLeft().empty(), "nothing is left allocated",
+               Counted(run.ObjectsLeft().size(), "object"));
 }
 
-void instancesAreTheirOwn(Trial& trial) {
-    FunctionBlock** const first = trial.Bundle().MakeInstance();
-    FunctionBlock** const second = trial.Bundle().MakeInstance();
-    trial.Expect(first != second, "each call makes a new instance", "the same instance twice");
+void instancesAreTheirOwn(CheckRun& run) {
+    FunctionBlock** const first = run.Bundle().MakeInstance();
+    FunctionBlock** const second = run.Bundle().MakeInstance();
+    run.Expect(first != second, "each call makes a new instance", "the same instance twice");
     if (first == second) return;
-    trial.Bundle().Inside({"AddRef", "first instance", {}}, [&] { return (*first)->AddRef(first); });
+    run.Bundle().RunCode({"AddRef", "first instance", {}}, [&] { return (*first)->AddRef(first); });
     const ULONG count =
-        trial.Bundle().Inside({"AddRef", "second instance", {}}, [&] { return (*second)->AddRef(second); });
-    trial.Expect(count == 2, "the second instance counts for itself: 2", std::to_string(count));
+        run.Bundle().RunCode({"AddRef", "second instance", {}}, [&] { return (*second)->AddRef(second); });
+    run.Expect(count == 2, "the second instance counts for itself: 2", std::to_string(count));
 }
 
-void slotsAreFilled(Trial& trial) {
-    const FunctionBlock& block = **trial.Bundle().MakeInstance();
-    trial.Expect(!block._reserved, "the first slot is null", "it is not null");
-    trial.Expect(block.AddRef, "the AddRef slot is filled", "it is null");
-    trial.Expect(block.main, "the main entry's slot is filled", "it is null");
+void slotsAreFilled(CheckRun& run) {
+    const FunctionBlock& block = **run.Bundle().MakeInstance();
+    run.Expect(!block._reserved, "the first slot is null", "it is not null");
+    run.Expect(block.AddRef, "the AddRef slot is filled", "it is null");
+    run.Expect(block.main, "the main entry's slot is filled", "it is null");
 }
 
-void blockIsConstant(Trial& trial) {
-    FunctionBlock* const block = *trial.Bundle().MakeInstance();
+void blockIsConstant(CheckRun& run) {
+    FunctionBlock* const block = *run.Bundle().MakeInstance();
     FunctionBlock before = *block;
-    trial.Deliver(Event(kPreInstall, 4900));
-    trial.Deliver(Event(kPostInstall, 4900));
-    trial.Expect(*trial.Interface() == block, "all instances share one function block", "another block");
-    trial.ReleaseInterface();
-    trial.Expect(std::memcmp(&before, block, sizeof before) == 0, "the function block is never modified",
-                 "it has changed after both events");
+    run.Deliver(Event(kPreInstall, 4900));
+    run.Deliver(Event(kPostInstall, 4900));
+    run.Expect(*run.Interface() == block, "all instances share one function block", "another block");
+    run.ReleaseInterface();
+    run.Expect(std::memcmp(&before, block, sizeof before) == 0, "the function block is never modified",
+               "it has changed after both events");
 }
 
 } // namespace

@@ -22,99 +22,98 @@ std::size_t callsOf(const std::string& name, const Outcome& outcome) {
 }
 
 /// A preferences file that was written holds whole values that belong there, or is what it was.
-void expectNothingHalfWritten(Trial& trial, const Outcome& outcome, const std::string& fault) {
-    for (const auto& [domain, file] : trial.Look().preferences) {
-        trial.Expect(file.problem.empty(), fault + ": every preferences file can be read",
-                     file.path + ' ' + file.problem);
+void expectNothingHalfWritten(CheckRun& run, const Outcome& outcome, const std::string& fault) {
+    for (const auto& [domain, file] : run.CurrentVolume().preferences) {
+        run.Expect(file.problem.empty(), fault + ": every preferences file can be read",
+                   file.path + ' ' + file.problem);
     }
     for (const FileChange& change : outcome.changes.files) {
-        trial.Fail(fault + ": no file but preferences changes", Printable(change.path) + ": " + change.what);
+        run.Fail(fault + ": no file but preferences changes", Printable(change.path) + ": " + change.what);
     }
     for (const PreferenceChange& change : outcome.changes.preferences) {
-        trial.Expect(change.after.has_value(), fault + ": no preference is removed",
-                     change.domain + ' ' + change.key);
+        run.Expect(change.after.has_value(), fault + ": no preference is removed",
+                   change.domain + ' ' + change.key);
     }
 }
 
 /// Delivers both events once for each call of this name that a good delivery makes, that call failing.
-void expectHarmless(Trial& trial, const std::vector<std::string>& names, long code) {
+void expectHarmless(CheckRun& run, const std::vector<std::string>& names, long code) {
     for (const std::uint16_t message : kEvents) {
-        trial.UseFreshVolume();
-        const Outcome good = trial.Deliver(Event(message, 4900));
+        run.UseFreshVolume();
+        const Outcome good = run.Deliver(Event(message, 4900));
         for (const std::string& name : names) {
             for (std::size_t skip = 0; skip < callsOf(name, good); ++skip) {
-                trial.UseFreshVolume();
-                trial.Write("/Library/Preferences/com.korvane.updater.plist",
-                            "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>UpdateInterval</key>"
-                            "<integer>7</integer></dict></plist>");
-                trial.ForgetObjects();
-                macplatform::OrderFault({name, code, static_cast<unsigned>(skip)});
-                const Outcome outcome = trial.Deliver(Event(message, 4900));
-                macplatform::CancelFaults();
+                run.UseFreshVolume();
+                run.Write("/Library/Preferences/com.korvane.updater.plist",
+                          "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>UpdateInterval</key>"
+                          "<integer>7</integer></dict></plist>");
+                run.ForgetObjects();
+                macplatform::InjectFault({name, code, static_cast<unsigned>(skip)});
+                const Outcome outcome = run.Deliver(Event(message, 4900));
+                macplatform::CancelInjectedFaults();
                 const std::string fault = "call " + std::to_string(skip + 1) + " of " + name + " fails";
-                expectNothingHalfWritten(trial, outcome, fault);
-                trial.Expect(outcome.flagsAfter == 0, fault + ": no error bit", Hex(outcome.flagsAfter, 8));
-                const auto left = trial.ObjectsLeft();
-                trial.Expect(left.empty(), fault + ": nothing leaked", left.empty() ? "" : left.front());
+                expectNothingHalfWritten(run, outcome, fault);
+                run.Expect(outcome.flagsAfter == 0, fault + ": no error bit", Hex(outcome.flagsAfter, 8));
+                const auto left = run.ObjectsLeft();
+                run.Expect(left.empty(), fault + ": nothing leaked", left.empty() ? "" : left.front());
             }
         }
     }
 }
 
-void refusedPreferencesAreHarmless(Trial& trial) {
-    expectHarmless(trial, {"CFPreferencesSetValue", "CFPreferencesSynchronize"}, 0);
+void refusedPreferencesAreHarmless(CheckRun& run) {
+    expectHarmless(run, {"CFPreferencesSetValue", "CFPreferencesSynchronize"}, 0);
 }
-void missingStringsAreHarmless(Trial& trial) {
+void missingStringsAreHarmless(CheckRun& run) {
     expectHarmless(
-        trial, {"CFStringCreateWithCString", "CFStringCreateWithBytes", "CFStringCreateWithCharacters"}, 0);
+        run, {"CFStringCreateWithCString", "CFStringCreateWithBytes", "CFStringCreateWithCharacters"}, 0);
 }
-void missingNumbersAreHarmless(Trial& trial) { expectHarmless(trial, {"CFNumberCreate"}, 0); }
-void refusedFinderCallsAreHarmless(Trial& trial) {
-    expectHarmless(trial,
+void missingNumbersAreHarmless(CheckRun& run) { expectHarmless(run, {"CFNumberCreate"}, 0); }
+void refusedFinderCallsAreHarmless(CheckRun& run) {
+    expectHarmless(run,
                    {"CFURLCreateWithFileSystemPath", "CFURLGetFSRef", "FSPathMakeRef", "FSGetCatalogInfo",
                     "FSSetCatalogInfo"},
                    -5000);
 }
-void refusedFileCallsAreHarmless(Trial& trial) {
-    expectHarmless(trial, {"access", "stat", "fopen", "open", "openat"}, EIO);
+void refusedFileCallsAreHarmless(CheckRun& run) {
+    expectHarmless(run, {"access", "stat", "fopen", "open", "openat"}, EIO);
 }
 
-void finderFaultLeavesOther(Trial& trial) {
+void finderFaultLeavesOther(CheckRun& run) {
     for (unsigned skip = 0; skip < 2; ++skip) {
-        trial.UseFreshVolume();
-        trial.Interface();
-        macplatform::OrderFault({"FSGetCatalogInfo", -5000, skip});
-        const Outcome outcome = trial.Deliver(Event(kPostInstall, 4900));
-        if (macplatform::CancelFaults() > 0) continue; // it does not ask this call for them
-        trial.Expect(outcome.changes.finderFlags.size() == 1, "the other item gets its flags all the same",
-                     Describe(outcome.changes));
+        run.UseFreshVolume();
+        run.Interface();
+        macplatform::InjectFault({"FSGetCatalogInfo", -5000, skip});
+        const Outcome outcome = run.Deliver(Event(kPostInstall, 4900));
+        if (macplatform::CancelInjectedFaults() > 0) continue; // it does not ask this call for them
+        run.Expect(outcome.changes.finderFlags.size() == 1, "the other item gets its flags all the same",
+                   Describe(outcome.changes));
     }
 }
 
 /// Its bytes are none of a property list, so nothing can be added without losing them.
-void brokenFileIsLeft(Trial& trial) {
+void brokenFileIsLeft(CheckRun& run) {
     constexpr const char* path = "/Library/Preferences/com.korvane.updater.plist";
     const std::string bytes = "<?xml version=\"1.0\"?><plist><dict><key>half";
-    trial.Write(path, bytes);
-    for (const std::uint16_t message : kEvents) trial.Deliver(Event(message, 4900));
-    std::ifstream in(trial.OnVolume(path), std::ios::binary);
+    run.Write(path, bytes);
+    for (const std::uint16_t message : kEvents) run.Deliver(Event(message, 4900));
+    std::ifstream in(run.OnVolume(path), std::ios::binary);
     const std::string now(std::istreambuf_iterator<char>(in), {});
-    trial.Expect(now == bytes, "the broken file keeps its bytes", now);
+    run.Expect(now == bytes, "the broken file keeps its bytes", now);
 }
 
-void queryWithoutMemoryIsHarmless(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    trial.ForgetObjects();
-    macplatform::OrderFault({"CFUUIDCreateFromUUIDBytes", 0, 0});
+void queryWithoutMemoryIsHarmless(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    run.ForgetObjects();
+    macplatform::InjectFault({"CFUUIDCreateFromUUIDBytes", 0, 0});
     void* found = nullptr;
-    const auto result = trial.Bundle().Inside({"QueryInterface", "no memory for the identifier", {}}, [&] {
+    const auto result = run.Bundle().RunCode({"QueryInterface", "no memory for the identifier", {}}, [&] {
         return static_cast<std::uint32_t>((*instance)->QueryInterface(instance, kHostInterface, &found));
     });
-    macplatform::CancelFaults();
-    trial.Expect((result == 0) == (found != nullptr), "result and result place agree",
-                 Hex(result, 8) + (found ? ", a pointer" : ", null"));
-    trial.Expect(trial.ObjectsLeft().empty(), "nothing leaked",
-                 Counted(trial.ObjectsLeft().size(), "object"));
+    macplatform::CancelInjectedFaults();
+    run.Expect((result == 0) == (found != nullptr), "result and result place agree",
+               Hex(result, 8) + (found ? ", a pointer" : ", null"));
+    run.Expect(run.ObjectsLeft().empty(), "nothing leaked", Counted(run.ObjectsLeft().size(), "object"));
 }
 
 } // namespace

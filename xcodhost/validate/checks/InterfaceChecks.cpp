@@ -14,30 +14,30 @@ struct Query {
     void* found = nullptr;
 };
 
-Query ask(Trial& trial, FunctionBlock** instance, const CFUUIDBytes& identifier) {
+Query ask(CheckRun& run, FunctionBlock** instance, const CFUUIDBytes& identifier) {
     Query query;
     query.found = &query; // neither null nor an instance
-    query.result = trial.Bundle().Inside({"QueryInterface", "interface " + Describe(identifier), {}}, [&] {
+    query.result = run.Bundle().RunCode({"QueryInterface", "interface " + Describe(identifier), {}}, [&] {
         return static_cast<std::uint32_t>((*instance)->QueryInterface(instance, identifier, &query.found));
     });
     return query;
 }
 
-ULONG countOf(Trial& trial, FunctionBlock** instance) {
-    trial.Bundle().Inside({"AddRef", {}, {}}, [&] { return (*instance)->AddRef(instance); });
-    return trial.Bundle().Inside({"Release", {}, {}}, [&] { return (*instance)->Release(instance); });
+ULONG countOf(CheckRun& run, FunctionBlock** instance) {
+    run.Bundle().RunCode({"AddRef", {}, {}}, [&] { return (*instance)->AddRef(instance); });
+    return run.Bundle().RunCode({"Release", {}, {}}, [&] { return (*instance)->Release(instance); });
 }
 
-void expectInstance(Trial& trial, const CFUUIDBytes& identifier) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    const Query query = ask(trial, instance, identifier);
-    trial.Expect(query.result == 0, "result 0x00000000", Hex(query.result, 8));
-    trial.Expect(query.result != 0 || query.found == instance, "the instance itself in the result place",
-                 query.found ? "another pointer" : "null");
+void expectInstance(CheckRun& run, const CFUUIDBytes& identifier) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    const Query query = ask(run, instance, identifier);
+    run.Expect(query.result == 0, "result 0x00000000", Hex(query.result, 8));
+    run.Expect(query.result != 0 || query.found == instance, "the instance itself in the result place",
+               query.found ? "another pointer" : "null");
 }
 
-void hostInterfaceIsGiven(Trial& trial) { expectInstance(trial, kHostInterface); }
-void unknownInterfaceIsGiven(Trial& trial) { expectInstance(trial, kUnknownInterface); }
+void hostInterfaceIsGiven(CheckRun& run) { expectInstance(run, kHostInterface); }
+void unknownInterfaceIsGiven(CheckRun& run) { expectInstance(run, kUnknownInterface); }
 
 /// Identifiers that no plug-in of this installer has.
 std::vector<CFUUIDBytes> otherInterfaces() {
@@ -52,65 +52,64 @@ std::vector<CFUUIDBytes> otherInterfaces() {
     return others;
 }
 
-void othersAreRefused(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+void othersAreRefused(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
     for (const CFUUIDBytes& identifier : otherInterfaces()) {
-        const Query query = ask(trial, instance, identifier);
-        trial.Expect(query.result == 0x80000004, "result 0x80000004 for " + Describe(identifier),
-                     Hex(query.result, 8));
+        const Query query = ask(run, instance, identifier);
+        run.Expect(query.result == 0x80000004, "result 0x80000004 for " + Describe(identifier),
+                   Hex(query.result, 8));
     }
 }
 
-void refusalClearsThePlace(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+void refusalClearsThePlace(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
     for (const CFUUIDBytes& identifier : otherInterfaces()) {
-        const Query query = ask(trial, instance, identifier);
-        trial.Expect(!query.found, "null in the result place for " + Describe(identifier), "it is not null");
+        const Query query = ask(run, instance, identifier);
+        run.Expect(!query.found, "null in the result place for " + Describe(identifier), "it is not null");
     }
 }
 
-void interfaceAddsReference(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    ask(trial, instance, kHostInterface);
-    const ULONG afterHost = countOf(trial, instance);
-    trial.Expect(afterHost == 2, "2 references after the host's interface", std::to_string(afterHost));
-    ask(trial, instance, kUnknownInterface);
-    const ULONG afterUnknown = countOf(trial, instance);
-    trial.Expect(afterUnknown == afterHost + 1, "1 reference more after IUnknown",
-                 std::to_string(afterUnknown) + " after " + std::to_string(afterHost));
+void interfaceAddsReference(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    ask(run, instance, kHostInterface);
+    const ULONG afterHost = countOf(run, instance);
+    run.Expect(afterHost == 2, "2 references after the host's interface", std::to_string(afterHost));
+    ask(run, instance, kUnknownInterface);
+    const ULONG afterUnknown = countOf(run, instance);
+    run.Expect(afterUnknown == afterHost + 1, "1 reference more after IUnknown",
+               std::to_string(afterUnknown) + " after " + std::to_string(afterHost));
 }
 
-void refusalAddsNoReference(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    for (const CFUUIDBytes& identifier : otherInterfaces()) ask(trial, instance, identifier);
-    const ULONG count = countOf(trial, instance);
-    trial.Expect(count == 1, "1 reference after refused interfaces", std::to_string(count));
+void refusalAddsNoReference(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    for (const CFUUIDBytes& identifier : otherInterfaces()) ask(run, instance, identifier);
+    const ULONG count = countOf(run, instance);
+    run.Expect(count == 1, "1 reference after refused interfaces", std::to_string(count));
 }
 
 int gSlotCalls = 0;
 ULONG countSlotCall(void*) { return static_cast<ULONG>(++gSlotCalls); }
 
-void referenceGoesThroughSlot(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+void referenceGoesThroughSlot(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
     FunctionBlock* const own = *instance;
     FunctionBlock replaced = *own;
     replaced.AddRef = &countSlotCall;
     gSlotCalls = 0;
     *instance = &replaced;
-    ask(trial, instance, kHostInterface);
+    ask(run, instance, kHostInterface);
     *instance = own;
-    trial.Expect(gSlotCalls == 1,
-                 "QueryInterface calls the AddRef slot of the instance's function block once",
-                 Counted(static_cast<std::size_t>(gSlotCalls), "call") + " of a slot that was replaced");
+    run.Expect(gSlotCalls == 1, "QueryInterface calls the AddRef slot of the instance's function block once",
+               Counted(static_cast<std::size_t>(gSlotCalls), "call") + " of a slot that was replaced");
 }
 
-void queriesLeaveNothing(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    trial.ForgetObjects();
+void queriesLeaveNothing(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    run.ForgetObjects();
     for (const CFUUIDBytes& identifier : {kHostInterface, kUnknownInterface, kPluginType}) {
-        ask(trial, instance, identifier);
-        const auto left = trial.ObjectsLeft();
-        trial.Expect(left.empty(), "no object left after the query", left.empty() ? "" : left.front());
+        ask(run, instance, identifier);
+        const auto left = run.ObjectsLeft();
+        run.Expect(left.empty(), "no object left after the query", left.empty() ? "" : left.front());
     }
 }
 

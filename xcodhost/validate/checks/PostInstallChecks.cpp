@@ -19,43 +19,42 @@ std::string storedTag(const VolumeState& state, const ProductContract& product) 
     if (file == state.preferences.end()) return "(none)";
     const auto value = file->second.values.find(kLanguageKey);
     if (value == file->second.values.end()) return "(none)";
-    const bool isText = value->second.kind == macplatform::PropertyValue::Kind::kText;
+    const bool isText = value->second.kind == macplatform::PropertyValue::Kind::kString;
     return isText ? value->second.text : Describe(std::optional(value->second));
 }
 
-void languageIsStored(Trial& trial) {
+void languageIsStored(CheckRun& run) {
     for (const ProductContract& product : kProducts) {
         for (const LanguageContract& language : kLanguages) {
-            trial.UseFreshVolume();
-            trial.Deliver(Event(kPostInstall, product.code, language.code));
-            const std::string seen = storedTag(trial.Look(), product);
-            trial.TellCell(product.code, language.code, seen, seen == language.tag);
-            trial.ExpectPreference(product.domain, kLanguageKey, textValue(language.tag));
+            run.UseFreshVolume();
+            run.Deliver(Event(kPostInstall, product.code, language.code));
+            const std::string seen = storedTag(run.CurrentVolume(), product);
+            run.RecordCell(product.code, language.code, seen, seen == language.tag);
+            run.ExpectPreference(product.domain, kLanguageKey, textValue(language.tag));
         }
     }
 }
 
-void otherLanguagesAreEnglish(Trial& trial) {
+void otherLanguagesAreEnglish(CheckRun& run) {
     const ProductContract& product = kProducts.back();
     for (const std::int32_t language : kOtherLanguages) {
-        trial.UseFreshVolume();
-        trial.Deliver(Event(kPostInstall, product.code, language));
-        trial.ExpectPreference(product.domain, kLanguageKey, textValue("en"));
+        run.UseFreshVolume();
+        run.Deliver(Event(kPostInstall, product.code, language));
+        run.ExpectPreference(product.domain, kLanguageKey, textValue("en"));
     }
 }
 
-void languageIsReplaced(Trial& trial) {
+void languageIsReplaced(CheckRun& run) {
     const ProductContract& product = kProducts.front();
-    trial.Deliver(Event(kPostInstall, product.code, 11));
-    trial.Deliver(Event(kPostInstall, product.code, 2));
-    trial.ExpectPreference(product.domain, kLanguageKey, textValue("de"));
+    run.Deliver(Event(kPostInstall, product.code, 11));
+    run.Deliver(Event(kPostInstall, product.code, 2));
+    run.ExpectPreference(product.domain, kLanguageKey, textValue("de"));
 }
 
-void unknownProductStoresNothing(Trial& trial) {
+void unknownProductStoresNothing(CheckRun& run) {
     for (const std::int32_t product : kUnknownProducts) {
-        const Changes changes = trial.Deliver(Event(kPostInstall, product, 11)).changes;
-        trial.Expect(changes.preferences.empty(), "an unknown product gets no preferences",
-                     Describe(changes));
+        const Changes changes = run.Deliver(Event(kPostInstall, product, 11)).changes;
+        run.Expect(changes.preferences.empty(), "an unknown product gets no preferences", Describe(changes));
     }
 }
 
@@ -64,55 +63,55 @@ bool isFailureText(const PreferenceChange& change) {
     return change.domain == kUpdaterDomain && change.key == kFailureKey;
 }
 
-void nothingElseChanges(Trial& trial) {
+void nothingElseChanges(CheckRun& run) {
     for (const ProductContract& product : kProducts) {
         for (const bool hasStatus : {true, false}) {
             SampleVolume sample;
             if (!hasStatus) sample.status.reset();
-            trial.UseFreshVolume(sample);
-            Changes changes = trial.Deliver(Event(kPostInstall, product.code)).changes;
+            run.UseFreshVolume(sample);
+            Changes changes = run.Deliver(Event(kPostInstall, product.code)).changes;
             changes.preferences.erase(
                 std::remove_if(changes.preferences.begin(), changes.preferences.end(), &isFailureText),
                 changes.preferences.end());
-            ExpectNothingBeside(trial, changes,
+            ExpectNothingBeside(run, changes,
                                 {{kUpdaterDomain, kIntervalKey}, {product.domain, kLanguageKey}});
         }
     }
 }
 
-void storedInOrder(Trial& trial) {
+void storedInOrder(CheckRun& run) {
     ExpectOrder(
-        trial, trial.Deliver(Event(kPostInstall, 4900)),
+        run, run.Deliver(Event(kPostInstall, 4900)),
         {"CFPreferencesSetValue \"UpdateInterval\"", "CFPreferencesSynchronize \"com.korvane.updater\"",
          "CFPreferencesSetValue \"Lang\"", "CFPreferencesSynchronize \"com.korvane.audioplugins.Fusewright\"",
          "FSSetCatalogInfo \"/Applications/Korvane\"", "FSSetCatalogInfo \"/Applications/Korvane/Icon\\r\""});
 }
 
 /// The scopes stand last among the arguments of both calls.
-void scopesAreRight(Trial& trial) {
+void scopesAreRight(CheckRun& run) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
-        for (const macplatform::JournalEntry& entry : trial.Deliver(Event(message, 4900)).calls) {
+        for (const macplatform::RecordedCall& entry : run.Deliver(Event(message, 4900)).calls) {
             if (entry.call.rfind("CFPreferences", 0) != 0 || entry.arguments.size() < 2) continue;
             std::string scope = entry.arguments[entry.arguments.size() - 2];
             scope.append(", ").append(entry.arguments.back());
-            trial.Expect(scope == "kCFPreferencesAnyUser, kCFPreferencesCurrentHost",
-                         entry.call + " for any user on the current host", scope);
+            run.Expect(scope == "kCFPreferencesAnyUser, kCFPreferencesCurrentHost",
+                       entry.call + " for any user on the current host", scope);
         }
     }
 }
 
-void otherKeysStay(Trial& trial) {
+void otherKeysStay(CheckRun& run) {
     const ProductContract& product = kProducts.back();
     const std::string others =
         "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Other</key><array><integer>7"
         "</integer><string>kept</string></array></dict></plist>";
     for (const std::string& domain : {std::string(kUpdaterDomain), std::string(product.domain)}) {
-        trial.Write("/Library/Preferences/" + domain + ".plist", others);
+        run.Write("/Library/Preferences/" + domain + ".plist", others);
     }
-    trial.Deliver(Event(kPreInstall, product.code));
-    trial.Deliver(Event(kPostInstall, product.code));
+    run.Deliver(Event(kPreInstall, product.code));
+    run.Deliver(Event(kPostInstall, product.code));
     for (const std::string& domain : {std::string(kUpdaterDomain), std::string(product.domain)}) {
-        trial.ExpectPreference(domain, "Other", "(array) [7, \"kept\"]");
+        run.ExpectPreference(domain, "Other", "(array) [7, \"kept\"]");
     }
 }
 

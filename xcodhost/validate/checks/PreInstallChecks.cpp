@@ -14,40 +14,40 @@ std::string versionKey(const ProductContract& product) {
 
 const std::string kVersionValue = std::string("(string) \"") + kCurrentVersion + '"';
 
-void versionIsStored(Trial& trial) {
+void versionIsStored(CheckRun& run) {
     for (const ProductContract& product : kProducts) {
-        trial.UseFreshVolume();
-        trial.Deliver(Event(kPreInstall, product.code));
-        trial.ExpectPreference(kUpdaterDomain, versionKey(product), kVersionValue);
+        run.UseFreshVolume();
+        run.Deliver(Event(kPreInstall, product.code));
+        run.ExpectPreference(kUpdaterDomain, versionKey(product), kVersionValue);
     }
 }
 
-void oldVersionIsReplaced(Trial& trial) {
+void oldVersionIsReplaced(CheckRun& run) {
     const ProductContract& product = kProducts.front();
-    trial.Write("/Library/Preferences/com.korvane.updater.plist",
-                "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>" + versionKey(product) +
-                    "</key><integer>9</integer></dict></plist>");
-    trial.Deliver(Event(kPreInstall, product.code));
-    trial.ExpectPreference(kUpdaterDomain, versionKey(product), kVersionValue);
+    run.Write("/Library/Preferences/com.korvane.updater.plist",
+              "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>" + versionKey(product) +
+                  "</key><integer>9</integer></dict></plist>");
+    run.Deliver(Event(kPreInstall, product.code));
+    run.ExpectPreference(kUpdaterDomain, versionKey(product), kVersionValue);
 }
 
-void unknownProductHasNoEffect(Trial& trial) {
+void unknownProductHasNoEffect(CheckRun& run) {
     for (const std::int32_t product : kUnknownProducts) {
-        trial.ExpectNoEffect(trial.Deliver(Event(kPreInstall, product)));
+        run.ExpectNoEffect(run.Deliver(Event(kPreInstall, product)));
     }
 }
 
-void nothingElseChanges(Trial& trial) {
+void nothingElseChanges(CheckRun& run) {
     for (const ProductContract& product : kProducts) {
-        trial.UseFreshVolume();
-        ExpectNothingBeside(trial, trial.Deliver(Event(kPreInstall, product.code)).changes,
+        run.UseFreshVolume();
+        ExpectNothingBeside(run, run.Deliver(Event(kPreInstall, product.code)).changes,
                             {{kUpdaterDomain, versionKey(product)}});
     }
 }
 
-void storedInOrder(Trial& trial) {
-    const Outcome outcome = trial.Deliver(Event(kPreInstall, 4900));
-    ExpectOrder(trial, outcome,
+void storedInOrder(CheckRun& run) {
+    const Outcome outcome = run.Deliver(Event(kPreInstall, 4900));
+    ExpectOrder(run, outcome,
                 {"CFPreferencesSetValue \"InstalledProducts/Fusewright/CurrentVersion\"",
                  "CFPreferencesSynchronize \"com.korvane.updater\""});
 }

@@ -11,74 +11,74 @@ namespace xcodhost {
 
 namespace {
 
-ULONG addReference(Trial& trial, FunctionBlock** instance) {
-    return trial.Bundle().Inside({"AddRef", {}, {}}, [&] { return (*instance)->AddRef(instance); });
+ULONG addReference(CheckRun& run, FunctionBlock** instance) {
+    return run.Bundle().RunCode({"AddRef", {}, {}}, [&] { return (*instance)->AddRef(instance); });
 }
 
-ULONG release(Trial& trial, FunctionBlock** instance) {
-    return trial.Bundle().Inside({"Release", {}, {}}, [&] { return (*instance)->Release(instance); });
+ULONG release(CheckRun& run, FunctionBlock** instance) {
+    return run.Bundle().RunCode({"Release", {}, {}}, [&] { return (*instance)->Release(instance); });
 }
 
-void expectCount(Trial& trial, ULONG wanted, ULONG seen, const char* call) {
-    trial.Expect(seen == wanted, std::string(call) + " answers " + std::to_string(wanted),
-                 std::to_string(seen));
+void expectCount(CheckRun& run, ULONG wanted, ULONG seen, const char* call) {
+    run.Expect(seen == wanted, std::string(call) + " answers " + std::to_string(wanted),
+               std::to_string(seen));
 }
 
-void countsOneByOne(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    expectCount(trial, 2, addReference(trial, instance), "AddRef");
-    expectCount(trial, 1, release(trial, instance), "Release");
+void countsOneByOne(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    expectCount(run, 2, addReference(run, instance), "AddRef");
+    expectCount(run, 1, release(run, instance), "Release");
 }
 
 /// The last answer is looked at apart from the others: the instance is freed behind it.
-void lastReleaseAnswersZero(Trial& trial) {
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    expectCount(trial, 0, release(trial, instance), "the last Release");
+void lastReleaseReturnsZero(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    expectCount(run, 0, release(run, instance), "the last Release");
 }
 
-void countsFar(Trial& trial) {
+void countsFar(CheckRun& run) {
     constexpr ULONG many = 70000; // more than 16 bits hold
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
     ULONG count = 1;
     for (ULONG i = 0; i < many; ++i) count = (*instance)->AddRef(instance);
-    expectCount(trial, many + 1, count, "the last AddRef");
+    expectCount(run, many + 1, count, "the last AddRef");
     if (count != many + 1) return; // releasing would free it too early
     for (ULONG i = 0; i < many; ++i) count = (*instance)->Release(instance);
-    expectCount(trial, 1, count, "the last Release but one");
+    expectCount(run, 1, count, "the last Release but one");
 }
 
-bool hasBlock(const Trial& trial) {
-    const auto left = trial.ObjectsLeft();
+bool hasBlock(const CheckRun& run) {
+    const auto left = run.ObjectsLeft();
     return std::any_of(left.begin(), left.end(),
                        [](const std::string& line) { return line.rfind("memory block", 0) == 0; });
 }
 
-void lastReleaseFrees(Trial& trial) {
-    trial.Bundle();
-    trial.ForgetObjects();
-    FunctionBlock** const instance = trial.Bundle().MakeInstance();
-    addReference(trial, instance);
-    release(trial, instance);
-    trial.Expect(hasBlock(trial), "the record lives while a reference is held", "it was freed");
-    release(trial, instance);
-    trial.Expect(!hasBlock(trial), "the last Release frees the record", "it is still allocated");
+void lastReleaseFrees(CheckRun& run) {
+    run.Bundle();
+    run.ForgetObjects();
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    addReference(run, instance);
+    release(run, instance);
+    run.Expect(hasBlock(run), "the record lives while a reference is held", "it was freed");
+    release(run, instance);
+    run.Expect(!hasBlock(run), "the last Release frees the record", "it is still allocated");
 }
 
 /// The installer lets go of its last reference while the main entry is still at work.
-void releaseInsideCall(Trial& trial) {
-    FunctionBlock** const interface = trial.Interface();
+void releaseInsideCall(CheckRun& run) {
+    FunctionBlock** const interface = run.Interface();
     bool isReleased = false;
-    trial.AtEachCall([&](const macplatform::JournalEntry& entry) {
+    run.AtEachCall([&](const macplatform::RecordedCall& entry) {
         if (isReleased || entry.call != "CFPreferencesSetValue") return;
         isReleased = true;
         (*interface)->Release(interface);
     });
-    const Outcome outcome = trial.Deliver(Event(kPostInstall, 4900));
-    trial.Expect(isReleased, "a preference is set during the event", "none was");
-    trial.Expect(outcome.flagsAfter == 0, "the event ends as always",
-                 "error flags " + Hex(outcome.flagsAfter, 8));
-    trial.Expect(!outcome.changes.preferences.empty(), "the event's preferences are stored",
-                 Describe(outcome.changes));
+    const Outcome outcome = run.Deliver(Event(kPostInstall, 4900));
+    run.Expect(isReleased, "a preference is set during the event", "none was");
+    run.Expect(outcome.flagsAfter == 0, "the event ends as always",
+               "error flags " + Hex(outcome.flagsAfter, 8));
+    run.Expect(!outcome.changes.preferences.empty(), "the event's preferences are stored",
+               Describe(outcome.changes));
 }
 
 } // namespace
@@ -94,7 +94,7 @@ std::vector<Check> ReferenceChecks() {
          "The last Release answers 0.",
          "The installer unloads the bundle on that answer.",
          {"references.counting"},
-         &lastReleaseAnswersZero},
+         &lastReleaseReturnsZero},
         {"references.many",
          "The count is exact over 70,000 references.",
          "A count of 16 bits or less breaks this.",

@@ -46,85 +46,85 @@ SampleVolume withStatus(std::optional<std::string> status) {
 
 std::string intervalValue(const char* interval) { return std::string("(integer) ") + interval; }
 
-void intervalFollowsText(Trial& trial) {
+void intervalFollowsText(CheckRun& run) {
     for (const StatusText& text : statusTexts()) {
-        trial.UseFreshVolume(withStatus(text.bytes));
-        trial.Deliver(Event(kPostInstall, 4900));
-        trial.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue(text.interval));
+        run.UseFreshVolume(withStatus(text.bytes));
+        run.Deliver(Event(kPostInstall, 4900));
+        run.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue(text.interval));
     }
 }
 
-void everyProductSetsInterval(Trial& trial) {
+void everyProductSetsInterval(CheckRun& run) {
     for (const ProductContract& product : kProducts) {
-        trial.UseFreshVolume(withStatus("UpdatesDisabled"));
-        trial.Deliver(Event(kPostInstall, product.code));
-        trial.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("0"));
+        run.UseFreshVolume(withStatus("UpdatesDisabled"));
+        run.Deliver(Event(kPostInstall, product.code));
+        run.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("0"));
     }
 }
 
-void missingFileMeansDefault(Trial& trial) {
-    trial.UseFreshVolume(withStatus(std::nullopt));
-    trial.Deliver(Event(kPostInstall, 4900));
-    trial.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("2"));
+void missingFileMeansDefault(CheckRun& run) {
+    run.UseFreshVolume(withStatus(std::nullopt));
+    run.Deliver(Event(kPostInstall, 4900));
+    run.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("2"));
 }
 
-void noFailureNoText(Trial& trial) {
+void noFailureNoText(CheckRun& run) {
     for (const auto& status : {std::optional<std::string>(), std::optional<std::string>("UpdatesDisabled")}) {
-        trial.UseFreshVolume(withStatus(status));
-        trial.Deliver(Event(kPostInstall, 4900));
-        trial.ExpectPreference(kUpdaterDomain, kFailureKey, "(none)");
+        run.UseFreshVolume(withStatus(status));
+        run.Deliver(Event(kPostInstall, 4900));
+        run.ExpectPreference(kUpdaterDomain, kFailureKey, "(none)");
     }
 }
 
 /// The file is there, and the first call that opens it is refused.
-Outcome deliverUnreadable(Trial& trial, std::uint32_t errorFlags) {
-    trial.UseFreshVolume(withStatus("UpdatesDisabled"));
-    trial.Interface();
-    for (const char* const call : {"fopen", "open", "openat"}) macplatform::OrderFault({call, EACCES, 0});
+Outcome deliverUnreadable(CheckRun& run, std::uint32_t errorFlags) {
+    run.UseFreshVolume(withStatus("UpdatesDisabled"));
+    run.Interface();
+    for (const char* const call : {"fopen", "open", "openat"}) macplatform::InjectFault({call, EACCES, 0});
     ParameterBlock block = Event(kPostInstall, 4900);
     block.SetErrorFlags(errorFlags);
-    Outcome outcome = trial.Deliver(block);
-    macplatform::CancelFaults();
+    Outcome outcome = run.Deliver(block);
+    macplatform::CancelInjectedFaults();
     return outcome;
 }
 
-void unreadableFileMeansDefault(Trial& trial) {
-    deliverUnreadable(trial, 0);
-    trial.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("2"));
+void unreadableFileMeansDefault(CheckRun& run) {
+    deliverUnreadable(run, 0);
+    run.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue("2"));
 }
 
-void unreadableFileIsTold(Trial& trial) {
-    deliverUnreadable(trial, 0);
-    trial.ExpectPreference(kUpdaterDomain, kFailureKey, "(string) \"Error opening file\"");
+void unreadableFileIsReported(CheckRun& run) {
+    deliverUnreadable(run, 0);
+    run.ExpectPreference(kUpdaterDomain, kFailureKey, "(string) \"Error opening file\"");
 }
 
-void unreadableFileIsNoError(Trial& trial) {
+void unreadableFileIsNoError(CheckRun& run) {
     for (const std::uint32_t given : {0U, 0xFFFFFFFEU}) {
-        const Outcome outcome = deliverUnreadable(trial, given);
-        trial.Expect(outcome.flagsAfter == given, "error flags " + Hex(given, 8) + " stay",
-                     Hex(outcome.flagsAfter, 8));
-        trial.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
+        const Outcome outcome = deliverUnreadable(run, given);
+        run.Expect(outcome.flagsAfter == given, "error flags " + Hex(given, 8) + " stay",
+                   Hex(outcome.flagsAfter, 8));
+        run.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
     }
 }
 
-void unreadableFileLeavesTheRest(Trial& trial) {
-    const Outcome outcome = deliverUnreadable(trial, 0);
-    trial.ExpectPreference("com.korvane.audioplugins.Fusewright", kLanguageKey, "(string) \"en\"");
-    trial.Expect(outcome.changes.finderFlags.size() == 2,
-                 "the language and both Finder flags are stored all the same", Describe(outcome.changes));
+void unreadableFileLeavesTheRest(CheckRun& run) {
+    const Outcome outcome = deliverUnreadable(run, 0);
+    run.ExpectPreference("com.korvane.audioplugins.Fusewright", kLanguageKey, "(string) \"en\"");
+    run.Expect(outcome.changes.finderFlags.size() == 2,
+               "the language and both Finder flags are stored all the same", Describe(outcome.changes));
 }
 
-void fileIsOnlyRead(Trial& trial) {
+void fileIsOnlyRead(CheckRun& run) {
     for (const StatusText& text : statusTexts()) {
-        trial.UseFreshVolume(withStatus(text.bytes));
-        const Outcome outcome = trial.Deliver(Event(kPostInstall, 4900));
+        run.UseFreshVolume(withStatus(text.bytes));
+        const Outcome outcome = run.Deliver(Event(kPostInstall, 4900));
         for (const FileChange& change : outcome.changes.files) {
-            trial.Expect(change.path != kStatusFile, "the status file stays as it is", change.what);
+            run.Expect(change.path != kStatusFile, "the status file stays as it is", change.what);
         }
-        std::ifstream in(trial.OnVolume(kStatusFile), std::ios::binary);
+        std::ifstream in(run.OnVolume(kStatusFile), std::ios::binary);
         const std::string bytes(std::istreambuf_iterator<char>(in), {});
-        trial.Expect(bytes == text.bytes, "the status file keeps its " + Counted(text.bytes.size(), "byte"),
-                     Counted(bytes.size(), "byte"));
+        run.Expect(bytes == text.bytes, "the status file keeps its " + Counted(text.bytes.size(), "byte"),
+                   Counted(bytes.size(), "byte"));
     }
 }
 
@@ -157,7 +157,7 @@ std::vector<Check> StatusFileChecks() {
          "With a status file that cannot be opened InstallStatus says \"Error opening file\".",
          "The updater reads the reason there.",
          {"status-file.interval"},
-         &unreadableFileIsTold},
+         &unreadableFileIsReported},
         {"status-file.failure-silent",
          "A status file that cannot be read is no error to the installer or the user.",
          "No error bit is set or cleared, no alert is shown.", event, &unreadableFileIsNoError},

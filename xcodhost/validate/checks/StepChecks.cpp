@@ -13,118 +13,117 @@ constexpr std::uint16_t kSteps[] = {kPreInstall, kPostInstall};
 
 ParameterBlock refused(std::uint16_t step, std::uint16_t selector = 7) { return {selector, step, 4900, 0}; }
 
-void nullBlockDoesNothing(Trial& trial) {
+void nullBlockDoesNothing(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
-        const Outcome outcome = trial.DeliverNothing(step);
-        trial.ExpectNoEffect(outcome);
-        trial.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
+        const Outcome outcome = run.DeliverNothing(step);
+        run.ExpectNoEffect(outcome);
+        run.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
     }
 }
 
-void stepsReturn(Trial& trial) {
+void stepsReturn(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
-        trial.Deliver(Event(step, 4900), Entry::kStep);
-        trial.Deliver(refused(step), Entry::kStep);
+        run.Deliver(Event(step, 4900), Entry::kStep);
+        run.Deliver(refused(step), Entry::kStep);
     }
 }
 
-void stepsDoAsMainEntry(Trial& trial) {
+void stepsDoAsMainEntry(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
         for (const ProductContract& product : kProducts) {
-            trial.UseFreshVolume();
-            const std::string wanted = Describe(trial.Deliver(Event(step, product.code, 2)).changes);
-            trial.UseFreshVolume();
+            run.UseFreshVolume();
+            const std::string wanted = Describe(run.Deliver(Event(step, product.code, 2)).changes);
+            run.UseFreshVolume();
             const std::string seen =
-                Describe(trial.Deliver(Event(step, product.code, 2), Entry::kStep).changes);
-            trial.Expect(seen == wanted, "as through the main entry: " + wanted, seen);
+                Describe(run.Deliver(Event(step, product.code, 2), Entry::kStep).changes);
+            run.Expect(seen == wanted, "as through the main entry: " + wanted, seen);
         }
     }
 }
 
-template <typename Look>
-void forEachRefusal(Trial& trial, Look look) {
+template <typename Inspect>
+void forEachRefusal(CheckRun& run, Inspect inspect) {
     for (const std::uint16_t step : kSteps) {
         for (const std::uint16_t selector : kWrongSelectors) {
-            look(trial.Deliver(refused(step, selector), Entry::kStep));
+            inspect(run.Deliver(refused(step, selector), Entry::kStep));
         }
     }
 }
 
-void refusalShowsAlert(Trial& trial) {
-    forEachRefusal(trial, [&](const Outcome& outcome) {
+void refusalShowsAlert(CheckRun& run) {
+    forEachRefusal(run, [&](const Outcome& outcome) {
         const std::string wanted = std::string("Alert \"") + kFailureMessage + '"';
         const bool isShown = !outcome.alerts.empty() && outcome.alerts.front().message == kFailureMessage;
-        trial.Expect(isShown, "first " + wanted, Describe(outcome.alerts));
+        run.Expect(isShown, "first " + wanted, Describe(outcome.alerts));
     });
 }
 
-void alertHasOneButton(Trial& trial) {
-    forEachRefusal(trial, [&](const Outcome& outcome) {
+void alertHasOneButton(CheckRun& run) {
+    forEachRefusal(run, [&](const Outcome& outcome) {
         for (const macplatform::Alert& alert : outcome.alerts) {
-            trial.Expect(alert.buttons.size() <= 1, "no button beside the alert's own",
-                         Counted(alert.buttons.size(), "button"));
+            run.Expect(alert.buttons.size() <= 1, "no button beside the alert's own",
+                       Counted(alert.buttons.size(), "button"));
         }
     });
 }
 
-void stopAlertFollows(Trial& trial) {
-    forEachRefusal(trial, [&](const Outcome& outcome) {
+void stopAlertFollows(CheckRun& run) {
+    forEachRefusal(run, [&](const Outcome& outcome) {
         const bool isLast = !outcome.alerts.empty() &&
                             outcome.alerts.back().kind == macplatform::Alert::Kind::kStop &&
                             outcome.alerts.back().resource == kFailureStopAlert;
-        trial.Expect(isLast, "stop alert 5000 after the alert", Describe(outcome.alerts));
+        run.Expect(isLast, "stop alert 5000 after the alert", Describe(outcome.alerts));
     });
 }
 
-void nothingElseIsShown(Trial& trial) {
-    forEachRefusal(trial, [&](const Outcome& outcome) {
-        trial.Expect(outcome.alerts.size() <= 2, "one alert and one stop alert at most",
-                     Describe(outcome.alerts));
+void nothingElseIsShown(CheckRun& run) {
+    forEachRefusal(run, [&](const Outcome& outcome) {
+        run.Expect(outcome.alerts.size() <= 2, "one alert and one stop alert at most",
+                   Describe(outcome.alerts));
     });
 }
 
-void refusalSetsBit(Trial& trial) {
-    forEachRefusal(trial, [&](const Outcome& outcome) {
-        trial.Expect((outcome.flagsAfter & 1) != 0, "bit 0 of the error flags is set",
-                     Hex(outcome.flagsAfter, 8));
+void refusalSetsBit(CheckRun& run) {
+    forEachRefusal(run, [&](const Outcome& outcome) {
+        run.Expect((outcome.flagsAfter & 1) != 0, "bit 0 of the error flags is set",
+                   Hex(outcome.flagsAfter, 8));
     });
 }
 
-void refusalKeepsOtherBits(Trial& trial) {
+void refusalKeepsOtherBits(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
         for (const std::uint32_t given : {0xFFFFFFFEU, 0x80000000U, 0x00010002U}) {
             ParameterBlock block = refused(step);
             block.SetErrorFlags(given);
-            const std::uint32_t after = trial.Deliver(block, Entry::kStep).flagsAfter;
-            trial.Expect((after & ~1U) == given, "the other bits of " + Hex(given, 8) + " stay",
-                         Hex(after, 8));
+            const std::uint32_t after = run.Deliver(block, Entry::kStep).flagsAfter;
+            run.Expect((after & ~1U) == given, "the other bits of " + Hex(given, 8) + " stay", Hex(after, 8));
         }
     }
 }
 
-void refusalDoesNothingElse(Trial& trial) {
-    forEachRefusal(trial, [&](const Outcome& outcome) { trial.ExpectNoEffect(outcome); });
+void refusalDoesNothingElse(CheckRun& run) {
+    forEachRefusal(run, [&](const Outcome& outcome) { run.ExpectNoEffect(outcome); });
 }
 
-void answerDoesNotMatter(Trial& trial) {
+void chosenButtonDoesNotMatter(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
         for (const int button : {-1, 0, 1, 7}) {
-            trial.Answer(button);
-            const Outcome outcome = trial.Deliver(refused(step), Entry::kStep);
-            trial.Expect((outcome.flagsAfter & 1) != 0 && outcome.alerts.size() == 2,
-                         "both alerts and the error bit, whatever is answered",
-                         Describe(outcome.alerts) + ", error flags " + Hex(outcome.flagsAfter, 8));
+            run.Answer(button);
+            const Outcome outcome = run.Deliver(refused(step), Entry::kStep);
+            run.Expect((outcome.flagsAfter & 1) != 0 && outcome.alerts.size() == 2,
+                       "both alerts and the error bit, whatever is answered",
+                       Describe(outcome.alerts) + ", error flags " + Hex(outcome.flagsAfter, 8));
         }
     }
 }
 
-void acceptedCallIsSilent(Trial& trial) {
+void acceptedCallIsSilent(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
         std::vector<std::int32_t> products(kUnknownProducts.begin(), kUnknownProducts.end());
         for (const ProductContract& product : kProducts) products.push_back(product.code);
         for (const std::int32_t product : products) {
-            const Outcome outcome = trial.Deliver(Event(step, product), Entry::kStep);
-            trial.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
+            const Outcome outcome = run.Deliver(Event(step, product), Entry::kStep);
+            run.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
         }
     }
 }
@@ -168,7 +167,7 @@ std::vector<Check> StepChecks() {
          "It makes no difference how the alerts are answered, or whether they could be shown.",
          "An alert may be dismissed, or the machine may have no screen.",
          {"steps.alert", "steps.stop-alert", "steps.alerts-once", "steps.error-bit"},
-         &answerDoesNotMatter},
+         &chosenButtonDoesNotMatter},
         {"steps.silent", "A step that is carried out shows no alert.",
          "An unknown product is no error either.", direct, &acceptedCallIsSilent},
     };

@@ -37,7 +37,7 @@ std::string joinTexts(const std::vector<std::string>& texts) {
 
 std::vector<std::string> storingCalls(const Outcome& outcome) {
     std::vector<std::string> stored;
-    for (const macplatform::JournalEntry& entry : outcome.calls) {
+    for (const macplatform::RecordedCall& entry : outcome.calls) {
         if (entry.call == "CFPreferencesSetValue" || entry.call == "CFPreferencesSynchronize" ||
             entry.call == "FSSetCatalogInfo") {
             stored.push_back(entry.call + (entry.arguments.empty() ? "" : ' ' + entry.arguments.front()));
@@ -48,19 +48,19 @@ std::vector<std::string> storingCalls(const Outcome& outcome) {
 
 } // namespace
 
-void ExpectNothingBeside(Trial& trial, const Changes& changes, const std::vector<PreferencePlace>& wanted) {
+void ExpectNothingBeside(CheckRun& run, const Changes& changes, const std::vector<PreferencePlace>& wanted) {
     for (const PreferenceChange& change : changes.preferences) {
         const bool isOurs = isAmong(wanted, change) || isStray(changes, change, wanted);
-        trial.Expect(isOurs, "no other preference changes", Line(change));
+        run.Expect(isOurs, "no other preference changes", Line(change));
     }
     for (const FileChange& change : changes.files) {
-        trial.Fail("no file but preferences changes", Printable(change.path) + ": " + change.what);
+        run.Fail("no file but preferences changes", Printable(change.path) + ": " + change.what);
     }
 }
 
-void ExpectOrder(Trial& trial, const Outcome& outcome, const std::vector<std::string>& wanted) {
+void ExpectOrder(CheckRun& run, const Outcome& outcome, const std::vector<std::string>& wanted) {
     const std::vector<std::string> stored = storingCalls(outcome);
-    trial.Expect(stored == wanted, joinTexts(wanted), joinTexts(stored));
+    run.Expect(stored == wanted, joinTexts(wanted), joinTexts(stored));
 }
 
 } // namespace xcodhost

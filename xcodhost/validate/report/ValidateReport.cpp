@@ -14,8 +14,8 @@ namespace {
 using State = CheckResult::State;
 
 std::string shellQuoted(const std::string& text) {
-    const char plain[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./-+,:=@%";
-    if (!text.empty() && text.find_first_not_of(plain) == std::string::npos && text.front() != '-')
+    const char unquoted[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./-+,:=@%";
+    if (!text.empty() && text.find_first_not_of(unquoted) == std::string::npos && text.front() != '-')
         return text;
     std::string quoted = "'";
     for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);

@@ -15,7 +15,7 @@ constexpr unsigned long long kLargestSize = 0xFFFFFFFF;
 /// Grows the buffer up to `end` and fills the gap between the written bytes and `position` with zeros.
 void ByteBuffer::Extend(unsigned int position, unsigned long long end) {
     if (end > kLargestSize) throw std::length_error("Util::ByteStream: more than 4294967295 bytes");
-    if (end > room) Enlarge(std::max(end, std::min(2ull * room, kLargestSize)));
+    if (end > capacity) Enlarge(std::max(end, std::min(2ull * capacity, kLargestSize)));
     if (position > size) std::memset(bytes.get() + size, 0, position - size);
 }
 
@@ -25,7 +25,7 @@ void ByteBuffer::Enlarge(unsigned long long wanted) {
     if (!larger) throw std::bad_alloc();
     static_cast<void>(bytes.release()); // realloc has freed the old block or returned it
     bytes.reset(static_cast<unsigned char*>(larger));
-    room = static_cast<unsigned int>(wanted);
+    capacity = static_cast<unsigned int>(wanted);
 }
 
 } // namespace Util

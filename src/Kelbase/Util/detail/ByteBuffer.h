@@ -11,9 +11,9 @@ namespace Util {
 /// written next are not set to 0 first.
 class ByteBuffer {
 public:
-    /// Creates an empty buffer and allocates the capacity.
-    explicit ByteBuffer(unsigned int capacity) {
-        if (capacity > 0) Enlarge(capacity);
+    /// Creates an empty buffer and allocates `initialCapacity` bytes.
+    explicit ByteBuffer(unsigned int initialCapacity) {
+        if (initialCapacity > 0) Enlarge(initialCapacity);
     }
 
     unsigned int Size() const { return size; } ///< Returns the number of written bytes, not the capacity.
@@ -26,7 +26,7 @@ public:
     /// `std::bad_alloc` and then leaves the buffer unchanged.
     unsigned char* Place(unsigned int position, unsigned long long count) {
         const unsigned long long end = position + count;
-        if (end > room || position > size) Extend(position, end);
+        if (end > capacity || position > size) Extend(position, end);
         if (end > size) size = static_cast<unsigned int>(end);
         return bytes.get() + position;
     }
@@ -40,7 +40,7 @@ private:
     void Enlarge(unsigned long long wanted);
 
     std::unique_ptr<unsigned char, Free> bytes; // from realloc, which can grow a block in place
-    unsigned int size = 0, room = 0;
+    unsigned int size = 0, capacity = 0;
 };
 
 } // namespace Util

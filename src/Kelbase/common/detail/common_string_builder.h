@@ -8,8 +8,8 @@ class StringBuilder {
 public:
     /// Allocates a buffer for at most `length` bytes. Throws as `String` does.
     explicit StringBuilder(unsigned long long length) {
-        const std::size_t room = CheckedLength(length);
-        text.block = String::NewBlock(room, room);
+        const std::size_t capacity = CheckedLength(length);
+        text.block = String::NewBlock(capacity, capacity);
         end = text.block->Bytes();
     }
 

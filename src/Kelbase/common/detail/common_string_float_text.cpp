@@ -93,8 +93,8 @@ FloatText::FloatText(double value, unsigned int precision, const checked_value<u
         if (letter == 'e' && WriteScientific(value, precision, *point)) return;
     }
     const char pattern[] = {'%', '.', '*', letter, '\0'};
-    const int written = std::snprintf(room, sizeof room, pattern, static_cast<int>(precision), value);
-    length = std::min(static_cast<std::size_t>(std::max(written, 0)), sizeof room - 1);
+    const int written = std::snprintf(capacity, sizeof capacity, pattern, static_cast<int>(precision), value);
+    length = std::min(static_cast<std::size_t>(std::max(written, 0)), sizeof capacity - 1);
 }
 
 /// By exact integers. False for numbers of 2^63 and more and for more than nine digits behind the point.
@@ -102,7 +102,7 @@ bool FloatText::WriteFixed(double value, unsigned int precision, char point) {
     if (std::fabs(value) >= 9223372036854775808.0 || precision >= std::size(kPowersOfTen)) return false;
     FixedPoint number(std::fabs(value));
     const unsigned int parts = number.RoundToParts(kPowersOfTen[precision]);
-    char* const end = room + sizeof room;
+    char* const end = capacity + sizeof capacity;
     char* p = end;
     if (precision > 0) {
         p = WriteLowDigits(p, parts, precision);
@@ -120,10 +120,11 @@ bool FloatText::WriteFixed(double value, unsigned int precision, char point) {
 bool FloatText::WriteScientific([[maybe_unused]] double value, [[maybe_unused]] unsigned int precision,
                                 [[maybe_unused]] char point) {
 #ifdef __cpp_lib_to_chars
-    const std::to_chars_result result = std::to_chars(
-        room, room + sizeof room, value, std::chars_format::scientific, static_cast<int>(precision));
-    length = static_cast<std::size_t>(result.ptr - room);
-    if (precision > 0) room[std::signbit(value) ? 2 : 1] = point;
+    const std::to_chars_result result =
+        std::to_chars(capacity, capacity + sizeof capacity, value, std::chars_format::scientific,
+                      static_cast<int>(precision));
+    length = static_cast<std::size_t>(result.ptr - capacity);
+    if (precision > 0) capacity[std::signbit(value) ? 2 : 1] = point;
     return true;
 #else
     return false;

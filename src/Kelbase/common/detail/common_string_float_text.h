@@ -20,7 +20,7 @@ private:
     bool WriteFixed(double value, unsigned int precision, char point);
     bool WriteScientific(double value, unsigned int precision, char point);
 
-    char room[1024];
-    const char* first = room;
+    char capacity[1024];
+    const char* first = capacity;
     std::size_t length = 0;
 };

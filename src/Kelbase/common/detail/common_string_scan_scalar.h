@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace text_scan::plain {
+namespace text_scan::scalar {
 
 inline char Folded(char c) { return Char(c).ToLower(); }
 
@@ -81,4 +81,4 @@ inline bool HasDirtyPath(std::string_view text) {
     return false;
 }
 
-} // namespace text_scan::plain
+} // namespace text_scan::scalar

@@ -80,7 +80,7 @@ public:
     explicit Finder(std::string_view p) : part(p), first(p.front()), last(p.back()) {}
 
     std::size_t In(std::string_view text) const {
-        if (text.size() < part.size() + kWidth) return plain::Find<fold>(text, part);
+        if (text.size() < part.size() + kWidth) return scalar::Find<fold>(text, part);
         const std::size_t lastBlock = text.size() - part.size() + 1 - kWidth;
         for (std::size_t i = 0; i < lastBlock; i += kWidth) {
             const std::size_t hit = InBlock(text.data() + i);
@@ -96,7 +96,7 @@ private:
         const __m128i firsts = first.In(load(block));
         const __m128i lasts = last.In(load(block + part.size() - 1));
         for (unsigned int hits = maskOf(_mm_and_si128(firsts, lasts)); hits; hits &= hits - 1) {
-            if (plain::StandsAt<fold>(block + firstOf(hits), part)) return firstOf(hits);
+            if (scalar::StandsAt<fold>(block + firstOf(hits), part)) return firstOf(hits);
         }
         return kWidth;
     }
@@ -113,11 +113,11 @@ bool findByteShuffle() {
 /// Returns whether the processor has the byte shuffle. The first call asks the processor.
 bool hasByteShuffle() {
     enum { kUnknown, kNo, kYes };
-    static int gAnswer = kUnknown; // the builtins prevent a data race of two first calls
-    int known = __atomic_load_n(&gAnswer, __ATOMIC_RELAXED);
+    static int gSupport = kUnknown; // the builtins prevent a data race of two first calls
+    int known = __atomic_load_n(&gSupport, __ATOMIC_RELAXED);
     if (known == kUnknown) {
         known = findByteShuffle() ? kYes : kNo;
-        __atomic_store_n(&gAnswer, known, __ATOMIC_RELAXED);
+        __atomic_store_n(&gSupport, known, __ATOMIC_RELAXED);
     }
     return known == kYes;
 }
@@ -173,7 +173,7 @@ __attribute__((target("ssse3"))) char* writeWordsByShuffles(std::string_view tex
             out = writeKept(_mm_unpackhi_epi64(next.bytes, next.bytes), dropped >> 8, out);
         }
     }
-    return plain::WriteWords(text.substr(i), out, afterSpace);
+    return scalar::WriteWords(text.substr(i), out, afterSpace);
 }
 
 } // namespace
@@ -185,7 +185,7 @@ std::size_t FindFolded(std::string_view text, std::string_view part) { return Fi
 bool EqualFolded(const char* a, const char* b, std::size_t n) {
     bool ended = false;
     if (n < kWidth) {
-        if (n < kWidth / 2) return plain::EqualFolded(a, b, n);
+        if (n < kWidth / 2) return scalar::EqualFolded(a, b, n);
         return equalFolded(loadEnds(a, n), loadEnds(b, n), ended);
     }
     for (std::size_t i = 0;;
@@ -196,11 +196,11 @@ bool EqualFolded(const char* a, const char* b, std::size_t n) {
 }
 
 char* WriteWords(std::string_view text, char* out) {
-    return hasByteShuffle() ? writeWordsByShuffles(text, out) : plain::WriteWords(text, out, true);
+    return hasByteShuffle() ? writeWordsByShuffles(text, out) : scalar::WriteWords(text, out, true);
 }
 
 std::size_t LowestPlaceholder(std::string_view text) {
-    if (text.size() <= kWidth) return plain::LowestPlaceholder(text);
+    if (text.size() <= kWidth) return scalar::LowestPlaceholder(text);
     const std::size_t lastBlock = text.size() - 1 - kWidth;
     std::size_t best = text.npos;
     char above = '9' + 1;
@@ -219,7 +219,7 @@ std::size_t LowestPlaceholder(std::string_view text) {
 }
 
 std::size_t LastSeparator(std::string_view text) {
-    if (text.size() < kWidth) return plain::LastSeparator(text);
+    if (text.size() < kWidth) return scalar::LastSeparator(text);
     for (std::size_t i = text.size() - kWidth;;
          i = i > kWidth ? i - kWidth : 0) { // the last block may overlap
         const unsigned int hits = separators(load(text.data() + i));
@@ -236,12 +236,12 @@ std::size_t CopyName(std::string_view text, char* out) {
         const unsigned int ends = separators(v);
         if (ends) return i + firstOf(ends);
     }
-    return i + plain::CopyName(text.substr(i), out + i);
+    return i + scalar::CopyName(text.substr(i), out + i);
 }
 
 bool HasDirtyPath(std::string_view text) {
     constexpr std::size_t behind = 2; // bytes examined after each byte
-    if (text.size() < kWidth + behind) return plain::HasDirtyPath(text);
+    if (text.size() < kWidth + behind) return scalar::HasDirtyPath(text);
     const std::size_t lastBlock = text.size() - behind - kWidth;
     for (std::size_t i = 0;;
          i = std::min(i + kWidth, lastBlock)) { // the last block may overlap the previous one
@@ -249,7 +249,7 @@ bool HasDirtyPath(std::string_view text) {
         const __m128i parents = _mm_and_si128(is(next, '.'), is(load(text.data() + i + behind), '.'));
         const __m128i dirt = _mm_and_si128(is(here, '/'), _mm_or_si128(is(next, '/'), parents));
         if (maskOf(_mm_or_si128(dirt, is(here, '\\')))) return true;
-        if (i == lastBlock) return plain::HasDirtyPath(text.substr(text.size() - behind));
+        if (i == lastBlock) return scalar::HasDirtyPath(text.substr(text.size() - behind));
     }
 }
 

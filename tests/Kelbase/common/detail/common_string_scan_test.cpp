@@ -28,7 +28,7 @@ std::string wordsOf(const std::string& text, char* (*write)(std::string_view, ch
 
 // Texts long enough for several blocks of sixteen bytes with a rest, each in a buffer of its own, so that the
 // sanitizers see a byte read too much.
-TEST(TextScan, AgreesWithPlainForms) {
+TEST(TextScan, AgreesWithScalarCode) {
     std::mt19937 random(4711);
     for (int round = 0; round < 20000; ++round) {
         const std::string text = textOf("aAbB@[`{", random);
@@ -36,7 +36,7 @@ TEST(TextScan, AgreesWithPlainForms) {
             text.substr(random() % (text.size() + 1), 1 + random() % 4) + (random() % 2 ? "" : "a");
         if (!part.empty()) {
             EXPECT_EQ(Find(text, part), text.find(part)) << text << " " << part;
-            EXPECT_EQ(FindFolded(text, part), plain::Find<true>(text, part)) << text << " " << part;
+            EXPECT_EQ(FindFolded(text, part), scalar::Find<true>(text, part)) << text << " " << part;
         }
         std::string other = text;
         for (char& c : other) c = random() % 2 ? c : static_cast<char>(c ^ (random() % 30 ? 0 : 0x20));
@@ -45,21 +45,23 @@ TEST(TextScan, AgreesWithPlainForms) {
         for (std::string* s : {&ended, &other})
             if (!s->empty() && random() % 4 == 0) (*s)[random() % s->size()] = '\0';
         EXPECT_EQ(EqualFolded(ended.data(), other.data(), ended.size()),
-                  plain::EqualFolded(ended.data(), other.data(), ended.size()));
+                  scalar::EqualFolded(ended.data(), other.data(), ended.size()));
 
         const std::string pattern = textOf(random() % 2 ? "%%01359:/x" : "%39abcdefghijklm", random);
-        EXPECT_EQ(LowestPlaceholder(pattern), plain::LowestPlaceholder(pattern)) << pattern;
+        EXPECT_EQ(LowestPlaceholder(pattern), scalar::LowestPlaceholder(pattern)) << pattern;
 
         const std::string path = textOf(random() % 9 ? "abcdefghijklm/.." : "/.\\", random);
-        EXPECT_EQ(HasDirtyPath(path), plain::HasDirtyPath(path)) << path;
-        EXPECT_EQ(LastSeparator(path), plain::LastSeparator(path)) << path;
+        EXPECT_EQ(HasDirtyPath(path), scalar::HasDirtyPath(path)) << path;
+        EXPECT_EQ(LastSeparator(path), scalar::LastSeparator(path)) << path;
         std::string copied(path.size(), '?');
         copied.resize(CopyName(path, copied.data()));
         EXPECT_EQ(copied, path.substr(0, path.find_first_of("/\\"))) << path;
 
         const std::string untidy = textOf(random() % 2 ? " \t\r\x0E\x08\xA0xyz" : "uvwxyz ", random);
-        const auto plainly = [](std::string_view s, char* out) { return plain::WriteWords(s, out, true); };
-        EXPECT_EQ(wordsOf(untidy, WriteWords), wordsOf(untidy, plainly)) << testing::PrintToString(untidy);
+        const auto withScalar = [](std::string_view s, char* out) {
+            return scalar::WriteWords(s, out, true);
+        };
+        EXPECT_EQ(wordsOf(untidy, WriteWords), wordsOf(untidy, withScalar)) << testing::PrintToString(untidy);
     }
 }
 

@@ -18,13 +18,13 @@ using Texts = std::vector<std::string>;
 
 struct MessageBox : testing::Test {
     MessageBox() {
-        macplatform::SetAlertPresenter([this](const macplatform::Alert& alert) {
+        macplatform::SetAlertResponder([this](const macplatform::Alert& alert) {
             shown.push_back(alert);
             return answer;
         });
     }
     ~MessageBox() override {
-        macplatform::SetAlertPresenter({});
+        macplatform::SetAlertResponder({});
         gDialogsAllowed = true;
         EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore);
     }
@@ -61,7 +61,7 @@ const std::vector<Kind> kKinds = {
      {}},
 };
 
-TEST_F(MessageBox, AnswersByTheButtonChosen) {
+TEST_F(MessageBox, ReturnsTheChosenButton) {
     for (const Kind& kind : kKinds) {
         for (std::size_t i = 0; i < 2 * kind.results.size(); ++i) {
             const std::size_t button = i / 2;

@@ -12,9 +12,9 @@ namespace {
 CFStringRef gMadeByAnInitialiser = CFSTR("made before the first call");
 
 void deliver(char* block) {
-    std::int32_t order = 0;
-    std::memcpy(&order, block + 4, sizeof order);
-    switch (order) {
+    std::int32_t fault = 0;
+    std::memcpy(&fault, block + 4, sizeof fault);
+    switch (fault) {
     case 1:
         throw std::runtime_error("no good");
     case 2:

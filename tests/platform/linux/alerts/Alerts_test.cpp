@@ -23,7 +23,7 @@ class Alerts : public testing::Test {
 protected:
     std::size_t liveBefore = macplatform::LiveObjectCount();
     void TearDown() override {
-        macplatform::SetAlertPresenter({});
+        macplatform::SetAlertResponder({});
         EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore);
     }
 };
@@ -34,7 +34,7 @@ TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
     const std::vector<CFStringRef> buttons = {CFSTR("Yes"), CFSTR("Cancel"), CFSTR("No")};
     std::vector<macplatform::Alert> shown;
     for (int choice = 0; choice < 3; ++choice) {
-        macplatform::SetAlertPresenter([&shown, choice](const macplatform::Alert& alert) {
+        macplatform::SetAlertResponder([&shown, choice](const macplatform::Alert& alert) {
             shown.push_back(alert);
             return choice;
         });
@@ -44,14 +44,14 @@ TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
     EXPECT_EQ(shown.at(0).buttons, (std::vector<std::string>{"Yes", "Cancel", "No"}));
     EXPECT_EQ(show({}), -1001) << "the third button of an alert that has one";
     EXPECT_EQ(shown.back().buttons, std::vector<std::string>{"OK"}) << "the platform's own";
-    macplatform::SetAlertPresenter({});
+    macplatform::SetAlertResponder({});
     EXPECT_EQ(show(buttons), 1000) << "nobody to ask: the first";
 }
 
 TEST_F(Alerts, StopAlertIsNotShownUnlessSomebodyShowsIt) {
     EXPECT_EQ(StopAlert(5000, nullptr), -1);
     int resource = 0;
-    macplatform::SetAlertPresenter([&](const macplatform::Alert& alert) {
+    macplatform::SetAlertResponder([&](const macplatform::Alert& alert) {
         resource = alert.kind == macplatform::Alert::Kind::kStop ? alert.resource : -1;
         return 0;
     });
@@ -59,8 +59,8 @@ TEST_F(Alerts, StopAlertIsNotShownUnlessSomebodyShowsIt) {
     EXPECT_EQ(resource, 5000);
 }
 
-TEST_F(Alerts, AreToldAndCounted) {
-    const ToldCalls told;
+TEST_F(Alerts, AreRecordedAndCounted) {
+    const CallRecorder calls;
     const id alert = NewAlert();
     EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1);
     Send(alert, "setMessageText:", CFSTR("a\nb"));
@@ -69,7 +69,7 @@ TEST_F(Alerts, AreToldAndCounted) {
     Send(alert, "retain");
     Send(alert, "release");
     Send(alert, "release");
-    EXPECT_THAT(told.lines,
+    EXPECT_THAT(calls.lines,
                 testing::IsSupersetOf(
                     {"objc_msgSend(NSAlert, alloc) = NSAlert", "objc_msgSend(NSAlert, init) = NSAlert",
                      "objc_msgSend(NSAlert, setMessageText:, \"a\\nb\") = 0",

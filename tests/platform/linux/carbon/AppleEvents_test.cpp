@@ -32,12 +32,12 @@ OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trs
 class AppleEvents : public VolumeTest {
 protected:
     void SetUp() override {
-        macplatform::SetJournalObserver([this](const macplatform::JournalEntry& entry) {
+        macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) {
             if (entry.call == "AESend") note = entry.note;
         });
     }
     void TearDown() override {
-        macplatform::SetJournalObserver({});
+        macplatform::SetCallObserver({});
         EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore);
     }
     std::filesystem::path Trash() const { return volume / (".Trash-" + std::to_string(getuid())); }
@@ -96,14 +96,14 @@ TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
     before ? setenv("XDG_DATA_HOME", kept.c_str(), 1) : unsetenv("XDG_DATA_HOME");
 }
 
-TEST_F(AppleEvents, RefuseWhatNobodyDoes) {
+TEST_F(AppleEvents, RejectUnknownEvents) {
     volume.Write("Users/x");
     EXPECT_EQ(ask("/Users/x", 'ttxt'), procNotFound);
     EXPECT_EQ(ask("/Users/x", 'MACS', 'desk'), noErr) << "the reply has the Finder's own failure";
     EXPECT_EQ(note, "the Finder answered -1728");
     EXPECT_EQ(ask("/Users/missing"), noErr);
     EXPECT_EQ(note, "the Finder answered -1401") << "a reference that was never made";
-    macplatform::OrderFault({"AESend", procNotFound});
+    macplatform::InjectFault({"AESend", procNotFound});
     EXPECT_EQ(ask("/Users/x"), procNotFound) << "no Finder";
     EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));
 }

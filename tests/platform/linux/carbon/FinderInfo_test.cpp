@@ -94,7 +94,7 @@ TEST_F(FinderInfoTest, KeepsTheExtendedHalfAndGoesWhenEmpty) {
     EXPECT_EQ(ReadFinderFlags(file), std::nullopt);
 }
 
-TEST_F(FinderInfoTest, IsTheOwnersToSetAndNobodyElses) {
+TEST_F(FinderInfoTest, IsSetByTheOwnerOnly) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
     const std::string own = folder.Write("own");
     fs::permissions(folder.Path(), fs::perms(0755));
@@ -234,7 +234,7 @@ TEST_F(FinderInfoTest, FSPathMakeRefSaysWhatIsWrong) {
     for (const auto& row : rows) EXPECT_EQ(MakeRef(folder / row.name, ref), row.result) << row.condition;
     EXPECT_EQ(MakeRef("", ref), fnfErr);
     EXPECT_EQ(FSPathMakeRef(nullptr, &ref, nullptr), paramErr);
-    OrderFault({"FSPathMakeRef", tmfoErr});
+    InjectFault({"FSPathMakeRef", tmfoErr});
     EXPECT_EQ(MakeRef(file, ref), tmfoErr);
     EXPECT_EQ(MakeRef(file, ref), noErr);
     EXPECT_EQ(FSSetCatalogInfo(&ref, kFSCatInfoNodeFlags, nullptr), paramErr);
@@ -251,13 +251,13 @@ Boolean refOfUrl(const char* path) {
     return found;
 }
 
-TEST_F(FinderInfoTest, IsSetOnTheStartupVolumeAndTold) {
+TEST_F(FinderInfoTest, IsSetOnTheStartupVolumeAndRecorded) {
     folder.Write("Applications/App");
     ASSERT_TRUE(SetStartupVolume(folder.Path()));
     {
-        const ToldCalls told;
+        const CallRecorder calls;
         EXPECT_EQ(SetFinderInfo("/Applications/App", kSampleFile), noErr);
-        EXPECT_THAT(told.lines,
+        EXPECT_THAT(calls.lines,
                     testing::ElementsAre(
                         "FSPathMakeRef(\"/Applications/App\") = 0",
                         "FSSetCatalogInfo(\"/Applications/App\", FinderInfo, Finder flags 0x4400) = 0"));

@@ -52,7 +52,7 @@ TEST(Process, WritesNothingBehindAShorterRecord) {
     EXPECT_EQ(GetProcessInformation(&kThisProcess, nullptr), paramErr);
 }
 
-TEST(Sysctl, AnswersTheFrequencyAsEightBytes) {
+TEST(Sysctl, ReturnsTheFrequencyAsEightBytes) {
     int mib[4] = {};
     std::size_t count = 4;
     SetCpuFrequency(2'400'000'000U);
@@ -74,12 +74,12 @@ TEST(Sysctl, AnswersTheFrequencyAsEightBytes) {
     EXPECT_EQ(errno, ENOENT);
 }
 
-TEST(Sysctl, KeepsErrnoWhateverTheObserverDoes) {
-    SetJournalObserver([](const JournalEntry&) { errno = EDOM; });
-    OrderFault({"sysctlnametomib", EIO});
+TEST(Sysctl, KeepsErrnoWhenTheObserverChangesIt) {
+    SetCallObserver([](const RecordedCall&) { errno = EDOM; });
+    InjectFault({"sysctlnametomib", EIO});
     EXPECT_EQ(sysctlnametomib("hw.cpufrequency", nullptr, nullptr), -1);
     EXPECT_EQ(errno, EIO);
-    SetJournalObserver({});
+    SetCallObserver({});
 }
 
 TEST(Machine, CountsProcessorsAndNanoseconds) {
@@ -106,12 +106,12 @@ TEST(Memory, GivesAlignedBlocksThatAreListedUntilDisposed) {
     EXPECT_EQ(LiveObjectCount(), before);
 }
 
-TEST(Memory, TellsTheFailureOfTheLastCall) {
+TEST(Memory, ReportsTheFailureOfTheLastCall) {
     EXPECT_EQ(NewPtr(-1), nullptr);
     EXPECT_EQ(MemError(), memFullErr);
     EXPECT_EQ(NewPtr(std::numeric_limits<Size>::max()), nullptr);
     EXPECT_EQ(MemError(), memFullErr);
-    OrderFault({"NewPtr", memFullErr});
+    InjectFault({"NewPtr", memFullErr});
     EXPECT_EQ(NewPtr(8), nullptr);
     EXPECT_EQ(MemError(), memFullErr);
     DisposePtr(NewPtr(8));

@@ -74,13 +74,13 @@ TEST(ObjectsDeathTest, EndTheProcessWithALineWhenMisused) {
                  "CFStringGetLength: a string is wanted, not the allocator kCFAllocatorSystemDefault");
 }
 
-TEST(Objects, TellTheJournal) {
-    const ToldCalls told;
-    macplatform::OrderFault({"CFStringCreateWithCString", 0, 1});
+TEST(Objects, AreRecordedInTheCallLog) {
+    const CallRecorder calls;
+    macplatform::InjectFault({"CFStringCreateWithCString", 0, 1});
     const CFStringRef text = NewText("a\nb");
     EXPECT_EQ(NewText("refused"), nullptr);
     CFRelease(text);
-    EXPECT_THAT(told.lines,
+    EXPECT_THAT(calls.lines,
                 ElementsAre("CFStringCreateWithCString(NULL, \"a\\nb\", kCFStringEncodingUTF8) = \"a\\nb\"",
                             "CFStringCreateWithCString(NULL, \"refused\", kCFStringEncodingUTF8) = NULL",
                             "CFRelease(\"a\\nb\") = "));

@@ -15,7 +15,7 @@ using Units = std::vector<UniChar>;
 const auto kRefused = std::nullopt;
 
 /// The units of a string, which is released; nothing for null.
-std::optional<Units> takeUnits(CFStringRef string) {
+std::optional<Units> releasedUnits(CFStringRef string) {
     if (!string) return std::nullopt;
     Units units(static_cast<std::size_t>(CFStringGetLength(string)));
     CFStringGetCharacters(string, CFRangeMake(0, CFStringGetLength(string)), units.data());
@@ -24,7 +24,7 @@ std::optional<Units> takeUnits(CFStringRef string) {
 }
 
 std::optional<Units> decoded(const std::string& bytes, CFStringEncoding encoding) {
-    return takeUnits(CFStringCreateWithCString(kCFAllocatorDefault, bytes.c_str(), encoding));
+    return releasedUnits(CFStringCreateWithCString(kCFAllocatorDefault, bytes.c_str(), encoding));
 }
 
 std::optional<std::string> encoded(const Units& units, CFStringEncoding encoding) {
@@ -76,7 +76,7 @@ TEST(String, IsDecodedFromUtf8Strictly) {
     for (const auto& row : rows) EXPECT_EQ(decoded(row.bytes, kCFStringEncodingUTF8), row.units) << row.name;
 }
 
-TEST(String, IsEncodedOnlyWhenEveryCharacterHasAForm) {
+TEST(String, IsEncodedOnlyWhenEveryCharacterCanBe) {
     const CFStringEncoding utf8 = kCFStringEncodingUTF8;
     const CFStringEncoding roman = kCFStringEncodingMacRoman;
     const struct {
@@ -112,7 +112,7 @@ TEST(String, HoldsAllOfMacRoman) {
     unsigned char all[256] = {255};
     for (unsigned i = 1; i < 256; ++i) all[i] = static_cast<unsigned char>(i);
     const auto units =
-        takeUnits(CFStringCreateWithPascalString(kCFAllocatorDefault, all, kCFStringEncodingMacRoman));
+        releasedUnits(CFStringCreateWithPascalString(kCFAllocatorDefault, all, kCFStringEncodingMacRoman));
     ASSERT_TRUE(units);
     EXPECT_EQ(units->size(), 255U);
     const auto at = [&](unsigned byte) { return (*units)[byte - 1]; };
@@ -152,7 +152,7 @@ TEST(String, KeepsAnyUnitsAndGivesARangeOfThem) {
     EXPECT_THAT(part, ElementsAre(0, 0xFFFF, 1, 1));
     CFStringGetCharacters(text, CFRangeMake(4, 0), part);
     EXPECT_DEATH(CFStringGetCharacters(text, CFRangeMake(3, 2), part), "the range .3, 2. lies outside");
-    EXPECT_EQ(takeUnits(text), units);
+    EXPECT_EQ(releasedUnits(text), units);
     EXPECT_EQ(CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), -1), nullptr);
 }
 

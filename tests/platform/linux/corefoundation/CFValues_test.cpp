@@ -14,7 +14,7 @@
 namespace {
 
 /// What a live object is listed as; it is the only one and is released.
-std::string takeDescription(CFTypeRef object) {
+std::string releasedDescription(CFTypeRef object) {
     if (!object) return "NULL";
     const auto lines = macplatform::DescribeLiveObjects();
     CFRelease(object);
@@ -42,7 +42,7 @@ TEST(Uuid, IsOneObjectForTheSameBytes) {
     const CFUUIDBytes bytes = CFUUIDGetUUIDBytes(one);
     EXPECT_EQ(std::memcmp(&bytes, &kSomeBytes, sizeof bytes), 0);
     CFRelease(one);
-    EXPECT_EQ(takeDescription(other), "UUID 01234567-89AB-CDEF-0123-456789ABCDEF, 1 reference");
+    EXPECT_EQ(releasedDescription(other), "UUID 01234567-89AB-CDEF-0123-456789ABCDEF, 1 reference");
 }
 
 TEST(Uuid, OnceConstantIsNeverFreed) {
@@ -73,20 +73,21 @@ TEST(Uuid, StaysWholeWhileThreadsMakeAndFreeIt) {
 }
 
 TEST(Number, HoldsWhatEachTypeReads) {
-    EXPECT_EQ(takeDescription(newNumber<std::int8_t>(kCFNumberSInt8Type, -128)), "number -128, 1 reference");
-    EXPECT_EQ(takeDescription(newNumber<short>(kCFNumberShortType, 32767)), "number 32767, 1 reference");
-    EXPECT_EQ(takeDescription(newNumber(kCFNumberIntType, -2)), "number -2, 1 reference");
-    EXPECT_EQ(takeDescription(newNumber(kCFNumberLongType, LONG_MIN)),
+    EXPECT_EQ(releasedDescription(newNumber<std::int8_t>(kCFNumberSInt8Type, -128)),
+              "number -128, 1 reference");
+    EXPECT_EQ(releasedDescription(newNumber<short>(kCFNumberShortType, 32767)), "number 32767, 1 reference");
+    EXPECT_EQ(releasedDescription(newNumber(kCFNumberIntType, -2)), "number -2, 1 reference");
+    EXPECT_EQ(releasedDescription(newNumber(kCFNumberLongType, LONG_MIN)),
               "number " + std::to_string(LONG_MIN) + ", 1 reference");
-    EXPECT_EQ(takeDescription(newNumber(kCFNumberSInt64Type, INT64_MIN)),
+    EXPECT_EQ(releasedDescription(newNumber(kCFNumberSInt64Type, INT64_MIN)),
               "number -9223372036854775808, 1 reference");
-    EXPECT_EQ(takeDescription(newNumber(kCFNumberFloatType, 0.5F)), "number 0.5, 1 reference");
-    EXPECT_EQ(takeDescription(newNumber(kCFNumberDoubleType, 1e300)), "number 1e+300, 1 reference");
+    EXPECT_EQ(releasedDescription(newNumber(kCFNumberFloatType, 0.5F)), "number 0.5, 1 reference");
+    EXPECT_EQ(releasedDescription(newNumber(kCFNumberDoubleType, 1e300)), "number 1e+300, 1 reference");
     EXPECT_EQ(newNumber(static_cast<CFNumberType>(99), 1), nullptr);
     EXPECT_DEATH(CFNumberCreate(nullptr, kCFNumberIntType, nullptr), "CFNumberCreate: the value is NULL");
 }
 
-TEST(Number, TellsWhetherAConversionLoses) {
+TEST(Number, ReturnsWhetherAConversionLoses) {
     const double inf = std::numeric_limits<double>::infinity();
     const struct {
         const char* name;
@@ -153,8 +154,9 @@ TEST(Url, HoldsAnAbsolutePath) {
     };
     for (const auto& row : rows) {
         const CFStringRef text = __CFStringMakeConstantString(row.path);
-        EXPECT_EQ(takeDescription(CFURLCreateWithFileSystemPath(nullptr, text, row.style, row.isDirectory)),
-                  row.described);
+        EXPECT_EQ(
+            releasedDescription(CFURLCreateWithFileSystemPath(nullptr, text, row.style, row.isDirectory)),
+            row.described);
     }
     const UniChar broken[][3] = {{'/', 0xD800, 'a'}, {'/', 0, 'a'}};
     for (const auto& units : broken) {
@@ -164,11 +166,11 @@ TEST(Url, HoldsAnAbsolutePath) {
     }
 }
 
-TEST(Values, AreRefusedWhenAFaultIsOrdered) {
+TEST(Values, AreRejectedWhenAFaultIsInjected) {
     for (const char* const call :
          {"CFUUIDCreateFromUUIDBytes", "CFUUIDGetConstantUUIDWithBytes", "CFNumberCreate",
           "CFURLCreateWithFileSystemPath", "CFStringCreateWithCharacters", "CFEqual"}) {
-        macplatform::OrderFault({call});
+        macplatform::InjectFault({call});
     }
     const UniChar unit = 'a';
     EXPECT_EQ(CFUUIDCreateFromUUIDBytes(nullptr, kSomeBytes), nullptr);
@@ -177,7 +179,7 @@ TEST(Values, AreRefusedWhenAFaultIsOrdered) {
     EXPECT_EQ(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/"), kCFURLPOSIXPathStyle, true), nullptr);
     EXPECT_EQ(CFStringCreateWithCharacters(nullptr, &unit, 1), nullptr);
     EXPECT_FALSE(CFEqual(CFSTR("a"), CFSTR("a")));
-    EXPECT_EQ(macplatform::CancelFaults(), 0U);
+    EXPECT_EQ(macplatform::CancelInjectedFaults(), 0U);
 }
 
 } // namespace

@@ -49,9 +49,9 @@ TEST(PropertyList, RefusesWhatIsNone) {
     const TemporaryFolder folder;
     for (const std::string text :
          {"", "UpdatesEnabled", "bplist00", "{ old = style; }", "<plist><dict><key>a", "<"}) {
-        const auto list = ReadPropertyList(folder.Write("bad.plist", text));
-        EXPECT_NE(list.error, "") << text;
-        EXPECT_EQ(list.root.kind, PropertyValue::Kind::kNone);
+        const auto plist = ReadPropertyList(folder.Write("bad.plist", text));
+        EXPECT_NE(plist.error, "") << text;
+        EXPECT_EQ(plist.root.kind, PropertyValue::Kind::kNone);
     }
     EXPECT_EQ(ReadPropertyList((folder / "missing").string()).errorNumber, ENOENT);
     EXPECT_EQ(ReadPropertyList(folder.Path().string()).errorNumber, EISDIR);
@@ -83,20 +83,20 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
     EXPECT_EQ(errorOf("<plist>" + std::string(std::size_t{60} << 20, '\xFF')),
               "its XML is damaged in line 1");
 
-    EXPECT_EQ(errorOf(BinaryList({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
-    EXPECT_EQ(errorOf(BinaryList({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
+    EXPECT_EQ(errorOf(BinaryPlist({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
+    EXPECT_EQ(errorOf(BinaryPlist({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
               "an object in it holds itself");
-    EXPECT_EQ(errorOf(BinaryList({"\xA1\x09", "\x09"})), "its binary form is damaged");
+    EXPECT_EQ(errorOf(BinaryPlist({"\xA1\x09", "\x09"})), "its binary form is damaged");
     for (const std::string& key :
          {std::string("\122a\0", 3), std::string("\x10\x07"), std::string("\x51\xE9")}) {
-        EXPECT_EQ(errorOf(BinaryList({"\xD1\x01\x02", key, "\x09"})), "its binary form is damaged");
+        EXPECT_EQ(errorOf(BinaryPlist({"\xD1\x01\x02", key, "\x09"})), "its binary form is damaged");
     }
     std::vector<std::string> doubling;
     for (char i = 1; i <= 30; ++i) doubling.push_back(std::string("\xA2") + i + i);
     doubling.push_back("\x09");
-    EXPECT_EQ(errorOf(BinaryList(doubling)), "it holds too many values");
+    EXPECT_EQ(errorOf(BinaryPlist(doubling)), "it holds too many values");
 
-    const std::string whole = BinaryList({"\xD1\x01\x02", "\121k", "\xA2\x03\x03", "\x10\x07"});
+    const std::string whole = BinaryPlist({"\xD1\x01\x02", "\121k", "\xA2\x03\x03", "\x10\x07"});
     EXPECT_EQ(errorOf(whole), "");
     for (std::size_t length = 0; length < whole.size(); ++length) {
         EXPECT_NE(errorOf(whole.substr(0, length)), "") << length;
@@ -145,11 +145,11 @@ TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
          "its XML is not in UTF-8"}, // which | 0x20 makes "-"
     };
     for (const auto& row : rows) {
-        const auto list = ReadPropertyList(folder.Write("list.plist", row.xml));
-        EXPECT_EQ(list.error.empty() ? list.root.Describe() : list.error, row.described) << row.xml;
+        const auto plist = ReadPropertyList(folder.Write("list.plist", row.xml));
+        EXPECT_EQ(plist.error.empty() ? plist.root.Describe() : plist.error, row.described) << row.xml;
     }
-    EXPECT_EQ(ReadPropertyList(folder.Write("twice.plist", BinaryList({"\xD2\x01\x02\x03\x03", "\x51k",
-                                                                       std::string("\x61\0k", 3), "\x09"})))
+    EXPECT_EQ(ReadPropertyList(folder.Write("twice.plist", BinaryPlist({"\xD2\x01\x02\x03\x03", "\x51k",
+                                                                        std::string("\x61\0k", 3), "\x09"})))
                   .error,
               "a dictionary in it has the same key twice");
 }
@@ -158,6 +158,6 @@ TEST(PropertyList, KeepsFractionsWithADecimalComma) {
     const TemporaryFolder folder;
     const std::string path = folder.Write("list.plist", "<plist><real>-0.25</real></plist>");
     const CommaLocale locale;
-    if (!locale.IsEntered()) GTEST_SKIP() << "there is no locale with a decimal comma";
+    if (!locale.IsSet()) GTEST_SKIP() << "there is no locale with a decimal comma";
     EXPECT_EQ(ReadPropertyList(path).root.Describe(), "-0.25");
 }

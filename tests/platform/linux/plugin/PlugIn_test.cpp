@@ -56,7 +56,7 @@ protected:
 } // namespace
 
 TEST_F(PlugIn, GivesAnInstance) {
-    WriteInfo(InfoList("MakeSample"));
+    WriteInfo(InfoPlist("MakeSample"));
     CopyCode();
     const CFPlugInRef plugIn = create(bundle);
     ASSERT_TRUE(plugIn);
@@ -70,7 +70,7 @@ TEST_F(PlugIn, GivesAnInstance) {
 }
 
 TEST_F(PlugIn, LivesAsLongAsItsInstances) {
-    WriteInfo(InfoList("MakeSample"));
+    WriteInfo(InfoPlist("MakeSample"));
     const CFPlugInRef plugIn = create(bundle);
     const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, kFactoryBytes);
     CFPlugInRemoveInstanceForFactory(factory);
@@ -86,7 +86,7 @@ TEST_F(PlugIn, LivesAsLongAsItsInstances) {
 }
 
 TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
-    WriteInfo(InfoList("MakeSample"));
+    WriteInfo(InfoPlist("MakeSample"));
     folder.Write("Other.bundle/Contents/Info.plist", "<plist><dict/></plist>");
     const CFPlugInRef empty = create(folder / "Other.bundle");
     const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, kTypeBytes);
@@ -106,7 +106,7 @@ TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
 }
 
 TEST_F(PlugIn, IsFoundOnTheStartupVolume) {
-    folder.Write("Library/Sample.bundle/Contents/Info.plist", InfoList("MakeSample"));
+    folder.Write("Library/Sample.bundle/Contents/Info.plist", InfoPlist("MakeSample"));
     macplatform::SetStartupVolume(folder.Path().string());
     const CFPlugInRef plugIn = create("/Library/Sample.bundle");
     macplatform::SetStartupVolume("");

@@ -80,7 +80,7 @@ TEST_F(PreferencesSurvival, OfAKillAtEverySystemCall) {
     }
     EXPECT_GT(stop, 40U);
     EXPECT_EQ(lost, 0U);
-    Tried("synchronisation killed at a system call", stop, lost);
+    TallyFault("synchronisation killed at a system call", stop, lost);
 }
 
 TEST_F(PreferencesSurvival, OfManyWritersAtOnce) {
@@ -97,7 +97,8 @@ TEST_F(PreferencesSurvival, OfManyWritersAtOnce) {
     for (unsigned writer = 0; writer < writers; ++writer) ASSERT_GT(wait(nullptr), 0);
     const auto stored = macplatform::ReadPropertyList(File().string()).root.keys.size();
     EXPECT_EQ(stored, writers * keys);
-    Tried("keys set by 32 processes at once", writers * keys, static_cast<unsigned>(writers * keys - stored));
+    TallyFault("keys set by 32 processes at once", writers * keys,
+               static_cast<unsigned>(writers * keys - stored));
 }
 
 TEST_F(PreferencesSurvival, OfALockThatIsHeld) {

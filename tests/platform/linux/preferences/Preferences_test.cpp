@@ -127,8 +127,8 @@ TEST_F(Preferences, KeepObjectsThatTheParserWouldNot) {
     const std::string aSet("\xC1\x03"), loneSurrogate("\x61\xD8\x00", 3), nul("\122a\0", 3),
         notAscii("\x51\xE9");
     for (const std::string& object : {aSet, loneSurrogate, nul, notAscii}) {
-        const std::string list = BinaryList({"\xD1\x01\x02", "\x51k", object, "\x09"});
-        volume.Write("Library/Preferences/com.example.app.plist", list);
+        const std::string plist = BinaryPlist({"\xD1\x01\x02", "\x51k", object, "\x09"});
+        volume.Write("Library/Preferences/com.example.app.plist", plist);
         Set("Lang", "ja");
         EXPECT_TRUE(Synchronise());
         EXPECT_EQ(Stored().keys, (std::vector<std::string>{"k", "Lang"}));
@@ -138,7 +138,7 @@ TEST_F(Preferences, KeepObjectsThatTheParserWouldNot) {
 }
 
 TEST_F(Preferences, KeepSharedObjectsOnceAndDropOthers) {
-    const std::string shared = BinaryList(
+    const std::string shared = BinaryPlist(
         {"\xD3\x01\x02\x03\x04\x04\x05", "\121a", "\121b", "\121c", "\xA1\x06", "\127dropped", "\126shared"});
     volume.Write("Library/Preferences/com.example.app.plist", shared);
     Set("c", "changed");
@@ -203,22 +203,22 @@ TEST_F(Preferences, WaitForALockAndRemoveLeftovers) {
     EXPECT_EQ(Stored().Find("Lang")->text, "ja");
 }
 
-TEST_F(Preferences, FailAsOrderedAndSayWhy) {
-    std::vector<macplatform::JournalEntry> told;
-    macplatform::SetJournalObserver(
-        [&told](const macplatform::JournalEntry& entry) { told.push_back(entry); });
+TEST_F(Preferences, FailAsInjectedAndSayWhy) {
+    std::vector<macplatform::RecordedCall> calls;
+    macplatform::SetCallObserver(
+        [&calls](const macplatform::RecordedCall& entry) { calls.push_back(entry); });
     volume.Write("Library/Preferences/com.example.app.plist", "rubbish");
     Set("Lang", "ja");
-    told.clear();
+    calls.clear();
     EXPECT_FALSE(Synchronise());
-    macplatform::SetJournalObserver({});
-    ASSERT_EQ(told.size(), 1u);
-    EXPECT_EQ(told[0].call, "CFPreferencesSynchronize");
-    EXPECT_EQ(told[0].result, "false");
-    EXPECT_EQ(told[0].note, File().string() + ": it is not a property list");
+    macplatform::SetCallObserver({});
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].call, "CFPreferencesSynchronize");
+    EXPECT_EQ(calls[0].result, "false");
+    EXPECT_EQ(calls[0].note, File().string() + ": it is not a property list");
 
     std::filesystem::remove(File());
-    macplatform::OrderFault({"CFPreferencesSynchronize"});
+    macplatform::InjectFault({"CFPreferencesSynchronize"});
     EXPECT_FALSE(Synchronise());
     EXPECT_FALSE(std::filesystem::exists(File()));
     EXPECT_TRUE(Synchronise());

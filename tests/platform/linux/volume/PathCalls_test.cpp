@@ -85,7 +85,7 @@ TEST_F(PathCalls, ListAndResolveOnTheVolume) {
 
 extern "C" int __open_2(const char* path, int flags);
 
-TEST_F(PathCalls, SeeTheVolumeFromFortifiedAndOlderFormsToo) {
+TEST_F(PathCalls, SeeTheVolumeFromFortifiedAndOlderFunctionsToo) {
     volume.Write("Library/a.txt");
     std::filesystem::create_symlink("/Library/a.txt", volume / "Library/link");
     const int file = __open_2("/Library/link", O_RDONLY);
@@ -157,16 +157,16 @@ TEST_F(PathCalls, RefuseAnEmptyPathAndAnOverlongOne) {
     EXPECT_EQ(errno, ENAMETOOLONG);
 }
 
-TEST_F(PathCalls, AreToldAndFailAsOrdered) {
+TEST_F(PathCalls, AreRecordedAndFailAsInjected) {
     volume.Write("Library/a.txt");
-    const ToldCalls told;
+    const CallRecorder calls;
     EXPECT_FALSE(isPresent("/Library/none"));
     EXPECT_EQ(errno, ENOENT);
-    macplatform::OrderFault({"fopen", EACCES, 0});
+    macplatform::InjectFault({"fopen", EACCES, 0});
     EXPECT_EQ(std::fopen("/Library/a.txt", "rb"), nullptr);
     EXPECT_EQ(errno, EACCES);
     EXPECT_TRUE(isPresent("/etc/passwd"));
-    EXPECT_THAT(told.lines,
+    EXPECT_THAT(calls.lines,
                 testing::ElementsAre("access(\"/Library/none\", 0) = -1: No such file or directory",
                                      "fopen(\"/Library/a.txt\", \"rb\") = NULL: Permission denied"));
 }
