@@ -68,8 +68,8 @@ PlatformCall::PlatformCall(const char* functionName)
 }
 
 PlatformCall::~PlatformCall() {
-    // The observer's own platform calls are not told either: the depth goes down after it is done.
-    const int errorNumber = errno; // part of the result of some calls
+    // The depth is reduced only after the observer has returned: the observer's own calls are not recorded.
+    const int errorNumber = errno; // errno is part of the result of some calls
     if (isRecorded) currentObserver()({name, std::move(arguments), std::move(result), std::move(note)});
     errno = errorNumber;
     --gCallDepth;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The journal seen from the platform's functions.
+/// Records the calls of the platform's functions and injects faults into them.
 
 #include <optional>
 #include <string>
@@ -9,14 +9,15 @@
 
 namespace macplatform {
 
-/// A text in quotation marks, with line breaks, control bytes and quotation marks escaped; "NULL" for null.
+/// Returns the string in quotation marks, and "NULL" for a null pointer. Line breaks, control bytes,
+/// quotation marks and backslashes are escaped.
 std::string Quoted(const char* text);
 std::string Quoted(const std::string& text);
-/// By the fewest digits that give the same number back.
+/// Returns the number with the fewest digits that convert back to the same number.
 std::string Digits(double number);
 
-/// One call in progress; when it ends, the observer is told. Calls that the platform makes inside it are not
-/// told and meet no ordered fault.
+/// One call in progress. The destructor passes the recorded call to the observer. Calls that the platform
+/// itself makes during the call are not recorded, and no fault is injected into them.
 ///
 ///     OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
 ///         PlatformCall call("FSPathMakeRef");
@@ -32,19 +33,20 @@ public:
     PlatformCall& operator=(const PlatformCall&) = delete;
     ~PlatformCall();
 
-    /// Whether describing this call is worth the work.
+    /// Returns whether an observer receives this call. If not, the caller need not format the arguments.
     bool IsRecorded() const { return isRecorded; }
     void SetArguments(std::vector<std::string> texts) { arguments = std::move(texts); }
 
-    /// The code of a fault that was ordered for this call, which it uses up.
+    /// Consumes the fault that is injected into this call. Returns the code of the fault, and nothing if
+    /// there is no fault.
     std::optional<long> ConsumeFault();
 
-    /// Says why a call had no effect or failed, where its result does not tell.
+    /// Records why the call failed or had no effect, for a call whose result does not show the reason.
     void SetNote(std::string text) {
         if (isRecorded) note = std::move(text);
     }
 
-    /// Notes the result and hands it on.
+    /// Records the result, in the notation of `text` if given, and returns `value`.
     template <typename T>
     T Result(T value) {
         if (isRecorded) result = ToText(value);
@@ -75,8 +77,9 @@ private:
     std::string note;
 };
 
-/// While one lives, the platform works for itself: nothing is told, no fault happens, and paths are this
-/// machine's. Every `PlatformCall` is one; platform code that runs outside such a call opens its own.
+/// Marks a scope in which the platform calls functions for its own purposes: no call is recorded, no fault is
+/// injected, and every path is a path of this machine. Every `PlatformCall` has the same effect. Platform
+/// code that runs outside a `PlatformCall` creates a `PlatformInside`.
 class InternalCallScope {
 public:
     InternalCallScope();
@@ -86,8 +89,8 @@ public:
     static bool IsActive();
 };
 
-/// While one lives, code of a bundle runs on behalf of the platform (a factory function, an initialiser): its
-/// calls count as a bundle's own again.
+/// Marks a scope in which the platform runs code of a bundle, for instance a factory function or an
+/// initialiser. Calls in the scope count as calls of the bundle.
 class BundleCodeScope {
 public:
     BundleCodeScope();

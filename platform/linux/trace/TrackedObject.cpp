@@ -12,7 +12,8 @@ struct ObjectRegistry {
     TrackedObject* last = nullptr;
     std::size_t count = 0;
 
-    /// Never destroyed: static objects of the caller may release what they hold at exit.
+    /// Returns the registry. The registry is never destroyed, because static objects of the caller may
+    /// release their references at exit.
     static ObjectRegistry& Get() {
         static ObjectRegistry& gRegistry = *new ObjectRegistry;
         return gRegistry;

@@ -1,15 +1,16 @@
 #pragma once
 
-/// The list behind macplatform/LiveObjects.h: whatever a caller must free in the end stands on it from its
-/// making to its freeing. Threads may enlist and delist at the same time.
+/// The registry behind macplatform/LiveObjects.h. The registry contains every object that a caller must free,
+/// from the creation of the object to its deallocation. Several threads may add and remove objects at the
+/// same time.
 
 #include <string>
 
 namespace macplatform {
 
-/// The link by which a thing stands on the list; a member or base of the thing itself, at an address that
-/// does not change. It is not on the list until it is enlisted, and the owner delists it before the
-/// memory goes: there is no destructor, so that constant objects can hold one too.
+/// The registry's link to one tracked object. The link is a member or a base class of the tracked object, and
+/// its address must not change. A new link is not in the registry. The owner must remove the link before the
+/// memory is freed: the class has no destructor, so that constant objects can contain a link.
 ///
 ///     struct Block : TrackedObject { std::size_t size; };
 ///     block->Register([](const TrackedObject& object) {
@@ -17,24 +18,24 @@ namespace macplatform {
 ///     });
 class TrackedObject {
 public:
-    /// One line without a line break: kind, then value as a person would write it. It must not enlist or
-    /// delist anything.
+    /// Returns one line of text without a line break: the kind, then the value in readable notation. The
+    /// function is called while the registry is locked. The function must not add or remove a tracked object.
     using Describer = std::string (*)(const TrackedObject&);
 
     constexpr TrackedObject() = default;
     TrackedObject(const TrackedObject&) = delete;
     TrackedObject& operator=(const TrackedObject&) = delete;
 
-    /// At the end of the list; once only, until it is delisted.
+    /// Adds the object at the end of the registry. The object must not be in the registry.
     void Register(Describer describe) noexcept;
-    /// Nothing happens when it is not on the list.
+    /// Removes the object from the registry. Does nothing if the object is not in the registry.
     void Unregister() noexcept;
 
 private:
     friend struct ObjectRegistry;
     TrackedObject* previous = nullptr;
     TrackedObject* next = nullptr;
-    Describer describer = nullptr; ///< Null while it is not on the list.
+    Describer describer = nullptr; ///< Null while the object is not in the registry.
 };
 
 } // namespace macplatform
