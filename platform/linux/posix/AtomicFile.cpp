@@ -15,7 +15,8 @@ namespace {
 
 constexpr char kTemporaryMark[] = ".cf#";
 
-/// Names of one length, whatever the file's name is: that may already be as long as a name can be.
+/// Returns a name that does not contain the name of the file, because the file may already have the longest
+/// possible name.
 std::string temporaryName(unsigned attempt) {
     return kTemporaryMark + std::to_string(getpid()) + '-' + std::to_string(attempt);
 }
@@ -46,7 +47,8 @@ int writeAll(int file, const std::string& bytes) {
     return 0;
 }
 
-/// A new file with these bytes on the disk, under a name of its own.
+/// Creates a file with these bytes and writes the bytes to the disk. Returns 0 or an errno, EEXIST if the
+/// name exists.
 int writeTemporary(int folder, const std::string& name, const std::string& bytes) {
     const Descriptor file(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return errno;

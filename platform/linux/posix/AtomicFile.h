@@ -4,10 +4,10 @@
 
 namespace macplatform {
 
-/// Replaces a file of an open folder in one step: a reader, and a machine that stops in the middle, sees the
-/// old bytes or the new ones, whole. The file gets mode 0644. The caller holds a lock against other writers;
-/// what a writer that was stopped left behind is removed. The answer is 0, with the bytes on the disk, or an
-/// errno.
+/// Replaces a file in the open directory `folder` in one step. A concurrent reader, and a reader after a
+/// crash, gets either all old bytes or all new bytes. The file gets mode 0644. The caller must hold a lock
+/// against other writers. Temporary files of interrupted writers are removed. Returns 0 after the bytes are
+/// on the disk, else an errno.
 int ReplaceFile(int folder, const std::string& name, const std::string& bytes);
 
 } // namespace macplatform

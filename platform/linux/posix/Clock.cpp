@@ -19,7 +19,7 @@ CFAbsoluteTime CFAbsoluteTimeGetCurrent() {
 std::uint64_t mach_absolute_time() {
     PlatformCall call("mach_absolute_time");
     timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now); // stands still while the machine sleeps, as the Mac's does
+    clock_gettime(CLOCK_MONOTONIC, &now); // does not advance while the machine sleeps, like the Mac's clock
     return call.Result(static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000U +
                        static_cast<std::uint64_t>(now.tv_nsec));
 }

@@ -4,7 +4,7 @@
 
 namespace macplatform {
 
-/// Owns an open file descriptor, or none (-1).
+/// Owns an open file descriptor, or nothing (-1). The destructor closes the descriptor.
 class Descriptor {
 public:
     explicit Descriptor(int d = -1) : descriptor(d) {}

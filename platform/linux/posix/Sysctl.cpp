@@ -17,7 +17,7 @@ using macplatform::PlatformCall;
 namespace {
 
 constexpr int kHardware = 6; // CTL_HW
-/// Names that have no number of their own get one when the kernel starts, from 100 upwards.
+/// The Mac's kernel assigns numbers from 100 upwards to names without a fixed number.
 constexpr int kCpuFrequency = 100;
 
 std::optional<std::uint64_t>& givenFrequency() {
@@ -25,7 +25,7 @@ std::optional<std::uint64_t>& givenFrequency() {
     return gHertz;
 }
 
-/// A number behind `prefix`, times `unit`; 0 when it is no frequency.
+/// Parses a frequency in units of `unit` hertz. Returns hertz, and 0 if the text is no frequency.
 std::uint64_t toHertz(const std::string& text, double unit) {
     const double hertz = std::strtod(text.c_str(), nullptr) * unit;
     return std::isfinite(hertz) && hertz >= 1 && hertz < 1e15
@@ -33,7 +33,7 @@ std::uint64_t toHertz(const std::string& text, double unit) {
                : 0;
 }
 
-/// Empty when it cannot be read.
+/// Returns the contents of the file, and an empty string if the file cannot be read.
 std::string textOf(const std::string& path) {
     constexpr std::size_t limit = std::size_t{16} << 20;
     std::string text;
@@ -48,7 +48,7 @@ std::uint64_t frequencyOfGovernor() {
     return 0;
 }
 
-/// The nominal frequency at the end of the model's name, else what the processor runs at just now.
+/// Returns the nominal frequency at the end of the model name, else the present frequency of the processor.
 std::uint64_t frequencyOfCpuInfo() {
     const std::string text = textOf("/proc/cpuinfo");
     std::uint64_t present = 0;
@@ -65,7 +65,7 @@ std::uint64_t frequencyOfCpuInfo() {
     return present;
 }
 
-/// 0 when it is not known, as in some virtual machines.
+/// Returns the frequency in hertz, and 0 if the frequency is not known, as in some virtual machines.
 std::uint64_t frequency() {
     if (givenFrequency()) return *givenFrequency();
     const std::uint64_t hertz = frequencyOfGovernor();

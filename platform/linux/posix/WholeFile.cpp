@@ -24,7 +24,7 @@ int checkKind(int descriptor, std::size_t limit) {
 int ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes) {
     const InternalCallScope internalCalls;
     bytes.clear();
-    // Without waiting: a pipe in the file's place would wait for a writer for ever.
+    // O_NONBLOCK: opening a pipe in the place of the file would wait for a writer for ever.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) return errno;
     if (const int refused = checkKind(file.Get(), limit)) return refused;
@@ -34,7 +34,7 @@ int ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return errno;
         if (got == 0) return 0;
-        if (bytes.size() + static_cast<std::size_t>(got) > limit) return EFBIG; // it grows while it is read
+        if (bytes.size() + static_cast<std::size_t>(got) > limit) return EFBIG; // the file has grown
         bytes.append(block, static_cast<std::size_t>(got));
     }
 }
