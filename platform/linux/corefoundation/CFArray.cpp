@@ -63,7 +63,7 @@ const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
     const auto& items = checkedItems(array, "CFArrayGetValueAtIndex");
     RecordArguments(call, array, index);
     if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
-        Misuse("CFArrayGetValueAtIndex", "index " + std::to_string(index) + " lies outside of an array of " +
+        Misuse("CFArrayGetValueAtIndex", "index " + std::to_string(index) + " is outside an array of " +
                                              std::to_string(items.size()) + " items");
     }
     return ObjectResult(call, items[static_cast<std::size_t>(index)]);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Arrays seen from the platform's other services.
+/// Creates arrays for the platform's other services.
 
 #include <CoreFoundation/CFArray.h>
 
@@ -10,7 +10,7 @@
 
 namespace macplatform {
 
-/// A new array that keeps a reference to each item. Throws std::bad_alloc.
+/// Creates an array that retains each item. The caller owns the result. Throws std::bad_alloc.
 CFArrayRef NewArray(std::vector<CFTypeRef> items);
 
 } // namespace macplatform

@@ -14,15 +14,17 @@ namespace {
 constexpr unsigned char kPoison = 0xDB;
 constexpr std::uint32_t kPoisonedMagic = 0xDBDBDBDB;
 
-/// Freed blocks, held back so that a use after the end meets the poison and not somebody's new data.
+/// Freed blocks that are not reused yet. A use after free reads the poison pattern, not new data.
 class Quarantine {
 public:
-    /// Never destroyed: static objects of the caller may release what they hold at exit.
+    /// Returns the quarantine. The quarantine is never destroyed, because static objects of the caller may
+    /// release their references at exit.
     static Quarantine& Get() {
         static Quarantine& gQuarantine = *new Quarantine;
         return gQuarantine;
     }
 
+    /// Overwrites the block, stores it, and frees the oldest stored block.
     void Add(void* block, std::size_t size) {
         std::memset(block, kPoison, size);
         void* oldest = nullptr;
@@ -81,7 +83,7 @@ Object& CheckedObject(CFTypeRef reference, const char* function) {
 Object& CheckedObject(CFTypeRef reference, const char* function, const ObjectClass& kind) {
     Object& object = CheckedObject(reference, function);
     if (object.type != &kind) {
-        Misuse(function, std::string("a ") + kind.kind + " is wanted, not the " + object.type->kind + ' ' +
+        Misuse(function, std::string("a ") + kind.kind + " is expected, not the " + object.type->kind + ' ' +
                              Describe(reference));
     }
     return object;

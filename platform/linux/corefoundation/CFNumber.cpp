@@ -34,11 +34,11 @@ bool equalNumbers(const Object& left, const Object& right) {
     return convert(real, converted) && converted == whole;
 }
 
-/// The nearest value of the type, and whether it is the same number.
+/// Sets `converted` to the nearest value of the type. Returns whether that value is the same number.
 template <typename To>
 bool convert(std::int64_t whole, To& converted) {
     if constexpr (std::is_floating_point_v<To>) {
-        // In 32-bit code the conversion goes through an 80-bit register, which would give every number back.
+        // `volatile` forces the rounding: 32-bit code would keep the exact number in an 80-bit register.
         const volatile To rounded = static_cast<To>(whole);
         converted = rounded;
         std::int64_t back = 0;
@@ -63,7 +63,8 @@ bool convert(double real, To& converted) {
                               : static_cast<To>(real);
         return std::isnan(real) || static_cast<double>(converted) == real;
     } else {
-        // Powers of two, so exact as double: the lowest value, and the first one above the highest.
+        // The lowest value and its negative, the first value above the highest, are powers of two. Both are
+        // exact as double.
         const double lowest = static_cast<double>(Limits::min());
         if (std::isnan(real) || real < lowest || real >= -lowest) {
             converted = std::isnan(real) ? To{0} : real < 0 ? Limits::min() : Limits::max();
@@ -74,7 +75,8 @@ bool convert(double real, To& converted) {
     }
 }
 
-/// Calls `use` with a null pointer of the C type that the number type stands for; false for an unknown one.
+/// Calls `use` with a null pointer to the C type of the number type and returns its result. Returns false for
+/// an unknown number type.
 template <typename Use>
 bool withCType(CFNumberType type, Use use) {
     switch (type) {

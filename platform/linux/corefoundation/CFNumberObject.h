@@ -1,6 +1,6 @@
 #pragma once
 
-/// Numbers seen from the platform's other services.
+/// Gives the platform's other services access to the values of numbers.
 
 #include <CoreFoundation/CFNumber.h>
 
@@ -13,7 +13,7 @@ namespace macplatform {
 
 extern const ObjectClass kNumberClass;
 
-/// Whole numbers and floating-point numbers are kept apart, as a property list keeps them.
+/// A property list distinguishes integers and floating-point numbers, so a number has two kinds of value.
 using NumberValue = std::variant<std::int64_t, double>;
 
 } // namespace macplatform

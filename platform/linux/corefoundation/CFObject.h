@@ -1,11 +1,12 @@
 #pragma once
 
-/// What every CoreFoundation object of the platform begins with.
+/// The common header of every CoreFoundation object of the platform, with reference counting and checks.
 ///
-/// An object is one block of memory: this header, the members of its kind, and what follows them. It is made
-/// by MakeObject with one reference, or stands constant-initialised in static storage and is never freed.
-/// A use after the end shows: a freed block is overwritten and held back for a while, and each function
-/// checks what it is handed. Counting is safe between threads; an object never changes after it was made.
+/// An object is one block of memory: this header, the members of the object's kind, and optional extra bytes.
+/// MakeObject creates an object with one reference. A constant-initialised object in static storage is never
+/// freed. A use after free is detected: a freed block is overwritten and not reused at once, and each
+/// function checks the objects that are passed to it. Reference counting is safe between threads. An object
+/// never changes after its creation.
 
 #include <CoreFoundation/CFBase.h>
 
@@ -25,15 +26,16 @@ namespace macplatform {
 
 struct Object;
 
-/// What the objects of one kind have in common.
+/// The properties that all objects of one kind share.
 struct ObjectClass {
-    CFTypeID id;
+    CFTypeID id;                                 ///< The result of CFGetTypeID.
     const char* kind;                            ///< "string", "number", ...
-    std::string (*describe)(const Object&);      ///< The value as a person would write it.
-    bool (*equal)(const Object&, const Object&); ///< Null when each object equals only itself.
-    void (*finalise)(Object&);                   ///< Ends the members; null when there is nothing to end.
+    std::string (*describe)(const Object&);      ///< Returns the value in readable notation.
+    bool (*equal)(const Object&, const Object&); ///< Null if each object equals only itself.
+    void (*finalise)(Object&);                   ///< Destroys the members; null if they need no destruction.
 };
 
+/// The header of an object. `references` is `kImmortal` for an object that is never freed.
 struct Object : TrackedObject {
     static constexpr std::uint32_t kLiveMagic = 0xCF0B7EC7;
     static constexpr std::int32_t kImmortal = 0x7FFFFFFF;
@@ -43,31 +45,35 @@ struct Object : TrackedObject {
     std::uint32_t magic = kLiveMagic;
     mutable std::atomic<std::int32_t> references{kImmortal};
     const ObjectClass* type;
-    std::size_t size = 0; ///< Of the whole block, in bytes.
+    std::size_t size = 0; ///< The size of the whole block in bytes.
 };
 
-/// Ends the process with this line on standard error. For what crashes on a Mac: a null object, one that is
-/// freed or of another kind, a range out of bounds.
+/// Reports a misuse of `function` in one line on standard error and aborts the process. A misuse is a call
+/// that crashes on a Mac: with a null object, a freed object, an object of the wrong kind, or a range out of
+/// bounds.
 [[noreturn]] void Misuse(const char* function, const std::string& whatIsWrong);
 
-/// The object behind the reference; misuse when there is none, in the name of the function.
+/// Returns the object. Reports a misuse of `function` and aborts if the reference is null or is no live
+/// object.
 Object& CheckedObject(CFTypeRef object, const char* function);
-/// The same, and misuse when it is of another kind.
+/// Returns the object like the function above. Also reports a misuse if the object is not of this kind.
 Object& CheckedObject(CFTypeRef object, const char* function, const ObjectClass& kind);
 
-/// Puts a new object of a block of `size` bytes on the list of live things, with one reference.
+/// Initialises a new object in a block of `size` bytes: sets its count to one reference and registers it as a
+/// tracked object.
 void Introduce(Object& object, std::size_t size) noexcept;
-/// One reference more, of an object that the caller has a reference to.
+/// Adds one reference. The caller must own a reference to the object.
 void Retain(const Object& object) noexcept;
-/// The same for an object that may be at its end in another thread: false when it is too late.
+/// Adds one reference to an object whose last reference another thread may release at the same time. Returns
+/// false if the object has no reference left.
 bool TryRetain(const Object& object) noexcept;
-/// One reference less; the last one frees.
+/// Releases one reference. Frees the object with its last reference.
 void Release(Object& object) noexcept;
-/// Never freed from now on, and no longer counted as live.
+/// Makes the object one that is never freed, and removes it from the registry of tracked objects.
 void MakeImmortal(Object& object) noexcept;
 
-/// A new object with one reference, whose members are made of the arguments; `extra` bytes lie behind it in
-/// the same block. Throws std::bad_alloc.
+/// Creates an object with one reference from the arguments of its constructor. `extra` bytes follow the
+/// object in the same block. Throws std::bad_alloc.
 template <typename T, typename... Arguments>
 T* MakeObject(std::size_t extra, Arguments&&... arguments) {
     if (extra > SIZE_MAX - sizeof(T)) throw std::bad_alloc();
@@ -79,18 +85,19 @@ T* MakeObject(std::size_t extra, Arguments&&... arguments) {
     return object;
 }
 
-/// Whether both are the same object, or of one kind whose objects are equal by their value.
+/// Returns whether both references are the same object, or two objects of one kind with the same value.
 bool Equal(CFTypeRef left, CFTypeRef right);
 
-/// Lets go of a reference at the end of a scope.
+/// Releases the reference that an `Owned` pointer owns.
 struct Releaser {
     void operator()(const Object* object) const noexcept { Release(const_cast<Object&>(*object)); }
 };
+/// Owns one reference to an object.
 template <typename T>
 using Owned = std::unique_ptr<const T, Releaser>;
 
-/// Strings in quotation marks, numbers in decimal, UUIDs in their usual groups, constants by their name;
-/// "NULL" for null.
+/// Returns the value in readable notation: a string in quotation marks, a number in decimal digits, a UUID in
+/// groups of digits, a constant by its name, "NULL" for null.
 std::string Describe(CFTypeRef object);
 
 inline std::string ArgumentText(const std::string& text) { return text; }
@@ -98,13 +105,13 @@ inline std::string ArgumentText(const char* text) { return Quoted(text); }
 inline std::string ArgumentText(CFTypeRef object) { return Describe(object); }
 inline std::string ArgumentText(long long number) { return std::to_string(number); }
 
-/// Tells the journal the arguments, if anyone listens. Running out of memory here ends the program.
+/// Records the arguments of the call if the call is recorded. Ends the process for lack of memory.
 template <typename... Arguments>
 void RecordArguments(PlatformCall& call, const Arguments&... arguments) noexcept {
     if (call.IsRecorded()) call.SetArguments({ArgumentText(arguments)...});
 }
 
-/// Notes an object as the result and hands it on.
+/// Records the object as the result of the call and returns the object.
 template <typename T>
 T ObjectResult(PlatformCall& call, T object) noexcept {
     return call.IsRecorded() ? call.Result(object, Describe(object)) : object;

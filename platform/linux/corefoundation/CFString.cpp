@@ -74,7 +74,7 @@ std::optional<std::u16string> decode(std::string_view bytes, CFStringEncoding en
     }
 }
 
-/// Null when the bytes are not valid or the encoding is not known.
+/// Creates a string from encoded bytes. Returns null if the bytes are not valid or the encoding is unknown.
 CFStringRef newDecodedString(std::string_view bytes, CFStringEncoding encoding) {
     const auto units = decode(bytes, encoding);
     return units ? NewString(*units) : nullptr;
@@ -98,7 +98,7 @@ std::optional<std::string> encode(std::u16string_view units, CFStringEncoding en
 
 using namespace macplatform;
 
-// On the Mac the compiler makes these objects and nothing is called, so the journal is not told.
+// On the Mac the compiler creates the constant strings without a call, so this call is not recorded.
 CFStringRef __CFStringMakeConstantString(const char* text) try {
     static auto& gMutex = *new std::mutex;
     static auto& gConstants = *new std::map<std::string, CFStringRef, std::less<>>;
@@ -107,7 +107,7 @@ CFStringRef __CFStringMakeConstantString(const char* text) try {
     if (known != gConstants.end()) return known->second;
     const std::string key = text;
     if (std::any_of(key.begin(), key.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
-        Misuse("CFSTR", "the text is not ASCII: " + Quoted(key));
+        Misuse("CFSTR", "the string is not ASCII: " + Quoted(key));
     }
     const auto place = gConstants.emplace(key, nullptr).first;
     place->second = NewString(DecodeAscii(key));
@@ -125,7 +125,7 @@ CFTypeID CFStringGetTypeID() {
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
                                       CFStringEncoding encoding) try {
     PlatformCall call("CFStringCreateWithCString");
-    if (!text) Misuse("CFStringCreateWithCString", "the text is NULL");
+    if (!text) Misuse("CFStringCreateWithCString", "the C string is NULL");
     if (call.IsRecorded()) RecordArguments(call, allocator, text, encodingName(encoding));
     return ObjectResult(call, call.ConsumeFault() ? nullptr : newDecodedString(text, encoding));
 } catch (const std::bad_alloc&) {
@@ -134,7 +134,7 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
 
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* units, CFIndex count) try {
     PlatformCall call("CFStringCreateWithCharacters");
-    if (!units && count > 0) Misuse("CFStringCreateWithCharacters", "the text is NULL");
+    if (!units && count > 0) Misuse("CFStringCreateWithCharacters", "the array of units is NULL");
     if (count < 0) return ObjectResult(call, CFStringRef{});
     const std::u16string text(units, units + count);
     if (call.IsRecorded()) RecordArguments(call, allocator, Quoted(ReadableUtf8(text)), count);
@@ -146,7 +146,7 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar
 CFStringRef CFStringCreateWithPascalString(CFAllocatorRef allocator, ConstStr255Param text,
                                            CFStringEncoding encoding) try {
     PlatformCall call("CFStringCreateWithPascalString");
-    if (!text) Misuse("CFStringCreateWithPascalString", "the text is NULL");
+    if (!text) Misuse("CFStringCreateWithPascalString", "the Pascal string is NULL");
     const std::string bytes(text + 1, text + 1 + text[0]);
     if (call.IsRecorded()) RecordArguments(call, allocator, Quoted(bytes), encodingName(encoding));
     return ObjectResult(call, call.ConsumeFault() ? nullptr : newDecodedString(bytes, encoding));
@@ -189,7 +189,7 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
     if (range.location < 0 || range.length < 0 || range.location > length ||
         range.length > length - range.location) {
         Misuse("CFStringGetCharacters", "the range {" + std::to_string(range.location) + ", " +
-                                            std::to_string(range.length) + "} lies outside of a string of " +
+                                            std::to_string(range.length) + "} is outside a string of " +
                                             std::to_string(length) + " units");
     }
     const auto* first = units.data() + range.location;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Strings seen from the platform's other services.
+/// Gives the platform's other services access to the contents of strings.
 
 #include <CoreFoundation/CFString.h>
 
@@ -14,24 +14,26 @@ namespace macplatform {
 
 extern const ObjectClass kStringClass;
 
-/// Whether a string is shown by its text in quotation marks or, as a constant of the system, by its text
-/// alone.
+/// Selects how `Describe` shows a string: `kText` in quotation marks; `kName`, for a constant of the system,
+/// without.
 enum class ShownAs { kText, kName };
 
-/// Constant-initialised, for the system's own constants; made by NewString otherwise.
+/// The header and the contents of a string. The system's constants are constant-initialised objects.
+/// NewString creates all other strings.
 struct StringObject : Object {
     constexpr explicit StringObject(std::u16string_view text, ShownAs shown = ShownAs::kText)
         : Object(kStringClass), units(text), shownAs(shown) {}
 
-    std::u16string_view units; ///< Of a static text, or of the same block of memory.
+    std::u16string_view units; ///< Refers to static storage or to the same block of memory.
     ShownAs shownAs;
 };
 
-/// A new string; the one empty string, which is never freed, for an empty text. Throws std::bad_alloc.
+/// Creates a string. Returns the same string, which is never freed, for each empty `units`. Throws
+/// std::bad_alloc.
 CFStringRef NewString(std::u16string_view units);
 
-/// The text as UTF-8; nothing when a surrogate stands alone. Misuse, in the function's name, of what is no
-/// string.
+/// Returns the string as UTF-8, and nothing if the string contains a lone surrogate. Reports a misuse of
+/// `function` and aborts if the object is no string.
 std::optional<std::string> Utf8(CFStringRef string, const char* function);
 
 } // namespace macplatform

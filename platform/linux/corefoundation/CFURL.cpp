@@ -36,7 +36,8 @@ bool equalUrls(const Object& left, const Object& right) {
 
 void finaliseUrl(Object& object) { static_cast<__CFURL&>(object).~__CFURL(); }
 
-/// Empty when there is no such path: no text, a NUL in it, or no current folder to start at.
+/// Returns the absolute path without a trailing "/". Returns an empty string if the path is empty, contains a
+/// NUL, or is relative and the process has no current directory.
 std::string toAbsolutePath(std::string path) {
     if (path.empty() || path.find('\0') != std::string::npos) return {};
     if (path.front() != '/') {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// URLs seen from the platform's other services.
+/// Gives the platform's other services access to the paths of URLs.
 
 #include <CoreFoundation/CFURL.h>
 
@@ -8,7 +8,8 @@
 
 namespace macplatform {
 
-/// The absolute POSIX path, in UTF-8, without a trailing "/" ("/" itself has it). Misuse of what is no URL.
+/// Returns the absolute POSIX path in UTF-8. Only the path "/" has a trailing "/". Reports a misuse and
+/// aborts if the object is no URL.
 const std::string& UrlPath(CFURLRef url);
 
 } // namespace macplatform

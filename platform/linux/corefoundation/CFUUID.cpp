@@ -19,20 +19,22 @@ struct __CFUUID : Object {
 
 namespace {
 
-/// The UUIDs that there are: the same bytes are the same object, so that callers may compare references.
+/// The UUID objects of the process. Equal bytes give the same object, so callers may compare references.
 class UuidTable {
 public:
-    /// Never destroyed: static objects of the caller may release what they hold at exit.
+    /// Returns the table. The table is never destroyed, because static objects of the caller may release
+    /// their references at exit.
     static UuidTable& Get() {
         static UuidTable& gTable = *new UuidTable;
         return gTable;
     }
 
-    /// With one reference for the caller.
+    /// Returns the object with these bytes, with one reference for the caller. Throws std::bad_alloc.
     __CFUUID& Read(const UuidBytes& bytes) {
         const std::lock_guard lock(mutex);
         const auto place = uuids.emplace(bytes, nullptr).first;
-        // One that is at its end in another thread is replaced; it then leaves the new one alone.
+        // TryRetain fails if another thread frees the object at this moment. A new object then takes its
+        // place, and Forget does not remove the new object.
         if (place->second && TryRetain(*place->second)) return *place->second;
         try {
             return *(place->second = MakeObject<__CFUUID>(0, bytes));

@@ -10,7 +10,7 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-/// 0x80 to 0xFF.
+/// The characters of the bytes 0x80 to 0xFF.
 constexpr char16_t kMacRoman[] = {
     0x00C4, 0x00C5, 0x00C7, 0x00C9, 0x00D1, 0x00D6, 0x00DC, 0x00E1, 0x00E0, 0x00E2, 0x00E4, 0x00E3, 0x00E5,
     0x00E7, 0x00E9, 0x00E8, 0x00EA, 0x00EB, 0x00ED, 0x00EC, 0x00EE, 0x00EF, 0x00F1, 0x00F3, 0x00F2, 0x00F4,
@@ -24,13 +24,14 @@ constexpr char16_t kMacRoman[] = {
     0x0131, 0x02C6, 0x02DC, 0x00AF, 0x02D8, 0x02D9, 0x02DA, 0x00B8, 0x02DD, 0x02DB, 0x02C7};
 static_assert(std::size(kMacRoman) == 128);
 
-/// The composed characters of Mac Roman, by their combining mark.
+/// The composed characters of Mac Roman with one combining mark. `composed` has one character for each base.
 struct Composition {
     char16_t mark;
     std::u16string_view bases;
     std::u16string_view composed;
 };
 constexpr Composition kCompositions[] = {
+    // mark, bases, composed
     {0x0300, u"AEIOUaeiou", u"\u00C0\u00C8\u00CC\u00D2\u00D9\u00E0\u00E8\u00EC\u00F2\u00F9"},
     {0x0301, u"AEIOUaeiou", u"\u00C1\u00C9\u00CD\u00D3\u00DA\u00E1\u00E9\u00ED\u00F3\u00FA"},
     {0x0302, u"AEIOUaeiou", u"\u00C2\u00CA\u00CE\u00D4\u00DB\u00E2\u00EA\u00EE\u00F4\u00FB"},
@@ -43,7 +44,8 @@ constexpr Composition kCompositions[] = {
 
 bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
-/// How many bytes a sequence has, its lead byte and the one behind it told; 0 when these cannot begin one.
+/// Returns the number of bytes of the UTF-8 sequence that begins with these two bytes, and 0 if no valid
+/// sequence begins with them.
 std::size_t sequenceLength(unsigned char lead, unsigned char second) {
     if (lead >= 0xC2 && lead <= 0xDF) return 2;
     if (lead >= 0xE0 && lead <= 0xEF) {
@@ -59,7 +61,8 @@ std::size_t sequenceLength(unsigned char lead, unsigned char second) {
     return 0;
 }
 
-/// Takes one sequence of two bytes or more off the front; nothing when it is not valid.
+/// Decodes and removes the sequence of two or more bytes at the front. Returns nothing, and removes nothing,
+/// if the sequence is not valid.
 std::optional<char32_t> decodeSequence(std::string_view& bytes) {
     const auto byteAt = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const std::size_t length = bytes.size() < 2 ? 0 : sequenceLength(byteAt(0), byteAt(1));
@@ -99,7 +102,8 @@ void appendUtf8(std::string& bytes, char32_t character) {
     append(0x80 | (character & 0x3F));
 }
 
-/// Takes one character off the front; nothing, with one unit taken, when a surrogate stands alone.
+/// Decodes and removes the character at the front. For a lone surrogate, removes one unit and returns
+/// nothing.
 std::optional<char32_t> decodeCharacter(std::u16string_view& units) {
     const char16_t first = units.front();
     units.remove_prefix(1);
@@ -110,7 +114,7 @@ std::optional<char32_t> decodeCharacter(std::u16string_view& units) {
     return 0x10000 + ((char32_t{first} & 0x3FF) << 10) + (char32_t{second} & 0x3FF);
 }
 
-/// The two as one character of Mac Roman; 0 when there is none.
+/// Returns the Mac Roman character that the base and the combining mark form, and 0 if there is none.
 char16_t compose(char16_t base, char16_t mark) {
     for (const Composition& composition : kCompositions) {
         if (composition.mark != mark) continue;

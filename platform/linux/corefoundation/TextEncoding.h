@@ -1,6 +1,6 @@
 #pragma once
 
-/// Text in the encodings that strings are made of and read in, both ways.
+/// Converts text between UTF-16, the encoding of strings, and UTF-8, Mac Roman and ASCII.
 
 #include <optional>
 #include <string>
@@ -8,27 +8,29 @@
 
 namespace macplatform {
 
-/// Strict, as the Mac decodes: overlong forms, surrogates, values above U+10FFFF, stray and missing
-/// continuation bytes refuse the whole text. Two old habits of the Mac are kept: a byte order mark at the
-/// very start is dropped, and a lone byte A9 is U+FFFD.
+/// Decodes UTF-8 as the Mac does. Returns nothing if the text contains an overlong sequence, a surrogate, a
+/// value above U+10FFFF, or a stray or missing continuation byte. Two exceptions match the Mac: a byte order
+/// mark at the start is removed, and a lone byte A9 becomes U+FFFD.
 std::optional<std::u16string> DecodeUtf8(std::string_view bytes);
-/// Strict without those habits: what a file that says UTF-8 must be.
+/// Returns whether the bytes are valid UTF-8, without the two exceptions of `DecodeUtf8`. A file that
+/// declares UTF-8 must pass this check.
 bool IsUtf8(std::string_view bytes);
-/// Every byte has a character.
+/// Decodes Mac Roman. Every byte is a valid character.
 std::u16string DecodeMacRoman(std::string_view bytes);
-/// A byte of 0x80 and above is the character of the same number.
+/// Decodes ASCII. A byte of 0x80 or above becomes the character with the same number.
 std::u16string DecodeAscii(std::string_view bytes);
 
-/// One character, which must not be a surrogate.
+/// Encodes one character as UTF-8. The character must not be a surrogate.
 std::string Utf8Of(char32_t character);
-/// Nothing when a surrogate stands alone.
+/// Encodes UTF-8. Returns nothing if the text contains a lone surrogate.
 std::optional<std::string> EncodeUtf8(std::u16string_view units);
-/// Nothing when a character has no byte. A letter and the combining mark behind it are one character where
-/// Mac Roman has it so.
+/// Encodes Mac Roman. Returns nothing if a character is not in Mac Roman. A letter and the combining mark
+/// after it become one byte if Mac Roman has the composed character.
 std::optional<std::string> EncodeMacRoman(std::u16string_view units);
+/// Encodes ASCII. Returns nothing if a character is not ASCII.
 std::optional<std::string> EncodeAscii(std::u16string_view units);
 
-/// UTF-8 for people: a lone surrogate becomes U+FFFD.
+/// Encodes UTF-8 for display. A lone surrogate becomes U+FFFD.
 std::string ReadableUtf8(std::u16string_view units);
 
 } // namespace macplatform

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 
 namespace {
 
-TEST(Objects, AreListedInTheOrderOfTheirMaking) {
+TEST(Objects, AreListedInOrderOfCreation) {
     const CFStringRef first = NewText("first");
     const CFStringRef gone = NewText("gone");
     const CFStringRef second = NewText("say \"2\"\n");
@@ -30,7 +30,7 @@ TEST(Objects, AreListedInTheOrderOfTheirMaking) {
     EXPECT_THAT(DescribeLiveObjects(), ElementsAre());
 }
 
-TEST(Objects, ThatAreConstantAreNeverFreedNorListed) {
+TEST(Objects, ConstantsAreNeverFreedOrListed) {
     for (const CFTypeRef constant : {CFTypeRef(CFSTR("constant")), CFTypeRef(kCFAllocatorSystemDefault),
                                      CFTypeRef(NewText("")), CFTypeRef(CFSTR(""))}) {
         CFRelease(constant);
@@ -41,7 +41,7 @@ TEST(Objects, ThatAreConstantAreNeverFreedNorListed) {
     EXPECT_EQ(kCFAllocatorDefault, nullptr);
 }
 
-TEST(Objects, AreCountedExactlyByTwoThreads) {
+TEST(Objects, CountReferencesOfTwoThreadsExactly) {
     const CFStringRef text = NewText("shared");
     const auto work = [text] {
         for (int i = 0; i < 20000; ++i) {
@@ -58,7 +58,7 @@ TEST(Objects, AreCountedExactlyByTwoThreads) {
     EXPECT_EQ(LiveObjectCount(), 0U);
 }
 
-TEST(ObjectsDeathTest, EndTheProcessWithALineWhenMisused) {
+TEST(ObjectsDeathTest, ReportMisuseAndAbort) {
     EXPECT_DEATH(CFRetain(nullptr), "CFRetain: the object is NULL");
     EXPECT_DEATH(CFRelease(nullptr), "CFRelease: the object is NULL");
     EXPECT_DEATH(
@@ -71,18 +71,18 @@ TEST(ObjectsDeathTest, EndTheProcessWithALineWhenMisused) {
     static const std::uint64_t none[16] = {};
     EXPECT_DEATH(CFGetTypeID(none), "CFGetTypeID: there is no object at 0x");
     EXPECT_DEATH(CFStringGetLength(reinterpret_cast<CFStringRef>(kCFAllocatorSystemDefault)),
-                 "CFStringGetLength: a string is wanted, not the allocator kCFAllocatorSystemDefault");
+                 "CFStringGetLength: a string is expected, not the allocator kCFAllocatorSystemDefault");
 }
 
-TEST(Objects, AreRecordedInTheCallLog) {
+TEST(Objects, CallsAreRecorded) {
     const CallRecorder calls;
     macplatform::InjectFault({"CFStringCreateWithCString", 0, 1});
     const CFStringRef text = NewText("a\nb");
-    EXPECT_EQ(NewText("refused"), nullptr);
+    EXPECT_EQ(NewText("failed"), nullptr);
     CFRelease(text);
     EXPECT_THAT(calls.lines,
                 ElementsAre("CFStringCreateWithCString(NULL, \"a\\nb\", kCFStringEncodingUTF8) = \"a\\nb\"",
-                            "CFStringCreateWithCString(NULL, \"refused\", kCFStringEncodingUTF8) = NULL",
+                            "CFStringCreateWithCString(NULL, \"failed\", kCFStringEncodingUTF8) = NULL",
                             "CFRelease(\"a\\nb\") = "));
 }
 

@@ -14,7 +14,7 @@ namespace {
 using Units = std::vector<UniChar>;
 const auto kRefused = std::nullopt;
 
-/// The units of a string, which is released; nothing for null.
+/// Returns the units of the string and releases the string. Returns nothing for null.
 std::optional<Units> releasedUnits(CFStringRef string) {
     if (!string) return std::nullopt;
     Units units(static_cast<std::size_t>(CFStringGetLength(string)));
@@ -40,43 +40,45 @@ std::optional<std::string> encoded(const Units& units, CFStringEncoding encoding
     return std::string(buffer);
 }
 
-TEST(String, IsDecodedFromUtf8Strictly) {
+TEST(String, DecodesValidUtf8Only) {
     const struct {
         const char* name;
         const char* bytes;
         std::optional<Units> units;
     } rows[] = {
+        // name, UTF-8 bytes, decoded UTF-16 units
         {"Ascii", "a\x7F", Units{'a', 0x7F}},
-        {"LowestOfTwoThreeFour", "\xC2\x80\xE0\xA0\x80\xF0\x90\x80\x80", Units{0x80, 0x800, 0xD800, 0xDC00}},
-        {"HighestOfTwoThreeFour", "\xDF\xBF\xEF\xBF\xBF\xF4\x8F\xBF\xBF",
+        {"LowestOfTwoThreeAndFourBytes", "\xC2\x80\xE0\xA0\x80\xF0\x90\x80\x80",
+         Units{0x80, 0x800, 0xD800, 0xDC00}},
+        {"HighestOfTwoThreeAndFourBytes", "\xDF\xBF\xEF\xBF\xBF\xF4\x8F\xBF\xBF",
          Units{0x7FF, 0xFFFF, 0xDBFF, 0xDFFF}},
-        {"AroundTheSurrogates", "\xED\x9F\xBF\xEE\x80\x80", Units{0xD7FF, 0xE000}},
+        {"NextToTheSurrogates", "\xED\x9F\xBF\xEE\x80\x80", Units{0xD7FF, 0xE000}},
         {"Noncharacter", "\xEF\xBF\xBE", Units{0xFFFE}},
-        {"OverlongOfTwo", "\xC1\xBF", kRefused},
-        {"OverlongOfThree", "\xE0\x9F\xBF", kRefused},
-        {"OverlongOfFour", "\xF0\x8F\xBF\xBF", kRefused},
+        {"OverlongTwoBytes", "\xC1\xBF", kRefused},
+        {"OverlongThreeBytes", "\xE0\x9F\xBF", kRefused},
+        {"OverlongFourBytes", "\xF0\x8F\xBF\xBF", kRefused},
         {"FirstSurrogate", "\xED\xA0\x80", kRefused},
         {"SurrogatePair", "\xED\xA0\x80\xED\xB0\x80", kRefused},
-        {"AboveTheLast", "\xF4\x90\x80\x80", kRefused},
-        {"LeadF5", "\xF5\x80\x80\x80", kRefused},
+        {"AboveTheLastCharacter", "\xF4\x90\x80\x80", kRefused},
+        {"LeadByteF5", "\xF5\x80\x80\x80", kRefused},
         {"FiveBytes", "\xF8\x88\x80\x80\x80", kRefused},
-        {"CutOffTwo", "a\xC3", kRefused},
-        {"CutOffThree", "a\xE2\x82", kRefused},
-        {"CutOffFour", "a\xF0\x90\x80", kRefused},
-        {"WrongContinuation", "\xE2\x82(", kRefused},
-        {"LeadAsContinuation", "\xC3\xC3", kRefused},
-        {"StrayContinuation", "a\x80", kRefused},
-        {"LoneA9", "\2512\xA9", Units{0xFFFD, '2', 0xFFFD}},
-        {"A9AsContinuation", "\xC2\xA9", Units{0xA9}},
-        {"LeadingByteOrderMark", "\xEF\xBB\xBFx", Units{'x'}},
-        {"ByteOrderMarkAlone", "\xEF\xBB\xBF", Units{}},
+        {"TruncatedTwoBytes", "a\xC3", kRefused},
+        {"TruncatedThreeBytes", "a\xE2\x82", kRefused},
+        {"TruncatedFourBytes", "a\xF0\x90\x80", kRefused},
+        {"WrongContinuationByte", "\xE2\x82(", kRefused},
+        {"LeadByteAsContinuationByte", "\xC3\xC3", kRefused},
+        {"StrayContinuationByte", "a\x80", kRefused},
+        {"LoneByteA9", "\2512\xA9", Units{0xFFFD, '2', 0xFFFD}},
+        {"ByteA9AsContinuationByte", "\xC2\xA9", Units{0xA9}},
+        {"ByteOrderMarkAtTheStart", "\xEF\xBB\xBFx", Units{'x'}},
+        {"ByteOrderMarkOnly", "\xEF\xBB\xBF", Units{}},
         {"SecondByteOrderMark", "\xEF\xBB\xBF\xEF\xBB\xBF", Units{0xFEFF}},
         {"Empty", "", Units{}},
     };
     for (const auto& row : rows) EXPECT_EQ(decoded(row.bytes, kCFStringEncodingUTF8), row.units) << row.name;
 }
 
-TEST(String, IsEncodedOnlyWhenEveryCharacterCanBe) {
+TEST(String, EncodesOnlyCharactersOfTheEncoding) {
     const CFStringEncoding utf8 = kCFStringEncodingUTF8;
     const CFStringEncoding roman = kCFStringEncodingMacRoman;
     const struct {
@@ -85,14 +87,13 @@ TEST(String, IsEncodedOnlyWhenEveryCharacterCanBe) {
         CFStringEncoding encoding;
         std::optional<std::string> bytes;
     } rows[] = {
-        {"Utf8OfEachLength",
-         {'a', 0xE9, 0x20AC, 0xD834, 0xDD1E},
-         utf8,
-         "a\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E"},
+        // name, UTF-16 units, encoding, encoded bytes
+        {"Utf8OneAndTwoBytes", {'a', 0xE9}, utf8, "a\xC3\xA9"},
+        {"Utf8ThreeAndFourBytes", {0x20AC, 0xD834, 0xDD1E}, utf8, "\xE2\x82\xAC\xF0\x9D\x84\x9E"},
         {"LoneHighSurrogate", {'a', 0xD834}, utf8, kRefused},
         {"LoneLowSurrogate", {0xDD1E, 'a'}, utf8, kRefused},
         {"SurrogatesInWrongOrder", {0xDD1E, 0xD834}, utf8, kRefused},
-        {"RomanWithoutForm", {0x0394}, roman, kRefused},
+        {"RomanMissingCharacter", {0x0394}, roman, kRefused},
         {"RomanOldCurrencySign", {0xA4}, roman, kRefused},
         {"RomanOmegaAndOhm", {0x03A9, 0x2126}, roman, "\xBD\xBD"},
         {"RomanComposed", {'e', 0x301, 'C', 0x327, '=', 0x338, 'y', 0x308}, roman, "\x8E\x82\xAD\xD8"},
@@ -101,14 +102,14 @@ TEST(String, IsEncodedOnlyWhenEveryCharacterCanBe) {
         {"RomanMarkAlone", {0x301}, roman, kRefused},
         {"RomanSurrogatePair", {0xD834, 0xDD1E}, roman, kRefused},
         {"Ascii", {'~', 0x7F}, kCFStringEncodingASCII, "~\x7F"},
-        {"AsciiAbove", {0x80}, kCFStringEncodingASCII, kRefused},
+        {"AsciiMissingCharacter", {0x80}, kCFStringEncodingASCII, kRefused},
         {"UnknownEncoding", {'a'}, 0xFFFFFFFF, kRefused},
-        {"EmbeddedNulEndsTheCString", {'a', 0, 'b'}, utf8, "a"},
+        {"EmbeddedNul", {'a', 0, 'b'}, utf8, "a"},
     };
     for (const auto& row : rows) EXPECT_EQ(encoded(row.units, row.encoding), row.bytes) << row.name;
 }
 
-TEST(String, HoldsAllOfMacRoman) {
+TEST(String, ConvertsAllOfMacRoman) {
     unsigned char all[256] = {255};
     for (unsigned i = 1; i < 256; ++i) all[i] = static_cast<unsigned char>(i);
     const auto units =
@@ -129,7 +130,7 @@ TEST(String, HoldsAllOfMacRoman) {
     EXPECT_THAT(decoded("\x80\xFF", kCFStringEncodingASCII), Optional(ElementsAre(0x80, 0xFF)));
 }
 
-TEST(String, GivesTheCStringWhenItFitsWithItsNul) {
+TEST(String, CopiesTheCStringIfTheNulFits) {
     const CFStringRef text = CFSTR("abc");
     char buffer[8] = "zzzzzzz";
     EXPECT_FALSE(CFStringGetCString(text, buffer, 0, kCFStringEncodingUTF8));
@@ -144,19 +145,20 @@ TEST(String, GivesTheCStringWhenItFitsWithItsNul) {
     EXPECT_STREQ(buffer, "");
 }
 
-TEST(String, KeepsAnyUnitsAndGivesARangeOfThem) {
+TEST(String, StoresAnyUnitsAndCopiesRanges) {
     const Units units = {0xDC00, 0, 0xFFFF, 'x'};
     const CFStringRef text = CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), 4);
     UniChar part[4] = {1, 1, 1, 1};
     CFStringGetCharacters(text, CFRangeMake(1, 2), part);
     EXPECT_THAT(part, ElementsAre(0, 0xFFFF, 1, 1));
     CFStringGetCharacters(text, CFRangeMake(4, 0), part);
-    EXPECT_DEATH(CFStringGetCharacters(text, CFRangeMake(3, 2), part), "the range .3, 2. lies outside");
+    EXPECT_DEATH(CFStringGetCharacters(text, CFRangeMake(3, 2), part),
+                 "the range .3, 2. is outside a string");
     EXPECT_EQ(releasedUnits(text), units);
     EXPECT_EQ(CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), -1), nullptr);
 }
 
-TEST(String, EqualsByItsUnits) {
+TEST(String, ComparesUnits) {
     const CFStringRef one = CFStringCreateWithCString(kCFAllocatorDefault, "abc", kCFStringEncodingMacRoman);
     EXPECT_NE(one, CFSTR("abc"));
     EXPECT_TRUE(CFEqual(one, CFSTR("abc")));
@@ -168,8 +170,8 @@ TEST(String, EqualsByItsUnits) {
     CFRelease(one);
 }
 
-TEST(String, RefusesLiteralsThatAreNotAscii) {
-    EXPECT_DEATH(CFSTR("\xC3\xA9"), "CFSTR: the text is not ASCII");
+TEST(String, RejectsLiteralsThatAreNotAscii) {
+    EXPECT_DEATH(CFSTR("\xC3\xA9"), "CFSTR: the string is not ASCII");
 }
 
 } // namespace

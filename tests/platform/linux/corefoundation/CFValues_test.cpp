@@ -13,7 +13,7 @@
 
 namespace {
 
-/// What a live object is listed as; it is the only one and is released.
+/// Returns the description of the only live object and releases the object.
 std::string releasedDescription(CFTypeRef object) {
     if (!object) return "NULL";
     const auto lines = macplatform::DescribeLiveObjects();
@@ -34,7 +34,7 @@ CFNumberRef newNumber(CFNumberType type, T value) {
     return CFNumberCreate(kCFAllocatorDefault, type, &value);
 }
 
-TEST(Uuid, IsOneObjectForTheSameBytes) {
+TEST(Uuid, EqualBytesGiveTheSameObject) {
     const CFUUIDRef one = CFUUIDCreateFromUUIDBytes(nullptr, kSomeBytes);
     const CFUUIDRef other = CFUUIDCreateFromUUIDBytes(nullptr, kSomeBytes);
     EXPECT_EQ(one, other);
@@ -45,7 +45,7 @@ TEST(Uuid, IsOneObjectForTheSameBytes) {
     EXPECT_EQ(releasedDescription(other), "UUID 01234567-89AB-CDEF-0123-456789ABCDEF, 1 reference");
 }
 
-TEST(Uuid, OnceConstantIsNeverFreed) {
+TEST(Uuid, IsNeverFreedAfterBecomingConstant) {
     CFUUIDBytes bytes{};
     bytes.byte15 = 7;
     const CFUUIDRef made = CFUUIDCreateFromUUIDBytes(nullptr, bytes);
@@ -57,7 +57,7 @@ TEST(Uuid, OnceConstantIsNeverFreed) {
     EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
 }
 
-TEST(Uuid, StaysWholeWhileThreadsMakeAndFreeIt) {
+TEST(Uuid, ThreadsCreateAndReleaseTheSameUuid) {
     const auto work = [] {
         for (int i = 0; i < 20000; ++i) {
             const CFUUIDRef uuid = CFUUIDCreateFromUUIDBytes(nullptr, kSomeBytes);
@@ -72,7 +72,7 @@ TEST(Uuid, StaysWholeWhileThreadsMakeAndFreeIt) {
     EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
 }
 
-TEST(Number, HoldsWhatEachTypeReads) {
+TEST(Number, StoresTheValueOfEachType) {
     EXPECT_EQ(releasedDescription(newNumber<std::int8_t>(kCFNumberSInt8Type, -128)),
               "number -128, 1 reference");
     EXPECT_EQ(releasedDescription(newNumber<short>(kCFNumberShortType, 32767)), "number 32767, 1 reference");
@@ -87,7 +87,7 @@ TEST(Number, HoldsWhatEachTypeReads) {
     EXPECT_DEATH(CFNumberCreate(nullptr, kCFNumberIntType, nullptr), "CFNumberCreate: the value is NULL");
 }
 
-TEST(Number, ReturnsWhetherAConversionLoses) {
+TEST(Number, ReportsLossyConversions) {
     const double inf = std::numeric_limits<double>::infinity();
     const struct {
         const char* name;
@@ -95,6 +95,7 @@ TEST(Number, ReturnsWhetherAConversionLoses) {
         bool fits;
         SInt32 nearest;
     } rows[] = {
+        // name, value, fits, nearest
         {"Whole", -5.0, true, -5},
         {"Fraction", 2.75, false, 2},
         {"Highest", 2147483647.0, true, 2147483647},
@@ -113,7 +114,7 @@ TEST(Number, ReturnsWhetherAConversionLoses) {
     }
     const CFNumberRef odd = newNumber(kCFNumberLongLongType, (1LL << 53) + 1);
     double real = 0;
-    EXPECT_FALSE(CFNumberGetValue(odd, kCFNumberDoubleType, &real)) << "53 bits are not enough";
+    EXPECT_FALSE(CFNumberGetValue(odd, kCFNumberDoubleType, &real)) << "the value needs 54 bits";
     float small = 0;
     EXPECT_FALSE(CFNumberGetValue(odd, kCFNumberFloatType, &small));
     std::int16_t narrow = 0;
@@ -122,7 +123,7 @@ TEST(Number, ReturnsWhetherAConversionLoses) {
     CFRelease(odd);
 }
 
-TEST(Number, EqualsByItsValue) {
+TEST(Number, ComparesValues) {
     const CFNumberRef two = newNumber(kCFNumberIntType, 2);
     const CFNumberRef real = newNumber(kCFNumberDoubleType, 2.0);
     const CFNumberRef more = newNumber(kCFNumberDoubleType, 2.5);
@@ -133,7 +134,7 @@ TEST(Number, EqualsByItsValue) {
     for (const CFNumberRef number : {two, real, more}) CFRelease(number);
 }
 
-TEST(Url, HoldsAnAbsolutePath) {
+TEST(Url, StoresAnAbsolutePath) {
     char folder[PATH_MAX];
     ASSERT_TRUE(getcwd(folder, sizeof folder));
     const struct {
@@ -142,6 +143,7 @@ TEST(Url, HoldsAnAbsolutePath) {
         CFURLPathStyle style;
         std::string described;
     } rows[] = {
+        // path, is directory, style, described
         {"/a b%/c", false, kCFURLPOSIXPathStyle, "URL \"/a b%/c\", 1 reference"},
         {"/a", true, kCFURLPOSIXPathStyle, "URL \"/a/\", 1 reference"},
         {"/a//", true, kCFURLPOSIXPathStyle, "URL \"/a/\", 1 reference"},
@@ -166,7 +168,7 @@ TEST(Url, HoldsAnAbsolutePath) {
     }
 }
 
-TEST(Values, AreRejectedWhenAFaultIsInjected) {
+TEST(Values, FailWhenAFaultIsInjected) {
     for (const char* const call :
          {"CFUUIDCreateFromUUIDBytes", "CFUUIDGetConstantUUIDWithBytes", "CFNumberCreate",
           "CFURLCreateWithFileSystemPath", "CFStringCreateWithCharacters", "CFEqual"}) {
