@@ -4,8 +4,8 @@
 
 namespace macplatform {
 
-/// Asks the presenter: the place of the chosen button, or -1 when the alert was not shown or the answer is no
-/// button.
+/// Passes the alert to the alert responder. Returns the index of the chosen button, and -1 if the alert was
+/// not shown or the answer is not the index of a button.
 int Present(Alert alert);
 
 } // namespace macplatform

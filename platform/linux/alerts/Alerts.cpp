@@ -24,7 +24,7 @@ void SetAlertResponder(AlertResponder responder) { currentResponder() = std::mov
 
 int Present(Alert alert) {
     if (alert.kind == Alert::Kind::kMessage && alert.buttons.empty()) alert.buttons = {"OK"};
-    const AlertResponder responder = currentResponder(); // which may replace itself
+    const AlertResponder responder = currentResponder(); // a copy, because the responder may replace itself
     if (!responder) return alert.kind == Alert::Kind::kMessage ? 0 : -1;
     const auto buttons = static_cast<int>(std::max<std::size_t>(alert.buttons.size(), 1));
     const int answer = responder(alert);
@@ -45,7 +45,7 @@ DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) try {
     const int answer = Present(std::move(alert));
     if (answer < 0) call.SetNote("not shown: no open resource file has this alert");
     return call.Result(
-        static_cast<DialogItemIndex>(answer < 0 ? notShown : answer + 1)); // items count from 1
+        static_cast<DialogItemIndex>(answer < 0 ? notShown : answer + 1)); // item numbers begin at 1
 } catch (const std::bad_alloc&) {
     return -1;
 }

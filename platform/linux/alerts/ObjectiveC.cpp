@@ -1,5 +1,5 @@
-// Messages to NSAlert, the one class that this layer has. objc/message.h is not included: it declares
-// objc_msgSend without parameters, for callers to cast, and here it is defined with those that it takes.
+// Messages to NSAlert, the only class of this layer. This file does not include objc/message.h, because that
+// header declares objc_msgSend without parameters. This file defines objc_msgSend with its parameters.
 
 #include <objc/runtime.h>
 
@@ -30,7 +30,7 @@ struct objc_object : TrackedObject {
 namespace {
 
 constexpr std::intptr_t kFirstButton = 1000;
-constexpr std::intptr_t kAborted = -1001; ///< NSRunAbortedResponse: nobody could answer.
+constexpr std::intptr_t kAborted = -1001; ///< NSRunAbortedResponse: the alert was not shown.
 
 objc_object& classObject() {
     static objc_object& gAlertClass = *new objc_object;
@@ -70,7 +70,7 @@ std::intptr_t toResult(id object) { return reinterpret_cast<std::intptr_t>(objec
 
 std::intptr_t sendToClass(const std::string& message, PlatformCall& call) {
     if (message == "alloc") return toResult(makeAlert());
-    call.SetNote("NSAlert has no such class method here");
+    call.SetNote("this class method of NSAlert is not implemented");
     return 0;
 }
 
@@ -90,7 +90,7 @@ std::intptr_t sendToAlert(objc_object& alert, const std::string& message, const 
     } else if (message == "runModal") {
         return runModal(alert, call);
     } else {
-        call.SetNote("NSAlert has no such method here, or not with a nil argument");
+        call.SetNote("this method of NSAlert is not implemented, or its argument is nil");
     }
     return 0;
 }
@@ -134,7 +134,7 @@ std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) try 
     recordMessage(call, receiver, message, argument);
     if (!receiver || call.ConsumeFault()) return call.Result(std::intptr_t{0}, "nil");
     if (receiver->magic != objc_object::kLiveMagic)
-        Misuse("objc_msgSend", message + " was sent to what is no object");
+        Misuse("objc_msgSend", message + " was sent to an invalid object");
     const std::intptr_t answer =
         receiver->isClass ? sendToClass(message, call) : sendToAlert(*receiver, message, argument, call);
     const bool isObject =

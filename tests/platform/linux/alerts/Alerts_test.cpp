@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Shows an alert with these buttons; the number that runModal answers.
+/// Shows an alert with these buttons and returns the result of runModal.
 int show(const std::vector<CFStringRef>& buttons) {
     const id alert = NewAlert();
     Send(alert, "setMessageText:", CFSTR("Really?"));
@@ -30,7 +30,7 @@ protected:
 
 } // namespace
 
-TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
+TEST_F(Alerts, RunModalReturnsTheNumberOfTheButton) {
     const std::vector<CFStringRef> buttons = {CFSTR("Yes"), CFSTR("Cancel"), CFSTR("No")};
     std::vector<macplatform::Alert> shown;
     for (int choice = 0; choice < 3; ++choice) {
@@ -42,13 +42,13 @@ TEST_F(Alerts, NumberTheButtonsInTheirOrder) {
     }
     EXPECT_EQ(shown.at(0).message, "Really?");
     EXPECT_EQ(shown.at(0).buttons, (std::vector<std::string>{"Yes", "Cancel", "No"}));
-    EXPECT_EQ(show({}), -1001) << "the third button of an alert that has one";
-    EXPECT_EQ(shown.back().buttons, std::vector<std::string>{"OK"}) << "the platform's own";
+    EXPECT_EQ(show({}), -1001) << "the responder chooses the third button, but the alert has one";
+    EXPECT_EQ(shown.back().buttons, std::vector<std::string>{"OK"}) << "the default button";
     macplatform::SetAlertResponder({});
-    EXPECT_EQ(show(buttons), 1000) << "nobody to ask: the first";
+    EXPECT_EQ(show(buttons), 1000) << "without a responder, the first button";
 }
 
-TEST_F(Alerts, StopAlertIsNotShownUnlessSomebodyShowsIt) {
+TEST_F(Alerts, StopAlertNeedsAResponder) {
     EXPECT_EQ(StopAlert(5000, nullptr), -1);
     int resource = 0;
     macplatform::SetAlertResponder([&](const macplatform::Alert& alert) {
@@ -59,7 +59,7 @@ TEST_F(Alerts, StopAlertIsNotShownUnlessSomebodyShowsIt) {
     EXPECT_EQ(resource, 5000);
 }
 
-TEST_F(Alerts, AreRecordedAndCounted) {
+TEST_F(Alerts, CallsAreRecordedAndAlertsAreCounted) {
     const CallRecorder calls;
     const id alert = NewAlert();
     EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1);
