@@ -1,6 +1,6 @@
 #pragma once
 
-/// The C library's path calls, caught on their way: see PathCalls.cpp for the calls themselves.
+/// Redirects interposed path calls of the C library to the startup volume. PathCalls.cpp defines the calls.
 
 #include "VolumePath.h"
 #include "trace/PlatformCall.h"
@@ -16,13 +16,15 @@
 
 namespace macplatform {
 
-/// Keeps errno as the C library left it, whatever the telling of the journal does to it.
+/// Sets errno in its destructor: to the value at construction, or to the value of the last `Take` or `Set`.
+/// Recording a call may change errno in between.
 class SavedErrno {
 public:
     SavedErrno() : value(errno) {}
     SavedErrno(const SavedErrno&) = delete;
     SavedErrno& operator=(const SavedErrno&) = delete;
     ~SavedErrno() { errno = value; }
+    /// Keeps the present errno.
     void Save() { value = errno; }
     void Set(int error) { value = error; }
 
@@ -30,25 +32,28 @@ private:
     int value;
 };
 
-/// The next definition of a function: the C library's, or that of a sanitizer that leads there.
+/// Returns the next definition of a function: the definition of the C library, or of a sanitizer that calls
+/// the C library.
 template <typename Function>
 Function* NextDefinition(const char* symbol) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, symbol));
 }
 
-/// Whether a bundle's path falls on the startup volume. Paths that the platform itself uses never do. Without
-/// the memory to tell, it does: CallOnVolume then refuses.
+/// Returns whether the path of a call must be redirected to the startup volume. Paths that the platform
+/// itself uses are never redirected. Returns true for lack of memory: CallOnVolume then fails with ENOMEM.
 inline bool IsRedirected(const char* path) noexcept try {
     return path && StartupVolumeIsSet() && !InternalCallScope::IsActive() && IsOnStartupVolume(path);
 } catch (const std::bad_alloc&) {
     return true;
 }
 
-/// Where a bundle's path lies on this machine; empty with errno when it cannot be resolved.
+/// Converts the path of a call to a path of this machine. Returns an empty string and sets errno if the path
+/// cannot be resolved. Throws std::bad_alloc.
 inline std::string HostPathOf(const char* path, LastLink link) {
     return IsRedirected(path) ? HostPath(path, link) : std::string(path);
 }
 
+/// Formats an argument for the call log.
 inline std::string ShownArgument(const char* text) { return Quoted(text); }
 inline std::string ShownArgument(const void* pointer) { return pointer ? "..." : "NULL"; }
 template <typename T>
@@ -56,6 +61,7 @@ std::enable_if_t<std::is_integral_v<T>, std::string> ShownArgument(T number) {
     return std::to_string(number);
 }
 
+/// Formats a result for the call log. A failure includes the description of errno.
 template <typename Result>
 std::string ShownResult(Result result, bool failed) {
     if (failed) return std::string(std::is_pointer_v<Result> ? "NULL: " : "-1: ") + std::strerror(errno);
@@ -66,7 +72,8 @@ std::string ShownResult(Result result, bool failed) {
     }
 }
 
-/// The call itself, made by the platform with the path of this machine.
+/// Calls `make` with the path of this machine and records the result. Fails with the present errno if
+/// `hostPath` is empty.
 template <typename Result, typename Make>
 Result MakeCall(PlatformCall& call, SavedErrno& savedErrno, Result failure, const std::string& hostPath,
                 Make make) {
@@ -79,7 +86,8 @@ Result MakeCall(PlatformCall& call, SavedErrno& savedErrno, Result failure, cons
     return call.Result(result, ShownResult(result, result == failure));
 }
 
-/// A path call that falls on the volume: told to the journal, and made to fail where that was ordered.
+/// Makes a path call on the startup volume: records the call, injects a pending fault, and calls `make` with
+/// the path of this machine. Returns `failure` and sets errno if the call fails.
 template <typename Result, typename Make, typename... Arguments>
 Result CallOnVolume(const char* name, Result failure, LastLink link, const char* path, Make make,
                     const Arguments&... arguments) try {

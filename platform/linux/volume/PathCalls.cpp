@@ -1,13 +1,13 @@
-// Only path calls of the C library below. Each is found before the library's own, by programs that are linked
-// with the platform and by the bundles that they load; a path that falls on the startup volume is translated,
-// any other goes on as it is.
+// This file defines the interposed path calls of the C library. Programs that are linked with the platform,
+// and the bundles that they load, call these functions instead of the functions of the C library. Paths of
+// the startup volume are redirected. All other paths are passed on unchanged.
 //
-// Not covered: raw system calls, exec and dlopen, fts and glob, and getcwd, which answers the path on this
+// Not interposed: raw system calls, exec, dlopen, fts, glob, and getcwd, which returns a path of this
 // machine.
 //
-// The functions are in a namespace of their own and get their symbols by assembler labels: so they need not
-// repeat its exact declarations, and the forms for 32-bit and 64-bit file offsets stay apart whatever this
-// file is compiled with.
+// The C++ in a namespace of the functions differ from their symbols, which assembler labels set. The functions
+// therefore need not match the exact declarations of the C library. The variants for 32-bit and 64-bit file
+// offsets stay separate with every compiler setting.
 
 #include "PathCall.h"
 #include "posix/Descriptor.h"
@@ -29,17 +29,17 @@ LastLink openLink(int flags) {
     return (flags & O_NOFOLLOW) || ((flags & O_CREAT) && (flags & O_EXCL)) ? kKeep : kFollow;
 }
 
-/// The mode of open is there only where a file may be made.
+/// Returns the mode, the optional last argument of open, if the flags allow the creation of a file; else 0.
 unsigned modeBehind(int flags, va_list rest) {
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's va_start is not followed into here
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyser does not see the caller's va_start
     return flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, unsigned) : 0;
 }
 
 bool opensToRead(int flags) { return (flags & O_ACCMODE) == O_RDONLY; }
 bool opensToRead(const char* mode) { return mode[0] == 'r' && !std::strchr(mode, '+'); }
 
-/// While one lives, a pipe has a writer: a bundle that opens it to read, where it expects a file, does not
-/// wait for one for ever and finds the pipe empty.
+/// Opens a pipe for writing as long as the object exists. A bundle that opens the pipe for reading, in the
+/// place of a file, therefore does not wait for a writer and reads an empty file.
 class PipeWriter {
 public:
     template <typename Mode>
@@ -60,8 +60,9 @@ private:
 
 #pragma GCC visibility push(default)
 
-/// A call whose first argument is the path: result, what it answers on failure, library name, name in the
-/// journal, whether a link in last place is followed, further parameters, the same as arguments.
+/// Defines a call whose first parameter is the path. The macro's parameters are: result type, result of a
+/// failed call, symbol of the C library, name in the call log, treatment of a link at the end of the path,
+/// further parameters, and the same as arguments.
 #define PATH_CALL(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                      \
     namespace interposed {                                                                                   \
     RESULT SYMBOL(const char* path PARAMETERS) __asm__(#SYMBOL);                                             \
@@ -73,7 +74,8 @@ private:
         return CallOnVolume<RESULT>(NAME, FAILURE, LINK, path, make, path __VA_ARGS__);                      \
     }
 
-/// The same for calls that take the path behind an open folder, which an absolute path does not heed.
+/// Defines a call whose first parameter is an open directory and whose second is the path. The call ignores
+/// the directory for an absolute path.
 #define PATH_CALL_AT(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                   \
     namespace interposed {                                                                                   \
     RESULT SYMBOL(int folder, const char* path PARAMETERS) __asm__(#SYMBOL);                                 \
@@ -87,7 +89,7 @@ private:
 
 #define COMMA ,
 
-// Opening.
+// Calls that open files and directories.
 #define OPEN_CALL(SYMBOL)                                                                                    \
     namespace interposed {                                                                                   \
     int SYMBOL(const char* path, int flags, ...) __asm__(#SYMBOL);                                           \
@@ -122,7 +124,7 @@ private:
         };                                                                                                   \
         return CallOnVolume<int>("openat", -1, openLink(flags), path, make, path, flags);                    \
     }
-/// What a bundle that was compiled with fortified calls opens an existing file with.
+/// Defines the variant of open without a mode. Code that is compiled with _FORTIFY_SOURCE calls the variant.
 #define OPEN_2_CALL(SYMBOL, PLAIN)                                                                           \
     namespace interposed {                                                                                   \
     int SYMBOL(const char* path, int flags) __asm__(#SYMBOL);                                                \
@@ -168,7 +170,7 @@ PATH_CALL(int, -1, scandir, "scandir", kFollow, COMMA void* list COMMA void* fil
 PATH_CALL(int, -1, scandir64, "scandir", kFollow, COMMA void* list COMMA void* filter COMMA void* compare,
           COMMA list COMMA filter COMMA compare)
 
-// Asking.
+// Calls that query an item.
 PATH_CALL(int, -1, stat, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL(int, -1, stat64, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL(int, -1, lstat, "lstat", kKeep, COMMA void* status, COMMA status)
@@ -199,7 +201,7 @@ PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", kKeep,
              COMMA void* buffer COMMA std::size_t size COMMA std::size_t capacity,
              COMMA buffer COMMA size COMMA capacity)
 
-// As older C libraries had programs ask: with the version of the answer's layout first.
+// Calls of programs for older C libraries. The first parameter is the version of the layout of the result.
 PATH_CALL_AT(int, -1, __xstat, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL_AT(int, -1, __xstat64, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL_AT(int, -1, __lxstat, "lstat", kKeep, COMMA void* status, COMMA status)
@@ -221,7 +223,7 @@ OLD_FSTATAT_CALL(__fxstatat64)
 PATH_CALL_AT(int, -1, __xmknod, "mknod", kKeep, COMMA unsigned mode COMMA dev_t* device,
              COMMA mode COMMA device)
 
-// Changing the tree.
+// Calls that change the directory tree.
 PATH_CALL(int, -1, mkdir, "mkdir", kKeep, COMMA unsigned mode, COMMA mode)
 PATH_CALL_AT(int, -1, mkdirat, "mkdirat", kKeep, COMMA unsigned mode, COMMA mode)
 PATH_CALL(int, -1, mkfifo, "mkfifo", kKeep, COMMA unsigned mode, COMMA mode)
@@ -235,7 +237,7 @@ PATH_CALL_AT(int, -1, unlinkat, "unlinkat", kKeep, COMMA int flags, COMMA flags)
 PATH_CALL(int, -1, remove, "remove", kKeep, , )
 PATH_CALL(int, -1, chdir, "chdir", kFollow, , )
 
-// Changing an item.
+// Calls that change an item.
 PATH_CALL(int, -1, chmod, "chmod", kFollow, COMMA unsigned mode, COMMA mode)
 PATH_CALL_AT(int, -1, fchmodat, "fchmodat", linkOf(flags), COMMA unsigned mode COMMA int flags,
              COMMA mode COMMA flags)
@@ -267,7 +269,7 @@ PATH_CALL(ssize_t, -1, llistxattr, "llistxattr", kKeep, COMMA void* names COMMA 
 PATH_CALL(int, -1, removexattr, "removexattr", kFollow, COMMA const char* name, COMMA name)
 PATH_CALL(int, -1, lremovexattr, "lremovexattr", kKeep, COMMA const char* name, COMMA name)
 
-// As 32-bit programs with 64-bit times ask and set.
+// Calls of 32-bit programs with 64-bit times.
 #if __WORDSIZE == 32
 PATH_CALL(int, -1, __stat64_time64, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL(int, -1, __lstat64_time64, "lstat", kKeep, COMMA void* status, COMMA status)
@@ -280,7 +282,7 @@ PATH_CALL_AT(int, -1, __utimensat64, "utimensat", linkOf(flags), COMMA const voi
              COMMA times COMMA flags)
 #endif
 
-// Walking a tree: what is visited is called by its path on this machine, which goes on working.
+// Calls that walk a directory tree. The visitor receives paths of this machine, which path calls also accept.
 #define WALK_CALL(SYMBOL, NAME, PARAMETERS, ...)                                                             \
     namespace interposed {                                                                                   \
     int SYMBOL(const char* path, void* visit PARAMETERS) __asm__(#SYMBOL);                                   \
@@ -299,7 +301,7 @@ WALK_CALL(ftw64, "ftw", COMMA int descriptors, COMMA descriptors)
 WALK_CALL(nftw, "nftw", COMMA int descriptors COMMA int flags, COMMA descriptors COMMA flags)
 WALK_CALL(nftw64, "nftw", COMMA int descriptors COMMA int flags, COMMA descriptors COMMA flags)
 
-// Calls of two paths, told with both. Either may fall on the volume.
+// Calls with two paths. Both paths are recorded, and each of them may be redirected.
 
 namespace {
 
@@ -375,7 +377,7 @@ int interposed::linkat(int fromFolder, const char* from, int toFolder, const cha
     return eitherIsRedirected(from, to) ? callOfTwo("linkat", from, to, make, link) : make(from, to);
 }
 
-/// A link's text stays as it is given: it is read again, on the volume, when the link is followed.
+/// Creates a link with an unchanged target. The target is redirected when the link is followed.
 int interposed::symlink(const char* target, const char* path) {
     static const auto next = NextDefinition<int(const char*, const char*)>("symlink");
     if (!IsRedirected(path)) return next(target, path);
@@ -392,13 +394,14 @@ int interposed::symlinkat(const char* target, int folder, const char* path) {
 
 namespace {
 
-/// Answers a path of the Mac again, so that what a bundle resolves stays on the volume.
+/// Converts the result of realpath to a path of the Mac, so that the bundle does not leave the startup
+/// volume.
 template <typename Make>
 char* resolvedOnVolume(const char* path, Make make) {
     const auto resolve = [&](const char* hostPath) -> char* {
         char* const resolvedPath = make(hostPath);
         if (!resolvedPath || !LiesInStartupVolume(resolvedPath)) return resolvedPath;
-        const std::string onMac = MacPath(resolvedPath); // shorter than thereresolvedPaththere
+        const std::string onMac = MacPath(resolvedPath); // shorter than `answer`
         std::memcpy(resolvedPath, onMac.c_str(), onMac.size() + 1);
         return resolvedPath;
     };
@@ -421,7 +424,8 @@ char* interposed::__realpath_chk(const char* path, char* resolved, std::size_t c
 
 namespace {
 
-/// The name that is made up stands at the end of both paths, before the suffix.
+/// Calls `make`, which replaces the placeholder at the end of the path, before the suffix, by a generated
+/// name. Copies the generated name to `path`.
 template <typename Result, typename Make>
 Result callWithTemplate(const char* name, Result failure, char* path, Make make, int suffix = 0) {
     return CallOnVolume<Result>(
@@ -438,7 +442,7 @@ Result callWithTemplate(const char* name, Result failure, char* path, Make make,
         path);
 }
 
-/// Names with a suffix, in the library's four forms.
+/// Calls one of the four functions of the C library that generate a name with a suffix.
 template <typename... Flags>
 int callWithSuffix(const char* symbol, char* path, int suffix, Flags... flags) {
     const auto next = NextDefinition<int(char*, int, Flags...)>(symbol);

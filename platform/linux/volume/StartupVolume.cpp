@@ -19,13 +19,14 @@ namespace {
 
 bool gVolumeIsSet = false;
 
-/// Never destroyed: path calls are made until the very end of the process.
+/// Returns the directory of the startup volume. The string is never destroyed, because path calls occur until
+/// the process ends.
 std::string& volumeFolder() {
     static auto& gFolder = *new std::string;
     return gFolder;
 }
 
-/// The part of `rest` up to its first "/", which is taken off it.
+/// Removes and returns the part of `rest` before its first "/".
 std::string_view nextComponent(std::string_view& rest) {
     const std::string_view name = rest.substr(0, rest.find('/'));
     rest.remove_prefix(name.size());
@@ -45,7 +46,7 @@ bool isVolumeName(std::string_view name) {
     return false;
 }
 
-/// The first component that is not ".".
+/// Returns the first component that is not ".".
 std::string_view firstComponent(std::string_view path) {
     std::string_view name = ".";
     while (name == ".") {
@@ -55,7 +56,7 @@ std::string_view firstComponent(std::string_view path) {
     return name;
 }
 
-/// Without ".", and without ".." together with the name before it.
+/// Removes each ".", and each ".." together with the name before it.
 std::string lexicallyClean(std::string_view path) {
     std::vector<std::string_view> names;
     const bool asFolder = !path.empty() && path.back() == '/';
@@ -72,12 +73,13 @@ std::string lexicallyClean(std::string_view path) {
     return asFolder ? cleaned + '/' : cleaned;
 }
 
-/// One path on its way through the volume, as a process confined to it would walk.
+/// Resolves one path on the startup volume, like a process whose root directory is the volume.
 class Walk {
 public:
     Walk(std::string path, LastLink lastLink) : rest(std::move(path)), last(lastLink) {}
 
-    /// The path on this machine; empty with errno.
+    /// Returns the path on this machine. Returns an empty string and sets errno if the path cannot be
+    /// resolved.
     std::string Run() {
         while (errorNumber == 0 && !rest.empty()) Step();
         if (errorNumber != 0) {
@@ -128,12 +130,12 @@ private:
         if (rest.size() >= PATH_MAX) errorNumber = ENAMETOOLONG;
     }
 
-    std::string rest;    ///< Still to walk.
-    std::string reached; ///< Walked so far, from the volume's root: empty or "/a/b".
+    std::string rest;    ///< The part of the path that is not resolved yet.
+    std::string reached; ///< The resolved part, relative to the volume: empty or "/a/b".
     LastLink last;
-    bool asFolder = false; ///< What was reached is asked for as a folder.
+    bool asFolder = false; ///< The path requires that `reached` is a directory.
     int links = 0;
-    int deadEnd = 0; ///< errno of going on from what was reached, which is missing or no folder.
+    int deadEnd = 0; ///< If `reached` is missing or no directory: the errno of a further "..".
     int errorNumber = 0;
 };
 
@@ -168,7 +170,8 @@ bool SetStartupVolume(const std::string& folder) {
         return false;
     }
     volumeFolder() = absolute.get();
-    if (volumeFolder() == "/") volumeFolder().clear(); // which is what "no volume" means
+    // With "/" every path of the Mac is the same path of this machine, so no volume is set.
+    if (volumeFolder() == "/") volumeFolder().clear();
     gVolumeIsSet = !volumeFolder().empty();
     return true;
 }
@@ -182,8 +185,7 @@ std::string HostPath(const std::string& macPath, LastLink lastLink) {
         return {};
     }
     if (!IsOnStartupVolume(macPath)) return macPath;
-    // A ".." before the first name of the volume is this machine's, whose folders need not exist on the
-    // volume.
+    // The names before a ".." at the beginning belong to this machine and need not exist on the volume.
     const bool startsOnVolume = isVolumeName(firstComponent(macPath));
     return Walk(startsOnVolume ? macPath : lexicallyClean(macPath), lastLink).Run();
 }

@@ -1,20 +1,22 @@
 #pragma once
 
-/// Which paths lie on the startup volume: what the interposed path calls ask before anything else.
+/// Decides which paths are redirected to the startup volume. Every interposed path call uses these functions
+/// first.
 
 #include <string>
 #include <string_view>
 
 namespace macplatform {
 
-/// Whether a startup volume is set. Needs no initialised object, so it may be asked before this library's
-/// constructors run.
+/// Returns whether a startup volume is set. The function uses no object with a constructor, so it may be
+/// called before the constructors of this library run.
 bool StartupVolumeIsSet();
 
-/// Whether `HostPath` would look for the path on the startup volume.
+/// Returns whether `HostPath` redirects the path to the startup volume.
 bool IsOnStartupVolume(std::string_view macPath);
 
-/// Whether a path of this machine is the startup volume's folder or lies in it, by its text.
+/// Returns whether a path of this machine is the directory of the startup volume or begins with that
+/// directory. The function compares only the text of the paths.
 bool LiesInStartupVolume(std::string_view hostPath);
 
 } // namespace macplatform

@@ -22,7 +22,7 @@ bool isPresent(const char* path) { return access(path, F_OK) == 0; }
 
 } // namespace
 
-TEST_F(PathCalls, SeeTheVolume) {
+TEST_F(PathCalls, AreRedirectedToTheVolume) {
     volume.Write("Library/a.txt", "inside");
     char text[8] = "";
     std::FILE* const file = std::fopen("/Library/a.txt", "rb");
@@ -30,16 +30,16 @@ TEST_F(PathCalls, SeeTheVolume) {
     EXPECT_EQ(std::fread(text, 1, 6, file), 6u);
     std::fclose(file);
     EXPECT_STREQ(text, "inside");
-    EXPECT_TRUE(std::filesystem::exists("/Library/a.txt")) << "the C++ library's calls too";
-    EXPECT_TRUE(isPresent((volume / "Library/a.txt").c_str())) << "its path on this machine goes on working";
+    EXPECT_TRUE(std::filesystem::exists("/Library/a.txt")) << "calls of the C++ library are redirected";
+    EXPECT_TRUE(isPresent((volume / "Library/a.txt").c_str())) << "the path on this machine stays valid";
     struct stat status {};
     EXPECT_EQ(stat("/Library/a.txt", &status), 0);
     EXPECT_EQ(status.st_size, 6);
     EXPECT_FALSE(isPresent("/Library/b.txt"));
-    EXPECT_TRUE(isPresent("/usr/bin/env")) << "other paths are this machine's";
+    EXPECT_TRUE(isPresent("/usr/bin/env")) << "other paths are not redirected";
 }
 
-TEST_F(PathCalls, ChangeTheVolumeAlone) {
+TEST_F(PathCalls, ChangeOnlyTheVolume) {
     ASSERT_EQ(mkdir("/Applications", 0755), 0);
     ASSERT_EQ(mkdir("/Library", 0755), 0);
     const int file = open("/Applications/new", O_WRONLY | O_CREAT | O_EXCL, 0640);
@@ -79,13 +79,13 @@ TEST_F(PathCalls, ListAndResolveOnTheVolume) {
     EXPECT_STREQ(resolved, "/Users/a/b.txt");
     std::free(resolved);
     std::filesystem::create_symlink("/etc/passwd", volume / "Users/out");
-    EXPECT_FALSE(isPresent("/Users/out")) << "no link leads out";
+    EXPECT_FALSE(isPresent("/Users/out")) << "no link leads out of the volume";
     EXPECT_FALSE(isPresent("/Users/../../../../etc/passwd"));
 }
 
 extern "C" int __open_2(const char* path, int flags);
 
-TEST_F(PathCalls, SeeTheVolumeFromFortifiedAndOlderFunctionsToo) {
+TEST_F(PathCalls, FortifiedCallsAreRedirected) {
     volume.Write("Library/a.txt");
     std::filesystem::create_symlink("/Library/a.txt", volume / "Library/link");
     const int file = __open_2("/Library/link", O_RDONLY);
@@ -93,14 +93,14 @@ TEST_F(PathCalls, SeeTheVolumeFromFortifiedAndOlderFunctionsToo) {
     close(file);
     dirent** names = nullptr;
     const int count = scandir("/Library", &names, nullptr, alphasort);
-    EXPECT_EQ(count, 4) << "with . and ..";
+    EXPECT_EQ(count, 4) << "with \".\" and \"..\"";
     for (int i = 0; i < count; ++i) std::free(names[i]);
     std::free(names);
     EXPECT_EQ(linkat(AT_FDCWD, "/Library/link", AT_FDCWD, "/Library/second", AT_SYMLINK_FOLLOW), 0);
     EXPECT_TRUE(std::filesystem::is_regular_file(volume / "Library/second"));
 }
 
-TEST_F(PathCalls, SeeTheVolumeFromOldStatAndFromWideTimes) {
+TEST_F(PathCalls, StatCallsOfOtherLibraryVersionsAreRedirected) {
     volume.Write("Library/a.txt", "inside");
     alignas(8) char status[512];
     const int layout = sizeof(long) == 8 ? 1 : 3;
@@ -109,12 +109,12 @@ TEST_F(PathCalls, SeeTheVolumeFromOldStatAndFromWideTimes) {
     const auto xstatat =
         reinterpret_cast<int (*)(int, int, const char*, void*, int)>(dlsym(RTLD_DEFAULT, "__fxstatat"));
     EXPECT_EQ(xstatat(layout, AT_FDCWD, "/Library/a.txt", status, 0), 0);
-    if (void* const wide = dlsym(RTLD_DEFAULT, "__stat64_time64")) { // of 32-bit code alone
+    if (void* const wide = dlsym(RTLD_DEFAULT, "__stat64_time64")) { // only in 32-bit code
         EXPECT_EQ(reinterpret_cast<int (*)(const char*, void*)>(wide)("/Library/a.txt", status), 0);
     }
 }
 
-TEST_F(PathCalls, SeeTheVolumeFromNamesWithASuffixAndFromWalks) {
+TEST_F(PathCalls, MkstempsAndNftwAreRedirected) {
     volume.Write("Library/a/b");
     char name[] = "/Library/a/XXXXXX.txt";
     const int made = mkstemps(name, 4);
@@ -145,7 +145,7 @@ TEST_F(PathCalls, ReadAPipeAsAnEmptyFile) {
     std::fclose(stream);
 }
 
-TEST_F(PathCalls, RefuseAnEmptyPathAndAnOverlongOne) {
+TEST_F(PathCalls, RejectEmptyAndTooLongPaths) {
     volume.Write("Library/a.txt");
     const std::string tooLong = "/Library/" + std::string(PATH_MAX, 'x');
     errno = 0;
@@ -157,7 +157,7 @@ TEST_F(PathCalls, RefuseAnEmptyPathAndAnOverlongOne) {
     EXPECT_EQ(errno, ENAMETOOLONG);
 }
 
-TEST_F(PathCalls, AreRecordedAndFailAsInjected) {
+TEST_F(PathCalls, AreRecordedAndFailWithInjectedFaults) {
     volume.Write("Library/a.txt");
     const CallRecorder calls;
     EXPECT_FALSE(isPresent("/Library/none"));

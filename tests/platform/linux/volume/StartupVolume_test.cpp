@@ -32,23 +32,23 @@ protected:
     std::string root;
 };
 
-TEST_F(StartupVolumeTest, FindsMacPathsInTheFolder) {
+TEST_F(StartupVolumeTest, RedirectsMacPaths) {
     struct Row {
         const char* condition;
         const char* path;
-        const char* onVolume; ///< Behind the folder.
+        const char* onVolume; ///< Relative to the directory of the volume.
     };
     const Row rows[] = {
-        {"plain", "/Library/Preferences/file", "/Library/Preferences/file"},
-        {"first component alone", "/System", "/System"},
+        {"path without links", "/Library/Preferences/file", "/Library/Preferences/file"},
+        {"only one component", "/System", "/System"},
         {"empty and dot components", "//./Library/.//Preferences", "/Library/Preferences"},
-        {"trailing slash stays", "/Users/ann/", "/Users/ann/"},
+        {"trailing slash", "/Users/ann/", "/Users/ann/"},
         {"missing tail", "/Volumes/Disk/a/b", "/Volumes/Disk/a/b"},
-        {"file used as a folder", "/Users/ann/notes/x", "/Users/ann/notes/x"},
+        {"file as a directory", "/Users/ann/notes/x", "/Users/ann/notes/x"},
         {"absolute link", "/Library/absolute/file", "/Library/Preferences/file"},
         {"relative link", "/Library/relative/toFile", "/Library/Preferences/file"},
-        {"link asked for as a folder", "/Library/relative/", "/Library/Preferences/"},
-        {"link out of the folder", "/Library/escape/secret", "/outside/secret"},
+        {"link as a directory", "/Library/relative/", "/Library/Preferences/"},
+        {"link out of the volume", "/Library/escape/secret", "/outside/secret"},
         {"dangling link", "/Library/dangling", "/Users/new"},
         {"dot-dot after a link", "/Library/absolute/../Preferences", "/Library/Preferences"},
         {"dot-dot at the root", "/Library/../../../etc/passwd", "/etc/passwd"},
@@ -60,7 +60,7 @@ TEST_F(StartupVolumeTest, FindsMacPathsInTheFolder) {
     EXPECT_EQ(HostPath("/Library/relative/", LastLink::kKeep), root + "/Library/Preferences/");
 }
 
-TEST_F(StartupVolumeTest, LeavesOtherPathsToThisMachine) {
+TEST_F(StartupVolumeTest, DoesNotRedirectOtherPaths) {
     for (const std::string path :
          {"/", "/etc/passwd", "/Librarys/x", "/tmp/../etc", "Library/x", "", "/library/x"})
         EXPECT_EQ(HostPath(path), path);
@@ -71,7 +71,7 @@ TEST_F(StartupVolumeTest, LeavesOtherPathsToThisMachine) {
     EXPECT_EQ(MacPath(root + "x"), root + "x");
 }
 
-TEST_F(StartupVolumeTest, SaysWhyAPathHasNoPlace) {
+TEST_F(StartupVolumeTest, ReportsWhyAPathCannotBeResolved) {
     struct Row {
         const char* condition;
         std::string path;
@@ -93,7 +93,7 @@ TEST_F(StartupVolumeTest, SaysWhyAPathHasNoPlace) {
     }
 }
 
-TEST_F(StartupVolumeTest, FollowsAChainOfFortyLinksAndNoMore) {
+TEST_F(StartupVolumeTest, FollowsAtMostFortyLinks) {
     fs::create_symlink("/Users/ann/notes", folder / "Mac/Users/link1");
     for (int i = 2; i <= 41; ++i)
         fs::create_symlink("link" + std::to_string(i - 1), folder / ("Mac/Users/link" + std::to_string(i)));
@@ -102,7 +102,7 @@ TEST_F(StartupVolumeTest, FollowsAChainOfFortyLinksAndNoMore) {
     EXPECT_EQ(errno, ELOOP);
 }
 
-TEST_F(StartupVolumeTest, IsAFolderOrTheOldSettingStays) {
+TEST_F(StartupVolumeTest, KeepsTheOldSettingIfTheNewOneIsNoDirectory) {
     EXPECT_FALSE(SetStartupVolume(folder / "missing"));
     EXPECT_EQ(errno, ENOENT);
     EXPECT_FALSE(SetStartupVolume(folder / "outside/secret"));
