@@ -4,7 +4,8 @@
 
 MACPLATFORM_C_BEGIN
 
-/// Names an object by its class, what holds it, and a key of the given form.
+/// Creates a descriptor that identifies an object by its class, its container, and a key of the given form.
+/// Disposes of `container` and `keyData` if `disposeInputs` is true.
 OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType keyForm, AEDesc* keyData,
                          Boolean disposeInputs, AEDesc* specifier);
 

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Apple events: typed records sent to another program. The Finder is the only one that answers here, and
-/// moving a file to the Trash the only thing that it does.
+/// Apple events: typed records that are sent to another program. In this layer the only receiver is the
+/// Finder, and the only supported event moves a file to the Trash.
 
 #include <MacTypes.h>
 
@@ -52,15 +52,16 @@ enum : long { kAEDefaultTimeout = -1 };
 
 MACPLATFORM_C_BEGIN
 
-/// Each of these copies what it is given. The caller disposes of what it gets.
+/// Each of the three functions below copies its inputs. The caller disposes of the result.
 OSErr AECreateDesc(DescType, const void* data, Size, AEDesc* result);
 OSErr AECreateAppleEvent(AEEventClass, AEEventID, const AEAddressDesc* target, AEReturnID, AETransactionID,
                          AppleEvent* result);
 OSErr AEPutParamDesc(AppleEvent*, AEKeyword, const AEDesc*);
-/// noErr says only that a reply came; the Finder's own failure is the reply's 'errn'.
+/// Sends the event. The result noErr means only that a reply arrived. The Finder reports its own failure in
+/// the parameter 'errn' of the reply.
 OSErr AESend(const AppleEvent*, AppleEvent* reply, AESendMode, AESendPriority, long timeoutInTicks, AEIdleUPP,
              AEFilterUPP);
-/// Leaves a null descriptor, so that a second call is harmless.
+/// Frees the data and sets the descriptor to null. A second call has no effect.
 OSErr AEDisposeDesc(AEDesc*);
 
 MACPLATFORM_C_END

@@ -1,5 +1,7 @@
 #pragma once
 
+/// Includes all declarations of CoreFoundation and Carbon.
+
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <Carbon/AEObjects.h>

@@ -1,5 +1,7 @@
 #pragma once
 
+/// Alerts of the Dialog Manager.
+
 #include <MacTypes.h>
 
 using DialogItemIndex = SInt16;
@@ -9,8 +11,9 @@ using ModalFilterUPP = Boolean (*)(DialogRef, EventRecord*, DialogItemIndex*);
 
 MACPLATFORM_C_BEGIN
 
-/// Shows the alert of this resource number with the stop icon. The number of the item chosen, or -1 when
-/// nothing was shown, for instance because no open resource file has the alert.
+/// Shows the alert with this resource number and the stop icon. Returns the number of the chosen item,
+/// from 1. Returns -1 if the alert was not shown, for instance because no open resource file contains the
+/// alert.
 DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP filter);
 
 MACPLATFORM_C_END

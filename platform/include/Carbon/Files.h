@@ -4,8 +4,9 @@
 
 #include <MacTypes.h>
 
-/// An existing item, by its path and its identity: fnfErr once it was renamed or removed, also when another
-/// item took its place. Good in this process only, where the last 4096 items stay known; errFSBadFSRef else.
+/// A reference to an existing item by path and identity. After the item was renamed, removed or replaced by
+/// another item, functions return fnfErr for the reference. A reference is valid only in the process that
+/// created it, and only for the last 4096 items. Functions return errFSBadFSRef for any other reference.
 struct FSRef {
     UInt8 hidden[80];
 };
@@ -63,16 +64,18 @@ static_assert(sizeof(FSCatalogInfo) == 144);
 
 MACPLATFORM_C_BEGIN
 
-/// The item at a UTF-8 path; a link in last place is followed. `isDirectory` may be null.
+/// Creates a reference to the item at a UTF-8 path. Follows a symbolic link at the end of the path.
+/// `isDirectory` may be null.
 OSStatus FSPathMakeRef(const UInt8* path, FSRef*, Boolean* isDirectory);
-/// Fills what the bitmap asks for: node flags and Finder information here, errFSBadInfoBitmap for more.
-/// `name`, `spec` and `parent` are not answered here and must be null (paramErr).
+/// Writes the fields that the bitmap selects. This layer supports the node flags and the Finder information,
+/// and returns errFSBadInfoBitmap for other bits. `name`, `spec` and `parent` are not supported: the result
+/// is paramErr unless all three are null.
 OSErr FSGetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, FSCatalogInfo*, HFSUniStr255* name, FSSpec* spec,
                        FSRef* parent);
-/// Writes the first sixteen bytes of the Finder information and nothing else of the item; errFSBadInfoBitmap
-/// for anything else. Nothing is written when the item has them already.
+/// Writes the first sixteen bytes of the item's Finder information. Returns errFSBadInfoBitmap for other bits
+/// of the bitmap. Writes nothing if the item already has the same bytes.
 OSErr FSSetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, const FSCatalogInfo*);
-/// Not supported by the volumes of this layer (errFSOperationNotSupported), as on the Mac's newer ones.
+/// Returns errFSOperationNotSupported. Newer volumes of the Mac do not support the function either.
 OSErr FSExchangeObjects(const FSRef*, const FSRef*);
 
 MACPLATFORM_C_END

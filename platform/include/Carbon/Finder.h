@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the Finder keeps about an item, in the order of bytes of this machine.
+/// The Finder information of an item, in the byte order of this machine.
 
 #include <MacTypes.h>
 

@@ -1,7 +1,6 @@
 #pragma once
 
-/// Result codes, as far as this layer answers them. What the system refuses for want of rights (EPERM,
-/// EACCES) is permErr.
+/// The result codes that this layer returns. permErr stands for the errno values EPERM and EACCES.
 
 #include <MacTypes.h>
 

@@ -1,17 +1,17 @@
 #pragma once
 
-/// Nonrelocatable blocks. They are no business of malloc and free.
+/// Nonrelocatable memory blocks. Do not pass the blocks to free or realloc.
 
 #include <MacTypes.h>
 
 MACPLATFORM_C_BEGIN
 
-/// An uninitialised block, 16-byte aligned; null and memFullErr when there is no memory or `size` is
-/// negative.
+/// Allocates an uninitialised block of `size` bytes with an alignment of 16 bytes. Returns null and sets the
+/// result of MemError to memFullErr for lack of memory and for a negative size.
 Ptr NewPtr(Size size);
-/// Null does nothing; a pointer that is no such block ends the process, as heap damage would.
+/// Frees a block of `NewPtr`. Does nothing for null. Any other pointer ends the process.
 void DisposePtr(Ptr block);
-/// Result of this thread's last call of the Memory Manager.
+/// Returns the result of the last call of NewPtr or DisposePtr on this thread.
 OSErr MemError(void);
 
 MACPLATFORM_C_END

@@ -4,7 +4,7 @@
 
 MACPLATFORM_C_BEGIN
 
-/// Processors of the machine, at least 1.
+/// Returns the number of processors of the machine, at least 1.
 ItemCount MPProcessors(void);
 
 MACPLATFORM_C_END

@@ -1,5 +1,7 @@
 #pragma once
 
+/// The Process Manager: information about the current process.
+
 #include <Carbon/Files.h>
 
 #pragma pack(push, 2)
@@ -7,8 +9,9 @@ struct ProcessSerialNumber {
     UInt32 highLongOfPSN;
     UInt32 lowLongOfPSN;
 };
-/// The caller sets the length to the record's size; the name and the application's FSSpec are written through
-/// when they are not null.
+/// Information about a process. The caller sets `processInfoLength` to the size of the record in bytes. The
+/// caller may set `processName` and `processAppSpec` to buffers for the name and the FSSpec of the
+/// application, or to null.
 struct ProcessInfoRec {
     UInt32 processInfoLength;
     StringPtr processName;
@@ -30,8 +33,8 @@ enum : UInt32 { kNoProcess = 0, kSystemProcess = 1, kCurrentProcess = 2 };
 
 MACPLATFORM_C_BEGIN
 
-/// About the current process only (procNotFound else). The name is the executable's file name, its bytes as
-/// they are, as a Pascal string of at most 255 bytes.
+/// Writes information about the current process. Returns procNotFound for any other process. The name is the
+/// unchanged file name of the executable, as a Pascal string of at most 255 bytes.
 OSErr GetProcessInformation(const ProcessSerialNumber*, ProcessInfoRec*);
 
 MACPLATFORM_C_END

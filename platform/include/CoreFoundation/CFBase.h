@@ -1,7 +1,8 @@
 #pragma once
 
-/// Objects and their ownership. A function with Create or Copy in its name gives the caller one reference;
-/// one with Get lends. Out of memory answers null.
+/// Objects and their ownership. A function with Create or Copy in its name gives the caller one reference. A
+/// function with Get in its name returns a borrowed object. A function that creates an object returns null
+/// for lack of memory.
 
 #include <MacTypes.h>
 
@@ -30,13 +31,13 @@ using CFStringRef = const struct __CFString*;
 
 MACPLATFORM_C_BEGIN
 
-extern const CFAllocatorRef kCFAllocatorDefault; ///< A null constant.
+extern const CFAllocatorRef kCFAllocatorDefault; ///< Null.
 extern const CFAllocatorRef kCFAllocatorSystemDefault;
 
-/// A null object ends the process, in all five functions, with a line that says so.
+/// A null object ends the process with a message, in all five functions below.
 CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
-CFIndex CFGetRetainCount(CFTypeRef object); ///< 0x7FFFFFFF for an object that is never freed.
+CFIndex CFGetRetainCount(CFTypeRef object); ///< Returns 0x7FFFFFFF for an object that is never freed.
 CFTypeID CFGetTypeID(CFTypeRef object);
 
 Boolean CFEqual(CFTypeRef left, CFTypeRef right);

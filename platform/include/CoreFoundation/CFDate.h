@@ -1,5 +1,7 @@
 #pragma once
 
+/// The wall clock.
+
 #include <CoreFoundation/CFBase.h>
 
 using CFTimeInterval = double;
@@ -7,7 +9,7 @@ using CFAbsoluteTime = CFTimeInterval;
 
 MACPLATFORM_C_BEGIN
 
-/// Seconds since 2001-01-01 00:00:00 GMT by the wall clock.
+/// Returns the seconds since 2001-01-01 00:00:00 GMT on the wall clock.
 CFAbsoluteTime CFAbsoluteTimeGetCurrent(void);
 
 MACPLATFORM_C_END

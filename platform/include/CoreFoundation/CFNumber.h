@@ -1,5 +1,7 @@
 #pragma once
 
+/// Numbers: an integer or a floating-point number as an object.
+
 #include <CoreFoundation/CFBase.h>
 
 using CFNumberRef = const struct __CFNumber*;
@@ -24,8 +26,11 @@ enum CFNumberType : int {
 MACPLATFORM_C_BEGIN
 
 CFTypeID CFNumberGetTypeID(void);
+/// Reads the value as the C type of the number type. Returns null for an unknown type. A null `value` ends
+/// the process.
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType, const void* value);
-/// False when the value does not fit the type without loss.
+/// Writes the number as the C type of the number type, or the nearest value of that type. Returns false if
+/// the conversion loses information or the type is unknown.
 Boolean CFNumberGetValue(CFNumberRef, CFNumberType, void* value);
 
 MACPLATFORM_C_END

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Loadable bundles that offer instances of a type through a factory function. The factories and types of a
-/// plug-in are known to the whole process for as long as the plug-in has a reference.
+/// Loadable bundles that create instances of a type through a factory function. The factories and types of a
+/// plug-in are registered in the whole process as long as the plug-in has a reference.
 
 #include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFBundle.h>
@@ -13,19 +13,20 @@ using CFPlugInFactoryFunction = void* (*)(CFAllocatorRef, CFUUIDRef type);
 
 MACPLATFORM_C_BEGIN
 
-/// Reads the bundle's property list and registers its factories and types; loads no code yet. Null when there
-/// is no bundle or its list cannot be read. The same folder again gives the same object with one more
-/// reference. Code that was loaded stays loaded to the end of the process.
+/// Reads the bundle's property list and registers its factories and types. The function loads no code.
+/// Returns null if there is no bundle or its property list cannot be read. A second call with the same
+/// directory returns the same object and adds one reference. Loaded code stays loaded until the process ends.
 CFPlugInRef CFPlugInCreate(CFAllocatorRef, CFURLRef);
-/// An array of CFUUIDRef that the caller releases; null when nobody registered the type, empty when only
-/// other plug-ins have it.
+/// Returns an array of CFUUIDRef, which the caller releases. Returns null if no plug-in has registered the
+/// type, and an empty array if only other plug-ins have registered the type.
 CFArrayRef CFPlugInFindFactoriesForPlugInTypeInPlugIn(CFUUIDRef type, CFPlugInRef);
-/// Loads the code if need be and answers what the factory function answers; null also when the factory or the
-/// type is unknown, or the code cannot be loaded (macplatform/Bundles.h tells which).
+/// Loads the code if necessary, calls the factory function and returns its result. Also returns null if the
+/// factory or the type is unknown, or if the code cannot be loaded. macplatform/Bundles.h gives the reason.
 void* CFPlugInInstanceCreate(CFAllocatorRef, CFUUIDRef factory, CFUUIDRef type);
 
-/// The plug-in's own duty, once for each instance made and freed: each instance holds a reference to the
-/// plug-in.
+/// Add and release the reference that each instance holds to its plug-in. The plug-in itself must call the
+/// first function once for each instance that it creates, and the second once for each instance that it
+/// frees.
 void CFPlugInAddInstanceForFactory(CFUUIDRef factory);
 void CFPlugInRemoveInstanceForFactory(CFUUIDRef factory);
 

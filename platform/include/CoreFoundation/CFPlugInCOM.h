@@ -1,6 +1,6 @@
 #pragma once
 
-/// The C form of the interface that every plug-in instance begins with.
+/// The C declaration of IUnknown, the interface at the beginning of every plug-in instance.
 
 #include <CoreFoundation/CFUUID.h>
 
@@ -9,11 +9,11 @@ using ULONG = UInt32;
 using LPVOID = void*;
 using REFIID = CFUUIDBytes;
 
-// The Mac's own values, not those of other systems.
+// The values of the Mac. Other systems use other values.
 #define S_OK (static_cast<HRESULT>(0x00000000))
 #define E_NOINTERFACE (static_cast<HRESULT>(0x80000004UL))
 
-/// First slots of every function block.
+/// The first members of every function table.
 #define IUNKNOWN_C_GUTS                                                                                      \
     void* _reserved;                                                                                         \
     HRESULT (*QueryInterface)(void* self, REFIID iid, LPVOID* result);                                       \

@@ -1,5 +1,7 @@
 #pragma once
 
+/// URLs of files and directories.
+
 #include <CoreFoundation/CFBase.h>
 
 using CFURLRef = const struct __CFURL*;
@@ -13,9 +15,10 @@ enum CFURLPathStyle : CFIndex {
 
 MACPLATFORM_C_BEGIN
 
-/// POSIX paths only: the other styles answer null, as an empty path does.
+/// Creates a URL from a POSIX path. Returns null for an empty path and for the other path styles.
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle, Boolean isDirectory);
-/// False when there is nothing at the path. A link in last place is followed.
+/// Writes a reference to the item at the path. Follows a symbolic link at the end of the path. Returns false
+/// if there is no item.
 Boolean CFURLGetFSRef(CFURLRef, FSRef*);
 
 MACPLATFORM_C_END

@@ -1,5 +1,7 @@
 #pragma once
 
+/// Includes all declarations of CoreFoundation.
+
 #include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFBase.h>
 #include <CoreFoundation/CFBundle.h>

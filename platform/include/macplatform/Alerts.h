@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Who answers the alerts.
+/// Sets the alert responder: the function that answers the alerts of this process.
 
 #include <functional>
 #include <string>
@@ -10,23 +10,24 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-/// What is to be asked.
+/// The contents of an alert.
 struct Alert {
-    /// `NSAlert`'s, or that of `StopAlert`.
+    /// `kMessage` is an alert of `NSAlert`, `kStop` an alert of `StopAlert`.
     enum class Kind { kMessage, kStop };
-    Kind kind = Kind::kMessage; ///< Says which of the other members mean something.
-    std::string message;        ///< UTF-8; empty for a stop alert, whose text lies in a resource.
-    std::vector<std::string>
-        buttons;      ///< In the order in which they were added; the platform's one "OK" when none was.
-    int resource = 0; ///< The number of a stop alert.
+    Kind kind = Kind::kMessage; ///< Determines which of the other members are valid.
+    std::string message;        ///< UTF-8; empty for a stop alert, whose text is in a resource.
+    /// The titles of the buttons in the order of their addition. A message without buttons gets the button
+    /// "OK".
+    std::vector<std::string> buttons;
+    int resource = 0; ///< The resource number of a stop alert.
 };
 
-/// The answer is the place of the chosen button, from 0. Any other means that the alert could not be shown:
-/// `runModal` then answers -1001, as for an alert that was aborted, and StopAlert -1.
+/// Answers an alert with the index of the chosen button, from 0. Any other result means that the alert was
+/// not shown. `runModal` then returns -1001, the value for an aborted alert, and StopAlert returns -1.
 using AlertResponder = std::function<int(const Alert&)>;
 
-/// Replaces the presenter; an empty one restores the first one, which shows nothing and chooses the first
-/// button of a message, and answers -1 for a stop alert.
+/// Replaces the alert responder. An empty function restores the default responder. The default responder
+/// shows nothing, chooses the first button of a message, and answers a stop alert with -1.
 void SetAlertResponder(AlertResponder responder);
 
 } // namespace macplatform

@@ -1,45 +1,46 @@
 #pragma once
 
 /// @file
-/// Why a plug-in gave no instance.
+/// Reports why a plug-in could not be loaded or did not create an instance.
 
 #include <string>
 
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-/// The first thing that stood in the way.
+/// The first fault of a failed attempt.
 enum class BundleFault {
     kNone,
-    kNoBundle,           ///< No such folder, or no property list in it.
-    kBrokenPropertyList, ///< The property list cannot be read or holds no dictionary.
-    kMissingKey,        ///< The property list lacks a key, a factory or a type, or has a key in a wrong form.
+    kNoBundle,           ///< The directory is missing or has no property list.
+    kBrokenPropertyList, ///< The property list cannot be read or is no dictionary.
+    kMissingKey,        ///< The property list lacks a key, a factory or a type, or a key has a wrong value.
     kNoExecutable,      ///< The file that the property list names is missing, unreadable or no regular file.
-    kWrongArchitecture, ///< It was made for another processor or system, or is no program code.
-    kCannotLoad,        ///< The dynamic linker refused it.
+    kWrongArchitecture, ///< The code is for another processor or system, or the file is no code.
+    kCannotLoad,        ///< The dynamic linker rejected the code.
     kSymbolMissing,     ///< The factory function is not exported.
-    kFactoryRefused,    ///< The factory function answered null.
+    kFactoryRefused,    ///< The factory function returned null.
 };
 
-/// What went wrong in the last attempt.
+/// The result of the last attempt to load or use a plug-in.
 struct BundleFailure {
-    /// `kNone` with an empty `text` if nothing did. `kMissingKey` also after a CFPlugInCreate that returned a
-    /// plug-in whose property list lacks one of the two CFPlugIn dictionaries.
+    /// `kNone` after a success; `text` is then empty. Exception: after CFPlugInCreate has returned a plug-in
+    /// whose property list lacks one of the two CFPlugIn dictionaries, the fault is `kMissingKey`.
     BundleFault fault = BundleFault::kNone;
-    std::string text; ///< One line that names the thing and its path.
+    std::string text; ///< One line that names the faulty item and its path.
 };
 
-/// Says whether a bundle that has code for this system and for the Mac is loaded from the latter from now on.
-/// Returns false and changes nothing if `preferred` is true and such code cannot run: only 32-bit x86
-/// processes can run it.
+/// Sets which code of a bundle is loaded if the bundle has code for this system and for the Mac: the Mac's
+/// code if `preferred` is true. Only 32-bit x86 processes can run the Mac's code. In any other process,
+/// returns false and changes nothing if `preferred` is true.
 bool PreferMacCode(bool preferred);
-bool MacCodeIsPreferred(); ///< As last set; false at first.
+bool MacCodeIsPreferred(); ///< Returns the setting of `PreferMacCode`, false at first.
 
-/// About the last CFPlugInCreate, CFPlugInInstanceCreate or BundleSymbol of this process.
+/// Returns the result of the last CFPlugInCreate, CFPlugInInstanceCreate or BundleSymbol in this process.
 const BundleFailure& LastBundleFailure();
 
-/// The address of an exported symbol of the plug-in that `CFPlugInCreate` answered, its code loaded if need
-/// be; null when there is none, and then LastBundleFailure tells why.
+/// Loads the code of the plug-in if necessary and returns the address of an exported symbol. `plugIn` must be
+/// a result of `CFPlugInCreate`. Returns null if the symbol is missing or the code cannot be loaded;
+/// LastBundleFailure gives the reason.
 void* BundleSymbol(const void* plugIn, const std::string& name);
 
 } // namespace macplatform

@@ -1,11 +1,11 @@
 #pragma once
 
 /// @file
-/// What the platform is asked to do, in order, and what it is made to refuse.
+/// The call log and fault injection: an observer receives each platform call, and faults make calls fail.
 ///
-/// While an observer is set, each platform call (those of `CoreFoundation/` except CFSTR, `Carbon/`, `objc/`,
-/// `mach/`, `sys/`, and path calls of the C library that fall on the startup volume) is told to it after it
-/// is done. Calls that the platform makes of itself on the way are not told.
+/// Platform calls are the functions of `CoreFoundation/` except CFSTR, of `Carbon/`, `objc/`, `mach/` and
+/// `sys/`, and the path calls of the C library that are redirected to the startup volume. Calls that the
+/// platform itself makes during a platform call are not recorded.
 
 #include <functional>
 #include <string>
@@ -14,36 +14,42 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-/// One call, after it is done.
+/// One completed call.
 struct RecordedCall {
     std::string call; ///< The function's name.
-    /// As a person would write them: texts in quotation marks; of objc_msgSend receiver, selector and
-    /// argument.
+    /// The arguments in readable notation, with strings in quotation marks. For objc_msgSend: receiver,
+    /// selector and argument.
     std::vector<std::string> arguments;
-    std::string result; ///< Empty for a call without result.
-    std::string note;   ///< Why it failed or had no effect, where the result does not tell.
+    std::string result; ///< Empty for a function without a result.
+    std::string note;   ///< Why the call failed or had no effect; empty if the result shows the reason.
 };
 
-/// Called on the thread that made the call, before that goes on.
+/// Receives a completed call, on the thread of the call, before the call returns to its caller.
 using CallObserver = std::function<void(const RecordedCall&)>;
 
-/// Replaces the observer; an empty one ends the telling. The observer must not throw.
+/// Replaces the observer. An empty function ends the recording. The observer must not throw.
 void SetCallObserver(CallObserver observer);
 
-/// A failure that is ordered: the call of this name fails once, after `skip` more calls of it, in the way of
-/// its kind: null for a function that makes an object, false for one that answers yes or no, -1 for
-/// StopAlert, `code` as the result code of the other Carbon calls, and `code` as errno for those of the C
-/// library. It then has no other effect. Calls that cannot fail (CFRetain, CFRelease, CFStringGetLength,
-/// AEDisposeDesc, the clocks and others) never meet an ordered failure, which then waits.
+/// An injected fault: after `skip` further calls, one call of this function fails and has no other effect.
+///
+/// The result of the failed call depends on the function:
+/// - null for a function that creates an object,
+/// - false for a function that returns a Boolean,
+/// - -1 for StopAlert,
+/// - `code` for the other functions of Carbon and for mach_timebase_info,
+/// - the failure value, with errno set to `code`, for the C library, sysctl and sysctlnametomib.
+///
+/// Some functions cannot fail, for instance CFRetain, CFRelease, CFStringGetLength, AEDisposeDesc and the
+/// clocks. A fault for such a function stays pending.
 struct InjectedFault {
-    std::string call;  ///< The function's name, as the journal tells it.
-    long code = 0;     ///< For calls that answer with a code.
-    unsigned skip = 0; ///< Calls that succeed before.
+    std::string call;  ///< The function's name in the call log.
+    long code = 0;     ///< The result code or errno, for functions that return a code.
+    unsigned skip = 0; ///< The number of calls that succeed before the fault.
 };
-/// Adds one to those that are waiting. A name that no call has waits until `CancelInjectedFaults`.
+/// Adds a fault to the pending faults. A fault with an unknown name stays pending until `CancelInjectedFaults`.
 void InjectFault(const InjectedFault& fault);
 
-/// Takes back every fault that has not happened yet; answers how many those were.
+/// Removes all pending faults and returns their number.
 std::size_t CancelInjectedFaults();
 
 } // namespace macplatform

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Finder flags of an item of this machine.
+/// Reads Finder flags, and simulates file systems without extended attributes.
 
 #include <cstdint>
 #include <optional>
@@ -10,13 +10,14 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-/// Changes nothing. The flags (Carbon/Finder.h) from the extended attribute or the AppleDouble sidecar; 0
-/// when the item has no Finder information, nothing when it cannot be read. A link itself is asked, not what
-/// it points to.
+/// Returns the Finder flags of an item of this machine, from the extended attribute or the AppleDouble
+/// sidecar. Carbon/Finder.h declares the flags. Returns 0 if the item has no Finder information, and nothing
+/// if the Finder information cannot be read. Does not follow a symbolic link at the end of the path. Changes
+/// nothing on disk.
 std::optional<std::uint16_t> ReadFinderFlags(const std::string& path);
 
-/// Makes every file system look like one that takes no extended attributes, so that Finder information goes
-/// into sidecars; false restores what is so.
+/// If `refused` is true, makes the platform treat every file system as one without extended attributes, so
+/// that Finder information is stored in sidecars. If `refused` is false, restores normal behaviour.
 void RefuseExtendedAttributes(bool refused);
 
 } // namespace macplatform

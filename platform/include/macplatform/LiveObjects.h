@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// What was made and not freed: objects, Memory Manager blocks, alerts, Apple-event descriptors.
-/// Constant strings and constant UUIDs are never freed and do not count.
+/// Counts and lists the live objects: objects, Memory Manager blocks, alerts and Apple-event descriptors that
+/// were created and not freed. Constant strings and constant UUIDs are never freed and are not counted.
 
 #include <cstddef>
 #include <string>
@@ -11,9 +11,12 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-std::size_t LiveObjectCount(); ///< Of all kinds together; compare it before and after.
+/// Returns the number of live objects of all kinds. A test for leaks compares the numbers before and after a
+/// call.
+std::size_t LiveObjectCount();
 
-/// One line each, in the order of their making: kind, value as a person would write it, references.
+/// Returns one line for each live object, in order of creation: the kind, the value in readable notation, and
+/// for CoreFoundation objects the number of references.
 std::vector<std::string> DescribeLiveObjects();
 
 } // namespace macplatform

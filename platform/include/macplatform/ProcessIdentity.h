@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What the platform says of this process and machine, where a test or a tool must decide it.
+/// Overrides what the platform reports about this process and this machine, for tests and tools.
 
 #include <cstdint>
 #include <optional>
@@ -10,14 +10,14 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-/// The name that the Process Manager gives instead of the executable's; an empty one restores that.
+/// Sets the name that the Process Manager returns. An empty name restores the file name of the executable.
 void SetProcessName(const std::string& name);
 
-/// What "hw.cpufrequency" answers instead of the kernel's figure, in hertz; nothing restores that, 0 makes
-/// the name unknown.
+/// Sets the value of "hw.cpufrequency" in hertz. 0 makes the name unknown. `std::nullopt` restores the
+/// kernel's value.
 void SetCpuFrequency(std::optional<std::uint64_t> hertz);
 
-/// What MPProcessors answers instead of the kernel's count; nothing restores that.
+/// Sets the result of MPProcessors. `std::nullopt` restores the kernel's count.
 void SetProcessorCount(std::optional<unsigned> count);
 
 } // namespace macplatform

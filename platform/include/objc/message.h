@@ -4,7 +4,8 @@
 
 MACPLATFORM_C_BEGIN
 
-/// Sends a message. Callers cast it to the exact function type of the method. A null receiver answers 0.
+/// Sends a message to an object. Callers cast the function to the exact type of the method. The result for a
+/// null receiver is 0.
 void objc_msgSend(void);
 
 MACPLATFORM_C_END

@@ -1,5 +1,7 @@
 #pragma once
 
+/// The basic types of Objective-C: objects, selectors and classes.
+
 #include <MacTypes.h>
 
 using id = struct objc_object*;

@@ -1,5 +1,5 @@
 #pragma once
-#pragma GCC system_header // #include_next is an extension that the warnings of a user's build would name
+#pragma GCC system_header // suppresses the warning about the extension #include_next in a user's build
 
 // The Mac declares statfs here.
 #include_next <sys/mount.h>
