@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
-// Answers are made in the platform layer and given back by the program, which may have an operator delete of
-// its own.
-TEST(ProgramOperators, MakeTheObjectsOfThePlatform) {
+// The platform allocates its results and the program frees them. A program may replace operator new and
+// operator delete, so the platform must allocate with the program's operators.
+TEST(ProgramOperators, AllocateTheResultsOfThePlatform) {
     const Ptr block = NewPtr(100);
     EXPECT_GT(AllocationsOf([] { macplatform::DescribeLiveObjects(); }), 0U);
     DisposePtr(block);
