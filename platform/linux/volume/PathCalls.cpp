@@ -60,9 +60,10 @@ private:
 
 #pragma GCC visibility push(default)
 
-/// Defines a call whose first parameter is the path. The macro's parameters are: result type, result of a
-/// failed call, symbol of the C library, name in the call log, treatment of a link at the end of the path,
-/// further parameters, and the same as arguments.
+/// Defines a call whose first parameter is the path. RESULT is the type of the result, FAILURE the result of
+/// a failed call, SYMBOL the function of the C library, NAME its name in the call log. LINK is kFollow if the
+/// call follows a link at the end of the path, else kKeep. PARAMETERS are the parameters after the path, each
+/// with COMMA before it. The last macro argument has the names of these parameters.
 #define PATH_CALL(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                      \
     namespace interposed {                                                                                   \
     RESULT SYMBOL(const char* path PARAMETERS) __asm__(#SYMBOL);                                             \
@@ -158,8 +159,10 @@ OPEN_2_CALL(__open_2, open)
 OPEN_2_CALL(__open64_2, open64)
 OPENAT_2_CALL(__openat_2, openat)
 OPENAT_2_CALL(__openat64_2, openat64)
+// PATH_CALL(result, failure, symbol, name in the call log, last link, parameters, arguments)
 PATH_CALL(int, -1, creat, "creat", kFollow, COMMA unsigned mode, COMMA mode)
 PATH_CALL(int, -1, creat64, "creat", kFollow, COMMA unsigned mode, COMMA mode)
+// STREAM_CALL(symbol, name in the call log, parameters, arguments)
 STREAM_CALL(fopen, "fopen", , )
 STREAM_CALL(fopen64, "fopen", , )
 STREAM_CALL(freopen, "freopen", COMMA void* file, COMMA file)
@@ -171,6 +174,7 @@ PATH_CALL(int, -1, scandir64, "scandir", kFollow, COMMA void* list COMMA void* f
           COMMA list COMMA filter COMMA compare)
 
 // Calls that query an item.
+// PATH_CALL(result, failure, symbol, name in the call log, last link, parameters, arguments)
 PATH_CALL(int, -1, stat, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL(int, -1, stat64, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL(int, -1, lstat, "lstat", kKeep, COMMA void* status, COMMA status)
@@ -224,6 +228,7 @@ PATH_CALL_AT(int, -1, __xmknod, "mknod", kKeep, COMMA unsigned mode COMMA dev_t*
              COMMA mode COMMA device)
 
 // Calls that change the directory tree.
+// PATH_CALL(result, failure, symbol, name in the call log, last link, parameters, arguments)
 PATH_CALL(int, -1, mkdir, "mkdir", kKeep, COMMA unsigned mode, COMMA mode)
 PATH_CALL_AT(int, -1, mkdirat, "mkdirat", kKeep, COMMA unsigned mode, COMMA mode)
 PATH_CALL(int, -1, mkfifo, "mkfifo", kKeep, COMMA unsigned mode, COMMA mode)
@@ -238,6 +243,7 @@ PATH_CALL(int, -1, remove, "remove", kKeep, , )
 PATH_CALL(int, -1, chdir, "chdir", kFollow, , )
 
 // Calls that change an item.
+// PATH_CALL(result, failure, symbol, name in the call log, last link, parameters, arguments)
 PATH_CALL(int, -1, chmod, "chmod", kFollow, COMMA unsigned mode, COMMA mode)
 PATH_CALL_AT(int, -1, fchmodat, "fchmodat", linkOf(flags), COMMA unsigned mode COMMA int flags,
              COMMA mode COMMA flags)
@@ -296,6 +302,7 @@ PATH_CALL_AT(int, -1, __utimensat64, "utimensat", linkOf(flags), COMMA const voi
         };                                                                                                   \
         return CallOnVolume<int>(NAME, -1, kFollow, path, make, path, visit __VA_ARGS__);                    \
     }
+// WALK_CALL(symbol, name in the call log, parameters, arguments)
 WALK_CALL(ftw, "ftw", COMMA int descriptors, COMMA descriptors)
 WALK_CALL(ftw64, "ftw", COMMA int descriptors, COMMA descriptors)
 WALK_CALL(nftw, "nftw", COMMA int descriptors COMMA int flags, COMMA descriptors COMMA flags)
