@@ -13,12 +13,12 @@ enum class BundleFault {
     kNone,
     kNoBundle,           ///< The directory is missing or has no property list.
     kBrokenPropertyList, ///< The property list cannot be read or is no dictionary.
-    kMissingKey,        ///< The property list lacks a key, a factory or a type, or a key has a wrong value.
-    kNoExecutable,      ///< The file that the property list names is missing, unreadable or no regular file.
-    kWrongArchitecture, ///< The code is for another processor or system, or the file is no code.
-    kCannotLoad,        ///< The dynamic linker rejected the code.
-    kSymbolMissing,     ///< The factory function is not exported.
-    kFactoryRefused,    ///< The factory function returned null.
+    kMissingKey,         ///< The property list lacks a key, a factory or a type, or a key has a wrong value.
+    kNoExecutable,       ///< The file that the property list names is missing, unreadable or no regular file.
+    kWrongArchitecture,  ///< The code is for another processor or system, or the file is no code.
+    kCannotLoad,         ///< The dynamic linker rejected the code.
+    kSymbolMissing,      ///< The factory function is not exported.
+    kFactoryRefused,     ///< The factory function returned null.
 };
 
 /// The result of the last attempt to load or use a plug-in.

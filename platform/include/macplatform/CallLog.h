@@ -46,7 +46,8 @@ struct InjectedFault {
     long code = 0;     ///< The result code or errno, for functions that return a code.
     unsigned skip = 0; ///< The number of calls that succeed before the fault.
 };
-/// Adds a fault to the pending faults. A fault with an unknown name stays pending until `CancelInjectedFaults`.
+/// Adds a fault to the pending faults. A fault with an unknown name stays pending until
+/// `CancelInjectedFaults`.
 void InjectFault(const InjectedFault& fault);
 
 /// Removes all pending faults and returns their number.

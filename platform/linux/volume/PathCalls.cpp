@@ -5,7 +5,7 @@
 // Not interposed: raw system calls, exec, dlopen, fts, glob, and getcwd, which returns a path of this
 // machine.
 //
-// The C++ in a namespace of the functions differ from their symbols, which assembler labels set. The functions
+// The C++ names of the functions differ from their symbols, which assembler labels set. The functions
 // therefore need not match the exact declarations of the C library. The variants for 32-bit and 64-bit file
 // offsets stay separate with every compiler setting.
 
