@@ -31,7 +31,7 @@ bool writeAll(int descriptor, const std::string& text) {
 
 void PrepareStandardStreams() {
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
-        // The lowest free number is given, so each open fills the gap that was found.
+        // `open` returns the lowest free number, which is this descriptor.
         if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) std::_Exit(70);
     }
     SetSignalEffect(SIGPIPE, SIG_IGN);
@@ -39,7 +39,7 @@ void PrepareStandardStreams() {
 
 void WriteResult(const std::string& text) {
     if (!writeAll(STDOUT_FILENO, text) && errno != EPIPE) {
-        throw ToolFault::FromErrno("the result cannot be written to standard output");
+        throw ToolFault::FromErrno("standard output: cannot write the result");
     }
 }
 

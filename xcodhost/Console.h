@@ -1,28 +1,29 @@
 #pragma once
 
-/// The program's own two output streams.
+/// The tool's standard output and standard error, and colour on a terminal.
 
 #include <string>
 
 namespace xcodhost {
 
-/// Opens the null device in place of standard streams that the caller closed, so that no file or socket of
-/// ours gets their numbers, and makes a reader that went away an error of the write instead of a deadly
-/// signal.
+/// Opens the null device for each standard stream that the caller has closed. Otherwise another file or
+/// socket of the tool would get the number of that stream. Ignores SIGPIPE: a write to a reader that has gone
+/// fails with EPIPE and does not end the process.
 void PrepareStandardStreams();
 
-/// Writes the result. A reader that went away is not told; any other refusal is a ToolFault.
+/// Writes the result to standard output. Throws `ToolFault` on an error, unless the reader has gone.
 void WriteResult(const std::string& text);
 
-/// One line on standard error, "xcodhost: " before it.
+/// Writes "xcodhost: " and the escaped line to standard error. Ignores errors.
 void Note(const std::string& line);
 
-/// Text on standard error as it is; what cannot be written is lost.
+/// Writes the unchanged text to standard error. Ignores errors.
 void WriteError(const std::string& text);
 
-/// Colour, where standard output is a terminal and the environment has no NO_COLOR.
+/// Adds colour to text.
 class Style {
 public:
+    /// Enables colour if standard output is a terminal, unless NO_COLOR is set and not empty.
     Style();
     explicit Style(bool colour) : isColoured(colour) {}
 

@@ -13,7 +13,8 @@ std::string hexDigits(std::uint32_t value, int count) {
     return text;
 }
 
-/// Bytes of the well-formed UTF-8 character that `text` begins with; 0 when there is none.
+/// Returns the number of bytes of the UTF-8 character at the start of `text`, or 0 if it is malformed. `text`
+/// must not be empty.
 std::size_t characterLength(std::string_view text) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char lead = byte(0);
@@ -29,7 +30,7 @@ std::size_t characterLength(std::string_view text) {
     return overlong || outside ? 0 : length;
 }
 
-/// U+0000 to U+001F, U+007F to U+009F: a terminal obeys these.
+/// Returns whether a terminal executes the character: U+0000 to U+001F and U+007F to U+009F.
 bool isControl(std::string_view character) {
     const auto lead = static_cast<unsigned char>(character[0]);
     return lead < 0x20 || lead == 0x7F || (lead == 0xC2 && static_cast<unsigned char>(character[1]) < 0xA0);

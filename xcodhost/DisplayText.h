@@ -1,6 +1,6 @@
 #pragma once
 
-/// Texts of unknown origin, made fit for one line of a terminal.
+/// Functions that make text for a person: escaped text of unknown origin, numbers, durations.
 
 #include <cstddef>
 #include <cstdint>
@@ -9,19 +9,20 @@
 
 namespace xcodhost {
 
-/// Control characters become `\r`, `\n`, `\t` or `\xNN`, and so do bytes that are no UTF-8.
+/// Returns the text for one line of a terminal. Writes control characters as `\r`, `\n`, `\t` or `\xNN`, and
+/// bytes that are not UTF-8 as `\xNN`.
 std::string Printable(std::string_view text);
 
-/// The same, in quotation marks.
+/// Returns `Printable(text)` in quotation marks.
 std::string PrintableQuoted(std::string_view text);
 
-/// "0x" and as many upper-case digits.
+/// Returns "0x" and the lowest `digits` hexadecimal digits of the value, in upper case.
 std::string Hex(std::uint32_t value, int digits);
 
-/// "1 change", "2 changes".
+/// Returns the count and the noun in singular or plural: "1 change", "2 changes".
 std::string Counted(std::size_t count, const std::string& noun);
 
-/// "0.2 s": as few digits as tell it.
+/// Returns a duration in seconds with the fewest digits that identify the number: "0.2 s".
 std::string Seconds(double seconds);
 
 } // namespace xcodhost

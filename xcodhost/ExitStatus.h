@@ -1,6 +1,6 @@
 #pragma once
 
-/// How the program ends, and the refusals that end it early.
+/// The exit statuses of the tool, and the exceptions that end the tool with one of them.
 
 #include <stdexcept>
 #include <string>
@@ -9,15 +9,15 @@ namespace xcodhost {
 
 enum class ExitStatus {
     kDone = 0,
-    kFailed = 1,    ///< The plug-in set an error bit, or a check failed.
-    kUsage = 2,     ///< Wrong usage: nothing was started and nothing written.
-    kNotLoaded = 3, ///< The bundle cannot be loaded.
-    kCrashed = 4,   ///< The bundle crashed, ended the process or let an exception out.
-    kTimeLimit = 5,
+    kFailed = 1,     ///< The plug-in set an error bit, or a check failed.
+    kUsage = 2,      ///< Wrong usage. No code of a bundle ran, and no volume was changed.
+    kNotLoaded = 3,  ///< The bundle cannot be loaded.
+    kCrashed = 4,    ///< The bundle crashed, ended the process or let an exception out.
+    kTimeLimit = 5,  ///< A call or the run exceeded its time limit.
     kToolFault = 70, ///< The tool could not do its own work.
 };
 
-/// What `main` says on one line of standard error before it ends with `status`.
+/// An error that ends the tool. `main` reports the text on one line of standard error and ends with `status`.
 class Refusal : public std::runtime_error {
 public:
     Refusal(ExitStatus refusalStatus, const std::string& text)
@@ -31,7 +31,7 @@ struct UsageError : Refusal {
 
 struct ToolFault : Refusal {
     explicit ToolFault(const std::string& text) : Refusal(ExitStatus::kToolFault, text) {}
-    /// The action that the system refused, and errno's reason.
+    /// Returns a fault with the text "ACTION: REASON". The reason is the description of `errno`.
     static ToolFault FromErrno(const std::string& action);
 };
 

@@ -32,7 +32,7 @@ Json ValueJson(const PropertyValue& value) {
     case PropertyValue::Kind::kDictionary:
         content = Json::object();
         for (std::size_t i = 0; i < value.keys.size(); ++i) {
-            // Appended: looking for each key first, as operator[] does, takes quadratic time.
+            // operator[] would search for each key, which takes quadratic time.
             content.get_ref<Json::object_t&>().emplace_back(value.keys[i], ValueJson(value.values[i]));
         }
         break;

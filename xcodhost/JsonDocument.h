@@ -1,6 +1,6 @@
 #pragma once
 
-/// JSON as every command prints it.
+/// The JSON documents that the commands print, and the JSON objects that several commands share.
 
 #include "ExitStatus.h"
 #include "volume/FinderFlagNames.h"
@@ -15,17 +15,18 @@ namespace xcodhost {
 
 using Json = nlohmann::ordered_json;
 
-/// Indented, one line feed at the end; bytes that are no UTF-8 become U+FFFD.
+/// Returns the document as indented text with a line feed at the end. U+FFFD replaces bytes that are not
+/// valid UTF-8.
 std::string DumpDocument(const Json& document);
 
-/// `{"error": {"kind", "message"}, "exitStatus"}`
+/// Returns the document `{"error": {"kind", "message"}, "exitStatus"}` of a run that ended with an error.
 std::string ErrorDocument(ExitStatus status, const std::string& message);
 
-/// `{"type", "value"}`: the value as JSON where it has one (integers, texts, booleans, arrays, dictionaries),
-/// else the text that a person would write.
+/// Returns `{"type", "value"}`. Integers, strings and booleans become JSON values. Arrays and dictionaries
+/// contain such objects. Every other type becomes a string.
 Json ValueJson(const macplatform::PropertyValue& value);
 
-/// `{"letter", "name", "mask"}`
+/// Returns `{"letter", "name", "mask"}`.
 Json FlagJson(const FinderFlagName& flag);
 
 } // namespace xcodhost

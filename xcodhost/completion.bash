@@ -1,12 +1,13 @@
-# Bash completion of xcodhost. It asks the tool itself, its help above all, so that the two always agree.
+# Bash completion of xcodhost. Reads the commands, options and checks from the output of the tool, so that the
+# completion always agrees with the tool.
 
-# Prints the first words of one section of a help text: _xcodhost_words SECTION <HELP
+# Prints the first word of each line in one section of a help text: _xcodhost_words SECTION <HELP
 _xcodhost_words() {
     sed -nE "/^$1:\$/,/^\$/s/^  (-h,)?([^ ]+).*/\2/p"
 }
 
-# Prints what the help says is to stand here: DIR, FILE, ID or nothing, "ID ..." where a further one may:
-# _xcodhost_kind HELP WORD-BEFORE...
+# Prints the kind of the current word according to the help text: DIR, FILE, ID or nothing. Prints "ID ..." if the
+# word can be a further value of an option that accepts several: _xcodhost_kind HELP WORD-BEFORE...
 _xcodhost_kind() {
     local option="" word value=""
     for word in "${@:2}"; do
@@ -17,7 +18,7 @@ _xcodhost_kind() {
         echo "${value% ...}"
     elif [[ $value == *... ]]; then
         echo "$value"
-    else # a word of its own, named by what it is or by its kind of path
+    else # a positional argument: DIR or FILE, or the name of the argument if it is not a path
         sed -nE '/^Positionals:$/,/^$/s/^  ([A-Z]+)( (DIR|FILE))? .*/\3 \1/p' <<<"$1" | sed 's/^ //; s/ .*//'
     fi
 }
@@ -32,7 +33,7 @@ _xcodhost() {
         commands+=("$name")
         help=$("$tool" "${commands[@]}" --help)
     done
-    if [[ $word == = ]]; then # "--option=value" comes as three words
+    if [[ $word == = ]]; then # bash splits "--option=value" into three words
         word=""
     elif [[ ${before[*]: -1} == = ]]; then
         unset "before[-1]"
@@ -45,9 +46,9 @@ _xcodhost() {
     FILE) compopt -o default ;;
     EVENT) offered="pre post both" ;;
     WHO) offered="ask desktop first" ;;
-    "ID ...") compopt -o plusdirs ;;& # the last word is the bundle
+    "ID ...") compopt -o plusdirs ;;& # the last word can be the bundle
     ID*)
-        name='\1 \2' # a check and its whole group
+        name='\1 \2' # the id of the check, and its group
         [ "${commands[0]}" != explain ] || name='\1'
         offered=$("$tool" list checks | sed -E "s/^(([^.]+)\.[^ ]+).*/$name/")
         ;;

@@ -33,8 +33,9 @@ struct Execute {
     ExitStatus operator()(const InfoOptions& options) const { return InfoCommand(options); }
 };
 
-/// Asked before the arguments are understood: the process for the work shall begin with as little as there is
-/// to copy. One word too many means one process too many, and nothing else.
+/// Returns whether an argument is the name of a command that runs bundles. `main` calls this function before
+/// it parses the command line: the fork of the supervisor process then copies less memory. If the argument is
+/// not the command, the only effect is one unnecessary process.
 bool mayRunBundles(int argc, const char* const* argv) {
     return std::any_of(argv, argv + argc,
                        [](std::string_view argument) { return argument == "run" || argument == "validate"; });
@@ -44,12 +45,13 @@ int refused(ExitStatus status, const std::string& text, bool isJson) {
     Note(text);
     try {
         if (isJson) WriteResult(ErrorDocument(status, text));
-    } catch (const Refusal&) { // nowhere to write it to; the line above has said what is wrong
+    } catch (const Refusal&) { // standard output cannot be written; `Note` has reported the first error
     }
     return static_cast<int>(status);
 }
 
-/// `work`, with what it throws put into words.
+/// Returns the exit status of `work`. Reports an exception and returns its exit status. Ends the process with
+/// the signal if a signal interrupted `work`.
 template <typename Work>
 int guarded(bool isJson, Work work) {
     try {

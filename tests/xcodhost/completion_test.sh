@@ -1,14 +1,14 @@
 #!/bin/bash
-# What bash offers behind the start of a command line: completion_test.sh XCODHOST COMPLETION
+# Checks the words that bash offers after the start of a command line: completion_test.sh XCODHOST COMPLETION
 set -uo pipefail
 tool=$1
 # shellcheck source=xcodhost/completion.bash
 . "$2"
-# shellcheck disable=SC2317 # the completion calls it
-compopt() { echo "<$2>"; } # what bash itself is then to complete
+# shellcheck disable=SC2317 # the completion calls this function
+compopt() { echo "<$2>"; } # prints the kind of names that bash itself would complete
 failed=0
 
-# offers LINE EXPECTED
+# offers LINE EXPECTED: fails unless exactly the expected words are offered after the line.
 offers() {
     local offered
     read -ra COMP_WORDS <<<"$tool ${1/=/ = }"
@@ -16,7 +16,7 @@ offers() {
     COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
     offered=$(_xcodhost; printf '%s\n' "${COMPREPLY[@]}")
     offered=$(LC_ALL=C sort -u <<<"$offered" | xargs)
-    [ "$offered" = "$2" ] || { echo "xcodhost $1: \"$offered\" is offered, not \"$2\""; failed=1; }
+    [ "$offered" = "$2" ] || { echo "xcodhost $1: offered \"$offered\", expected \"$2\""; failed=1; }
 }
 
 offers "" "explain info list run show validate volume"

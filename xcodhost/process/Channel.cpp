@@ -25,7 +25,7 @@ Channel Channel::OfThisProcess() const { return {socket, getpid()}; }
 void Channel::Send(const Message& message) const {
     if (getpid() != owner) return;
     const std::string line = Encode(message);
-    if (!SendAll(socket, line.data(), line.size())) _exit(70); // without its parent it has no purpose
+    if (!SendAll(socket, line.data(), line.size())) _exit(70); // the parent has gone
 }
 
 int Channel::Ask(const macplatform::Alert& alert) const {

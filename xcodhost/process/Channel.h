@@ -1,6 +1,6 @@
 #pragma once
 
-/// How the child that runs the bundle speaks to its parent.
+/// The connection through which the child process that runs the bundle reports to its parent process.
 
 #include "Messages.h"
 
@@ -9,16 +9,20 @@
 
 namespace xcodhost {
 
-/// The child's side of the socket to its parent. A process that the bundle forks has no part in it.
+/// The child's end of the socket. The object does not own the descriptor. In a process that the bundle forks,
+/// `Tell` and `Ask` do nothing.
 class Channel {
 public:
     Channel(int socketDescriptor, pid_t ownerProcess) : socket(socketDescriptor), owner(ownerProcess) {}
 
-    /// For a child that this process forked to go on in its name.
+    /// Returns the same connection with the calling process as its owner. For a child that continues the work
+    /// of the owner.
     Channel OfThisProcess() const;
 
+    /// Sends a message. Ends the process with 70 if the parent cannot receive the message.
     void Send(const Message& message) const;
-    /// Tells the alert and waits for the answer: the place of a button, or -1.
+    /// Sends the alert and waits for the answer. Returns the index of the chosen button, or -1 if the alert
+    /// was not shown.
     int Ask(const macplatform::Alert& alert) const;
 
 private:
@@ -26,8 +30,7 @@ private:
     pid_t owner;
 };
 
-/// Writes all bytes to a socket, without the signal that a vanished reader causes elsewhere. False, with
-/// errno, when it cannot.
+/// Sends all bytes to a socket. Raises no SIGPIPE. Returns false and sets errno on an error.
 bool SendAll(int socket, const char* bytes, std::size_t size);
 
 } // namespace xcodhost

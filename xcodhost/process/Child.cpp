@@ -20,7 +20,7 @@ namespace xcodhost {
 
 namespace {
 
-/// The two ends of a channel of its own kind.
+/// The two ends of a socket pair or a pipe.
 struct Ends {
     Descriptor ours;
     Descriptor childs;
@@ -29,14 +29,14 @@ struct Ends {
 Ends newSocket() {
     int pair[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) < 0) {
-        throw ToolFault::FromErrno("no socket for the child process");
+        throw ToolFault::FromErrno("child process: cannot create a socket");
     }
     return {Descriptor(pair[0]), Descriptor(pair[1])};
 }
 
 Ends newPipe() {
     int pair[2];
-    if (pipe2(pair, O_CLOEXEC) < 0) throw ToolFault::FromErrno("no pipe for the child process");
+    if (pipe2(pair, O_CLOEXEC) < 0) throw ToolFault::FromErrno("child process: cannot create a pipe");
     fcntl(pair[0], F_SETFL, O_NONBLOCK);
     return {Descriptor(pair[0]), Descriptor(pair[1])};
 }
@@ -78,10 +78,11 @@ public:
     }
     int Milliseconds() const { return deadlines.Milliseconds(); }
 
-    /// `ready` is the part of poll's answer that AppendTo asked for. The end, if this was it.
+    /// Reads messages and output. `ready` points to the results of poll for the elements of `AppendTo`.
+    /// Returns the end of the child if the child has ended.
     std::optional<ChildEnd> Serve(const pollfd* ready) {
         if (deadlines.HavePassed()) return Ended(ChildEnd::Kind::kOverTime, 0, deadlines.PassedLimit());
-        // Looked at before the rest is read: what a child told before its end is then all there.
+        // If the child has ended before the reads, the reads below get everything that it sent.
         const bool hasEnded = ready[2].revents != 0;
         do {
             gotBytes = false;
@@ -105,7 +106,7 @@ private:
         return {ChildEnd::Kind::kExited, WEXITSTATUS(status), 0};
     }
 
-    /// False when the child prints too much.
+    /// Returns false if the child has printed too much.
     bool ReadOutput() {
         if (output.Number() < 0) return true;
         const ssize_t count = read(output.Number(), buffer.data(), buffer.size());
@@ -117,7 +118,7 @@ private:
         return printed <= limits.outputBytes;
     }
 
-    /// False when the report is too long or broken.
+    /// Returns false if the child has sent too much, or data that is not a message.
     bool ReadReport() {
         if (socket.Number() < 0) return true;
         const ssize_t count = recv(socket.Number(), buffer.data(), buffer.size(), MSG_DONTWAIT);
@@ -138,7 +139,7 @@ private:
             searched = end + 1;
         }
         pending.erase(0, start);
-        searched = pending.size(); // a long line comes in many parts; none is searched twice
+        searched = pending.size(); // no part of a long line is searched twice
         return true;
     }
 
@@ -154,7 +155,7 @@ private:
         const auto asked = Deadlines::Clock::now();
         const std::int32_t answer = listener.onAlert(std::move(alert));
         deadlines.Hold(Deadlines::Clock::now() - asked);
-        // A child that has ended meanwhile needs no answer; its end is seen in the next round.
+        // If the child has ended meanwhile, SendAll fails. The next call of Serve handles the end.
         SendAll(socket.Number(), reinterpret_cast<const char*>(&answer), sizeof answer);
     }
 
@@ -166,8 +167,8 @@ private:
     Descriptor output;
     ChildProcess child;
     std::array<char, 8192> buffer{};
-    std::string pending;      ///< The start of a line, whose end has not come yet.
-    std::size_t searched = 0; ///< So much of it holds no line feed.
+    std::string pending;      ///< The start of an incomplete line.
+    std::size_t searched = 0; ///< The bytes at the start of `pending` that contain no line feed.
     std::size_t received = 0;
     std::size_t printed = 0;
     bool gotBytes = false;
@@ -193,7 +194,7 @@ void Children::Serve() {
         milliseconds = milliseconds < 0 ? left : std::min(milliseconds, left);
     }
     if (poll(waits.data(), waits.size(), milliseconds) < 0 && errno != EINTR) {
-        throw ToolFault::FromErrno("the child process cannot be waited for");
+        throw ToolFault::FromErrno("child process: cannot wait for messages");
     }
     interruption.Check();
     const pollfd* ready = waits.data() + 1;

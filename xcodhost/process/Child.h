@@ -1,6 +1,7 @@
 #pragma once
 
-/// Child processes in which a bundle's code runs, so that its crash, hang or exit is told and never shared.
+/// Runs code of a bundle in child processes. A crash, a hang or an exit of the code is reported and does not
+/// affect the tool.
 
 #include "Channel.h"
 #include "Interruption.h"
@@ -14,51 +15,54 @@
 
 namespace xcodhost {
 
+/// The limits of one child. A child that exceeds a limit is killed.
 struct ChildLimits {
-    double secondsPerCall = 10; ///< From one message CallBegan to the next, or to the child's end.
+    double secondsPerCall = 10; ///< From one message CallBegan to the next, or to the end of the child.
     double secondsPerRun = 100;
-    std::size_t reportBytes = std::size_t{256} << 20; ///< What a child may tell at most.
-    std::size_t outputBytes = std::size_t{1} << 20; ///< What it may print at most, where that is listened to.
+    std::size_t reportBytes = std::size_t{256} << 20; ///< Size of all messages.
+    std::size_t outputBytes = std::size_t{1} << 20;   ///< Size of the output. Applies with `onOutput` only.
 };
 
+/// How a child ended.
 struct ChildEnd {
     enum class Kind {
-        kFinished,   ///< It told Done and ended.
-        kExited,     ///< It ended before that with `code` as exit status.
-        kSignalled,  ///< A signal, `code`, ended it.
-        kOverTime,   ///< A limit passed; it was ended.
-        kOverReport, ///< It told more than the limit, or what is no message; it was ended.
-        kOverOutput, ///< It printed more than the limit; it was ended.
+        kFinished,   ///< The child sent Done and ended.
+        kExited,     ///< The child ended without Done. `code` is the exit status.
+        kSignalled,  ///< The child was killed by the signal `code`.
+        kOverTime,   ///< The child exceeded the time limit `seconds`.
+        kOverReport, ///< The child exceeded the size of messages, or sent data that is not a message.
+        kOverOutput, ///< The child exceeded the size of the output.
     };
     Kind kind = Kind::kFinished;
     int code = 0;
-    double seconds = 0; ///< The limit that passed.
+    double seconds = 0;
 };
 
-/// The parent's side.
+/// The functions of the parent that process the messages and the output of a child.
 struct ChildListener {
-    std::function<void(Message&&)> onMessage; ///< All but alerts.
-    /// The limits' clocks stand still until it answers.
+    std::function<void(Message&&)> onMessage; ///< Called for every message except alerts.
+    /// Returns the index of the chosen button, or -1. The limits do not count the time in this function.
     std::function<int(macplatform::Alert&&)> onAlert;
-    /// What the child prints, in pieces; without it that goes to our standard error.
+    /// Called with the output of the child, in pieces. Empty: the output goes to the tool's standard error.
     std::function<void(std::string_view)> onOutput = {};
 };
 
-/// Several children at once, served by one thread.
+/// Several children at the same time, all served by the calling thread.
 class Children {
 public:
     explicit Children(const Interruption& pendingSignals);
-    ~Children(); ///< Those that still run are killed and reaped, with all that they started.
+    /// Kills and reaps the children that still run, and every process that they have started.
+    ~Children();
     Children(const Children&) = delete;
     Children& operator=(const Children&) = delete;
 
-    /// Runs `body` in a child of this process, which must have one thread only. The child reads nothing on
-    /// its standard input. `onEnd` is called once, when it has ended and was reaped. Throws ToolFault.
+    /// Runs `body` in a new child process. The calling process must have one thread only. The standard input
+    /// of the child is empty. `Serve` calls `onEnd` once, after it has reaped the child. Throws ToolFault.
     void Start(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
                ChildListener listener, std::function<void(const ChildEnd&)> onEnd);
     std::size_t Count() const { return running.size(); }
-    /// Waits until something happens and calls the listeners; `onEnd` may start another child. Throws
-    /// ToolFault, Interrupted, or what a listener throws.
+    /// Waits for a message, output, an end or a time limit, and calls the listeners. `onEnd` may start
+    /// another child. Throws ToolFault, Interrupted, and the exceptions of the listeners.
     void Serve();
 
 private:
@@ -67,7 +71,7 @@ private:
     const Interruption& interruption;
 };
 
-/// One child, served until it has ended.
+/// Runs `body` in one child until the child has ended. Throws as `Children::Start` and `Children::Serve` do.
 ChildEnd RunInChild(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
                     ChildListener listener, const Interruption& interruption);
 

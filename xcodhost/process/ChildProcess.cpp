@@ -17,14 +17,15 @@ namespace xcodhost {
 
 namespace {
 
-/// The children that are not reaped yet. Whatever else is a child of this process is an orphan.
+/// Returns the children that have not been reaped. Every other child of this process is an orphan that this
+/// process has inherited.
 std::vector<pid_t>& unreapedChildren() {
     static std::vector<pid_t> gChildren;
     return gChildren;
 }
 
-/// An orphan's own children become orphans when it dies, hence the rounds; their number is limited because a
-/// bundle may start processes faster than they can be ended.
+/// Kills and reaps the orphans. Repeats this, because the children of a killed orphan become orphans. The
+/// number of rounds is limited, because a bundle can start processes faster than this function kills them.
 void endOrphans() {
     constexpr int rounds = 1000;
     const auto& known = unreapedChildren();
@@ -40,7 +41,8 @@ void endOrphans() {
     }
 }
 
-/// Standard input empty; what the child prints goes to `output`.
+/// Makes standard input empty, and redirects standard output and standard error to `output`. Returns false on
+/// an error.
 bool settleStreams(int output) {
     const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
     if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0) return false;
@@ -49,20 +51,20 @@ bool settleStreams(int output) {
     return dup2(STDERR_FILENO, STDOUT_FILENO) >= 0;
 }
 
-/// What the parent has open is none of the bundle's business.
+/// Closes the descriptors of the parent except the standard streams and `kept`.
 void closeAllBut(int kept) {
     const auto number = static_cast<unsigned>(kept);
     if (number > STDERR_FILENO + 1) close_range(STDERR_FILENO + 1, number - 1, 0);
     close_range(number + 1, ~0U, 0);
 }
 
-/// In the child.
+/// Prepares the child process before the code of the bundle runs.
 void settle(const ChildProcess::Streams& streams, pid_t parent, const Interruption& interruption) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    prctl(PR_SET_CHILD_SUBREAPER,
-          1); // what the bundle leaves behind can be told from other bundles' leavings
-    if (getppid() != parent || !settleStreams(streams.output)) _exit(70); // or: the parent died before
+    prctl(PR_SET_CHILD_SUBREAPER, 1);   // the orphans of each child are separate from those of other children
+    if (getppid() != parent) _exit(70); // the parent died before prctl
+    if (!settleStreams(streams.output)) _exit(70);
     closeAllBut(streams.socket);
     interruption.LiftInChild();
 }
@@ -71,27 +73,27 @@ void settle(const ChildProcess::Streams& streams, pid_t parent, const Interrupti
 
 ChildProcess::ChildProcess(const Streams& streams, const Interruption& interruption,
                            const std::function<void()>& body) {
-    // Ignored, as a caller may have left it, it would lose the child's status.
+    // If the caller of the tool ignores SIGCHLD, the status of the child is lost.
     SetSignalEffect(SIGCHLD, SIG_DFL);
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     const pid_t parent = getpid();
     unreapedChildren().reserve(unreapedChildren().size() + 1);
     id = fork();
-    if (id < 0) throw ToolFault::FromErrno("no child process");
+    if (id < 0) throw ToolFault::FromErrno("child process: cannot create a process");
     if (id == 0) {
         unreapedChildren().clear();
         settle(streams, parent, interruption);
         body();
-        _exit(0); // not exit(): the bundle's own clean-up at exit is no part of a delivery
+        _exit(0); // exit() would run the exit handlers of the bundle
     }
-    setpgid(id, id); // both do it, so that it is done whoever runs first
+    setpgid(id, id); // the child calls setpgid too; either process can run first
     unreapedChildren().push_back(id);
     end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
     if (end.Number() < 0) {
         const int error = errno;
         Reap();
         errno = error;
-        throw ToolFault::FromErrno("the child process cannot be waited for");
+        throw ToolFault::FromErrno("child process: cannot wait for its end");
     }
 }
 
@@ -114,7 +116,7 @@ int WaitFor(pid_t child) {
 
 int EndGroup(pid_t child) {
     kill(-child, SIGKILL);
-    kill(child, SIGKILL); // it may not have reached its own group yet
+    kill(child, SIGKILL); // the child may not be in its own group yet
     return WaitFor(child);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+/// Creates, kills and reaps child processes.
+
 #include "Descriptor.h"
 
 #include <functional>
@@ -10,28 +12,29 @@ namespace xcodhost {
 
 class Interruption;
 
-/// One child of this process in a process group of its own. Every process that it started and left behind is
-/// ended with it, also one that moved to another group or session: this process adopts orphans while it has
-/// children.
+/// A child of this process, in a process group of its own. When the child is reaped, every process that it
+/// has started is killed, also in another process group or session: this process is the subreaper of its
+/// descendants and thus inherits the remaining ones.
 class ChildProcess {
 public:
-    /// What the child has from its parent.
+    /// The descriptors that the child inherits from its parent.
     struct Streams {
-        int socket = -1; ///< To the parent, both ways.
-        int output = -1; ///< For standard output and standard error; -1: both go to our standard error.
+        int socket = -1; ///< The socket to the parent.
+        int output = -1; ///< Standard output and standard error. -1: the tool's standard error.
     };
 
-    /// Forks; `body` runs in the child, which ends when it returns. Standard input is empty. The child dies
-    /// with its parent. Throws ToolFault.
+    /// Forks and runs `body` in the child. The child ends when `body` returns or the parent ends. The
+    /// standard input of the child is empty. Throws ToolFault.
     ChildProcess(const Streams& streams, const Interruption& interruption, const std::function<void()>& body);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess() { Reap(); }
 
-    int EndDescriptor() const { return end.Number(); } ///< Readable once the child has ended.
+    /// Returns a descriptor that is readable after the end of the child.
+    int EndDescriptor() const { return end.Number(); }
 
-    /// Kills what is left of the group, which does nothing to a child that has ended, and the orphans, and
-    /// answers the child's status as waitpid gives it.
+    /// Kills the process group and the inherited processes, and reaps them. Returns the status of the child
+    /// as waitpid reports it. A child that has ended before keeps its status.
     int Reap();
 
 private:
@@ -41,13 +44,13 @@ private:
     bool isReaped = false;
 };
 
-/// Waits for the child's end; its status as waitpid gives it.
+/// Waits for the end of the child and returns its status as waitpid reports it.
 int WaitFor(pid_t child);
 
-/// Kills a child and its process group, waits for it and answers its status.
+/// Kills a child and its process group, waits for the child and returns its status as waitpid reports it.
 int EndGroup(pid_t child);
 
-/// The direct children of this process, as the kernel lists them.
+/// Returns the direct children of the calling thread, as the kernel lists them.
 std::vector<pid_t> ChildrenOfThisProcess();
 
 } // namespace xcodhost

@@ -6,7 +6,7 @@
 
 namespace xcodhost {
 
-/// When a child has run for too long: a clock for the call that it is in and one for the whole run.
+/// The time limits of a child: one for the current call and one for the whole run.
 class Deadlines {
 public:
     using Clock = std::chrono::steady_clock;
@@ -17,15 +17,17 @@ public:
           call(Clock::now() + Span(secondsPerCall)),
           run(Clock::now() + Span(secondsPerRun)) {}
 
+    /// Starts the limit of a new call.
     void CallBegins() { call = Clock::now() + Span(callSeconds); }
-    /// Both clocks stood still for so long.
+    /// Extends both limits by this duration, which does not count.
     void Hold(Clock::duration duration) {
         call += duration;
         run += duration;
     }
     bool HavePassed() const { return Clock::now() >= Next(); }
+    /// Returns the length of the limit that ends first, in seconds.
     double PassedLimit() const { return call <= run ? callSeconds : runSeconds; }
-    /// For poll: never 0 before a deadline has passed.
+    /// Returns the timeout of poll up to the next deadline: at most 60,000, and 0 only after the deadline.
     int Milliseconds() const {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(Next() - Clock::now());
         return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));

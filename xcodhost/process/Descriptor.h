@@ -5,7 +5,7 @@
 
 namespace xcodhost {
 
-/// A file descriptor that closes itself; -1 for none.
+/// Owns a file descriptor. The destructor closes the descriptor. -1 stands for no descriptor.
 class Descriptor {
 public:
     Descriptor() = default;

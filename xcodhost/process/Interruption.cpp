@@ -14,11 +14,11 @@ Interruption::Interruption() : descriptor(-1) {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction action {};
         sigaction(number, nullptr, &action);
-        // One that the caller ignores (nohup) stays ignored: held back, it would be seen all the same.
+        // A signal that the caller ignores (nohup) is not blocked: signalfd would report it.
         if (action.sa_handler != SIG_IGN) sigaddset(&held, number);
     }
     descriptor = signalfd(-1, &held, SFD_NONBLOCK | SFD_CLOEXEC);
-    if (descriptor < 0) throw ToolFault::FromErrno("signals cannot be waited for");
+    if (descriptor < 0) throw ToolFault::FromErrno("signals: cannot create a descriptor");
     sigprocmask(SIG_BLOCK, &held, &oldMask);
 }
 
@@ -36,7 +36,7 @@ void Interruption::Check() const {
 
 void Interruption::LiftInChild() const {
     for (int number = 1; number < NSIG; ++number) {
-        SetSignalEffect(number, SIG_DFL); // refused for SIGKILL, SIGSTOP and the C library's own
+        SetSignalEffect(number, SIG_DFL); // fails for SIGKILL, SIGSTOP and the signals of the C library
     }
     sigset_t none;
     sigemptyset(&none);

@@ -1,29 +1,32 @@
 #pragma once
 
-/// SIGINT, SIGTERM and SIGHUP as something to wait for, so that a run that is broken off ends its child and
-/// removes its scratch folders first.
+/// Handles SIGINT, SIGTERM and SIGHUP: an interrupted run kills its children and removes its scratch
+/// directories before the tool ends.
 
 #include <csignal>
 
 namespace xcodhost {
 
-/// Thrown when one of the signals came; unwinding cleans up, then `main` dies of the signal.
+/// Thrown after one of the signals has arrived. After the unwinding `main` ends the process with the signal.
 struct Interrupted {
     int signal;
 };
 
-/// Holds the three signals back for as long as it lives.
+/// Blocks the three signals. The destructor restores the signal mask. A signal that the caller of the tool
+/// ignores stays ignored.
 class Interruption {
 public:
+    /// Throws ToolFault.
     Interruption();
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
     ~Interruption();
 
-    int Descriptor() const { return descriptor; } ///< Readable when a signal came.
-    /// Throws Interrupted when a signal came.
+    /// Returns a descriptor that is readable after a signal has arrived.
+    int Descriptor() const { return descriptor; }
+    /// Throws Interrupted if a signal has arrived.
     void Check() const;
-    /// For a child after fork: lets the signals through again, all with their default effect.
+    /// Unblocks all signals in a forked child and gives every signal its default effect.
     void LiftInChild() const;
 
 private:
@@ -31,10 +34,10 @@ private:
     int descriptor;
 };
 
-/// SIG_DFL or SIG_IGN from now on.
+/// Sets the effect of a signal in this process: SIG_DFL or SIG_IGN.
 void SetSignalEffect(int signal, void (*effect)(int));
 
-/// Ends the process by the signal's default effect.
+/// Ends the process with the default effect of the signal.
 [[noreturn]] void DieOf(int signal);
 
 } // namespace xcodhost

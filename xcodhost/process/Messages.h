@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the child that runs the bundle tells its parent, one line of JSON each.
+/// The messages from the child process that runs the bundle to its parent. Each is one line of JSON.
 
 #include <macplatform/Alerts.h>
 #include <macplatform/Bundles.h>
@@ -16,52 +16,55 @@
 
 namespace xcodhost {
 
-/// The bundle's code is about to run.
+/// A call into the bundle begins.
 struct CallBegan {
     std::string function;
     std::string arguments;
-    std::string event; ///< Of the installer, "pre-install"; empty for the other calls.
+    std::string event; ///< The event of the installer: "pre-install". Empty for other calls.
 };
 
-/// What a delivery did to the parameter block.
+/// The changes of a delivery in the parameter block.
 struct BlockEffect {
     std::uint32_t errorFlagsBefore = 0;
     std::uint32_t errorFlagsAfter = 0;
-    std::string otherBytes; ///< "20 to 23" when bytes outside the error flags changed, or empty.
+    std::string otherBytes; ///< "20 to 23": the changed bytes outside the error flags. Empty: none.
 };
 
+/// The call has returned.
 struct CallReturned {
-    std::string result;               ///< Empty for a call without result.
-    std::optional<BlockEffect> block; ///< Given for deliveries.
+    std::string result;               ///< Empty for a call without a result.
+    std::optional<BlockEffect> block; ///< Present for deliveries.
 };
 
+/// An exception has left the call.
 struct ExceptionEscaped {
     std::string type;
-    std::string what; ///< Empty when it is no std::exception.
+    std::string what; ///< Empty if the type is not derived from std::exception.
 };
 
-/// The bundle gave no instance, or no interface.
+/// The bundle has no instance or no interface.
 struct LoadFailed {
-    std::string reason; ///< A stable word: "no-bundle", "symbol-missing", ...
+    std::string reason; ///< A word that scripts can rely on: "no-bundle", "symbol-missing", ...
     std::string text;
 };
 
+/// The platform objects that the bundle created and did not release.
 struct ObjectsLeft {
     std::vector<std::string> objects;
 };
 
-/// What a check found.
+/// A check has found a fault.
 struct Finding {
     std::string expected;
     std::string seen;
 };
 
-/// A check cannot be made on this machine.
+/// A check cannot be run on this machine.
 struct Skipped {
     std::string reason;
 };
 
-/// What post-install stored for a product and a language.
+/// The values that post-install stored for a product and a language.
 struct TableCell {
     std::int32_t product = 0;
     std::int32_t language = 0;
@@ -69,25 +72,25 @@ struct TableCell {
     bool isRight = false;
 };
 
-/// The child itself could not go on; no fault of the bundle.
+/// A fault of the tool in the child process.
 struct ChildFault {
     std::string text;
 };
 
-/// The last message; an end without it was not the host's doing.
+/// The last message. An end without this message is caused by the bundle or a limit.
 struct Done {};
 
 using Message =
     std::variant<CallBegan, CallReturned, macplatform::RecordedCall, macplatform::Alert, ExceptionEscaped,
                  LoadFailed, ObjectsLeft, Finding, Skipped, TableCell, ChildFault, Done>;
 
-/// One line with its line feed.
+/// Returns the line of the message with its line feed. Replaces bytes that are not UTF-8 with U+FFFD.
 std::string Encode(const Message& message);
 
-/// Nothing when the line, without its line feed, is none that `Encode` writes.
+/// Returns the message of a line without its line feed, or no value if the line is not a message.
 std::optional<Message> Decode(std::string_view line);
 
-/// The word that `LoadFailed::reason` has for a fault of the platform.
+/// Returns the word of `LoadFailed::reason` for a fault that the platform has reported.
 const char* ReasonWord(macplatform::BundleFault fault);
 
 } // namespace xcodhost

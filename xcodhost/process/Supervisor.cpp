@@ -18,7 +18,7 @@ namespace xcodhost {
 
 namespace {
 
-/// Hands the signals on until the worker has ended.
+/// Forwards the signals until the supervisor process has ended.
 void waitForSupervisor(pid_t supervisor, const Interruption& interruption) {
     const Descriptor end(static_cast<int>(syscall(SYS_pidfd_open, supervisor, 0)));
     std::array<pollfd, 2> waits{{{end.Number(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
@@ -35,15 +35,15 @@ void waitForSupervisor(pid_t supervisor, const Interruption& interruption) {
 } // namespace
 
 int RunInSupervisor(const std::function<int()>& work) {
-    SetSignalEffect(SIGCHLD, SIG_DFL); // ignored, it would lose the worker's status
+    SetSignalEffect(SIGCHLD, SIG_DFL); // if SIGCHLD is ignored, the status of the child is lost
     std::optional<Interruption> interruption(std::in_place);
     const pid_t parent = getpid();
     const pid_t supervisor = fork();
-    if (supervisor < 0) throw ToolFault::FromErrno("no process for the work");
+    if (supervisor < 0) throw ToolFault::FromErrno("supervisor process: cannot create a process");
     if (supervisor == 0) {
         prctl(PR_SET_PDEATHSIG, SIGTERM);
         interruption.reset();
-        if (getppid() != parent) _exit(70); // it died before the first line
+        if (getppid() != parent) _exit(70); // the parent died before prctl
         _exit(work());
     }
     waitForSupervisor(supervisor, *interruption);

@@ -4,10 +4,11 @@
 
 namespace xcodhost {
 
-/// Does the work in a child of this process and answers its exit status; dies of the signal that the child
-/// died of. SIGINT, SIGTERM and SIGHUP are handed on. When this process is killed in a way that it cannot see
-/// (SIGKILL), the child is told by SIGTERM, so that it ends the bundle's processes and removes its scratch
-/// folders all the same.
+/// Runs `work` in a child process, the supervisor process, and returns its exit status. Ends with the same
+/// signal if a signal has killed the supervisor process. Forwards SIGINT, SIGTERM and SIGHUP. If SIGKILL
+/// kills the calling process, the kernel sends SIGTERM to the supervisor process, which then kills the
+/// processes of the bundle and removes the scratch directories. Throws ToolFault if there is no child
+/// process.
 int RunInSupervisor(const std::function<int()>& work);
 
 } // namespace xcodhost

@@ -1,4 +1,4 @@
-// What is left when the tool itself is killed in the middle of its work.
+// Tests that the tool leaves no processes and no files if a signal kills the tool during its work.
 
 #include "support/HostTool.h"
 #include "support/TestBundle.h"
@@ -27,8 +27,8 @@ std::vector<pid_t> descendantsOf(pid_t process) {
     return all;
 }
 
-/// Runs a bundle that starts a process of another session and hangs; answers the tool's process when all of
-/// its processes are there, and those.
+/// Starts the tool with a bundle that starts a process in another session and hangs. Waits until all
+/// processes exist. Returns the process of the tool and sets `descendants` to the other processes.
 pid_t startHanging(const std::string& bundle, const std::string& scratch, std::vector<pid_t>& descendants) {
     const pid_t tool =
         StartHost({"validate", bundle, "--include", "dispatch.post-install", "--timeout", "600"},
@@ -58,10 +58,10 @@ TEST_P(AKilledTool, LeavesNoProcessAndNoFile) {
     waitpid(tool, &status, 0);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == GetParam()) << status;
     for (pollfd& end : ends) {
-        EXPECT_EQ(poll(&end, 1, 60'000), 1) << "a process outlives the tool";
+        EXPECT_EQ(poll(&end, 1, 60'000), 1) << "a process still runs";
         close(end.fd);
     }
-    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path())) << "the scratch volume still exists";
 }
 
 INSTANTIATE_TEST_SUITE_P(Killed, AKilledTool, testing::Values(SIGKILL, SIGTERM, SIGINT),
