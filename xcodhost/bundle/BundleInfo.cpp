@@ -28,8 +28,9 @@ constexpr std::uintmax_t kLargestExecutable = std::uintmax_t{512} << 20;
 PropertyValue readInfoPlist(const std::string& bundle) {
     std::error_code error;
     const std::string path = bundle + "/Contents/Info.plist";
-    if (!fs::is_directory(bundle, error)) refuse(bundle, error ? error.message() : "no bundle: not a folder");
-    if (!fs::exists(path, error)) refuse(path, "missing, so this is no bundle");
+    if (!fs::is_directory(bundle, error))
+        refuse(bundle, error ? error.message() : "not a bundle: not a folder");
+    if (!fs::exists(path, error)) refuse(path, "missing; the folder is not a bundle");
     if (!fs::is_regular_file(path, error)) refuse(path, "not a file");
     macplatform::PropertyListFile plist = macplatform::ReadPropertyList(path);
     if (!plist.error.empty()) refuse(path, plist.error);
@@ -70,13 +71,13 @@ std::vector<BundleType> typesOf(const PropertyValue& plist, const std::string& b
     return types;
 }
 
-/// `CFBundleExecutable`, or the bundle's own name without its extension.
+/// Returns `CFBundleExecutable`, or the name of the bundle without its extension if the key is missing.
 std::string executableName(const PropertyValue& plist, const std::string& bundle) {
     const PropertyValue* name = plist.Find("CFBundleExecutable");
-    if (!name) return fs::canonical(bundle).stem().string(); // canonical: without a separator at its end
+    if (!name) return fs::canonical(bundle).stem().string(); // `canonical` removes a separator at the end
     const bool isName = name->kind == PropertyValue::Kind::kString && !name->text.empty() &&
                         name->text.find('/') == std::string::npos;
-    if (!isName) refuse(bundle, "CFBundleExecutable is not a file's name");
+    if (!isName) refuse(bundle, "CFBundleExecutable is not a file name");
     return name->text;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a bundle says of itself and holds, read without loading it.
+/// The property list and the executables of a bundle, read without loading code.
 
 #include <macplatform/PropertyList.h>
 
@@ -9,31 +9,35 @@
 
 namespace xcodhost {
 
+/// An entry of `CFPlugInFactories`.
 struct BundleFactory {
     std::string identifier;
     std::string function;
 };
 
+/// An entry of `CFPlugInTypes`.
 struct BundleType {
     std::string identifier;
-    std::vector<std::string> factories;
+    std::vector<std::string> factories; ///< Identifiers.
 };
 
-/// What an executable holds for one architecture.
+/// The part of an executable for one architecture.
 struct BundleImage {
     std::string architecture;
-    std::vector<std::string> exports; ///< As a lookup takes them.
-    std::string problem;
+    std::vector<std::string> exports; ///< The names that a lookup accepts.
+    std::string problem;              ///< Why the image cannot be read. Empty if it has been read.
 };
 
+/// An executable of a bundle.
 struct BundleExecutable {
     std::string platform; ///< The subfolder of `Contents`: "Linux" or "MacOS".
     std::string path;
     std::string format;              ///< "ELF" or "Mach-O".
-    std::vector<BundleImage> images; ///< More than one in universal Mach-O files only.
-    std::string problem;             ///< Of the file as a whole.
+    std::vector<BundleImage> images; ///< More than one only in universal Mach-O files.
+    std::string problem;             ///< Why the list of images cannot be read. Empty if it has been read.
 };
 
+/// The property list of a bundle, and its executables.
 struct BundleInfo {
     std::string path;
     macplatform::PropertyValue propertyList;
@@ -42,11 +46,12 @@ struct BundleInfo {
     std::vector<BundleExecutable> executables;
 };
 
-/// Throws a Refusal (kNotLoaded), naming the path, when there is no bundle, its property list cannot be read
-/// or lacks the factories or types, there is no executable, or one is no executable of any kind.
+/// Reads the property list and the executables. Throws a Refusal (kNotLoaded) with the path if the property
+/// list cannot be read or lacks factories or types, if there is no executable, or if an executable is neither
+/// ELF nor Mach-O.
 BundleInfo ReadBundle(const std::string& path);
 
-/// The same without the executables.
+/// Reads the property list only. Throws as `ReadBundle` does.
 BundleInfo ReadInfoPlist(const std::string& path);
 
 } // namespace xcodhost

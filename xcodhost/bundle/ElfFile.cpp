@@ -21,15 +21,17 @@ struct Elf64 {
     using Symbol = Elf64_Sym;
 };
 
+/// Thrown if the file is malformed.
 struct Broken {
     const char* reason;
 };
 
-/// A structure at any place of the file, which need not be aligned.
+/// Returns the structure at an offset, which need not be aligned. Throws Broken if the structure is not
+/// inside the file.
 template <typename T>
 T at(std::string_view bytes, std::uint64_t offset) {
     if (offset > bytes.size() || bytes.size() - offset < sizeof(T))
-        throw Broken{"a table lies outside of the file"};
+        throw Broken{"a table is outside the file"};
     T value;
     std::memcpy(&value, bytes.data() + offset, sizeof value);
     return value;
@@ -75,10 +77,10 @@ public:
 
     std::vector<std::string> Exports() const {
         const auto table = DynamicSymbols();
-        if (!table) throw Broken{"it has no table of dynamic symbols"};
+        if (!table) throw Broken{"the file has no table of dynamic symbols"};
         const auto texts = SectionAt(table->sh_link);
         if (table->sh_offset > bytes.size() || table->sh_size > bytes.size() - table->sh_offset) {
-            throw Broken{"a table lies outside of the file"};
+            throw Broken{"a table is outside the file"};
         }
         const std::uint64_t count = table->sh_size / sizeof(Symbol);
         std::vector<std::string> names;
@@ -110,11 +112,11 @@ private:
     std::string TextAt(const Section& texts, std::uint64_t place) const {
         if (texts.sh_offset > bytes.size() || place >= texts.sh_size ||
             place >= bytes.size() - texts.sh_offset) {
-            throw Broken{"a symbol's name lies outside of the file"};
+            throw Broken{"the name of a symbol is outside the file"};
         }
         const std::string_view rest = bytes.substr(static_cast<std::size_t>(texts.sh_offset + place));
         const std::size_t end = rest.find('\0');
-        if (end == std::string_view::npos) throw Broken{"a symbol's name has no end"};
+        if (end == std::string_view::npos) throw Broken{"the name of a symbol has no end"};
         return std::string(rest.substr(0, end));
     }
 
@@ -141,10 +143,10 @@ bool IsElf(std::string_view bytes) { return bytes.substr(0, SELFMAG) == std::str
 
 ElfFile ReadElf(std::string_view bytes) {
     const auto byte = [&](std::size_t i) { return i < bytes.size() ? bytes[i] : '\0'; };
-    if (byte(EI_DATA) != ELFDATA2LSB) return {{}, {}, "it is big-endian, for another processor"};
+    if (byte(EI_DATA) != ELFDATA2LSB) return {{}, {}, "the file is big-endian, for another processor"};
     if (byte(EI_CLASS) == ELFCLASS32) return readAs<Elf32>(bytes);
     if (byte(EI_CLASS) == ELFCLASS64) return readAs<Elf64>(bytes);
-    return {{}, {}, "it is neither 32-bit nor 64-bit"};
+    return {{}, {}, "the file is neither 32-bit nor 64-bit"};
 }
 
 } // namespace xcodhost

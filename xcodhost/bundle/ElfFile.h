@@ -1,6 +1,6 @@
 #pragma once
 
-/// Linux executables, read without loading them.
+/// Reads the exports of an ELF file without loading it.
 
 #include <string>
 #include <string_view>
@@ -8,15 +8,17 @@
 
 namespace xcodhost {
 
+/// The architecture and the exports of a file.
 struct ElfFile {
     std::string architecture;         ///< "x86_64", "i386", "arm64", or "machine 40 (32-bit)".
     std::vector<std::string> exports; ///< Defined global symbols of the dynamic table, sorted.
-    std::string problem;              ///< Why the file, or its symbols, cannot be read; empty when they can.
+    std::string problem; ///< Why the file or its symbols cannot be read. Empty if they have been read.
 };
 
+/// Returns whether the bytes begin with the magic number of ELF.
 bool IsElf(std::string_view bytes);
 
-/// Any bytes are safe: what points outside of the file is told as a problem.
+/// Reads an ELF file. Accepts any bytes and never throws: `problem` describes a malformed file.
 ElfFile ReadElf(std::string_view bytes);
 
 } // namespace xcodhost

@@ -33,7 +33,7 @@ LoadedBundle::LoadedBundle(std::string bundlePath, const Channel& parentChannel)
     : path(std::move(bundlePath)), channel(parentChannel) {
     const Owned<CFStringRef> text(
         CFStringCreateWithCString(kCFAllocatorDefault, path.c_str(), kCFStringEncodingUTF8));
-    if (!text) Stop("no-bundle", Printable(path) + ": the path is no UTF-8");
+    if (!text) Stop("no-bundle", Printable(path) + ": the path is not UTF-8");
     const Owned<CFURLRef> url(
         CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.get(), kCFURLPOSIXPathStyle, true));
     plugIn.reset(url ? CFPlugInCreate(kCFAllocatorDefault, url.get()) : nullptr);
@@ -44,7 +44,7 @@ void LoadedBundle::FindFactories() {
     factories.reset(
         CFPlugInFindFactoriesForPlugInTypeInPlugIn(ConstantIdentifier(kPluginType), plugIn.get()));
     if (factories && CFArrayGetCount(factories.get()) > 0) return;
-    // A property list that is broken is the better reason, where the platform knows of one.
+    // A fault of the property list is a more exact reason than the missing factory.
     if (macplatform::LastBundleFailure().fault != macplatform::BundleFault::kNone) StopWithPlatformReason();
     Stop("missing-key",
          path + ": its property list has no factory for the plug-in type " + Describe(kPluginType));
@@ -74,7 +74,7 @@ FunctionBlock** LoadedBundle::MakeInstance() {
     channel.Send(CallReturned{"an instance", std::nullopt});
     auto* const instance = static_cast<FunctionBlock**>(made);
     if (!*instance || !(*instance)->QueryInterface || !(*instance)->Release) {
-        Stop("interface-refused", path + ": the instance has no function block, or one with null slots");
+        Stop("interface-refused", path + ": the instance has no function block, or a slot of it is null");
     }
     return instance;
 }
@@ -86,13 +86,13 @@ FunctionBlock** LoadedBundle::AskInterface(FunctionBlock** instance) {
     });
     const std::string code = Hex(static_cast<std::uint32_t>(result), 8);
     if (result != S_OK || !found) {
-        Stop("interface-refused",
-             path + ": the instance refuses the interface " + Describe(kHostInterface) + " (" + code + ")");
+        Stop("interface-refused", path + ": the instance does not have the interface " +
+                                      Describe(kHostInterface) + " (" + code + ")");
     }
     channel.Send(CallReturned{code, std::nullopt});
     auto* const interface = static_cast<FunctionBlock**>(found);
     if (!*interface || !(*interface)->Release) {
-        Stop("interface-refused", path + ": the interface has no function block, or one with null slots");
+        Stop("interface-refused", path + ": the interface has no function block, or a slot of it is null");
     }
     return interface;
 }
@@ -104,7 +104,7 @@ ULONG LoadedBundle::Release(FunctionBlock** instance) {
 }
 
 DeliverFunction LoadedBundle::MainEntry(FunctionBlock** instance) const {
-    if (!(*instance)->main) Stop("interface-refused", path + ": the main entry's slot is null");
+    if (!(*instance)->main) Stop("interface-refused", path + ": the slot of the main entry is null");
     return (*instance)->main;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
-/// A bundle as the installer holds it. Runs in the child process and tells the parent what it is about to do.
+/// Loads a bundle and calls it as the installer does. Runs in the child process and reports every call to the
+/// parent process before the call.
 
 #include "contract/PluginContract.h"
 #include "process/Channel.h"
@@ -15,42 +16,45 @@
 
 namespace xcodhost {
 
-/// Thrown to end the work; what is wrong has been told.
+/// Thrown to end the work of the child process after the reason has been reported.
 struct Stopped {};
 
+/// Releases a CF object.
 struct Releaser {
     void operator()(const void* object) const { CFRelease(object); }
 };
 template <typename Reference>
 using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Releaser>;
 
-/// The constant object of an identifier; lent for ever.
+/// Returns the constant object of an identifier. The caller must not release the object.
 CFUUIDRef ConstantIdentifier(const CFUUIDBytes& bytes);
 
 using FactoryFunction = void* (*)(CFAllocatorRef allocator, CFUUIDRef type);
 
+/// A bundle and the calls that the installer makes. Every function below that fails reports `LoadFailed` and
+/// throws `Stopped`.
 class LoadedBundle {
 public:
-    /// Reads the property list of the bundle at this absolute path. No code is loaded yet. What cannot be
-    /// had, here and below, is told as LoadFailed, and Stopped is thrown.
+    /// Reads the property list of the bundle at this absolute path. Loads no code.
     LoadedBundle(std::string bundlePath, const Channel& parentChannel);
 
-    /// Looks for the factories of the plug-in type in the property list.
+    /// Finds the factories of the plug-in type in the property list. There is at least one.
     void FindFactories();
-    /// The first factory of the plug-in type.
+    /// Returns the first factory of the plug-in type. `FindFactories` must have been called. The bundle owns
+    /// the identifier.
     CFUUIDRef Factory() const;
-    /// The address of an exported function, the code loaded if need be.
+    /// Returns the address of an exported function. Loads the code if it is not loaded yet.
     void* Symbol(const std::string& name);
 
-    /// An instance of `Factory()`, made as the installer makes it.
+    /// Returns a new instance of `Factory()`. The caller releases the instance with `Release`.
     FunctionBlock** MakeInstance();
-    /// The installer's interface of the instance.
+    /// Returns the installer's interface of the instance. The caller releases the interface with `Release`.
     FunctionBlock** AskInterface(FunctionBlock** instance);
     ULONG Release(FunctionBlock** instance);
     DeliverFunction MainEntry(FunctionBlock** instance) const;
 
-    /// Runs the bundle's code: tells which call it is, and what exception it let out, which then ends the
-    /// work.
+    /// Reports the call, runs it and returns its result. Reports an exception of the bundle as
+    /// `ExceptionEscaped` and throws `Stopped`.
     template <typename Call>
     auto RunCode(const CallBegan& call, Call run) {
         channel.Send(call);
@@ -65,7 +69,7 @@ public:
         }
         throw Stopped{};
     }
-    /// Whether a platform call that is made now is the bundle's.
+    /// Returns whether code of the bundle runs: a platform call is then a call of the bundle.
     bool IsRunning() const { return isRunning; }
 
 private:

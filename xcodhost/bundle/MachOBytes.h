@@ -1,6 +1,6 @@
 #pragma once
 
-/// Numbers and texts at any place of a Mac executable, each checked to lie inside of it.
+/// Reads numbers and strings from a Mach-O file. Every access is checked.
 
 #include <algorithm>
 #include <cstdint>
@@ -8,11 +8,13 @@
 
 namespace xcodhost {
 
-/// Thrown for what cannot be read.
+/// Thrown if the file is malformed.
 struct BrokenMachO {
     const char* reason;
 };
 
+/// A part of a file. Offsets count from the start of the part. Every function throws BrokenMachO for an
+/// access outside the part. The object does not own the bytes.
 class MachOBytes {
 public:
     MachOBytes(std::string_view part, bool bigEndian) : bytes(part), isBigEndian(bigEndian) {}
@@ -24,11 +26,11 @@ public:
 
     std::string_view Part(std::uint64_t offset, std::uint64_t size) const {
         if (offset > bytes.size() || bytes.size() - offset < size) {
-            throw BrokenMachO{"a table lies outside of the file"};
+            throw BrokenMachO{"a table is outside the file"};
         }
         return bytes.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
     }
-    /// Up to the byte 0.
+    /// Returns the bytes up to the next NUL. Throws BrokenMachO if there is no NUL.
     std::string_view Text(std::uint64_t offset) const {
         const std::string_view rest =
             Part(offset, bytes.size() - std::min<std::uint64_t>(offset, bytes.size()));
@@ -36,7 +38,8 @@ public:
         if (end == std::string_view::npos) throw BrokenMachO{"a name has no end"};
         return rest.substr(0, end);
     }
-    /// Seven bits a byte, the lowest first; moves `offset` behind it.
+    /// Returns a number in the ULEB128 encoding, and moves `offset` behind the number. Throws BrokenMachO for
+    /// a number of more than ten bytes.
     std::uint64_t Compressed(std::uint64_t& offset) const {
         std::uint64_t value = 0;
         for (unsigned int shift = 0; shift < 64; shift += 7) {

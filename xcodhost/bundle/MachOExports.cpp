@@ -8,7 +8,7 @@ namespace xcodhost {
 
 namespace {
 
-// Load commands, and the bits of a symbol's type, by their numbers in the format.
+// The numbers of the load commands, and the bits of a symbol's type, in the Mach-O format.
 constexpr std::uint32_t kSymbolTable = 2;
 constexpr std::uint32_t kDyldInfo = 0x22;
 constexpr std::uint32_t kDyldInfoOnly = 0x80000022;
@@ -18,9 +18,11 @@ constexpr unsigned int kPrivateExternal = 0x10;
 constexpr unsigned int kDefinedIn = 0x0E;
 constexpr unsigned int kExternal = 0x01;
 
-/// Small files can be made to hold endless names, by letting all of them share their bytes.
+/// Limit of all names together. In a malicious file many names can share the same bytes, so that the size of
+/// the file does not limit the names.
 constexpr std::size_t kMostNameBytes = std::size_t{128} << 20;
 
+/// Collects the exported names and counts their bytes.
 class Names {
 public:
     void Add(std::string_view name) {
@@ -28,10 +30,10 @@ public:
         Spend(name.size());
         names.emplace_back(name);
     }
-    /// For each text that is made on the way to a name.
+    /// Counts a string of this length. Throws BrokenMachO when the limit is exceeded.
     void Spend(std::size_t length) {
         size += length + sizeof(std::string);
-        if (size > kMostNameBytes) throw BrokenMachO{"its exported names are beyond measure"};
+        if (size > kMostNameBytes) throw BrokenMachO{"the exported names are too long"};
     }
     std::vector<std::string> Sorted() && {
         std::sort(names.begin(), names.end());
@@ -57,8 +59,8 @@ void addSymbols(Names& names, const MachOBytes& image, std::uint64_t command, bo
     }
 }
 
-/// A node is: the size of what it exports, that, the number of branches, and for each the text on it and the
-/// place of the node at its end.
+/// Adds the names in an export trie. A node consists of the size of its export data, the data, the number of
+/// branches, and for each branch its text and the offset of its node.
 void addTrie(Names& names, const MachOBytes& trie) {
     if (trie.Size() == 0) return;
     std::vector<std::pair<std::uint64_t, std::string>> nodes{{0, {}}};
@@ -74,7 +76,7 @@ void addTrie(Names& names, const MachOBytes& trie) {
             const std::string_view text = trie.Text(place);
             place += text.size() + 1;
             const std::uint64_t node = trie.Compressed(place);
-            if (!seen.insert(node).second) throw BrokenMachO{"its export trie is no tree"};
+            if (!seen.insert(node).second) throw BrokenMachO{"the export trie is not a tree"};
             names.Spend(name.size() + text.size());
             nodes.emplace_back(node, name + std::string(text));
         }

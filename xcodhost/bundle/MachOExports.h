@@ -1,7 +1,5 @@
 #pragma once
 
-/// The names that one image of a Mac executable exports.
-
 #include "MachOBytes.h"
 
 #include <string>
@@ -9,7 +7,8 @@
 
 namespace xcodhost {
 
-/// `image` begins with its header. Sorted, each once. Throws BrokenMachO.
+/// Returns the exported names of one Mach-O image, sorted and without duplicates. `image` begins with the
+/// Mach-O header. Throws BrokenMachO if the image is malformed.
 std::vector<std::string> MachOExports(const MachOBytes& image, bool is64Bit);
 
 } // namespace xcodhost

@@ -13,11 +13,12 @@ constexpr std::uint32_t kThin32 = 0xFEEDFACE;
 constexpr std::uint32_t kThin64 = 0xFEEDFACF;
 constexpr std::uint32_t kUniversal = 0xCAFEBABE;
 constexpr std::uint32_t kUniversalWide = 0xCAFEBABF;
-/// Java classes begin like universal files; their version, read as a count, is 45 or more.
+/// A Java class has the magic number of a universal file. Its version is in the place of the number of
+/// architectures, and is at least 45.
 constexpr std::uint32_t kMostArchitectures = 30;
 
 struct Layout {
-    std::uint32_t magic = 0; ///< 0 for what is no Mach-O file.
+    std::uint32_t magic = 0; ///< 0: the file is not a Mach-O file.
     bool isBigEndian = false;
 
     bool IsThin() const { return magic == kThin32 || magic == kThin64; }
@@ -66,20 +67,20 @@ MachOImage readImage(std::string_view bytes, Layout layout) {
     return image;
 }
 
-/// One entry of a universal file's list, and the image that it points to.
+/// Returns the image of one entry in the list of a universal file.
 MachOImage readListed(std::string_view bytes, const MachOBytes& list, std::uint64_t entry, bool isWide) {
     const std::string listed = architectureOf(list.U32(entry));
     const std::uint64_t offset = isWide ? list.U64(entry + 8) : list.U32(entry + 8);
     const std::uint64_t size = isWide ? list.U64(entry + 16) : list.U32(entry + 12);
     if (offset > bytes.size() || bytes.size() - offset < size) {
-        return {listed, {}, "its image lies outside of the file"};
+        return {listed, {}, "the image is outside the file"};
     }
     const auto image = bytes.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
     const Layout layout = layoutOf(image);
-    if (!layout.IsThin()) return {listed, {}, "its image is no Mach-O file"};
+    if (!layout.IsThin()) return {listed, {}, "the image is not a Mach-O file"};
     MachOImage found = readImage(image, layout);
     if (found.architecture != listed && found.problem.empty()) {
-        found.problem = "the file's list calls it " + listed;
+        found.problem = "the list of images names another architecture: " + listed;
     }
     return found;
 }
@@ -90,7 +91,7 @@ bool IsMachO(std::string_view bytes) { return layoutOf(bytes).magic != 0; }
 
 MachOFile ReadMachO(std::string_view bytes) {
     const Layout layout = layoutOf(bytes);
-    if (layout.magic == 0) return {{}, "it is no Mach-O file"};
+    if (layout.magic == 0) return {{}, "not a Mach-O file"};
     if (layout.IsThin()) return {{readImage(bytes, layout)}, {}};
     MachOFile file;
     const MachOBytes list(bytes, layout.isBigEndian);
@@ -101,7 +102,7 @@ MachOFile ReadMachO(std::string_view bytes) {
             file.images.push_back(readListed(bytes, list, 8 + i * entrySize, isWide));
         }
     } catch (const BrokenMachO&) {
-        file.problem = "its list of architectures is cut off";
+        file.problem = "the list of images is cut off";
     }
     return file;
 }

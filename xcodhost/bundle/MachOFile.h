@@ -1,6 +1,6 @@
 #pragma once
 
-/// Mac executables, read without loading them.
+/// Reads the architectures and exports of a Mach-O file without loading it.
 
 #include <string>
 #include <string_view>
@@ -8,24 +8,26 @@
 
 namespace xcodhost {
 
-/// What a file holds for one architecture.
+/// The part of a file for one architecture.
 struct MachOImage {
     std::string architecture; ///< "i386", "x86_64", "ppc", ..., or "processor 14".
-    /// Names as a lookup takes them, without the underscore that the format puts before each; sorted. From
-    /// the symbol table's external definitions and from the export trie, where there are such.
+    /// The names that a lookup accepts, sorted: without the underscore that the format puts before each name.
+    /// They come from the external definitions of the symbol table and from the export trie.
     std::vector<std::string> exports;
-    std::string problem; ///< Why the image, or a part of it, cannot be read; empty when it can.
+    std::string problem; ///< Why the image or a part of it cannot be read. Empty if it has been read.
 };
 
+/// The images of a file. A file that is not universal has one image.
 struct MachOFile {
     std::vector<MachOImage> images; ///< In the order of the file.
-    std::string problem;            ///< Why its list of images cannot be read; empty when it can.
+    std::string problem;            ///< Why the list of images cannot be read. Empty if it has been read.
 };
 
+/// Returns whether the bytes begin as a Mach-O file or a universal file begins.
 bool IsMachO(std::string_view bytes);
 
-/// One image, or those of a universal file, in either byte order. Any bytes are safe: what points outside of
-/// the file is told as a problem.
+/// Reads a Mach-O file or a universal file, in either byte order. Accepts any bytes and never throws:
+/// `problem` describes a malformed file.
 MachOFile ReadMachO(std::string_view bytes);
 
 } // namespace xcodhost

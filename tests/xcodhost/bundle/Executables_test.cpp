@@ -1,4 +1,4 @@
-// Executables read without loading them, good and broken, and what `info` makes of them.
+// Tests of the readers of ELF and Mach-O files with valid and malformed files, and of the command `info`.
 
 #include "bundle/ElfFile.h"
 #include "bundle/MachOFile.h"
@@ -23,7 +23,7 @@ namespace {
 
 const char* const kOwnArchitecture = sizeof(void*) == 8 ? "x86_64" : "i386";
 
-TEST(ElfFile, ListsWhatTheFileExports) {
+TEST(ElfFile, ListsTheExportedSymbols) {
     const ElfFile file = ReadElf(ReadBytes(TEST_PLUGIN));
     EXPECT_EQ(file.problem, "");
     EXPECT_EQ(file.architecture, kOwnArchitecture);
@@ -33,18 +33,18 @@ TEST(ElfFile, ListsWhatTheFileExports) {
     EXPECT_THAT(file.exports, testing::Not(testing::Contains("CFStringCreateWithCString"))) << "an import";
 }
 
-TEST(ElfFile, OutlivesEveryTruncation) {
+TEST(ElfFile, GivesAllExportsOrAProblemForATruncatedFile) {
     const std::string bytes = ReadBytes(TEST_PLUGIN);
     const std::vector<std::string> exports = ReadElf(bytes).exports;
     for (std::size_t size = 4; size < bytes.size(); size += size < 1024 ? 1 : 997) {
-        const std::string start =
-            bytes.substr(0, size); // its own allocation, so that a sanitizer sees its end
+        // In an allocation of exactly this size a sanitizer detects every read behind the end.
+        const std::string start = bytes.substr(0, size);
         const ElfFile file = ReadElf(start);
         EXPECT_EQ(file.exports, file.problem.empty() ? exports : std::vector<std::string>()) << size;
     }
 }
 
-TEST(ElfFile, OutlivesEveryByteOfTheHeaderSetHigh) {
+TEST(ElfFile, GivesAllExportsOrAProblemForADamagedHeader) {
     const std::string bytes = ReadBytes(TEST_PLUGIN);
     const std::vector<std::string> exports = ReadElf(bytes).exports;
     for (std::size_t place = 4; place < 64; ++place) {
@@ -55,7 +55,7 @@ TEST(ElfFile, OutlivesEveryByteOfTheHeaderSetHigh) {
     }
 }
 
-TEST(ElfFile, RefusesATableThatIsLargerThanTheFile) {
+TEST(ElfFile, RejectsATableLargerThanTheFile) {
     Elf64_Ehdr header{};
     std::memcpy(header.e_ident, "\177ELF\2\1", 6);
     header.e_shoff = sizeof header;
@@ -66,7 +66,7 @@ TEST(ElfFile, RefusesATableThatIsLargerThanTheFile) {
     std::string bytes(sizeof header + sizeof table, '\0');
     std::memcpy(bytes.data(), &header, sizeof header);
     std::memcpy(&bytes[sizeof header], &table, sizeof table);
-    EXPECT_EQ(ReadElf(bytes).problem, "a table lies outside of the file");
+    EXPECT_EQ(ReadElf(bytes).problem, "a table is outside the file");
 }
 
 std::string toBytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
@@ -85,13 +85,14 @@ std::uint32_t wordAt(const std::string& bytes, std::size_t place) {
     return value;
 }
 
-/// Where a load command of a 64-bit image stands.
+/// Returns the offset of a load command in a 64-bit image. The image must have the command.
 std::size_t commandAt(const std::string& image, std::uint32_t kind) {
     std::size_t place = 32;
     while (wordAt(image, place) != kind) place += wordAt(image, place + 4);
     return place;
 }
 
+/// Returns a universal file that contains one image, without its last `cut` bytes.
 std::string universal(bool isBigEndian, bool isWide, const std::string& image, std::size_t cut = 0) {
     const std::string high = isWide ? word(0) : "";
     const std::uint32_t place = isWide ? 40 : 28;
@@ -106,7 +107,7 @@ std::string universal(bool isBigEndian, bool isWide, const std::string& image, s
     return (list + image).substr(0, place + image.size() - cut);
 }
 
-/// Files of a compiler and a linker that know the Mac, and the names that another reader finds in them.
+/// Mach-O files that clang and lld have made.
 class MachOFiles : public testing::Test {
 protected:
     void SetUp() override {
@@ -124,6 +125,7 @@ protected:
         const std::string line = "cd '" + folder.Path().string() + "' && " + command;
         ASSERT_EQ(std::system(line.c_str()), 0) << command;
     }
+    /// Returns the exported names that llvm-nm lists, sorted.
     std::vector<std::string> NamesByNm(const std::string& file) const {
         std::vector<std::string> names;
         std::istringstream lines(Printed("llvm-nm-14 --extern-only --defined-only --just-symbol-name '" +
@@ -132,7 +134,7 @@ protected:
         std::sort(names.begin(), names.end());
         return names;
     }
-    /// Whether a name differs from an exported one in one byte at most.
+    /// Returns whether the name differs from an exported name in at most one byte.
     bool IsAlmostAnExport(const std::string& name) const {
         return std::any_of(exports.begin(), exports.end(), [&name](const std::string& known) {
             if (known.size() != name.size()) return false;
@@ -147,7 +149,7 @@ protected:
     const std::vector<std::string> exports{"Make", "MakeNothing", "counter"};
 };
 
-TEST_F(MachOFiles, ListTheSameExportsAsByOthers) {
+TEST_F(MachOFiles, HaveTheExportsThatNmLists) {
     EXPECT_EQ(NamesByNm("library"), exports);
     for (const char* file : {"thin.o", "library"}) {
         const MachOFile read = Read(file);
@@ -162,7 +164,7 @@ TEST_F(MachOFiles, ListTheSameExportsAsByOthers) {
     EXPECT_EQ(both.images[1].exports, exports);
 }
 
-TEST_F(MachOFiles, AreReadFromTheExportTrieAlone) {
+TEST_F(MachOFiles, AreReadFromTheExportTrieOnly) {
     std::string library = ReadBytes(folder / "library");
     library.replace(commandAt(library, 2) + 12, 4, word(0)); // no symbols
     EXPECT_EQ(ReadMachO(library).images[0].exports, exports);
@@ -175,7 +177,7 @@ TEST_F(MachOFiles, AreReadFromTheExportTrieAlone) {
     EXPECT_EQ(ReadMachO(library).images[0].exports, exports);
 }
 
-TEST_F(MachOFiles, AreReadInEveryLayoutOfUniversalFile) {
+TEST_F(MachOFiles, AreReadInEveryKindOfUniversalFile) {
     const std::string image = ReadBytes(folder / "library");
     for (const bool isBigEndian : {false, true}) {
         for (const bool isWide : {false, true}) {
@@ -183,14 +185,14 @@ TEST_F(MachOFiles, AreReadInEveryLayoutOfUniversalFile) {
             ASSERT_EQ(file.images.size(), 1u);
             EXPECT_EQ(file.images[0].exports, exports) << file.images[0].problem;
             EXPECT_EQ(ReadMachO(universal(isBigEndian, isWide, image, 1)).images[0].problem,
-                      "its image lies outside of the file");
+                      "the image is outside the file");
         }
     }
     EXPECT_EQ(ReadMachO(universal(true, false, ReadBytes(folder / "thin.o"))).images[0].problem,
-              "the file's list calls it x86_64");
+              "the list of images names another architecture: x86_64");
 }
 
-TEST_F(MachOFiles, MayBeCutOrBrokenAnywhere) {
+TEST_F(MachOFiles, GiveNoWrongExportsWhenTruncatedOrDamaged) {
     const std::string bytes = ReadBytes(folder / "library");
     for (std::size_t size = 8; size < bytes.size(); size += size < 2048 ? 1 : 7) {
         const std::string start = bytes.substr(0, size);
@@ -203,26 +205,26 @@ TEST_F(MachOFiles, MayBeCutOrBrokenAnywhere) {
         const MachOFile file = ReadMachO(broken);
         if (!file.problem.empty() || !file.images[0].problem.empty()) continue;
         for (const std::string& name : file.images[0].exports)
-            EXPECT_TRUE(IsAlmostAnExport(name)) << name << place;
+            EXPECT_TRUE(IsAlmostAnExport(name)) << name << " with a damaged byte " << place;
     }
 }
 
-TEST(MachOFile, ReportsWhatIsWrong) {
+TEST(MachOFile, ReportsTheFault) {
     const std::string header =
         word(0xFEEDFACE) + word(7) + std::string(8, '\0') + word(1) + std::string(8, '\0');
     const auto problem = [](const std::string& bytes) { return ReadMachO(bytes).images[0].problem; };
     const std::string loop = header + word(0x22) + word(48) + std::string(32, '\0') + word(76) + word(5);
-    EXPECT_EQ(problem(loop + toBytes({0, 1, 'a', 0, 0})), "its export trie is no tree");
+    EXPECT_EQ(problem(loop + toBytes({0, 1, 'a', 0, 0})), "the export trie is not a tree");
     EXPECT_EQ(problem(header + word(2) + word(0)), "a load command has no size");
-    EXPECT_EQ(problem(header), "a table lies outside of the file");
+    EXPECT_EQ(problem(header), "a table is outside the file");
     EXPECT_EQ(ReadMachO(toBytes({0xFE, 0xED, 0xFA, 0xCE, 0, 0, 0, 18})).images[0].architecture, "ppc");
     EXPECT_EQ(ReadMachO(toBytes({0xCA, 0xFE, 0xBA, 0xBE, 0, 0, 0, 2})).problem,
-              "its list of architectures is cut off");
+              "the list of images is cut off");
     EXPECT_FALSE(IsMachO(toBytes({0xCA, 0xFE, 0xBA, 0xBE, 0, 0, 0, 52}))) << "a Java class";
     EXPECT_FALSE(IsMachO("\xCE\xFA\xED"));
 }
 
-TEST(Info, ReportsWhatABundleIs) {
+TEST(Info, PrintsTheContentsOfABundle) {
     const TestBundle bundle;
     const auto info = nlohmann::json::parse(RunHost({"info", bundle.Path(), "--json"}).out);
     EXPECT_EQ(info["factories"][0]["function"], "Make");
@@ -234,7 +236,7 @@ TEST(Info, ReportsWhatABundleIs) {
     EXPECT_THAT(text.out, HasSubstr("type  5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8 (installer plug-in): A0A0"));
 }
 
-TEST_F(MachOFiles, AreShownArchitectureByArchitecture) {
+TEST_F(MachOFiles, ArePrintedByArchitecture) {
     const TestBundle bundle(InfoPlist("Make"), ReadBytes(folder / "universal"));
     const HostTool info = RunHost({"info", bundle.Path()});
     EXPECT_THAT(info.out, HasSubstr("Linux/Test: Mach-O i386, x86_64\n"
@@ -242,7 +244,7 @@ TEST_F(MachOFiles, AreShownArchitectureByArchitecture) {
                                     "  exports of x86_64  Make, MakeNothing, counter\n"));
 }
 
-TEST(Info, NamesTheExecutableAfterTheBundleWhenThePropertyListDoesNot) {
+TEST(Info, UsesTheNameOfTheBundleIfTheListNamesNoExecutable) {
     const std::string named = "<key>CFBundleExecutable</key><string>Test</string>";
     std::string list = InfoPlist("Make");
     list.erase(list.find(named), named.size());

@@ -1,4 +1,4 @@
-// What each command tells of bundles that cannot be loaded.
+// Tests of the messages and exit statuses for bundles that cannot be loaded.
 
 #include "support/HostTool.h"
 #include "support/TestBundle.h"
@@ -9,17 +9,35 @@ using testing::HasSubstr;
 
 namespace {
 
-struct Unloadable {
-    const char* name;
-    std::string infoPlist;
-    std::string code;
-    std::string reason; ///< Of the run that is refused,
-    std::string report; ///< and in its line on standard error.
-    std::string check;  ///< The first that fails; empty where a plug-in of another factory is tried.
-    std::string info;   ///< Told by `info`; empty where that is content.
+// The columns of the table below.
+struct Plist {
+    std::string text; ///< Empty: the bundle has no property list.
+};
+struct Code {
+    std::string bytes = "plug-in"; ///< As for `TestBundle`.
+};
+struct Run {
+    std::string reason;  ///< In the verdict of `run`.
+    std::string message; ///< A part of the line on standard error.
+};
+struct Validate {
+    std::string firstFailure; ///< The id of a check. Empty: `validate` is not run.
+};
+struct Info {
+    std::string message; ///< A part of the line on standard error. Empty: `info` succeeds.
 };
 
-/// A 64-bit executable of a processor that runs none of these tests.
+/// A bundle and the expected results of three commands.
+struct Unloadable {
+    const char* name;
+    Plist plist;
+    Code code;
+    Run run;
+    Validate validate = {};
+    Info info = {};
+};
+
+/// Returns a 64-bit executable for RISC-V, on which these tests do not run.
 std::string foreignExecutable() {
     std::string elf = "\177ELF\x02\x01\x01" + std::string(57, '\0');
     elf[16] = 3;
@@ -31,52 +49,56 @@ std::string foreignExecutable() {
 
 class AnUnloadableBundle : public testing::TestWithParam<Unloadable> {};
 
-TEST_P(AnUnloadableBundle, IsRefusedWithItsReason) {
-    const TestBundle bundle(GetParam().infoPlist, GetParam().code);
+TEST_P(AnUnloadableBundle, IsRejectedWithTheReason) {
+    const TestBundle bundle(GetParam().plist.text, GetParam().code.bytes);
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "0"});
     EXPECT_EQ(run.ExitStatus(), 3);
-    EXPECT_EQ(run.out, "FAIL not loaded (" + GetParam().reason + ")\n");
+    EXPECT_EQ(run.out, "FAIL not loaded (" + GetParam().run.reason + ")\n");
     EXPECT_THAT(run.err, HasSubstr(bundle.Path()));
-    EXPECT_THAT(run.err, HasSubstr(GetParam().report));
+    EXPECT_THAT(run.err, HasSubstr(GetParam().run.message));
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
 
-    if (!GetParam().check.empty()) {
+    if (!GetParam().validate.firstFailure.empty()) {
         const HostTool validation = RunHost({"validate", bundle.Path()});
-        EXPECT_THAT(validation.Verdict(), HasSubstr("(first: " + GetParam().check + ")"));
+        EXPECT_THAT(validation.Verdict(), HasSubstr("(first: " + GetParam().validate.firstFailure + ")"));
         EXPECT_EQ(validation.ExitStatus(), 3);
     }
 
     const HostTool info = RunHost({"info", bundle.Path()});
-    EXPECT_EQ(info.ExitStatus(), GetParam().info.empty() ? 0 : 3) << info.err;
-    EXPECT_EQ(info.out.empty(), !GetParam().info.empty());
-    EXPECT_THAT(info.err, HasSubstr(GetParam().info));
+    EXPECT_EQ(info.ExitStatus(), GetParam().info.message.empty() ? 0 : 3) << info.err;
+    EXPECT_EQ(info.out.empty(), !GetParam().info.message.empty());
+    EXPECT_THAT(info.err, HasSubstr(GetParam().info.message));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Host, AnUnloadableBundle,
     testing::ValuesIn(std::vector<Unloadable>{
-        {"NoList", "", "plug-in", "no-bundle", "Test.bundle", "bundle.property-list", "Info.plist: missing"},
-        {"BrokenList", "<plist><dict>", "plug-in", "broken-property-list", "Info.plist",
-         "bundle.property-list", "Info.plist: "},
-        {"NoDictionary", "<plist><string>x</string></plist>", "plug-in", "broken-property-list", "Info.plist",
-         "bundle.property-list", "its root is not a dictionary"},
-        {"NoFactories", "<plist version=\"1.0\"><dict/></plist>", "plug-in", "missing-key", "Test.bundle",
-         "bundle.property-list", "CFPlugInFactories"},
-        {"OtherType", InfoPlist("Make", "A0A0A0A0-0000-4000-8000-00000000000F"), "plug-in", "missing-key",
-         kPluginType, "bundle.factory", ""},
-        {"NameLeavesTheBundle", InfoPlist("MyFactory", kPluginType, "../../x"), "plug-in", "missing-key",
-         "CFBundleExecutable", "bundle.executable", "CFBundleExecutable is not a file's name"},
-        {"NoExecutable", InfoPlist("MyFactory"), "", "no-executable", "Linux/Test", "bundle.executable",
-         "no executable \"Test\""},
-        {"TextForCode", InfoPlist("MyFactory"), "#!/bin/sh\n", "wrong-architecture", "Linux/Test",
-         "bundle.executable", "neither an ELF nor a Mach-O"},
-        {"OtherProcessor", InfoPlist("MyFactory"), foreignExecutable(), "wrong-architecture", "Linux/Test",
-         "bundle.architecture", ""},
-        {"MacCode", InfoPlist("MyFactory"), "\xCE\xFA\xED\xFE" + std::string(60, '\0'), "wrong-architecture",
-         "Linux/Test", "bundle.architecture", ""},
-        {"NoSuchFunction", InfoPlist("Absent"), "plug-in", "symbol-missing", "Absent", "", ""},
-        {"NullFromFactory", InfoPlist("MakeNothing"), "plug-in", "factory-refused", "answered null", "", ""},
-        {"NoInterface", InfoPlist("MakeRefusing"), "plug-in", "interface-refused", "(0x80000004)", "", ""},
+        {"NoList", Plist{""}, Code{}, Run{"no-bundle", "Test.bundle"}, Validate{"bundle.property-list"},
+         Info{"Info.plist: missing"}},
+        {"BrokenList", Plist{"<plist><dict>"}, Code{}, Run{"broken-property-list", "Info.plist"},
+         Validate{"bundle.property-list"}, Info{"Info.plist: "}},
+        {"NoDictionary", Plist{"<plist><string>x</string></plist>"}, Code{},
+         Run{"broken-property-list", "Info.plist"}, Validate{"bundle.property-list"},
+         Info{"its root is not a dictionary"}},
+        {"NoFactories", Plist{"<plist version=\"1.0\"><dict/></plist>"}, Code{},
+         Run{"missing-key", "Test.bundle"}, Validate{"bundle.property-list"}, Info{"CFPlugInFactories"}},
+        {"OtherType", Plist{InfoPlist("Make", "A0A0A0A0-0000-4000-8000-00000000000F")}, Code{},
+         Run{"missing-key", kPluginType}, Validate{"bundle.factory"}},
+        {"NameLeavesTheBundle", Plist{InfoPlist("MyFactory", kPluginType, "../../x")}, Code{},
+         Run{"missing-key", "CFBundleExecutable"}, Validate{"bundle.executable"},
+         Info{"CFBundleExecutable is not a file name"}},
+        {"NoExecutable", Plist{InfoPlist("MyFactory")}, Code{""}, Run{"no-executable", "Linux/Test"},
+         Validate{"bundle.executable"}, Info{"no executable \"Test\""}},
+        {"TextForCode", Plist{InfoPlist("MyFactory")}, Code{"#!/bin/sh\n"},
+         Run{"wrong-architecture", "Linux/Test"}, Validate{"bundle.executable"},
+         Info{"neither an ELF nor a Mach-O"}},
+        {"OtherProcessor", Plist{InfoPlist("MyFactory")}, Code{foreignExecutable()},
+         Run{"wrong-architecture", "Linux/Test"}, Validate{"bundle.architecture"}},
+        {"MacCode", Plist{InfoPlist("MyFactory")}, Code{"\xCE\xFA\xED\xFE" + std::string(60, '\0')},
+         Run{"wrong-architecture", "Linux/Test"}, Validate{"bundle.architecture"}},
+        {"NoSuchFunction", Plist{InfoPlist("Absent")}, Code{}, Run{"symbol-missing", "Absent"}},
+        {"NullFromFactory", Plist{InfoPlist("MakeNothing")}, Code{}, Run{"factory-refused", "answered null"}},
+        {"NoInterface", Plist{InfoPlist("MakeRefusing")}, Code{}, Run{"interface-refused", "(0x80000004)"}},
     }),
     [](const auto& row) { return row.param.name; });
 
