@@ -22,9 +22,9 @@ std::vector<std::string> buttonsOf(const macplatform::Alert& alert) {
     return alert.buttons.empty() ? std::vector<std::string>{"OK"} : alert.buttons;
 }
 
-const char* const kNoText = "(its text lies in a resource of the installer)";
+const char* const kNoText = "(its text is in a resource of the installer)";
 
-/// What a window says above its buttons.
+/// Returns the message that a window shows above its buttons.
 std::string messageOf(const macplatform::Alert& alert) {
     return isStop(alert) ? Describe(alert) + '\n' + kNoText : alert.message;
 }
@@ -38,8 +38,8 @@ std::string question(const macplatform::Alert& alert, const std::vector<std::str
     return text;
 }
 
-/// The place of the button that a person typed the number or the title of, and 0 for nothing; -1 for anything
-/// else.
+/// Returns the index of the button whose title, or whose number from 1, was typed. Returns 0 for an empty
+/// line and -1 if there is no such button.
 int buttonTyped(const std::string& typed, const std::vector<std::string>& buttons) {
     if (typed.empty()) return 0;
     for (std::size_t i = 0; i < buttons.size(); ++i) {
@@ -58,13 +58,13 @@ Answer AlertResponder::Respond(const macplatform::Alert& alert) {
     if (policy.kind == AnswerPolicy::Kind::kDesktop) {
         return ShowOnDesktop(policy.programs, messageOf(alert), buttonsOf(alert), interruption);
     }
-    if (isStop(alert)) return {-1, "its resource is not here"};
+    if (isStop(alert)) return {-1, "its resource is not available"};
     if (policy.kind == AnswerPolicy::Kind::kFirst) return {0, {}};
     return NextTitle(alert);
 }
 
 Answer AlertResponder::NextTitle(const macplatform::Alert& alert) {
-    if (nextTitle == policy.titles.size()) return {-1, "no answer was left for it"};
+    if (nextTitle == policy.titles.size()) return {-1, "no prepared answer is left"};
     const std::string& title = policy.titles[nextTitle++];
     const std::vector<std::string> buttons = buttonsOf(alert);
     const auto button = std::find(buttons.begin(), buttons.end(), title);
@@ -78,15 +78,15 @@ Answer AlertResponder::Ask(const macplatform::Alert& alert) {
     std::string line;
     while (true) {
         WriteError("Button [1]: ");
-        if (!ReadLine(line)) return {-1, "nobody answered"};
+        if (!ReadLine(line)) return {-1, "no answer was given"};
         const int button = buttonTyped(line, buttons);
         if (button >= 0) return {button, {}};
-        WriteError("There is no button " + PrintableQuoted(line) + ".\n");
+        WriteError("no button " + PrintableQuoted(line) + "; enter a number or a title\n");
     }
 }
 
-/// False at the end of the input. Waits for the signals too: a question must not outlive Ctrl-C. A person may
-/// take any time; another program that says nothing for ten seconds has nothing to say.
+/// Reads a line without its line feed. Returns false at the end of the input, and after ten seconds without
+/// input unless standard input is a terminal. Throws Interrupted if a signal arrives meanwhile.
 bool AlertResponder::ReadLine(std::string& line) {
     while (true) {
         const std::size_t end = typedAhead.find('\n');
@@ -97,7 +97,8 @@ bool AlertResponder::ReadLine(std::string& line) {
         }
         std::array<pollfd, 2> waits{{{STDIN_FILENO, POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
         const int ready = poll(waits.data(), waits.size(), isatty(STDIN_FILENO) ? -1 : 10000);
-        if (ready < 0 && errno != EINTR) throw ToolFault::FromErrno("standard input");
+        if (ready < 0 && errno != EINTR)
+            throw ToolFault::FromErrno("standard input: cannot wait for an answer");
         if (ready == 0) return false;
         interruption.Check();
         std::array<char, 256> bytes{};

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Who answers the bundle's alerts.
+/// Answers to the alerts of a bundle, chosen by the user or in advance.
 
 #include "DesktopAlert.h"
 
@@ -14,28 +14,33 @@ namespace xcodhost {
 
 class Interruption;
 
+/// How the buttons of alerts are chosen.
 struct AnswerPolicy {
     enum class Kind {
-        kAsk,     ///< A person, on standard input; the questions go to standard error.
-        kDesktop, ///< A person, in a window of the desktop.
-        kFirst,   ///< The first button.
-        kTitles,  ///< The buttons of these titles, one for each alert in order.
+        kAsk,     ///< The user chooses on standard input. The question goes to standard error.
+        kDesktop, ///< The user chooses in a window of the desktop.
+        kFirst,   ///< The first button is chosen.
+        kTitles,  ///< Each alert uses up one element of `titles`, in order.
     };
     Kind kind = Kind::kFirst;
     std::vector<std::string> titles;
-    std::vector<DialogProgram> programs; ///< What shows the window; at least one for kDesktop.
+    std::vector<DialogProgram> programs; ///< The programs that can show a window. Not empty for kDesktop.
 };
 
+/// The answer to one alert.
 struct Answer {
-    int button = -1;  ///< -1: the alert counts as not shown.
-    std::string note; ///< Why it was not shown; empty for a person's or the policy's choice.
+    int button = -1;  ///< The index of the chosen button. -1: the alert counts as not shown.
+    std::string note; ///< Why the alert was not shown. Empty if a button was chosen.
 };
 
+/// Answers the alerts of one run in order.
 class AlertResponder {
 public:
     AlertResponder(AnswerPolicy answerPolicy, const Interruption& pendingSignals);
 
-    /// Stop alerts, whose text and buttons lie in a resource that is not here, are shown to a person only.
+    /// Returns the answer to an alert. The text and the buttons of a stop alert are in a resource of the
+    /// installer, which the tool does not have: kFirst and kTitles count a stop alert as not shown and use up
+    /// no title. Throws Interrupted and ToolFault.
     Answer Respond(const macplatform::Alert& alert);
 
 private:
@@ -46,10 +51,10 @@ private:
     AnswerPolicy policy;
     const Interruption& interruption;
     std::size_t nextTitle = 0;
-    std::string typedAhead; ///< Read from standard input and not used yet.
+    std::string typedAhead; ///< Input that has been read and is not used yet.
 };
 
-/// "Alert "message"" or "Stop alert 5000".
+/// Returns `Alert "MESSAGE"` or `Stop alert NUMBER`.
 std::string Describe(const macplatform::Alert& alert);
 
 } // namespace xcodhost

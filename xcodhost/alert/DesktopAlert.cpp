@@ -22,26 +22,29 @@ namespace {
 using Kind = DialogProgram::Kind;
 using Texts = std::vector<std::string>;
 
-// What fits a screen of 1024 by 768. Widths are in bytes, so that wide letters have the room that they need.
+// Limits for a screen of 1024 by 768 pixels. Widths are in bytes, because characters of several bytes are
+// often wider than others.
 constexpr std::size_t kLineWidth = 80;
 constexpr std::size_t kMostLines = 24;
 constexpr std::size_t kRowWidth = 130;
 constexpr std::size_t kNarrowestButton = 12;
 
-// Exit statuses of our own choice lie apart from those of failures.
+// Exit statuses. The tool chooses those of yad's buttons (from 100) and of zenity's closed window, so that
+// they differ from the statuses of failures. yad itself returns 252 for a closed window.
 constexpr int kFirstButton = 100;
 constexpr int kYadClosed = 252;
 constexpr int kZenityClosed = 101;
 
-/// A space without width. A title that ends in one is the name of no stock button, whose own title and icon
-/// would be shown instead; and their number tells titles apart that look the same.
+/// The zero-width space, which ends each title. A title that equals the name of a stock button would
+/// otherwise show the text and the icon of the stock button. In zenity the number of marks at the end
+/// identifies the button.
 constexpr std::string_view kMark = "\xE2\x80\x8B";
 
 const char* nameOf(Kind kind) {
     return kind == Kind::kYad ? "yad" : kind == Kind::kZenity ? "zenity" : "kdialog";
 }
 
-/// Empty when no absolute folder of PATH has it.
+/// Returns the path of a program. Returns an empty string if no absolute directory of PATH has the program.
 std::string findInPath(const std::string& name) {
     const char* variable = std::getenv("PATH");
     std::string_view path = variable ? variable : "";
@@ -70,7 +73,8 @@ std::string replaced(std::string text, std::string_view from, std::string_view t
     return text;
 }
 
-/// Takes one line's worth off the front of `rest`, at a space where it has one.
+/// Removes one line from the front of `rest` and returns the line. Breaks at a space if there is one, and
+/// never inside a character.
 std::string nextLine(std::string_view& rest) {
     if (rest.size() <= kLineWidth) return std::string(std::exchange(rest, {}));
     std::size_t end = rest.rfind(' ', kLineWidth);
@@ -82,7 +86,7 @@ std::string nextLine(std::string_view& rest) {
     return line;
 }
 
-/// The programs break no word, and a window would grow beyond the screen.
+/// Returns the message as lines that fit the screen. The programs do not break long words.
 Texts linesOf(const std::string& message) {
     Texts lines;
     std::string_view rest = message;
@@ -115,7 +119,8 @@ bool fitARow(const Texts& buttons) {
     return width <= kRowWidth;
 }
 
-/// An underscore would mark the letter behind it as the button's key.
+/// Returns a button's label, which ends with `marks` marks. Doubles each underscore, because a single
+/// underscore marks the next letter as the key of the button.
 std::string buttonLabel(const std::string& title, std::size_t marks) {
     std::string label = replaced(replaced(Printable(title), kMark, ""), "_", "__");
     for (std::size_t i = 0; i < marks; ++i) label += kMark;
@@ -123,7 +128,7 @@ std::string buttonLabel(const std::string& title, std::size_t marks) {
 }
 
 Texts yadCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
-    // Its texts know backslash sequences; its titles are cut at "!", unless another separator is named.
+    // yad interprets backslashes in its text, and cuts titles at "!" unless another separator is given.
     Texts command{path,
                   "--title=xcodhost",
                   "--center",
@@ -147,7 +152,8 @@ Texts zenityCommand(const std::string& path, const Texts& lines, const Texts& bu
     return command;
 }
 
-/// It has rows of up to three buttons, but closing such a window is one of the choices: so always a list.
+/// Returns the command for a list. kdialog has rows of up to three buttons, but reports a closed window as
+/// one of these buttons.
 Texts kdialogCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
     std::string text = replaced(joined(lines), "&", "&amp;");
     text = replaced(replaced(std::move(text), "<", "&lt;"), "\\", "&#92;");
@@ -180,7 +186,7 @@ std::size_t countMarks(std::string_view text) {
     return count;
 }
 
-/// The place of the chosen button, -1 for a closed window, nothing for a program that did not do its work.
+/// Returns the index of the chosen button, -1 if the window was closed, or no value if the program failed.
 std::optional<int> choiceOf(Kind kind, const DialogEnd& end, std::size_t count) {
     const int status = WIFEXITED(end.status) ? WEXITSTATUS(end.status) : -1;
     int choice = -1;
@@ -190,7 +196,7 @@ std::optional<int> choiceOf(Kind kind, const DialogEnd& end, std::size_t count) 
         choice = status - kFirstButton;
         break;
     case Kind::kZenity:
-        // An extra button and a closed window end with the same status; the button's title is written.
+        // An extra button and a closed window give the same status. Only a button writes its title.
         if (status == kZenityClosed && end.output.empty()) return -1;
         choice = static_cast<int>(countMarks(end.output)) - 1;
         break;
@@ -206,7 +212,7 @@ std::optional<int> choiceOf(Kind kind, const DialogEnd& end, std::size_t count) 
 std::string failureOf(Kind kind, const DialogEnd& end) {
     std::string text = nameOf(kind);
     text += WIFEXITED(end.status) ? " ended with exit status " + std::to_string(WEXITSTATUS(end.status))
-                                  : " was ended by signal " + std::to_string(WTERMSIG(end.status));
+                                  : " was killed by signal " + std::to_string(WTERMSIG(end.status));
     return end.lastError.empty() ? text : text + ": " + Printable(end.lastError);
 }
 
@@ -214,8 +220,8 @@ std::string failureOf(Kind kind, const DialogEnd& end) {
 
 std::vector<DialogProgram> FindDialogPrograms() {
     if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) {
-        throw UsageError("--answers desktop: no desktop here (neither DISPLAY nor WAYLAND_DISPLAY is set); "
-                         "use ask, first, or titles");
+        throw UsageError("--answers desktop: no display: neither DISPLAY nor WAYLAND_DISPLAY is set; "
+                         "use ask, first, or the titles of buttons");
     }
     std::vector<DialogProgram> programs;
     for (const Kind kind : {Kind::kYad, Kind::kZenity, Kind::kKdialog}) {
@@ -224,7 +230,7 @@ std::vector<DialogProgram> FindDialogPrograms() {
     }
     if (programs.empty()) {
         throw UsageError("--answers desktop: PATH has none of yad, zenity, kdialog; install one of them, or "
-                         "use ask, first, or titles");
+                         "use ask, first, or the titles of buttons");
     }
     return programs;
 }
@@ -235,14 +241,14 @@ Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::stri
     std::string failures;
     for (const DialogProgram& program : programs) {
         if (program.kind != Kind::kKdialog && !fitARow(buttons)) continue;
-        // Any other locale than a UTF-8 one makes the programs refuse or garble the texts.
+        // In a locale that is not UTF-8 the programs reject or garble the texts.
         const DialogEnd end = RunDialog(commandFor(program, lines, buttons),
                                         {{"LC_ALL", "C.UTF-8"}, {"ZENITY_ESC", "101"}}, interruption);
         const std::optional<int> choice = choiceOf(program.kind, end, buttons.size());
         if (choice) return {*choice, *choice < 0 ? "its window was closed" : ""};
         failures += (failures.empty() ? "" : "; ") + failureOf(program.kind, end);
     }
-    if (failures.empty()) failures = "yad and zenity have no room for such a row of buttons";
+    if (failures.empty()) failures = "the buttons are too wide for one row in yad and zenity";
     return {-1, failures};
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Alerts in a window of the desktop, shown by the desktop's own dialog programs.
+/// Shows alerts in a window of the desktop with an installed dialog program.
 
 #include <string>
 #include <vector>
@@ -10,20 +10,22 @@ namespace xcodhost {
 class Interruption;
 struct Answer;
 
+/// An installed dialog program.
 struct DialogProgram {
     enum class Kind { kYad, kZenity, kKdialog };
     Kind kind;
     std::string path;
 };
 
-/// The installed programs, the most capable first. Throws UsageError when PATH has none, or when there is no
-/// display.
+/// Returns the programs in the absolute directories of PATH, the preferred one first. Throws UsageError if
+/// there is no program or no display.
 std::vector<DialogProgram> FindDialogPrograms();
 
-/// Shows the message and the buttons from left to right, or as a list from top to bottom where the program
-/// has no row for so many. A program that cannot show them leaves it to the next one. All texts are shown
-/// letter by letter, control characters as `\xNN`; a message beyond a screen's height is cut with a sign of
-/// it. A window that is closed without a choice is an alert that was not shown. Throws Interrupted.
+/// Shows the message and the buttons, and returns the answer. Tries the programs in order until one has shown
+/// the window: yad and zenity show a row of buttons, kdialog shows a list. Every character is shown literally
+/// and control characters as `\xNN`. A message of more than 24 lines is cut and ends with `[...]`. The answer
+/// is "not shown" if the user closes the window without a choice, or if no program can show the window.
+/// Throws Interrupted and ToolFault.
 Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
                      const std::vector<std::string>& buttons, const Interruption& interruption);
 

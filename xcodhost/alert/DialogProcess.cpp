@@ -23,12 +23,13 @@ namespace {
 
 constexpr std::size_t kMostOutput = 65536;
 
-/// What a program writes to one of its streams. No pipe: a helper that the program leaves running would hold
-/// its end open.
+/// A file in memory for one output stream of a program. A pipe would stay open if the program left a child
+/// process running.
 class Captured {
 public:
     Captured() : file(memfd_create("dialog", MFD_CLOEXEC)) {
-        if (file.Number() < 0) throw ToolFault::FromErrno("no memory for the window's answer");
+        if (file.Number() < 0)
+            throw ToolFault::FromErrno("dialog program: cannot create a file for its output");
     }
 
     int Number() const { return file.Number(); }
@@ -43,7 +44,8 @@ private:
     Descriptor file;
 };
 
-/// Ends the program's whole process group and reaps it, at the latest when it goes out of scope.
+/// A running program. The destructor kills the process group of the program and reaps the program, unless
+/// `Wait` has done so.
 class RunningDialog {
 public:
     explicit RunningDialog(pid_t processId)
@@ -55,11 +57,11 @@ public:
     }
 
     int Wait(const Interruption& interruption) {
-        if (end.Number() < 0) throw ToolFault::FromErrno("the window cannot be waited for");
+        if (end.Number() < 0) throw ToolFault::FromErrno("dialog program: cannot wait for its end");
         std::array<pollfd, 2> waits{{{end.Number(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
         while (waits[0].revents == 0) {
             if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
-                throw ToolFault::FromErrno("the window cannot be waited for");
+                throw ToolFault::FromErrno("dialog program: cannot wait for its end");
             }
             interruption.Check();
         }
@@ -69,15 +71,16 @@ public:
 private:
     int Reap() { return EndGroup(std::exchange(id, 0)); }
 
-    pid_t id; ///< 0 once it is reaped.
+    pid_t id; ///< 0 after the program has been reaped.
     Descriptor end;
 };
 
+/// Executes the command in the child process. Ends the process with 127 if that fails.
 [[noreturn]] void become(const std::vector<std::string>& command, const Captured& output,
                          const Captured& errors, pid_t parent, const Interruption& interruption) {
-    setpgid(0, 0); // Ctrl-C on the terminal is ours to handle
+    setpgid(0, 0); // Ctrl-C on the terminal then signals the tool only
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(127); // it died before the line above
+    if (getppid() != parent) _exit(127); // the parent died before prctl
     const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
     if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0 || dup2(output.Number(), STDOUT_FILENO) < 0 ||
         dup2(errors.Number(), STDERR_FILENO) < 0) {
@@ -106,12 +109,12 @@ DialogEnd RunDialog(const std::vector<std::string>& command,
     const Captured errors;
     const pid_t parent = getpid();
     const pid_t id = fork();
-    if (id < 0) throw ToolFault::FromErrno("no process for the window");
+    if (id < 0) throw ToolFault::FromErrno("dialog program: cannot create a process");
     if (id == 0) {
         for (const auto& [name, value] : environment) setenv(name, value, 1);
         become(command, output, errors, parent, interruption);
     }
-    setpgid(id, id); // both do it, so that it is done whoever runs first
+    setpgid(id, id); // the child calls setpgid too; either process can run first
     const int status = RunningDialog(id).Wait(interruption);
     return {status, output.Text(), lastLine(errors.Text())};
 }

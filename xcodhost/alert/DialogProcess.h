@@ -1,6 +1,6 @@
 #pragma once
 
-/// A dialog program of the desktop, run until the person has answered.
+/// Runs a dialog program of the desktop until the user has answered.
 
 #include <string>
 #include <utility>
@@ -10,15 +10,17 @@ namespace xcodhost {
 
 class Interruption;
 
+/// The end of a dialog program.
 struct DialogEnd {
-    int status = 0;        ///< As waitpid gives it.
-    std::string output;    ///< What it wrote to standard output, 64 KiB at most.
-    std::string lastError; ///< The last line that it wrote to standard error.
+    int status = 0;        ///< The status that waitpid returns.
+    std::string output;    ///< The first 64 KiB of the program's standard output.
+    std::string lastError; ///< The last line of the first 64 KiB of its standard error.
 };
 
-/// Runs `command`, a program's path and its arguments, without a shell, with these variables added to the
-/// environment. Takes as long as the person does. Before it throws (ToolFault, or Interrupted when a signal
-/// came) the program is ended, with all that it started.
+/// Runs a program without a shell and waits for its end, without a time limit. `command` is the path of the
+/// program and its arguments. `environment` is added to the environment of the tool. Throws ToolFault, and
+/// Interrupted if a signal arrives. Before the function returns or throws, it kills every process of the
+/// program's process group.
 DialogEnd RunDialog(const std::vector<std::string>& command,
                     const std::vector<std::pair<const char*, const char*>>& environment,
                     const Interruption& interruption);

@@ -29,15 +29,14 @@ const Check& checkNamed(const std::string& id) {
         if (std::string(one.id).find(id) != std::string::npos)
             near += (near.empty() ? "" : ", ") + std::string(one.id);
     }
-    throw UsageError(
-        "there is no check " + PrintableQuoted(id) +
-        (near.empty() ? "; xcodhost list checks shows them all" : "; did you mean one of: " + near));
+    throw UsageError("check " + PrintableQuoted(id) + ": unknown; " +
+                     (near.empty() ? "xcodhost list checks lists all ids" : "similar ids: " + near));
 }
 
 std::string explanation(const Check& check, const Style& style) {
     std::string text = style.Heading(check.id) + "\n" + check.sentence + "\n\n" + check.why + '\n';
-    for (const char* dependency : check.dependencies) text += std::string("needs  ") + dependency + '\n';
-    return text + "run    xcodhost validate BUNDLE --include " + check.id + '\n';
+    for (const char* dependency : check.dependencies) text += std::string("depends on  ") + dependency + '\n';
+    return text + "repeat      xcodhost validate BUNDLE --include " + check.id + '\n';
 }
 
 } // namespace

@@ -1,15 +1,16 @@
 #pragma once
 
-/// `xcodhost list checks` and `xcodhost explain`
+/// The commands `xcodhost list checks` and `xcodhost explain`.
 
 #include "ExitStatus.h"
 #include "Options.h"
 
 namespace xcodhost {
 
+/// Prints all checks.
 ExitStatus ListChecksCommand(const ListChecksOptions& options);
 
-/// Throws UsageError when there is no such check, naming those of a similar id.
+/// Prints one check. Throws UsageError if the id is unknown; the message lists the ids that contain it.
 ExitStatus ExplainCommand(const ExplainOptions& options);
 
 } // namespace xcodhost

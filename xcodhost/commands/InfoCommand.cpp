@@ -13,7 +13,7 @@ namespace xcodhost {
 
 namespace {
 
-/// Identifiers may be written in either case.
+/// Returns whether this is the identifier of installer plug-ins. Ignores case.
 bool isPluginType(const std::string& identifier) {
     return strcasecmp(identifier.c_str(), Describe(kPluginType).c_str()) == 0;
 }

@@ -16,7 +16,7 @@
 #include <unistd.h>
 
 #ifndef XCODHOST_VERSION
-#error "the build files give the version"
+#error "the build files must define the version"
 #endif
 
 namespace xcodhost {
@@ -33,7 +33,7 @@ constexpr const char* kRunFooter =
     "Exit status: 0 done, 1 the plug-in set an error bit, 2 wrong usage, 3 the bundle cannot be loaded,\n"
     "4 it crashed or let an exception out, 5 time limit, 70 a fault of the tool itself.";
 
-/// What the parser fills in before the values are checked together.
+/// The values of the options of `run` before they are checked together.
 struct RunArguments {
     RunOptions options;
     std::optional<std::uint16_t> message;
@@ -42,7 +42,8 @@ struct RunArguments {
     std::vector<CLI::Option*> excludedByBlock;
 };
 
-/// Decimal, or hexadecimal after "0x"; the whole text.
+/// Parses a number that is decimal, or hexadecimal after "0x". Throws UsageError if the text is not a number
+/// or the number does not fit the type.
 template <typename Integer>
 Integer parseInteger(const std::string& name, const std::string& text) {
     std::string_view digits = text;
@@ -70,7 +71,7 @@ double parseSeconds(const std::string& name, const std::string& text) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size() || !(value > 0) || value > kLongestLimit) {
         throw UsageError(name + ": " + PrintableQuoted(text) +
-                         " is not a number of seconds above 0, up to 86400");
+                         " is not a number of seconds above 0 and up to 86400");
     }
     return value;
 }
@@ -87,7 +88,7 @@ std::vector<std::uint16_t> messagesFor(const RunArguments& arguments) {
     if (arguments.event == "pre") return {kPreInstall};
     if (arguments.event == "post") return {kPostInstall};
     if (arguments.event == "both") return {kPreInstall, kPostInstall};
-    throw UsageError("--event: " + PrintableQuoted(arguments.event) + " is none of pre, post, both");
+    throw UsageError("--event: " + PrintableQuoted(arguments.event) + " is not pre, post or both");
 }
 
 std::vector<std::string> splitTitles(const std::string& text) {
@@ -103,7 +104,8 @@ AnswerPolicy policyFor(const std::string& text, bool isGiven) {
     if (text == "ask") return {Kind::kAsk, {}, {}};
     if (text == "desktop") return {Kind::kDesktop, {}, FindDialogPrograms()};
     if (text == "first") return {Kind::kFirst, {}, {}};
-    if (text.empty()) throw UsageError("--answers: give ask, desktop, first, or the titles of buttons");
+    if (text.empty())
+        throw UsageError("--answers: empty; give ask, desktop, first, or the titles of buttons");
     return {Kind::kTitles, splitTitles(text), {}};
 }
 
@@ -111,24 +113,25 @@ RunOptions checked(RunArguments& arguments, const CLI::App& run) {
     RunOptions& options = arguments.options;
     if (!options.blockFile.empty()) {
         for (const CLI::Option* option : arguments.excludedByBlock) {
-            if (option->count() > 0) throw UsageError(option->get_name() + " and --block exclude each other");
+            if (option->count() > 0)
+                throw UsageError(option->get_name() + " and --block: give only one of them");
         }
     } else {
         if (!options.product)
-            throw UsageError("--product is missing (or --block, a file with the whole block)");
+            throw UsageError("--product: missing; give a product code, or --block with a parameter block");
         if (arguments.message && run.count("--event") > 0) {
-            throw UsageError("--event and --message exclude each other");
+            throw UsageError("--event and --message: give only one of them");
         }
         options.messages = messagesFor(arguments);
     }
     if (options.isDryRun && options.volume.empty()) {
-        throw UsageError("--dry-run needs --volume: without one the run has a scratch volume anyway");
+        throw UsageError("--dry-run: --volume is missing; without --volume a run uses a scratch volume");
     }
     options.answers = policyFor(arguments.answers, run.count("--answers") > 0);
     return options;
 }
 
-/// What stands in the parameter block.
+/// Adds the options that give the contents of the parameter block.
 void describeBlock(CLI::App& run, RunArguments& arguments) {
     RunOptions& options = arguments.options;
     auto* product = addNumber(run, "--product", options.product, parseInteger<std::int32_t>, "Product code");
@@ -143,66 +146,71 @@ void describeBlock(CLI::App& run, RunArguments& arguments) {
                               "Deliver this message alone: 2 pre-install, 3 post-install, or any other");
     arguments.excludedByBlock = {product, language, selector, event, message};
     run.add_option("--block", options.blockFile,
-                   "Deliver this file's bytes as the parameter block (at least 614)")
+                   "Deliver the bytes of this file as the parameter block (at least 614 bytes)")
         ->type_name("FILE");
 }
 
-/// A switch of the platform, which the child process inherits.
+/// Adds the flag that selects the executable for the Mac. The selection is a state of the platform, which the
+/// child processes inherit.
 void addMacFlag(CLI::App& app) {
     const auto prefer = [] {
         if (!macplatform::PreferMacCode(true))
-            throw UsageError("--mac: only the 32-bit build of this tool runs a bundle's code for the Mac");
+            throw UsageError(
+                "--mac: this build cannot run code for the Mac; use the 32-bit build of the tool");
     };
-    app.add_flag_callback("--mac", prefer, "Load the bundle's executable for the Mac, not that for Linux");
+    app.add_flag_callback("--mac", prefer,
+                          "Load the bundle's executable for the Mac instead of the one for Linux");
 }
 
 void describeRun(CLI::App& run, RunArguments& arguments) {
     RunOptions& options = arguments.options;
-    run.add_option("BUNDLE", options.bundle, "The bundle's folder")->type_name("DIR")->required();
+    run.add_option("BUNDLE", options.bundle, "The folder of the bundle")->type_name("DIR")->required();
     describeBlock(run, arguments);
     run.add_flag("--direct", options.isDirect, "Call the exported PreInstall and PostInstall by name");
     run.add_option("--volume", options.volume,
-                   "Folder that stands for the startup volume (default: a scratch sample volume)")
+                   "Directory that stands for the startup volume (default: a scratch sample volume)")
         ->type_name("DIR");
     run.add_flag("--dry-run", options.isDryRun, "Work on a scratch copy of the volume");
-    run.add_option(
-           "--answers", arguments.answers,
-           "Who answers alerts: ask (default on a terminal), desktop (a window), first (the first button; "
-           "default elsewhere), or the titles of buttons, one for each alert, with commas between")
+    run.add_option("--answers", arguments.answers,
+                   "Who answers alerts: ask (the user, on the terminal; the default on a terminal), desktop "
+                   "(the user, in "
+                   "a window), first (the first button; the default elsewhere), or the titles of buttons, "
+                   "one for each "
+                   "alert, separated by commas")
         ->type_name("WHO");
     addMacFlag(run);
-    run.add_flag("--trace", options.hasTrace, "Show every platform call in order");
+    run.add_flag("--trace", options.hasTrace, "Print every platform call in order");
     addNumber(run, "--timeout", options.secondsPerCall, parseSeconds,
-              "Seconds that one call may take (default 10)");
+              "Time limit of one call in seconds (default 10)");
     run.add_flag("--json", options.isJson, "Print one JSON document");
     run.footer(kRunFooter);
 }
 
 void describeValidate(CLI::App& validate, ValidateOptions& options) {
-    validate.add_option("BUNDLE", options.bundles, "One or more bundles' folders")
+    validate.add_option("BUNDLE", options.bundles, "The folders of one or more bundles")
         ->type_name("DIR")
         ->required();
     validate
         .add_option("--include", options.include,
-                    "Run these checks only: ids, groups, or patterns such as 'steps.*'")
+                    "Run these checks only: ids, groups such as steps, or shell patterns such as 'steps.*'")
         ->type_name("ID");
     validate.add_option("--exclude", options.exclude, "Do not run these checks")->type_name("ID");
     addMacFlag(validate);
     validate.add_flag("--json", options.isJson, "Print one JSON document");
     validate.add_option("--junit", options.junitFile, "Write the results for a build server to this file")
         ->type_name("FILE");
-    validate.add_option("--html", options.htmlFile, "Write a page for the browser to this file")
+    validate.add_option("--html", options.htmlFile, "Write one page for a browser to this file")
         ->type_name("FILE");
     addNumber(validate, "--timeout", options.secondsPerCall, parseSeconds,
-              "Seconds that one call may take (default 10); a check may take twenty times that");
+              "Time limit of one call in seconds (default 10); a check may take twenty times as long");
     addNumber(
         validate, "--jobs", options.atOnce,
         [](const std::string& name, const std::string& text) {
             const auto count = parseInteger<std::uint8_t>(name, text);
-            if (count == 0) throw UsageError(name + ": at least 1");
+            if (count == 0) throw UsageError(name + ": 0 is not a number from 1 to 255");
             return unsigned{count};
         },
-        "Checks that run at the same time (default: the number of processors)");
+        "Number of checks that run at the same time (default: the number of processors)");
     validate.footer(
         "Examples:\n"
         "  xcodhost validate PostInstall.bundle\n"
@@ -210,25 +218,24 @@ void describeValidate(CLI::App& validate, ValidateOptions& options) {
         "  xcodhost validate PostInstall.bundle --junit results.xml --html results.html\n\n"
         "Exit status: 0 all checks passed, 1 a check failed, 2 wrong usage, 3 the bundle cannot be loaded,\n"
         "4 it crashed or let an exception out, 5 time limit, 70 a fault of the tool itself.\n"
-        "Where several checks fail, the first of them decides.");
+        "If several checks fail, the first of them decides.");
 }
 
 void describeList(CLI::App& list, ListChecksOptions& options) {
-    CLI::App* const checks =
-        list.add_subcommand("checks", "All checks of validate, with what they are about");
+    CLI::App* const checks = list.add_subcommand("checks", "Print the id and the requirement of every check");
     checks->add_flag("--json", options.isJson, "Print one JSON document");
     list.require_subcommand(1);
     list.footer("Example:\n  xcodhost list checks");
 }
 
 void describeExplain(CLI::App& explain, ExplainOptions& options) {
-    explain.add_option("ID", options.check, "The check's id")->type_name("")->required();
+    explain.add_option("ID", options.check, "The id of the check")->type_name("")->required();
     explain.add_flag("--json", options.isJson, "Print one JSON document");
     explain.footer("Example:\n  xcodhost explain steps.alert");
 }
 
 void describeShow(CLI::App& show, ShowOptions& options) {
-    show.add_option("--volume", options.volume, "Folder that stands for the startup volume")
+    show.add_option("--volume", options.volume, "Directory that stands for the startup volume")
         ->type_name("DIR")
         ->required();
     show.add_flag("--json", options.isJson, "Print one JSON document");
@@ -236,12 +243,12 @@ void describeShow(CLI::App& show, ShowOptions& options) {
 }
 
 void describeVolume(CLI::App& volume, VolumeOptions& options) {
-    volume.add_option("DIR", options.folder, "A new folder, an empty one, or a sample volume to complete")
+    volume.add_option("DIR", options.folder, "A new directory, an empty one, or a sample volume to complete")
         ->type_name("")
         ->required();
     auto* status = volume.add_option_function<std::string>(
         "--status", [&options](const std::string& text) { options.sample.status = text; },
-        "What the updater's status file holds (default UpdatesEnabled; '' for an empty file)");
+        "Contents of the updater's status file (default UpdatesEnabled; '' for an empty file)");
     volume
         .add_flag_callback(
             "--no-status", [&options] { options.sample.status.reset(); }, "Make no status file")
@@ -257,12 +264,13 @@ void describeVolume(CLI::App& volume, VolumeOptions& options) {
 }
 
 void describeInfo(CLI::App& info, InfoOptions& options) {
-    info.add_option("BUNDLE", options.bundle, "The bundle's folder")->type_name("DIR")->required();
+    info.add_option("BUNDLE", options.bundle, "The folder of the bundle")->type_name("DIR")->required();
     info.add_flag("--json", options.isJson, "Print one JSON document");
     info.footer("Example:\n  xcodhost info PostInstall.bundle");
 }
 
-/// The command's options are made when it is met, and those of the others never.
+/// Adds a command. `describe` adds its options when the parser has found the command, so that only the
+/// options of one command are made.
 template <typename Describe>
 CLI::App* addCommand(CLI::App& app, const char* name, const char* summary, Describe describe) {
     CLI::App* const command = app.add_subcommand(name, summary);
@@ -270,22 +278,22 @@ CLI::App* addCommand(CLI::App& app, const char* name, const char* summary, Descr
     return command;
 }
 
-/// The parser's own words, without line feeds.
+/// Returns the error of the parser as one line.
 UsageError fromParser(const CLI::ParseError& error) {
     std::string text = error.what();
     for (char& c : text) {
         if (c == '\n') c = ' ';
     }
-    return UsageError(text + " (xcodhost --help tells more)");
+    return UsageError(text + "; see xcodhost --help");
 }
 
 } // namespace
 
 Command ParseCommandLine(int argc, const char* const* argv) {
-    CLI::App app("Loads an installer plug-in as the installer does, delivers events to it against a folder "
-                 "that stands "
-                 "for the startup volume,\nand shows what it did.",
-                 "xcodhost");
+    CLI::App app(
+        "Loads an installer plug-in as the installer does, delivers events to it, and reports its effects.\n"
+        "A directory stands for the startup volume.",
+        "xcodhost");
     app.set_version_flag("--version", "xcodhost " XCODHOST_VERSION);
     app.require_subcommand(1);
     RunArguments runArguments;
@@ -300,18 +308,18 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     CLI::App* const validate =
         addCommand(app, "validate", "Check bundles against the plug-in contract",
                    [&](CLI::App& command) { describeValidate(command, validateOptions); });
-    CLI::App* const show = addCommand(app, "show", "Show preferences and Finder flags on a volume",
+    CLI::App* const show = addCommand(app, "show", "Print the preferences and Finder flags on a volume",
                                       [&](CLI::App& command) { describeShow(command, showOptions); });
-    CLI::App* const volume = addCommand(app, "volume", "Make a sample startup volume",
+    CLI::App* const volume = addCommand(app, "volume", "Make or complete a sample startup volume",
                                         [&](CLI::App& command) { describeVolume(command, volumeOptions); });
-    addCommand(app, "info", "Show what a bundle is, without loading it",
+    addCommand(app, "info", "Print the contents of a bundle without loading its code",
                [&](CLI::App& command) { describeInfo(command, infoOptions); });
     CLI::App* const list = addCommand(app, "list", "List the checks of validate",
                                       [&](CLI::App& command) { describeList(command, listOptions); });
     CLI::App* const explain =
-        addCommand(app, "explain", "Tell what a check is about",
+        addCommand(app, "explain", "Explain the requirement of a check",
                    [&](CLI::App& command) { describeExplain(command, explainOptions); });
-    app.footer("xcodhost COMMAND --help shows a command's options and examples.");
+    app.footer("xcodhost COMMAND --help prints the options of a command, and examples.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& request) {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The command line.
+/// The options of each command, and the parser of the command line.
 
 #include "alert/AlertResponder.h"
 #include "volume/SampleVolume.h"
@@ -13,15 +13,16 @@
 
 namespace xcodhost {
 
+/// The options of `run`.
 struct RunOptions {
     std::string bundle;
-    std::optional<std::int32_t> product; ///< Always given unless `blockFile` is.
+    std::optional<std::int32_t> product; ///< Present if `blockFile` is empty.
     std::int32_t language = 0;
     std::uint16_t selector = 1000;
-    std::vector<std::uint16_t> messages; ///< One delivery each, in this order.
-    std::string blockFile;               ///< Empty: blocks are made from the four values above.
-    bool isDirect = false;
-    std::string volume; ///< Empty: a scratch sample volume.
+    std::vector<std::uint16_t> messages; ///< One delivery for each message, in this order.
+    std::string blockFile;               ///< Empty: the parameter blocks are made from the four values above.
+    bool isDirect = false;               ///< Call the exported steps instead of the main entry.
+    std::string volume;                  ///< Empty: a scratch sample volume.
     bool isDryRun = false;
     AnswerPolicy answers;
     bool hasTrace = false;
@@ -29,43 +30,49 @@ struct RunOptions {
     double secondsPerCall = 10;
 };
 
+/// The options of `show`.
 struct ShowOptions {
     std::string volume;
     bool isJson = false;
 };
 
+/// The options of `volume`.
 struct VolumeOptions {
     std::string folder;
     SampleVolume sample;
     bool isJson = false;
 };
 
+/// The options of `info`.
 struct InfoOptions {
     std::string bundle;
     bool isJson = false;
 };
 
+/// The options of `validate`.
 struct ValidateOptions {
     std::vector<std::string> bundles;
-    std::vector<std::string> include; ///< Shell patterns of ids; none: all checks.
+    std::vector<std::string> include; ///< Ids, groups or shell patterns. Empty: all checks.
     std::vector<std::string> exclude;
-    std::string junitFile; ///< Empty: none, as for the next.
-    std::string htmlFile;
+    std::string junitFile; ///< Empty: no file.
+    std::string htmlFile;  ///< Empty: no file.
     bool isJson = false;
     double secondsPerCall = 10;
-    unsigned atOnce = 0; ///< Checks at the same time; 0: as many as there are processors.
+    unsigned atOnce = 0; ///< Number of checks that run at the same time. 0: the number of processors.
 };
 
+/// The options of `list checks`.
 struct ListChecksOptions {
     bool isJson = false;
 };
 
+/// The options of `explain`.
 struct ExplainOptions {
-    std::string check;
+    std::string check; ///< An id.
     bool isJson = false;
 };
 
-/// Text that the command line asked for instead of work: help, or the version.
+/// The text of `--help` or `--version`.
 struct HelpText {
     std::string text;
 };
@@ -73,10 +80,10 @@ struct HelpText {
 using Command = std::variant<HelpText, RunOptions, ValidateOptions, ShowOptions, VolumeOptions, InfoOptions,
                              ListChecksOptions, ExplainOptions>;
 
-/// Throws UsageError with one line that names the option.
+/// Returns the checked options of the command. Throws UsageError with one line that names the option.
 Command ParseCommandLine(int argc, const char* const* argv);
 
-/// Whether "--json" stands anywhere among the arguments, for errors that come before they are understood.
+/// Returns whether an argument is "--json". The result decides how an error in the command line is printed.
 bool WantsJson(int argc, const char* const* argv);
 
 } // namespace xcodhost

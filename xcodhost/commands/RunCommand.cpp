@@ -21,7 +21,7 @@ namespace xcodhost {
 
 namespace {
 
-/// A run may take as long as this many calls.
+/// The time limit of a run, as a multiple of the time limit of a call.
 constexpr double kCallsPerRun = 20;
 
 std::vector<ParameterBlock> blocksFor(const RunOptions& options) {
@@ -34,8 +34,8 @@ std::vector<ParameterBlock> blocksFor(const RunOptions& options) {
         return block.Message() == kPreInstall || block.Message() == kPostInstall;
     });
     if (options.isDirect && !areSteps) {
-        throw UsageError(
-            "--direct calls PreInstall for message 2 and PostInstall for message 3; the block has another");
+        throw UsageError("--direct: no exported function for this message; use message 2 (PreInstall) or 3 "
+                         "(PostInstall)");
     }
     return blocks;
 }
@@ -56,7 +56,7 @@ ChildLimits limitsFor(const RunOptions& options) {
     return limits;
 }
 
-/// The folder that the run works on: the named one, or a scratch volume that goes away with this.
+/// The directory of the volume for the run: the given one, or a scratch volume, which the destructor removes.
 class WorkVolume {
 public:
     WorkVolume(const RunOptions& options, const Interruption& interruption) {
@@ -77,7 +77,7 @@ private:
     std::string folder;
 };
 
-/// Sorts what the child tells into the result.
+/// Records the messages of the child in the result of the run.
 class Recorder {
 public:
     Recorder(RunResult& runResult, AlertResponder& alertResponder)
@@ -116,11 +116,13 @@ private:
     void Add(LoadFailed&& failure) { result.loadFailure = std::move(failure); }
     void Add(ExceptionEscaped&& exception) { result.exception = std::move(exception); }
     void Add(ObjectsLeft&& left) { result.objectsLeft = std::move(left.objects); }
-    void Add(Finding&&) {} // of checks only, as the next two
+    // Only the children of `validate` send these three messages.
+    void Add(Finding&&) {}
     void Add(Skipped&&) {}
     void Add(TableCell&&) {}
-    void Add(macplatform::Alert&&) {} // answered before
-    void Add(ChildFault&&) {}         // thrown before
+    // `Children` handles these three messages.
+    void Add(macplatform::Alert&&) {}
+    void Add(ChildFault&&) {}
     void Add(Done&&) {}
 
     static std::string Unquoted(const std::string& text) {
@@ -133,17 +135,17 @@ private:
     bool hasNoted = false;
 };
 
-/// What became of a preferences file that cannot be read now.
+/// Returns the line for a preferences file that cannot be read after the run.
 std::string fileProblem(const std::string& domain, const PreferencesFile& file, const VolumeState& before,
                         const VolumeState& after, bool hasLostWrite) {
     std::string text = Printable(domain) + ": " + Printable(file.path) + ' ' + file.problem;
-    if (!IsUntouched(before, after, file.path)) return text + "; the run made it so";
-    return text + "; left as it was" + (hasLostWrite ? ", nothing was stored" : "");
+    if (!IsUntouched(before, after, file.path)) return text + "; the run caused this";
+    return text + "; the run left it unchanged" + (hasLostWrite ? " and stored nothing" : "");
 }
 
 std::vector<std::string> findProblems(const RunResult& result, const VolumeState& before,
                                       const VolumeState& after) {
-    std::map<std::string, std::string> lost; // the first reason for each domain
+    std::map<std::string, std::string> lost; // for each domain, the first reason
     for (const CallRecord& call : result.calls) {
         for (const LostWrite& write : call.lostWrites) lost.emplace(write.domain, write.reason);
     }

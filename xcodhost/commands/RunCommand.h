@@ -1,17 +1,17 @@
 #pragma once
 
-/// `xcodhost run`
+/// The command `xcodhost run`.
 
 #include "Options.h"
 #include "run/RunResult.h"
 
 namespace xcodhost {
 
-/// Delivers the events in a child process and tells what changed on the volume. Throws UsageError before
-/// anything is started, ToolFault, and Interrupted.
+/// Delivers the events in a child process and returns the calls and the changes on the volume. Throws
+/// UsageError before the child process starts. Throws ToolFault and Interrupted.
 RunResult RunBundle(const RunOptions& options);
 
-/// Runs, and prints the result.
+/// Runs the bundle and prints the result. Throws as `RunBundle` does.
 ExitStatus RunCommand(const RunOptions& options);
 
 } // namespace xcodhost

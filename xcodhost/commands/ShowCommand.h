@@ -1,13 +1,14 @@
 #pragma once
 
-/// `xcodhost show`
+/// The command `xcodhost show`.
 
 #include "ExitStatus.h"
 #include "Options.h"
 
 namespace xcodhost {
 
-/// Prints all preferences and Finder flags of a volume. What cannot be read is named, and no failure.
+/// Prints all preferences and Finder flags of a volume, and one line for each item that cannot be read. Such
+/// an item is not a failure. Throws UsageError and ToolFault.
 ExitStatus ShowCommand(const ShowOptions& options);
 
 } // namespace xcodhost

@@ -19,7 +19,7 @@ namespace xcodhost {
 
 namespace {
 
-/// The processors that this process may use.
+/// Returns the number of processors that this process may use.
 unsigned processors() {
     cpu_set_t allowed;
     CPU_ZERO(&allowed);
@@ -40,7 +40,7 @@ std::vector<const Check*> selectedChecks(const ValidateOptions& options) {
     return checks;
 }
 
-/// A line on the terminal that is written over again and vanishes in the end.
+/// A progress line on the terminal. Each update overwrites the line. The destructor erases it.
 class Progress {
 public:
     Progress(std::string bundleName, std::size_t checkCount)
@@ -72,7 +72,8 @@ void writeFile(const std::string& path, const std::string& text) {
     }
 }
 
-/// Told before a long run, not after it.
+/// Throws UsageError if the file cannot be opened for writing. Called before the checks run, so that a wrong
+/// path is reported at once.
 void expectWritable(const std::string& path) {
     if (path.empty()) return;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "ab"), &std::fclose);

@@ -1,14 +1,13 @@
 #pragma once
 
-/// `xcodhost validate`
+/// The command `xcodhost validate`.
 
 #include "ExitStatus.h"
 #include "Options.h"
 
 namespace xcodhost {
 
-/// Checks the bundles, prints the result and writes the files that were asked for. Throws UsageError,
-/// ToolFault and Interrupted.
+/// Checks the bundles, prints the result and writes the files. Throws UsageError, ToolFault and Interrupted.
 ExitStatus ValidateCommand(const ValidateOptions& options);
 
 } // namespace xcodhost

@@ -14,7 +14,7 @@ ExitStatus VolumeCommand(const VolumeOptions& options) {
         return ExitStatus::kDone;
     }
     WriteResult("DONE " + Printable(options.folder) + ": " +
-                (made == 0 ? "a sample volume already, left as it is" : Counted(made, "item") + " made") +
+                (made == 0 ? "already complete, nothing was changed" : Counted(made, "item") + " made") +
                 '\n');
     return ExitStatus::kDone;
 }

@@ -1,12 +1,13 @@
 #pragma once
 
-/// `xcodhost volume`
+/// The command `xcodhost volume`.
 
 #include "ExitStatus.h"
 #include "Options.h"
 
 namespace xcodhost {
 
+/// Makes or completes a sample volume. Throws as `MakeSampleVolume` does.
 ExitStatus VolumeCommand(const VolumeOptions& options);
 
 } // namespace xcodhost

@@ -21,7 +21,7 @@ constexpr std::size_t kLongest = std::size_t{1} << 20;
     throw UsageError("--block: " + Printable(path) + ": " + reason);
 }
 
-/// Up to one byte more than the longest block.
+/// Returns the bytes of the file, but at most one byte more than the longest block.
 std::vector<char> readStart(int descriptor, const std::string& path) {
     std::vector<char> bytes(kLongest + 1);
     std::size_t size = 0;
@@ -39,8 +39,8 @@ std::vector<char> readStart(int descriptor, const std::string& path) {
 } // namespace
 
 ParameterBlock ReadBlockFile(const std::string& path) {
-    const int descriptor =
-        open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); // a pipe must not wait for a writer
+    // Without O_NONBLOCK the open of a pipe would wait for a writer.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) refuse(path, std::strerror(errno));
     struct Closer {
         int number;
@@ -50,7 +50,7 @@ ParameterBlock ReadBlockFile(const std::string& path) {
     if (fstat(descriptor, &status) < 0 || !S_ISREG(status.st_mode)) refuse(path, "not a file");
     std::vector<char> bytes = readStart(descriptor, path);
     if (bytes.size() < ParameterBlock::kSize) {
-        refuse(path, std::to_string(bytes.size()) + " bytes, a parameter block has at least " +
+        refuse(path, std::to_string(bytes.size()) + " bytes; a parameter block has at least " +
                          std::to_string(ParameterBlock::kSize));
     }
     if (bytes.size() > kLongest) refuse(path, "longer than 1048576 bytes");

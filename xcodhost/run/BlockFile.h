@@ -6,8 +6,8 @@
 
 namespace xcodhost {
 
-/// A file's bytes as a parameter block. Throws UsageError, naming the file, when it cannot be read, is
-/// shorter than a block or longer than 1 MiB.
+/// Returns the bytes of a file as a parameter block. Throws UsageError with the path if the file cannot be
+/// read, is shorter than a parameter block, or is longer than 1 MiB.
 ParameterBlock ReadBlockFile(const std::string& path);
 
 } // namespace xcodhost

@@ -12,9 +12,10 @@ namespace xcodhost {
 
 namespace {
 
-/// Room behind the block that no plug-in may touch.
+/// Bytes behind the parameter block. A plug-in must not change them; a change is reported.
 constexpr std::size_t kGuard = 64;
 
+/// One run of a delivery plan.
 class Session {
 public:
     Session(const DeliveryPlan& deliveryPlan, const Channel& parentChannel)
@@ -43,7 +44,7 @@ private:
     }
 
     void Record(const macplatform::RecordedCall& entry) const {
-        // Made by the host, not by the bundle's code that runs inside it.
+        // The host makes this call. The code of the bundle runs inside it.
         if (!bundle.IsRunning() || entry.call == "CFPlugInInstanceCreate") return;
         const bool isLostWrite = entry.call == "CFPreferencesSynchronize" && entry.result == "false";
         if (plan.recordsAll || isLostWrite) channel.Send(entry);
@@ -87,7 +88,7 @@ private:
 void Deliver(const DeliveryPlan& plan, const Channel& channel) {
     try {
         Session(plan, channel).Run();
-    } catch (const Stopped&) { // told already
+    } catch (const Stopped&) { // the reason has been reported
     }
 }
 

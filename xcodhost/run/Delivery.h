@@ -1,6 +1,6 @@
 #pragma once
 
-/// Loading a bundle and delivering events to it. Runs in the child process.
+/// Loads a bundle and delivers events to it. Runs in the child process.
 
 #include "contract/PluginContract.h"
 #include "process/Child.h"
@@ -10,17 +10,18 @@
 
 namespace xcodhost {
 
+/// The events of a run and where they are delivered.
 struct DeliveryPlan {
-    std::string bundle; ///< Absolute.
-    std::string volume; ///< The folder that stands for the startup volume.
-    std::vector<ParameterBlock> blocks;
-    bool isDirect = false; ///< Call the exported PreInstall and PostInstall, not the interface's main entry.
-    bool recordsAll =
-        false; ///< Tell every platform call; otherwise only those that failed without being seen.
+    std::string bundle;                 ///< An absolute path.
+    std::string volume;                 ///< The directory that stands for the startup volume.
+    std::vector<ParameterBlock> blocks; ///< One delivery for each block, in this order.
+    bool isDirect = false;   ///< Call the exported PreInstall and PostInstall instead of the main entry.
+    bool recordsAll = false; ///< Report every platform call. False: only failed synchronisations.
 };
 
-/// Does as the installer does: factory, interface, one call of the main entry for each block, release. Stops
-/// at the first escaped exception and where the bundle gives no instance or interface.
+/// Makes the calls of the installer: creates an instance, gets the interface, calls the main entry once for
+/// each block, and releases both. Reports each call to the parent process. Stops after an exception of the
+/// bundle, and if there is no instance or interface. Throws ToolFault if the volume cannot be used.
 void Deliver(const DeliveryPlan& plan, const Channel& channel);
 
 } // namespace xcodhost

@@ -38,7 +38,7 @@ std::string callLine(const macplatform::RecordedCall& entry) {
 
 std::string returnLine(const CallReturned& returned) {
     if (!returned.block)
-        return returned.result.empty() ? "" : "  answered " + Printable(returned.result) + '\n';
+        return returned.result.empty() ? "" : "  returned " + Printable(returned.result) + '\n';
     const BlockEffect& block = *returned.block;
     const std::string before = Hex(block.errorFlagsBefore, 8);
     std::string text = block.errorFlagsBefore == block.errorFlagsAfter
@@ -50,7 +50,8 @@ std::string returnLine(const CallReturned& returned) {
     return text;
 }
 
-/// Calls that only connect host and bundle are shown where they are not plain sailing.
+/// Returns whether the report shows the call. Without `--trace` the report omits a call that delivers no
+/// event, unless the call showed an alert or did not return.
 bool isShown(const CallRecord& call, bool hasTrace) {
     return hasTrace || !call.call.event.empty() || !call.alerts.empty() || !call.returned;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+/// Prints the result of a run as text.
+
 #include "Console.h"
 #include "RunResult.h"
 
@@ -7,10 +9,10 @@
 
 namespace xcodhost {
 
-/// The result as a person reads it; the last line is the verdict.
+/// Returns the report of a run. The last line is the verdict.
 std::string RunReport(const RunResult& result, const Verdict& verdict, const Style& style);
 
-/// One line each, as `run` and `show` print them.
+/// Returns the change as one line without a line feed.
 std::string Line(const PreferenceChange& change);
 std::string Line(const FinderFlagChange& change);
 

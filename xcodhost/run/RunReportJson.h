@@ -8,7 +8,7 @@
 
 namespace xcodhost {
 
-/// The result as one JSON document; docs/xcodhost.md describes its keys.
+/// Returns the result of a run as one JSON document. docs/xcodhost.md describes its keys.
 std::string RunReportJson(const RunResult& result, const Verdict& verdict);
 
 } // namespace xcodhost

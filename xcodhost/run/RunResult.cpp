@@ -66,13 +66,13 @@ Verdict Judge(const RunResult& result) {
                 "FAIL no return within " + Seconds(result.end.seconds) + ' ' + lastCall(result)};
     case ChildEnd::Kind::kOverReport:
     case ChildEnd::Kind::kOverOutput:
-        return {ExitStatus::kCrashed, "FAIL flooded or broke the report to the host " + lastCall(result)};
+        return {ExitStatus::kCrashed, "FAIL sent too much or invalid data to the host " + lastCall(result)};
     case ChildEnd::Kind::kFinished:
         break;
     }
     if (result.exception) {
-        return {ExitStatus::kCrashed, "FAIL exception " + exceptionText(*result.exception) + " left " +
-                                          result.calls.back().Describe()};
+        return {ExitStatus::kCrashed, "FAIL exception " + exceptionText(*result.exception) +
+                                          " escaped from " + result.calls.back().Describe()};
     }
     if (result.loadFailure) {
         return {ExitStatus::kNotLoaded, "FAIL not loaded (" + result.loadFailure->reason + ")"};

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What one run showed, before it is put into words.
+/// The result of a run, from which the reports are printed.
 
 #include "ExitStatus.h"
 #include "process/Child.h"
@@ -13,59 +13,63 @@
 
 namespace xcodhost {
 
+/// An alert and its answer.
 struct AlertRecord {
     macplatform::Alert alert;
-    int answer = -1;  ///< The place of a button; -1: not shown.
-    std::string note; ///< Why it was not shown.
+    int answer = -1;  ///< The index of the chosen button. -1: not shown.
+    std::string note; ///< Why the alert was not shown.
 
-    /// The chosen button's title; empty when it was not shown.
+    /// Returns the title of the chosen button. Returns an empty string if the alert was not shown.
     std::string Title() const;
 };
 
-/// A synchronise that answered false.
+/// A call of CFPreferencesSynchronize that returned false.
 struct LostWrite {
     std::string domain;
-    std::string reason; ///< Empty when the platform gave none.
+    std::string reason; ///< Empty if the platform gave no reason.
 };
 
-/// One call into the bundle, with what happened while it ran.
+/// One call into the bundle, with the alerts and platform calls during the call.
 struct CallRecord {
     CallBegan call;
-    std::optional<CallReturned> returned; ///< Nothing: the child ended inside, or an exception left it.
+    std::optional<CallReturned> returned; ///< No value: the call did not return.
     std::vector<AlertRecord> alerts;
-    std::vector<macplatform::RecordedCall> platformCalls; ///< Empty unless they were asked for.
+    std::vector<macplatform::RecordedCall> platformCalls; ///< Filled only for `--trace`.
     std::vector<LostWrite> lostWrites;
 
-    /// "XCodMain(selector 1000, ...)"
+    /// Returns the function and its arguments: "XCodMain(selector 1000, ...)".
     std::string Describe() const;
-    /// Bits that the call set in the error flags.
+    /// Returns the bits that the call has set in the error flags.
     std::uint32_t NewErrorBits() const;
 };
 
+/// The calls of a run, how the child process ended, and the changes on the volume.
 struct RunResult {
-    std::string bundle;
-    std::string volume; ///< As it was named; empty for the scratch sample volume.
+    std::string bundle; ///< As given on the command line.
+    std::string volume; ///< As given on the command line. Empty: a scratch sample volume.
     bool isDryRun = false;
     bool hasTrace = false;
 
     std::vector<CallRecord> calls;
     std::optional<LoadFailed> loadFailure;
-    std::optional<ExceptionEscaped> exception; ///< It left the last call.
+    std::optional<ExceptionEscaped> exception; ///< The exception that left the last call.
     std::vector<std::string> objectsLeft;
     ChildEnd end;
 
     Changes changes;
-    std::vector<std::string> problems; ///< One line each: what could not be read or stored.
+    std::vector<std::string> problems; ///< One line for each item or domain that could not be read or stored.
 };
 
+/// The exit status and the last line of the report.
 struct Verdict {
     ExitStatus status = ExitStatus::kDone;
     std::string text; ///< "DONE 5 changes", "FAIL ..."
 };
 
+/// Returns the verdict on a run.
 Verdict Judge(const RunResult& result);
 
-/// "SIGSEGV (Segmentation fault)"
+/// Returns the name and the description of a signal: "SIGSEGV (Segmentation fault)".
 std::string SignalName(int number);
 
 } // namespace xcodhost

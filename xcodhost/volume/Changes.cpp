@@ -11,7 +11,8 @@ namespace {
 using macplatform::PropertyValue;
 using Values = std::map<std::string, PropertyValue>;
 
-/// Calls `visit(key, before, after)` for each key of two maps in order, null where a map lacks it.
+/// Calls `visit(key, before, after)` for each key of the two maps in order. A pointer is null if its map does
+/// not have the key.
 template <typename Map, typename Visit>
 void forEachPair(Map& before, Map& after, Visit visit) {
     auto left = before.begin();
@@ -26,7 +27,7 @@ void forEachPair(Map& before, Map& after, Visit visit) {
     }
 }
 
-/// Keys of a file that could not be read are not known, so nothing is said of them.
+/// Appends the keys that differ. Appends nothing if one of the files could not be read.
 void compareKeys(const std::string& domain, PreferencesFile* before, PreferencesFile* after,
                  Changes& changes) {
     if ((before && !before->problem.empty()) || (after && !after->problem.empty())) return;
@@ -64,12 +65,12 @@ bool hasSameContents(const VolumeItem& before, const VolumeItem& after) {
                                     before.inode == after.inode && before.device == after.device);
 }
 
-/// "folder created", "removed"
+/// Returns the kind of the item and the change: "folder created", "removed".
 std::string comingOrGoing(const VolumeItem& item, const std::string& what) {
     return (S_ISDIR(item.mode) ? "folder " : S_ISLNK(item.mode) ? "link " : "") + what;
 }
 
-/// Empty when nothing that counts differs.
+/// Returns the first reported difference, or an empty string.
 std::string differenceOf(const VolumeItem& before, const VolumeItem& after) {
     if ((before.mode & S_IFMT) != (after.mode & S_IFMT)) return "replaced by an item of another kind";
     if (before.linkTarget != after.linkTarget) return "link target changed";
@@ -114,7 +115,7 @@ std::string Describe(const std::optional<PropertyValue>& value) {
     std::string text = value->Describe();
     if (text.size() > longest) {
         const std::string size = std::to_string(text.size());
-        std::size_t end = longest; // not inside a character
+        std::size_t end = longest; // moves to the start of a character
         while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
         text = text.substr(0, end) + "... (" + size + " bytes)";
     }

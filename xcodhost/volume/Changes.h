@@ -1,6 +1,6 @@
 #pragma once
 
-/// What differs between two moments of a startup volume.
+/// The differences between two states of a startup volume.
 
 #include "FinderFlagNames.h"
 #include "VolumeState.h"
@@ -12,48 +12,56 @@
 
 namespace xcodhost {
 
+/// A top-level key of a preferences domain. A missing value means that the key does not exist.
 struct PreferenceChange {
     std::string domain;
     std::string key;
-    std::optional<macplatform::PropertyValue> before; ///< Nothing: the key was not there.
+    std::optional<macplatform::PropertyValue> before;
     std::optional<macplatform::PropertyValue> after;
 };
 
+/// A Finder flag of an item. The settings are 0 and 1, or the numbers of a field.
 struct FinderFlagChange {
-    std::string path;
+    std::string path; ///< On the Mac.
     FinderFlagName flag;
-    int before = 0; ///< 0 and 1, or the field's value.
+    int before = 0;
     int after = 0;
 };
 
+/// Another item of the volume.
 struct FileChange {
-    std::string path;
+    std::string path; ///< On the Mac.
     std::string what; ///< "created", "removed", "contents changed", "mode 0644 -> 0600", ...
 };
 
+/// All differences, each list in the order of the domains or paths.
 struct Changes {
     std::vector<PreferenceChange> preferences;
     std::vector<FinderFlagChange> finderFlags;
-    /// Other files, folders and links. A folder whose entries changed is not told, nor are AppleDouble
-    /// sidecars, which are where a file system without attributes keeps Finder information.
+    /// Other files, directories and links. A directory is not reported just because its entries changed.
+    /// AppleDouble sidecars are not reported: on a file system without extended attributes they contain the
+    /// Finder information.
     std::vector<FileChange> files;
 
     std::size_t Count() const { return preferences.size() + finderFlags.size() + files.size(); }
 };
 
-/// Takes the states over: property lists can be large.
+/// Returns the differences. Moves values out of both states, because property lists can be large. Ignores the
+/// keys of a preferences file that could not be read in one of the states.
 Changes Compare(VolumeState&& before, VolumeState&& after);
 
-/// Whether the item is there in both and holds the same bytes, as far as its inode, size and time tell.
+/// Returns whether both states have the item with the same contents. Compares inode, size and modification
+/// time instead of the bytes.
 bool IsUntouched(const VolumeState& before, const VolumeState& after, const std::string& path);
 
-/// `(integer) 2`, or `(none)` for nothing; on one line and never longer than a few hundred bytes.
+/// Returns the type and the value on one line: `(integer) 2`. Returns `(none)` if there is no value. Cuts a
+/// value of more than 400 bytes and adds its size.
 std::string Describe(const std::optional<macplatform::PropertyValue>& value);
 
-/// `C custom icon (0x0400)`
+/// Returns letter, name and mask: `C custom icon (0x0400)`.
 std::string Describe(const FinderFlagName& flag);
 
-/// `off` and `on`, or the number of a field.
+/// Returns `off` or `on`, or the number of a field.
 std::string DescribeSetting(const FinderFlagName& flag, int setting);
 
 } // namespace xcodhost

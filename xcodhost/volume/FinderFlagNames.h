@@ -1,21 +1,23 @@
 #pragma once
 
-/// The Finder flags by the names that people know them by.
+/// The names of the Finder flags.
 
 #include <array>
 #include <cstdint>
 
 namespace xcodhost {
 
+/// A Finder flag, or a field of several bits.
 struct FinderFlagName {
     std::uint16_t mask;
-    char letter; ///< As the developer tools' GetFileInfo shows it; '-' where that has none.
+    char letter; ///< The letter that the developer tool GetFileInfo prints. '-': it prints none.
     const char* name;
-    int shift; ///< Of a field that is wider than one bit; 0 for a flag.
+    int shift; ///< The lowest bit of a field. 0 for a flag.
 };
 
-/// Every bit of the sixteen has its place here.
+/// All sixteen bits of the Finder flags.
 inline constexpr std::array<FinderFlagName, 14> kFinderFlagNames = {{
+    // mask, letter, name, shift
     {0x8000, 'A', "alias", 0},
     {0x4000, 'V', "invisible", 0},
     {0x2000, 'B', "bundle", 0},

@@ -29,7 +29,7 @@ std::size_t makeFolders(const std::string& path) {
     return isNew ? 1 : 0;
 }
 
-/// Leaves a file that is there as it is.
+/// Makes a file and returns 1. Returns 0 and changes nothing if the file exists.
 std::size_t makeFile(const std::string& path, const std::string& bytes) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wx"), &std::fclose);
     if (!file && errno == EEXIST) return 0;
@@ -57,7 +57,7 @@ std::size_t MakeSampleVolume(const std::string& folder, const SampleVolume& samp
         const bool isEmpty = fs::is_empty(folder, error);
         if (error) throw UsageError(Printable(folder) + ": " + error.message());
         if (!isEmpty && !LooksLikeVolume(folder)) {
-            throw UsageError(Printable(folder) + ": not empty, and no sample volume; it is left as it is");
+            throw UsageError(Printable(folder) + ": not empty and not a sample volume; nothing was changed");
         }
     }
     std::size_t made = makeFolders(folder);

@@ -1,24 +1,26 @@
 #pragma once
 
-/// A small startup volume as an installer of the maker's products finds it.
+/// Makes a small startup volume with the items that the installer of a product expects.
 
 #include <optional>
 #include <string>
 
 namespace xcodhost {
 
+/// The optional items of a sample volume.
 struct SampleVolume {
-    std::optional<std::string> status = "UpdatesEnabled"; ///< The updater's status file; nothing makes none.
-    bool hasFolder = true;                                ///< `/Applications/Korvane`
-    bool hasIcon = true;                                  ///< Its custom-icon file.
+    std::optional<std::string> status = "UpdatesEnabled"; ///< Contents of the updater's status file.
+    bool hasFolder = true;                                ///< The vendor's folder, `/Applications/Korvane`.
+    bool hasIcon = true;                                  ///< The custom-icon file in the vendor's folder.
 };
 
-/// Whether the folder has the look of a startup volume: all folders that a sample has.
+/// Returns whether the directory has all folders that every sample volume has.
 bool LooksLikeVolume(const std::string& folder);
 
-/// Makes the volume in a folder that is not there, is empty, or is a volume already; there it adds what is
-/// missing and leaves all else as it is. Answers how many items were made. Throws UsageError for any other
-/// folder, and ToolFault.
+/// Makes the volume and returns the number of new items. The directory must not exist, must be empty, or must
+/// be a sample volume. In a sample volume the function adds the missing items and does not change existing
+/// ones. Throws UsageError for any other directory. Throws ToolFault if an item cannot be made; the items
+/// made before remain.
 std::size_t MakeSampleVolume(const std::string& folder, const SampleVolume& sample);
 
 } // namespace xcodhost

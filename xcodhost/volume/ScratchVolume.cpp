@@ -25,7 +25,7 @@ ToolFault cannotCopy(const std::string& path) {
     return ToolFault::FromErrno("the scratch copy of the volume: " + Printable(path));
 }
 
-/// The value of an attribute, whatever its size; false, with errno, when it cannot be read.
+/// Reads the value of an extended attribute. Returns false and sets errno on an error.
 bool readAttribute(const char* path, const char* name, std::vector<char>& value) {
     while (true) {
         const ssize_t size = lgetxattr(path, name, nullptr, 0);
@@ -36,7 +36,7 @@ bool readAttribute(const char* path, const char* name, std::vector<char>& value)
             value.resize(static_cast<std::size_t>(got));
             return true;
         }
-        if (errno != ERANGE) return false; // ERANGE: it has grown meanwhile
+        if (errno != ERANGE) return false; // ERANGE: the value has grown meanwhile
     }
 }
 
@@ -48,18 +48,18 @@ void copyAttributes(const std::string& from, const std::string& to) {
     if (got < 0) throw cannotCopy(from);
     std::vector<char> value;
     for (const char* name = names.data(); name < names.data() + got; name += std::strlen(name) + 1) {
-        // Labels of the security system belong to the place, not to the file.
+        // The file system assigns security labels by the location of a file.
         if (std::strncmp(name, "security.", 9) == 0 || std::strncmp(name, "system.", 7) == 0) continue;
         if (!readAttribute(from.c_str(), name, value)) throw cannotCopy(from);
         if (lsetxattr(to.c_str(), name, value.data(), value.size(), 0) < 0) {
             throw ToolFault::FromErrno("the scratch copy of the volume: " + Printable(to) + ": attribute " +
-                                       Printable(name) + " (TMPDIR names another place for it)");
+                                       Printable(name) + " (set TMPDIR to a directory that supports it)");
         }
     }
 }
 
 void copySettings(const std::string& from, const struct stat& status, const std::string& to) {
-    // An owner that cannot be given is the reason why a run without privileges works at all.
+    // Only a privileged process can set another owner. A run must not need privileges, so EPERM is accepted.
     if (lchown(to.c_str(), status.st_uid, status.st_gid) < 0 && errno != EPERM) throw cannotCopy(to);
     copyAttributes(from, to);
     if (!S_ISLNK(status.st_mode) && chmod(to.c_str(), status.st_mode & 07777) < 0) throw cannotCopy(to);
@@ -67,7 +67,8 @@ void copySettings(const std::string& from, const struct stat& status, const std:
     if (utimensat(AT_FDCWD, to.c_str(), times, AT_SYMLINK_NOFOLLOW) < 0) throw cannotCopy(to);
 }
 
-/// False for what has no contents to copy.
+/// Creates the item with its contents, a directory empty. Returns false for a socket or a device, which is
+/// not copied.
 bool copyContents(const std::string& from, const struct stat& status, const std::string& to) {
     std::error_code error;
     switch (status.st_mode & S_IFMT) {
@@ -90,7 +91,7 @@ bool copyContents(const std::string& from, const struct stat& status, const std:
     return true;
 }
 
-/// A folder's settings come last: a copy of one that may not be written into must be filled first.
+/// Copies one item with its contents. The mode of a directory is set last, because it can forbid writing.
 void copyItem(const std::string& from, const std::string& to, const Interruption& interruption) {
     interruption.Check();
     struct stat status {};
@@ -108,7 +109,7 @@ ScratchFolder::ScratchFolder(Use use) {
     const bool isInMemory =
         use == Use::kSamples && !std::getenv("TMPDIR") && access(memory, W_OK | X_OK) == 0;
     path = ((isInMemory ? fs::path(memory) : fs::temp_directory_path(error)) / "xcodhost.XXXXXX").string();
-    if (error) throw ToolFault("no place for temporary files: " + error.message());
+    if (error) throw ToolFault("directory for temporary files: " + error.message() + "; set TMPDIR");
     if (!mkdtemp(path.data())) throw ToolFault::FromErrno(path);
 }
 

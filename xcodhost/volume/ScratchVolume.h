@@ -1,6 +1,6 @@
 #pragma once
 
-/// Volumes that last as long as one run.
+/// Temporary volumes: a directory that is removed after a run, and copies of volumes.
 
 #include <string>
 
@@ -8,14 +8,14 @@ namespace xcodhost {
 
 class Interruption;
 
-/// A fresh folder that is removed, with what it holds, with the object. Throws ToolFault.
+/// A temporary directory. The destructor removes it and its contents.
 class ScratchFolder {
 public:
     enum class Use {
-        kSamples, ///< For small volumes: in memory, where the system has a place for that and TMPDIR names
-                  ///< none.
-        kCopies,  ///< Among the temporary files.
+        kSamples, ///< A small volume: in memory (`/dev/shm`), unless TMPDIR is set.
+        kCopies,  ///< The copy of a volume: in TMPDIR, or in the system's directory for temporary files.
     };
+    /// Throws ToolFault if the directory cannot be created.
     explicit ScratchFolder(Use use);
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
@@ -27,9 +27,9 @@ private:
     std::string path;
 };
 
-/// Copies what a volume holds into an empty folder: files, folders, links as links, pipes, with modes, owners
-/// where that is allowed, times and extended attributes. Sockets and devices are left out. Throws ToolFault,
-/// naming the item, when something cannot be copied whole, and Interrupted.
+/// Copies the contents of a volume into an empty directory: files, directories, symbolic links and pipes,
+/// with modes, times, extended attributes and, if the process may set them, owners. Omits sockets and
+/// devices. Throws ToolFault with the path of an item that cannot be copied completely. Throws Interrupted.
 void CopyVolume(const std::string& from, const std::string& to, const Interruption& interruption);
 
 } // namespace xcodhost

@@ -22,7 +22,7 @@ std::string VolumeFolder(const std::string& named) {
     struct stat status {};
     if (stat(folder.c_str(), &status) < 0) throw refuse(std::strerror(errno));
     if (!S_ISDIR(status.st_mode)) throw refuse("not a folder");
-    if (folder == "/") throw refuse("this machine's own root is no startup volume");
+    if (folder == "/") throw refuse("the root directory of this machine is not a startup volume");
     if (access(folder.c_str(), R_OK | X_OK) < 0) throw refuse(std::strerror(errno));
     return folder;
 }

@@ -4,8 +4,8 @@
 
 namespace xcodhost {
 
-/// The folder as an absolute path without links. Throws UsageError when it is missing, is no folder, cannot
-/// be read, or is this machine's own root, which is no Mac's.
+/// Returns the directory of a volume as an absolute path without symbolic links. Throws UsageError if the
+/// directory does not exist, is not a directory, cannot be read, or is the root directory of this machine.
 std::string VolumeFolder(const std::string& named);
 
 } // namespace xcodhost

@@ -26,7 +26,7 @@ struct CloseFolder {
 };
 using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
-/// Names in the folder, without "." and ".."; errno is 0 unless reading was refused.
+/// Returns the names in the directory without "." and "..". Sets errno to the error, or to 0.
 std::vector<std::string> namesIn(const std::string& path) {
     std::vector<std::string> names;
     const OpenFolder folder(opendir(path.c_str()));
@@ -57,7 +57,8 @@ std::string readLinkTarget(const std::string& path) {
     return target;
 }
 
-/// Walks a volume without recursion: a plug-in can make folders deeper than a stack is.
+/// Records every item of a volume. Uses no recursion, because a plug-in can nest directories so deeply that
+/// the stack overflows.
 class Walk {
 public:
     Walk(std::string volumeFolder, VolumeState& volumeState)
@@ -80,7 +81,7 @@ public:
     }
 
 private:
-    /// True for a folder.
+    /// Records one item. Returns whether the item is a directory.
     bool Visit(const std::string& macPath) {
         const std::string path = volume + macPath;
         struct stat status {};
@@ -109,7 +110,7 @@ private:
     VolumeState& state;
 };
 
-/// Paths of the Mac lie on the volume while one lives.
+/// Sets the startup volume. The destructor removes the setting.
 class OnVolume {
 public:
     explicit OnVolume(const std::string& volume) {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a startup volume holds at one moment: preferences, Finder flags, files.
+/// The state of a startup volume at one moment: preferences, Finder flags, files.
 
 #include <macplatform/PropertyList.h>
 
@@ -25,24 +25,26 @@ struct VolumeItem {
 
 /// One property list of `/Library/Preferences`.
 struct PreferencesFile {
-    std::string path;    ///< On the Mac.
-    std::string problem; ///< "is not a property list", or why else there are no values; empty when there are.
-    std::map<std::string, macplatform::PropertyValue> values; ///< Top-level keys.
+    std::string path; ///< On the Mac.
+    std::string
+        problem; ///< Why the file cannot be read: "is not a property list". Empty if it has been read.
+    std::map<std::string, macplatform::PropertyValue> values; ///< By top-level key.
 };
 
+/// The state of a volume.
 struct VolumeState {
     std::map<std::string, PreferencesFile> preferences; ///< By domain.
-    std::map<std::string, VolumeItem> items;            ///< By path on the Mac; links are not followed.
+    std::map<std::string, VolumeItem> items;            ///< By path on the Mac. Links are not followed.
     std::vector<std::string> problems;                  ///< One line for each item that cannot be read.
 };
 
 inline constexpr const char* kPreferencesFolder = "/Library/Preferences";
 
-/// Whether the item at this path is a preferences file, told by its keys.
+/// Returns whether the path is that of a preferences file, which `VolumeState::preferences` describes.
 bool IsPreferencesPath(const std::string& macPath);
 
-/// Reads the volume that lies in this folder and changes nothing. Throws ToolFault when the folder cannot be
-/// read.
+/// Reads the volume in a directory and changes nothing. Throws ToolFault if the directory cannot be used as
+/// the startup volume. Records an item that cannot be read in `problems`.
 VolumeState ReadVolume(const std::string& volume);
 
 } // namespace xcodhost

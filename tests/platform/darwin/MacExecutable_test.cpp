@@ -157,9 +157,9 @@ TEST(MacExecutable, IsReportedWhenItFails) {
         return RunHost({"run", (folder / "Throwing.bundle").string(), "--product", product}).Verdict();
     };
     EXPECT_EQ(verdict("0"), "DONE 0 changes") << "an initialiser has not run";
-    EXPECT_THAT(verdict("1"), HasSubstr("exception std::runtime_error left XCodMain("));
-    EXPECT_THAT(verdict("2"), HasSubstr("exception int left XCodMain("));
-    EXPECT_THAT(verdict("3"), HasSubstr("exception std::out_of_range left XCodMain("));
+    EXPECT_THAT(verdict("1"), HasSubstr("exception std::runtime_error escaped from XCodMain("));
+    EXPECT_THAT(verdict("2"), HasSubstr("exception int escaped from XCodMain("));
+    EXPECT_THAT(verdict("3"), HasSubstr("exception std::out_of_range escaped from XCodMain("));
     EXPECT_THAT(verdict("4"), HasSubstr("crashed in XCodMain("));
     const HostTool checked =
         RunHost({"validate", (folder / "Throwing.bundle").string(), "--mac", "--include", "steps"});

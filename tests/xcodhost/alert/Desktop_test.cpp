@@ -1,4 +1,4 @@
-// Alerts in a real window on a real X server, answered with the mouse and the keyboard.
+// Tests of alerts in a real window on a real X server, answered with the mouse and the keyboard.
 
 #include "support/HostTool.h"
 #include "support/TestBundle.h"
@@ -11,7 +11,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/// A variable of this process, given back its value at the end; null removes it.
+/// Sets an environment variable, or removes it if the value is null. The destructor restores it.
 class Variable {
 public:
     Variable(const char* variable, const char* value) : name(variable) {
@@ -27,7 +27,7 @@ private:
     std::string before;
 };
 
-/// A program in a process group of its own, which ends with the object.
+/// A program in a process group of its own. The destructor kills the group.
 class Background {
 public:
     Background(const std::vector<const char*>& command, int passedDescriptor = -1) : id(fork()) {
@@ -53,7 +53,7 @@ private:
     pid_t id;
 };
 
-/// An X server without a screen to be seen, on a display number of its own choice.
+/// An X server without a visible screen. The server chooses the number of its display.
 class Desktop {
 public:
     Desktop() {
@@ -76,7 +76,7 @@ private:
     std::optional<Variable> display, noWayland, noBus;
 };
 
-/// PATH has these programs alone, beside what the tests themselves need.
+/// Sets PATH to a directory with only these programs.
 class Installed {
 public:
     explicit Installed(const std::vector<std::string>& programs) {
@@ -91,8 +91,8 @@ private:
     std::optional<Variable> path;
 };
 
-/// Waits for the window, then does the rest, in which $window is the window and $X $Y $WIDTH $HEIGHT its
-/// place.
+/// Returns a shell command that waits for the window and then runs `action`. In `action`, $window is the
+/// window, and $X $Y $WIDTH $HEIGHT are its position and size.
 std::string onceShown(const std::string& action) {
     return "export PATH=/usr/bin:/bin; "
            "window=$(xdotool search --sync --onlyvisible --name '^xcodhost$' | tail -n 1); "
@@ -100,7 +100,8 @@ std::string onceShown(const std::string& action) {
            action;
 }
 
-/// The buttons share the lower edge of a window that is no wider than they are.
+/// Returns a shell command that clicks one of `count` buttons. The buttons have equal widths and fill the
+/// lower edge of the window.
 std::string click(int button, int count) {
     return onceShown("xdotool mousemove $((X + WIDTH * (2 * " + std::to_string(button) + " + 1) / " +
                      std::to_string(2 * count) + ")) $((Y + HEIGHT - 25)) click 1");
@@ -121,7 +122,7 @@ using Row = std::tuple<const char*, std::pair<int, int>>;
 
 class AWindow : public testing::TestWithParam<Row> {};
 
-TEST_P(AWindow, ReturnsTheButtonThatIsClicked) {
+TEST_P(AWindow, ReportsTheClickedButton) {
     const auto& [program, clicked] = GetParam();
     const Desktop desktop;
     const Installed installed({program});
@@ -131,7 +132,7 @@ TEST_P(AWindow, ReturnsTheButtonThatIsClicked) {
         << run.out << run.err;
 }
 
-/// How many buttons, and which is clicked.
+/// The number of buttons, and the index of the clicked button.
 const std::pair<int, int> kClicks[] = {{1, 0}, {2, 1}, {3, 1}, {4, 1}, {4, 3}};
 std::string nameOf(const testing::TestParamInfo<Row>& row) {
     const auto& [program, clicked] = row.param;
@@ -145,7 +146,7 @@ class AnyProgram : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Desktop, AnyProgram, testing::Values("yad", "zenity"),
                          [](const auto& row) { return row.param; });
 
-TEST_P(AnyProgram, ShowsTextsLetterByLetter) {
+TEST_P(AnyProgram, ShowsTextsLiterally) {
     const Desktop desktop;
     const Installed installed({GetParam()});
     const HostTool run = runWith(click(3, 4), {"19"});
@@ -160,7 +161,7 @@ TEST_P(AnyProgram, ReportsAClosedWindowAsNotShown) {
     EXPECT_THAT(runWith(kPressEscape, {"20"}).out, HasSubstr("0x00000000 -> 0xFFFF0000")) << "a stop alert";
 }
 
-TEST_P(AnyProgram, EndsWithTheRunThatIsBrokenOff) {
+TEST_P(AnyProgram, EndsWithAnInterruptedRun) {
     const Desktop desktop;
     const Installed installed({GetParam()});
     const TemporaryFolder scratch;
@@ -171,12 +172,12 @@ TEST_P(AnyProgram, EndsWithTheRunThatIsBrokenOff) {
     EXPECT_TRUE(WIFSIGNALED(run.status) && WTERMSIG(run.status) == SIGTERM) << run.status << run.out;
     const int dialog = std::atoi(ReadBytes(note).c_str());
     ASSERT_GT(dialog, 1);
-    EXPECT_EQ(kill(dialog, 0), -1) << "the window is left";
+    EXPECT_EQ(kill(dialog, 0), -1) << "the window still exists";
     std::filesystem::remove(note);
-    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path())) << "the scratch volume is left";
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path())) << "the scratch volume still exists";
 }
 
-TEST(Desktop, LeavesToTheNextProgramWhatOneCannotShow) {
+TEST(Desktop, TriesTheNextProgramAfterAFailure) {
     const Desktop desktop;
     const Installed installed({"zenity"});
     const TemporaryFolder broken;
@@ -188,10 +189,11 @@ TEST(Desktop, LeavesToTheNextProgramWhatOneCannotShow) {
     const Variable one("PATH", broken.Path().c_str());
     EXPECT_THAT(runWith("", {"12"}).err,
                 HasSubstr("was not shown: yad ended with exit status 1: no toolkit"));
-    EXPECT_THAT(runWith("", {"18", "--language", "99"}).err, HasSubstr("no room for such a row of buttons"));
+    EXPECT_THAT(runWith("", {"18", "--language", "99"}).err,
+                HasSubstr("the buttons are too wide for one row"));
 }
 
-TEST(Desktop, RefusesBeforeAnythingIsStarted) {
+TEST(Desktop, RejectsAMissingProgramOrDisplayBeforeTheRun) {
     const Variable noWayland("WAYLAND_DISPLAY", nullptr);
     const TemporaryFolder empty;
     const std::vector<std::string> order{"run", "Absent.bundle", "--product", "1", "--answers", "desktop"};

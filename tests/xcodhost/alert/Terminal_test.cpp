@@ -1,4 +1,4 @@
-// Alerts asked on a real terminal.
+// Tests of alerts that the user answers on a real terminal.
 
 #include "support/HostTool.h"
 #include "support/TestBundle.h"
@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// The tool at a terminal of its own, which also shows standard error; standard output goes to a file.
+/// The tool on a terminal of its own. Standard error goes to the terminal, standard output to a file.
 class TerminalRun {
 public:
     TerminalRun() {
@@ -35,7 +35,8 @@ public:
         close(terminal);
     }
 
-    /// All that was shown since the last call, up to this text, or up to the end when it never comes.
+    /// Returns the output since the last call up to and including `text`, or all output if `text` is not
+    /// in the output.
     std::string ShownUntil(const std::string& text) const {
         std::string shown;
         char c = 0;
@@ -45,7 +46,7 @@ public:
     void Type(const std::string& keys) const {
         EXPECT_EQ(write(terminal, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
     }
-    /// waitpid's status once the tool has ended.
+    /// Waits for the end of the tool and returns its status as waitpid reports it.
     int End() {
         if (!hasEnded) {
             ShownUntil("the end");
@@ -71,30 +72,30 @@ private:
 
 constexpr const char* kPrompt = "Button [1]: ";
 
-TEST(Terminal, AsksAgainUntilAButtonIsNamed) {
+TEST(Terminal, AsksAgainAfterAnUnknownButton) {
     TerminalRun run;
     EXPECT_THAT(run.ShownUntil(kPrompt), HasSubstr("Alert \"Go on?\"\r\n  1  Yes\r\n  2  No\r\n"));
     run.Type("3\n");
-    EXPECT_THAT(run.ShownUntil(kPrompt), HasSubstr("There is no button \"3\"."));
+    EXPECT_THAT(run.ShownUntil(kPrompt), HasSubstr("no button \"3\"; enter a number or a title"));
     run.Type("No\n");
     EXPECT_THAT(run.Report(), HasSubstr("[Yes] [No]: No\n"));
 }
 
-TEST(Terminal, TreatsTheEndOfTheInputAsNotShown) {
+TEST(Terminal, CountsTheEndOfTheInputAsNotShown) {
     TerminalRun run;
     run.ShownUntil(kPrompt);
     run.Type("\x04");
-    EXPECT_THAT(run.Report(), HasSubstr("[Yes] [No]: not shown, nobody answered\n"));
+    EXPECT_THAT(run.Report(), HasSubstr("[Yes] [No]: not shown, no answer was given\n"));
 }
 
-TEST(Terminal, EndsTheRunAtCtrlC) {
+TEST(Terminal, InterruptsTheRunAtCtrlC) {
     TerminalRun run;
     run.ShownUntil(kPrompt);
     run.Type("\x03");
     const int status = run.End();
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
     EXPECT_THAT(run.Report(), IsEmpty());
-    EXPECT_TRUE(run.LeftNothing()) << "the scratch volume is left";
+    EXPECT_TRUE(run.LeftNothing()) << "the scratch volume still exists";
 }
 
 } // namespace

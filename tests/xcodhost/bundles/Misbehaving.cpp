@@ -1,4 +1,4 @@
-// A plug-in that does to its host whatever the product code orders.
+// A plug-in with faults. The product code of a call selects the fault.
 
 #include "support/NewText.h"
 #include "support/PlugInFunctions.h"
@@ -28,7 +28,7 @@ enum Fault : std::int32_t {
 };
 // clang-format on
 
-/// 1 for the first button, 2 for the second, ...
+/// Shows an alert. Returns 1 for the first button, 2 for the second, and so on.
 std::uint32_t ask(const char* message, const std::vector<const char*>& titles) {
     const id alert = NewAlert();
     const CFStringRef shown = NewText(message);
@@ -57,7 +57,8 @@ void writeFile(const char* path, const char* text) {
     while (true) pause();
 }
 
-/// Out of the host's reach, but for what the kernel knows of its ancestors.
+/// Starts a process that is an orphan in another session: only the kernel's records connect the process to
+/// the host.
 void leaveAProcess() {
     if (fork() != 0) return;
     setsid();

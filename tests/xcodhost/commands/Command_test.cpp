@@ -1,4 +1,4 @@
-// The command line: wrong usage, sample volumes, streams.
+// Tests of the command line: wrong usage, sample volumes, streams.
 
 #include "support/HostTool.h"
 #include "support/TestBundle.h"
@@ -15,13 +15,13 @@ namespace {
 
 struct WrongUsage {
     const char* name;
-    const char* order; ///< "BUNDLE" stands for a good one, "SHORT" for a file of 613 bytes.
-    std::string report;
+    const char* order;  ///< The arguments. BUNDLE is a valid bundle, SHORT a file of 613 bytes.
+    std::string report; ///< A part of the message.
 };
 
 class AWrongUsage : public testing::TestWithParam<WrongUsage> {};
 
-TEST_P(AWrongUsage, IsOneLineOnStandardErrorAndNothingElse) {
+TEST_P(AWrongUsage, IsReportedOnOneLineOfStandardError) {
     const TestBundle bundle;
     const TemporaryFolder files;
     const std::string shortFile = files.Write("short", std::string(613, '\0'));
@@ -54,18 +54,18 @@ INSTANTIATE_TEST_SUITE_P(
         {"TimeoutIsNaN", "run BUNDLE --product 1 --timeout nan", "--timeout: \"nan\""},
         {"VolumeIsMissing", "run BUNDLE --product 1 --volume /nowhere", "/nowhere"},
         {"VolumeIsAFile", "run BUNDLE --product 1 --volume SHORT", "not a folder"},
-        {"VolumeIsThisMachine", "run BUNDLE --product 1 --volume /", "/: this machine's own root"},
+        {"VolumeIsThisMachine", "run BUNDLE --product 1 --volume /", "/: the root directory of this machine"},
         {"ShownVolumeIsMissing", "show --volume /nowhere", "/nowhere"},
         {"BlockIsMissing", "run BUNDLE --block /nowhere", "/nowhere"},
         {"BlockIsShort", "run BUNDLE --block SHORT", "613 bytes"},
         {"BlockIsADevice", "run BUNDLE --block /dev/zero", "/dev/zero: not a file"},
         {"BlockAndProduct", "run BUNDLE --block SHORT --product 1", "--product and --block"},
-        {"DryRunOfNothing", "run BUNDLE --product 1 --dry-run", "--dry-run needs --volume"},
+        {"DryRunWithoutVolume", "run BUNDLE --product 1 --dry-run", "--dry-run: --volume is missing"},
         {"DirectOtherMessage", "run BUNDLE --product 1 --direct --message 4", "--direct"},
     }),
     [](const auto& row) { return row.param.name; });
 
-TEST(Command, HandsABlockFileOverAsItIs) {
+TEST(Command, DeliversABlockFileUnchanged) {
     const TestBundle bundle;
     const TemporaryFolder files;
     std::string block(700, '\xEE');
@@ -76,7 +76,7 @@ TEST(Command, HandsABlockFileOverAsItIs) {
     EXPECT_EQ(run.Verdict(), "FAIL error bit set by message 9 (0 changes)");
 }
 
-TEST(Command, NegativeNumbersAreValues) {
+TEST(Command, AcceptsNegativeAndHexadecimalNumbers) {
     const TestBundle bundle;
     const HostTool run =
         RunHost({"run", bundle.Path(), "--product", "-1", "--language", "-2", "--selector", "0xFF"});
@@ -84,7 +84,7 @@ TEST(Command, NegativeNumbersAreValues) {
                 HasSubstr("XCodMain(selector 255, message 2 (pre-install), product -1, language -2)\n"));
 }
 
-TEST(Command, MakesASampleVolumeAndCompletesIt) {
+TEST(Command, MakesAndCompletesASampleVolume) {
     const TemporaryFolder folder;
     const std::string volume = (folder / "vol").string();
     const std::string status = volume + "/Library/Application Support/Korvane/Updater/install_status.txt";
@@ -93,11 +93,11 @@ TEST(Command, MakesASampleVolumeAndCompletesIt) {
     EXPECT_TRUE(std::filesystem::exists(status));
     EXPECT_FALSE(std::filesystem::exists(icon));
     EXPECT_EQ(RunHost({"volume", volume, "--status", "other"}).ExitStatus(), 0);
-    EXPECT_EQ(ReadBytes(status), "") << "what is there is kept";
+    EXPECT_EQ(ReadBytes(status), "") << "an existing file has changed";
     EXPECT_TRUE(std::filesystem::exists(icon));
 }
 
-TEST(Command, MakesNoSampleVolumeAmongOtherFiles) {
+TEST(Command, RejectsADirectoryWithOtherFilesForASampleVolume) {
     const TemporaryFolder folder;
     folder.Write("precious");
     const HostTool run = RunHost({"volume", folder.Path()});
@@ -106,7 +106,7 @@ TEST(Command, MakesNoSampleVolumeAmongOtherFiles) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
 }
 
-TEST(Command, ShowsHiddenListsBrokenOnesAndFlags) {
+TEST(Command, ShowsHiddenAndBrokenPreferencesAndFinderFlags) {
     const TemporaryFolder volume;
     volume.Write("Library/Preferences/.GlobalPreferences.plist",
                  "<plist version=\"1.0\"><dict><key>a\nb</key><true/></dict></plist>");
@@ -116,7 +116,7 @@ TEST(Command, ShowsHiddenListsBrokenOnesAndFlags) {
     finderInfo.replace(8, 2, "\xC0\x06"); // alias, invisible, label 3
     const std::string item = volume.Write("item");
     if (setxattr(item.c_str(), "user.com.apple.FinderInfo", finderInfo.data(), finderInfo.size(), 0) != 0) {
-        GTEST_FAIL() << "this test needs a folder for temporary files that takes extended attributes";
+        GTEST_FAIL() << "the directory for temporary files does not support extended attributes; set TMPDIR";
     }
     const HostTool show = RunHost({"show", "--volume", volume.Path()});
     EXPECT_EQ(show.ExitStatus(), 0);
@@ -128,7 +128,7 @@ TEST(Command, ShowsHiddenListsBrokenOnesAndFlags) {
                         "pipe: /Library/Preferences/pipe.plist is not a file\n");
 }
 
-TEST(Command, SurvivesAnOutputThatAcceptsNothing) {
+TEST(Command, ReportsAnOutputThatCannotBeWritten) {
     const TestBundle bundle;
     const HostTool full = RunHost({"run", bundle.Path(), "--product", "0"}, {}, {}, "/dev/full");
     EXPECT_EQ(full.ExitStatus(), 70);
@@ -136,7 +136,7 @@ TEST(Command, SurvivesAnOutputThatAcceptsNothing) {
     EXPECT_EQ(RunHost({"run", bundle.Path(), "--product", "0"}, {}, {}, "-").ExitStatus(), 0);
 }
 
-TEST(Command, HelpGivesExamples) {
+TEST(Command, PrintsExamplesInHelp) {
     for (const char* command : {"run", "show", "volume", "info"}) {
         const HostTool help = RunHost({command, "--help"});
         EXPECT_EQ(help.ExitStatus(), 0);

@@ -1,4 +1,4 @@
-// The real plug-in, end to end; its effects are read back by tools that know nothing of this project.
+// End-to-end tests of the plug-in. Tools of other projects read the effects.
 
 #include "support/CommandOutput.h"
 #include "support/HostTool.h"
@@ -29,7 +29,7 @@ protected:
     std::string volume = (folder / "vol").string();
 };
 
-TEST_F(InstalledProduct, ShowsEachEffectAndThenThatNothingChanged) {
+TEST_F(InstalledProduct, ReportsEachEffectAndNoChangeTheSecondTime) {
     const HostTool first = Install();
     EXPECT_THAT(
         first.out,
@@ -45,7 +45,7 @@ TEST_F(InstalledProduct, ShowsEachEffectAndThenThatNothingChanged) {
     EXPECT_THAT(Install().out, HasSubstr("\nnothing changed\nDONE 0 changes\n"));
 }
 
-TEST_F(InstalledProduct, OtherToolsReadWhatWasWritten) {
+TEST_F(InstalledProduct, HasFilesThatOtherToolsRead) {
     Install();
     const std::string read = "/usr/bin/python3 -c 'import plistlib, sys\n"
                              "print(plistlib.load(open(sys.argv[1], \"rb\")))' ";
@@ -60,7 +60,7 @@ TEST_F(InstalledProduct, OtherToolsReadWhatWasWritten) {
               std::string("\x40\x00", 2));
 }
 
-TEST_F(InstalledProduct, ShowReportsTheSame) {
+TEST_F(InstalledProduct, HasTheSameEffectsInShow) {
     Install();
     EXPECT_EQ(RunHost({"show", "--volume", volume}).out,
               "com.korvane.audioplugins.Fusewright Lang: (string) \"ja\"\n"
@@ -70,21 +70,21 @@ TEST_F(InstalledProduct, ShowReportsTheSame) {
               "/Applications/Korvane/Icon\\r: V invisible (0x4000) on\n");
 }
 
-TEST_F(InstalledProduct, WrongSelectorAlertsTwiceAndSetsTheErrorBit) {
+TEST_F(InstalledProduct, ReportsAWrongSelectorWithTwoAlertsAndTheErrorBit) {
     const HostTool run = Install({"--selector", "7", "--event", "pre", "--direct"});
     EXPECT_THAT(run.out, HasSubstr("  Alert \"Unable to set post install option keys.\" [OK]: OK\n"
-                                   "  Stop alert 5000: not shown, its resource is not here\n"
+                                   "  Stop alert 5000: not shown, its resource is not available\n"
                                    "  errorFlags 0x00000000 -> 0x00000001\n"));
     EXPECT_EQ(run.Verdict(), "FAIL error bit set by pre-install (0 changes)");
     EXPECT_EQ(run.ExitStatus(), 1);
 }
 
-TEST_F(InstalledProduct, LeavesABrokenPreferencesFileAsItIsAndSaysSo) {
+TEST_F(InstalledProduct, ReportsABrokenPreferencesFileAndLeavesItUnchanged) {
     std::ofstream(Preferences("com.korvane.updater")) << "no list";
     const HostTool run = Install();
     EXPECT_THAT(run.out,
                 HasSubstr("\ncom.korvane.updater: /Library/Preferences/com.korvane.updater.plist is not a "
-                          "property list; left as it was, nothing was stored\nDONE 3 changes\n"));
+                          "property list; the run left it unchanged and stored nothing\nDONE 3 changes\n"));
     EXPECT_EQ(ReadBytes(Preferences("com.korvane.updater")), "no list");
 }
 

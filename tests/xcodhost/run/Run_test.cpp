@@ -1,4 +1,4 @@
-// What a run tells of a bundle that misbehaves, and that it outlives it.
+// Tests that a run reports the faults of a bundle and is not affected by them.
 
 #include "support/HostTool.h"
 #include "support/TestBundle.h"
@@ -16,8 +16,16 @@ using testing::StartsWith;
 
 namespace {
 
-std::string call(const std::string& product) {
-    return "XCodMain(selector 1000, message 2 (pre-install), product " + product + ", language 0)";
+std::string call(const std::string& product, const std::string& function = "XCodMain") {
+    return function + "(selector 1000, message 2 (pre-install), product " + product + ", language 0)";
+}
+
+std::string crashIn(const std::string& place) {
+    return "FAIL crashed in " + place + ": SIGSEGV (Segmentation fault)";
+}
+
+std::string escapeOf(const std::string& exception, const std::string& place) {
+    return "FAIL exception " + exception + " escaped from " + place;
 }
 
 struct RunFault {
@@ -35,50 +43,48 @@ TEST_P(ARunFault, IsReportedWithTheCallAndTheStatus) {
     const HostTool run = RunHostWith({"run", bundle.Path()}, GetParam().options, scratch.Path());
     EXPECT_EQ(run.Verdict(), GetParam().verdict) << run.out << run.err;
     EXPECT_EQ(run.ExitStatus(), GetParam().status);
-    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path())) << "the scratch volume is left";
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.Path())) << "the scratch volume still exists";
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Run, ARunFault,
-    testing::ValuesIn(std::vector<RunFault>{
-        {"None", "--product 0", 0, "DONE 0 changes"},
-        {"Crash", "--product 1", 4, "FAIL crashed in " + call("1") + ": SIGSEGV (Segmentation fault)"},
-        {"CrashWhenDirect", "--product 1 --direct --event pre", 4,
-         "FAIL crashed in PreInstall(selector 1000, message 2 (pre-install), product 1, language 0): "
-         "SIGSEGV (Segmentation fault)"},
-        {"Hang", "--product 2 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + call("2")},
-        {"Exception", "--product 3", 4, "FAIL exception std::runtime_error \"no good\" left " + call("3")},
-        {"ThrownNumber", "--product 4", 4, "FAIL exception int left " + call("4")},
-        {"Exit", "--product 5", 4, "FAIL ended the process in " + call("5") + ": exit status 7"},
-        {"ErrorBit", "--product 6", 1, "FAIL error bit set by pre-install (0 changes)"},
-        {"ErrorBitOfPostInstall", "--product 6 --event post", 1,
-         "FAIL error bit set by post-install (0 changes)"},
-        {"ProcessLeftBehind", "--product 9", 0, "DONE 0 changes"},
-        {"AlertsWithoutEnd", "--product 13 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + call("13")},
-        {"StandardInputIsEmpty", "--product 17", 0, "DONE 0 changes"},
-    }),
-    [](const auto& row) { return row.param.name; });
+const RunFault kFaults[] = {
+    // name, options, exit status, verdict
+    {"NoFault", "--product 0", 0, "DONE 0 changes"},
+    {"Crash", "--product 1", 4, crashIn(call("1"))},
+    {"CrashWhenDirect", "--product 1 --direct --event pre", 4, crashIn(call("1", "PreInstall"))},
+    {"Hang", "--product 2 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + call("2")},
+    {"Exception", "--product 3", 4, escapeOf("std::runtime_error \"no good\"", call("3"))},
+    {"ThrownNumber", "--product 4", 4, escapeOf("int", call("4"))},
+    {"Exit", "--product 5", 4, "FAIL ended the process in " + call("5") + ": exit status 7"},
+    {"ErrorBit", "--product 6", 1, "FAIL error bit set by pre-install (0 changes)"},
+    {"LaterErrorBit", "--product 6 --event post", 1, "FAIL error bit set by post-install (0 changes)"},
+    {"ProcessLeftBehind", "--product 9", 0, "DONE 0 changes"},
+    {"AlertsWithoutEnd", "--product 13 --timeout 0.2", 5, "FAIL no return within 0.2 s in " + call("13")},
+    {"StandardInputIsEmpty", "--product 17", 0, "DONE 0 changes"},
+};
 
-TEST(Run, ReportsBytesBesideTheErrorFlags) {
+INSTANTIATE_TEST_SUITE_P(Run, ARunFault, testing::ValuesIn(kFaults),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(Run, ReportsChangedBytesOutsideTheErrorFlags) {
     const TestBundle bundle;
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "7", "--event", "pre"});
     EXPECT_THAT(run.out, HasSubstr("other bytes of the parameter block changed: 20 to 613\n"));
     EXPECT_EQ(run.ExitStatus(), 0);
 }
 
-TEST(Run, KeepsWhatTheBundlePrintsOutOfTheResult) {
+TEST(Run, PrintsTheOutputOfTheBundleOnStandardError) {
     const TestBundle bundle;
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "8", "--json"});
     EXPECT_EQ(nlohmann::json::parse(run.out)["exitStatus"], 0);
     EXPECT_THAT(run.err, HasSubstr("printed by the bundle"));
 }
 
-TEST(Run, FailsWhenTheBundleClosesTheHostsDescriptors) {
+TEST(Run, FailsIfTheBundleClosesTheDescriptorsOfTheHost) {
     const TestBundle bundle;
     EXPECT_EQ(RunHost({"run", bundle.Path(), "--product", "10"}).ExitStatus(), 4);
 }
 
-TEST(Run, CleansUpBeforeItDiesOfASignal) {
+TEST(Run, RemovesTheScratchVolumeAfterASignal) {
     const TestBundle bundle;
     const TemporaryFolder scratch;
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "11"}, {}, scratch.Path());
@@ -86,7 +92,7 @@ TEST(Run, CleansUpBeforeItDiesOfASignal) {
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
 }
 
-TEST(Run, NamesObjectsThatWereNeverReleased) {
+TEST(Run, ReportsObjectsThatWereNotReleased) {
     const TestBundle bundle;
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "14", "--event", "pre"});
     EXPECT_THAT(run.out, HasSubstr("warning: 1 platform object never released:\n"));
@@ -96,41 +102,40 @@ TEST(Run, NamesObjectsThatWereNeverReleased) {
 
 struct AlertCase {
     const char* name;
-    std::string answers;
+    std::string answers; ///< The value of `--answers`. Empty: the option is not given.
     std::string input;
-    std::string report;    ///< On the report.
-    std::string errorBits; ///< The plug-in sets bit 16 for "No".
-    std::string noted;     ///< On standard error.
+    std::string report; ///< The answer in the report.
+    std::string noted;  ///< A part of standard error.
 };
 
 class AnAlert : public testing::TestWithParam<AlertCase> {};
 
-TEST_P(AnAlert, IsAnsweredByThePolicy) {
+TEST_P(AnAlert, GetsTheChosenAnswer) {
     const TestBundle bundle;
     std::vector<std::string> arguments{"run", bundle.Path(), "--product", "12", "--event", "pre"};
     if (!GetParam().answers.empty()) arguments.insert(arguments.end(), {"--answers", GetParam().answers});
     const HostTool run = RunHost(arguments, GetParam().input);
     EXPECT_THAT(run.out, HasSubstr("Alert \"Go on?\" [Yes] [No]: " + GetParam().report + '\n'));
-    EXPECT_THAT(run.out, HasSubstr(GetParam().errorBits));
+    // The plug-in sets bit 16 for "No".
+    EXPECT_THAT(run.out, HasSubstr(GetParam().report == "No" ? "0x00000000 -> 0x00010000" : "(unchanged)"));
     EXPECT_THAT(run.err, HasSubstr(GetParam().noted));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Run, AnAlert,
-    testing::ValuesIn(std::vector<AlertCase>{
-        {"InputIsNoTerminal", "", "2\n", "Yes", "(unchanged)", ""},
-        {"First", "first", "", "Yes", "(unchanged)", ""},
-        {"Title", "No,Yes", "", "No", "0x00000000 -> 0x00010000", ""},
-        {"TitleOfNoButton", "Maybe", "", "not shown, it has no button \"Maybe\"", "(unchanged)",
-         "xcodhost: Alert \"Go on?\" was not shown: it has no button \"Maybe\""},
-        {"AskedNumber", "ask", "2\n", "No", "0x00000000 -> 0x00010000", "  2  No\n"},
-        {"AskedNonsenseThenTitle", "ask", "3\nNo\n", "No", "0x00000000 -> 0x00010000",
-         "There is no button \"3\"."},
-        {"AskedNobody", "ask", "", "not shown, nobody answered", "(unchanged)", "  1  Yes\n"},
-    }),
-    [](const auto& row) { return row.param.name; });
+const AlertCase kAnswers[] = {
+    // name, --answers, standard input, answer in the report, part of standard error
+    {"DefaultWithoutATerminal", "", "2\n", "Yes", ""},
+    {"First", "first", "", "Yes", ""},
+    {"Title", "No,Yes", "", "No", ""},
+    {"UnknownTitle", "Maybe", "", "not shown, it has no button \"Maybe\"", "Go on?\" was not shown: "},
+    {"TypedNumber", "ask", "2\n", "No", "  2  No\n"},
+    {"UnknownNumberThenTitle", "ask", "3\nNo\n", "No", "no button \"3\"; enter a number or a title\n"},
+    {"NothingTyped", "ask", "", "not shown, no answer was given", "  1  Yes\n"},
+};
 
-TEST(Run, ListsChangedFilesWithNamesEscaped) {
+INSTANTIATE_TEST_SUITE_P(Run, AnAlert, testing::ValuesIn(kAnswers),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(Run, ListsChangedFilesWithEscapedNames) {
     const TestBundle bundle;
     const TemporaryFolder volume;
     volume.Write("Library/old.txt");
@@ -146,7 +151,7 @@ TEST(Run, ListsChangedFilesWithNamesEscaped) {
     EXPECT_EQ(ReadBytes(volume / "Users/new \x1B.txt"), "new");
 }
 
-TEST(Run, LeavesTheVolumeAloneInADryRun) {
+TEST(Run, DoesNotChangeTheVolumeInADryRun) {
     const TestBundle bundle;
     const TemporaryFolder volume;
     const TemporaryFolder scratch;
@@ -163,11 +168,11 @@ TEST(Run, LeavesTheVolumeAloneInADryRun) {
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
 }
 
-TEST(Run, SaysThatAPropertyListBecameUnreadable) {
+TEST(Run, ReportsAPreferencesFileThatTheRunBroke) {
     const TestBundle bundle;
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "16"});
     EXPECT_THAT(run.out, HasSubstr("com.example.broken: /Library/Preferences/com.example.broken.plist "
-                                   "is not a property list; the run made it so\n"));
+                                   "is not a property list; the run caused this\n"));
 }
 
 TEST(Run, DescribesEachEndInJson) {

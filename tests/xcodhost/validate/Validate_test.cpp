@@ -239,7 +239,7 @@ TEST(Validate, RunsTheSelectedChecks) {
 }
 
 TEST(Validate, ExplainsAChecks) {
-    EXPECT_THAT(RunHost({"explain", "steps.alert"}).out, HasSubstr("needs  steps.return"));
+    EXPECT_THAT(RunHost({"explain", "steps.alert"}).out, HasSubstr("depends on  steps.return"));
     const HostTool wrong = RunHost({"explain", "stop"});
     EXPECT_EQ(wrong.ExitStatus(), 2);
     EXPECT_THAT(wrong.err, HasSubstr("steps.stop-alert"));

@@ -1,5 +1,5 @@
-// What a run touches, as the system call tracer sees it: nothing outside of the volume, whatever lies on
-// that.
+// Tests with a system call tracer that a run changes nothing outside its volume and reads nothing that a link
+// on the volume points to.
 
 #include "support/FaultTally.h"
 #include "support/TemporaryFolder.h"
@@ -20,7 +20,7 @@ bool isBelow(const std::string& path, const std::string& folder) {
     return path.rfind(folder + '/', 0) == 0 || path == folder;
 }
 
-/// A call of the trace that did what it was asked for.
+/// One line of the trace. The other members are empty unless the call succeeded.
 struct Call {
     std::string line, name, arguments, opened;
 
@@ -33,7 +33,8 @@ struct Call {
         opened = parts[3];
     }
 
-    /// As absolute paths: the texts among the arguments, behind the folders that they are in.
+    /// Returns the paths among the arguments as absolute paths. A relative path is appended to the path of
+    /// its directory descriptor.
     std::vector<std::string> Paths() const {
         static const std::regex path(R"re((?:<([^<>]*)>, )?"([^"]*)")re");
         std::vector<std::string> paths;
@@ -42,10 +43,11 @@ struct Call {
             paths.push_back(text.rfind('/', 0) == 0 ? text : (*it)[1].str() + '/' + text);
         }
         const bool hasOnePath = name.rfind("readlink", 0) == 0 || name.find("xattr") != name.npos;
-        if (hasOnePath && !paths.empty()) paths.resize(1); // the rest is what was found, or is set
+        if (hasOnePath && !paths.empty()) paths.resize(1); // the other strings are results or values
         return paths;
     }
 
+    /// Returns whether the call can change an item.
     bool Changes() const {
         static const std::regex changing("mkdir.*|rmdir|unlink.*|rename.*|.*link|linkat|symlinkat|.*chmod.*|."
                                          "*chown.*|truncate|mknod.*|utime.*|.*setxattr|.*removexattr");
@@ -64,9 +66,10 @@ protected:
         folder.Write("volume/Library/other");
     }
 
+    /// Runs the plug-in on the volume and returns the trace.
     std::string Trace() const {
         const std::string trace = (folder / "trace").string(), out = (folder / "out").string();
-        // The leak checker is a tracer itself, and there can be one alone.
+        // The leak checker is a tracer, too, and a process can have one tracer only.
         const std::string command =
             "ASAN_OPTIONS=detect_leaks=0 strace -f -y -s 4096 -e trace=%file -o '" + trace +
             "' '" XCODHOST "' run '" POSTINSTALL_BUNDLE "' --product 4900 --language 11 --volume '" + volume +
@@ -78,7 +81,7 @@ protected:
         return ReadBytes(trace);
     }
 
-    /// Calls that reached what is outside, or changed what is not on the volume.
+    /// Returns the calls that accessed `outside`, or changed an item that is not on the volume.
     std::vector<std::string> Stray() const {
         std::vector<std::string> stray;
         std::istringstream trace(Trace());
@@ -101,9 +104,9 @@ protected:
 
 } // namespace
 
-TEST_F(HostileVolume, LeadsNowhereElse) {
+TEST_F(HostileVolume, CannotMakeARunAccessItemsOutside) {
     if (std::system("strace -o /dev/null true 2>/dev/null") != 0)
-        GTEST_SKIP() << "nothing can be traced here";
+        GTEST_SKIP() << "strace cannot trace a process";
     const std::pair<const char*, std::string> links[] = {
         {kUpdater, outside + "/secret"},
         {kUpdater, "../../../outside/secret"},
@@ -129,5 +132,5 @@ TEST_F(HostileVolume, LeadsNowhereElse) {
     }
     EXPECT_EQ(ReadBytes(outside + "/secret").size(), 66U);
     EXPECT_EQ(std::distance(fs::directory_iterator(outside), {}), 2);
-    TallyFault("link on the volume that leads out of it", std::size(links), lost);
+    TallyFault("link on the volume that points outside the volume", std::size(links), lost);
 }
