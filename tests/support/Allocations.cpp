@@ -6,7 +6,7 @@
 #include <new>
 #include <unistd.h>
 
-// In a file of its own: a compiler that sees both these and a use of them would take the pair for a mismatch.
+// A compiler that sees these definitions and a use of them in one file warns of mismatched functions.
 
 namespace {
 std::size_t gCount = 0;

@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-/// A binary list from its objects, with one-byte offsets and references; the first object is the root.
+/// Returns a binary property list of these encoded objects, with offsets and references of one byte. The
+/// first object is the root. The objects must have less than 256 bytes together.
 inline std::string BinaryPlist(const std::vector<std::string>& objects) {
     std::string bytes = "bplist00", table;
     for (const std::string& object : objects) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// While one lives, notes the platform's calls as "CALL(ARGUMENT, ARGUMENT) = RESULT".
+/// Records the platform calls in `lines` as "CALL(ARGUMENT, ARGUMENT) = RESULT". The destructor ends this.
 class CallRecorder {
 public:
     CallRecorder() {
@@ -15,7 +15,7 @@ public:
             for (const auto& argument : entry.arguments)
                 arguments += (arguments.empty() ? "" : ", ") + argument;
             lines.push_back(entry.call + '(' + arguments + ") = " + entry.result);
-            errno = 0; // what an observer does must not show
+            errno = 0; // an observer must not affect the errno of a platform call
         });
     }
     CallRecorder(const CallRecorder&) = delete;

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-/// While one lives, the process has a locale with a decimal comma: an installed one, or one that localedef
-/// makes.
+/// Sets a locale with a decimal comma: an installed one, or one that localedef makes. The destructor sets the
+/// locale "C".
 class CommaLocale {
 public:
     CommaLocale() {
@@ -26,7 +26,7 @@ public:
         std::setlocale(LC_ALL, "C");
     }
 
-    /// False when there is none, and none can be made.
+    /// Returns false if there is no such locale and none can be made.
     bool IsSet() const { return isSet; }
 
 private:

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-/// What a shell command prints; the test fails with the command.
+/// Returns the standard output of a shell command. The test fails if the command fails.
 inline std::string Printed(const std::string& command) {
     std::string text;
     std::array<char, 4096> part{};

@@ -1,15 +1,18 @@
 #pragma once
 
+/// Sets the Finder information of an item in a test.
+
 #include <Carbon/Carbon.h>
 
 #include <cstring>
 #include <string>
 
+/// Sets `ref` to the item at the path.
 inline OSStatus MakeRef(const std::string& path, FSRef& ref) {
     return FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), &ref, nullptr);
 }
 
-/// Sets the sixteen bytes, a FileInfo or FolderInfo.
+/// Sets the 16 bytes of a FileInfo or a FolderInfo.
 template <typename Info>
 OSStatus SetFinderInfo(const std::string& path, const Info& info) {
     FSRef ref;

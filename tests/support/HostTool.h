@@ -1,5 +1,7 @@
 #pragma once
 
+/// Runs the tool as a user does: in a child process with its own standard streams.
+
 #include "TemporaryFolder.h"
 
 #include <array>
@@ -12,32 +14,33 @@
 #include <unistd.h>
 #include <vector>
 
-/// The tool, run as a person runs it: a child process with streams of its own.
+/// The result of a run of the tool.
 struct HostTool {
-    int status = 0; ///< As waitpid gives it.
+    int status = 0; ///< As waitpid reports it.
     std::string out;
     std::string err;
 
+    /// Returns the exit status, or -1 if a signal killed the tool.
     int ExitStatus() const { return WIFEXITED(status) ? WEXITSTATUS(status) : -1; }
 
-    /// The last line of the output.
+    /// Returns the last line of the output.
     std::string Verdict() const {
         const std::size_t end = out.find_last_not_of('\n'), start = out.rfind('\n', end);
         return out.substr(start + 1, end - start);
     }
 };
 
-/// The tool's streams by their files: standard input, output and error. "-": no output is open at all.
+/// The files of standard input, standard output and standard error. "-" closes standard output.
 using StreamFiles = std::array<std::string, 3>;
 
-/// Starts the tool; temporary files go to `scratch` when it is given.
+/// Starts the tool and returns its process. Temporary files go to `scratch` unless it is empty.
 inline pid_t StartHost(std::vector<std::string> arguments, const StreamFiles& files,
                        const std::string& scratch) {
     arguments.insert(arguments.begin(), XCODHOST);
-    std::fflush(nullptr); // or the child writes our output a second time
+    std::fflush(nullptr); // otherwise the child writes the buffered output a second time
     const pid_t child = fork();
     if (child != 0) return child;
-    const rlimit noCore{0, 0}; // crashes are ordered here; they must leave no files
+    const rlimit noCore{0, 0}; // deliberate crashes must leave no files
     setrlimit(RLIMIT_CORE, &noCore);
     if (!scratch.empty()) setenv("TMPDIR", scratch.c_str(), 1);
     bool isOpen = std::freopen(files[0].c_str(), "r", stdin) && std::freopen(files[2].c_str(), "w", stderr);
@@ -50,7 +53,8 @@ inline pid_t StartHost(std::vector<std::string> arguments, const StreamFiles& fi
     _exit(127);
 }
 
-/// Standard input holds `input`; standard output goes to the file `output` when it is given.
+/// Runs the tool with `input` as standard input. If `output` is not empty, standard output goes to that file
+/// and is not in the result.
 inline HostTool RunHost(std::vector<std::string> arguments, const std::string& input = {},
                         const std::string& scratch = {}, const std::string& output = {}) {
     const TemporaryFolder streams;
@@ -64,7 +68,7 @@ inline HostTool RunHost(std::vector<std::string> arguments, const std::string& i
     return result;
 }
 
-/// With the words of `more` behind the other arguments.
+/// Runs the tool with the words of `more` after the other arguments.
 inline HostTool RunHostWith(std::vector<std::string> arguments, const std::string& more,
                             const std::string& scratch = {}) {
     std::istringstream words(more);

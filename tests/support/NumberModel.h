@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// A second implementation of number parsing and formatting, which takes every text the general way. It is
-/// slow and has no fast path: tests and fuzzers compare the library with it.
+/// A second implementation of number parsing and formatting. It is slow and has no fast path. Tests and fuzzers
+/// compare the library with this implementation.
 
 #include <Kelbase/common/common_string.h>
 
@@ -119,7 +119,7 @@ Parsed<S> ParsedIf(bool accepted, const Magnitude& number) {
     return {true, static_cast<S>(number.minus ? 0 - number.value : number.value)};
 }
 
-/// What each function of `String` returns for an integer.
+/// The results that the functions of `String` must return for an integer.
 struct Integers {
     Parsed<short> toShort;
     Parsed<unsigned short> toUShort;
@@ -152,7 +152,7 @@ inline std::string DigitsOf(unsigned long long value, unsigned int base, unsigne
     return digits.size() < width ? std::string(width - digits.size(), '0') + digits : digits;
 }
 
-/// Returns what the C library prints. `precision` is at most 99; a negative one stands for none.
+/// Returns the output of the C library. `precision` is at most 99. A negative precision stands for none.
 inline std::string Printed(double value, int precision, char letter) {
     char text[1024];
     const std::string format = std::string(precision < 0 ? "%" : "%.*") + letter;

@@ -1,8 +1,10 @@
 #pragma once
 
+/// The functions of a test plug-in with one static instance.
+
 #include <CoreFoundation/CoreFoundation.h>
 
-/// The functions of an instance that is there once and for all.
+/// The function block of an instance.
 struct PlugInFunctions {
     void* reserved;
     HRESULT (*queryInterface)(void*, REFIID, LPVOID*);
@@ -11,8 +13,10 @@ struct PlugInFunctions {
     void (*deliver)(char*);
 };
 
+/// Returns the instance itself for every interface.
 inline HRESULT GiveInterface(void* self, REFIID, LPVOID* result) {
     *result = self;
     return S_OK;
 }
+/// Returns 1: a static instance has no reference count.
 inline ULONG CountNothing(void*) { return 1; }

@@ -1,5 +1,7 @@
 #pragma once
 
+/// Temporary directories and files of a test.
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -7,12 +9,12 @@
 #include <stdexcept>
 #include <string>
 
-/// A fresh folder that goes away with the object, with what it holds.
+/// A temporary directory. The destructor removes it and its contents.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
         std::string name = (std::filesystem::temp_directory_path() / "kelbase.XXXXXX").string();
-        if (!mkdtemp(name.data())) throw std::runtime_error("no temporary folder: " + name);
+        if (!mkdtemp(name.data())) throw std::runtime_error(name + ": cannot create the temporary directory");
         folder = name;
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
@@ -25,7 +27,7 @@ public:
     const std::filesystem::path& Path() const { return folder; }
     std::filesystem::path operator/(const std::string& name) const { return folder / name; }
 
-    /// Writes a file of these bytes, its folders made on the way; answers its path.
+    /// Writes a file, with its directories, and returns its path.
     std::string Write(const std::string& name, const std::string& bytes = {}) const {
         const std::filesystem::path path = folder / name;
         std::filesystem::create_directories(path.parent_path());
@@ -37,7 +39,7 @@ private:
     std::filesystem::path folder;
 };
 
-/// All bytes of a file; empty when it cannot be read.
+/// Returns the bytes of a file. Returns an empty string if the file cannot be read.
 inline std::string ReadBytes(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};

@@ -1,13 +1,15 @@
 #pragma once
 
+/// Temporary bundles around the code of the test plug-ins.
+
 #include "InfoPlist.h"
 #include "TemporaryFolder.h"
 
 #include <filesystem>
 #include <string>
 
-/// A bundle around the test plug-in's code, in a folder of its own. An empty text leaves the file out;
-/// "plug-in" stands for that code.
+/// A bundle in a temporary directory. The bundle has no property list if `infoList` is empty, and no
+/// executable if `code` is empty. The code "plug-in" is the executable of the misbehaving plug-in.
 class TestBundle {
 public:
     explicit TestBundle(const std::string& infoPlist = InfoPlist("Make"),
@@ -32,7 +34,7 @@ private:
     TemporaryFolder folder;
 };
 
-/// A bundle around code of the corpus, to which its executable's name orders the fault.
+/// A bundle around a plug-in of the corpus. The name of its executable selects the fault.
 class CorpusBundle : public TestBundle {
 public:
     explicit CorpusBundle(const std::string& fault, const std::string& factory = "MyFactory")

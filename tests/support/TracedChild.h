@@ -1,20 +1,22 @@
 #pragma once
 
+/// Runs a child process and stops the child at a given system call.
+
 #include <csignal>
 #include <functional>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// What became of a child that was traced.
+/// The end of a traced child.
 struct TracedEnd {
-    bool isReached = false; ///< The stop at which the test wanted to intervene.
-    int status = 0;         ///< As waitpid tells it.
+    bool isReached = false; ///< Whether the child has reached the stop.
+    int status = 0;         ///< As waitpid reports it.
 };
 
-/// Runs the work in a child, which ends with what the work answers, and intervenes once, at its stop
-/// `number`: the child stops twice for each system call, before it and behind it. A child that cannot be
-/// traced ends with 99.
+/// Runs `work` in a child and calls `intervene` once, at the stop `number` of the child, counted from 0. The
+/// child stops before and after each system call. The exit status of the child is the result of `work`, or 99
+/// if the child cannot be traced.
 inline TracedEnd RunTraced(unsigned number, const std::function<int()>& work,
                            const std::function<void(pid_t)>& intervene) {
     const pid_t child = fork();

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-/// A test with a startup volume of its own.
+/// A test fixture with a temporary startup volume.
 class VolumeTest : public testing::Test {
 protected:
     VolumeTest() { EXPECT_TRUE(macplatform::SetStartupVolume(volume.Path().string())); }
