@@ -9,7 +9,7 @@ constexpr const char* kPluginFactory = "A0A0A0A0-0000-4000-8000-000000000001";
 
 /// Returns the property list of a plug-in. `factory` is the name of the factory function.
 inline std::string InfoPlist(const std::string& factory, const std::string& type = kPluginType,
-                            const std::string& executable = "Test") {
+                             const std::string& executable = "Test") {
     const auto tag = [](const std::string& name, const std::string& content) {
         return '<' + name + '>' + content + "</" + name + '>';
     };

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// A second implementation of number parsing and formatting. It is slow and has no fast path. Tests and fuzzers
-/// compare the library with this implementation.
+/// A second implementation of number parsing and formatting. It is slow and has no fast path. Tests and
+/// fuzzers compare the library with this implementation.
 
 #include <Kelbase/common/common_string.h>
 
