@@ -13,8 +13,8 @@ namespace macplatform {
 
 namespace {
 
-// The file's numbers are big-endian: a mark, a version, 16 bytes of filler, a count of entries, and for each
-// its kind, offset and length.
+// An AppleDouble file begins with a magic number, a version, 16 bytes of filler and the number of entries.
+// One record per entry follows: its kind, offset and length. All numbers are big-endian.
 constexpr std::uint32_t kFileMark = 0x00051607;
 constexpr std::size_t kHeaderSize = 26;
 constexpr std::size_t kEntrySize = 12;
@@ -35,7 +35,8 @@ bool readAt(int file, off_t offset, std::uint8_t* bytes, std::size_t count) {
     return pread(file, bytes, count, offset) == static_cast<ssize_t>(count);
 }
 
-/// Where the 32 bytes are; 0 when there are none, which is no place for them.
+/// Returns the offset of the 32 bytes of Finder information, or 0 if the file has none. The bytes never begin
+/// at offset 0, because the header is there.
 off_t findFinderInfo(int file) {
     struct stat item {};
     std::array<std::uint8_t, kHeaderSize> header;
@@ -64,7 +65,7 @@ Descriptor openSidecar(const std::string& sidecar, int access) {
     return Descriptor(open(sidecar.c_str(), access | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
 }
 
-/// The smallest sidecar that every reader knows: Finder information and an empty resource fork.
+/// Returns the smallest sidecar that every reader accepts: Finder information and an empty resource fork.
 std::string newSidecar(const FinderInfo& info) {
     constexpr std::uint32_t infoOffset = kHeaderSize + 2 * kEntrySize;
     std::string bytes;

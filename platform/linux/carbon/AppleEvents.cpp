@@ -18,7 +18,7 @@
 
 using namespace macplatform;
 
-/// What a descriptor holds: bytes, or parameters by their keywords. Freed with its descriptor.
+/// The data of a descriptor: bytes, or parameters by keyword. `AEDisposeDesc` frees the data.
 struct OpaqueAEDataStorageType : TrackedObject {
     struct Parameter {
         AEKeyword keyword;
@@ -50,7 +50,7 @@ struct OpaqueAEDataStorageType : TrackedObject {
         return text;
     }
 
-    /// Copies the data; an equal keyword is replaced.
+    /// Adds a parameter with a copy of the data. Replaces a parameter with the same keyword.
     void Put(AEKeyword keyword, DescType ofType, const OpaqueAEDataStorageType* data) {
         Parameter fresh{keyword, ofType, data ? new OpaqueAEDataStorageType(*data) : nullptr};
         for (Parameter& parameter : parameters) {
@@ -96,7 +96,7 @@ void putCode(Storage& record, AEKeyword keyword, DescType type, Code code) {
     record.Put(keyword, type, &data);
 }
 
-/// A code that a parameter holds; 0 when there is none of that size.
+/// Returns the four-character code in the data of a parameter, or 0 if the data has another size.
 FourCharCode codeOf(const Storage* data) {
     FourCharCode code = 0;
     if (data && data->bytes.size() == sizeof code) std::memcpy(&code, data->bytes.data(), sizeof code);
@@ -107,13 +107,14 @@ FourCharCode codeOf(const Storage& record, AEKeyword keyword) {
     return parameter ? codeOf(parameter->data) : 0;
 }
 
-/// Hands a record over; the descriptor had nothing of its own.
+/// Transfers the storage to the descriptor, which must be empty.
 void giveTo(AEDesc* result, DescType type, std::unique_ptr<Storage> storage) {
     result->descriptorType = type;
     result->dataHandle = storage.release();
 }
 
-/// Does the work of a call that makes a descriptor; running out of memory leaves a null one.
+/// Runs the body of a call that creates a descriptor, and returns its result code. The descriptor is null if
+/// the body fails. If memory runs out, the result is `memFullErr`.
 template <typename Work>
 OSErr made(PlatformCall& call, AEDesc* result, Work work) {
     if (!result) return call.Result(OSErr{paramErr});
@@ -135,7 +136,7 @@ bool namesTheTrash(const Storage& event) {
            codeOf(*place->data, kKeyData) == kTrashProperty;
 }
 
-/// What the Finder makes of the event: a result code.
+/// Handles the event as the Finder does, and returns the Finder's result code.
 OSErr moveAsTheFinderDoes(const Storage& event) {
     if (!namesTheTrash(event)) return errAENoSuchObject;
     const auto* const object = event.Find(keyDirectObject);
@@ -160,7 +161,7 @@ OSErr sendEvent(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) 
     auto replyData = std::make_unique<Storage>(kTypeAppleEvent);
     if (const OSErr failed = moveAsTheFinderDoes(record)) {
         putCode(*replyData, keyErrorNumber, 'long', SInt32{failed});
-        call.SetNote("the Finder answered " + std::to_string(failed));
+        call.SetNote("the Finder returned " + std::to_string(failed));
     }
     giveTo(reply, kTypeAppleEvent, std::move(replyData));
     return noErr;

@@ -19,17 +19,17 @@ namespace macplatform {
 
 namespace {
 
-/// The bytes of an FSRef, unused ones zero.
+/// The contents of an FSRef. The unused bytes of the FSRef are zero.
 struct Reference {
     static constexpr std::uint32_t kRealMark = 0x46535265;
     std::uint32_t mark = kRealMark;
-    std::uint32_t number = 0; ///< Of the path.
+    std::uint32_t number = 0; ///< The number of the path in the `PathTable`.
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
 };
 static_assert(sizeof(Reference) <= sizeof(FSRef));
 
-/// A path does not fit into an FSRef, so the last ones are kept here under a number, each once.
+/// Numbers the last 4096 paths, because a path does not fit into an FSRef. Each path has one number.
 struct PathTable {
     std::deque<std::string> paths;
     std::uint32_t firstNumber = 1;
@@ -115,7 +115,7 @@ FSRef MakeReference(const Item& item) {
 std::string DescribeReference(const FSRef* reference) {
     if (!reference) return "NULL";
     const std::string* const path = pathOf(readReference(*reference));
-    return path ? Quoted(MacPath(*path)) : "a reference to nothing";
+    return path ? Quoted(MacPath(*path)) : "an invalid reference";
 }
 
 } // namespace macplatform

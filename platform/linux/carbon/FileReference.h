@@ -1,6 +1,7 @@
 #pragma once
 
-/// What an FSRef holds, and the items behind it.
+/// @file
+/// Creates FSRef records, and finds the files and directories that they refer to.
 
 #include <Carbon/Files.h>
 
@@ -9,26 +10,28 @@
 
 namespace macplatform {
 
-/// An item of this machine, or why there is none.
+/// A file or directory of the host, or the reason why it was not found.
 struct Item {
-    OSErr result = noErr;
-    std::string path; ///< Absolute and without links.
+    OSErr result = noErr; ///< The reason. If it is not `noErr`, the other members are empty.
+    std::string path;     ///< An absolute host path without symbolic links.
     bool isFolder = false;
     dev_t device = 0;
     ino_t inode = 0;
 };
 
-/// The item at a UTF-8 path of the Mac; a link in last place is followed.
+/// Returns the item at a UTF-8 path of the Mac. Follows symbolic links, in the last component too.
 Item FindItem(const std::string& macPath);
-/// The item that a reference was made for; fnfErr when it is gone or another took its place.
+/// Returns the item that the reference was created for. The result is `fnfErr` if that item no longer exists
+/// at its path or another item has replaced it, and `errFSBadFSRef` if the reference is not valid.
 Item FindItem(const FSRef& reference);
 
-/// Its path alone; the answer is the item's result.
+/// Stores the path of the item and returns the result of `FindItem`. After an error, the path is empty.
 OSErr PathOfReference(const FSRef& reference, std::string& path);
 
+/// Returns a new reference to an item that `FindItem` has found.
 FSRef MakeReference(const Item& item);
 
-/// The path in quotation marks as the Mac names it, for the journal; null is "NULL".
+/// Returns the Mac path of the reference in quotation marks for the call log, or "NULL" for a null pointer.
 std::string DescribeReference(const FSRef* reference);
 
 } // namespace macplatform

@@ -33,13 +33,14 @@ const char* attributeFor(const std::string& path) {
                                                                           : kAttributeName;
 }
 
-/// ENODATA when the item has none, also where there can be none.
+/// Returns 0 or an errno: ENODATA if the item has no attribute or its
+/// file system does not support attributes.
 int readAttribute(const std::string& path, FinderInfo& info) {
     struct stat item {};
     if (gAttributesAreRefused) return lstat(path.c_str(), &item) == 0 ? ENODATA : errno;
     const ssize_t size = lgetxattr(path.c_str(), attributeFor(path), info.data(), info.size());
     if (size == static_cast<ssize_t>(info.size())) return 0;
-    if (size >= 0 || errno == ERANGE) return EIO; // of another size, which nobody who knows it writes
+    if (size >= 0 || errno == ERANGE) return EIO; // The attribute does not have 32 bytes: it is damaged.
     return errno == ENOTSUP || errno == EPERM ? ENODATA : errno;
 }
 
@@ -51,7 +52,8 @@ int setAttribute(const std::string& path, const FinderInfo& info) {
     return lsetxattr(path.c_str(), name, info.data(), info.size(), 0) == 0 ? 0 : errno;
 }
 
-/// The Mac lets the owner of a read-only item set it, as a right over the item and not over its bytes.
+/// Sets the attribute, also on a read-only item of this user. On the Mac, only the owner's rights on the item
+/// matter, not the write permission for its contents.
 int setAttributeAsOwner(const std::string& path, const FinderInfo& info) {
     const int refusal = setAttribute(path, info);
     struct stat item {};
@@ -76,7 +78,8 @@ int readInfo(const std::string& path, FinderInfo& info, Place& place) {
     const int absent = sidecar.empty() ? ENOENT : ReadSidecar(sidecar, beside);
     info = absent == 0 ? beside : FinderInfo{};
     place = absent == 0 ? Place::kSidecar : Place::kNone;
-    // A file of that name that is no sidecar, or a name that is too long for one, tells nothing of the item.
+    // A file of that name that is not a sidecar, or a name that is too long for a sidecar, is not an error:
+    // the item has no Finder information then.
     return absent == ENOENT || absent == EBADMSG || absent == ENAMETOOLONG ? 0 : absent;
 }
 
@@ -103,8 +106,10 @@ int WriteFinderInfo(const std::string& path, const FinderInfo& info) {
 }
 
 void SwapBasicFinderInfo(const std::uint8_t* from, std::uint8_t* to, bool isFolder) {
-    static constexpr std::size_t ofFile[] = {4, 4, 2, 2, 2, 2}; // type, creator, flags, place, reserved
-    static constexpr std::size_t ofFolder[] = {2, 2, 2, 2, 2, 2, 2, 2}; // bounds, flags, place, reserved
+    // The widths of the fields: type, creator, flags, location (2 fields), reserved.
+    static constexpr std::size_t ofFile[] = {4, 4, 2, 2, 2, 2};
+    // The widths of the fields: bounds (4 fields), flags, location (2 fields), reserved.
+    static constexpr std::size_t ofFolder[] = {2, 2, 2, 2, 2, 2, 2, 2};
     const std::size_t* width = isFolder ? ofFolder : ofFile;
     constexpr bool littleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
     for (std::size_t at = 0; at < 16; at += *width++) {

@@ -1,10 +1,12 @@
 #pragma once
 
-/// The 32 bytes that the Finder keeps about an item, as they lie on this machine's disks.
+/// @file
+/// Reads and writes the Finder information of an item: the 32 bytes that
+/// the Finder stores for a file or directory.
 ///
-/// They are kept in the extended attribute `user.com.apple.FinderInfo` (`osx.com.apple.FinderInfo` where the
-/// disk is the Mac's own), or in the AppleDouble sidecar `._NAME` beside the item: where the file system
-/// takes no attributes, and where a sidecar that came with the item is the only place that has them.
+/// The bytes are in the extended attribute `user.com.apple.FinderInfo` (`osx.com.apple.FinderInfo` on an HFS+
+/// volume). They are in the AppleDouble sidecar `._NAME` beside the item if the file system does not support
+/// extended attributes, or if the item came with a sidecar and has no attribute.
 
 #include <array>
 #include <cstdint>
@@ -12,17 +14,19 @@
 
 namespace macplatform {
 
-/// Big-endian; all zero is the same as none. Flags lie at 8, for files and folders alike.
+/// The bytes as they are on the disk: big-endian, with the flags at offset 8 for files and directories. An
+/// item without Finder information has 32 zero bytes.
 using FinderInfo = std::array<std::uint8_t, 32>;
 
-/// The answer is 0 or an errno. A link itself is asked.
+/// Reads the Finder information of an item. Returns 0 or an errno. Does not follow a symbolic link.
 int ReadFinderInfo(const std::string& path, FinderInfo& info);
 
-/// Writes nothing when the item has these bytes already. An owner may write to an item that is read-only.
+/// Writes the Finder information of an item, unless the item already has these bytes. Returns 0 or an errno.
+/// The owner of a read-only item can write its Finder information.
 int WriteFinderInfo(const std::string& path, const FinderInfo& info);
 
-/// The first or last sixteen bytes of a file's or folder's information in the order of bytes of this machine,
-/// and back: the same exchange both ways.
+/// Copies the first or the last 16 bytes of the Finder information of a file or directory and converts the
+/// fields between big-endian and the byte order of the host. The conversion is the same in both directions.
 void SwapBasicFinderInfo(const std::uint8_t* from, std::uint8_t* to, bool isFolder);
 
 } // namespace macplatform

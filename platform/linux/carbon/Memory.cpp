@@ -14,12 +14,13 @@ using namespace macplatform;
 
 namespace {
 
-/// Stands before the bytes that the caller gets.
+/// The header in front of the memory that `NewPtr` returns.
 struct alignas(16) Block : TrackedObject {
     static constexpr std::uint64_t kLiving = 0x4B4C42656D6F4D21;
     explicit Block(Size bytes) : size(bytes) {}
 
-    volatile std::uint64_t mark = kLiving; ///< Volatile: its last value is read by a wrong second DisposePtr.
+    /// `volatile` keeps the store in `freeBlock`: a second `DisposePtr` of the same pointer reads the value.
+    volatile std::uint64_t mark = kLiving;
     Size size;
 };
 
@@ -42,7 +43,7 @@ Ptr makeBlock(Size size) {
 void freeBlock(Ptr pointer) {
     auto* const block = reinterpret_cast<Block*>(pointer) - 1;
     if (reinterpret_cast<std::uintptr_t>(pointer) % alignof(Block) != 0 || block->mark != Block::kLiving) {
-        Misuse("DisposePtr", "this is no block of NewPtr, or it was disposed of already");
+        Misuse("DisposePtr", "the pointer was not returned by NewPtr, or it was disposed of before");
     }
     block->Unregister();
     block->mark = 0;
@@ -68,7 +69,7 @@ void DisposePtr(Ptr pointer) try {
     if (pointer) freeBlock(pointer);
     if (call.IsRecorded()) call.SetArguments({pointer ? "a block" : "NULL"});
 } catch (const std::bad_alloc&) {
-    // The block is gone; only the telling failed.
+    // The block is freed. Only the recording of the call failed.
 }
 
 OSErr MemError() {

@@ -40,7 +40,8 @@ void writePascalString(const std::string& text, std::size_t most, unsigned char*
     std::copy_n(text.begin(), length, buffer + 1);
 }
 
-/// The caller's record may be an older and shorter one: nothing behind its length is read or written.
+/// Fills the caller's record. The record may be an older and shorter one,
+/// so nothing after its length is read or written.
 void describe(ProcessInfoRec& callers) {
     ProcessInfoRec record{};
     const std::size_t known = std::min<std::size_t>(callers.processInfoLength, sizeof record);
@@ -57,7 +58,7 @@ void describe(ProcessInfoRec& callers) {
     filled.processName = record.processName;
     filled.processNumber = {0, kCurrentProcess};
     filled.processType = 'APPL';
-    filled.processSignature = FourCharCode{0x3F3F3F3F}; // four question marks: an application without one
+    filled.processSignature = FourCharCode{0x3F3F3F3F}; // "????": an application without a signature
     filled.processAppSpec = record.processAppSpec;
     std::memcpy(&callers, &filled, known);
 }

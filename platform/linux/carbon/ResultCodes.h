@@ -4,8 +4,8 @@
 
 namespace macplatform {
 
-/// The Mac's result code (Carbon/MacErrors.h) for an errno; ioErr where there is no nearer one, noErr for 0.
-/// A refusal for want of rights is permErr, whichever right was wanting.
+/// Returns the Mac's result code (Carbon/MacErrors.h) for an errno: `noErr` for 0, and `ioErr` for an errno
+/// without a result code of its own. Every missing permission is `permErr`.
 OSErr ResultCode(int error);
 
 } // namespace macplatform

@@ -16,9 +16,10 @@ namespace macplatform {
 
 namespace {
 
-/// A Trash folder, and the folder that the paths in its records start at (empty: they are absolute).
+/// A Trash directory.
 struct TrashFolder {
-    std::string path, top;
+    std::string path;
+    std::string top; ///< The paths in the records are relative to this directory. Empty: they are absolute.
 };
 
 std::string folderOf(const std::string& path) {
@@ -43,7 +44,8 @@ bool deviceOf(const std::string& path, dev_t& device) {
     return true;
 }
 
-/// A link at the top of a file system could lead out of it.
+/// Returns whether the path is a directory and not a symbolic link, and sets `errno` if it is not. A link at
+/// the top of a file system could lead to another file system.
 bool isRealFolder(const std::string& path) {
     struct stat status {};
     if (lstat(path.c_str(), &status) != 0) return false;
@@ -52,7 +54,7 @@ bool isRealFolder(const std::string& path) {
     return false;
 }
 
-/// The folders of the way are made; the last one, for the user alone.
+/// Creates the directory and its parents with mode 0700.
 bool makeFolders(const std::string& path) {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
@@ -68,7 +70,7 @@ std::string homeTrash() {
     return home && *home == '/' ? joined(home, ".local/share/Trash") : std::string();
 }
 
-/// The highest folder of the path's file system.
+/// Returns the top directory of the file system of the path.
 std::string topOf(const std::string& path, dev_t device) {
     std::string top = folderOf(path);
     for (dev_t above = 0; top != "/" && deviceOf(folderOf(top), above) && above == device;)
@@ -76,8 +78,8 @@ std::string topOf(const std::string& path, dev_t device) {
     return top;
 }
 
-/// The Trash of a whole file system: the administrator's common one where it is safe to use, else the user's
-/// own.
+/// Returns the Trash of a file system: the user's directory in the common `.Trash` if the administrator has
+/// created `.Trash` with the sticky bit, and otherwise `.Trash-UID`.
 TrashFolder trashAtTop(const std::string& top) {
     const std::string user = std::to_string(getuid()), common = joined(top, ".Trash");
     struct stat status {};
@@ -138,7 +140,8 @@ std::string recordText(const std::string& path, const TrashFolder& trash) {
     return "[Trash Info]\nPath=" + percentEncoded(shown) + "\nDeletionDate=" + date + "\n";
 }
 
-/// "photo.jpg", "photo.2.jpg", ...; short enough for the record's name.
+/// Returns the name for an attempt: "photo.jpg", "photo.2.jpg", ... A long name is cut, so that the name of
+/// the record does not exceed the limit of the file system.
 std::string numberedName(std::string name, unsigned number) {
     if (name.size() > 230) name.resize(230);
     if (number == 1) return name;
@@ -147,7 +150,7 @@ std::string numberedName(std::string name, unsigned number) {
     return name.substr(0, cut) + '.' + std::to_string(number) + name.substr(cut);
 }
 
-/// A new file of these bytes; the answer is 0 or an errno, and then there is none but one that was there.
+/// Creates the file of a record. Returns 0 or an errno. After an error, this function has left no new file.
 int makeRecord(const std::string& info, const std::string& record) {
     const Descriptor file(open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return errno;
@@ -158,7 +161,8 @@ int makeRecord(const std::string& info, const std::string& record) {
     return failed;
 }
 
-/// Claims a name by making its record, which nobody else may have made. Empty, with errno, when that fails.
+/// Reserves a free name in the Trash by creating its record, which must not exist. Returns the name, or an
+/// empty string with `errno` set.
 std::string claimName(const std::string& path, const TrashFolder& trash) {
     const std::string record = recordText(path, trash);
     for (unsigned number = 1; number < 100000; ++number) {
@@ -193,7 +197,7 @@ int MoveToTrash(const std::string& path) {
         unlink((trash.path + "/info/" + name + ".trashinfo").c_str());
         return failed;
     }
-    // Most items have no sidecar; one that cannot go along is no reason to bring the item back.
+    // Most items have no sidecar. If an existing sidecar cannot be moved, the item stays in the Trash.
     (void)rename(joined(folderOf(path), "._" + nameOf(path)).c_str(),
                  (trash.path + "/files/._" + name).c_str());
     return 0;

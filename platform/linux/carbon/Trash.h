@@ -4,13 +4,16 @@
 
 namespace macplatform {
 
-/// Moves an item of this machine to the Trash of the desktop (freedesktop.org Trash 1.0), with the record
-/// that lets it be put back. An item of the startup volume goes to the Trash folder at the volume's top, any
-/// other to the home Trash or, on another file system, to that one's. A link is moved itself; an AppleDouble
-/// sidecar goes along.
+/// Moves an item of the host to the Trash of the desktop (freedesktop.org Trash 1.0), and writes the record
+/// from which the desktop restores the item. An AppleDouble sidecar moves with its item.
+/// A symbolic link is moved itself.
 ///
-/// The answer is 0 or an errno, and then the item is where it was: EBUSY for what must not go there (a mount
-/// point, the home folder, the Trash itself).
+/// An item of the startup volume goes to the Trash directory at the top of the volume. Any other item goes to
+/// the home Trash if it is on the same file system, and otherwise to the Trash of its own file system.
+///
+/// Returns 0 or an errno. After an error, the item is at its old place. EBUSY: the item must not be moved to
+/// the Trash. It is a mount point, the home directory, the startup volume, a directory that contains the
+/// Trash, or an item of the Trash.
 int MoveToTrash(const std::string& path);
 
 } // namespace macplatform

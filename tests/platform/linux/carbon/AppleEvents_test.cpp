@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Asks the Finder to move the item to a place; the answer of AESend.
+/// Sends the Finder an event that moves the item to a place. Returns the result of AESend.
 OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh') {
     FSRef ref{};
     MakeRef(path, ref);
@@ -48,7 +48,7 @@ protected:
 
 } // namespace
 
-TEST_F(AppleEvents, MoveToTheTrashWithARecord) {
+TEST_F(AppleEvents, MoveAnItemToTheTrashWithARecord) {
     volume.Write("Users/a b/\xC3\xA9.txt", "one");
     volume.Write("Users/a b/._\xC3\xA9.txt", "sidecar");
     EXPECT_EQ(ask("/Users/a b/\xC3\xA9.txt"), noErr);
@@ -61,16 +61,17 @@ TEST_F(AppleEvents, MoveToTheTrashWithARecord) {
 
     volume.Write("Users/a b/\xC3\xA9.txt", "two");
     EXPECT_EQ(ask("/Users/a b/\xC3\xA9.txt"), noErr);
-    EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one") << "the first of that name stays";
+    EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one")
+        << "the first item of that name does not change";
     EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.2.txt"), "two");
 }
 
-TEST_F(AppleEvents, KeepToTheVolumeAndToNamesThatFit) {
+TEST_F(AppleEvents, StayOnTheVolumeAndShortenLongNames) {
     const TemporaryFolder outside;
     volume.Write("Users/x");
     std::filesystem::create_directory_symlink(outside.Path(), Trash());
     EXPECT_EQ(ask("/Users/x"), noErr);
-    EXPECT_EQ(note, "the Finder answered -1407");
+    EXPECT_EQ(note, "the Finder returned -1407");
     EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));
     EXPECT_TRUE(std::filesystem::is_empty(outside.Path()));
 
@@ -92,18 +93,18 @@ TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
     EXPECT_TRUE(std::filesystem::exists(home / "Trash/files/x.txt"));
     EXPECT_NE(ReadBytes(home / "Trash/info/x.txt.trashinfo").find("Path=" + file + "\n"), std::string::npos);
     EXPECT_EQ(ask((home / "Trash").string()), noErr);
-    EXPECT_EQ(note, "the Finder answered -47") << "the Trash itself stays";
+    EXPECT_EQ(note, "the Finder returned -47") << "the Trash itself cannot be moved";
     before ? setenv("XDG_DATA_HOME", kept.c_str(), 1) : unsetenv("XDG_DATA_HOME");
 }
 
-TEST_F(AppleEvents, RejectUnknownEvents) {
+TEST_F(AppleEvents, RejectOtherTargetsAndPlaces) {
     volume.Write("Users/x");
     EXPECT_EQ(ask("/Users/x", 'ttxt'), procNotFound);
-    EXPECT_EQ(ask("/Users/x", 'MACS', 'desk'), noErr) << "the reply has the Finder's own failure";
-    EXPECT_EQ(note, "the Finder answered -1728");
+    EXPECT_EQ(ask("/Users/x", 'MACS', 'desk'), noErr) << "only the reply reports the Finder's error";
+    EXPECT_EQ(note, "the Finder returned -1728");
     EXPECT_EQ(ask("/Users/missing"), noErr);
-    EXPECT_EQ(note, "the Finder answered -1401") << "a reference that was never made";
+    EXPECT_EQ(note, "the Finder returned -1401") << "the reference was never created";
     macplatform::InjectFault({"AESend", procNotFound});
-    EXPECT_EQ(ask("/Users/x"), procNotFound) << "no Finder";
+    EXPECT_EQ(ask("/Users/x"), procNotFound) << "the Finder does not run";
     EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));
 }

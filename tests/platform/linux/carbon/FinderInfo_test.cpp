@@ -22,7 +22,7 @@ namespace {
 
 constexpr char kAttribute[] = "user.com.apple.FinderInfo";
 
-/// The sixteen bytes as FileInfo or FolderInfo.
+/// Reads the first 16 bytes of the Finder information as FileInfo or FolderInfo.
 template <typename Info>
 OSStatus readInfo(const std::string& path, Info& info) {
     FSRef ref;
@@ -41,7 +41,7 @@ std::string readAttribute(const std::string& path) {
 
 std::string toBytes(std::initializer_list<int> values) { return {values.begin(), values.end()}; }
 
-/// Text, creator "ttxt", invisible and with a custom icon, at (258, 3).
+/// A text file of creator "ttxt" that is invisible, has a custom icon, and is at (258, 3).
 constexpr FileInfo kSampleFile{'TEXT', 'ttxt', kIsInvisible | kHasCustomIcon, {258, 3}, 0};
 const std::string kSampleBytes = "TEXTttxt" + toBytes({0x44, 0, 1, 2, 0, 3, 0, 0}) + std::string(16, '\0');
 
@@ -53,7 +53,7 @@ protected:
     std::string file = folder.Write("file", "data");
 };
 
-TEST_F(FinderInfoTest, LiesBigEndianInTheAttribute) {
+TEST_F(FinderInfoTest, IsStoredBigEndianInTheAttribute) {
     ASSERT_EQ(SetFinderInfo(file, kSampleFile), noErr);
     EXPECT_EQ(readAttribute(file), kSampleBytes);
     EXPECT_EQ(ReadFinderFlags(file), 0x4400);
@@ -66,7 +66,7 @@ TEST_F(FinderInfoTest, LiesBigEndianInTheAttribute) {
                 testing::HasSubstr("FinderInfo=0x544558547474787444000102000300000000"));
 }
 
-TEST_F(FinderInfoTest, OfAFolderHasAnotherLayout) {
+TEST_F(FinderInfoTest, OfADirectoryHasAnotherLayout) {
     const FolderInfo info{{1, 2, 3, 4}, kHasCustomIcon, {5, 6}, 7};
     ASSERT_EQ(SetFinderInfo(folder.Path(), info), noErr);
     EXPECT_EQ(readAttribute(folder.Path()),
@@ -77,7 +77,7 @@ TEST_F(FinderInfoTest, OfAFolderHasAnotherLayout) {
     EXPECT_EQ(read.finderFlags, kHasCustomIcon);
 }
 
-TEST_F(FinderInfoTest, KeepsTheExtendedHalfAndGoesWhenEmpty) {
+TEST_F(FinderInfoTest, KeepsTheExtendedHalfAndRemovesAnEmptyAttribute) {
     const std::string extended = kSampleBytes.substr(0, 16) + std::string(16, 'e');
     ASSERT_EQ(setxattr(file.c_str(), kAttribute, extended.data(), 32, 0), 0);
     ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
@@ -94,7 +94,7 @@ TEST_F(FinderInfoTest, KeepsTheExtendedHalfAndGoesWhenEmpty) {
     EXPECT_EQ(ReadFinderFlags(file), std::nullopt);
 }
 
-TEST_F(FinderInfoTest, IsSetByTheOwnerOnly) {
+TEST_F(FinderInfoTest, CanBeChangedByTheOwnerOnly) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
     const std::string own = folder.Write("own");
     fs::permissions(folder.Path(), fs::perms(0755));
@@ -105,13 +105,13 @@ TEST_F(FinderInfoTest, IsSetByTheOwnerOnly) {
     EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(own, kSampleFile) == noErr; }));
     EXPECT_EQ(readAttribute(own), kSampleBytes);
     EXPECT_EQ(fs::status(own).permissions(), fs::perms(0444));
-    // What is there already needs no right to write.
+    // Any user may set the bytes that the item already has.
     EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, kSampleFile) == noErr; }));
     EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, FileInfo{}) == permErr; }));
     EXPECT_EQ(readAttribute(file), kSampleBytes);
 }
 
-TEST_F(FinderInfoTest, GoesIntoASidecarWhereThereAreNoAttributes) {
+TEST_F(FinderInfoTest, IsStoredInASidecarWithoutAttributeSupport) {
     RefuseExtendedAttributes(true);
     ASSERT_EQ(SetFinderInfo(file, kSampleFile), noErr);
     const std::string header = toBytes({0, 5, 0x16, 7, 0, 2, 0, 0}) + std::string(16, '\0') +
@@ -126,21 +126,22 @@ TEST_F(FinderInfoTest, GoesIntoASidecarWhereThereAreNoAttributes) {
     EXPECT_EQ(fs::file_size(folder / "._sub"), 82U);
     EXPECT_TRUE(fs::is_empty(folder / "sub"));
 
-    // With attributes again, the sidecar stays the one place as long as no attribute is there.
+    // When attributes are supported again, the sidecar is still used while the item has no attribute.
     RefuseExtendedAttributes(false);
     ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
     EXPECT_EQ(ReadBytes(folder / "._file"), header + std::string(32, '\0'));
     EXPECT_EQ(readAttribute(file), "ENODATA");
 }
 
-/// Entry 9 behind another one, longer than it must be, and more bytes behind it.
+/// Returns a sidecar that has another entry before the Finder information (entry 9), extra bytes in that
+/// entry, and more bytes after it.
 std::string foreignSidecar() {
     return toBytes({0, 5, 0x16, 7, 0, 2, 0, 0}) + "Mac OS X        " +
            toBytes({0, 2, 0, 0, 0, 2, 0, 0, 0, 120, 0, 0, 0, 30, 0, 0, 0, 9, 0, 0, 0, 60, 0, 0, 0, 60}) +
            std::string(10, 'p') + kSampleBytes + std::string(60, 'q');
 }
 
-TEST_F(FinderInfoTest, ChangesAForeignSidecarInThirtyTwoBytesOnly) {
+TEST_F(FinderInfoTest, ChangesOnly32BytesOfASidecarOfAnotherProgram) {
     folder.Write("._file", foreignSidecar());
     FileInfo info{};
     ASSERT_EQ(readInfo(file, info), noErr);
@@ -153,19 +154,19 @@ TEST_F(FinderInfoTest, ChangesAForeignSidecarInThirtyTwoBytesOnly) {
     EXPECT_EQ(ReadBytes(folder / "._file"), expected);
 }
 
-TEST_F(FinderInfoTest, IsNotFoundInABrokenSidecarWhichStaysAsItIs) {
+TEST_F(FinderInfoTest, IgnoresAndKeepsADamagedSidecar) {
     RefuseExtendedAttributes(true);
     std::vector<std::string> broken;
     for (std::size_t length = 0; length < 92; ++length) broken.push_back(foreignSidecar().substr(0, length));
     const auto change = [&](std::size_t at, const std::string& bytes) {
         broken.push_back(foreignSidecar().replace(at, bytes.size(), bytes));
     };
-    change(3, "\6");                    // mark
-    change(5, "\3");                    // version
-    change(24, toBytes({0, 1}));        // the entry is behind the last one
-    change(46, toBytes({0, 0, 0, 31})); // length
-    change(42, toBytes({0, 0, 0, 49})); // offset inside the table
-    change(42, toBytes({255, 255, 255, 240}));
+    change(3, "\6");                           // wrong magic number
+    change(5, "\3");                           // unknown version
+    change(24, toBytes({0, 1}));               // the entry is after the last counted one
+    change(46, toBytes({0, 0, 0, 31}));        // a length below 32
+    change(42, toBytes({0, 0, 0, 49}));        // an offset inside the table
+    change(42, toBytes({255, 255, 255, 240})); // an offset after the end of the file
     for (const auto& bytes : broken) {
         folder.Write("._file", bytes);
         FileInfo info = kSampleFile;
@@ -180,7 +181,7 @@ TEST_F(FinderInfoTest, IsNotFoundInABrokenSidecarWhichStaysAsItIs) {
     EXPECT_EQ(ReadBytes(file), "data");
 }
 
-TEST_F(FinderInfoTest, FSRefKnowsWhenItsItemIsGone) {
+TEST_F(FinderInfoTest, FSRefReportsAMissingItem) {
     FSRef ref;
     FSCatalogInfo info{};
     const auto get = [&] {
@@ -197,7 +198,7 @@ TEST_F(FinderInfoTest, FSRefKnowsWhenItsItemIsGone) {
     folder.Write("file", "another");
     EXPECT_EQ(get(), fnfErr);
 
-    // Only so many stay known.
+    // Only the last 4096 paths are kept. A path that is used again does not count again.
     ASSERT_EQ(MakeRef(file, ref), noErr);
     for (int i = 0; i < 5000; ++i) {
         FSRef again;
@@ -213,7 +214,7 @@ TEST_F(FinderInfoTest, FSRefKnowsWhenItsItemIsGone) {
     EXPECT_EQ(get(), errFSBadFSRef);
 }
 
-TEST_F(FinderInfoTest, FSPathMakeRefSaysWhatIsWrong) {
+TEST_F(FinderInfoTest, FSPathMakeRefReturnsTheErrorOfThePath) {
     fs::create_symlink("loop", folder / "loop");
     fs::create_directory_symlink(folder.Path(), folder / "link");
     struct Row {
@@ -222,11 +223,11 @@ TEST_F(FinderInfoTest, FSPathMakeRefSaysWhatIsWrong) {
         OSStatus result;
     };
     const Row rows[] = {
-        {"link to a folder", "link", noErr},
+        {"link to a directory", "link", noErr},
         {"missing", "missing", fnfErr},
-        {"missing folder", "missing/x", fnfErr},
-        {"file as a folder", "file/x", errFSNotAFolder},
-        {"loop", "loop", fnfErr},
+        {"missing directory", "missing/x", fnfErr},
+        {"file instead of a directory", "file/x", errFSNotAFolder},
+        {"link to itself", "loop", fnfErr},
         {"not UTF-8", "caf\xE9", bdNamErr},
         {"name too long", std::string(256, 'n'), errFSNameTooLong},
     };

@@ -38,7 +38,7 @@ TEST(Process, HasTheExecutablesName) {
     SetProcessName("");
 }
 
-TEST(Process, WritesNothingBehindAShorterRecord) {
+TEST(Process, WritesNothingAfterTheEndOfAShorterRecord) {
     ProcessInfoRec info;
     std::memset(&info, 0x55, sizeof info);
     info.processInfoLength = offsetof(ProcessInfoRec, processType);
@@ -70,7 +70,7 @@ TEST(Sysctl, ReturnsTheFrequencyAsEightBytes) {
     EXPECT_EQ(sysctlnametomib("hw.cpufrequency", mib, &count), -1);
     EXPECT_EQ(errno, ENOENT);
     SetCpuFrequency({});
-    EXPECT_EQ(sysctlnametomib("hw.unheard", mib, &count), -1);
+    EXPECT_EQ(sysctlnametomib("hw.unknown", mib, &count), -1);
     EXPECT_EQ(errno, ENOENT);
 }
 
@@ -91,7 +91,7 @@ TEST(Machine, CountsProcessorsAndNanoseconds) {
     EXPECT_LE(before, mach_absolute_time());
 }
 
-TEST(Memory, GivesAlignedBlocksThatAreListedUntilDisposed) {
+TEST(Memory, ReturnsAlignedBlocksThatAreTrackedUntilDisposed) {
     const std::size_t before = LiveObjectCount();
     const Ptr empty = NewPtr(0);
     const Ptr block = NewPtr(100);
@@ -118,9 +118,9 @@ TEST(Memory, ReportsTheFailureOfTheLastCall) {
     EXPECT_EQ(MemError(), noErr);
 }
 
-TEST(MemoryDeathTest, EndsTheProcessOnAStrangePointer) {
+TEST(MemoryDeathTest, EndsTheProcessForAnUnknownPointer) {
     alignas(16) char strange[64] = {};
-    EXPECT_DEATH(DisposePtr(strange + 48), "no block of NewPtr");
+    EXPECT_DEATH(DisposePtr(strange + 48), "not returned by NewPtr");
 }
 
 } // namespace
