@@ -1,8 +1,11 @@
 #pragma once
 
+/// @file
+/// The kinds of objects in a binary property list.
+
 namespace macplatform {
 
-/// What an object of a binary property list is: the upper half of its first byte.
+/// The kind of an object of a binary property list: the upper four bits of the object's first byte.
 enum class BinaryKind : unsigned char {
     kSimple = 0,
     kInteger = 1,
@@ -17,7 +20,7 @@ enum class BinaryKind : unsigned char {
     kDictionary = 0xD
 };
 
-/// Whether an object of the kind holds others.
+/// Returns whether an object of the kind contains other objects.
 inline bool IsContainer(BinaryKind kind) {
     return kind == BinaryKind::kArray || kind == BinaryKind::kSet || kind == BinaryKind::kDictionary;
 }

@@ -38,7 +38,8 @@ private:
         values.push_back(value);
     }
 
-    /// With its change, which is then done; false when it cannot be copied.
+    /// Copies an entry, with its change if there is one, and removes that change from `changes`. Returns
+    /// false if the entry cannot be copied.
     bool CopyEntry(std::size_t key, std::size_t value, BinaryPlistChanges& changes) {
         const auto text = source.StringOf(key);
         if (!text) return false;
@@ -54,7 +55,8 @@ private:
         return true;
     }
 
-    /// Recursion ends: a list without danger has no cycles, and is not nested deeply.
+    /// Copies an object and its members. The recursion is bounded, because a validated property list has no
+    /// cycles and limited nesting.
     std::optional<Object> Copied(std::size_t object) {
         if (copies[object]) return copies[object];
         const auto kind = source.KindOf(object);
@@ -74,8 +76,8 @@ private:
 
     BinaryPlistReader source;
     BinaryPlistWriter copy;
-    std::vector<std::optional<Object>> copies; ///< By the object's number in the source.
-    std::vector<Object> keys, values;          ///< Of the root.
+    std::vector<std::optional<Object>> copies; ///< The copy of each object of the source, by its number.
+    std::vector<Object> keys, values;          ///< The entries of the new root.
 };
 
 } // namespace

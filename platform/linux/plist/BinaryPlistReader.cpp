@@ -8,7 +8,8 @@
 
 namespace macplatform {
 
-/// The big-endian number at a place inside the bytes; SIZE_MAX for one that is larger than any size.
+/// Returns the big-endian number at an offset, which must be inside the bytes. Returns SIZE_MAX if the number
+/// does not fit into `std::size_t`.
 std::size_t BinaryPlistReader::Number(std::size_t at, unsigned width) const {
     std::uint64_t value = 0;
     for (std::size_t i = at; i < at + width; ++i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
@@ -102,7 +103,7 @@ std::optional<std::string_view> BinaryPlistReader::ScalarBytes(std::size_t objec
         if (extent->count > table / 2) return std::nullopt;
         size = extent->count * 2;
         break;
-    case BinaryKind::kSimple: // one byte is all
+    case BinaryKind::kSimple: // The object has only its first byte.
         break;
     default:
         return std::nullopt;

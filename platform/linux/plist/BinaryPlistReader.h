@@ -10,35 +10,42 @@
 
 namespace macplatform {
 
-/// The object table of a binary property list, looked at without making anything of it. Whatever the bytes
-/// are, nothing outside them is read.
+/// Reads the objects of a binary property list by their numbers, which must be less than `ObjectCount()`. The
+/// reader accepts any bytes and never reads outside them. Functions that return an optional return no value
+/// for an object that is damaged.
 class BinaryPlistReader {
 public:
-    /// The bytes must outlive this.
+    /// The source must outlive the reader.
     explicit BinaryPlistReader(const std::string& source) : bytes(source) {}
 
-    /// To be called first. False when the table does not lie inside the bytes, or is too large.
+    /// Reads the trailer. Must be called before the other functions. Returns false if the offset table is not
+    /// inside the bytes or has too many objects.
     bool ReadTrailer();
 
     std::size_t ObjectCount() const { return objectCount; }
     std::size_t Root() const { return root; }
 
-    /// Nothing when the object does not lie before the offset table, as far as its first bytes tell.
+    /// Returns the kind of an object. Checks only that the first bytes of the object, which have its kind and
+    /// count, are before the offset table.
     std::optional<BinaryKind> KindOf(std::size_t object) const;
-    /// The references of an array, set or dictionary (its keys, then its values); none for a scalar; nothing
-    /// when they lie outside.
+    /// Returns the numbers of the members of an array, a set or a dictionary (all keys, then all values). A
+    /// scalar has no members.
     std::optional<std::vector<std::size_t>> Children(std::size_t object) const;
-    /// In UTF-8; nothing when the object is no text or the parser would not keep each of its characters: one
-    /// with a NUL, a lone surrogate or a byte that is not ASCII.
+    /// Returns a string object in UTF-8. Returns no value if the object is not a string, or if the parser
+    /// would not keep all of its characters: a string with a NUL or a lone surrogate, or an ASCII string with
+    /// a byte that is not ASCII.
     std::optional<std::string> StringOf(std::size_t object) const;
-    /// The whole object; nothing when it is a container, of an unknown kind, or lies outside.
+    /// Returns all bytes of a scalar object.
+    /// Returns no value for a container or an object of an unknown kind.
     std::optional<std::string_view> ScalarBytes(std::size_t object) const;
 
 private:
-    /// Where the members of an object begin, and how many there are.
+    /// The position of an object in the bytes.
     struct Extent {
         BinaryKind kind;
-        std::size_t at, first, count;
+        std::size_t at;    ///< The offset of the object.
+        std::size_t first; ///< The offset of the members or of the value.
+        std::size_t count; ///< The count that the object has: of members, bytes or UTF-16 units.
     };
 
     std::size_t Number(std::size_t at, unsigned width) const;
@@ -46,7 +53,8 @@ private:
 
     const std::string& bytes;
     unsigned offsetWidth = 0, referenceWidth = 0;
-    std::size_t objectCount = 0, root = 0, table = 0;
+    std::size_t objectCount = 0, root = 0;
+    std::size_t table = 0; ///< The offset of the offset table.
 };
 
 } // namespace macplatform

@@ -11,10 +11,10 @@ namespace macplatform {
 
 namespace {
 
-const char kTooDeep[] = "it is nested too deeply";
-const char kDamaged[] = "its binary form is damaged";
+const char kTooDeep[] = "nested deeper than 512 levels";
+const char kDamaged[] = "the binary property list is damaged";
 
-/// Depth first, each object once; what comes out of a shared one counts each time it is referred to.
+/// Visits each object once, depth first. The values of a shared object count once for each reference to it.
 class BinaryPlistValidator {
 public:
     explicit BinaryPlistValidator(const std::string& bytes) : reader(bytes) {}
@@ -44,7 +44,8 @@ private:
         return false;
     }
 
-    /// The innermost open object's next child is entered, or counted when it is done already.
+    /// Enters the next child of the innermost open object, or counts the child if it is complete. Returns
+    /// false, with `reason` set, if the property list must be rejected.
     bool Step() {
         Container& top = stack.back();
         if (top.next == top.children.size()) {
@@ -52,18 +53,18 @@ private:
             return stack.size() <= kMaxPropertyListDepth || Refuse(kTooDeep);
         }
         const std::size_t child = top.children[top.next];
-        if (state[child] == kOpen) return Refuse("an object in it holds itself");
+        if (state[child] == kOpen) return Refuse("an object contains itself");
         if (state[child] == kUnseen) {
             return stack.size() <= kMaxPropertyListDepth ? Push(child) : Refuse(kTooDeep);
         }
         ++top.next;
         if ((values[top.object] += values[child]) > kMaxPropertyListValues)
-            return Refuse("it holds too many values");
+            return Refuse("more than 1048576 values");
         depths[top.object] = std::max(depths[top.object], depths[child]);
         return true;
     }
 
-    /// A container goes onto the stack, and a scalar as one without members.
+    /// Pushes the object onto the stack. A scalar is treated as a container without members.
     bool Push(std::size_t object) {
         auto children = reader.Children(object);
         if (!children) return Refuse(kDamaged);
@@ -73,7 +74,8 @@ private:
         return true;
     }
 
-    /// The parser ends the process over a key that is no whole text; of two like ones it would keep the last.
+    /// Checks that each key is a valid string and occurs once. The parser ends the process if a key is not a
+    /// valid string, and keeps only the last of two equal keys.
     bool CheckKeys(const std::vector<std::size_t>& keysAndValues) {
         std::vector<std::string> keys;
         for (std::size_t i = 0; i < keysAndValues.size() / 2; ++i) {
@@ -83,7 +85,7 @@ private:
         }
         std::sort(keys.begin(), keys.end());
         return std::adjacent_find(keys.begin(), keys.end()) == keys.end() ||
-               Refuse("a dictionary in it has the same key twice");
+               Refuse("a dictionary has the same key twice");
     }
 
     void Pop() {
@@ -95,7 +97,7 @@ private:
     }
 
     BinaryPlistReader reader;
-    std::vector<std::size_t> values; ///< That come out of each object, itself included.
+    std::vector<std::size_t> values; ///< The number of values in each object, the object itself included.
     std::vector<unsigned> depths;
     std::vector<State> state;
     std::vector<Container> stack;

@@ -4,9 +4,13 @@
 
 namespace macplatform {
 
-/// Why the parser, which works by recursion and takes shared objects apart, must not see this binary list;
-/// empty when it may. Checks that every offset and reference lies inside the bytes and every key is a whole
-/// text that its dictionary has once, nesting, cycles, and the number of values that come out.
+/// Validates a binary property list before the parser reads it, because the parser is recursive and copies a
+/// shared object for each reference.
+/// Returns an empty string, or the reason why the property list is rejected.
+///
+/// Checks that every offset and reference is inside the bytes, that every key is a valid string and occurs
+/// once in its dictionary, that no object contains itself, and that the nesting and the number of values are
+/// within the limits of PropertyListLimits.h.
 std::string ValidateBinaryPlist(const std::string& bytes);
 
 } // namespace macplatform

@@ -14,14 +14,14 @@ void appendNumber(std::string& bytes, std::uint64_t value, unsigned width) {
         bytes += static_cast<char>(value >> (shift - 8) & 0xFF);
 }
 
-/// The width of a number that is at most `largest`: 1, 2, 4 or 8 bytes.
+/// Returns the number of bytes (1, 2, 4 or 8) that a number up to `largest` needs.
 unsigned widthFor(std::uint64_t largest) {
     unsigned width = 1;
     while (width < 8 && largest >> (width * 8) != 0) width *= 2;
     return width;
 }
 
-/// The start of an object with a count.
+/// Returns the first bytes of an object: its kind and count.
 std::string head(BinaryKind kind, std::size_t count) {
     constexpr std::size_t inItsOwnObject = 0x0F;
     const auto upper = static_cast<unsigned>(kind) << 4;
@@ -33,7 +33,7 @@ std::string head(BinaryKind kind, std::size_t count) {
 std::string eightBytes(BinaryKind kind, double value) {
     std::uint64_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
-    std::string bytes(1, static_cast<char>(static_cast<unsigned>(kind) << 4 | 3)); // two to the third
+    std::string bytes(1, static_cast<char>(static_cast<unsigned>(kind) << 4 | 3)); // 2^3 bytes follow.
     appendNumber(bytes, bits, 8);
     return bytes;
 }
@@ -42,7 +42,7 @@ std::string eightBytes(BinaryKind kind, double value) {
 
 std::string BooleanObject(bool value) { return value ? "\x09" : "\x08"; }
 
-/// Only eight bytes and more have a sign, so numbers from 2^63 take sixteen.
+/// Only integers of 8 or 16 bytes have a sign, so a number from 2^63 needs 16 bytes.
 std::string IntegerObject(std::uint64_t magnitude, bool isNegative) {
     const bool isHuge = !isNegative && magnitude > INT64_MAX;
     const unsigned width = isNegative ? 8 : widthFor(magnitude);
@@ -61,7 +61,8 @@ std::string StringObject(std::string_view text) {
     if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
         return head(BinaryKind::kAsciiString, text.size()).append(text);
     }
-    // Decoding drops a byte order mark at the start: this one, and not one of the text's own.
+    // `DecodeUtf8` drops a byte order mark at the start.
+    // The added mark is dropped instead of a mark of the text.
     const auto units = DecodeUtf8("\xEF\xBB\xBF" + std::string(text)).value_or(u"");
     std::string bytes = head(BinaryKind::kUtf16String, units.size());
     for (const char16_t unit : units) appendNumber(bytes, unit, 2);

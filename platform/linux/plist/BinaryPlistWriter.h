@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Writes binary property lists.
+
 #include "BinaryKind.h"
 
 #include <cstdint>
@@ -9,32 +12,35 @@
 
 namespace macplatform {
 
-// Scalars as whole objects.
+// Each function returns the encoded scalar object for a value.
 
 std::string BooleanObject(bool value);
+/// The magnitude of a negative integer must be at most 2^63.
 std::string IntegerObject(std::uint64_t magnitude, bool isNegative);
 std::string RealObject(double value);
-/// In seconds since 2001, universal time.
+/// The date is in seconds since 2001-01-01 00:00:00 UTC.
 std::string DateObject(double seconds);
 std::string DataObject(std::string_view bytes);
 /// The text must be UTF-8.
 std::string StringObject(std::string_view text);
 
-/// Makes a binary property list out of objects, members before the container that holds them.
+/// Builds a binary property list from objects. Members must be added before their container.
 class BinaryPlistWriter {
 public:
-    using Object = std::uint32_t;
+    using Object = std::uint32_t; ///< The number of an object.
 
+    /// Adds an encoded scalar object.
     Object Add(std::string_view scalar);
-    /// A dictionary's members are all its keys, and then the values in the same order.
+    /// Adds a container. The members of a dictionary are all keys, followed by all values in the same order.
     Object AddContainer(BinaryKind kind, const std::vector<Object>& members);
 
+    /// Returns the bytes of the property list with this root. At least one object must have been added.
     std::string Bytes(Object root) const;
 
 private:
-    /// A part of `scalars`, or of `references`.
+    /// A range of `scalars`, or of `references` for a container.
     struct Extent {
-        BinaryKind kind; ///< Simple for every scalar, whose bytes tell the rest.
+        BinaryKind kind; ///< `kSimple` for every scalar: its bytes include its kind.
         std::size_t first, count;
     };
 

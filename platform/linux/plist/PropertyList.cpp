@@ -48,7 +48,7 @@ PropertyListFile ReadPropertyList(const std::string& path) {
     std::string bytes;
     file.errorNumber = ReadWholeFile(path, kMaxPropertyListBytes, bytes);
     if (file.errorNumber != 0) {
-        file.error = file.errorNumber == EFBIG ? "it is larger than 64 MiB" : std::strerror(file.errorNumber);
+        file.error = file.errorNumber == EFBIG ? "larger than 64 MiB" : std::strerror(file.errorNumber);
         return file;
     }
     const PropertyListTree tree = ParsePropertyList(bytes, file.error);

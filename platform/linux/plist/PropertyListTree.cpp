@@ -21,12 +21,12 @@ using Block = std::unique_ptr<char, FreeBlock>;
 
 std::string dateText(plist_t node) {
     constexpr std::int64_t secondsFrom1970To2001 = 978307200;
-    constexpr std::int64_t secondsIn28Years =
-        883612800; // then days and dates fall together again, until 2100
+    // The calendar repeats after 28 years until 2100: each date has the same day of the week again.
+    constexpr std::int64_t secondsIn28Years = 883612800;
     std::int32_t seconds = 0, microseconds = 0;
     plist_get_date_val(node, &seconds, &microseconds);
     const std::int64_t time = seconds + secondsFrom1970To2001;
-    const bool isLate = time > INT32_MAX; // for a time_t of 32 bits
+    const bool isLate = time > INT32_MAX; // A time_t of 32 bits cannot represent the time.
     const auto calendarTime = static_cast<time_t>(isLate ? time - secondsIn28Years : time);
     tm parts{};
     char text[32] = "";
@@ -52,7 +52,8 @@ void readInteger(plist_t node, PropertyValue& value) {
     std::uint64_t bits = 0;
     plist_get_uint_val(node, &bits);
     value.integer = static_cast<std::int64_t>(bits);
-    value.text = std::to_string(value.integer); // the parser has no sign: above 2^63 it cannot be told
+    // The parser returns no sign, so an integer from 2^63 on cannot be distinguished from a negative one.
+    value.text = std::to_string(value.integer);
 }
 
 void readString(plist_t node, PropertyValue& value) {
@@ -86,7 +87,8 @@ void readEntries(plist_t node, PropertyValue& value) {
     }
 }
 
-/// Numbers are written as the locale has it: with a decimal comma, they would lose their fractions.
+/// Sets the "C" locale for the thread while the object exists. The parser writes numbers in the format of the
+/// locale, and a reader would drop the fraction after a decimal comma.
 class CLocaleScope {
 public:
     CLocaleScope() : cLocale(newlocale(LC_ALL_MASK, "C", nullptr)), before(uselocale(cLocale)) {}
@@ -110,7 +112,7 @@ PropertyListFormat FormatOf(const std::string& bytes) {
 std::string ToBinaryPlist(const std::string& bytes, std::string& error) {
     error.clear();
     if (bytes.size() > kMaxPropertyListBytes) {
-        error = "it is larger than 64 MiB";
+        error = "larger than 64 MiB";
     } else if (bytes.empty()) {
         error = "the file is empty";
     } else if (FormatOf(bytes) == PropertyListFormat::kXml) {
@@ -122,9 +124,9 @@ std::string ToBinaryPlist(const std::string& bytes, std::string& error) {
 }
 
 PropertyListTree ParseBinaryPlist(const std::string& plist, std::string& error) {
-    plist_t tree = nullptr; // the parser reads what stands here
+    plist_t tree = nullptr; // `plist_from_bin` reads this value before it writes the result.
     plist_from_bin(plist.data(), static_cast<std::uint32_t>(plist.size()), &tree);
-    if (!tree) error = "it is not a property list";
+    if (!tree) error = "not a property list";
     return PropertyListTree(tree);
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
-/// Property lists as bytes, as the parser's own trees, and as values.
+/// @file
+/// Converts property lists between their bytes (XML or binary), the trees of the parser (libplist) and
+/// `PropertyValue`. An error message is one line without a path.
 
 #include <macplatform/PropertyList.h>
 
@@ -16,22 +18,26 @@ struct FreeTree {
 };
 using PropertyListTree = std::unique_ptr<void, FreeTree>;
 
+/// Returns the format that the first bytes have. All bytes that are not binary count as XML.
 PropertyListFormat FormatOf(const std::string& bytes);
 
-/// The list in binary form, which ParseBinaryPlist may see; empty when the bytes are no property list or a
-/// dangerous one, and then `error` tells why, as one line.
+/// Returns a validated binary property list with the contents of the bytes. Returns an empty string, with
+/// `error` set, if the bytes are not a property list or exceed a limit.
 std::string ToBinaryPlist(const std::string& bytes, std::string& error);
 
-/// Null, with `error` as one line, when the parser refuses the list.
+/// Parses a binary property list that `ToBinaryPlist` returned. Returns null, with `error` set, if the parser
+/// rejects the property list.
 PropertyListTree ParseBinaryPlist(const std::string& plist, std::string& error);
 
-/// Both at once.
+/// Parses a property list in either format. Returns null, with `error` set, if `ToBinaryPlist` or the parser
+/// rejects the bytes.
 PropertyListTree ParsePropertyList(const std::string& bytes, std::string& error);
 
-/// A list from ToBinaryPlist as XML; empty when it cannot be written.
+/// Converts a binary property list that `ToBinaryPlist` returned to XML.
+/// Returns an empty string if the conversion fails.
 std::string ToXmlPlist(const std::string& plist);
 
-/// A copy in our own terms.
+/// Returns a copy of a node and all of its members.
 PropertyValue ValueOf(plist_t node);
 
 } // namespace macplatform

@@ -25,7 +25,7 @@ std::string lowerCase(std::string_view text) {
     return lower;
 }
 
-/// What XML lets stand in a text.
+/// Returns whether XML allows the code point in a document.
 bool isXmlCharacter(std::uint32_t c) {
     if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
     return c < 0xD800 || (c >= 0xE000 && c != 0xFFFE && c != 0xFFFF && c <= 0x10FFFF);
@@ -43,7 +43,9 @@ enum class Role { kPropertyList, kDictionary, kArray, kKey, kScalar };
 struct Element {
     std::string_view name;
     Role role;
-    std::optional<std::string> (*object)(std::string_view); ///< Of its text; null for a container.
+    /// Returns the object for the text of the element, or no value if the text is invalid.
+    /// Null for a container.
+    std::optional<std::string> (*object)(std::string_view);
 };
 constexpr Element kElements[] = {
     {"plist", Role::kPropertyList, nullptr}, {"dict", Role::kDictionary, nullptr},
@@ -54,7 +56,8 @@ constexpr Element kElements[] = {
     {"false", Role::kScalar, FalseFrom},
 };
 
-/// One pass over the text, without recursion. Steps answer false when the text is damaged where they stand.
+/// Reads the XML in one pass, without recursion. Every `Read` function returns false if the XML is damaged at
+/// the current position.
 class XmlReader {
 public:
     explicit XmlReader(const std::string& source) : xml(source), rest(source) {}
@@ -72,17 +75,17 @@ public:
 
     std::string Error() const {
         if (!reason.empty()) return reason;
-        if (Stripped(xml).empty() || Stripped(xml).front() != '<') return "it is not a property list";
+        if (Stripped(xml).empty() || Stripped(xml).front() != '<') return "not a property list";
         const auto read = static_cast<std::ptrdiff_t>(xml.size() - rest.size());
-        return "its XML is damaged in line " +
+        return "the XML is damaged in line " +
                std::to_string(1 + std::count(xml.begin(), xml.begin() + read, '\n'));
     }
 
 private:
     struct Opened {
         const Element* element;
-        std::vector<BinaryPlistWriter::Object> members; ///< Keys and values of a dictionary by turns.
-        std::set<std::string> keys; ///< Of a dictionary: which of two would count, readers do not agree on.
+        std::vector<BinaryPlistWriter::Object> members; ///< In a dictionary, keys and values alternate.
+        std::set<std::string> keys; ///< The keys of a dictionary. Readers treat equal keys differently.
     };
 
     bool Accept(std::string_view token) {
@@ -91,7 +94,8 @@ private:
         return isThere;
     }
 
-    /// What stands before the mark, which is taken too; nothing when there is no such mark.
+    /// Returns the text before the mark, and skips the text and the mark.
+    /// Returns no value if the mark is missing.
     std::optional<std::string_view> ReadUntil(std::string_view mark) {
         const std::size_t end = rest.find(mark);
         if (end == rest.npos) return std::nullopt;
@@ -113,7 +117,8 @@ private:
         return name;
     }
 
-    /// ` NAME = "VALUE"`; nothing when that is not what follows.
+    /// Reads ` NAME = "VALUE"` and returns the value. Returns no value, and skips nothing, if the attribute
+    /// does not follow.
     std::optional<std::string_view> ParseAttribute(std::string_view name) {
         const std::string_view before = rest;
         SkipSpace();
@@ -135,7 +140,7 @@ private:
         if (ParseAttribute("version") != "1.0") return false;
         if (const auto encoding = ParseAttribute("encoding")) {
             if (lowerCase(*encoding) != "utf-8") {
-                reason = "its XML is not in UTF-8";
+                reason = "the XML is not encoded in UTF-8";
                 return false;
             }
         }
@@ -172,7 +177,7 @@ private:
         return ReadUntil("?>").has_value();
     }
 
-    /// ` plist PUBLIC "..." "..."`, and no declarations.
+    /// Reads the rest of a document type: ` plist PUBLIC "..." "..."`. Declarations in it are rejected.
     bool ReadDocumentType() {
         if (hasType || hasRoot || !open.empty() || rest.empty() || !IsSpace(rest[0])) return false;
         hasType = true;
@@ -219,13 +224,14 @@ private:
         open.push_back({element, {}, {}});
         content.clear();
         if (open.size() > kMaxPropertyListDepth + 2 || ++count > kMaxPropertyListValues) {
-            reason = count > kMaxPropertyListValues ? "it holds too many values" : "it is nested too deeply";
+            reason =
+                count > kMaxPropertyListValues ? "more than 1048576 values" : "nested deeper than 512 levels";
             return false;
         }
         return !isEmpty || Close();
     }
 
-    /// Whether an element may come next: keys and values of a dictionary take turns.
+    /// Returns whether an element may come next. Keys and values of a dictionary alternate.
     bool MayStand(Role role) {
         if (open.empty()) return !hasRoot && role != Role::kKey && (hasRoot = true);
         const Opened& parent = open.back();
@@ -253,7 +259,7 @@ private:
         if (closed.element->role == Role::kPropertyList) return closed.members.size() == 1;
         const auto object = closed.element->object ? Scalar(*closed.element) : Container(closed);
         if (!object) return false;
-        root = *object; // the last one is
+        root = *object; // The element that is closed last is the root.
         if (!open.empty()) open.back().members.push_back(*object);
         return true;
     }
@@ -278,10 +284,10 @@ private:
         return writer.AddContainer(BinaryKind::kDictionary, keysAndValues);
     }
 
-    /// Why the key that was read cannot stand in its dictionary; empty when it can.
+    /// Returns the reason why the dictionary cannot have the key that was read, or an empty string.
     const char* KeyFault() {
-        if (content.empty()) return "it has an empty key";
-        return open.back().keys.insert(content).second ? "" : "a dictionary in it has the same key twice";
+        if (content.empty()) return "a dictionary has an empty key";
+        return open.back().keys.insert(content).second ? "" : "a dictionary has the same key twice";
     }
 
     bool AcceptsText() const { return !open.empty() && open.back().element->object; }
@@ -293,7 +299,7 @@ private:
         return true;
     }
 
-    /// With every kind of line end made one.
+    /// Appends text to the content of the element. Every line end becomes a line feed.
     void AppendLines(std::string_view lines) {
         for (std::size_t i = 0; i < lines.size(); ++i) {
             if (lines[i] != '\r') {
@@ -338,7 +344,7 @@ private:
     BinaryPlistWriter writer;
     BinaryPlistWriter::Object root = 0;
     std::vector<Opened> open;
-    std::string content; ///< Of the innermost element, as far as it is read.
+    std::string content; ///< The text of the innermost element up to the current position.
     std::size_t count = 0;
     bool hasRoot = false, hasType = false;
     std::string reason;

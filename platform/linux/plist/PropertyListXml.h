@@ -4,9 +4,9 @@
 
 namespace macplatform {
 
-/// The same list in binary form, which the parser reads without guessing. Empty, with `error` as one line,
-/// when the text is no well-formed XML property list in UTF-8, declares entities, is nested too deeply, or
-/// holds too many values.
+/// Converts an XML property list to a binary one, which the parser reads in only one way. Returns an empty
+/// string, with one line in `error`, if the text is not a well-formed XML property list in UTF-8, declares
+/// entities, or exceeds a limit of PropertyListLimits.h.
 std::string BinaryPlistFromXml(const std::string& xml, std::string& error);
 
 } // namespace macplatform

@@ -1,6 +1,7 @@
 #pragma once
 
-/// What XML and the texts of property lists are made of.
+/// @file
+/// Classifies the ASCII characters of XML and of the strings in property lists.
 
 #include <string_view>
 
@@ -10,7 +11,7 @@ inline bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == 
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 inline bool IsLetter(char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; }
 
-/// Without white space at the ends.
+/// Returns the text without white space at both ends.
 inline std::string_view Stripped(std::string_view text) {
     while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
     while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);

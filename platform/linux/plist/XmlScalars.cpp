@@ -12,26 +12,26 @@ namespace macplatform {
 
 namespace {
 
-/// Takes a sign off; true for minus.
+/// Removes a sign from the start of the text. Returns true if the sign is a minus.
 bool parseSign(std::string_view& text) {
     const bool isMinus = text.substr(0, 1) == "-";
     if (isMinus || text.substr(0, 1) == "+") text.remove_prefix(1);
     return isMinus;
 }
 
-/// From 2001-01-01 to a day of the Gregorian calendar.
+/// Returns the number of days from 2001-01-01 to a day of the Gregorian calendar.
 int daysFrom2001(int year, int month, int day) {
     if (month < 3) {
-        --year; // the day that leap years have more then ends a year
+        --year; // The year begins in March, so that a leap day is the last day of a year.
         month += 12;
     }
-    year += 400; // a whole cycle of 146,097 days, lest a division have a negative number
+    year += 400; // One cycle of 146,097 days, so that no division has a negative operand.
     const int days = 365 * year + year / 4 - year / 100 + year / 400 + (153 * (month - 3) + 2) / 5 + day;
     constexpr int daysUntil2001 = 876889;
     return days - daysUntil2001;
 }
 
-/// The value of a digit of base 64; 64 for what is none.
+/// Returns the value of a base-64 digit, or 64 for any other character.
 unsigned base64Value(char c) {
     constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     return static_cast<unsigned>(std::min(digits.find(c), digits.size()));
@@ -66,7 +66,7 @@ std::optional<std::string> RealFrom(std::string_view text) {
     const bool isNumber = !text.empty() && (IsDigit(text[0]) || text[0] == '.');
     const bool isWord = text == "nan" || text == "inf" || text == "infinity";
     if ((!isNumber && !isWord) || read.ec != std::errc() || read.ptr != end) return std::nullopt;
-    return RealObject(isMinus && value != 0 ? -value : value); // the parser writes no negative zero
+    return RealObject(isMinus && value != 0 ? -value : value); // The parser cannot write a negative zero.
 }
 
 std::optional<std::string> DateFrom(std::string_view text) {

@@ -1,13 +1,14 @@
 #pragma once
 
+/// @file
+/// Converts the text of a scalar XML element to an encoded object of a binary property list. Every function
+/// returns no value if the element cannot have the text.
+
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace macplatform {
-
-// The texts of a property list's elements as objects of a binary one; nothing for a text that the element
-// cannot have.
 
 std::optional<std::string> IntegerFrom(std::string_view text);
 std::optional<std::string> RealFrom(std::string_view text);

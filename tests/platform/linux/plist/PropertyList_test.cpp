@@ -45,7 +45,7 @@ TEST(PropertyList, ReadsBothFormatsAlike) {
     EXPECT_EQ(fromXml.root.Find("none"), nullptr);
 }
 
-TEST(PropertyList, RefusesWhatIsNone) {
+TEST(PropertyList, RejectsFilesThatAreNotPropertyLists) {
     const TemporaryFolder folder;
     for (const std::string text :
          {"", "UpdatesEnabled", "bplist00", "{ old = style; }", "<plist><dict><key>a", "<"}) {
@@ -57,10 +57,10 @@ TEST(PropertyList, RefusesWhatIsNone) {
     EXPECT_EQ(ReadPropertyList(folder.Path().string()).errorNumber, EISDIR);
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     EXPECT_EQ(ReadPropertyList((folder / "pipe").string()).errorNumber, EINVAL)
-        << "nobody waits for a writer";
+        << "the pipe is not opened, because opening it would wait for a writer";
 }
 
-TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
+TEST(PropertyList, RejectsInputThatWouldHarmTheParser) {
     const TemporaryFolder folder;
     const auto errorOf = [&folder](const std::string& bytes) {
         return ReadPropertyList(folder.Write("hostile.plist", bytes)).error;
@@ -70,31 +70,33 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
         for (int i = 0; i < 100000; ++i) text += open;
         return text;
     };
-    EXPECT_EQ(errorOf(nested("<array>")), "it is nested too deeply");
-    EXPECT_EQ(errorOf(nested("<array><!-- </array> -->")), "it is nested too deeply");
+    EXPECT_EQ(errorOf(nested("<array>")), "nested deeper than 512 levels");
+    EXPECT_EQ(errorOf(nested("<array><!-- </array> -->")), "nested deeper than 512 levels");
     EXPECT_EQ(
         errorOf("<plist><array>" + std::string(std::size_t{7} << 20, '\n') + nested("<true/>").substr(7)),
-        "its XML is damaged in line 7340033");
+        "the XML is damaged in line 7340033");
 
     folder.Write("hostile.plist", "<plist>");
     std::filesystem::resize_file(folder / "hostile.plist", 100'000'000);
-    EXPECT_EQ(ReadPropertyList((folder / "hostile.plist").string()).error, "it is larger than 64 MiB");
-    EXPECT_EQ(errorOf("bplist00" + std::string(std::size_t{60} << 20, '\xFF')), "its binary form is damaged");
+    EXPECT_EQ(ReadPropertyList((folder / "hostile.plist").string()).error, "larger than 64 MiB");
+    EXPECT_EQ(errorOf("bplist00" + std::string(std::size_t{60} << 20, '\xFF')),
+              "the binary property list is damaged");
     EXPECT_EQ(errorOf("<plist>" + std::string(std::size_t{60} << 20, '\xFF')),
-              "its XML is damaged in line 1");
+              "the XML is damaged in line 1");
 
-    EXPECT_EQ(errorOf(BinaryPlist({"\xA1\x01", "\xA1\x02", "\x09"})), "") << "the frame itself is sound";
+    EXPECT_EQ(errorOf(BinaryPlist({"\xA1\x01", "\xA1\x02", "\x09"})), "")
+        << "the header and trailer of the other rows are valid";
     EXPECT_EQ(errorOf(BinaryPlist({std::string("\xA1\x01", 2), std::string("\xA1\x00", 2)})),
-              "an object in it holds itself");
-    EXPECT_EQ(errorOf(BinaryPlist({"\xA1\x09", "\x09"})), "its binary form is damaged");
+              "an object contains itself");
+    EXPECT_EQ(errorOf(BinaryPlist({"\xA1\x09", "\x09"})), "the binary property list is damaged");
     for (const std::string& key :
          {std::string("\122a\0", 3), std::string("\x10\x07"), std::string("\x51\xE9")}) {
-        EXPECT_EQ(errorOf(BinaryPlist({"\xD1\x01\x02", key, "\x09"})), "its binary form is damaged");
+        EXPECT_EQ(errorOf(BinaryPlist({"\xD1\x01\x02", key, "\x09"})), "the binary property list is damaged");
     }
     std::vector<std::string> doubling;
     for (char i = 1; i <= 30; ++i) doubling.push_back(std::string("\xA2") + i + i);
     doubling.push_back("\x09");
-    EXPECT_EQ(errorOf(BinaryPlist(doubling)), "it holds too many values");
+    EXPECT_EQ(errorOf(BinaryPlist(doubling)), "more than 1048576 values");
 
     const std::string whole = BinaryPlist({"\xD1\x01\x02", "\121k", "\xA2\x03\x03", "\x10\x07"});
     EXPECT_EQ(errorOf(whole), "");
@@ -103,11 +105,11 @@ TEST(PropertyList, RefusesWhatWouldHarmTheParser) {
     }
 }
 
-TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
+TEST(PropertyList, FollowsTheRulesOfXml) {
     const TemporaryFolder folder;
     const struct {
         const char* xml;
-        const char* described; ///< Or the error.
+        const char* described; ///< The value, or the error.
     } rows[] = {
         {"\xEF\xBB\xBF<dict/>", "{}"},
         {"<plist><!-- <a> --><?note?><true></true></plist>\n<!---->", "true"},
@@ -118,31 +120,30 @@ TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
         {"<array><date>1936-02-29T23:59:58Z</date><date>2001-01-01T00:00:00Z</date></array>",
          "[1936-02-29T23:59:58Z, 2001-01-01T00:00:00Z]"},
         {"<string>\xEF\xBB\xBF\xC3\xA9\xF0\x9F\x8E\xB5</string>", "\"\xEF\xBB\xBF\xC3\xA9\xF0\x9F\x8E\xB5\""},
-        {"<data>AA==AAAA</data>", "its XML is damaged in line 1"},
-        {"<string>a & b</string>", "its XML is damaged in line 1"},
-        {"<plist>\n<string>&nbsp;</string></plist>", "its XML is damaged in line 2"},
-        {"<!DOCTYPE plist [<!ENTITY a \"b\">]><string>&a;</string>", "its XML is damaged in line 1"},
-        {"<string>&#0;</string>", "its XML is damaged in line 1"},
-        {"<string>\x01</string>", "its XML is damaged in line 1"},
-        {"<string>\xC0\xAF</string>", "its XML is damaged in line 1"},
-        {"<string>\xA9</string>", "its XML is damaged in line 1"},
-        {"<array><true></array></true>", "its XML is damaged in line 1"},
-        {"<true/><true/>", "its XML is damaged in line 1"},
-        {"<array>text<true/></array>", "its XML is damaged in line 1"},
-        {"<array a=\"/>\"></array>", "its XML is damaged in line 1"},
-        {"<array><true/>", "its XML is damaged in line 1"},
-        {"<plist version=\"><true/></plist>", "its XML is damaged in line 1"},
-        {"<dict><key>a</key></dict>", "its XML is damaged in line 1"},
-        {"<dict><true/><true/></dict>", "its XML is damaged in line 1"},
-        {"<dict><key/><true/></dict>", "it has an empty key"},
-        {"<dict><key>a</key><true/><key>&#97;</key><false/></dict>",
-         "a dictionary in it has the same key twice"},
-        {"<integer>18446744073709551616</integer>", "its XML is damaged in line 1"},
-        {"<date>2011-02-30</date>", "its XML is damaged in line 1"},
-        {"<data>AAE</data>", "its XML is damaged in line 1"},
-        {"<?xml version=\"1.0\" encoding=\"UTF-16\"?><true/>", "its XML is not in UTF-8"},
+        {"<data>AA==AAAA</data>", "the XML is damaged in line 1"},
+        {"<string>a & b</string>", "the XML is damaged in line 1"},
+        {"<plist>\n<string>&nbsp;</string></plist>", "the XML is damaged in line 2"},
+        {"<!DOCTYPE plist [<!ENTITY a \"b\">]><string>&a;</string>", "the XML is damaged in line 1"},
+        {"<string>&#0;</string>", "the XML is damaged in line 1"},
+        {"<string>\x01</string>", "the XML is damaged in line 1"},
+        {"<string>\xC0\xAF</string>", "the XML is damaged in line 1"},
+        {"<string>\xA9</string>", "the XML is damaged in line 1"},
+        {"<array><true></array></true>", "the XML is damaged in line 1"},
+        {"<true/><true/>", "the XML is damaged in line 1"},
+        {"<array>text<true/></array>", "the XML is damaged in line 1"},
+        {"<array a=\"/>\"></array>", "the XML is damaged in line 1"},
+        {"<array><true/>", "the XML is damaged in line 1"},
+        {"<plist version=\"><true/></plist>", "the XML is damaged in line 1"},
+        {"<dict><key>a</key></dict>", "the XML is damaged in line 1"},
+        {"<dict><true/><true/></dict>", "the XML is damaged in line 1"},
+        {"<dict><key/><true/></dict>", "a dictionary has an empty key"},
+        {"<dict><key>a</key><true/><key>&#97;</key><false/></dict>", "a dictionary has the same key twice"},
+        {"<integer>18446744073709551616</integer>", "the XML is damaged in line 1"},
+        {"<date>2011-02-30</date>", "the XML is damaged in line 1"},
+        {"<data>AAE</data>", "the XML is damaged in line 1"},
+        {"<?xml version=\"1.0\" encoding=\"UTF-16\"?><true/>", "the XML is not encoded in UTF-8"},
         {"<?xml version=\"1.0\" encoding=\"UTF\r8\"?><true/>",
-         "its XML is not in UTF-8"}, // which | 0x20 makes "-"
+         "the XML is not encoded in UTF-8"}, // '\r' | 0x20 is '-'
     };
     for (const auto& row : rows) {
         const auto plist = ReadPropertyList(folder.Write("list.plist", row.xml));
@@ -151,13 +152,13 @@ TEST(PropertyList, ReadsXmlAsXmlReadersDo) {
     EXPECT_EQ(ReadPropertyList(folder.Write("twice.plist", BinaryPlist({"\xD2\x01\x02\x03\x03", "\x51k",
                                                                         std::string("\x61\0k", 3), "\x09"})))
                   .error,
-              "a dictionary in it has the same key twice");
+              "a dictionary has the same key twice");
 }
 
 TEST(PropertyList, KeepsFractionsWithADecimalComma) {
     const TemporaryFolder folder;
     const std::string path = folder.Write("list.plist", "<plist><real>-0.25</real></plist>");
     const CommaLocale locale;
-    if (!locale.IsSet()) GTEST_SKIP() << "there is no locale with a decimal comma";
+    if (!locale.IsSet()) GTEST_SKIP() << "no locale with a decimal comma is installed";
     EXPECT_EQ(ReadPropertyList(path).root.Describe(), "-0.25");
 }

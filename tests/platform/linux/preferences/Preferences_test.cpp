@@ -215,7 +215,7 @@ TEST_F(Preferences, FailAsInjectedAndSayWhy) {
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].call, "CFPreferencesSynchronize");
     EXPECT_EQ(calls[0].result, "false");
-    EXPECT_EQ(calls[0].note, File().string() + ": it is not a property list");
+    EXPECT_EQ(calls[0].note, File().string() + ": not a property list");
 
     std::filesystem::remove(File());
     macplatform::InjectFault({"CFPreferencesSynchronize"});
