@@ -19,20 +19,21 @@ constexpr __CFString kCurrentUser(u"kCFPreferencesCurrentUser", ShownAs::kName);
 constexpr __CFString kAnyHost(u"kCFPreferencesAnyHost", ShownAs::kName);
 constexpr __CFString kCurrentHost(u"kCFPreferencesCurrentHost", ShownAs::kName);
 
-const char kOtherScope[] = "not kept: only any user on the current host has preferences here";
+const char kOtherScope[] = "not stored: only any user on the current host has preferences here";
 
-/// What was set on the present startup volume and waits for its domain's synchronisation.
+/// Returns the changes that are not yet synchronised, by domain, for the current startup volume.
 std::map<std::string, PreferenceChanges>& pendingChanges() {
-    static std::map<std::string, std::map<std::string, PreferenceChanges>> gWaiting; // by the volume's folder
+    static std::map<std::string, std::map<std::string, PreferenceChanges>> gWaiting; // by volume directory
     return gWaiting[StartupVolume()];
 }
 
-/// The one scope that has a place here: the constants themselves, not texts like theirs.
+/// Returns whether the scope is the one that is stored here.
+/// Compares with the constants themselves, not with their contents.
 bool isStored(CFStringRef user, CFStringRef host) {
     return user == kCFPreferencesAnyUser && host == kCFPreferencesCurrentHost;
 }
 
-/// Nothing for a value that preferences cannot hold here.
+/// Returns the value to store, or no value if the type is not supported here.
 std::optional<PreferenceValue> valueToStore(CFPropertyListRef value, const char* function) {
     const Object& object = CheckedObject(value, function);
     if (object.type == &kStringClass) return Utf8(static_cast<CFStringRef>(value), function);
@@ -42,22 +43,22 @@ std::optional<PreferenceValue> valueToStore(CFPropertyListRef value, const char*
     return std::get<double>(number);
 }
 
-/// Empty, or why the value does not wait.
+/// Records a change for the next synchronisation. Returns an empty string, or the reason for a rejection.
 std::string keepWaiting(CFStringRef key, CFPropertyListRef value, CFStringRef domain, const char* function) {
     const auto keyText = Utf8(key, function), domainText = Utf8(domain, function);
-    if (!keyText || !domainText) return "not kept: the name has no UTF-8 form";
+    if (!keyText || !domainText) return "not stored: the key or the domain cannot be encoded in UTF-8";
     std::optional<PreferenceValue> stored;
     if (value && !(stored = valueToStore(value, function)))
-        return "not kept: preferences cannot hold this value";
+        return "not stored: the value is neither a string nor a number";
     pendingChanges()[*domainText][*keyText] = std::move(stored);
     return {};
 }
 
-/// Empty, or why the domain was not stored.
+/// Stores the recorded changes of the domain. Returns an empty string, or the reason why nothing was stored.
 std::string store(CFStringRef domain, CFStringRef user, CFStringRef host, const char* function) {
     if (!isStored(user, host)) return kOtherScope;
     const auto name = Utf8(domain, function);
-    if (!name) return "the domain has no UTF-8 form";
+    if (!name) return "the domain cannot be encoded in UTF-8";
     const auto waiting = pendingChanges().find(*name);
     if (waiting == pendingChanges().end()) return {};
     std::string failure = StorePreferences(*name, waiting->second);
@@ -81,12 +82,12 @@ void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef
     PlatformCall call("CFPreferencesSetValue");
     RecordArguments(call, key, value, domain, user, host);
     if (call.ConsumeFault()) return;
-    // Other scopes are not kept apart: their synchronisation answers false, which tells the caller as much.
+    // Values of other scopes are dropped. The caller notices, because their synchronisation returns false.
     try {
         call.SetNote(isStored(user, host) ? keepWaiting(key, value, domain, "CFPreferencesSetValue")
                                           : kOtherScope);
     } catch (const std::bad_alloc&) {
-        call.SetNote("not kept: out of memory");
+        call.SetNote("not stored: out of memory");
     }
 }
 

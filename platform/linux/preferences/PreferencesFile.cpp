@@ -28,17 +28,18 @@ constexpr char kPreferencesFolder[] = "/Library/Preferences";
 
 std::string why(const std::string& object, int error) { return object + ": " + std::strerror(error); }
 
-/// Makes a folder, and everything on the way to it.
+/// Creates a directory and its parents.
 void makeFolder(const std::string& path) {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
         mkdir(path.substr(0, slash).c_str(), 0755);
     }
-    // Admins may add files there, whatever this process's mask is.
+    // The group of the directory (on the Mac: the administrators) may add files. `chmod` ignores the umask.
     if (mkdir(path.c_str(), 0775) == 0) chmod(path.c_str(), 0775);
 }
 
-/// The folder as a descriptor; it is made when there is none.
+/// Opens the preferences directory, and creates it if it does not exist. Stores its host path in `path`.
+/// Returns the descriptor, or -1 with `errno` set.
 int openOrMakeFolder(std::string& path) {
     path = HostPath(kPreferencesFolder);
     if (path.empty()) return -1;
@@ -49,8 +50,8 @@ int openOrMakeFolder(std::string& path) {
     return open(path.c_str(), flags);
 }
 
-/// Waits for other writers, five seconds at most (well within the limit of a call to a bundle): the lock goes
-/// with the descriptor.
+/// Locks the directory against other writers. Waits at most five seconds, which is well within the time limit
+/// of a call to a bundle. Closing the descriptor releases the lock.
 bool lock(int folder) {
     constexpr int attempts = 2500;
     for (int i = 0; i < attempts; ++i) {
@@ -67,7 +68,8 @@ bool isFileName(const std::string& domain) {
            domain.find('\0') == std::string::npos && domain.size() + std::strlen(".plist") <= NAME_MAX;
 }
 
-/// XML has no form for most control characters, and the parser's texts end at a NUL.
+/// Returns whether a file of the format can store the string. XML cannot represent most control characters,
+/// and the strings of the property-list parser end at a NUL.
 bool canHold(PropertyListFormat format, const std::string& text) {
     return std::none_of(text.begin(), text.end(), [format](char c) {
         const bool control = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n';
@@ -75,7 +77,7 @@ bool canHold(PropertyListFormat format, const std::string& text) {
     });
 }
 
-/// As a list has it.
+/// Returns the value as an encoded object of a binary property list.
 std::string objectOf(const PreferenceValue& value) {
     if (const auto* text = std::get_if<std::string>(&value)) return StringObject(*text);
     if (const auto* real = std::get_if<double>(&value)) return RealObject(*real);
@@ -84,6 +86,7 @@ std::string objectOf(const PreferenceValue& value) {
     return IntegerObject(number < 0 ? 0 - bits : bits, number < 0);
 }
 
+/// Returns the value that a reader gets after the value was written.
 PropertyValue asReadAgain(const PreferenceValue& value) {
     PropertyValue read;
     if (const auto* text = std::get_if<std::string>(&value)) {
@@ -100,7 +103,8 @@ PropertyValue asReadAgain(const PreferenceValue& value) {
     return read;
 }
 
-/// The entries with the changes laid over them: those that stay in their order, and new ones in theirs.
+/// Returns the entries after the changes. The entries that remain keep their order, and new entries follow in
+/// the order of their keys.
 PropertyValue withChanges(PropertyValue&& before, PreferenceChanges changes) {
     PropertyValue after;
     after.kind = PropertyValue::Kind::kDictionary;
@@ -121,7 +125,8 @@ PropertyValue withChanges(PropertyValue&& before, PreferenceChanges changes) {
     return after;
 }
 
-/// The domain's file between being read and being replaced.
+/// The preferences file of a domain: read first, then changed in memory, then replaced on the disk. Each step
+/// returns an empty string, or the error message.
 class DomainFile {
 public:
     DomainFile(const Descriptor& openFolder, const std::string& folderPath, const std::string& domain)
@@ -135,7 +140,8 @@ public:
             return {};
         }
         exists = true;
-        // A link is read inside the volume, and replaced by a file when something changes.
+        // If the file is a symbolic link, its target is resolved inside the volume. A change replaces the
+        // link with a regular file.
         const std::string target = HostPath(std::string(kPreferencesFolder) + '/' + name);
         std::string bytes, error;
         if (const int failed = target.empty() ? errno : ReadWholeFile(target, kMaxPropertyListBytes, bytes)) {
@@ -146,16 +152,17 @@ public:
         if (!tree) return path + ": " + error;
         format = FormatOf(bytes);
         entries = ValueOf(tree.get());
-        return entries.kind == PropertyValue::Kind::kDictionary ? std::string()
-                                                                : path + ": it holds no dictionary";
+        if (entries.kind == PropertyValue::Kind::kDictionary) return {};
+        return path + ": the root of the property list is not a dictionary";
     }
 
-    /// Keeps the changes that change something.
+    /// Checks the wanted changes and drops those that change nothing.
     std::string Apply(const PreferenceChanges& wanted) {
         for (const auto& [key, value] : wanted) {
             const auto* const text = value ? std::get_if<std::string>(&*value) : nullptr;
             if (!canHold(format, key) || (text && !canHold(format, *text))) {
-                return path + ": its format has no form for the control characters of " + Quoted(key);
+                return path + ": the format of the file cannot store the control characters of " +
+                       Quoted(key);
             }
         }
         changes = wanted;
@@ -187,7 +194,7 @@ public:
         if (edited) bytes = format == PropertyListFormat::kBinary ? *edited : ToXmlPlist(*edited);
         const PropertyListTree again = ParsePropertyList(bytes, error);
         if (!again || ValueOf(again.get()) != entries) {
-            return path + ": it cannot be written again without loss";
+            return path + ": the file cannot be rewritten without loss";
         }
         const int failed = ReplaceFile(folder.Get(), name, bytes);
         return failed == 0 ? std::string() : why(path, failed);
@@ -196,8 +203,8 @@ public:
 private:
     const Descriptor& folder;
     std::string name, path;
-    std::string plist;     ///< In binary form.
-    PropertyValue entries; ///< Of it; after Write, of what was written.
+    std::string plist;     ///< The property list in the binary format.
+    PropertyValue entries; ///< The entries as read. After `Write`: the entries as written.
     PreferenceChanges changes;
     PropertyListFormat format = PropertyListFormat::kBinary;
     bool exists = false;
@@ -207,12 +214,12 @@ private:
 
 std::string StorePreferences(const std::string& domain, const PreferenceChanges& changes) {
     const InternalCallScope internalCalls;
-    if (!isFileName(domain)) return Quoted(domain) + " is no name of a preferences file";
+    if (!isFileName(domain)) return Quoted(domain) + ": not a valid name for a preferences file";
     if (changes.empty()) return {};
     std::string folderPath;
     const Descriptor folder(openOrMakeFolder(folderPath));
     if (!folder) return why(folderPath.empty() ? kPreferencesFolder : folderPath, errno);
-    if (!lock(folder.Get())) return folderPath + ": another program keeps it locked";
+    if (!lock(folder.Get())) return folderPath + ": the directory is locked by another program";
 
     DomainFile file(folder, folderPath, domain);
     std::string failure = file.Read();

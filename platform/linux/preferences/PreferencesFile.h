@@ -1,6 +1,7 @@
 #pragma once
 
-/// One preference domain's file on disk.
+/// @file
+/// Stores changes in the preferences file of a domain.
 
 #include <cstdint>
 #include <map>
@@ -10,17 +11,17 @@
 
 namespace macplatform {
 
-using PreferenceValue = std::variant<std::string, std::int64_t, double>; ///< Text is UTF-8 without NUL.
-/// New values by their keys; nothing removes the key.
+using PreferenceValue = std::variant<std::string, std::int64_t, double>; ///< A string is UTF-8 without NUL.
+/// The new value of each key. A key without a value is removed from the file.
 using PreferenceChanges = std::map<std::string, std::optional<PreferenceValue>>;
 
-/// Lays the changes over what stands in the any-user, current-host file of the domain on the startup volume.
-/// Other keys, their order and the format (binary for a new file) stay; a file without keys is removed; where
-/// nothing would change, nothing is written.
+/// Applies the changes to the any-user, current-host file of the domain on the startup volume. Other keys,
+/// their order and the format do not change. A new file is binary. A file without keys is removed. If the
+/// changes have no effect, nothing is written.
 ///
-/// The file is replaced in one step, under a lock on its folder, and is on the disk when this returns.
-/// Answers an empty text, or why nothing was stored, as one line with the path; the file then stands as it
-/// was.
+/// The file is replaced atomically, under a lock on its directory, and is on the disk when the function
+/// returns. Returns an empty string, or the reason why nothing was stored: one line with the path. The file
+/// is unchanged then.
 std::string StorePreferences(const std::string& domain, const PreferenceChanges& changes);
 
 } // namespace macplatform

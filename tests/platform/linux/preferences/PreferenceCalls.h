@@ -1,8 +1,11 @@
 #pragma once
 
+/// @file
+/// Sets and synchronises preferences of com.example.app for any user on the current host.
+
 #include "support/NewText.h"
 
-/// Sets a text (null removes the key) for any user on the current host.
+/// Sets a string, or removes the key if the value is null.
 inline void Set(const char* key, const char* value) {
     const CFStringRef k = NewText(key);
     const CFStringRef v = value ? NewText(value) : nullptr;

@@ -1,4 +1,4 @@
-// Preferences outlive whatever ends or hinders their synchronisation.
+// Preferences survive failures of their synchronisation: a killed process, a held lock, a full disk.
 
 #include <macplatform/PropertyList.h>
 
@@ -23,7 +23,8 @@
 
 namespace {
 
-/// Naps that were taken, not slept, while this is set: a lock is waited for in no time.
+/// While a value is set, `nanosleep` returns at once and counts its calls here. A test of a held lock takes
+/// no time then.
 std::optional<unsigned> gNaps;
 
 } // namespace
@@ -38,7 +39,8 @@ extern "C" int nanosleep(const timespec* time, timespec* left) {
 
 namespace {
 
-/// False when the work was done before that stop.
+/// Runs the work in a child and kills the child at its system call number `stop`. Returns false if the work
+/// ends before that call.
 bool isKilledAt(unsigned stop, const std::function<int()>& work) {
     const TracedEnd end = RunTraced(stop, work, [](pid_t child) { kill(child, SIGKILL); });
     EXPECT_TRUE(end.isReached || end.status == 0) << "the child cannot be traced, or its work fails";
@@ -90,7 +92,7 @@ TEST_F(PreferencesSurvival, OfManyWritersAtOnce) {
         for (unsigned key = 0; key < keys; ++key) {
             SetNumber(("w" + std::to_string(writer) + "-" + std::to_string(key)).c_str(), 1);
             while (key % 20 == 19 && !Synchronise()) {
-            } // where the lock was held too long, the values go on waiting
+            } // If another writer holds the lock too long, the values stay pending.
         }
         _exit(0);
     }
@@ -101,7 +103,7 @@ TEST_F(PreferencesSurvival, OfManyWritersAtOnce) {
                static_cast<unsigned>(writers * keys - stored));
 }
 
-TEST_F(PreferencesSurvival, OfALockThatIsHeld) {
+TEST_F(PreferencesSurvival, OfALockHeldByAnotherWriter) {
     WriteOld();
     const int folder = open(Folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(flock(folder, LOCK_EX), 0);
@@ -112,10 +114,10 @@ TEST_F(PreferencesSurvival, OfALockThatIsHeld) {
     gNaps.reset();
     EXPECT_EQ(ReadBytes(File()), old);
     close(folder);
-    EXPECT_TRUE(Synchronise()) << "the value went on waiting";
+    EXPECT_TRUE(Synchronise()) << "the value is still pending";
 }
 
-TEST_F(PreferencesSurvival, OfFilesThatMayGrowNoMore) {
+TEST_F(PreferencesSurvival, OfAFileSizeLimit) {
     WriteOld();
     EXPECT_EQ(InChild([] {
                   const rlimit none = {0, 0};
@@ -147,6 +149,6 @@ TEST_F(PreferencesSurvival, OfAFullDiskAndAReadOnlyVolume) {
         if (mount("none", path, nullptr, MS_REMOUNT, nullptr) != 0) return 77;
         return Synchronise() && ReadBytes(File()) != old ? 0 : 3;
     });
-    if (outcome == 77) GTEST_SKIP() << "nothing may be mounted here";
+    if (outcome == 77) GTEST_SKIP() << "this process may not mount file systems";
     EXPECT_EQ(outcome, 0);
 }

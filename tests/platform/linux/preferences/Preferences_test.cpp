@@ -25,7 +25,7 @@ class Preferences : public VolumeTest {
 protected:
     std::filesystem::path File() const { return volume / "Library/Preferences/com.example.app.plist"; }
     PropertyValue Stored() const { return macplatform::ReadPropertyList(File().string()).root; }
-    /// What another reader makes of the file.
+    /// Returns the contents of the file as Python's plistlib reads them.
     std::string Python() const {
         return Printed(
             "/usr/bin/python3 -c 'import plistlib,sys; print(plistlib.load(open(sys.argv[1],\"rb\")))' '" +
@@ -35,7 +35,7 @@ protected:
 
 } // namespace
 
-TEST_F(Preferences, WaitForTheSynchronisation) {
+TEST_F(Preferences, AreStoredBySynchronise) {
     Set("Lang", "ja");
     SetNumber("UpdateInterval", 2);
     EXPECT_FALSE(std::filesystem::exists(File()));
@@ -49,7 +49,7 @@ TEST_F(Preferences, WaitForTheSynchronisation) {
     EXPECT_EQ(status.st_mode & 07777, 0775u);
 }
 
-TEST_F(Preferences, WaitForTheVolumeThatTheyWereSetOn) {
+TEST_F(Preferences, AreStoredOnTheVolumeThatTheyWereSetOn) {
     const TemporaryFolder other;
     Set("Lang", "ja");
     macplatform::SetStartupVolume(other.Path().string());
@@ -60,7 +60,7 @@ TEST_F(Preferences, WaitForTheVolumeThatTheyWereSetOn) {
     EXPECT_EQ(Python(), "{'Lang': 'ja'}\n");
 }
 
-TEST_F(Preferences, KeepEverythingElseInItsFormat) {
+TEST_F(Preferences, KeepTheFormatAndAllOtherKeys) {
     const char before[] =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
         "<key>z</key><real>0.1</real><key>UpdateInterval</key><integer>0</integer>"
@@ -85,7 +85,7 @@ TEST_F(Preferences, KeepEverythingElseInItsFormat) {
     }
 }
 
-TEST_F(Preferences, WriteNothingWhereNothingChanges) {
+TEST_F(Preferences, WriteNothingIfNothingChanges) {
     Set("Lang", "ja");
     ASSERT_TRUE(Synchronise());
     struct stat before {
@@ -101,7 +101,7 @@ TEST_F(Preferences, WriteNothingWhereNothingChanges) {
     EXPECT_FALSE(std::filesystem::exists(File())) << "no key is left";
 }
 
-TEST_F(Preferences, LeaveAloneWhatTheyCannotRead) {
+TEST_F(Preferences, KeepFilesThatCannotBeRead) {
     for (const std::string content : {"rubbish", "", "<plist><array/></plist>", "bplist00\x01\x02"}) {
         volume.Write("Library/Preferences/com.example.app.plist", content);
         Set("Lang", "ja");
@@ -109,7 +109,7 @@ TEST_F(Preferences, LeaveAloneWhatTheyCannotRead) {
         EXPECT_EQ(ReadBytes(File()), content);
     }
     std::filesystem::remove(File());
-    EXPECT_TRUE(Synchronise()) << "the value went on waiting";
+    EXPECT_TRUE(Synchronise()) << "the value is still pending";
     EXPECT_EQ(Stored().Find("Lang")->text, "ja");
 
     std::filesystem::remove(File());
@@ -123,7 +123,7 @@ TEST_F(Preferences, LeaveAloneWhatTheyCannotRead) {
     EXPECT_TRUE(std::filesystem::is_directory(File()));
 }
 
-TEST_F(Preferences, KeepObjectsThatTheParserWouldNot) {
+TEST_F(Preferences, KeepObjectsThatTheParserCannotRead) {
     const std::string aSet("\xC1\x03"), loneSurrogate("\x61\xD8\x00", 3), nul("\122a\0", 3),
         notAscii("\x51\xE9");
     for (const std::string& object : {aSet, loneSurrogate, nul, notAscii}) {
@@ -132,12 +132,12 @@ TEST_F(Preferences, KeepObjectsThatTheParserWouldNot) {
         Set("Lang", "ja");
         EXPECT_TRUE(Synchronise());
         EXPECT_EQ(Stored().keys, (std::vector<std::string>{"k", "Lang"}));
-        const bool hasMember = object == aSet; // whose number is another one now
+        const bool hasMember = object == aSet; // The number of its member has changed.
         EXPECT_NE(ReadBytes(File()).find(hasMember ? "\xC1" : object), std::string::npos);
     }
 }
 
-TEST_F(Preferences, KeepSharedObjectsOnceAndDropOthers) {
+TEST_F(Preferences, KeepSharedObjectsOnceAndDropUnusedObjects) {
     const std::string shared = BinaryPlist(
         {"\xD3\x01\x02\x03\x04\x04\x05", "\121a", "\121b", "\121c", "\xA1\x06", "\127dropped", "\126shared"});
     volume.Write("Library/Preferences/com.example.app.plist", shared);
@@ -153,7 +153,7 @@ TEST_F(Preferences, KeepSharedObjectsOnceAndDropOthers) {
     EXPECT_EQ(Python(), "{'a': '\xE6\x97\xA5', 'b': ['shared']}\n");
 }
 
-TEST_F(Preferences, SayWhenTheFolderMayNotBeWritten) {
+TEST_F(Preferences, FailIfTheDirectoryIsReadOnly) {
     volume.Write("Library/Preferences/com.example.app.plist",
                  "<plist><dict><key>a</key><true/></dict></plist>");
     std::filesystem::permissions(volume.Path(), std::filesystem::perms(0755));
@@ -168,7 +168,7 @@ TEST_F(Preferences, SayWhenTheFolderMayNotBeWritten) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(volume / "Library/Preferences"), {}), 1);
 }
 
-TEST_F(Preferences, RefuseNamesThatLeaveTheirFolder) {
+TEST_F(Preferences, RejectDomainsThatAreNotFileNames) {
     const UniChar withNul[] = {'a', 0, 'b'};
     const CFStringRef nul = CFStringCreateWithCharacters(nullptr, withNul, 3);
     for (const CFStringRef bad : {CFSTR("../../x"), CFSTR("a/b"), CFSTR(""), CFSTR(".."), CFSTR("."), nul}) {
@@ -178,19 +178,19 @@ TEST_F(Preferences, RefuseNamesThatLeaveTheirFolder) {
     CFRelease(nul);
     EXPECT_FALSE(
         CFPreferencesSynchronize(CFSTR("com.example.app"), kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
-    // The constants are known as objects: a text like theirs is somebody's name.
+    // The constants are compared as objects. A string with the same contents is the name of a user.
     EXPECT_FALSE(CFPreferencesSynchronize(CFSTR("com.example.app"), CFSTR("kCFPreferencesAnyUser"),
                                           kCFPreferencesCurrentHost));
     EXPECT_TRUE(std::filesystem::is_empty(volume.Path()));
 }
 
-TEST_F(Preferences, WaitForALockAndRemoveLeftovers) {
+TEST_F(Preferences, WaitForALockAndRemoveOldTemporaryFiles) {
     const std::string leftover = volume.Write("Library/Preferences/.cf#1-0", "half a file");
     const int folder = open((volume / "Library/Preferences").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(flock(folder, LOCK_EX), 0);
     const pid_t child = fork();
     if (child == 0) {
-        close(folder); // or this process would hold the lock too
+        close(folder); // Otherwise the child would hold the lock too.
         Set("Lang", "ja");
         _exit(Synchronise() ? 0 : 1);
     }
@@ -203,7 +203,7 @@ TEST_F(Preferences, WaitForALockAndRemoveLeftovers) {
     EXPECT_EQ(Stored().Find("Lang")->text, "ja");
 }
 
-TEST_F(Preferences, FailAsInjectedAndSayWhy) {
+TEST_F(Preferences, ReportTheReasonOfAFailure) {
     std::vector<macplatform::RecordedCall> calls;
     macplatform::SetCallObserver(
         [&calls](const macplatform::RecordedCall& entry) { calls.push_back(entry); });
