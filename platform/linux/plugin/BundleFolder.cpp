@@ -29,14 +29,15 @@ std::string lastName(std::string path) {
 
 bool gPrefersMacCode = false;
 
-/// The Mac's own where that is wanted, or where there is no other, and it can be run.
+/// Returns the Mac executable if this process can run it and it is preferred or the only one. Returns the
+/// Linux executable otherwise.
 std::string chosenExecutable(const std::string& own, const std::string& mac) {
     if (!CanRunMachO() || access(mac.c_str(), F_OK) != 0) return own;
     return gPrefersMacCode || access(own.c_str(), F_OK) != 0 ? mac : own;
 }
 
-/// The name of the executable: CFBundleExecutable, else the bundle's without its extension. Empty when it is
-/// not the name of a file in its folder.
+/// Returns the name of the executable: CFBundleExecutable, or the name of the bundle without its extension if
+/// that key is missing. Returns an empty string if the name is a path and not a file name.
 std::string executableName(const BundleFolder& bundle) {
     std::string name;
     if (const PropertyValue* const named = bundle.info.Find("CFBundleExecutable")) {
@@ -58,7 +59,7 @@ const char* machineName(unsigned machine, unsigned char fileClass) {
 }
 
 unsigned ownMachine() {
-    Elf64_Ehdr own{}; // e_machine lies at the same place in both forms
+    Elf64_Ehdr own{}; // `e_machine` has the same offset in 32-bit and 64-bit headers.
     const Descriptor self(open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
     return self && read(self.Get(), &own, sizeof own) == static_cast<ssize_t>(sizeof own)
                ? own.e_machine
@@ -79,13 +80,13 @@ bool hasMachOMagic(const unsigned char* bytes) {
 
 BundleFailure checkHeader(const std::string& file, const Elf64_Ehdr& header, std::size_t length) {
     if (length < sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) {
-        return failure(BundleFault::kWrongArchitecture, file + " is no program code");
+        return failure(BundleFault::kWrongArchitecture, file + ": not an executable file");
     }
     const unsigned own = ownMachine();
     if (header.e_ident[EI_CLASS] == kOwnClass && header.e_machine == own) return {};
     return failure(BundleFault::kWrongArchitecture,
-                   file + " is for " + machineName(header.e_machine, header.e_ident[EI_CLASS]) +
-                       ", this process for " + machineName(own, kOwnClass));
+                   file + ": built for " + machineName(header.e_machine, header.e_ident[EI_CLASS]) +
+                       ", but this process runs code for " + machineName(own, kOwnClass));
 }
 
 } // namespace
@@ -101,23 +102,23 @@ bool MacCodeIsPreferred() { return gPrefersMacCode; }
 BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
     const InternalCallScope internalCalls;
     if (!isFolder(path))
-        return failure(BundleFault::kNoBundle, path + " is no bundle: there is no such folder");
+        return failure(BundleFault::kNoBundle, path + ": not a bundle: the directory does not exist");
     const std::string plistPath = path + "/Contents/Info.plist";
     PropertyListFile plist = ReadPropertyList(plistPath);
     if (plist.errorNumber == ENOENT || plist.errorNumber == ENOTDIR) {
-        return failure(BundleFault::kNoBundle, path + " is no bundle: it has no Contents/Info.plist");
+        return failure(BundleFault::kNoBundle, path + ": not a bundle: Contents/Info.plist is missing");
     }
     if (!plist.error.empty())
         return failure(BundleFault::kBrokenPropertyList, plistPath + ": " + plist.error);
     if (plist.root.kind != PropertyValue::Kind::kDictionary) {
-        return failure(BundleFault::kBrokenPropertyList, plistPath + ": it holds no dictionary");
+        return failure(BundleFault::kBrokenPropertyList,
+                       plistPath + ": the root of the property list is not a dictionary");
     }
     bundle.path = path;
     bundle.info = std::move(plist.root);
     const std::string name = executableName(bundle);
     if (name.empty())
-        return failure(BundleFault::kMissingKey,
-                       plistPath + ": CFBundleExecutable is not the name of a file");
+        return failure(BundleFault::kMissingKey, plistPath + ": CFBundleExecutable is not a file name");
     bundle.executable = chosenExecutable(path + "/Contents/Linux/" + name, path + "/Contents/MacOS/" + name);
     return {};
 }
@@ -131,21 +132,21 @@ BundleFailure CheckExecutable(BundleFolder& bundle) {
         const std::string forMac = bundle.path + "/Contents/MacOS" + file.substr(file.rfind('/'));
         if (error == ENOENT && access(forMac.c_str(), F_OK) == 0) {
             return failure(BundleFault::kNoExecutable, file +
-                                                           " is missing: the bundle has code for the Mac " +
-                                                           "alone, which the 32-bit build of this tool runs");
+                                                           ": missing: the bundle has only code for the Mac; "
+                                                           "use the 32-bit build of this tool to run it");
         }
         return failure(BundleFault::kNoExecutable, file + ": " + std::strerror(error));
     }
     struct stat status {};
     if (fstat(code.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return failure(BundleFault::kNoExecutable, file + " is no file");
+        return failure(BundleFault::kNoExecutable, file + ": not a regular file");
     }
     Elf64_Ehdr header{};
     const ssize_t read = ::read(code.Get(), &header, sizeof header);
     const std::size_t length = read < 0 ? 0 : static_cast<std::size_t>(read);
     bundle.isMachO = length >= 4 && hasMachOMagic(header.e_ident);
-    return bundle.isMachO ? BundleFailure()
-                          : checkHeader(file, header, length); // its own loader checks a Mac's
+    // The Mach-O loader checks a Mac executable itself.
+    return bundle.isMachO ? BundleFailure() : checkHeader(file, header, length);
 }
 
 } // namespace macplatform

@@ -27,21 +27,21 @@ struct __CFBundle : Object {
     explicit __CFBundle(BundleFolder&& opened) : Object(kBundleClass), folder(std::move(opened)) {}
 
     BundleFolder folder;
-    std::map<UuidBytes, std::string> factories;        ///< Function names.
-    std::map<UuidBytes, std::vector<UuidBytes>> types; ///< Their factories.
-    void* code = nullptr;                              ///< Of the dynamic linker; never closed.
-    MachOCode* macCode = nullptr;                      ///< In its place; never unmapped.
-    std::size_t instances = 0;                         ///< Each holds a reference.
+    std::map<UuidBytes, std::string> factories;        ///< The function name of each factory.
+    std::map<UuidBytes, std::vector<UuidBytes>> types; ///< The factories of each type.
+    void* code = nullptr;                              ///< From `dlopen`; never closed.
+    MachOCode* macCode = nullptr;                      ///< Set instead of `code`; never unmapped.
+    std::size_t instances = 0;                         ///< Each instance has one reference to the bundle.
 };
 
 namespace {
 
 using Bundle = __CFBundle;
 
-/// The bundles of the process; each takes itself off when it is freed.
+/// Returns the bundles of the process. `finaliseBundle` removes a bundle when it is freed.
 std::vector<Bundle*>& openBundles() {
-    static std::vector<Bundle*>& gBundles =
-        *new std::vector<Bundle*>; // released objects may be freed at exit
+    // The vector is never destroyed: bundles may still be released when the process exits.
+    static std::vector<Bundle*>& gBundles = *new std::vector<Bundle*>;
     return gBundles;
 }
 
@@ -68,7 +68,8 @@ Bundle& checkedBundle(const void* plugIn, const char* function) {
 
 std::string plistPath(const Bundle& bundle) { return bundle.folder.path + "/Contents/Info.plist"; }
 
-/// Factories and types out of the property list; what is no UUID or no name is left out.
+/// Reads the factories and the types from the property list.
+/// Ignores entries that are not UUIDs or function names.
 void readTables(Bundle& bundle) {
     if (const PropertyValue* const factories = bundle.folder.info.Find("CFPlugInFactories")) {
         for (std::size_t i = 0; i < factories->keys.size(); ++i) {
@@ -85,7 +86,7 @@ void readTables(Bundle& bundle) {
         if (!type) continue;
         auto& listed = bundle.types[*type];
         const PropertyValue& value = types->values[i];
-        // One factory may stand there without an array around it.
+        // The value may be one factory instead of an array of factories.
         for (const PropertyValue& item :
              value.kind == PropertyValue::Kind::kArray ? value.items : std::vector{value}) {
             if (const auto factory = ParseUuid(item.text)) listed.push_back(*factory);
@@ -156,7 +157,8 @@ Bundle* bundleOfFactory(const UuidBytes& factory) {
     return nullptr;
 }
 
-/// The function of a factory for a type, its code loaded; null with the failure noted.
+/// Loads the code of the factory's bundle and returns the factory function. Returns null and records the
+/// failure if there is no such function for the type.
 CFPlugInFactoryFunction findFactoryFunction(const UuidBytes& factory, const UuidBytes& type) {
     lastFailure() = {};
     Bundle* const bundle = bundleOfFactory(factory);
@@ -249,7 +251,7 @@ void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUID
     }
     if (make && !instance) {
         fail(BundleFault::kFactoryRefused,
-             "the factory function of " + UuidText(BytesOf(factory, name)) + " answered null");
+             "the factory function of " + UuidText(BytesOf(factory, name)) + " returned null");
     }
     return call.Result(instance, instance ? "an instance" : "NULL");
 }
@@ -269,7 +271,7 @@ void CFPlugInRemoveInstanceForFactory(CFUUIDRef factory) {
     PlatformCall call(name);
     RecordArguments(call, factory);
     Bundle* const bundle = bundleOfFactory(BytesOf(factory, name));
-    // A count that was never raised would free the bundle under its owner.
+    // Without this check, a call without a preceding Add call would release the reference of another owner.
     if (!bundle || bundle->instances == 0) return;
     --bundle->instances;
     Release(*bundle);

@@ -97,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"MacCode", Plist{InfoPlist("MyFactory")}, Code{"\xCE\xFA\xED\xFE" + std::string(60, '\0')},
          Run{"wrong-architecture", "Linux/Test"}, Validate{"bundle.architecture"}},
         {"NoSuchFunction", Plist{InfoPlist("Absent")}, Code{}, Run{"symbol-missing", "Absent"}},
-        {"NullFromFactory", Plist{InfoPlist("MakeNothing")}, Code{}, Run{"factory-refused", "answered null"}},
+        {"NullFromFactory", Plist{InfoPlist("MakeNothing")}, Code{}, Run{"factory-refused", "returned null"}},
         {"NoInterface", Plist{InfoPlist("MakeRefusing")}, Code{}, Run{"interface-refused", "(0x80000004)"}},
     }),
     [](const auto& row) { return row.param.name; });

@@ -118,7 +118,7 @@ const Fault kFaults[] = {
     {"NoLanguageAfterFailure", "status-file.failure-rest", "there is no preferences file of this domain"},
     {"NoPostInstall", "bundle.exports", "PostInstall is not exported", 3},
     {"NoReferenceForInterface", "interface.adds-reference", "1"},
-    {"NoType", "factory.right-type", "answered null", 3},
+    {"NoType", "factory.right-type", "returned null", 3},
     {"NullBlockRead", "steps.null-block", "crashed: SIGSEGV (Segmentation fault)", 4},
     {"OneProductWithoutInterval", "status-file.products", "UpdateInterval: (integer) 2"},
     {"OrderMatters", "dispatch.order", "1 change: com.korvane.updater Late: (none)"},

@@ -25,7 +25,7 @@ CFPlugInRef create(const std::filesystem::path& bundle) {
     return plugIn;
 }
 
-/// Makes an instance as an installer does; null where any step fails.
+/// Creates an instance as the installer does. Returns null if a step fails.
 void* makeInstance(CFPlugInRef plugIn) {
     const CFUUIDRef type = CFUUIDCreateFromUUIDBytes(nullptr, kTypeBytes);
     const CFArrayRef factories = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, plugIn);
@@ -55,7 +55,7 @@ protected:
 
 } // namespace
 
-TEST_F(PlugIn, GivesAnInstance) {
+TEST_F(PlugIn, ReturnsAnInstance) {
     WriteInfo(InfoPlist("MakeSample"));
     CopyCode();
     const CFPlugInRef plugIn = create(bundle);
@@ -69,19 +69,19 @@ TEST_F(PlugIn, GivesAnInstance) {
     CFRelease(plugIn);
 }
 
-TEST_F(PlugIn, LivesAsLongAsItsInstances) {
+TEST_F(PlugIn, IsKeptAliveByItsInstances) {
     WriteInfo(InfoPlist("MakeSample"));
     const CFPlugInRef plugIn = create(bundle);
     const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, kFactoryBytes);
     CFPlugInRemoveInstanceForFactory(factory);
-    EXPECT_EQ(CFGetRetainCount(plugIn), 1) << "there was no instance";
+    EXPECT_EQ(CFGetRetainCount(plugIn), 1) << "the plug-in had no instance";
     CFPlugInAddInstanceForFactory(factory);
     CFRelease(plugIn);
     EXPECT_EQ(CFGetRetainCount(plugIn), 1);
     CFPlugInRemoveInstanceForFactory(factory);
     CFPlugInRemoveInstanceForFactory(factory);
     CFPlugInAddInstanceForFactory(factory);
-    EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1) << "the UUID alone";
+    EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1) << "only the UUID remains";
     CFRelease(factory);
 }
 

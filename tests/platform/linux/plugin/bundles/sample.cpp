@@ -1,6 +1,6 @@
 #include <CoreFoundation/CoreFoundation.h>
 
-// What a bundle exports: one factory that makes an instance, and one that refuses.
+// The code of a sample bundle. It exports a factory that returns an instance and a factory that returns null.
 
 extern "C" {
 
