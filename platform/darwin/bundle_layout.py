@@ -1,7 +1,8 @@
-"""Where each part of a program goes in a bundle, and what must change in it there.
+"""Assigns the sections of an object file to addresses in a bundle and applies the relocations.
 
-The object holds the whole program, so each of its sections moves as a block and nothing in it is left to be resolved but the
-imports. Calls of these go through position-independent stubs; every pointer that the loader must fill lies in __DATA.
+The object file contains the whole program. Each section therefore moves as a block, and only the imports remain to be
+resolved by the loader. Calls of imports go through position-independent stubs. Every pointer that the loader must fill
+is in __DATA.
 """
 
 import struct
@@ -11,7 +12,7 @@ from macho_object import POINTERS, UNDEFINED_LOCAL, UNWIND, ZERO_FILL, Refused, 
 
 
 def read_imports(path):
-    """The libraries in order, and the place of its library, from 1, for each symbol."""
+    """Returns the libraries in order, and the number of its library (from 1) for each symbol."""
     libraries, ordinals = [], {}
     for line in open(path):
         if line.strip() and not line.startswith("#"):
@@ -27,8 +28,8 @@ class Layout:
         self.program = program
         self.libraries, self.allowed = read_imports(imports)
         self.exports = sorted(line.strip() for line in open(exports) if line.strip())
-        self.rebased = set()  # addresses of pointers into the bundle
-        self.bound = {}  # addresses of pointers to imports
+        self.rebased = set()  # the addresses of pointers into the bundle
+        self.bound = {}  # the import that each pointer refers to, by the address of the pointer
         self.check_symbols()
         self.arrange()
         self.place_sections()
@@ -38,14 +39,14 @@ class Layout:
     def check_symbols(self):
         defined = sorted(s.name for s in self.program.symbols if s.external and s.section >= 0)
         if defined != self.exports:
-            raise Refused(f"exports are {defined}, not {self.exports}")
+            raise Refused(f"the exports are {defined}, not {self.exports}")
         self.imports = sorted(s.name for s in self.program.symbols if s.section < 0)
         unknown = [name for name in self.imports if name not in self.allowed]
         if unknown:
-            raise Refused("no import of these is allowed: " + ", ".join(unknown))
+            raise Refused("imports that imports.txt does not list: " + ", ".join(unknown))
 
     def arrange(self):
-        """Chooses the segment of each section, and adds the stubs and their pointers."""
+        """Chooses the segment of each section, adds the import stubs and their pointers, and sorts the sections."""
         kept = [s for s in self.program.sections if s.segment != "__LD" and s.size]
         called = {r.symbol for s in kept for r in s.relocations if r.symbol >= 0 and r.relative}
         self.called = sorted(name for name in (self.program.symbols[i].name for i in called) if name in self.imports)
@@ -55,9 +56,9 @@ class Layout:
             if section.type == POINTERS:
                 section.segment, section.name, section.alignment = "__DATA", "__nl_symbol_ptr", 4
             if section.segment not in ("__TEXT", "__DATA"):
-                raise Refused(f"section {section.segment},{section.name}: no place for this segment")
+                raise Refused(f"section {section.segment},{section.name}: unsupported segment")
         added = [s for s in (self.stubs, self.slots) if s.size]
-        # Code first and what is not in the file last.
+        # __TEXT comes first. In each segment, unwind entries follow the other sections, and zero-fill sections are last.
         order = sorted(kept + added, key=lambda s: (s.segment == "__DATA", s.type == ZERO_FILL, s.type == UNWIND))
         self.text = [s for s in order if s.segment == "__TEXT"]
         self.data = [s for s in order if s.segment == "__DATA"]
@@ -105,7 +106,7 @@ class Layout:
         by_number = relocation.value < 0
         target = self.program.sections[relocation.section] if by_number else self.program.section_at(relocation.value)
         if target not in self.text + self.data:
-            raise Refused(f"{section.name}+{relocation.place:#x} points to {target.name}, which is left out")
+            raise Refused(f"{section.name}+{relocation.place:#x}: a pointer to the omitted section {target.name}")
         back = section.shift if relocation.relative else 0
         section.set_word(relocation.place, section.word(relocation.place) + target.shift - back)
         if not relocation.relative:
@@ -113,11 +114,11 @@ class Layout:
 
     def note_rebase(self, section, place):
         if section.segment != "__DATA":
-            raise Refused(f"{section.name}+{place:#x}: an address in code that cannot be changed")
+            raise Refused(f"{section.name}+{place:#x}: an absolute address outside __DATA")
         self.rebased.add(section.new + place)
 
     def resolve(self, section, relocation):
-        """A field that names a symbol; what stands in it counts the symbol as 0."""
+        """Resolves a field that refers to a symbol. The value of the field is relative to the symbol."""
         symbol = self.program.symbols[relocation.symbol]
         place, here = relocation.place, section.new + relocation.place
         addend = section.word(place)
@@ -131,7 +132,7 @@ class Layout:
         elif section.segment == "__DATA" and addend == 0:
             self.bound[here] = symbol.name
         else:
-            raise Refused(f"{section.name}+{place:#x}: {symbol.name} with an offset, or in code")
+            raise Refused(f"{section.name}+{place:#x}: a pointer to {symbol.name} with an offset or outside __DATA")
 
     def stub_of(self, name):
         return self.stubs.new + STUB_SIZE * self.called.index(name)
@@ -146,21 +147,25 @@ class Layout:
                 self.bound[section.new + 4 * i] = self.program.symbols[entry].name
 
     def move_unwind_entries(self, section):
-        """The assembler leaves no relocations for an entry's function and language data, as both are relative."""
+        """Adjusts the unwind entries for the new addresses.
+
+        The assembler writes no relocations for the function and the language data of an entry, because both are
+        relative addresses.
+        """
         done = {relocation.place for relocation in section.relocations}
         has_language_data = {}
         place = 0
         while place < section.size:
             length, common = section.word(place), section.word(place + 4)
             if length == 0 or length == 0xFFFFFFFF:
-                raise Refused("unwind entries of a length that is not handled")
+                raise Refused(f"{section.name}+{place:#x}: an unwind entry of unsupported length")
             if common == 0:
                 has_language_data[place] = self.read_common_entry(section, place + 8)
             else:
                 fields = [place + 8]
                 if has_language_data[place + 4 - common]:
                     if section.data[place + 16] != 4:
-                        raise Refused("an unwind entry with data that is not handled")
+                        raise Refused(f"{section.name}+{place:#x}: an unwind entry with unsupported data")
                     fields.append(place + 17)
                 for at in fields:
                     if at not in done and section.word(at):
@@ -170,22 +175,24 @@ class Layout:
 
     @staticmethod
     def read_common_entry(section, place):
-        """Whether the functions of this entry have language data."""
+        """Returns whether the functions of a common entry have language data."""
         end = section.data.index(0, place + 1)
         letters = section.data[place + 1 : end].decode()
-        at = end + 1 + 3 + 1  # code and data alignment, return address, and the length of what follows: a byte each
+        # Skips one byte each: the code alignment, the data alignment, the return address register, and the length of
+        # the augmentation data.
+        at = end + 1 + 3 + 1
         for letter in letters[1:]:
             encoding = section.data[at]
             known = {"P": (0x9B,), "L": (0x10,), "R": (0x10,)}.get(letter, ())
             if encoding not in known:
-                raise Refused(f"an unwind entry with an encoding that is not handled: {letter} {encoding:#x}")
+                raise Refused(f"{section.name}: an unwind entry with the unsupported encoding {letter} {encoding:#x}")
             at += 5 if letter == "P" else 1
         return "L" in letters
 
     def fill_stubs(self):
         for i, name in enumerate(self.called):
             slot, here = self.slots.new + 4 * i, self.stubs.new + STUB_SIZE * i
-            # call the next instruction; pop %eax; jmp *slot(%eax)
+            # The stub: call the next instruction; pop %eax; jmp *slot(%eax).
             code = b"\xe8\0\0\0\0\x58\xff\xa0" + struct.pack("<i", slot - here - 5)
             self.stubs.data[STUB_SIZE * i : STUB_SIZE * (i + 1)] = code
             self.bound[slot] = name
@@ -194,7 +201,7 @@ class Layout:
         return 1 + (self.text + self.data).index(self.program.sections[symbol.section])
 
     def indirect_table(self):
-        """The symbol that each stub and each pointer stands for, section by section."""
+        """Returns the table with the symbol number of each stub and each pointer, section by section."""
         numbers = {name: len(self.exports) + i for i, name in enumerate(self.imports)}
         table = []
         for section in (s for s in self.text + self.data if s.type == POINTERS or s is self.stubs):

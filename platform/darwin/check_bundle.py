@@ -42,7 +42,7 @@ class Executable:
         return sorted(line.split()[-1] for line in self.read("llvm-nm-14", "--extern-only", which) if line.strip())
 
     def table(self, kind):
-        """The rows of one of the loader's tables."""
+        """Returns the rows of one of the loader's tables."""
         lines = self.read("llvm-objdump-14", "--macho", kind)
         start = next((i for i, line in enumerate(lines) if line.startswith("segment")), len(lines))
         return [line.split() for line in lines[start + 1 :] if line.strip()]
@@ -51,51 +51,51 @@ class Executable:
 def check_header(file, _imports, _exports):
     header = file.headers[0].header
     if len(file.headers) != 1 or header.cputype != I386 or header.filetype != BUNDLE:
-        yield "it is not a thin bundle for 32-bit Intel"
+        yield "not a thin bundle for 32-bit Intel"
     if header.flags & 0x80 == 0:
-        yield "its imports do not name their libraries"
+        yield "the imports do not name their libraries"
     version = file.commands.get("LC_VERSION_MIN_MACOSX", [(None, None)])[0][0]
     if not version or version.version != 10 << 16 | 6 << 8:
-        yield "it does not ask for system 10.6"
+        yield "the minimum system version is not 10.6"
     if os.path.getsize(file.path) >= LARGEST:
-        yield f"it is larger than {LARGEST} bytes"
+        yield f"larger than {LARGEST} bytes"
 
 
 def check_exports(file, _imports, exports):
     if file.symbols("--defined-only") != exports:
-        yield f"its symbol table exports {file.symbols('--defined-only')}"
+        yield f"the symbol table exports {file.symbols('--defined-only')}"
     lines = file.read("llvm-objdump-14", "--macho", "--exports-trie")
     trie = sorted(line.split() for line in lines if line.startswith("0x"))
     if sorted(row[1] for row in trie) != exports:
-        yield f"its trie exports {[row[1] for row in trie]}"
+        yield f"the export trie exports {[row[1] for row in trie]}"
     values = {line.split()[2]: int(line.split()[0], 16) for line in file.read("llvm-nm-14", "--defined-only")}
     if any(int(row[0], 16) != values.get(row[1]) for row in trie):
-        yield "its trie and its symbol table give an export different addresses"
+        yield "the export trie and the symbol table have different addresses for an export"
 
 
 def check_imports(file, imports, _exports):
     libraries, ordinals = imports
     loaded = [rest.rstrip(b"\0").decode() for _, rest in file.commands.get("LC_LOAD_DYLIB", [])]
     if loaded != libraries:
-        yield f"it loads {loaded}"
+        yield f"the libraries are {loaded}, not {libraries}"
     rows = file.table("--bind")
     for segment, section, address, kind, addend, library, name in rows:
         expected = libraries[ordinals[name] - 1].split("/")[-1].split(".")[0] if name in ordinals else None
         if library != expected:
-            yield f"import {name} of {library} is not allowed"
+            yield f"import {name} from {library} is not allowed"
         if segment != "__DATA" or kind != "pointer" or addend != "0":
             yield f"import {name} is bound in {segment},{section} at {address} as {kind} + {addend}"
     if sorted({row[6] for row in rows}) != file.symbols("--undefined-only"):
-        yield "its symbol table and its binds import different names"
+        yield "the symbol table and the binds import different names"
     for kind in ("--lazy-bind", "--weak-bind"):
         if file.table(kind):
-            yield f"it has binds that are not expected: {kind}"
+            yield f"unexpected binds: {kind}"
 
 
 def check_pointers(file, _imports, _exports):
     rebased = file.table("--rebase")
     if any(row[0] != "__DATA" or row[3] != "pointer" for row in rebased):
-        yield "it has a fix-up outside of __DATA"
+        yield "a fix-up is outside __DATA"
     fixed = {int(row[2], 16) for row in rebased + file.table("--bind")}
     for name, section in file.sections.items():
         if section.flags & 0xFF == POINTERS:
@@ -107,7 +107,7 @@ def check_pointers(file, _imports, _exports):
 def check_code(file, _imports, _exports):
     for line in file.read("llvm-objdump-14", "-d", "--no-show-raw-insn", "--section=__symbol_stub"):
         if re.search(r"\b(jmp|call)l?\s+\*?(0x)?[0-9a-f]+$", line) and "calll" not in line:
-            yield f"an import stub jumps to an absolute address: {line.strip()}"
+            yield f"an import stub uses an absolute address: {line.strip()}"
 
 
 def check_unwind_entries(file, _imports, _exports):
@@ -116,12 +116,12 @@ def check_unwind_entries(file, _imports, _exports):
     listing = "\n".join(file.read("llvm-dwarfdump-14", "--eh-frame"))
     ranges = re.findall(r"FDE .*pc=([0-9a-f]+)\.\.\.([0-9a-f]+)", listing)
     if not ranges:
-        yield "it has no unwind entries"
+        yield "there are no unwind entries"
     for start, end in sorted((int(a, 16) & 0xFFFFFFFF, int(b, 16) & 0xFFFFFFFF) for a, b in ranges):
         if not text.addr <= start < end <= text.addr + text.size:
-            yield f"the unwind entry of {start:#x} to {end:#x} lies outside of the code"
+            yield f"the unwind entry of {start:#x} to {end:#x} is outside the code"
         if start < last:
-            yield f"two unwind entries for {start:#x}"
+            yield f"two unwind entries cover {start:#x}"
         last = max(last, end)
 
 

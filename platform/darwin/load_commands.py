@@ -1,4 +1,4 @@
-"""The load commands at the head of a bundle: its segments, its tables, its identifier and the libraries that it needs."""
+"""Builds the load commands of a bundle: its segments, the loader's tables, its identifier and its libraries."""
 
 import struct
 
@@ -14,6 +14,7 @@ def aligned(value, alignment):
 
 
 def commands_size(section_count, libraries):
+    """Returns the size of all load commands: three segments with their sections, then the others in their order."""
     return 3 * 56 + 68 * section_count + 48 + 24 + 80 + 24 + 16 + sum(len(library_command(path)) for path in libraries)
 
 
@@ -34,7 +35,7 @@ def segment_command(name, address, size, offset, file_size, protection, sections
 
 
 def load_commands(layout, tables, end, uuid):
-    """`tables` are (place in the file, bytes) by name; the file is `end` bytes long."""
+    """Returns the load commands. `tables` maps a name to (file offset, bytes). `end` is the size of the file."""
 
     def place(name):
         at, table = tables[name]
@@ -47,9 +48,13 @@ def load_commands(layout, tables, end, uuid):
     commands += segment_command("__DATA", text, data, text, layout.data_file_size, 3, layout.data)
     commands += segment_command("__LINKEDIT", text + data, aligned(left, PAGE), link_edit, left, 1, [])
     exports, imports, indirect = len(layout.exports), len(layout.imports), tables["indirect"]
+    # LC_DYLD_INFO_ONLY. The zeros are the weak binds and the lazy binds: there are none.
     commands += struct.pack("<12I", 0x80000022, 48, *place("rebase"), *place("bind"), 0, 0, 0, 0, *place("export"))
+    # LC_SYMTAB.
     commands += struct.pack("<6I", 2, 24, tables["symbols"][0], exports + imports, *place("texts"))
+    # LC_DYSYMTAB: no local symbols, then the exports, then the imports; at its end the indirect symbols.
     commands += struct.pack("<8I24x", 11, 80, 0, 0, 0, exports, exports, imports)
     commands += struct.pack("<II16x", indirect[0], len(indirect[1]) // 4)
+    # LC_UUID and LC_VERSION_MIN_MACOSX.
     commands += struct.pack("<II16s", 0x1B, 24, uuid) + struct.pack("<4I", 0x24, 16, SYSTEM_VERSION, SYSTEM_VERSION)
     return commands + b"".join(map(library_command, layout.libraries))

@@ -1,4 +1,4 @@
-"""The tables that the system's loader reads: pointers to move and to bind, exports, symbols."""
+"""Builds the tables that the loader of macOS reads: rebases, binds, exports and symbols."""
 
 import struct
 
@@ -13,7 +13,10 @@ def uleb(value):
 
 
 def rebase_opcodes(addresses, data):
-    """Pointers into the image, all in segment 1, which begins at `data`; neighbours in one run."""
+    """Returns the table of pointers into the image. All are in segment 1, which begins at the address `data`.
+
+    One operation covers all pointers of a run of adjacent pointers.
+    """
     opcodes, left = bytearray(b"\x11"), sorted(addresses)
     while left:
         run = 1
@@ -25,7 +28,7 @@ def rebase_opcodes(addresses, data):
 
 
 def bind_opcodes(names, ordinals, data):
-    """Pointers to imports, by address, all in segment 1."""
+    """Returns the table of pointers to imports. `names` maps an address in segment 1 to the name of its import."""
     opcodes, last = bytearray(b"\x51"), None
     for address, name in sorted(names.items(), key=lambda item: (item[1], item[0])):
         if name != last:
@@ -36,7 +39,7 @@ def bind_opcodes(names, ordinals, data):
 
 
 class TrieNode:
-    """What is exported under the text that leads here, and the branches from here by the text on them."""
+    """A node of the export trie: the address that is exported under the name up to this node, and the branches."""
 
     def __init__(self, addresses):
         self.info = b"\0" + uleb(addresses[""]) if "" in addresses else b""
@@ -67,7 +70,10 @@ def export_trie(addresses):
 
 
 def symbol_table(exports, imports):
-    """Exports (name, section, address), then imports (name, library); the entries and their texts."""
+    """Returns the entries of the symbol table and their string table.
+
+    The exports come first as (name, section, address), then the imports as (name, library).
+    """
     texts, entries = bytearray(b"\0"), bytearray()
     for name, kind, section, description, value in [(n, 0x0F, s, 0, a) for n, s, a in exports] + [
         (n, 0x01, 0, library << 8, 0) for n, library in imports

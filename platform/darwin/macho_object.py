@@ -1,4 +1,4 @@
-"""One object file for 32-bit Intel macOS: its sections, symbols and relocations."""
+"""Reads an object file for 32-bit Intel macOS: its sections, symbols and relocations."""
 
 import struct
 from dataclasses import dataclass, field
@@ -9,33 +9,33 @@ UNDEFINED_LOCAL = 0x80000000
 
 
 class Refused(Exception):
-    """What the bundle cannot be made of, and why."""
+    """Raised for input that is not supported, with the reason."""
 
 
 @dataclass
 class Relocation:
-    place: int  # within the section
-    kind: int  # 0 a pointer, 2 and 4 a difference
-    relative: bool  # to the end of the field
-    symbol: int = -1  # of one that is not resolved
-    section: int = -1  # of the target, from 0
-    value: int = -1  # old address, which identifies the target's section
-    subtracted: int = -1  # the same of the address that is taken away
+    place: int  # the offset of the field in the section
+    kind: int  # 0: a pointer; 2 and 4: a difference of two addresses
+    relative: bool  # the value is relative to the end of the field
+    symbol: int = -1  # the number of the symbol, if the relocation names one
+    section: int = -1  # the number of the target's section, from 0
+    value: int = -1  # an address in the target's section of the object
+    subtracted: int = -1  # an address in the section of the subtracted address
 
 
 @dataclass
 class Section:
     segment: str
     name: str
-    old: int  # address in the object
+    old: int  # the address in the object
     size: int
     alignment: int
     flags: int
-    first_pointer: int  # of the table of indirect symbols, for pointers
+    first_pointer: int  # for pointers: the first entry in the table of indirect symbols
     data: bytearray
     relocations: list = field(default_factory=list)
-    new: int = 0  # address in the bundle
-    offset: int = 0  # place in the bundle's file
+    new: int = 0  # the address in the bundle
+    offset: int = 0  # the offset in the bundle's file
 
     @property
     def type(self):
@@ -55,7 +55,7 @@ class Section:
 @dataclass
 class Symbol:
     name: str
-    section: int  # from 0; -1 for one that is not defined
+    section: int  # from 0; -1 for an undefined symbol
     address: int
     external: bool
 
@@ -83,7 +83,7 @@ class Object:
             name, segment = (self.data[p : p + 16].rstrip(b"\0").decode() for p in (at, at + 16))
             old, size, offset, power, relocations, count, flags, first = struct.unpack_from("<8I", self.data, at + 32)
             if flags & 0xFF not in KNOWN_TYPES:
-                raise Refused(f"section {segment},{name} has a type that is not handled: {flags & 0xFF}")
+                raise Refused(f"section {segment},{name}: unsupported type {flags & 0xFF}")
             zero = flags & 0xFF == ZERO_FILL
             data = bytearray() if zero else bytearray(self.data[offset : offset + size])
             section = Section(segment, name, old, size, 1 << power, flags, first, data)
@@ -101,7 +101,7 @@ class Object:
             relative = bool(info >> 6 & 1 if scattered else info & 1)
             made = Relocation(first & 0xFFFFFF if scattered else first, kind, relative)
             if length != 2 or kind not in (0, 2, 4) or (kind and (relative or not scattered)):
-                raise Refused(f"{where}+{made.place:#x}: a relocation that is not handled: {first:#x} {second:#x}")
+                raise Refused(f"{where}+{made.place:#x}: unsupported relocation {first:#x} {second:#x}")
             if scattered:
                 made.value = second
             elif info & 8:
@@ -110,7 +110,7 @@ class Object:
                 made.section = (second & 0xFFFFFF) - 1
             if kind:
                 if place == end or self.u32(place) >> 24 & 0x8F != 0x81:
-                    raise Refused(f"{where}+{made.place:#x}: a difference without its second half")
+                    raise Refused(f"{where}+{made.place:#x}: the second half of a difference is missing")
                 made.subtracted = self.u32(place + 4)
                 place += 8
             yield made
@@ -122,7 +122,7 @@ class Object:
             end = self.data.index(b"\0", texts + name)
             text = self.data[texts + name : end].decode()
             if kind & 0xE0 == 0 and kind & 0x0E not in (0, 14):
-                raise Refused(f"symbol {text} has a kind that is not handled: {kind:#x}")
+                raise Refused(f"symbol {text}: unsupported kind {kind:#x}")
             external = kind & 0x11 == 1
             self.symbols.append(Symbol(text, section - 1 if kind & 0x0E else -1, address, external))
 
@@ -131,11 +131,11 @@ class Object:
         self.indirect = list(struct.unpack_from(f"<{count}I", self.data, table))
 
     def section_at(self, address):
-        """The section of an old address; one that ends there only when none begins."""
+        """Returns the section of an address of the object. The end of a section belongs to it if no section begins there."""
         for section in self.sections:
             if section.old <= address < section.old + section.size:
                 return section
         for section in self.sections:
             if address == section.old + section.size:
                 return section
-        raise Refused(f"the address {address:#x} lies in no section")
+        raise Refused(f"address {address:#x}: not in any section")

@@ -1,9 +1,10 @@
 #!/usr/bin/python3 -B
-"""Makes a loadable bundle for 32-bit Intel macOS 10.6 and later of one object file.
+"""Converts one object file to a loadable bundle for 32-bit Intel macOS 10.6 and later.
 
 usage: write_bundle.py OBJECT IMPORTS EXPORTS BUNDLE
 
-IMPORTS lists what may be imported, and EXPORTS what must be exported and nothing else. What is not handled is refused.
+IMPORTS is a file with the symbols that the bundle may import. EXPORTS is a file with the symbols that the bundle must
+export: exactly these. An object file with an unsupported feature is rejected.
 """
 
 import hashlib
@@ -18,7 +19,7 @@ from macho_object import Object, Refused
 
 
 def link_edit(layout):
-    """The tables behind the segments, by name: (place in the file, bytes)."""
+    """Returns the tables after the segments as (file offset, bytes) by name, and the size of the file."""
     defined = {s.name: s for s in layout.program.symbols if s.name in layout.exports}
     addresses = {name: layout.moved(symbol.address) for name, symbol in defined.items()}
     symbols, texts = symbol_table(
@@ -43,7 +44,7 @@ def link_edit(layout):
 def image(layout, uuid=b""):
     tables, end = link_edit(layout)
     commands = load_commands(layout, tables, end, uuid)
-    # A bundle, whose imports name their libraries.
+    # The file type 8 is a bundle. The flag 0x80 means that each import names its library.
     header = struct.pack("<7I", 0xFEEDFACE, 7, 3, 8, 8 + len(layout.libraries), len(commands), 0x84)
     file = bytearray(end)
     file[: HEADER_SIZE + len(commands)] = header + commands
@@ -55,7 +56,7 @@ def image(layout, uuid=b""):
 
 
 def bundle_file(layout):
-    """The same input gives the same file: its identifier is made of its bytes."""
+    """Returns the file. Its identifier is a hash of its bytes, so that the same input gives the same file."""
     return image(layout, hashlib.md5(image(layout)).digest())
 
 

@@ -1,5 +1,6 @@
 #include <sys/cdefs.h>
 
-// Included again, this follows NDEBUG anew. Off, as in every build for the Mac.
+// The header has no include guard: the C standard defines the macro anew at each inclusion. Assertions are
+// off in every build for the Mac.
 #undef assert
 #define assert(condition) ((void)0)

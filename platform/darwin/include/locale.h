@@ -2,7 +2,7 @@
 
 #include <sys/cdefs.h>
 
-/// The decimal point stands first; the rest is the system's.
+/// Only the first members of the system's structure are declared. The program reads only `decimal_point`.
 struct lconv {
     char* decimal_point;
     char* thousands_sep;

@@ -34,7 +34,7 @@
 typedef float float_t;
 typedef double double_t;
 
-/// Each function in its three widths.
+// Each macro declares a function for double, float and long double.
 #define __MATH_1(name)                                                                                       \
     double name(double);                                                                                     \
     float name##f(float);                                                                                    \

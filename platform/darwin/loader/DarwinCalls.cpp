@@ -14,7 +14,8 @@ namespace macplatform {
 
 namespace {
 
-/// Calls of the C library and of the unwinder that are the same on the Mac: arguments, records and results.
+/// The functions of the C library and of the unwinder whose arguments, structures and results are the same on
+/// the Mac and on Linux.
 constexpr std::string_view kSameCalls[] = {
     "_Unwind_Backtrace",
     "_Unwind_DeleteException",
@@ -93,8 +94,8 @@ constexpr std::string_view kSameCalls[] = {
     "vsnprintf",
 };
 
-/// The Mac's callers take a small result as it stands in the whole register; here only its own bits are
-/// promised.
+/// Extends the small result of a function to `int`. A caller on the Mac reads the whole register, but a
+/// function on Linux sets only the bits of its result type.
 template <auto function>
 struct Widened;
 template <typename Result, typename... Arguments, Result (*function)(Arguments...)>
@@ -135,7 +136,7 @@ void* findIn(const std::vector<DarwinCall>& calls, const std::string& name) {
     return found == calls.end() ? nullptr : found->function;
 }
 
-/// The platform layer's own: what this shared library itself defines, under its plain name, for bundles.
+/// Returns a function or variable that this shared library itself defines, or null.
 void* findInPlatform(const char* name) {
     void* const symbol = dlsym(RTLD_DEFAULT, name);
     Dl_info found{};
@@ -146,8 +147,8 @@ void* findInPlatform(const char* name) {
     return isOwn ? symbol : nullptr;
 }
 
-/// Framework calls begin so; what else the platform defines are the C library's path calls, in this system's
-/// form.
+/// Returns whether the name belongs to a framework. The other names that the platform defines are path calls
+/// of the C library, whose structures differ from the Mac's.
 bool isFrameworkName(std::string_view name) {
     constexpr std::string_view beginnings[] = {"CF",     "kCF",        "__CF",       "FS",       "AE",
                                                "MP",     "objc_",      "sel_",       "mach_",    "sysctl",

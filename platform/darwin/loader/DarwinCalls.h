@@ -1,6 +1,8 @@
 #pragma once
 
-/// What the Mac's code may call: names as its files have them, and where they lead to in this process.
+/// @file
+/// Finds the functions and variables of this process that Mac code imports. An import has the name that the
+/// Mach-O file uses, with its leading underscore.
 
 #include <cstdint>
 #include <string>
@@ -8,10 +10,10 @@
 
 namespace macplatform {
 
-/// 0 when there is no such thing here.
+/// Returns the address of an import, or 0 if Linux and the platform have no equivalent.
 std::uint32_t DarwinImport(const std::string& name);
 
-/// One call under its Mac name.
+/// A function that stands for a function of the Mac.
 struct DarwinCall {
     std::string_view name;
     void* function;

@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #include <sys/statfs.h>
 
-// A call of the C library under its own symbol, so that the platform's own form of it, which knows the
-// startup volume, is found as by any bundle.
+// Names the C library's symbol `fopen64`, so that the call is interposed and redirected to the startup
+// volume, as a call of any bundle.
 extern "C" {
 std::FILE* DarwinOpen(const char* path, const char* mode) __asm__("fopen64");
 }
@@ -18,9 +18,10 @@ namespace macplatform {
 
 namespace {
 
-/// This system's error number, and the Mac's where it is another.
+/// An error number that differs between Linux and the Mac.
 struct ErrorNumber {
-    int here, mac;
+    int here; ///< On Linux.
+    int mac;
 };
 constexpr ErrorNumber kErrorNumbers[] = {
     {EAGAIN, 35}, {EDEADLK, 11},   {ENAMETOOLONG, 63}, {ENOLCK, 77},      {ENOSYS, 78},    {ENOTEMPTY, 66},
@@ -35,8 +36,8 @@ int macErrorNumber(int number) {
     return number;
 }
 
-/// The Mac's own errno. What the C library left is taken over when it is asked for, so that both a library's
-/// error and what the code itself stores are seen.
+/// Returns the address of the `errno` of the Mac code. Converts and clears the `errno` of Linux if it is set,
+/// so that the Mac code sees both the errors of the C library and the values that the code stores itself.
 int* errorAddress() {
     static int gNumber = 0;
     if (errno != 0) gNumber = macErrorNumber(errno);
@@ -131,7 +132,8 @@ struct MacEntry {
     char name[1024];
 };
 
-/// The Mac numbers the kinds of entries as this system does.
+/// Returns the next entry in the Mac's structure.
+/// The kinds of entries have the same numbers on the Mac and on Linux.
 MacEntry* nextEntry(DIR* folder) {
     static MacEntry gEntry;
     const dirent* const found = readdir(folder);

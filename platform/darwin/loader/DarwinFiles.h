@@ -1,6 +1,8 @@
 #pragma once
 
-/// Calls of the C library whose records, error numbers or forms differ on the Mac.
+/// @file
+/// Implements the functions of the Mac's C library that differ from those of Linux in their structures, error
+/// numbers or symbol names.
 
 #include "DarwinCalls.h"
 
@@ -8,6 +10,7 @@
 
 namespace macplatform {
 
+/// Returns the functions by their Mac names.
 const std::vector<DarwinCall>& DarwinFileCalls();
 
 } // namespace macplatform

@@ -10,23 +10,23 @@ constexpr std::uint8_t kOperationBits = 0xF0, kOperandBits = 0x0F;
 constexpr std::uint8_t kPointerType = 1;
 
 [[noreturn]] void refuseOperation(const char* table, std::uint8_t byte) {
-    throw MachORefused("has an operation in its table of " + std::string(table) +
-                       " that is not handled: " + std::to_string(byte));
+    throw MachORefused("unsupported operation in the table of " + std::string(table) + ": " +
+                       std::to_string(byte));
 }
 
-/// Where the next pointer lies, as both tables tell it.
+/// The address of the next pointer. The operations of both tables move the cursor.
 class Cursor {
 public:
     explicit Cursor(const ImageFile& imageFile) : file(imageFile) {}
 
     void SetSegment(std::uint8_t number, std::uint32_t offset) {
-        if (number >= file.segments.size()) throw MachORefused("has a fix-up in a segment that is not there");
+        if (number >= file.segments.size()) throw MachORefused("a fix-up refers to a missing segment");
         address = file.segments[number].address + offset;
         isSet = true;
     }
     void Skip(std::uint32_t bytes) { address += bytes; }
     std::uint32_t Next() {
-        if (!isSet) throw MachORefused("has a fix-up without a place");
+        if (!isSet) throw MachORefused("a fix-up has no address");
         address += 4;
         return address - 4;
     }
@@ -50,33 +50,33 @@ public:
     }
 
 private:
-    /// False at the end of the table.
+    /// Executes one operation. Returns false at the end of the table.
     bool Do(std::uint8_t byte, std::uint8_t operand) {
         switch (byte & kOperationBits) {
         case 0x00:
             return false;
-        case 0x10:
+        case 0x10: // set the type
             if (operand != kPointerType) refuseOperation("rebases", byte);
             break;
-        case 0x20:
+        case 0x20: // set the segment and the offset
             cursor.SetSegment(operand, table.Uleb(place));
             break;
-        case 0x30:
+        case 0x30: // add to the address
             cursor.Skip(table.Uleb(place));
             break;
-        case 0x40:
+        case 0x40: // add a small number of pointers to the address
             cursor.Skip(operand * 4u);
             break;
-        case 0x50:
+        case 0x50: // rebase a small number of pointers
             Move(operand, 0);
             break;
-        case 0x60:
+        case 0x60: // rebase a number of pointers
             Move(table.Uleb(place), 0);
             break;
-        case 0x70:
+        case 0x70: // rebase a pointer, then add to the address
             Move(1, table.Uleb(place));
             break;
-        case 0x80: {
+        case 0x80: { // rebase a number of pointers, each followed by a gap
             const std::uint32_t count = table.Uleb(place);
             Move(count, table.Uleb(place));
             break;
@@ -117,28 +117,28 @@ public:
 private:
     void Do(std::uint8_t byte, std::uint8_t operand) {
         switch (byte & kOperationBits) {
-        case 0x00: // the end of one lazy bind, or filling behind the last
+        case 0x00: // the end of a lazy bind, or padding at the end of the table
             break;
-        case 0x10:
+        case 0x10: // set the library, a small number
             library = operand;
             break;
-        case 0x20:
+        case 0x20: // set the library
             library = table.Uleb(place);
             break;
-        case 0x40:
+        case 0x40: // set the name
             name = table.Text(place);
             place += static_cast<std::uint32_t>(name.size()) + 1;
             break;
-        case 0x50:
+        case 0x50: // set the type
             if (operand != kPointerType) refuseOperation("binds", byte);
             break;
-        case 0x60:
+        case 0x60: // set the addend
             addend = static_cast<std::uint32_t>(table.Sleb(place));
             break;
-        case 0x70:
+        case 0x70: // set the segment and the offset
             cursor.SetSegment(operand, table.Uleb(place));
             break;
-        case 0x80:
+        case 0x80: // add to the address
             cursor.Skip(table.Uleb(place));
             break;
         default:
@@ -148,16 +148,16 @@ private:
 
     void DoBind(std::uint8_t byte, std::uint8_t operand) {
         switch (byte & kOperationBits) {
-        case 0x90:
+        case 0x90: // bind a pointer
             Set(1, 0);
             break;
-        case 0xA0:
+        case 0xA0: // bind a pointer, then add to the address
             Set(1, table.Uleb(place));
             break;
-        case 0xB0:
+        case 0xB0: // bind a pointer, then add a small number of pointers to the address
             Set(1, operand * 4u);
             break;
-        case 0xC0: {
+        case 0xC0: { // bind a number of pointers, each followed by a gap
             const std::uint32_t count = table.Uleb(place);
             Set(count, table.Uleb(place));
             break;
@@ -169,7 +169,7 @@ private:
 
     void Set(std::uint32_t count, std::uint32_t skip) {
         if (library == 0 || library > file.libraries)
-            throw MachORefused("imports " + std::string(name) + " of no library");
+            throw MachORefused("the import " + std::string(name) + " names no library of the file");
         const std::uint32_t value = find(std::string(name)) + addend;
         for (; count > 0; --count) {
             memory.SetWord(cursor.Next(), value);
@@ -188,7 +188,8 @@ private:
     std::uint32_t addend = 0;
 };
 
-/// Takes the branch of the export trie on which `left` goes on, and takes the text on it off `left`.
+/// Follows the branch of the export trie whose text is a prefix of `left`, and removes that prefix from
+/// `left`. Returns the offset of the next node, or no value if no branch matches.
 std::optional<std::uint32_t> nextNode(const ByteView& trie, std::uint32_t branches, std::string_view& left) {
     std::uint32_t place = branches;
     for (unsigned count = trie.U8(place++); count > 0; --count) {
@@ -224,7 +225,7 @@ std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string
         } else if (size == 0) {
             break;
         } else if (trie.Uleb(place) != 0) {
-            throw MachORefused("exports " + name + " in a way that is not handled");
+            throw MachORefused("unsupported kind of the export " + name);
         } else {
             return file.start + trie.Uleb(place);
         }

@@ -11,7 +11,8 @@ constexpr std::uint32_t kPageSize = 4096;
 constexpr std::uint32_t kLargestImage = 256u << 20;
 constexpr std::uint32_t kIntel32 = 7, kBundleFile = 8, kMagic32 = 0xFEEDFACE;
 
-// Load commands. One with the top bit must be understood; any other may be passed over.
+// Load commands. A reader must reject an unknown command with the top bit,
+// and may skip any other unknown command.
 constexpr std::uint32_t kSegmentCommand = 1, kLoadLibrary = 12, kLoadWeakLibrary = 0x80000018,
                         kReexportLibrary = 0x8000001F, kDyldInfo = 0x22, kDyldInfoOnly = 0x80000022,
                         kMustBeUnderstood = 0x80000000;
@@ -20,7 +21,7 @@ std::uint32_t bigEndian(const ByteView& bytes, std::uint32_t place) {
     return __builtin_bswap32(bytes.U32(place));
 }
 
-/// The part for this processor, of a universal file.
+/// Returns the 32-bit Intel part of a universal file, or all bytes of any other file.
 std::string_view thinPart(std::string_view bytes) {
     const ByteView file(bytes);
     if (bytes.size() < 8 || bigEndian(file, 0) != 0xCAFEBABE) return bytes;
@@ -28,7 +29,7 @@ std::string_view thinPart(std::string_view bytes) {
         if (bigEndian(file, 8 + 20 * i) != kIntel32) continue;
         return file.Part(bigEndian(file, 16 + 20 * i), bigEndian(file, 20 + 20 * i));
     }
-    throw MachOForOthers("has no code for 32-bit Intel");
+    throw MachOForOthers("the file has no code for 32-bit Intel");
 }
 
 std::string nameAt(const ByteView& bytes, std::uint32_t place) {
@@ -42,16 +43,16 @@ public:
 
     ImageFile Read() {
         if (file.Size() < 28 || file.U32(0) != kMagic32 || file.U32(4) != kIntel32)
-            throw MachOForOthers("is not for 32-bit Intel");
-        if (file.U32(12) != kBundleFile) throw MachORefused("is no loadable bundle");
+            throw MachOForOthers("not a Mach-O file for 32-bit Intel");
+        if (file.U32(12) != kBundleFile) throw MachORefused("not a loadable bundle");
         std::uint32_t place = 28;
         for (std::uint32_t left = file.U32(16); left > 0; --left) {
             const std::uint32_t size = file.U32(place + 4);
-            if (size < 8) throw MachORefused("has a load command without a size");
+            if (size < 8) throw MachORefused("a load command has no valid size");
             ReadCommand(place, ByteView(file.Part(place, size)));
             place += size;
         }
-        if (!hasTables) throw MachORefused("was linked for a system before 10.6");
+        if (!hasTables) throw MachORefused("the file was linked for a system before 10.6");
         CheckSegments();
         return std::move(image);
     }
@@ -66,8 +67,8 @@ private:
         } else if (kind == kDyldInfo || kind == kDyldInfoOnly) {
             ReadTables(command);
         } else if (kind & kMustBeUnderstood) {
-            throw MachORefused("has the load command " + std::to_string(kind & ~kMustBeUnderstood) + " at " +
-                               std::to_string(place) + ", which is not handled");
+            throw MachORefused("unsupported load command " + std::to_string(kind & ~kMustBeUnderstood) +
+                               " at offset " + std::to_string(place));
         }
     }
 
@@ -76,7 +77,7 @@ private:
                         file.Part(command.U32(32), command.U32(36)), command.U32(44)};
         if (segment.contents.size() > segment.size || segment.size > kLargestImage ||
             segment.address % kPageSize != 0 || segment.size % kPageSize != 0) {
-            throw MachORefused("has a segment " + segment.name + " of impossible size or place");
+            throw MachORefused("the segment " + segment.name + " has an invalid size or address");
         }
         for (std::uint32_t i = 0; i < command.U32(48); ++i) {
             const std::uint32_t at = 56 + 68 * i;
@@ -84,7 +85,7 @@ private:
                                  command.U32(at + 36), command.U32(at + 56) & 0xFF};
             if (section.address < segment.address || section.size > segment.size ||
                 section.address - segment.address > segment.size - section.size) {
-                throw MachORefused("has a section " + section.name + " outside of its segment");
+                throw MachORefused("the section " + section.name + " is outside its segment");
             }
             image.sections.push_back(std::move(section));
         }
@@ -95,23 +96,25 @@ private:
         const auto table = [&](std::uint32_t at) { return file.Part(command.U32(at), command.U32(at + 4)); };
         image.rebases = table(8);
         image.binds = table(16);
-        if (command.U32(28) != 0) throw MachORefused("shares definitions with other images");
+        if (command.U32(28) != 0)
+            throw MachORefused("unsupported weak binds: the file shares definitions with other images");
         image.lazyBinds = table(32);
         image.exports = table(40);
         hasTables = true;
     }
 
     void CheckSegments() {
-        if (image.segments.empty()) throw MachORefused("has no segments");
+        if (image.segments.empty()) throw MachORefused("the file has no segments");
         std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges;
         for (const Segment& segment : image.segments) {
             ranges.emplace_back(segment.address, std::uint64_t{segment.address} + segment.size);
         }
         std::sort(ranges.begin(), ranges.end());
         for (std::size_t i = 1; i < ranges.size(); ++i) {
-            if (ranges[i].first < ranges[i - 1].second) throw MachORefused("has segments that overlap");
+            if (ranges[i].first < ranges[i - 1].second) throw MachORefused("the segments overlap");
         }
-        if (ranges.back().second - ranges.front().first > kLargestImage) throw MachORefused("is too large");
+        if (ranges.back().second - ranges.front().first > kLargestImage)
+            throw MachORefused("the segments need more than 256 MiB of memory");
         image.start = static_cast<std::uint32_t>(ranges.front().first);
         image.end = static_cast<std::uint32_t>(ranges.back().second);
     }
@@ -124,7 +127,8 @@ private:
 } // namespace
 
 std::string_view ByteView::Part(std::uint32_t place, std::uint32_t size) const {
-    if (place > bytes.size() || bytes.size() - place < size) throw MachORefused("is cut off or damaged");
+    if (place > bytes.size() || bytes.size() - place < size)
+        throw MachORefused("the file is truncated or damaged");
     return bytes.substr(place, size);
 }
 
@@ -137,7 +141,7 @@ std::uint32_t ByteView::U32(std::uint32_t place) const {
 std::string_view ByteView::Text(std::uint32_t place) const {
     const std::string_view rest = Part(place, Size() - std::min(place, Size()));
     const std::size_t end = rest.find('\0');
-    if (end == std::string_view::npos) throw MachORefused("has a name without an end");
+    if (end == std::string_view::npos) throw MachORefused("a name has no end");
     return rest.substr(0, end);
 }
 

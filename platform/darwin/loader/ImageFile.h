@@ -1,7 +1,8 @@
 #pragma once
 
-/// What an executable's load commands say, checked: every place that is told here lies inside of the file, or
-/// of the memory that the segments take.
+/// @file
+/// Reads and checks the load commands of a Mach-O file. Every range in the result is inside the file, or
+/// inside the memory of the segments.
 
 #include <cstdint>
 #include <stdexcept>
@@ -11,25 +12,26 @@
 
 namespace macplatform {
 
-/// The file is not understood; `what()` completes "the file ...".
+/// Thrown for a file that is damaged or not supported. `what()` describes the fault without the path.
 struct MachORefused : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
+/// Thrown for a file that has no code for 32-bit Intel.
 struct MachOForOthers : MachORefused {
     using MachORefused::MachORefused;
 };
 
-/// Bytes of a file or of memory; reading beyond them is refused.
+/// Bytes of a file or of memory, not owned. Reading outside the bytes throws MachORefused.
 class ByteView {
 public:
     explicit ByteView(std::string_view part) : bytes(part) {}
 
     std::uint32_t Size() const { return static_cast<std::uint32_t>(bytes.size()); }
     std::uint8_t U8(std::uint32_t place) const { return static_cast<std::uint8_t>(Part(place, 1)[0]); }
-    std::uint32_t U32(std::uint32_t place) const;
+    std::uint32_t U32(std::uint32_t place) const; ///< Little-endian.
     std::string_view Part(std::uint32_t place, std::uint32_t size) const;
-    std::string_view Text(std::uint32_t place) const; ///< Up to the byte 0.
-    /// Numbers of seven bits a byte; each moves `place` behind itself.
+    std::string_view Text(std::uint32_t place) const; ///< The string up to the next NUL.
+    /// Decode a LEB128 number (unsigned or signed) and move `place` to the byte after the number.
     std::uint32_t Uleb(std::uint32_t& place) const;
     std::int32_t Sleb(std::uint32_t& place) const;
 
@@ -37,31 +39,35 @@ private:
     std::string_view bytes;
 };
 
+/// A segment: a part of the file that the loader maps to memory as a whole.
 struct Segment {
     std::string name;
     std::uint32_t address = 0;
-    std::uint32_t size = 0;       ///< In memory; a whole number of pages.
-    std::string_view contents;    ///< What the file has of it; the rest is zero.
-    std::uint32_t protection = 0; ///< 1 read, 2 write, 4 run.
+    std::uint32_t size = 0;       ///< The size in memory: a whole number of pages.
+    std::string_view contents;    ///< The first bytes of the segment, from the file. The rest is zero.
+    std::uint32_t protection = 0; ///< A sum of 1 (read), 2 (write) and 4 (execute).
 };
 
+/// A section: a named part of a segment.
 struct ImageSection {
     std::string segment;
     std::string name;
     std::uint32_t address = 0;
     std::uint32_t size = 0;
-    std::uint32_t type = 0;
+    std::uint32_t type = 0; ///< The type of the Mach-O section: 9 for pointers to initialisers, for instance.
 };
 
+/// The parts of a Mach-O file that the loader needs.
 struct ImageFile {
-    std::vector<Segment> segments; ///< In the order that the loader's tables number them in.
+    std::vector<Segment> segments; ///< In the order of the file. The loader's tables use their numbers.
     std::vector<ImageSection> sections;
     std::string_view rebases, binds, lazyBinds, exports; ///< The loader's tables.
-    std::uint32_t libraries = 0;
-    std::uint32_t start = 0, end = 0; ///< The addresses that the segments take.
+    std::uint32_t libraries = 0;                         ///< The number of libraries that the file loads.
+    std::uint32_t start = 0, end = 0;                    ///< The address range of the segments.
 };
 
-/// A thin file, or the 32-bit Intel part of a universal one. The result points into `bytes`.
+/// Reads a thin file, or the 32-bit Intel part of a universal file. The result refers to `bytes`, which must
+/// outlive the result. Throws MachORefused.
 ImageFile ReadImageFile(std::string_view bytes);
 
 } // namespace macplatform

@@ -1,26 +1,25 @@
 #pragma once
 
-/// An image's segments in memory.
-
 #include "ImageFile.h"
 
 namespace macplatform {
 
-/// Room for the segments at their distances from one another, filled from the file, writable until `Protect`.
-/// It is never given back.
+/// The segments of an image in memory, filled from the file. The segments have the same distances as in the
+/// file. The memory is writable until `Protect`, and is never unmapped. The functions throw MachORefused.
 class ImageMemory {
 public:
     explicit ImageMemory(const ImageFile& file);
 
-    /// What must be added to an address of the file.
+    /// Returns the difference between an address in memory and the address in the file.
     std::uint32_t Slide() const { return slide; }
-    /// Four bytes at an address of the file; refused outside of a segment.
+    /// Return or set the four bytes at an address of the file, which must be inside a segment.
     std::uint32_t Word(std::uint32_t address) const;
     void SetWord(std::uint32_t address, std::uint32_t value);
-    /// A section's bytes.
+    /// Returns the bytes of a section.
     std::string_view Bytes(const ImageSection& section) const;
-    /// Where an address of the file lies now.
+    /// Returns the memory of an address of the file. The address is not checked.
     char* At(std::uint32_t address) const { return capacity + (address - image.start); }
+    /// Gives each segment the protection that the file requests.
     void Protect() const;
 
 private:

@@ -12,7 +12,8 @@
 #include <unistd.h>
 #include <utility>
 
-/// The unwinder's own, without a header: entries up to one of length 0, which must stay where they are.
+/// Registers unwind entries, which end with an entry of length 0 and must stay at their address. The unwinder
+/// exports the function, but no header declares it.
 extern "C" void __register_frame(void* entries);
 
 namespace macplatform {
@@ -30,10 +31,11 @@ public:
         const auto find = [this](const std::string& name) { return FindImport(name); };
         Bind(file, file.binds, memory, find);
         Bind(file, file.lazyBinds, memory, find);
-        if (!missing.empty()) throw MachORefused("imports what is not here: " + missing);
+        if (!missing.empty()) throw MachORefused("unsupported imports: " + missing);
     }
 
-    /// The code's own part: from here on it cannot be taken back.
+    /// Protects the memory, registers the unwind entries and runs the initialisers.
+    /// The code must stay mapped afterwards.
     void Start() {
         memory.Protect();
         for (const ImageSection& section : file.sections) {
@@ -59,7 +61,7 @@ private:
     void RegisterUnwinding(const ImageSection& section) {
         const std::string_view entries = memory.Bytes(section);
         auto* const copy = static_cast<char*>(std::malloc(entries.size() + 4));
-        if (!copy) throw MachORefused("finds no memory");
+        if (!copy) throw MachORefused("out of memory");
         const std::string translated = UnwindEntriesFor(entries, copy);
         std::copy(translated.begin(), translated.end(), copy);
         __register_frame(copy);
@@ -94,10 +96,10 @@ MachOCode* LoadMachO(const std::string& path, BundleFailure& failure) try {
     code->Start();
     return code.release();
 } catch (const MachOForOthers& refusal) {
-    failure = {BundleFault::kWrongArchitecture, path + ' ' + refusal.what()};
+    failure = {BundleFault::kWrongArchitecture, path + ": " + refusal.what()};
     return nullptr;
 } catch (const MachORefused& refusal) {
-    failure = {BundleFault::kCannotLoad, path + ' ' + refusal.what()};
+    failure = {BundleFault::kCannotLoad, path + ": " + refusal.what()};
     return nullptr;
 }
 

@@ -1,12 +1,15 @@
 #pragma once
 
-/// Runs the Mac's 32-bit Intel code in a 32-bit process of this system.
+/// @file
+/// Runs the Mac's 32-bit Intel code in a 32-bit process on Linux.
 ///
-/// A bundle's executable is mapped, its imports are bound to the platform layer and to the C library, its
-/// unwind entries registered and its initialisers called. What is not understood is refused: the code was
-/// linked for a system before 10.6, shares C++ definitions with other images, or imports what is not here.
-/// The code runs with the process's own rights; whoever loads it does so in a child process with a time
-/// limit.
+/// The loader maps the executable of a bundle, binds its imports to the platform layer and to the C library,
+/// registers its unwind entries and calls its initialisers. The loader rejects a file that is not supported:
+/// a file that was linked for a system before 10.6, that shares C++ definitions with other images, or that
+/// imports a function which the platform does not have.
+///
+/// The code runs with the rights of the process. Callers should therefore load the code in a child process
+/// with a time limit.
 
 #include <macplatform/Bundles.h>
 
@@ -14,10 +17,12 @@
 
 namespace macplatform {
 
+/// The loaded code of a bundle.
 class MachOCode {
 public:
     virtual ~MachOCode() = default;
-    /// The address of an export, named without its underscore; null when there is none.
+    /// Returns the address of an export by its name without the leading underscore,
+    /// or null if there is no such export.
     virtual void* Symbol(const std::string& name) const = 0;
 
 protected:
@@ -26,11 +31,11 @@ protected:
     MachOCode& operator=(const MachOCode&) = delete;
 };
 
-/// Whether this build can: 32-bit x86 only.
+/// Returns whether this build can run Mac code: only builds for 32-bit x86 can.
 bool CanRunMachO();
 
-/// Null, with the failure, when the file is refused. The code stays mapped for ever, as its functions may be
-/// registered anywhere.
+/// Loads the executable of a bundle. Returns null and sets `failure` if the file is rejected. The code is
+/// never unmapped, because other code may keep pointers to its functions.
 MachOCode* LoadMachO(const std::string& path, BundleFailure& failure);
 
 } // namespace macplatform

@@ -1,4 +1,4 @@
-// On processors other than 32-bit x86.
+// Replaces MachOLoader.cpp in builds for processors other than 32-bit x86.
 
 #include "MachOLoader.h"
 
@@ -8,7 +8,7 @@ bool CanRunMachO() { return false; }
 
 MachOCode* LoadMachO(const std::string& path, BundleFailure& failure) {
     failure = {BundleFault::kWrongArchitecture,
-               path + " is for the Mac; the 32-bit build of this tool runs such code"};
+               path + ": code for the Mac; use the 32-bit build of this tool to run it"};
     return nullptr;
 }
 

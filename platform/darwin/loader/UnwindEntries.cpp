@@ -11,10 +11,10 @@ namespace {
 
 constexpr std::uint8_t kRelativeAddress = 0x10, kRelativeIndirect = 0x9B;
 
-/// What the functions of one common entry have.
+/// The properties of the function entries that refer to one common entry.
 struct CommonEntry {
-    bool hasData = false;         ///< A length and data behind the addresses.
-    bool hasLanguageData = false; ///< A pointer first among that.
+    bool hasData = false;         ///< A length and augmentation data follow the addresses.
+    bool hasLanguageData = false; ///< The augmentation data begins with a pointer to language data.
 };
 
 class Translator {
@@ -29,7 +29,8 @@ public:
         while (place < bytes.size()) {
             const std::uint32_t length = View().U32(place);
             if (length == 0) break;
-            View().Part(place, length + 4); // and so far less than 4 GiB
+            View().Part(place,
+                        length + 4); // Throws if the entry exceeds the section, so the sum cannot overflow.
             TranslateEntry(place, place + 4 + length);
             place += 4 + length;
         }
@@ -49,7 +50,7 @@ private:
             return;
         }
         const auto found = commons.find(start + 4 - common);
-        if (found == commons.end()) throw MachORefused("has an unwind entry without a common one");
+        if (found == commons.end()) throw MachORefused("an unwind entry has no common entry");
         ShiftPointer(start + 8);
         std::uint32_t place = start + 16;
         if (found->second.hasData) {
@@ -60,18 +61,17 @@ private:
         TranslateInstructions(place, end);
     }
 
-    /// Leaves `place` at the instructions.
+    /// Translates a common entry up to its instructions, and moves `place` to the instructions.
     CommonEntry TranslateCommon(std::uint32_t& place) {
         CommonEntry common;
-        if (View().U8(place++) != 1)
-            throw MachORefused("has unwind entries of a version that is not handled");
+        if (View().U8(place++) != 1) throw MachORefused("unsupported version of an unwind entry");
         const std::string letters(View().Text(place));
         place += static_cast<std::uint32_t>(letters.size()) + 1;
         View().Uleb(place); // code alignment
         View().Sleb(place); // data alignment
-        View().U8(place++); // where the return address is kept
+        View().U8(place++); // return address register
         if (letters.empty()) return common;
-        if (letters[0] != 'z') throw MachORefused("has unwind entries of a form that is not handled");
+        if (letters[0] != 'z') throw MachORefused("unsupported augmentation of an unwind entry: " + letters);
         common.hasData = true;
         const std::uint32_t size = View().Uleb(place);
         const std::uint32_t instructions = place + size;
@@ -80,7 +80,7 @@ private:
             const bool isKnown = letter == 'P'
                                      ? encoding == kRelativeIndirect
                                      : (letter == 'L' || letter == 'R') && encoding == kRelativeAddress;
-            if (!isKnown) throw MachORefused("has unwind entries with pointers that are not handled");
+            if (!isKnown) throw MachORefused("unsupported pointers in an unwind entry");
             if (letter == 'L') common.hasLanguageData = true;
             if (letter != 'P') continue;
             ShiftPointer(place);
@@ -106,10 +106,10 @@ private:
             const std::uint8_t byte = View().U8(place++);
             const std::uint8_t operand = byte & 0x3F;
             switch (byte >> 6) {
-            case 1: // advance the place
+            case 1: // advance the location
                 break;
-            case 2: // a register is kept at an offset
-            case 3: // a register is as at the start
+            case 2: // a register is saved at an offset
+            case 3: // a register is restored to its initial rule
                 if (operand == 4 || operand == 5) bytes[place - 1] = static_cast<char>(byte ^ 1);
                 if (byte >> 6 == 2) View().Uleb(place);
                 break;
@@ -121,11 +121,11 @@ private:
 
     void TranslateExtended(std::uint8_t byte, std::uint32_t& place) {
         switch (byte) {
-        case 0x00: // filling
+        case 0x00: // padding
         case 0x0A: // remember the state
-        case 0x0B: // restore it
+        case 0x0B: // restore the state
             break;
-        case 0x02: // advance the place by 1, 2 or 4 bytes
+        case 0x02: // advance the location by a number of 1, 2 or 4 bytes
         case 0x03:
         case 0x04:
             place += 1u << (byte - 2);
@@ -153,7 +153,7 @@ private:
             View().Uleb(place);
             break;
         default:
-            throw MachORefused("has an unwind instruction that is not handled: " + std::to_string(byte));
+            throw MachORefused("unsupported unwind instruction: " + std::to_string(byte));
         }
     }
 

@@ -1,4 +1,4 @@
-// The plug-in's executable for the Mac, run beside that for this system: the same calls, the same effects.
+// Runs the Mac executable of the plug-in and the Linux executable, and compares their calls and effects.
 
 #include "support/HostTool.h"
 
@@ -17,7 +17,7 @@ namespace {
 
 const std::string kStatusFile = "Library/Application Support/Korvane/Updater/install_status.txt";
 
-/// What lies on a volume: bytes and Finder information by path.
+/// Returns the contents of a volume: the Finder information and the bytes of each item, by path.
 std::map<std::string, std::string> contentsOf(const std::filesystem::path& volume) {
     std::map<std::string, std::string> items;
     for (const auto& item : std::filesystem::recursive_directory_iterator(volume)) {
@@ -36,9 +36,10 @@ struct Row {
     std::function<void(const std::filesystem::path& volume)> prepare;
 };
 
-/// It is there, but cannot be read: the library throws, and the plug-in catches.
+/// A directory at the path of the status file. The library throws because it cannot read the file, and the
+/// plug-in catches the exception.
 Row statusIsAFolder() {
-    return {"StatusIsAFolder", {"--product", "3100"}, [](const std::filesystem::path& volume) {
+    return {"StatusIsADirectory", {"--product", "3100"}, [](const std::filesystem::path& volume) {
                 std::filesystem::remove(volume / kStatusFile);
                 std::filesystem::create_directory(volume / kStatusFile);
             }};
@@ -67,7 +68,7 @@ std::vector<Row> makeRows() {
         return [item](const std::filesystem::path& volume) { std::filesystem::remove_all(volume / item); };
     };
     rows.push_back({"StatusMissing", {"--product", "3100"}, remove(kStatusFile.c_str())});
-    rows.push_back({"FolderMissing", {"--product", "3100"}, remove("Applications/Korvane")});
+    rows.push_back({"DirectoryMissing", {"--product", "3100"}, remove("Applications/Korvane")});
     rows.push_back({"IconMissing", {"--product", "3100"}, remove("Applications/Korvane/Icon\r")});
     rows.push_back(statusIsAFolder());
     rows.push_back({"WrongSelector", {"--product", "4900", "--selector", "7"}, {}});
@@ -76,7 +77,7 @@ std::vector<Row> makeRows() {
     return rows;
 }
 
-/// What a run reported and left behind, without the paths.
+/// Returns the report of a run, its messages, and the contents of its volume, without the path of the volume.
 json effectsOf(const Row& row, const std::vector<std::string>& which) {
     const TemporaryFolder folder;
     const std::filesystem::path volume = folder / "volume";
@@ -91,15 +92,15 @@ json effectsOf(const Row& row, const std::vector<std::string>& which) {
     if (report.is_object()) report.erase("volume");
     std::string left;
     for (const auto& [path, content] : contentsOf(volume)) left += path + '\0' + content + '\0';
-    return {{"report", report}, {"noted", tool.err}, {"left", json::binary({left.begin(), left.end()})}};
+    return {{"report", report}, {"messages", tool.err}, {"volume", json::binary({left.begin(), left.end()})}};
 }
 
 class BothExecutables : public testing::TestWithParam<Row> {};
 
-TEST_P(BothExecutables, DoTheSame) {
+TEST_P(BothExecutables, HaveTheSameEffects) {
     const json own = effectsOf(GetParam(), {});
     const json mac = effectsOf(GetParam(), {"--mac"});
-    ASSERT_EQ(mac["report"]["end"]["kind"], "finished") << mac["noted"];
+    ASSERT_EQ(mac["report"]["end"]["kind"], "finished") << mac["messages"];
     EXPECT_EQ(mac, own);
 }
 
@@ -112,7 +113,8 @@ TEST(MacExecutable, CatchesAnExceptionOfItsOwn) {
                 HasSubstr("Attempt to read 4096 bytes, only read 0 bytes"));
 }
 
-/// Runs a copy of the bundle whose executable for the Mac was changed.
+/// Runs a copy of the bundle with a changed Mac executable. The copy has the Linux executable only if
+/// `hasOther` is true.
 HostTool runChanged(const std::function<void(std::string& bytes)>& change, bool hasOther = true) {
     const std::filesystem::path whole = POSTINSTALL_BUNDLE;
     const TemporaryFolder folder;
@@ -129,26 +131,27 @@ HostTool runChanged(const std::function<void(std::string& bytes)>& change, bool 
     return RunHost(arguments);
 }
 
+/// Replaces the bytes of the last occurrence.
 void replace(std::string& bytes, const std::string& from, const std::string& to) {
     const std::size_t place = bytes.rfind(from);
     ASSERT_NE(place, std::string::npos);
     bytes.replace(place, to.size(), to);
 }
 
-/// In both tables that name it.
+/// Renames a symbol in both tables that contain its name.
 void renameSymbol(std::string& bytes, const std::string& from, const std::string& to) {
     for (std::size_t place = 0; (place = bytes.find(from, place)) != std::string::npos; ++place) {
         bytes.replace(place, to.size(), to);
     }
 }
 
-TEST(MacExecutable, KeepsThePlugInContract) {
+TEST(MacExecutable, FollowsThePlugInContract) {
     const HostTool tool = RunHost({"validate", POSTINSTALL_BUNDLE, "--mac"});
     EXPECT_EQ(tool.ExitStatus(), 0) << tool.out << tool.err;
     EXPECT_THAT(tool.Verdict(), testing::StartsWith("PASS "));
 }
 
-TEST(MacExecutable, IsReportedWhenItFails) {
+TEST(MacExecutable, HasItsFailuresReported) {
     const TemporaryFolder folder;
     folder.Write("Throwing.bundle/Contents/Info.plist",
                  ReadBytes(std::string(POSTINSTALL_BUNDLE) + "/Contents/Info.plist"));
@@ -156,7 +159,7 @@ TEST(MacExecutable, IsReportedWhenItFails) {
     const auto verdict = [&](const char* product) {
         return RunHost({"run", (folder / "Throwing.bundle").string(), "--product", product}).Verdict();
     };
-    EXPECT_EQ(verdict("0"), "DONE 0 changes") << "an initialiser has not run";
+    EXPECT_EQ(verdict("0"), "DONE 0 changes") << "an initialiser did not run";
     EXPECT_THAT(verdict("1"), HasSubstr("exception std::runtime_error escaped from XCodMain("));
     EXPECT_THAT(verdict("2"), HasSubstr("exception int escaped from XCodMain("));
     EXPECT_THAT(verdict("3"), HasSubstr("exception std::out_of_range escaped from XCodMain("));
@@ -166,11 +169,11 @@ TEST(MacExecutable, IsReportedWhenItFails) {
     EXPECT_THAT(checked.out, HasSubstr("Throwing.bundle --mac --include steps."));
 }
 
-TEST(MacExecutable, IsTheOneThatRunsWhereThereIsNoOther) {
+TEST(MacExecutable, RunsIfThereIsNoLinuxExecutable) {
     EXPECT_EQ(runChanged([](std::string&) {}, false).Verdict(), "DONE 5 changes");
 }
 
-TEST(MacExecutable, IsRefusedWithTheReason) {
+TEST(MacExecutable, IsRejectedWithTheReasonIfDamaged) {
     struct Refused {
         std::function<void(std::string& bytes)> change;
         std::string report;
@@ -180,21 +183,22 @@ TEST(MacExecutable, IsRefusedWithTheReason) {
     };
     const std::string tables = word(0x80000022) + word(48);
     const std::vector<Refused> rows = {
-        {[](auto& bytes) { bytes[4] = 18; }, "is not for 32-bit Intel"},
-        {[](auto& bytes) { bytes[12] = 2; }, "is no loadable bundle"},
-        {[](auto& bytes) { bytes.resize(bytes.size() / 2); }, "is cut off or damaged"},
-        {[](auto& bytes) { bytes.resize(100); }, "is cut off or damaged"},
-        {[](auto& bytes) { renameSymbol(bytes, "_NewPtr", "_NewPtx"); }, "imports what is not here: _NewPtx"},
+        {[](auto& bytes) { bytes[4] = 18; }, "not a Mach-O file for 32-bit Intel"},
+        {[](auto& bytes) { bytes[12] = 2; }, "not a loadable bundle"},
+        {[](auto& bytes) { bytes.resize(bytes.size() / 2); }, "the file is truncated or damaged"},
+        {[](auto& bytes) { bytes.resize(100); }, "the file is truncated or damaged"},
+        {[](auto& bytes) { renameSymbol(bytes, "_NewPtr", "_NewPtx"); }, "unsupported imports: _NewPtx"},
         {[&](auto& bytes) { replace(bytes, tables, word(0x22 | 0x10)); },
          "was linked for a system before 10.6"},
-        {[&](auto& bytes) { replace(bytes, tables, word(0x80000099)); }, "which is not handled"},
+        {[&](auto& bytes) { replace(bytes, tables, word(0x80000099)); }, "unsupported load command"},
         {[](auto& bytes) { replace(bytes, std::string("\x51\x13\x40_", 4), "\x51\x1F\x40_"); },
-         "of no library"},
-        {[](auto& bytes) { replace(bytes, std::string("\x51\x13\x40_", 4), "\x52"); }, "is not handled: 82"},
+         "names no library of the file"},
+        {[](auto& bytes) { replace(bytes, std::string("\x51\x13\x40_", 4), "\x52"); },
+         "unsupported operation in the table of binds: 82"},
         {[](auto& bytes) { replace(bytes, std::string("\x11\x21", 2), "\x11\x2F"); },
-         "in a segment that is not there"},
+         "a fix-up refers to a missing segment"},
         {[](auto& bytes) { replace(bytes, std::string("zPLR\0", 5), "zQLR"); },
-         "pointers that are not handled"},
+         "unsupported pointers in an unwind entry"},
     };
     for (const Refused& row : rows) {
         SCOPED_TRACE(row.report);

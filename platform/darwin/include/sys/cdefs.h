@@ -1,9 +1,10 @@
 #pragma once
 
-/// How the Mac's C headers declare: C linkage, and names that carry the form of a call.
+/// @file
+/// Macros for the declarations of the Mac's C library: C linkage, and the symbol name of a function.
 ///
-/// A call whose behaviour or record changed keeps its old form under the plain name; programs for 10.5 and
-/// later are given the new one by a suffix.
+/// A function whose behaviour or structures have changed has several symbols. The symbol without a suffix is
+/// the old version. Programs for 10.5 and later use the symbol with a suffix.
 
 #ifdef __cplusplus
 #define __BEGIN_DECLS extern "C" {

@@ -3,7 +3,7 @@
 #include <sys/cdefs.h>
 #include <sys/types.h>
 
-/// 2168 bytes: the form with inode numbers of 64 bits.
+/// The version with 64-bit inode numbers: 2168 bytes.
 struct statfs {
     uint32_t f_bsize;
     int32_t f_iosize;

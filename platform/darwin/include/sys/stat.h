@@ -4,7 +4,7 @@
 #include <sys/types.h>
 #include <time.h>
 
-/// 108 bytes: the form with inode numbers of 64 bits.
+/// The version with 64-bit inode numbers: 108 bytes.
 struct stat {
     dev_t st_dev;
     mode_t st_mode;

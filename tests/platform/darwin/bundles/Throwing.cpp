@@ -1,4 +1,4 @@
-// A plug-in for the Mac that lets out of its calls what the product code orders.
+// A plug-in for the Mac whose calls fail. The product code selects the exception or the crash.
 
 #include "../../../support/PlugInFunctions.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-CFStringRef gMadeByAnInitialiser = CFSTR("made before the first call");
+CFStringRef gMadeByAnInitialiser = CFSTR("created before the first call");
 
 void deliver(char* block) {
     std::int32_t fault = 0;

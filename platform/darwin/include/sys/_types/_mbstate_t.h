@@ -1,6 +1,7 @@
 #pragma once
 
-/// The state of a conversion to wide text; where the C++ library looks for it when it is built without such.
+/// The state of a conversion to wide characters.
+/// The C++ library includes this header if it is built without wide characters.
 typedef struct {
     char bytes[128];
 } mbstate_t;
