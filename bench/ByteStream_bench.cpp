@@ -1,4 +1,5 @@
-// Records of nine numbers and a text, numbers alone, and blocks, written to memory and read back.
+// Benchmarks of byte streams in memory: writes and reads records of nine numbers and a string, integers,
+// and blocks.
 
 #include <Kelbase/Util/ByteStream.h>
 
@@ -31,11 +32,11 @@ constexpr std::uint32_t kRecords = 100000;
 constexpr double kValues = kRecords * 10.0;
 constexpr std::uint32_t kInts = 1000000;
 
-// Written out in each contender's own loop, as a user's program would have it: a function of its own for all
-// would hide from the compiler which stream it is.
+// Inlines a function into the loop of each implementation. A user's program has such a loop of its own. In a
+// shared function, the compiler would not know the type of the stream.
 #define IN_PLACE [[gnu::always_inline]] inline
 
-/// Hands the ten values of record `i` to `put`, one after the other.
+/// Passes the ten values of record `i` to `put`, one value per call.
 template <typename Text, typename Put>
 IN_PLACE void writeRecord(std::uint32_t i, const Text& text, Put&& put) {
     const std::int32_t n = static_cast<std::int32_t>(i);
@@ -55,7 +56,7 @@ std::size_t lengthOf(const String& s) { return s.GetLength(); }
 std::size_t lengthOf(const QByteArray& s) { return static_cast<std::size_t>(s.size()); }
 #endif
 
-/// Takes all records by `get` and answers the sum of their values.
+/// Reads all records with `get` and returns the sum of their values.
 template <typename Text, typename Get>
 IN_PLACE double sumOfRecords(Get&& get) {
     std::uint8_t a = 0;
@@ -75,7 +76,7 @@ IN_PLACE double sumOfRecords(Get&& get) {
     return static_cast<double>(whole) + broken;
 }
 
-/// A stream that holds all records, ready to be read.
+/// Writes all records to the stream and sets its position to the start.
 IN_PLACE void fill(ByteStream& stream, DataStream::EndianType order) {
     stream.SetEndianType(order);
     writeRecords<String>([&stream](const auto& v) { stream << v; });
@@ -211,7 +212,7 @@ void enterRecords(const std::string& suffix, bool little) {
 #endif
 }
 
-/// Through the abstract interface: a virtual call for every value.
+/// Writes and reads through the abstract interface, with a virtual call for each value.
 void enterAbstract() {
     Comparison writing("write_le_abstract", kValues), reading("read_le_abstract", kValues);
     writing.Add("ours", [] {

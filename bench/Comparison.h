@@ -1,13 +1,14 @@
 #pragma once
 
-/// One job, done by the library and by what a user would take instead, in one program.
+/// @file
+/// Times one job with the library and with the alternatives that a user has, in one program.
 ///
 ///     Comparison("concat_3")
 ///         .Add("ours", [] { return Opaque(folder) + "/" + file; })
 ///         .Add("std", [] { return Opaque(folderStd) + "/" + fileStd; });
 ///
-/// Each entry is a benchmark "job/who". The first entry's result is taken for right: an entry with another
-/// result is timed too, and labelled "differs", so that the table can say so.
+/// Each implementation is a benchmark "job/who". The result of the first implementation is the expected one.
+/// An implementation with another result is timed too, and has the label "differs", which the table shows.
 
 #include <benchmark/benchmark.h>
 
@@ -28,14 +29,14 @@
 
 namespace comparison {
 
-/// The same object, of which the compiler no longer knows what it holds.
+/// Returns the object, and hides its value from the compiler's optimiser.
 template <typename T>
 T& Opaque(T& object) {
     benchmark::DoNotOptimize(object);
     return object;
 }
 
-// What a result looks like, whoever made it.
+// Each function returns the text of a result, which is the same for equal results of different types.
 
 std::string Show(double v);
 inline std::string Show(const std::string& v) { return v; }
@@ -60,7 +61,7 @@ std::string Show(const List& list) {
     return shown;
 }
 
-/// Kinds of text that the same lines of a user's program can be written with.
+/// A list of string types that have the functions which a job uses.
 template <typename... Kinds>
 struct TextKinds {};
 #ifdef BENCH_QT
@@ -76,9 +77,10 @@ inline const char* NameOf(const QByteArray&) { return "QByteArray"; }
 inline const char* NameOf(const QString&) { return "QString"; }
 #endif
 
+/// One job. Each `By` function registers one implementation of the job.
 class Comparison {
 public:
-    /// A run of the job handles `items`; the table tells the time of one.
+    /// A run of the job handles `itemsARun` items. The table shows the time per item.
     explicit Comparison(std::string jobName, double itemsARun = 1)
         : job(std::move(jobName)), items(itemsARun) {}
 
@@ -93,7 +95,8 @@ public:
         return *this;
     }
 
-    /// A run that answers nothing: it works on what `prepare` has made, and `inspect` tells the result.
+    /// Registers an implementation whose `run` returns nothing. `prepare` creates the input of `run`, and
+    /// `look` returns the result.
     template <typename Run, typename Prepare, typename Inspect>
     Comparison& Add(const std::string& implementation, Run run, Prepare prepare, Inspect inspect) {
         prepare();
@@ -108,7 +111,8 @@ public:
         return *this;
     }
 
-    /// An entry for each kind of text: `make` gets an empty one and answers the work.
+    /// Registers an implementation for each string type. `make` receives an empty string of the type and
+    /// returns the work.
     template <typename... Kinds, typename Make>
     Comparison& AddEach(TextKinds<Kinds...>, Make make) {
         (Add(NameOf(Kinds()), make(Kinds())), ...);

@@ -1,4 +1,5 @@
-// Folders listed: 100,000 entries, half of them sounds, and 50, in memory and on the disk of temporary files.
+// Benchmarks of directory listing: directories with 100,000 and 50 entries, half of them .wav files, in
+// memory and on the disk with the temporary files.
 
 #include <Kelbase/Util/Dir.h>
 
@@ -24,11 +25,11 @@ namespace {
 using comparison::Comparison;
 namespace fs = std::filesystem;
 
-/// A folder of its own with empty files and a few folders in it, removed at the end.
+/// A temporary directory with empty files and a few subdirectories. The destructor removes the directory.
 class FilledFolder {
 public:
     FilledFolder(const fs::path& where, int entries) : path((where / "listing-XXXXXX").string()) {
-        if (!mkdtemp(path.data())) throw std::runtime_error("cannot make a folder in " + where.string());
+        if (!mkdtemp(path.data())) throw std::runtime_error(where.string() + ": cannot create a directory");
         for (int i = 0; i < entries; ++i) {
             const fs::path entry = fs::path(path) / ("take " + std::to_string(i) + (i % 2 ? ".wav" : ".txt"));
             if (i % 50 == 8)
@@ -53,7 +54,7 @@ bool isSound(std::string_view name) {
     return name.size() >= 4 && strncasecmp(name.data() + name.size() - 4, ".wav", 4) == 0;
 }
 
-/// What is listed: files, sounds or folders.
+/// The entries to list: files, files that match a pattern, or directories.
 struct Wanted {
     const char* name;
     const char* pattern;
@@ -116,7 +117,7 @@ void enterFolder(const std::string& place, const std::string& folder, double ent
     }
 }
 
-/// Whether entries are kept in memory there.
+/// A directory whose file system is in memory.
 constexpr char kMemoryFolder[] = "/dev/shm";
 
 void enterAll() {

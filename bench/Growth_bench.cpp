@@ -1,5 +1,6 @@
-// How time and memory grow with size. The last two lines of a group tell the order that fits best and how far
-// the figures are from it; "bytes_each" is what was allocated for an item, freed again or not.
+// Benchmarks of the growth of time and memory with the size of the input. The last two lines of a group are
+// the best fitting order of growth and the deviation from it. "bytes_each" is the number of allocated bytes
+// per item, including the bytes that were freed again.
 
 #include <Kelbase/Util/ByteStream.h>
 #include <Kelbase/Util/Dir.h>
@@ -23,8 +24,9 @@ std::size_t gAllocated = 0;
 
 } // namespace
 
-// The C library's own functions under their second names: its blocks may be freed as ever, and those of all
-// libraries of the process are counted.
+// Replaces the allocation functions of the C library, to count the allocations of all libraries of the
+// process. The replacements call the C library's own functions under their internal names, so that `free` can
+// free the blocks.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -48,7 +50,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Times the work that `prepare(size)` answers.
+/// Times the work that `prepare(size)` returns, for sizes from `from` to `to`.
 template <typename Prepare>
 void grow(const char* name, std::int64_t from, std::int64_t to, Prepare prepare) {
     const auto body = [prepare](benchmark::State& state) {
@@ -93,7 +95,7 @@ void enterTexts() {
     });
 }
 
-/// A folder for the run of the program.
+/// Returns a temporary directory that is removed when the program ends.
 const fs::path& ownFolder() {
     struct Folder {
         std::string path = (fs::temp_directory_path() / "growth-XXXXXX").string();
@@ -134,7 +136,7 @@ void synchronise(CFStringRef domain) {
     if (!CFPreferencesSynchronize(domain, kCFPreferencesAnyUser, kCFPreferencesCurrentHost)) std::abort();
 }
 
-/// A preferences file of `n` keys, one of which is changed and synchronised.
+/// Changes and synchronises one key of a preferences file with `n` keys.
 void enterPreferences(const char* name, bool isXml) {
     grow(name, 100, 100000, [isXml](std::int64_t n) {
         if (!macplatform::SetStartupVolume(ownFolder().string())) std::abort();
@@ -157,8 +159,8 @@ void enterPreferences(const char* name, bool isXml) {
     });
 }
 
-/// Else the C library gives freed blocks back to the system after each run at a large size, and the next run
-/// pays for having them mapped again, where runs at small sizes do not.
+/// Stops the C library from returning freed memory to the system. Otherwise each run at a large size would
+/// map its memory again, and a run at a small size would not, so that the figures could not be compared.
 void keepMemory() {
     constexpr int twoGigabytes = 2'000'000'000;
     mallopt(M_TRIM_THRESHOLD, twoGigabytes);

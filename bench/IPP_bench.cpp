@@ -1,5 +1,6 @@
-// The vector routines, at four sizes and misaligned, beside the vector library of signal processing and loops
-// of the user's own. Source and target are the same two blocks of memory for all.
+// Benchmarks of the vector routines at four sizes, and at one size misaligned. The peers are a vector library
+// for signal processing and the user's own loops. All implementations use the same two blocks of memory as
+// source and target.
 
 #include <Kelbase/IPP/IPP_implementations.h>
 #include <Kelbase/IPP/IPP_util.h>
@@ -22,9 +23,9 @@ using comparison::Comparison;
 
 constexpr unsigned int kLargestCount = 16u << 20;
 
-/// Memory for the largest array of the widest type, so many bytes into a page: with both arrays at the same
-/// place in its page, processors take a store for one of the next loads. Pages are taken when they are first
-/// touched.
+/// Returns memory for the largest array of the widest type, `offset` bytes after the start of a page. The two
+/// arrays need different offsets: with equal offsets, a processor treats a store as a dependency of the next
+/// loads. The system allocates a page at its first access.
 unsigned char* newBlock(std::size_t offset) {
     void* const block = mmap(nullptr, std::size_t{kLargestCount} * 8 + 8192, PROT_READ | PROT_WRITE,
                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
@@ -44,14 +45,15 @@ constexpr Size kSizes[] = {{"tiny", 64, false},
                            {"L2u", 16000, true},
                            {"DRAM", kLargestCount, false}};
 
-/// Whole and broken numbers of either sign, within what the targets hold; no halves.
+/// Fills the source with positive and negative numbers up to `scale`,
+/// none of them halfway between two integers.
 template <typename Source>
 void fillSource(Source* source, unsigned int count, double scale) {
     for (unsigned int i = 0; i < count; ++i)
         source[i] = static_cast<Source>((static_cast<int>(i * 2654435761u >> 16) - 32768) / 32768.0 * scale);
 }
 
-/// `run(count, source, target)` by everybody who can, at every size.
+/// A job at every size. Each implementation is a function `run(count, source, target)`.
 template <typename Source, typename Target>
 class Conversion {
 public:
@@ -61,7 +63,8 @@ public:
     Conversion& Add(const char* implementation, Run run) {
         for (const Size& size : kSizes) {
             Comparison& comparison = At(size);
-            // One element beside the boundary that every array of the platform begins on.
+            // A misaligned array begins one element after the alignment
+            // boundary that the platform guarantees.
             Source* const source = reinterpret_cast<Source*>(kSourceBlock) + size.misaligned;
             Target* const target = reinterpret_cast<Target*>(kTargetBlock) + size.misaligned;
             comparison.Add(
@@ -87,14 +90,14 @@ private:
     std::vector<Comparison> comparisons;
 };
 
-/// The same loop as compilers vectorise it when they are asked to.
+/// A plain loop that the compiler vectorises because of the option -O3.
 template <typename Source, typename Target, typename Each>
 __attribute__((optimize("O3"))) void loopO3(unsigned int n, const Source* __restrict s, Target* __restrict d,
                                             Each each) {
     for (unsigned int i = 0; i < n; ++i) d[i] = each(s[i]);
 }
 
-/// What an Implementation's routine does, by the instructions of SSE2 alone.
+/// Returns the implementation of a routine that uses only SSE2 instructions.
 template <typename Source, typename Target, typename... Factor>
 auto withSse2(void (*IPP::Implementation::*routine)(unsigned int, const Source*, Target*, Factor...),
               Factor... factor) {
@@ -226,7 +229,7 @@ void enterSet(const char* job, Element value) {
         });
 }
 
-/// Two arrays of zeros.
+/// Compares two arrays of zeros.
 void enterEqual() {
     for (const Size& size : kSizes) {
         const auto prepare = [n = size.count] {

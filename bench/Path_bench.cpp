@@ -1,4 +1,4 @@
-// Names of files and folders, as text.
+// Benchmarks of operations on paths that do not access the file system.
 
 #include <Kelbase/common/common_path.h>
 

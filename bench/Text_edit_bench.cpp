@@ -1,4 +1,4 @@
-// Searching, slicing, replacing, cleaning, splitting and joining.
+// Benchmarks of strings: searching, slicing, replacing, cleaning, splitting and joining.
 
 #include "Comparison.h"
 
@@ -25,7 +25,7 @@ using comparison::AllTexts;
 using comparison::Comparison;
 using comparison::Opaque;
 
-/// `sentence` again and again, up to 4096 bytes.
+/// Returns 4096 bytes of repeated `sentence`.
 std::string longText(const std::string& sentence) {
     std::string text;
     while (text.size() < 4096) text += sentence;
@@ -37,7 +37,7 @@ const std::string kProse =
     longText("The installer asks the Updater for its Status, and the answer is kept. ");
 const std::string kPathText = "/Library/Application Support/Korvane/Updater/install_status.txt";
 
-// Where something is found
+// Searching
 
 template <typename Found>
 long long position(const Found& at) {
@@ -124,7 +124,7 @@ void enterSearching() {
         ;
 }
 
-// Edits
+// Editing
 
 std::string lowered(std::string s) {
     std::transform(s.begin(), s.end(), s.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c + 0x20 : c; });
@@ -137,7 +137,7 @@ std::string replacedAll(std::string s, const std::string& from, const std::strin
     return s;
 }
 
-/// 4096 bytes in some 110 lines of random length.
+/// Returns 4096 bytes in about 110 lines of random length.
 std::string linesOfProse() {
     std::mt19937 random(5);
     std::string text;
@@ -179,8 +179,8 @@ void enterLower(const char* job, const std::string& text) {
         ;
 }
 
-/// 4096 texts of five to seven words with white space of random length between them: the branches of one
-/// text, and even of some hundred, the processor learns by heart.
+/// Returns 4096 strings of five to seven words with white space of random length between them. With fewer
+/// strings, even with a few hundred, the branch predictor of the processor would learn all branches.
 std::vector<std::string> untidyTexts() {
     std::mt19937 random(11);
     const std::string blanks = " \t\n  ";
@@ -263,7 +263,7 @@ void enterEditing() {
         ;
 }
 
-// Lists
+// Splitting and joining
 
 std::vector<std::string> fieldsOf(const std::string& s, char separator) {
     std::vector<std::string> fields;
@@ -291,7 +291,7 @@ std::string joined(const std::vector<std::string>& parts, const std::string& sep
     return text;
 }
 
-/// `count` fields of 4 to 12 bytes.
+/// Returns `count` fields of 4 to 12 bytes, separated by commas.
 std::string listText(int count) {
     std::string text;
     for (int i = 0; i < count; ++i)

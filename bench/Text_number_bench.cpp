@@ -1,4 +1,4 @@
-// Numbers to text and back, and placeholders.
+// Benchmarks of strings: formatting and parsing numbers, and replacing placeholders.
 
 #include "Comparison.h"
 
@@ -26,7 +26,7 @@ constexpr std::array<long long, 8> kWideInts = {0,           -7,        42949672
 constexpr std::array<double, 8> kDoubles = {0.0,    1.5,      -3.14159265, 44100.0,
                                             0.0001, 1234.567, 99999.875,   -0.333333333};
 
-/// The work on the next of eight values at every call.
+/// Returns a function that does the work on the next of eight values at each call.
 template <typename Value, typename Work>
 auto onNext(const std::array<Value, 8>& values, Work work) {
     return [values, work, i = 0u]() mutable { return work(Opaque(values)[i++ % 8]); };
@@ -170,7 +170,7 @@ constexpr char kOneValue[] = "Attempt to seek to %1 when not open";
 constexpr char kThreeValues[] = "Can't extract %1 bytes at position %2, total size %3";
 constexpr char kOneText[] = "InstalledProducts/%1/CurrentVersion";
 
-/// The text with its "%1" replaced by std::string's own means.
+/// Replaces the "%1" of the text with functions of std::string.
 std::string replaced(std::string text, const std::string& argument) {
     return text.replace(text.find("%1"), 2, argument);
 }

@@ -1,4 +1,4 @@
-// Texts made, copied, joined, compared and sorted.
+// Benchmarks of strings: creating, copying, joining, comparing and sorting.
 
 #include "Comparison.h"
 
@@ -33,7 +33,7 @@ constexpr char kFolderText[] = "/Library/Application Support/Korvane";
 constexpr char kOtherFolderText[] = "/Library/Application Support/Korvand";
 constexpr char kFileText[] = "install_status.txt";
 
-/// One of the eight texts made anew at every call.
+/// Returns a function that creates a string from the next of eight texts at each call.
 template <typename Make>
 auto inTurn(const std::array<const char*, 8>& texts, Make make) {
     return [&texts, make, i = 0u]() mutable { return make(texts[i++ % 8]); };
@@ -108,7 +108,7 @@ void enterComparisons() {
     Comparison("less").AddEach(AllTexts(), onPair([](const auto& a, const auto& b) { return a < b; }));
 }
 
-/// 100,000 texts: names that differ at their end, or letters that differ at once.
+/// Returns 100,000 strings: names that differ only near their ends, or random letters.
 std::vector<std::string> manyTexts(bool names) {
     std::mt19937 random(7);
     std::vector<std::string> texts(100000);
@@ -121,7 +121,7 @@ std::vector<std::string> manyTexts(bool names) {
 
 void enterSorting(const char* job, bool names) {
     const std::vector<std::string> texts = manyTexts(names);
-    Comparison(job, 1e6) // so that the table tells milliseconds
+    Comparison(job, 1e6) // With this number of items, the nanoseconds per item are the milliseconds per run.
         .AddEach(AllTexts(), [&texts](auto empty) {
             std::vector<decltype(empty)> list;
             for (const std::string& text : texts) list.push_back(decltype(empty)(text.c_str()));

@@ -47,6 +47,7 @@ def read_medians(paths):
 
 
 def figure(nanoseconds):
+    """Returns a time with three significant digits."""
     return f"{nanoseconds:.3g}" if nanoseconds < 100 else f"{nanoseconds:.0f}"
 
 
@@ -82,9 +83,11 @@ def main():
         verdicts[outcome] += 1
         print(f"{job:<26} {outcome:<6} ours {figure(medians[job, 'ours'][0]):>6} | " + " | ".join(w for w, _ in results))
     held = verdicts.total() - verdicts["-"]
-    print(f"{verdicts['met']} of {held} jobs meet all their targets, {verdicts['noise']} are above one by less than the noise of such jobs,")
-    print(f"{verdicts['MISSED']} miss one. Times are nanoseconds an item (milliseconds where a job sorts), medians of processor time;")
-    print("behind each peer's stands ours divided by it, and in brackets the target. ~: the peer's result is another one.")
+    print(f"{verdicts['met']} of {held} jobs meet all their targets.")
+    print(f"{verdicts['noise']} jobs exceed a target by less than their noise. {verdicts['MISSED']} jobs miss a target.")
+    print("Times are medians of processor time in nanoseconds per item (for sorting: in milliseconds per run).")
+    print("The time of each peer is followed by our time divided by it, and by the target in parentheses.")
+    print("~: the result of the peer differs from ours.")
 
 
 main()
