@@ -1,5 +1,5 @@
-// Sidecars of any content: the Finder information in them against a second reading by the format's
-// description; writing changes 32 bytes and nothing else, or nothing at all.
+// Reads and writes Finder information in sidecars of any content. Reading must give the same result as a
+// second implementation of the format. Writing must change exactly the 32 bytes, or nothing.
 
 #include "Property.h"
 
@@ -20,7 +20,8 @@ std::uint64_t big(const std::string& bytes, std::size_t at, std::size_t width) {
     return number;
 }
 
-/// Where the 32 bytes are: behind the entry of kind 9 that comes first. 0 when there are none.
+/// Returns the offset of the 32 bytes, to which the first entry of kind 9 refers,
+/// or 0 if there are no such bytes.
 std::size_t placeOfFinderInfo(const std::string& bytes) {
     if (bytes.size() < 26 || big(bytes, 0, 4) != 0x00051607) return 0;
     if (big(bytes, 4, 4) != 0x00010000 && big(bytes, 4, 4) != 0x00020000) return 0;
@@ -35,13 +36,13 @@ std::size_t placeOfFinderInfo(const std::string& bytes) {
     return 0;
 }
 
-/// A sidecar in memory-backed storage, kept for all runs.
+/// A sidecar file in memory that all runs use. The destructor removes the file.
 class Sidecar {
 public:
     Sidecar()
         : path("/dev/shm/sidecar-" + std::to_string(getpid())),
           file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
-        Require(file >= 0, "there is a place for the file");
+        Require(file >= 0, "the sidecar can be created");
     }
     Sidecar(const Sidecar&) = delete;
     Sidecar& operator=(const Sidecar&) = delete;
@@ -53,12 +54,12 @@ public:
     void Fill(const std::string& bytes) const {
         const auto size = static_cast<ssize_t>(bytes.size());
         Require(ftruncate(file, 0) == 0 && pwrite(file, bytes.data(), bytes.size(), 0) == size,
-                "it can be written");
+                "the sidecar can be filled");
     }
     std::string Content() const {
         std::string bytes(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
         Require(pread(file, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size()),
-                "it can be read");
+                "the sidecar can be read");
         return bytes;
     }
 
@@ -78,12 +79,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t place = placeOfFinderInfo(bytes);
     FinderInfo info{};
     const int result = macplatform::ReadSidecar(sidecar.path, info);
-    Require(result == (place != 0 ? 0 : EBADMSG), "read exactly when the information is inside");
-    if (place != 0) RequireEqual({info.begin(), info.end()}, bytes.substr(place, 32), "the 32 bytes");
+    Require(result == (place != 0 ? 0 : EBADMSG), "reading succeeds exactly if the file has the information");
+    if (place != 0)
+        RequireEqual({info.begin(), info.end()}, bytes.substr(place, 32), "reading returns the 32 bytes");
 
     for (std::uint8_t& byte : info) byte = static_cast<std::uint8_t>(byte + 1);
-    Require(macplatform::WriteSidecar(sidecar.path, info) == result, "written exactly when it can be read");
+    Require(macplatform::WriteSidecar(sidecar.path, info) == result, "writing returns the result of reading");
     if (place != 0) bytes.replace(place, 32, std::string(info.begin(), info.end()));
-    RequireEqual(sidecar.Content(), bytes, "nothing else of it changes");
+    RequireEqual(sidecar.Content(), bytes, "writing changes only the 32 bytes");
     return 0;
 }

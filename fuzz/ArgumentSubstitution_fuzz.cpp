@@ -1,4 +1,4 @@
-// Placeholders and numbers against a second implementation, written from the rules and not for speed.
+// Replaces placeholders and formats numbers. The results must equal those of a second, simple implementation.
 
 #include "Property.h"
 #include "Text.h"
@@ -66,19 +66,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text = input.ConsumeRemainingBytesAsString();
 
     const String format = TextOf(text);
-    RequireEqual(BytesOf(format.Arg(TextOf(argument))), substituted(text, argument), "one placeholder goes");
-    RequireEqual(BytesOf(format), text, "the template stays");
+    RequireEqual(BytesOf(format.Arg(TextOf(argument))), substituted(text, argument),
+                 "Arg replaces one placeholder");
+    RequireEqual(BytesOf(format), text, "Arg does not change the format");
 
     RequireEqual(BytesOf(String::Number(value, base, width)), formatted(value, base, width),
-                 "digits of an int");
+                 "Number formats an int");
     const long long wide = static_cast<long long>(value) * base * 1000003;
-    RequireEqual(BytesOf(String::Number(wide, 10)), std::to_string(wide), "digits of a long long");
+    RequireEqual(BytesOf(String::Number(wide, 10)), std::to_string(wide), "Number formats a long long");
     const std::string shown = base == 16 ? padded(digitsOf(static_cast<unsigned int>(value), 16), width)
                                          : formatted(value, base, width);
-    RequireEqual(BytesOf(format.Arg(value, base, width)), substituted(text, shown), "an int as an argument");
+    RequireEqual(BytesOf(format.Arg(value, base, width)), substituted(text, shown), "Arg formats an int");
     if (std::isfinite(real)) {
         RequireEqual(BytesOf(String::Number(real, precision, static_cast<unsigned int>(letter))),
-                     formatted(real, precision, letter), "digits of a double");
+                     formatted(real, precision, letter), "Number formats a double");
     }
     return 0;
 }

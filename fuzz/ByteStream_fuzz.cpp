@@ -1,4 +1,5 @@
-// A program of reads and writes on a stream, beside the same on bytes put together by shifts.
+// Runs a sequence of reads and writes on a stream.
+// The same sequence on a string of bytes must have the same results.
 
 #include "Property.h"
 #include "Text.h"
@@ -13,7 +14,8 @@
 
 namespace {
 
-constexpr unsigned int kFarthest = 1 << 16; ///< Writes go no further, lest gaps fill the memory.
+constexpr unsigned int kFarthest =
+    1 << 16; ///< No write begins at or after this position, to limit the memory.
 
 class Program {
 public:
@@ -23,16 +25,16 @@ public:
         while (input.remaining_bytes() > 0) {
             Step();
             Require(stream.GetSize() == bytes.size() && stream.GetPosition() == position,
-                    "size and position");
+                    "size and position are right");
             Require(stream.GetRemaining() == static_cast<unsigned int>(bytes.size()) - position,
-                    "what remains");
-            Require(stream.AtEnd() == (position >= bytes.size()), "the end");
+                    "the number of remaining bytes is right");
+            Require(stream.AtEnd() == (position >= bytes.size()), "AtEnd is right");
         }
         const auto size = static_cast<unsigned int>(bytes.size());
         std::string all(size, '\0');
         stream.SetPosition(0);
         stream.Read(size, reinterpret_cast<unsigned char*>(all.data()));
-        RequireEqual(all, bytes, "the bytes of the stream");
+        RequireEqual(all, bytes, "the stream has the expected bytes");
     }
 
 private:
@@ -64,7 +66,8 @@ private:
         stream.Skip(step);
     }
 
-    /// Number `i` of `width` bytes lies where in the stream's order of bytes?
+    /// Returns the offset in the stream of byte `i` of a number.
+    /// Byte 0 is the least significant of `width` bytes.
     std::size_t PlaceOf(std::size_t i, std::size_t width) const { return order <= 1 ? i : width - 1 - i; }
 
     template <typename T>
@@ -92,8 +95,8 @@ private:
         const T value = AnyValue<T>();
         if (bytes.size() < position + width) bytes.resize(position + width);
         char raw[sizeof value];
-        std::memcpy(raw, &value,
-                    sizeof value); // least significant first, as on every machine that this runs on
+        // The least significant byte is first: every supported processor is little-endian.
+        std::memcpy(raw, &value, sizeof value);
         for (std::size_t i = 0; i < width; ++i) bytes[position + PlaceOf(i, width)] = raw[i];
         position += static_cast<unsigned int>(width);
         stream << value;
@@ -105,24 +108,26 @@ private:
         const bool fits = position + std::uint64_t{width} <= bytes.size();
         try {
             stream >> value;
-            Require(fits, "nothing is read past the end");
+            Require(fits, "no number is read past the end");
         } catch (const Util::Exception::DataStreamIO& failure) {
-            Require(!fits, "what is there can be read");
+            Require(!fits, "a complete number can be read");
             RequireEqual(BytesOf(failure.GetMessageText()),
                          "Can't extract " + std::to_string(width) + " bytes at position " +
                              std::to_string(position) + ", total size " + std::to_string(bytes.size()),
-                         "the message");
-            Require(std::memcmp(&value, &before, sizeof value) == 0, "a failed read leaves its destination");
+                         "the message names the number");
+            Require(std::memcmp(&value, &before, sizeof value) == 0,
+                    "a failed read does not change its destination");
             return;
         }
         char raw[sizeof(T)], seen[sizeof(T)];
         std::memcpy(seen, &value, sizeof value);
         for (std::size_t i = 0; i < width; ++i) raw[i] = bytes[position + PlaceOf(i, width)];
         if constexpr (std::is_same_v<T, bool>) raw[0] = raw[0] != 0;
-        Require(std::memcmp(raw, seen, width) == 0, "the value as it lies in the stream");
+        Require(std::memcmp(raw, seen, width) == 0, "the value equals the bytes of the stream");
         for (std::size_t i = width; i < sizeof value; ++i) {
             const bool negative = std::is_signed_v<T> && (raw[width - 1] & 0x80);
-            Require(seen[i] == static_cast<char>(negative ? -1 : 0), "a long of 4 bytes keeps its sign");
+            Require(seen[i] == static_cast<char>(negative ? -1 : 0),
+                    "reading a long extends the sign of 4 bytes");
         }
         position += static_cast<unsigned int>(width);
     }
@@ -178,7 +183,7 @@ private:
         Store(piece);
     }
 
-    /// The count at the position; nothing when there is none.
+    /// Returns the 4-byte count at the position, or no value if fewer than 4 bytes remain.
     std::optional<std::uint32_t> CountHere() const {
         if (position + std::uint64_t{4} > bytes.size()) return std::nullopt;
         std::uint32_t count = 0;
@@ -198,8 +203,8 @@ private:
             message = BytesOf(failure.GetMessageText());
         }
         if (!count) {
-            Require(message.compare(0, 15, "Can't extract 4") == 0, "no count to read");
-            return Require(text.GetLength() == 0, "a failed read leaves no text");
+            Require(message.compare(0, 15, "Can't extract 4") == 0, "a missing length is an error");
+            return Require(text.GetLength() == 0, "a failed read clears the string");
         }
         position += 4;
         const std::string shown = std::to_string(*count);
@@ -208,13 +213,13 @@ private:
                      *count > 200000 ? "Improbable string length " + shown
                      : isThere       ? ""
                                      : "Can't read string of length " + shown,
-                     "the message");
+                     "the message names the length");
         const bool good = message.empty();
         RequireEqual(BytesOf(text),
                      good && *count > 0
                          ? std::string(BeforeNul(std::string_view(bytes).substr(position, *count)))
                          : "",
-                     "the text up to its NUL");
+                     "the string ends at its first NUL");
         if (good) position += *count;
     }
 
@@ -236,15 +241,15 @@ private:
             stream >> block;
             Require(isThere, "no block is read past the end");
         } catch (const Util::Exception::DataStreamIO& failure) {
-            Require(!isThere, "a block that is there can be read");
+            Require(!isThere, "a complete block can be read");
             RequireEqual(BytesOf(failure.GetMessageText()), "Can't read " + std::to_string(count) + " bytes",
-                         "the message");
+                         "the message names the size of the block");
             return Require(std::count(block.begin(), block.end(), 0x5A) == count,
-                           "a failed read leaves its block");
+                           "a failed read does not change its block");
         }
         if (count == 0) return;
         Require(std::memcmp(block.data(), bytes.data() + position, count) == 0,
-                "the block as it lies in the stream");
+                "the block equals the bytes of the stream");
         position += count;
     }
 

@@ -1,5 +1,5 @@
-// A program of edits on a text, beside the same on bytes; every text that shared what was edited stays as it
-// was.
+// Runs a sequence of operations on a string. The same sequence on a std::string must have the same results. A
+// copy of the string must not change when the string is edited.
 
 #include "Property.h"
 #include "Text.h"
@@ -26,7 +26,7 @@ std::string asCompared(const std::string& bytes, bool caseSensitive) {
 
 bool isSpace(char c) { return c != 0 && std::strchr(" \t\n\v\f\r\xA0", c); }
 
-/// Cut sequences at the end of UTF-8 as NULs, by walking back to the lead byte.
+/// Replaces an incomplete UTF-8 sequence at the end of the bytes by NULs.
 std::string repaired(std::string bytes) {
     if (bytes.empty() || static_cast<signed char>(bytes.back()) >= 0) return bytes;
     for (std::size_t i = bytes.size(); i-- > 0;) {
@@ -85,8 +85,8 @@ public:
             const String copy = text;
             const std::string before = bytes;
             Step();
-            RequireEqual(BytesOf(text), bytes, "the text is as the bytes");
-            RequireEqual(BytesOf(copy), before, "a copy keeps the old text");
+            RequireEqual(BytesOf(text), bytes, "the string equals the bytes");
+            RequireEqual(BytesOf(copy), before, "a copy does not change");
         }
     }
 
@@ -210,7 +210,7 @@ private:
         const std::string piece = Piece();
         const std::string where = asCompared(bytes, exact), what = asCompared(piece, exact);
         const char key = exact ? c : folded(c);
-        RequireEqual(shown(text.Find(c, start, exact)), shown(where.find(key, start)), "Find of a byte");
+        RequireEqual(shown(text.Find(c, start, exact)), shown(where.find(key, start)), "Find with a byte");
 
         const checked_value<unsigned int> from = Count();
         const bool isInside = !from.IsGiven() || from < bytes.size();
@@ -223,7 +223,7 @@ private:
                                                         : "");
         const std::size_t hit = start < where.size() ? readable.find(part) : readable.npos;
         RequireEqual(shown(text.Find(piece.c_str(), start, exact)),
-                     shown(hit == readable.npos ? hit : hit + start), "Find of a text");
+                     shown(hit == readable.npos ? hit : hit + start), "Find with a string");
 
         const bool fits = piece.size() <= bytes.size();
         const std::size_t rest = fits ? where.size() - what.size() : 0;
@@ -239,10 +239,10 @@ private:
         std::vector<String> parts;
         text.Split(separator, parts);
         const auto hits = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), separator));
-        Require(parts.size() == hits + 1, "a part more than separators");
+        Require(parts.size() == hits + 1, "there is one more part than separators");
         for (const String& part : parts)
-            Require(BytesOf(part).find(separator) == std::string::npos, "no part holds one");
-        RequireEqual(BytesOf(String::Join(separator, parts)), bytes, "Join undoes Split");
+            Require(BytesOf(part).find(separator) == std::string::npos, "no part contains the separator");
+        RequireEqual(BytesOf(String::Join(separator, parts)), bytes, "Join reverses Split");
     }
 
     FuzzedDataProvider& input;

@@ -1,5 +1,5 @@
-// Linux executables: the exports of a table made from the input are found again, and of any bytes a cut file
-// tells the same or has a problem.
+// Reads Linux executables. The reader must find the exports of a symbol table that is built from the input. A
+// truncated copy of any bytes must give the same result as the whole, or have a problem.
 
 #include "Property.h"
 
@@ -23,7 +23,7 @@ void appendBytes(std::string& bytes, const T& structure) {
     bytes.append(reinterpret_cast<const char*>(&structure), sizeof structure);
 }
 
-/// A file of one table of dynamic symbols and their names, behind a gap.
+/// An ELF file with one table of dynamic symbols and their names, after a gap.
 class SymbolFile {
 public:
     explicit SymbolFile(FuzzedDataProvider& input) : gap(input.ConsumeIntegralInRange<std::size_t>(0, 9)) {
@@ -84,15 +84,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t cut = input.ConsumeIntegral<std::uint16_t>();
     const std::string bytes(Bytes(data, size));
     const xcodhost::ElfFile whole = xcodhost::ReadElf(bytes), part = xcodhost::ReadElf(bytes.substr(0, cut));
-    Require(std::is_sorted(whole.exports.begin(), whole.exports.end()), "sorted");
+    Require(std::is_sorted(whole.exports.begin(), whole.exports.end()), "the exports are sorted");
     for (const std::string& name : whole.exports)
-        Require(bytes.find(name + '\0') != bytes.npos, "names are in the file");
+        Require(bytes.find(name + '\0') != bytes.npos, "the file contains the names");
     if (part.problem.empty())
-        RequireEqual(summaryOf(part), summaryOf(whole), "what lies behind the end does not matter");
+        RequireEqual(summaryOf(part), summaryOf(whole),
+                     "a truncated file without a problem has the same exports");
 
     const SymbolFile made(input);
     const xcodhost::ElfFile seen = xcodhost::ReadElf(made.Bytes());
-    RequireEqual(seen.problem, "", "a sound file has no problem");
-    Require(seen.exports == made.exports, "the exports that were put in");
+    RequireEqual(seen.problem, "", "a valid file has no problem");
+    Require(seen.exports == made.exports, "the exports are those of the table");
     return 0;
 }

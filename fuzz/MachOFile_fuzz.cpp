@@ -1,5 +1,5 @@
-// Mac executables: the exports of a table made from the input are found again, and of any bytes a cut file
-// tells the same or has a problem.
+// Reads Mac executables. The reader must find the exports of a symbol table that is built from the input. A
+// truncated copy of any bytes must give the same result as the whole, or have a problem.
 
 #include "Property.h"
 
@@ -26,7 +26,7 @@ std::string summaryOf(const xcodhost::MachOFile& file) {
     return summary;
 }
 
-/// A file for one processor, in either order of bytes, of a symbol table and its names.
+/// A Mach-O file for one processor with a symbol table and its names. The byte order depends on the input.
 class SymbolFile {
 public:
     explicit SymbolFile(FuzzedDataProvider& input) : isBigEndian(input.ConsumeBool()) {
@@ -80,14 +80,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes(Bytes(data, size));
     const xcodhost::MachOFile whole = xcodhost::ReadMachO(bytes),
                               part = xcodhost::ReadMachO(bytes.substr(0, cut));
-    Require(xcodhost::IsMachO(bytes) || !whole.problem.empty(), "what is no Mac executable has a problem");
+    Require(xcodhost::IsMachO(bytes) || !whole.problem.empty(),
+            "a file that is not a Mac executable has a problem");
     if (isSound(part))
-        RequireEqual(summaryOf(part), summaryOf(whole), "what lies behind the end does not matter");
+        RequireEqual(summaryOf(part), summaryOf(whole),
+                     "a truncated file without a problem has the same exports");
 
     const SymbolFile made(input);
     const xcodhost::MachOFile seen = xcodhost::ReadMachO(made.Bytes());
-    Require(isSound(seen) && seen.images.size() == 1, "a sound file has no problem");
+    Require(isSound(seen) && seen.images.size() == 1, "a valid file has no problem");
     Require(seen.images[0].exports == std::vector<std::string>(made.exports.begin(), made.exports.end()),
-            "the exports that were put in");
+            "the exports are those of the table");
     return 0;
 }

@@ -1,4 +1,4 @@
-// Number parsing gives what a second implementation gives, which takes every text the general way.
+// Parses numbers. The results must equal those of a second implementation that has no fast paths.
 
 #include "Property.h"
 #include "Text.h"

@@ -1,5 +1,5 @@
-// Any parameter block to the plug-in: exactly the error bit may change, and what is asked of the platform
-// follows from the block's fields by tables of this file's own.
+// Passes any parameter block to the plug-in. Only the error bit may change. The preferences that the plug-in
+// sets must be those that the tables of this file give for the fields of the block.
 
 #include "Property.h"
 
@@ -22,6 +22,7 @@ T field(const std::string& block, std::size_t at) {
     return value;
 }
 
+/// Product code -> name, domain.
 const std::map<std::int32_t, std::pair<std::string, std::string>> kProducts = {
     {1400, {"Tamblor", "com.korvane.audioplugins.Tamblor"}},
     {3100, {"Korvane Restora", "com.korvane.audioapps.Restora"}},
@@ -34,7 +35,7 @@ const std::map<std::int32_t, std::pair<std::string, std::string>> kProducts = {
 const std::map<std::int32_t, std::string> kLanguages = {
     {1, "fr"}, {2, "de"}, {3, "it"}, {6, "es"}, {11, "ja"}};
 
-/// "DOMAIN KEY VALUE" of each preference, in order.
+/// Returns one line "DOMAIN KEY VALUE" for each preference that the plug-in sets, in order.
 std::string expectedPreferences(const std::string& block) {
     if (field<std::int16_t>(block, 0) != 1000) return {};
     const auto product = kProducts.find(field<std::int32_t>(block, 4));
@@ -52,11 +53,12 @@ std::string expectedPreferences(const std::string& block) {
 std::string gSeen;
 bool gShowedAlert = false;
 
-/// Preferences are told and never stored: the volume stays empty.
+/// Sets an empty startup volume and records the preferences that the plug-in sets. No preference is stored,
+/// because every synchronisation fails.
 void watch() {
     static std::string gFolder = "/dev/shm/volume-XXXXXX";
     static const bool made = mkdtemp(gFolder.data()) && macplatform::SetStartupVolume(gFolder);
-    Require(made, "there is a place for the volume");
+    Require(made, "the volume can be created");
     std::atexit([] { rmdir(gFolder.c_str()); });
     macplatform::SetCallObserver([](const macplatform::RecordedCall& entry) {
         if (entry.call == "CFPreferencesSetValue") {
@@ -83,8 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     std::string expected = before;
     if (field<std::int16_t>(before, 0) != 1000) expected[8] = static_cast<char>(expected[8] | 1);
-    RequireEqual(block, expected, "nothing but the error bit changes");
-    RequireEqual(gSeen, expectedPreferences(before), "the preferences that the block asks for");
-    Require(!gShowedAlert, "the dispatch shows nothing");
+    RequireEqual(block, expected, "only the error bit changes");
+    RequireEqual(gSeen, expectedPreferences(before), "the preferences are those for the block");
+    Require(!gShowedAlert, "no alert is shown");
     return 0;
 }

@@ -1,4 +1,5 @@
-// Paths against a second implementation that follows the rules name by name on a list of names.
+// Cleans, splits and compares paths. The results must equal those of a second implementation that works on a
+// list of the names in a path.
 
 #include "Property.h"
 #include "Text.h"
@@ -22,7 +23,7 @@ std::vector<std::string> split(const std::string& text) {
     return names;
 }
 
-/// Runs of separators made one, and the run at the very start two.
+/// Replaces each run of separators by one separator, but a run at the start by two.
 std::string collapsed(const std::string& text) {
     std::string kept;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -87,42 +88,44 @@ void checkOne(const std::string& text) {
     const FolderPath folder(TextOf(text), false);
     const std::string internal = BytesOf(file.GetInternal());
     if (file.IsEmpty()) {
-        Require(folder.IsEmpty(), "blank is blank for both");
+        Require(folder.IsEmpty(), "an empty file path is an empty folder path");
         return;
     }
     if (!text.empty() && (text[0] == '/' || text[0] == '\\'))
-        RequireEqual(internal, text, "an absolute path is kept");
-    Require(internal.size() >= text.size() || text[0] == '~', "making a path absolute drops nothing");
+        RequireEqual(internal, text, "an absolute path does not change");
+    Require(internal.size() >= text.size() || text[0] == '~', "making a path absolute keeps its text");
 
     const std::string clean = canonicalOf(internal);
-    RequireEqual(BytesOf(file.ToString()), clean.substr(0, clean.size() - 1), "the clean form of a file");
+    RequireEqual(BytesOf(file.ToString()), clean.substr(0, clean.size() - 1),
+                 "ToString returns the clean file path");
     RequireEqual(BytesOf(folder.ToString()), canonicalOf(BytesOf(folder.GetInternal())),
-                 "the clean form of a folder");
+                 "ToString returns the clean folder path");
 
     const std::string name = lastName(internal);
     const std::size_t dot = name.rfind('.');
-    RequireEqual(BytesOf(file.GetFilename()), name, "the last name");
-    RequireEqual(BytesOf(file.GetExtension()), dot == name.npos ? "" : name.substr(dot + 1), "the extension");
-    RequireEqual(BytesOf(file.GetBaseName()), name.substr(0, dot), "the base name");
+    RequireEqual(BytesOf(file.GetFilename()), name, "GetFilename returns the last name");
+    RequireEqual(BytesOf(file.GetExtension()), dot == name.npos ? "" : name.substr(dot + 1),
+                 "GetExtension returns the extension");
+    RequireEqual(BytesOf(file.GetBaseName()), name.substr(0, dot), "GetBaseName returns the base name");
     const FolderPath expectedFolder(TextOf(folderOf(internal)), false);
     RequireEqual(BytesOf(file.GetFolder().GetInternal()), BytesOf(expectedFolder.GetInternal()),
-                 "its folder");
+                 "GetFolder returns the folder");
 
     const bool isTop = clean == "/" || BeforeNul(clean) == "./";
     if (folder.IsTopLevel()) {
-        Require(folder.GetParent().IsEmpty(), "nothing lies above the top");
+        Require(folder.GetParent().IsEmpty(), "a top-level folder has no parent");
     } else if (!isTop) {
         RequireEqual(BytesOf(folder.GetFolderName()), lastName(BytesOf(folder.GetInternal())),
-                     "a folder's name");
+                     "GetFolderName returns the last name");
     }
 }
 
 void checkOrder(const std::string& left, const std::string& right) {
     const FilePath a(TextOf(left), false), b(TextOf(right), false);
     const int order = keyOf(BytesOf(a.GetInternal())).compare(keyOf(BytesOf(b.GetInternal())));
-    Require((a == b) == (order == 0), "equal as their keys are");
-    Require((a < b) == (order < 0) && (b < a) == (order > 0), "sorted as their keys are");
-    Require((a <= b) == (order <= 0), "not after, as their keys are");
+    Require((a == b) == (order == 0), "paths are equal exactly if their keys are");
+    Require((a < b) == (order < 0) && (b < a) == (order > 0), "paths have the order of their keys");
+    Require((a <= b) == (order <= 0), "<= has the order of the keys");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
-/// What a fuzzer states about every input: a property that holds, or ends the run with the input kept.
+/// @file
+/// Checks the properties that a fuzzer requires of every input.
 
 #include <cstdint>
 #include <cstdio>
@@ -9,9 +10,10 @@
 #include <string>
 #include <string_view>
 
+/// Ends the process with a message if the property does not hold. The fuzzer then keeps the input.
 inline void Require(bool holds, const char* claim) {
     if (holds) return;
-    std::fprintf(stderr, "does not hold: %s\n", claim);
+    std::fprintf(stderr, "property violated: %s\n", claim);
     std::abort();
 }
 
@@ -25,6 +27,7 @@ inline std::string Hexadecimal(const std::string& bytes) {
     return digits;
 }
 
+/// Ends the process with both values in hexadecimal if they differ.
 inline void RequireEqual(const std::string& seen, const std::string& expected, const char* claim) {
     if (seen == expected) return;
     std::fprintf(stderr, "seen     %s\nexpected %s\n", Hexadecimal(seen).c_str(),
@@ -36,5 +39,5 @@ inline std::string_view Bytes(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Bytes before the first NUL: what reads a text as a C string sees.
+/// Returns the bytes before the first NUL, which are the C string at the start of the bytes.
 inline std::string_view BeforeNul(std::string_view bytes) { return bytes.substr(0, bytes.find('\0')); }

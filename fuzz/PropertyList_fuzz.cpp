@@ -1,5 +1,5 @@
-// Hostile property lists: what is accepted reads as an XML reader that others wrote has it, and survives
-// being edited and written.
+// Reads hostile property lists. The values of an accepted property list must be those that a third-party XML
+// reader finds. They must not change when the property list is edited and written.
 
 #include "Property.h"
 
@@ -23,7 +23,7 @@ using macplatform::ValueOf;
 
 namespace {
 
-/// The elements and texts of a document as the XML library finds them: "<dict><key>a</key>...".
+/// Collects the elements, keys and strings of a document with the XML library: "<dict><key>a</key>...".
 class Outline {
 public:
     static bool Of(const std::string& xml, std::string& outline) {
@@ -76,36 +76,37 @@ void appendOutline(const PropertyValue& value, std::string& outline) {
 
 void checkXml(const std::string& bytes, const PropertyValue& root) {
     std::string seen, expected;
-    Require(Outline::Of(bytes, expected), "what is taken is well-formed XML");
+    Require(Outline::Of(bytes, expected), "an accepted property list is well-formed XML");
     appendOutline(root, seen);
     if (expected.compare(0, 7, "<plist>") == 0) seen = "<plist>" + seen + "</plist>";
-    RequireEqual(seen, expected, "the elements and texts that the XML library sees");
+    RequireEqual(seen, expected, "the elements and strings are those of the XML library");
 }
 
-/// The parser writes no dates before the year 1000 that it would read again.
+/// Returns whether the value contains a date.
+/// The parser cannot read the dates before the year 1000 that it writes.
 bool holdsDate(const PropertyValue& value) {
     return value.kind == PropertyValue::Kind::kDate ||
            std::any_of(value.items.begin(), value.items.end(), holdsDate) ||
            std::any_of(value.values.begin(), value.values.end(), holdsDate);
 }
 
-/// The list with one key more, which binary lists take whatever else they hold.
+/// Adds a key to a binary property list, and removes the key again. The other entries must not change.
 void checkEdit(const std::string& plist, PropertyValue root) {
     if (root.kind != PropertyValue::Kind::kDictionary || root.Find("added")) return;
     const auto edited = macplatform::EditBinaryPlist(plist, {{"added", macplatform::BooleanObject(true)}});
-    if (!edited) return; // who edits such a list leaves the file as it is
+    if (!edited) return; // The caller then keeps the file unchanged.
     std::string error;
     const auto again = ParsePropertyList(*edited, error);
-    Require(again != nullptr, "an edited list can be read");
+    Require(again != nullptr, "an edited property list can be read");
     PropertyValue value;
     value.kind = PropertyValue::Kind::kBoolean;
     value.text = "true";
     value.integer = 1;
     root.keys.push_back("added");
     root.values.push_back(value);
-    Require(ValueOf(again.get()) == root, "and has the key, and all that was there");
+    Require(ValueOf(again.get()) == root, "an edited property list has the key and all old entries");
     const auto back = macplatform::EditBinaryPlist(*edited, {{"added", std::nullopt}});
-    Require(back.has_value() && ParsePropertyList(*back, error) != nullptr, "the key goes away again");
+    Require(back.has_value() && ParsePropertyList(*back, error) != nullptr, "the key can be removed again");
 }
 
 } // namespace
@@ -114,19 +115,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes(Bytes(data, size));
     std::string error;
     const std::string plist = ToBinaryPlist(bytes, error);
-    Require(plist.empty() == !error.empty(), "no list has a reason");
+    Require(plist.empty() == !error.empty(), "there is an error exactly if there is no property list");
     const auto tree = plist.empty() ? nullptr : ParseBinaryPlist(plist, error);
-    Require((tree == nullptr) == !error.empty(), "no list has a reason");
+    Require((tree == nullptr) == !error.empty(), "there is an error exactly if there is no tree");
     if (!tree) return 0;
     const PropertyValue root = ValueOf(tree.get());
     checkEdit(plist, root);
     if (FormatOf(bytes) == PropertyListFormat::kBinary) return 0;
     checkXml(bytes, root);
-    if (bytes.find("&#") != bytes.npos || holdsDate(root))
-        return 0; // who rewrites such a list compares, and leaves the file as it is
+    // A caller that writes such a property list compares the result,
+    // and keeps the file unchanged if it differs.
+    if (bytes.find("&#") != bytes.npos || holdsDate(root)) return 0;
 
     const auto again = ParsePropertyList(ToXmlPlist(plist), error);
-    Require(again != nullptr, "its form can be written and read");
-    Require(ValueOf(again.get()) == root, "and is the same list");
+    Require(again != nullptr, "the XML that is written can be read");
+    Require(ValueOf(again.get()) == root, "the XML that is written has the same values");
     return 0;
 }

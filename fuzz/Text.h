@@ -1,14 +1,17 @@
 #pragma once
 
+/// @file
+/// Converts between the library's strings and bytes that may include NULs.
+
 #include <Kelbase/common/common_string.h>
 
 #include <string>
 #include <string_view>
 
-/// All bytes of a text, also those behind a NUL.
+/// Returns all bytes of a string, also those after a NUL.
 inline std::string BytesOf(const String& text) { return {text.Latin1(), text.GetLength()}; }
 
-/// A text of these bytes, also where there are NULs among them.
+/// Returns a string of these bytes, NULs included.
 inline String TextOf(std::string_view bytes) {
     String text;
     for (const char c : bytes) text += c;

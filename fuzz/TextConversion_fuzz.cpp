@@ -1,4 +1,4 @@
-// Conversions between UTF-8, UTF-16 and Mac Roman against the C library's own.
+// Converts strings between UTF-8, UTF-16 and Mac Roman. The results must equal those of the C library.
 
 #include "Property.h"
 #include "Text.h"
@@ -11,17 +11,17 @@
 
 namespace {
 
-/// One direction of the C library's conversion, strict.
+/// A conversion by the C library from one encoding to another, which stops at invalid input.
 class Conversion {
 public:
     Conversion(const char* to, const char* from) : state(iconv_open(to, from)) {
-        Require(state != reinterpret_cast<iconv_t>(-1), "the C library knows the encoding");
+        Require(state != reinterpret_cast<iconv_t>(-1), "the C library supports the encoding");
     }
     Conversion(const Conversion&) = delete;
     Conversion& operator=(const Conversion&) = delete;
     ~Conversion() { iconv_close(state); }
 
-    /// What could be converted; `rest` is what could not.
+    /// Returns the converted bytes. `rest` receives the input from the first invalid byte on.
     std::string Convert(std::string bytes, std::string& rest) {
         iconv(state, nullptr, nullptr, nullptr, nullptr);
         std::string out(bytes.size() * 4 + 8, '\0');
@@ -47,8 +47,8 @@ std::vector<unsigned short> unitsOf(const std::string& littleEndian) {
     return units;
 }
 
-/// UTF-8 as the Mac reads it: the C library's way, without a first byte order mark, and with a stray A9 as
-/// U+FFFD.
+/// Converts UTF-8 as the Mac does. The Mac differs from the C library in two cases: it drops a byte order
+/// mark at the start, and it converts a stray byte A9 to U+FFFD. Returns no value for invalid input.
 std::optional<std::string> utf16Of(std::string bytes) {
     static Conversion gConversion("UTF-16LE", "UTF-8");
     if (bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) bytes.erase(0, 3);
@@ -66,11 +66,12 @@ void checkBytes(const std::string& bytes) {
     const std::string read(BeforeNul(bytes));
     const auto expected = utf16Of(read);
     const shared_array<unsigned short> seen = TextOf(bytes).Unicode(1);
-    Require(static_cast<bool>(seen) == expected.has_value(), "UTF-8 is taken exactly when it is valid");
+    Require(static_cast<bool>(seen) == expected.has_value(), "UTF-8 is accepted exactly if it is valid");
     if (!expected) return;
     const std::vector<unsigned short> units = unitsOf(*expected);
-    for (std::size_t i = 0; i < units.size(); ++i) Require(seen[i] == units[i], "the same UTF-16");
-    Require(seen[units.size()] == 0, "ended by a 0");
+    for (std::size_t i = 0; i < units.size(); ++i)
+        Require(seen[i] == units[i], "the UTF-16 units are those of the C library");
+    Require(seen[units.size()] == 0, "the UTF-16 units end with a 0");
 }
 
 void checkUnits(const std::string& bytes) {
@@ -82,13 +83,15 @@ void checkUnits(const std::string& bytes) {
     std::string rest;
     const std::string expected = gConversion.Convert(bytes.substr(0, 2 * count), rest);
     const String text(units.data(), 1);
-    RequireEqual(BytesOf(text), rest.empty() ? expected : "", "UTF-16 to UTF-8, or nothing from half a pair");
+    RequireEqual(BytesOf(text), rest.empty() ? expected : "",
+                 "UTF-16 is converted to UTF-8, or to an empty string if it is invalid");
 
     const String roman(units.data(), 2);
     if (roman.GetLength() == 0) return;
-    Require(roman.GetLength() <= count, "a byte of Mac Roman for each unit, or for two that compose");
+    Require(roman.GetLength() <= count, "Mac Roman has at most one byte per unit");
     const shared_array<unsigned short> again = roman.Unicode(2);
-    RequireEqual(BytesOf(String(again.get(), 2)), BytesOf(roman), "Mac Roman goes there and back");
+    RequireEqual(BytesOf(String(again.get(), 2)), BytesOf(roman),
+                 "Mac Roman does not change on the way to UTF-16 and back");
 }
 
 } // namespace
