@@ -149,7 +149,7 @@ MacEntry* nextEntry(DIR* folder) {
 
 std::FILE* openFile(const char* path, const char* mode) { return DarwinOpen(path, mode); }
 int seek(std::FILE* file, std::int64_t place, int whence) { return fseeko(file, place, whence); }
-std::int64_t position(std::FILE* file) { return ftello(file); }
+std::int64_t filePosition(std::FILE* file) { return ftello(file); }
 void zero(void* bytes, std::size_t size) { std::memset(bytes, 0, size); }
 
 std::uint64_t divideUnsigned(std::uint64_t left, std::uint64_t right) { return left / right; }
@@ -179,7 +179,7 @@ const std::vector<DarwinCall>& DarwinFileCalls() {
         {"_fopen$UNIX2003", address(&openFile)},
         {"_fwrite$UNIX2003", address(&fwrite)},
         {"_fseeko", address(&seek)},
-        {"_ftello", address(&position)},
+        {"_ftello", address(&filePosition)},
         {"_strtod$UNIX2003", address(&strtod)},
         {"_strerror$UNIX2003", address(&strerror)},
         {"_chmod$UNIX2003", address(static_cast<int (*)(const char*, mode_t)>(&chmod))},

@@ -158,12 +158,12 @@ OSErr sendEvent(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) 
     if (codeOf(record, kKeyEventClass) != kAECoreSuite || codeOf(record, kKeyEventID) != kAEMove)
         return errAEEventNotHandled;
 
-    auto replyData = std::make_unique<Storage>(kTypeAppleEvent);
+    auto replyRecord = std::make_unique<Storage>(kTypeAppleEvent);
     if (const OSErr failed = moveAsTheFinderDoes(record)) {
-        putCode(*replyData, keyErrorNumber, 'long', SInt32{failed});
+        putCode(*replyRecord, keyErrorNumber, 'long', SInt32{failed});
         call.SetNote("the Finder returned " + std::to_string(failed));
     }
-    giveTo(reply, kTypeAppleEvent, std::move(replyData));
+    giveTo(reply, kTypeAppleEvent, std::move(replyRecord));
     return noErr;
 }
 
