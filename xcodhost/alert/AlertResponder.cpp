@@ -50,21 +50,21 @@ int buttonTyped(const std::string& typed, const std::vector<std::string>& button
 
 } // namespace
 
-AlertResponder::AlertResponder(AnswerPolicy answerPolicy, const Interruption& pendingSignals)
-    : policy(std::move(answerPolicy)), interruption(pendingSignals) {}
+AlertResponder::AlertResponder(AlertPolicy alertPolicy, const Interruption& pendingSignals)
+    : policy(std::move(alertPolicy)), interruption(pendingSignals) {}
 
 Answer AlertResponder::Respond(const macplatform::Alert& alert) {
-    if (policy.kind == AnswerPolicy::Kind::kAsk) return Ask(alert);
-    if (policy.kind == AnswerPolicy::Kind::kDesktop) {
+    if (policy.kind == AlertPolicy::Kind::kAsk) return Ask(alert);
+    if (policy.kind == AlertPolicy::Kind::kDesktop) {
         return ShowOnDesktop(policy.programs, messageOf(alert), buttonsOf(alert), interruption);
     }
     if (isStop(alert)) return {-1, "its resource is not available"};
-    if (policy.kind == AnswerPolicy::Kind::kFirst) return {0, {}};
+    if (policy.kind == AlertPolicy::Kind::kFirst) return {0, {}};
     return NextTitle(alert);
 }
 
 Answer AlertResponder::NextTitle(const macplatform::Alert& alert) {
-    if (nextTitle == policy.titles.size()) return {-1, "no prepared answer is left"};
+    if (nextTitle == policy.titles.size()) return {-1, "no title is left"};
     const std::string& title = policy.titles[nextTitle++];
     const std::vector<std::string> buttons = buttonsOf(alert);
     const auto button = std::find(buttons.begin(), buttons.end(), title);
@@ -78,7 +78,7 @@ Answer AlertResponder::Ask(const macplatform::Alert& alert) {
     std::string line;
     while (true) {
         WriteError("Button [1]: ");
-        if (!ReadLine(line)) return {-1, "no answer was given"};
+        if (!ReadLine(line)) return {-1, "no button was chosen"};
         const int button = buttonTyped(line, buttons);
         if (button >= 0) return {button, {}};
         WriteError("no button " + PrintableQuoted(line) + "; enter a number or a title\n");

@@ -15,7 +15,7 @@ namespace xcodhost {
 class Interruption;
 
 /// How the buttons of alerts are chosen.
-struct AnswerPolicy {
+struct AlertPolicy {
     enum class Kind {
         kAsk,     ///< The user chooses on standard input. The question goes to standard error.
         kDesktop, ///< The user chooses in a window of the desktop.
@@ -36,7 +36,7 @@ struct Answer {
 /// Answers the alerts of one run in order.
 class AlertResponder {
 public:
-    AlertResponder(AnswerPolicy answerPolicy, const Interruption& pendingSignals);
+    AlertResponder(AlertPolicy alertPolicy, const Interruption& pendingSignals);
 
     /// Returns the answer to an alert. The text and the buttons of a stop alert are in a resource of the
     /// installer, which the tool does not have: kFirst and kTitles count a stop alert as not shown and use up
@@ -48,7 +48,7 @@ private:
     Answer NextTitle(const macplatform::Alert& alert);
     bool ReadLine(std::string& line);
 
-    AnswerPolicy policy;
+    AlertPolicy policy;
     const Interruption& interruption;
     std::size_t nextTitle = 0;
     std::string typedAhead; ///< Input that has been read and is not used yet.

@@ -38,7 +38,7 @@ struct RunArguments {
     RunOptions options;
     std::optional<std::uint16_t> message;
     std::string event = "both";
-    std::string answers;
+    std::string answers; ///< The value of `--answers`.
     std::vector<CLI::Option*> excludedByBlock;
 };
 
@@ -98,8 +98,8 @@ std::vector<std::string> splitTitles(const std::string& text) {
     return titles;
 }
 
-AnswerPolicy policyFor(const std::string& text, bool isGiven) {
-    using Kind = AnswerPolicy::Kind;
+AlertPolicy policyFor(const std::string& text, bool isGiven) {
+    using Kind = AlertPolicy::Kind;
     if (!isGiven) return {isatty(STDIN_FILENO) == 1 ? Kind::kAsk : Kind::kFirst, {}, {}};
     if (text == "ask") return {Kind::kAsk, {}, {}};
     if (text == "desktop") return {Kind::kDesktop, {}, FindDialogPrograms()};
@@ -143,7 +143,7 @@ void describeBlock(CLI::App& run, RunArguments& arguments) {
         run.add_option("--event", arguments.event, "Events to deliver: pre, post or both (default)");
     event->type_name("EVENT");
     auto* message = addNumber(run, "--message", arguments.message, parseInteger<std::uint16_t>,
-                              "Deliver this message alone: 2 pre-install, 3 post-install, or any other");
+                              "Deliver this message only: 2 pre-install, 3 post-install, or any other");
     arguments.excludedByBlock = {product, language, selector, event, message};
     run.add_option("--block", options.blockFile,
                    "Deliver the bytes of this file as the parameter block (at least 614 bytes)")

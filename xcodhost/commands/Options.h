@@ -24,7 +24,7 @@ struct RunOptions {
     bool isDirect = false;               ///< Call the exported steps instead of the main entry.
     std::string volume;                  ///< Empty: a scratch sample volume.
     bool isDryRun = false;
-    AnswerPolicy answers;
+    AlertPolicy answers;
     bool hasTrace = false;
     bool isJson = false;
     double secondsPerCall = 10;

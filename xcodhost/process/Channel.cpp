@@ -31,17 +31,17 @@ void Channel::Send(const Message& message) const {
 int Channel::Ask(const macplatform::Alert& alert) const {
     if (getpid() != owner) return -1;
     Send(alert);
-    std::int32_t answer = -1;
-    char* const bytes = reinterpret_cast<char*>(&answer);
-    for (std::size_t got = 0; got < sizeof answer;) {
-        const ssize_t count = recv(socket, bytes + got, sizeof answer - got, 0);
+    std::int32_t button = -1;
+    char* const bytes = reinterpret_cast<char*>(&button);
+    for (std::size_t got = 0; got < sizeof button;) {
+        const ssize_t count = recv(socket, bytes + got, sizeof button - got, 0);
         if (count > 0) {
             got += static_cast<std::size_t>(count);
         } else if (count == 0 || errno != EINTR) {
             _exit(70);
         }
     }
-    return answer;
+    return button;
 }
 
 } // namespace xcodhost

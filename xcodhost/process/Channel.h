@@ -10,7 +10,7 @@
 namespace xcodhost {
 
 /// The child's end of the socket. The object does not own the descriptor. In a process that the bundle forks,
-/// `Tell` and `Ask` do nothing.
+/// `Send` and `Ask` do nothing.
 class Channel {
 public:
     Channel(int socketDescriptor, pid_t ownerProcess) : socket(socketDescriptor), owner(ownerProcess) {}

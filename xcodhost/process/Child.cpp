@@ -153,10 +153,10 @@ private:
 
     void Answer(macplatform::Alert&& alert) {
         const auto asked = Deadlines::Clock::now();
-        const std::int32_t answer = listener.onAlert(std::move(alert));
+        const std::int32_t button = listener.onAlert(std::move(alert));
         deadlines.Hold(Deadlines::Clock::now() - asked);
         // If the child has ended meanwhile, SendAll fails. The next call of Serve handles the end.
-        SendAll(socket.Number(), reinterpret_cast<const char*>(&answer), sizeof answer);
+        SendAll(socket.Number(), reinterpret_cast<const char*>(&button), sizeof button);
     }
 
     ChildLimits limits;

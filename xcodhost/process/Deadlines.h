@@ -6,7 +6,7 @@
 
 namespace xcodhost {
 
-/// The time limits of a child: one for the current call and one for the whole run.
+/// The time limits of a child: one for the current call and one for all calls of the run.
 class Deadlines {
 public:
     using Clock = std::chrono::steady_clock;

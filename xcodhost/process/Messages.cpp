@@ -24,7 +24,7 @@ json toJson(const CallReturned& call) {
 }
 
 json toJson(const macplatform::RecordedCall& entry) {
-    return {{"is", "journal"},
+    return {{"is", "platformCall"},
             {"call", entry.call},
             {"arguments", entry.arguments},
             {"result", entry.result},
@@ -53,7 +53,7 @@ json toJson(const Finding& finding) {
     return {{"is", "finding"}, {"expected", finding.expected}, {"seen", finding.seen}};
 }
 
-json toJson(const Skipped& given) { return {{"is", "gaveUp"}, {"reason", given.reason}}; }
+json toJson(const Skipped& skipped) { return {{"is", "skipped"}, {"reason", skipped.reason}}; }
 
 json toJson(const TableCell& cell) {
     return {{"is", "cell"},
@@ -94,7 +94,7 @@ std::optional<Message> messageFrom(const json& value) {
         return CallBegan{textAt(value, "function"), textAt(value, "arguments"), textAt(value, "event")};
     }
     if (is == "returned") return returnedFrom(value);
-    if (is == "journal") {
+    if (is == "platformCall") {
         return macplatform::RecordedCall{textAt(value, "call"),
                                          value.at("arguments").get<std::vector<std::string>>(),
                                          textAt(value, "result"), textAt(value, "note")};
@@ -104,7 +104,7 @@ std::optional<Message> messageFrom(const json& value) {
     if (is == "notLoaded") return LoadFailed{textAt(value, "reason"), textAt(value, "text")};
     if (is == "left") return ObjectsLeft{value.at("objects").get<std::vector<std::string>>()};
     if (is == "finding") return Finding{textAt(value, "expected"), textAt(value, "seen")};
-    if (is == "gaveUp") return Skipped{textAt(value, "reason")};
+    if (is == "skipped") return Skipped{textAt(value, "reason")};
     if (is == "cell") {
         return TableCell{value.at("product").get<std::int32_t>(), value.at("language").get<std::int32_t>(),
                          textAt(value, "seen"), value.at("right").get<bool>()};

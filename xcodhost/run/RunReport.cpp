@@ -15,10 +15,10 @@ std::string volumeText(const RunResult& result) {
 std::string alertLine(const AlertRecord& record) {
     std::string buttons;
     for (const std::string& title : record.alert.buttons) buttons += " [" + Printable(title) + ']';
-    const std::string answer = record.answer < 0
+    const std::string choice = record.button < 0
                                    ? "not shown" + (record.note.empty() ? "" : ", " + record.note)
                                    : Printable(record.Title());
-    return "  " + Describe(record.alert) + buttons + ": " + answer + '\n';
+    return "  " + Describe(record.alert) + buttons + ": " + choice + '\n';
 }
 
 std::string callLine(const macplatform::RecordedCall& entry) {

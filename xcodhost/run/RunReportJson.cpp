@@ -17,7 +17,7 @@ Json toJson(const AlertRecord& record) {
     value["message"] = record.alert.message;
     value["buttons"] = record.alert.buttons;
     value["resource"] = isStop ? Json(record.alert.resource) : Json();
-    value["answer"] = record.answer < 0 ? Json() : Json(record.Title());
+    value["answer"] = record.button < 0 ? Json() : Json(record.Title());
     value["note"] = record.note;
     return value;
 }

@@ -39,8 +39,8 @@ std::string SignalName(int number) {
 }
 
 std::string AlertRecord::Title() const {
-    if (answer < 0) return {};
-    const auto place = static_cast<std::size_t>(answer);
+    if (button < 0) return {};
+    const auto place = static_cast<std::size_t>(button);
     return place < alert.buttons.size() ? alert.buttons[place] : "OK";
 }
 

@@ -16,7 +16,7 @@ namespace xcodhost {
 /// An alert and its answer.
 struct AlertRecord {
     macplatform::Alert alert;
-    int answer = -1;  ///< The index of the chosen button. -1: not shown.
+    int button = -1;  ///< The index of the chosen button. -1: not shown.
     std::string note; ///< Why the alert was not shown.
 
     /// Returns the title of the chosen button. Returns an empty string if the alert was not shown.

@@ -85,7 +85,7 @@ TEST(Terminal, CountsTheEndOfTheInputAsNotShown) {
     TerminalRun run;
     run.ShownUntil(kPrompt);
     run.Type("\x04");
-    EXPECT_THAT(run.Report(), HasSubstr("[Yes] [No]: not shown, no answer was given\n"));
+    EXPECT_THAT(run.Report(), HasSubstr("[Yes] [No]: not shown, no button was chosen\n"));
 }
 
 TEST(Terminal, InterruptsTheRunAtCtrlC) {

@@ -126,7 +126,7 @@ protected:
         ASSERT_EQ(std::system(line.c_str()), 0) << command;
     }
     /// Returns the exported names that llvm-nm lists, sorted.
-    std::vector<std::string> NamesByNm(const std::string& file) const {
+    std::vector<std::string> NamesFromNm(const std::string& file) const {
         std::vector<std::string> names;
         std::istringstream lines(Printed("llvm-nm-14 --extern-only --defined-only --just-symbol-name '" +
                                          (folder / file).string() + "'"));
@@ -150,7 +150,7 @@ protected:
 };
 
 TEST_F(MachOFiles, HaveTheExportsThatNmLists) {
-    EXPECT_EQ(NamesByNm("library"), exports);
+    EXPECT_EQ(NamesFromNm("library"), exports);
     for (const char* file : {"thin.o", "library"}) {
         const MachOFile read = Read(file);
         ASSERT_EQ(read.images.size(), 1u);

@@ -39,9 +39,9 @@ std::uint32_t ask(const char* message, const std::vector<const char*>& titles) {
         Send(alert, "addButtonWithTitle:", button);
         CFRelease(button);
     }
-    const long answer = Send<long>(alert, "runModal");
+    const long result = Send<long>(alert, "runModal");
     Send<void>(alert, "release");
-    return static_cast<std::uint32_t>(answer - 999);
+    return static_cast<std::uint32_t>(result - 999);
 }
 
 void setErrorFlags(char* block, std::uint32_t flags) { std::memcpy(block + 8, &flags, sizeof flags); }

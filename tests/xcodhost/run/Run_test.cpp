@@ -104,7 +104,7 @@ struct AlertCase {
     const char* name;
     std::string answers; ///< The value of `--answers`. Empty: the option is not given.
     std::string input;
-    std::string report; ///< The answer in the report.
+    std::string report; ///< How the report ends the line of the alert.
     std::string noted;  ///< A part of standard error.
 };
 
@@ -122,14 +122,14 @@ TEST_P(AnAlert, GetsTheChosenAnswer) {
 }
 
 const AlertCase kAnswers[] = {
-    // name, --answers, standard input, answer in the report, part of standard error
+    // name, --answers, standard input, alert in the report, part of standard error
     {"DefaultWithoutATerminal", "", "2\n", "Yes", ""},
     {"First", "first", "", "Yes", ""},
     {"Title", "No,Yes", "", "No", ""},
     {"UnknownTitle", "Maybe", "", "not shown, it has no button \"Maybe\"", "Go on?\" was not shown: "},
     {"TypedNumber", "ask", "2\n", "No", "  2  No\n"},
     {"UnknownNumberThenTitle", "ask", "3\nNo\n", "No", "no button \"3\"; enter a number or a title\n"},
-    {"NothingTyped", "ask", "", "not shown, no answer was given", "  1  Yes\n"},
+    {"NothingTyped", "ask", "", "not shown, no button was chosen", "  1  Yes\n"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Run, AnAlert, testing::ValuesIn(kAnswers),
