@@ -20,13 +20,14 @@ unsigned int low32BitsOfSize(const Util::File& file) {
     return static_cast<unsigned int>(size);
 }
 
-/// Returns the file's text up to its first NUL. Throws FileIO if the file has become shorter since its size
-/// was taken, and ignores what has been added since.
+/// Opens the file and returns its text up to the first NUL. Reads as many bytes as the file has after
+/// it is opened. Throws FileIO if the file becomes shorter before the read. Ignores bytes that are
+/// added before the read.
 String readText(Util::File& file) {
     file.Open(Util::File::Read);
     const unsigned int size = low32BitsOfSize(file);
     const std::size_t capacity = std::size_t{size} + 1;
-    if (capacity == 0) throw std::bad_alloc(); // the terminator does not fit the address space
+    if (capacity == 0) throw std::bad_alloc(); // the address space has no place for the terminator
     std::vector<char> text(capacity);
     file.ReadBlock(text.data(), size);
     file.Close();
@@ -40,7 +41,7 @@ UpdateInterval readInterval(Util::File& file) {
 void storeInterval(UpdateInterval interval) {
     const int value = interval;
     const CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &value);
-    if (!number) return; // setting null would remove the value that is there
+    if (!number) return; // a null value would remove the stored value
     SetSystemPreference(UpdaterDomain(), CFSTR("UpdateInterval"), number);
     SynchronizeSystemPreferences(UpdaterDomain());
     CFRelease(number);

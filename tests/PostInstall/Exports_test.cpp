@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The last word of each line that a command prints.
+/// Returns the last word of each line that the command prints.
 std::vector<std::string> lastWords(const std::string& command) {
     std::vector<std::string> words;
     std::istringstream lines(Printed(command));
@@ -16,12 +16,12 @@ std::vector<std::string> lastWords(const std::string& command) {
     return words;
 }
 
-TEST(Exports, AreTheThreeThatTheInstallerLooksUp) {
+TEST(Exports, AreTheThreeFunctionsOfTheInstaller) {
     EXPECT_THAT(lastWords(NM " -D --defined-only '" PLUGIN_EXECUTABLE "'"),
                 testing::UnorderedElementsAre("MyFactory", "PreInstall", "PostInstall"));
 }
 
-TEST(Imports, HoldNoThreadsAndNoLocks) {
+TEST(Imports, ContainNoThreadsAndNoLocks) {
     for (const std::string files : {PLUGIN_OBJECTS, LIBRARY_ARCHIVE}) {
         const auto imports = lastWords(NM " --undefined-only " + files);
         EXPECT_THAT(imports, testing::Contains(testing::HasSubstr("CFString"))) << files;
@@ -32,7 +32,7 @@ TEST(Imports, HoldNoThreadsAndNoLocks) {
     }
 }
 
-TEST(Imports, ComeFromThePlatformAndTheLanguage) {
+TEST(Imports, ComeOnlyFromThePlatformAndTheRuntime) {
     const auto libraries = lastWords(READELF " -d '" PLUGIN_EXECUTABLE "' | grep NEEDED");
     EXPECT_THAT(libraries, testing::Contains("[libmacplatform.so.1]"));
     EXPECT_THAT(libraries,

@@ -31,7 +31,8 @@ LoadedPlugIn load(const CFUUIDBytes& typeBytes) {
     return {plugIn, type, factory};
 }
 
-/// One line for a call that changes something or opens a file; empty for any other.
+/// Returns one line for a call that stores something or opens a file. Returns an empty string
+/// for any other call.
 std::string effectOf(const macplatform::RecordedCall& entry) {
     const auto& a = entry.arguments;
     if (entry.call == "CFPreferencesSetValue") {
@@ -53,7 +54,7 @@ const LoadedPlugIn& plugIn() {
 } // namespace
 
 InstallerHost::InstallerHost() {
-    XCodInstance* const instance = NewInstance(); // what loading the bundle leaves behind is no leak
+    XCodInstance* const instance = NewInstance(); // objects from the load of the bundle stay and are no leak
     instance->functionBlock->Release(instance);
     if (!macplatform::SetStartupVolume(volume.Path().string())) throw std::runtime_error("no startup volume");
     macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) {

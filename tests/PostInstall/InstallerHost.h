@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-/// Loads the built bundle as the installer does, once a program, and delivers events to it on a startup
-/// volume of the test's own. Notes in order what the plug-in does to the outside.
+/// Loads the built bundle as the installer does, once for each program. Delivers events to the bundle on a
+/// startup volume that belongs to the test. Records the platform calls of the plug-in in order.
 class InstallerHost : public testing::Test {
 protected:
     struct Event {
@@ -23,17 +23,18 @@ protected:
     using Step = void (*)(XCodParamBlock*);
 
     InstallerHost();
-    ~InstallerHost() override; ///< Fails the test when a platform object is left or an ordered fault unused.
+    /// Fails the test if a platform object leaks or an injected fault did not occur.
+    ~InstallerHost() override;
 
-    static CFUUIDRef Factory(); ///< The one that the property list names; lent.
+    static CFUUIDRef Factory(); ///< The factory that the property list names. Not retained.
     static XCodInstance* NewInstance();
     static void* Exported(const char* name);
 
-    /// Calls `XCodMain` of a fresh instance, or the given step itself, with a block at an odd address.
-    /// Answers the error flags; fails the test when anything else of the block has changed.
+    /// Calls `XCodMain` of a new instance, or `step` if it is given, with a block at an odd address. Returns
+    /// the error flags. Fails the test if any other byte of the block changes.
     static std::uint32_t Deliver(const Event& event, Step step = nullptr);
 
-    /// What the preferences of a domain say, as "KEY = VALUE"; empty without a file.
+    /// Returns the preferences of a domain as "KEY = VALUE". Returns no texts if there is no file.
     Texts Preferences(const std::string& domain) const;
     std::string OnVolume(const std::string& macPath) const { return volume.Path().string() + macPath; }
 
@@ -41,8 +42,8 @@ protected:
                                                 0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8};
 
     TemporaryFolder volume;
-    Texts effects; ///< One line each: values set, synchronisations, files opened, alerts, Finder flags.
-    Texts calls;   ///< Every platform call by its name.
+    Texts effects; ///< Set values, synchronisations, opened files, alerts and set Finder flags.
+    Texts calls;   ///< The names of all platform calls.
 
 private:
     std::size_t liveBefore = 0;

@@ -1,5 +1,4 @@
-// What a host cannot see of the instance. The plug-in contract itself is tried by the validation of the
-// bundle, whose checks each have a broken plug-in that shows them to work.
+// Parts of the instance that no host observes. `xcodhost validate` verifies the plug-in contract itself.
 
 #include "InstallerHost.h"
 
@@ -9,12 +8,12 @@ namespace {
 
 using PluginEntry = InstallerHost;
 
-TEST_F(PluginEntry, FactoryRefusesNoType) {
+TEST_F(PluginEntry, FactoryRejectsANullType) {
     const auto factory = reinterpret_cast<CFPlugInFactoryFunction>(Exported("MyFactory"));
     EXPECT_EQ(factory(kCFAllocatorDefault, nullptr), nullptr);
 }
 
-TEST_F(PluginEntry, LastReleaseLeavesTheBookkeepingOfAKnownFactory) {
+TEST_F(PluginEntry, LastReleaseUnregistersTheInstanceFromItsFactory) {
     XCodInstance* const instance = NewInstance();
     instance->factoryID = Factory();
     CFRetain(instance->factoryID);

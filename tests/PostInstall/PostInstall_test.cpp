@@ -18,7 +18,7 @@
 /// Called once, after the next `fstat` of this process.
 static std::function<void()> gAfterNextFstat;
 
-// In the place of the C library's. 32-bit code calls it by its name for large files.
+// Replaces the function of the C library. Its variant for large files in 32-bit code is fstat64.
 extern "C" int fstat(int file, struct stat* status) noexcept {
     using Fstat = int (*)(int, struct stat*);
     const char* const name = sizeof(long) == 4 ? "fstat64" : "fstat";
@@ -55,7 +55,7 @@ protected:
     }
 };
 
-TEST_F(PostInstallStep, WorksInOrder) {
+TEST_F(PostInstallStep, StoresPreferencesBeforeFinderFlags) {
     WriteStatus("UpdatesEnabled");
     MakeItem(kFolder, true, 0);
     MakeItem(kIcon, false, 0);
@@ -105,7 +105,7 @@ TEST_F(PostInstallStep, MissingStatusFileMeansTheDefault) {
     EXPECT_EQ(Preferences(kUpdater), Texts{kEnabled});
 }
 
-TEST_F(PostInstallStep, UnopenedStatusFileIsNotedBeforeTheDefault) {
+TEST_F(PostInstallStep, UnopenedStatusFileStoresTheFailureBeforeTheDefault) {
     WriteStatus("disabled");
     macplatform::InjectFault({"fopen", EACCES});
     EXPECT_EQ(Deliver({3}), 0U);
@@ -121,9 +121,9 @@ TEST_F(PostInstallStep, UnopenedStatusFileIsNotedBeforeTheDefault) {
     EXPECT_THAT(Preferences("com.korvane.audioplugins.Fusewright"), testing::SizeIs(1));
 }
 
-TEST_F(PostInstallStep, FolderInThePlaceOfTheStatusFileIsNoted) {
-    const std::string inPlace =
-        volume.Write(std::string(kStatusFile + 1) + "/entry"); // so that it has a size
+TEST_F(PostInstallStep, FolderInsteadOfTheStatusFileStoresTheFailure) {
+    // The entry gives the folder a size on every file system.
+    const std::string inPlace = volume.Write(std::string(kStatusFile + 1) + "/entry");
     EXPECT_EQ(Deliver({3}), 0U);
     EXPECT_THAT(
         Preferences(kUpdater),
@@ -132,7 +132,7 @@ TEST_F(PostInstallStep, FolderInThePlaceOfTheStatusFileIsNoted) {
             kEnabled));
 }
 
-TEST_F(PostInstallStep, UserWithoutReadPermissionGetsTheFailureNoted) {
+TEST_F(PostInstallStep, MissingReadPermissionStoresTheFailure) {
     WriteStatus("UpdatesEnabled");
     fs::permissions(OnVolume(kStatusFile), fs::perms::none);
     fs::create_directories(OnVolume("/Library/Preferences"));
@@ -143,14 +143,15 @@ TEST_F(PostInstallStep, UserWithoutReadPermissionGetsTheFailureNoted) {
                 testing::UnorderedElementsAre("InstallStatus = \"Error opening file\"", kEnabled));
 }
 
-TEST_F(PostInstallStep, PipeInThePlaceOfTheStatusFileIsEmpty) {
+TEST_F(PostInstallStep, PipeInsteadOfTheStatusFileCountsAsEmpty) {
     fs::create_directories(fs::path(OnVolume(kStatusFile)).parent_path());
     ASSERT_EQ(mkfifo(OnVolume(kStatusFile).c_str(), 0600), 0);
-    EXPECT_EQ(Deliver({3}), 0U) << "and nobody waits for a writer";
+    EXPECT_EQ(Deliver({3}), 0U) << "the step does not wait for a writer";
     EXPECT_EQ(Preferences(kUpdater), Texts{kDisabled});
 }
 
-/// At whichever system call the file loses its end: it is read whole before, cut, or found to be too short.
+/// Truncates the file at each system call of the step in turn. Each run must read the whole file, read the
+/// short file, or store the failure.
 TEST_F(PostInstallStep, StatusFileMayShrinkWhileItIsRead) {
     const std::string text = "UpdatesEnabled" + std::string(50000, '.');
     const auto deliver = [] { return static_cast<int>(Deliver({3})); };
@@ -166,15 +167,15 @@ TEST_F(PostInstallStep, StatusFileMayShrinkWhileItIsRead) {
         const bool isRead = stored == Texts{kEnabled} || stored == Texts{kDisabled};
         if (end.status != 0 || (!isNoted && !isRead)) ++lost;
         noted += isNoted ? 1 : 0;
-        goesOn =
-            end.isReached && (noted == 0 || stored != Texts{kEnabled}); // until it was read before it was cut
+        // The loop ends at the first run that reads the whole file before the truncation.
+        goesOn = end.isReached && (noted == 0 || stored != Texts{kEnabled});
     }
     EXPECT_EQ(lost, 0U);
     EXPECT_GT(noted, 0U);
-    TallyFault("status file cut at a system call of its reader", stop, lost);
+    TallyFault("status file truncated at a system call of its reader", stop, lost);
 }
 
-/// The file gets its new size right after the step has taken its size for the first time.
+/// Changes the size of the file directly after the first fstat of the step.
 TEST_F(PostInstallStep, FirstSizeOfTheStatusFileCounts) {
     const std::string text = "UpdatesEnabled" + std::string(100, '.');
     const auto deliverWithSize = [&](std::uintmax_t size) {
@@ -182,7 +183,7 @@ TEST_F(PostInstallStep, FirstSizeOfTheStatusFileCounts) {
         fs::remove_all(OnVolume("/Library/Preferences"));
         gAfterNextFstat = [&] { fs::resize_file(OnVolume(kStatusFile), size); };
         EXPECT_EQ(Deliver({3}), 0U);
-        EXPECT_FALSE(gAfterNextFstat) << "nothing took the size";
+        EXPECT_FALSE(gAfterNextFstat) << "the step did not call fstat";
         return Preferences(kUpdater);
     };
     EXPECT_THAT(deliverWithSize(4),
@@ -201,7 +202,7 @@ TEST_F(PostInstallStep, SizeCountsModulo4GiB) {
     EXPECT_EQ(Preferences(kUpdater), Texts{kDisabled});
 }
 
-TEST_F(PostInstallStep, RunningOutOfMemoryReachesTheHost) {
+TEST_F(PostInstallStep, OutOfMemoryExceptionReachesTheHost) {
     WriteStatus("UpdatesEnabled");
     {
         const ScarceMemory scarce(0x7FFFFFFF);
@@ -213,11 +214,11 @@ TEST_F(PostInstallStep, RunningOutOfMemoryReachesTheHost) {
     EXPECT_EQ(Preferences(kUpdater), Texts{});
 }
 
-TEST_F(PostInstallStep, MissingOrRefusingItemsAreSkipped) {
+TEST_F(PostInstallStep, MissingOrFailingItemsAreSkipped) {
     EXPECT_EQ(Deliver({3, 1234}), 0U);
     EXPECT_EQ(effects, Texts{});
 
-    MakeItem(kFolder, true, 0); // and no icon
+    MakeItem(kFolder, true, 0); // without an icon file
     EXPECT_EQ(Deliver({3, 1234}), 0U);
     EXPECT_EQ(Flags(kFolder), 0x0400);
 
@@ -226,7 +227,7 @@ TEST_F(PostInstallStep, MissingOrRefusingItemsAreSkipped) {
          {"FSSetCatalogInfo", "FSGetCatalogInfo", "CFURLGetFSRef", "CFURLCreateWithFileSystemPath"}) {
         MakeItem(kFolder, true, 0x4000);
         MakeItem(kIcon, false, 0x0400);
-        macplatform::InjectFault({call, permErr}); // for the folder, whose refusal must not stop the icon
+        macplatform::InjectFault({call, permErr}); // for the folder: the icon file must get its flag
         EXPECT_EQ(Deliver({3, 1234}), 0U) << call;
         EXPECT_EQ(Flags(kFolder), 0x4000) << call;
         EXPECT_EQ(Flags(kIcon), 0x4000) << call;

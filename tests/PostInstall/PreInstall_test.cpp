@@ -14,7 +14,7 @@ TEST_F(PreInstallStep, SetsOneValueThenSynchronizes) {
     };
     EXPECT_EQ(Deliver({2, 4900}), 0U);
     EXPECT_EQ(effects, expected);
-    // Called by its own name, the step does not look at the message.
+    // The exported step ignores the message.
     const auto step = reinterpret_cast<Step>(Exported("PreInstall"));
     effects.clear();
     calls.clear();
@@ -30,7 +30,7 @@ TEST_F(PreInstallStep, UnwritablePreferencesAreNotReported) {
     EXPECT_EQ(ReadBytes(OnVolume("/Library/Preferences/com.korvane.updater.plist")), "no property list");
 
     volume.Write("Library/Preferences/com.korvane.updater.plist",
-                 "<plist version=\"1.0\"><dict/></plist>"); // for the value that waits
+                 "<plist version=\"1.0\"><dict/></plist>"); // the pending value can now be stored
     EXPECT_EQ(Deliver({2}), 0U);
     EXPECT_EQ(Preferences("com.korvane.updater"),
               Texts{"InstalledProducts/Fusewright/CurrentVersion = \"1.73\""});

@@ -1,5 +1,6 @@
 #!/bin/sh
-# What a newcomer does with what is delivered, in a folder that is moved first: package_test.sh library|archives BUILD
+# Uses the installed library or the packages as a new user does, in a directory that is moved after the installation.
+# Usage: package_test.sh library|archives BUILD
 set -eu
 sources=$(cd "$(dirname "$0")/../.." && pwd)
 outside=$sources/tests/package/outside
@@ -9,9 +10,9 @@ trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 export CXXFLAGS=-O0 CMAKE_GENERATOR=Ninja
 
-# says PROGRAM: the outside program runs and is right.
+# says PROGRAM: fails unless the program prints the right result.
 says() {
-    [ "$(LD_LIBRARY_PATH=$folder/moved/lib "$1")" = "a 0.50" ] || { echo "$1 does not work" >&2; exit 1; }
+    [ "$(LD_LIBRARY_PATH=$folder/moved/lib "$1")" = "a 0.50" ] || { echo "$1: wrong output" >&2; exit 1; }
 }
 
 library() {
@@ -23,7 +24,7 @@ library() {
     says found/outside
 
     (cd moved/include && find Kelbase Vellora -name '*.h' | sed 's/.*/#include <&>/') >every.h
-    # shellcheck disable=SC2046 # one argument a flag
+    # shellcheck disable=SC2046 # each flag is one argument
     c++ -std=c++17 -Wall -Wextra -Werror -include ./every.h "$outside/main.cpp" -o plain \
         $(PKG_CONFIG_PATH=moved/lib/pkgconfig pkg-config --cflags --libs kelbase)
     says ./plain
@@ -33,7 +34,7 @@ library() {
     says beside/outside
 }
 
-# ends_in LINE COMMAND...: the command's last line is that one.
+# ends_in LINE COMMAND...: fails unless the last line that the command prints begins with LINE.
 ends_in() {
     line=$1
     shift
@@ -41,7 +42,7 @@ ends_in() {
     tail -n 1 report.txt | grep -q "^$line" || { cat report.txt >&2; exit 1; }
 }
 
-# tool FOLDER: the tool there runs the plug-in beside it, with its own libraries.
+# tool FOLDER: fails unless the tool in FOLDER runs the plug-in of FOLDER with the libraries of FOLDER.
 tool() {
     ends_in 'DONE 5 changes' "$1/bin/xcodhost" run "$1/lib/kelbase/PostInstall.bundle" --product 4900 --language 11
     ends_in PASS "$1/bin/xcodhost" validate "$1/lib/kelbase/PostInstall.bundle"

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the installer and its plug-ins agreed upon: identifiers, the interface's function block, and the
-/// parameter block. The tool's own knowledge; it shares no header with any plug-in.
+/// The contract between the installer and its plug-ins: identifiers, function block and parameter block. The
+/// tool shares no header with a plug-in, so that an error in a plug-in's header cannot hide from the tool.
 
 #include <CoreFoundation/CFPlugInCOM.h>
 
@@ -22,18 +22,18 @@ inline constexpr CFUUIDBytes kPluginType = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 
 inline constexpr CFUUIDBytes kHostInterface = {0x00, 0xD5, 0xFB, 0xFE, 0x3D, 0x3D, 0x40, 0xE2,
                                                0x9D, 0xCB, 0x92, 0xED, 0x69, 0x58, 0x34, 0xF8};
 
-/// IUnknown's: 00000000-0000-0000-C000-000000000046
+/// IUnknown: 00000000-0000-0000-C000-000000000046
 inline constexpr CFUUIDBytes kUnknownInterface = {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
                                                   0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46};
 
 inline constexpr const char* kFactoryFunction = "MyFactory";
 
-/// 8-4-4-4-12 upper-case digits.
+/// Returns the identifier as upper-case hexadecimal digits in groups of 8, 4, 4, 4 and 12.
 std::string Describe(const CFUUIDBytes& identifier);
 
 using DeliverFunction = void (*)(void* block);
 
-/// What the first word of an instance points at.
+/// The table of functions that the first word of an instance points to.
 struct FunctionBlock {
     IUNKNOWN_C_GUTS;
     DeliverFunction main;
@@ -43,17 +43,18 @@ inline constexpr std::uint16_t kInstallerSelector = 1000;
 inline constexpr std::uint16_t kPreInstall = 2;
 inline constexpr std::uint16_t kPostInstall = 3;
 
-/// "pre-install", "post-install", or "message N".
+/// Returns "pre-install", "post-install" or "message N".
 std::string EventName(std::uint16_t message);
 
-/// The host's parameter block: native byte order, fields at fixed places without regard to alignment.
+/// The host's parameter block. Its fields are in native byte order, at fixed offsets and without alignment.
 class ParameterBlock {
 public:
-    static constexpr std::size_t kSize = 614; ///< Up to the end of the last field that a plug-in may read.
+    /// The size up to the end of the last field that a plug-in may read.
+    static constexpr std::size_t kSize = 614;
 
     ParameterBlock(std::uint16_t selector, std::uint16_t message, std::int32_t product,
                    std::int32_t language);
-    /// Takes the bytes as they are; at least `kSize` of them.
+    /// Holds the given bytes, which must be at least `kSize`.
     explicit ParameterBlock(std::vector<char> blockBytes) : bytes(std::move(blockBytes)) {}
 
     std::uint16_t Selector() const { return Field<std::uint16_t>(0); }
@@ -63,16 +64,16 @@ public:
     std::int32_t Language() const { return Field<std::int32_t>(610); }
 
     void SetErrorFlags(std::uint32_t flags) { SetField(8, flags); }
-    /// Fills the fields that are the host's alone.
+    /// Fills the fields that only the host uses.
     void FillHostFields(char byte) { std::fill(bytes.begin() + 12, bytes.begin() + 610, byte); }
 
     const std::vector<char>& Bytes() const { return bytes; }
 
-    /// "selector 1000, message 2 (pre-install), product 4900, language 11"
+    /// Returns text such as "selector 1000, message 2 (pre-install), product 4900, language 11"
     std::string Describe() const;
 
-    /// "20 to 23": the first and last place where `other`, of the same size, differs outside the error flags;
-    /// empty when nowhere.
+    /// Returns the offsets of the first and the last byte that differ from `other`, for example "20 to 23".
+    /// Ignores the error flags. Returns an empty string if no byte differs. `other` has the same size.
     std::string BytesChangedElsewhere(const ParameterBlock& other) const;
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
-/// What the maker's products and the plug-in agreed upon: product codes, preferences, languages, paths.
+/// The contract between the vendor's products and the plug-in: product codes,
+/// preferences, languages and paths.
 
 #include <array>
 #include <cstdint>
@@ -9,8 +10,8 @@ namespace xcodhost {
 
 struct ProductContract {
     std::int32_t code;
-    const char* domain;    ///< Its preferences domain, the bundle identifier.
-    const char* shortName; ///< In the updater's keys.
+    const char* domain;    ///< The preferences domain, which is the product's bundle identifier.
+    const char* shortName; ///< The product's name in the updater's keys.
 };
 
 inline constexpr std::array<ProductContract, 7> kProducts = {{
@@ -23,7 +24,7 @@ inline constexpr std::array<ProductContract, 7> kProducts = {{
     {4900, "com.korvane.audioplugins.Fusewright", "Fusewright"},
 }};
 
-/// Near the known codes, of their low 16 bits, and at the ends of the range.
+/// Codes near the known ones, codes with the low 16 bits of a known one, and the limits of the range.
 inline constexpr std::array<std::int32_t, 9> kUnknownProducts = {
     0, 1234, 1399, 1401, -1, 4900 + 0x10000, -4900, INT32_MAX, INT32_MIN};
 
@@ -47,7 +48,7 @@ inline constexpr std::array<LanguageContract, 12> kLanguages = {{
     {11, "ja"},
 }};
 
-/// These mean English as well.
+/// Language codes outside the table. They also mean English.
 inline constexpr std::array<std::int32_t, 7> kOtherLanguages = {12,           13,        -1,       11 + 0x100,
                                                                 11 + 0x10000, INT32_MAX, INT32_MIN};
 

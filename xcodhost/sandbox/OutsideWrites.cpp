@@ -31,7 +31,8 @@ namespace {
 
 using Stop = __ptrace_syscall_info;
 
-/// The kernel stops this process at the writing calls from now on, and lets all others pass at full speed.
+/// Installs a filter with which the kernel stops this process at each writing call. Other calls run at full
+/// speed. Returns false if the kernel rejects the filter.
 bool stopAtWritingCalls() {
     std::vector<sock_filter> program = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
     for (const WritingCall& call : WritingCalls()) {
@@ -49,12 +50,13 @@ std::string linkOf(pid_t process, const std::string& what) {
     return fs::read_symlink("/proc/" + std::to_string(process) + '/' + what, ignored).string();
 }
 
+/// Supervises a traced child and its descendants, and records their writes outside the allowed directory.
 class Watch {
 public:
     Watch(pid_t tracedChild, std::string allowedFolder)
         : child(tracedChild), allowed(std::move(allowedFolder)) {}
 
-    /// Until the child has ended; its status as waitpid gives it.
+    /// Serves the stops until the child ends. Returns the child's status from waitpid.
     int Serve() {
         constexpr long options = PTRACE_O_TRACESECCOMP | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK |
                                  PTRACE_O_TRACECLONE | PTRACE_O_EXITKILL;
@@ -89,7 +91,7 @@ private:
         if (call->flags >= 0 && !Writes(static_cast<int>(Argument(stop, call->flags)))) return;
         const std::string path = PathOf(process, stop, call->first);
         if (CanChange(*call, path)) Judge(*call, path);
-        Judge(*call, PathOf(process, stop, call->second)); // where something is moved to
+        Judge(*call, PathOf(process, stop, call->second));
     }
 
     static bool Writes(int flags) {
@@ -97,19 +99,21 @@ private:
     }
     static std::uint64_t Argument(const Stop& stop, int place) { return stop.seccomp.args[place]; }
 
+    /// Records the call if its path is outside the allowed directory. Records equal calls once.
     void Judge(const WritingCall& call, const std::string& path) {
         if (path.empty() || IsAllowed(path)) return;
         std::string text = std::string(call.name) + ' ' + PrintableQuoted(path);
         if (std::find(calls.begin(), calls.end(), text) == calls.end()) calls.push_back(std::move(text));
     }
 
+    /// Returns whether the call can change the item, which depends on whether the item exists.
     static bool CanChange(const WritingCall& call, const std::string& path) {
         struct stat status {};
         const bool exists = lstat(path.c_str(), &status) == 0;
         return call.flags >= 0 || exists != call.makes;
     }
 
-    /// Empty for no target.
+    /// Returns the absolute path of a target. Returns an empty string if the call has no such target.
     static std::string PathOf(pid_t process, const Stop& stop, const WritingCall::Target& target) {
         if (target.folder < 0 && target.path < 0) return {};
         const auto folder = [&]() -> std::string {
@@ -127,15 +131,16 @@ private:
         // NOLINTNEXTLINE(performance-no-int-to-ptr): an address of the other process
         iovec there{reinterpret_cast<void*>(static_cast<std::uintptr_t>(address)), text.size()};
         ssize_t count = process_vm_readv(process, &here, 1, &there, 1, 0);
-        for (std::size_t size = 256; count < 0 && size > 0;
-             size /= 2) { // less of it where the page behind is none
+        // Reads less if the next page is not mapped.
+        for (std::size_t size = 256; count < 0 && size > 0; size /= 2) {
             there.iov_len = size;
             count = process_vm_readv(process, &here, 1, &there, 1, 0);
         }
         return text.substr(0, strnlen(text.c_str(), count < 0 ? 0 : static_cast<std::size_t>(count)));
     }
 
-    /// A link in last place may be what is made or removed, so that only its folder is resolved.
+    /// Resolves links in the directory of the path, but not the last name: the call may create
+    /// or remove a link.
     bool IsAllowed(const std::string& path) const {
         if (path == "/dev/null" || path == "/dev/tty") return true;
         std::error_code error;
@@ -155,14 +160,15 @@ private:
     _exit(WEXITSTATUS(status));
 }
 
-constexpr int kBodyDone = 86; ///< Exit statuses of the child that nobody else uses.
+// Exit statuses of the child that only this file uses.
+constexpr int kBodyDone = 86;
 constexpr int kCannotWatch = 87;
 
 } // namespace
 
 WatchedRun WatchWrites(const std::string& folder, const Channel& channel, const WatchedBody& run) {
     const pid_t child = fork();
-    if (child < 0) return {{}, std::string("no process: ") + std::strerror(errno)};
+    if (child < 0) return {{}, std::string("fork: ") + std::strerror(errno)};
     if (child == 0) {
         if (ptrace(PTRACE_TRACEME, 0, 0, 0) < 0) _exit(kCannotWatch);
         if (raise(SIGSTOP) != 0) _exit(kCannotWatch);
@@ -175,7 +181,7 @@ WatchedRun WatchWrites(const std::string& folder, const Channel& channel, const 
     Watch watch(child, fs::canonical(folder, ignored).string());
     const int status = watch.Serve();
     if (WIFEXITED(status) && WEXITSTATUS(status) == kCannotWatch) {
-        return {{}, "system calls cannot be watched here"};
+        return {{}, "ptrace and seccomp: this machine does not permit tracing"};
     }
     if (!WIFEXITED(status) || WEXITSTATUS(status) != kBodyDone) dieAs(status);
     return {std::move(watch.calls), {}};

@@ -1,5 +1,7 @@
 #pragma once
 
+/// Detects system calls of a bundle that change items outside its startup volume.
+
 #include "process/Channel.h"
 
 #include <functional>
@@ -9,16 +11,17 @@
 namespace xcodhost {
 
 struct WatchedRun {
-    std::vector<std::string> calls; ///< `openat "/tmp/x"`: each that would have changed something outside.
-    std::string problem;            ///< Why nothing could be watched; empty when it was.
+    std::vector<std::string>
+        calls;           ///< Each call that changes an item outside, for example `openat "/tmp/x"`.
+    std::string problem; ///< Why the run was not traced. Empty if the run was traced.
 };
 
-/// What is watched: `run` is called in a child of this process and calls `watch` where the watching begins.
+/// The code to trace. It runs in a child process. It calls `watch` to begin the detection.
 using WatchedBody = std::function<void(const Channel& channel, const std::function<void()>& watch)>;
 
-/// Stops at every system call of the child, and of whatever it starts, that makes, changes or removes
-/// something by its path or descriptor, and tells those that fall outside of the folder. The calls are
-/// carried out all the same. Dies as the child does when that crashes or exits early.
+/// Runs `run` in a child process. Returns the system calls of the child and of its descendants that create,
+/// change or remove an item outside `folder` by path or descriptor. Does not prevent these calls. If the
+/// child crashes or exits early, ends this process with the child's status.
 WatchedRun WatchWrites(const std::string& folder, const Channel& channel, const WatchedBody& run);
 
 } // namespace xcodhost

@@ -1,26 +1,57 @@
 #pragma once
 
+/// The system calls that can change items of a file system, and where their arguments are.
+
 #include <vector>
 
 namespace xcodhost {
 
-/// A system call that can change what a path or descriptor names. Arguments are told by their places; -1: it
-/// has none.
+/// A system call that can change the item that a path or a descriptor names. Positions of arguments count
+/// from 0. A position of -1 means that the call has no such argument.
 struct WritingCall {
-    long number;
-    const char* name;
     struct Target {
-        int folder = -1; ///< A descriptor that the path is relative to, or that is meant itself.
+        int folder = -1; ///< The directory descriptor of a relative path. Without a path: the item itself.
         int path = -1;
     };
+
+    WritingCall(long callNumber, const char* callName) : number(callNumber), name(callName) {}
+    /// Sets the argument with the path of the item.
+    WritingCall& Path(int path) { return PathIn(-1, path); }
+    /// Sets the arguments with the directory descriptor and the path of the item.
+    WritingCall& PathIn(int folder, int path) {
+        first = {folder, path};
+        return *this;
+    }
+    /// Sets the argument with the descriptor of the item.
+    WritingCall& Descriptor(int descriptor) { return PathIn(descriptor, -1); }
+    /// Sets the argument with the new path of a renamed item.
+    WritingCall& NewPath(int path) { return NewPathIn(-1, path); }
+    /// Sets the arguments with the directory descriptor and the new path of a renamed item.
+    WritingCall& NewPathIn(int folder, int path) {
+        second = {folder, path};
+        return *this;
+    }
+    /// Sets the argument with the flags of open. A call that opens an item only to read changes nothing.
+    WritingCall& OpenFlags(int argument) {
+        flags = argument;
+        return *this;
+    }
+    /// Marks a call that creates its item. The call changes nothing if the item exists. An unmarked call
+    /// without flags changes nothing if the item does not exist.
+    WritingCall& Creates() {
+        makes = true;
+        return *this;
+    }
+
+    long number;
+    const char* name;
     Target first;
-    Target second = {};
-    int flags = -1;     ///< Of an opening call: it changes nothing where they only ask to read.
-    bool makes = false; ///< It changes nothing where the last target is there already; any other call does
-                        ///< where it is.
+    Target second; ///< The new path of a renamed item.
+    int flags = -1;
+    bool makes = false;
 };
 
-/// Those of this machine's own calling convention.
+/// Returns the calls of the machine's own calling convention.
 const std::vector<WritingCall>& WritingCalls();
 
 } // namespace xcodhost

@@ -49,7 +49,7 @@ std::vector<const Check*> MatchingChecks(const std::vector<std::string>& pattern
         if (std::none_of(AllChecks().begin(), AllChecks().end(),
                          [&](const Check& check) { return isMatch(pattern, check); })) {
             throw UsageError(PrintableQuoted(pattern) +
-                             " matches no check; xcodhost list checks shows them all");
+                             " matches no check; \"xcodhost list checks\" prints all ids");
         }
     }
     return matching;

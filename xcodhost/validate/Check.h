@@ -1,10 +1,12 @@
 #pragma once
 
-/// One thing that holds for every plug-in that the installer can work with.
+/// The checks of `xcodhost validate`: a check is one statement that holds for every
+/// plug-in of this installer.
 
 #include "ExitStatus.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace xcodhost {
@@ -12,22 +14,43 @@ namespace xcodhost {
 class CheckRun;
 
 struct Check {
-    const char* id;       ///< Stable: "group.name".
-    const char* sentence; ///< What holds.
-    const char* why;      ///< What goes wrong where it does not, and where to look.
-    /// Checks without which this one means nothing: it is not run after one of them has failed.
+    /// Runs in a child process of its own and reports each violation as a finding.
+    using Body = void (*)(CheckRun&);
+
+    Check(const char* checkId, Body checkBody, std::vector<const char*> dependsOn = {})
+        : id(checkId), dependencies(std::move(dependsOn)), body(checkBody) {}
+    /// Sets the statement that the check verifies.
+    Check& Claim(const char* text) {
+        sentence = text;
+        return *this;
+    }
+    /// Sets the explanation: why the statement must hold, and where to look if it does not.
+    Check& Reason(const char* text) {
+        why = text;
+        return *this;
+    }
+    /// Sets the exit status. Without this call a failure ends the tool with `kFailed`.
+    Check& FailsWith(ExitStatus status) {
+        failure = status;
+        return *this;
+    }
+
+    const char* id; ///< "group.name". An id never changes.
+    const char* sentence = "";
+    const char* why = "";
+    /// Ids of the checks that this check depends on. If one of them does not pass, this check is not run.
     std::vector<const char*> dependencies;
-    /// Runs in a child process of its own and tells what does not hold.
-    void (*body)(CheckRun&);
-    /// How the tool ends when this is the first check that failed, for other reasons than a crash or a hang.
+    Body body;
+    /// The exit status of the tool if this check is the first that fails. A crash and a time limit have their
+    /// own exit status.
     ExitStatus failure = ExitStatus::kFailed;
 };
 
-/// All checks in the order in which they are shown.
+/// Returns all checks in the order in which the tool prints them.
 const std::vector<Check>& AllChecks();
 
-/// The checks whose ids match one of the shell patterns; a group's name stands for its checks. Throws
-/// UsageError for a pattern that matches nothing; without a pattern, all of them.
+/// Returns the checks whose ids match at least one shell pattern. The name of a group matches all its checks.
+/// Returns all checks if there is no pattern. Throws UsageError if a pattern matches no check.
 std::vector<const Check*> MatchingChecks(const std::vector<std::string>& patterns);
 
 } // namespace xcodhost

@@ -17,7 +17,7 @@ namespace xcodhost {
 
 namespace {
 
-/// Bytes around the block that no plug-in may touch.
+/// The number of bytes before and after the block that no plug-in may change.
 constexpr std::size_t kGuard = 64;
 constexpr char kGuardByte = '\x5A';
 
@@ -33,7 +33,7 @@ CheckRun::CheckRun(std::string path, std::string folder, const Channel& parentCh
     : bundlePath(std::move(path)), scratch(std::move(folder)), channel(parentChannel) {
     macplatform::SetAlertResponder([this](const macplatform::Alert& alert) {
         if (current) current->alerts.push_back(alert);
-        return answer;
+        return chosenButton;
     });
     macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) { Note(entry); });
     UseFreshVolume();
@@ -57,7 +57,7 @@ void CheckRun::MapVolume() const {
 
 VolumeState CheckRun::CurrentVolume() const {
     VolumeState state = ReadVolume(volume);
-    if (bundle) MapVolume(); // reading has ended it
+    if (bundle) MapVolume(); // ReadVolume resets the startup volume
     return state;
 }
 
@@ -152,7 +152,7 @@ void CheckRun::ExpectPreference(const std::string& domain, const std::string& ke
     const std::string name = domain + ' ' + key + ": ";
     const auto file = state.preferences.find(domain);
     if (file == state.preferences.end()) {
-        return Expect(value == "(none)", name + value, "there is no preferences file of this domain");
+        return Expect(value == "(none)", name + value, "no preferences file of this domain");
     }
     const auto found = file->second.values.find(key);
     const std::string seen =
@@ -161,7 +161,7 @@ void CheckRun::ExpectPreference(const std::string& domain, const std::string& ke
 }
 
 void CheckRun::ExpectNoEffect(const Outcome& outcome) {
-    Expect(outcome.changes.Count() == 0, "nothing changes on the volume", Describe(outcome.changes));
+    Expect(outcome.changes.Count() == 0, "no change on the volume", Describe(outcome.changes));
 }
 
 std::vector<std::string> CheckRun::ObjectsLeft() const {

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What a check works with, in its child process: the bundle, scratch volumes, and a record of all that the
-/// bundle does.
+/// The environment of one check in its child process: the bundle, scratch volumes, and a record of the
+/// bundle's calls and effects.
 
 #include "bundle/LoadedBundle.h"
 #include "volume/Changes.h"
@@ -21,25 +21,25 @@ namespace xcodhost {
 
 enum class Entry {
     kMain, ///< The interface's main entry.
-    kStep, ///< The exported PreInstall or PostInstall, as the block's message says.
+    kStep, ///< The exported PreInstall or PostInstall, selected by the block's message.
 };
 
-/// What one delivery did.
+/// The effects of one delivery.
 struct Outcome {
     std::uint32_t flagsBefore = 0;
     std::uint32_t flagsAfter = 0;
-    std::string otherBytes; ///< "20 to 23" when bytes of or behind the block changed outside its error flags.
+    std::string otherBytes; ///< "20 to 23" if bytes in or after the block changed, except its error flags.
     std::vector<macplatform::Alert> alerts;
-    std::vector<macplatform::RecordedCall> calls; ///< Of the platform.
+    std::vector<macplatform::RecordedCall> calls; ///< Platform calls of the bundle.
     Changes changes;                              ///< On the volume.
 };
 
-/// An installer event for a product: selector 1000.
+/// Returns the block of an installer event for a product, with selector 1000.
 ParameterBlock Event(std::uint16_t message, std::int32_t product, std::int32_t language = 0);
 
 class CheckRun {
 public:
-    /// `scratch` is an empty folder of the check's own.
+    /// `scratch` is an empty directory that only this check uses.
     CheckRun(std::string bundlePath, std::string scratch, const Channel& parentChannel);
     ~CheckRun();
     CheckRun(const CheckRun&) = delete;
@@ -48,49 +48,56 @@ public:
     const std::string& BundlePath() const { return bundlePath; }
     const Channel& Parent() const { return channel; }
 
-    /// The startup volume is a new sample from now on. One is there from the start.
+    /// Replaces the startup volume by a new sample volume. The constructor makes the first one.
     void UseFreshVolume(const SampleVolume& sample = {});
     const std::string& Volume() const { return volume; }
     std::string OnVolume(const std::string& macPath) const { return volume + macPath; }
+    /// Returns the current state of the startup volume.
     VolumeState CurrentVolume() const;
-    /// Writes the bytes to a file of the volume, in place of what is there.
+    /// Writes a file of the volume. Replaces the file if it exists.
     void Write(const std::string& macPath, const std::string& bytes) const;
 
-    /// Opened at first use.
+    /// Returns the bundle. The first call loads the bundle.
     LoadedBundle& Bundle();
-    /// One instance's interface, kept until the check's end or `ReleaseInterface`.
+    /// Returns the interface of one instance. The interface is valid until `ReleaseInterface` or the
+    /// end of the check.
     FunctionBlock** Interface();
     void ReleaseInterface();
     FactoryFunction Factory();
 
-    /// A block at an address that is `misalignment` past a multiple of 16.
+    /// Delivers a block. The address of the block is `misalignment` bytes after a multiple of 16.
     Outcome Deliver(const ParameterBlock& block, Entry entry = Entry::kMain, std::size_t misalignment = 0);
-    /// A step's call with a null block.
+    /// Calls the exported step of the message with a null block.
     Outcome DeliverNothing(std::uint16_t message);
 
-    /// Whether deliveries tell what they changed on the volume, which takes most of their time; they do at
-    /// first.
+    /// Sets whether deliveries record the changes of the volume. The default is true. The comparison takes
+    /// most of the time of a delivery.
     void WatchVolume(bool watched) { isVolumeWatched = watched; }
-    /// Which button is chosen in the alerts that follow; -1: not shown.
-    void Answer(int button) { answer = button; }
-    /// Called at each platform call of the bundle, after it; an empty one ends that.
+    /// Sets the button that answers the following alerts, from 0. -1 means that the alert is not shown.
+    void Answer(int button) { chosenButton = button; }
+    /// Sets a function that runs after each platform call of the bundle. An empty function removes it.
     void AtEachCall(std::function<void(const macplatform::RecordedCall&)> call) {
         atEachCall = std::move(call);
     }
 
+    /// Reports a finding.
     void Fail(const std::string& expected, const std::string& seen);
+    /// Reports a finding if the condition is false.
     void Expect(bool holds, const std::string& expected, const std::string& seen) {
         if (!holds) Fail(expected, seen);
     }
-    /// The value as the volume's file has it now, in the form of `Describe`: `(string) "en"`.
+    /// Expects a value in the preferences file on the volume. `value` is the value as `Describe` prints it,
+    /// for example `(string) "en"`.
     void ExpectPreference(const std::string& domain, const std::string& key, const std::string& value);
+    /// Expects that the delivery changed nothing on the volume.
     void ExpectNoEffect(const Outcome& outcome);
-    /// Platform objects that are alive now and were not when the check began or `ForgetObjects` was called.
+    /// Returns the platform objects that were created since the start of the check or the last
+    /// `ForgetObjects` and still exist.
     std::vector<std::string> ObjectsLeft() const;
     void ForgetObjects();
-    /// The check cannot be made on this machine.
+    /// Reports the check as not run and ends it. A check calls this function if the machine cannot run it.
     [[noreturn]] void Skip(const std::string& reason);
-    /// A cell of the table of products by languages.
+    /// Reports a cell of the table of products and languages.
     void RecordCell(std::int32_t product, std::int32_t language, const std::string& seen, bool isRight);
 
 private:
@@ -108,13 +115,13 @@ private:
     std::size_t objectsBefore = 0;
     Outcome* current = nullptr;
     bool isVolumeWatched = true;
-    int answer = 0;
+    int chosenButton = 0;
     std::function<void(const macplatform::RecordedCall&)> atEachCall;
 };
 
-/// "3 changes: com.korvane.updater UpdateInterval: (none) -> (integer) 2; ..."
+/// Returns text such as "3 changes: com.korvane.updater UpdateInterval: (none) -> (integer) 2; ..."
 std::string Describe(const Changes& changes);
-/// `Alert "text", Stop alert 5000`, or "no alert".
+/// Returns text such as `Alert "text", Stop alert 5000`, or "no alert".
 std::string Describe(const std::vector<macplatform::Alert>& alerts);
 
 } // namespace xcodhost

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kFindingsKept = 20;
 constexpr std::size_t kOutputKept = 2000;
-/// A check may take as long as this many calls.
+/// The time limit of a check, as a multiple of the time limit of a call.
 constexpr double kCallsPerCheck = 20;
 
 std::string seenOf(const ChildEnd& end) {
@@ -29,16 +29,16 @@ std::string seenOf(const ChildEnd& end) {
     case ChildEnd::Kind::kOverTime:
         return "no return within " + Seconds(end.seconds);
     case ChildEnd::Kind::kOverReport:
-        return "flooded or broke the report to the host";
+        return "sent too much or invalid data to the host";
     case ChildEnd::Kind::kOverOutput:
-        return "flooded the host's output";
+        return "printed too much";
     case ChildEnd::Kind::kFinished:
         break;
     }
     return {};
 }
 
-/// One check while its child runs.
+/// Collects the result of one check while its child process runs.
 class RunningCheck {
 public:
     explicit RunningCheck(CheckResult& checkResult, std::vector<TableCell>& bundleTable)
@@ -54,7 +54,7 @@ public:
             Add("no exception leaves the bundle", "exception " + Printable(exception->type) + what,
                 ExitStatus::kCrashed);
         } else if (auto* failure = std::get_if<LoadFailed>(&message)) {
-            Add("the bundle can be loaded and gives its interface", failure->text, ExitStatus::kNotLoaded);
+            Add("the bundle can be loaded and supports the interface", failure->text, ExitStatus::kNotLoaded);
         } else if (auto* given = std::get_if<Skipped>(&message)) {
             result.reason = given->reason;
         } else if (auto* cell = std::get_if<TableCell>(&message)) {
@@ -81,7 +81,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// A crash, a hang or a refusal says more than what was found before it.
+    /// The status of a crash, a time limit or a failed load replaces the status of earlier findings.
     void Add(std::string expected, std::string seen, ExitStatus status) {
         if (result.status == ExitStatus::kDone || result.status == ExitStatus::kFailed)
             result.status = status;
@@ -98,19 +98,20 @@ private:
     Clock::time_point start = Clock::now();
 };
 
-/// In the child.
+/// Runs the check. Called in the child process.
 void runCheck(const Check& check, const std::string& bundle, const std::string& scratch,
               const Channel& channel) {
     try {
         CheckRun run(bundle, scratch, channel);
         check.body(run);
-    } catch (const Stopped&) { // told already
+    } catch (const Stopped&) { // the failure is already reported
     } catch (const std::exception& fault) {
-        // Such as a volume that the bundle has removed.
-        channel.Send(Finding{"the check can be carried out", fault.what()});
+        // For example, the bundle has removed the volume.
+        channel.Send(Finding{"the check can run", fault.what()});
     }
 }
 
+/// Starts each check in a child process as soon as its dependencies have passed.
 class Scheduler {
 public:
     Scheduler(const ValidationPlan& validationPlan, BundleResult& bundleResult,
@@ -142,7 +143,7 @@ private:
                std::find(running.begin(), running.end(), place) != running.end();
     }
 
-    /// Needs that were not chosen are not asked for.
+    /// Ignores dependencies that are not part of the plan.
     Readiness ReadinessOf(CheckResult& one) const {
         Readiness readiness = Readiness::kReady;
         for (const std::string id : one.check->dependencies) {
@@ -153,14 +154,14 @@ private:
             if (IsPending(static_cast<std::size_t>(dependency - result.checks.begin()))) {
                 readiness = Readiness::kMustWait;
             } else if (dependency->state != CheckResult::State::kPassed) {
-                one.reason = "needs " + id;
+                one.reason = "depends on " + id;
                 return Readiness::kNever;
             }
         }
         return readiness;
     }
 
-    /// False when none can be started now.
+    /// Starts the next check that is ready. Returns false if no check is ready.
     bool StartOne() {
         for (auto place = waiting.begin(); place != waiting.end();) {
             const Readiness readiness = ReadinessOf(result.checks[*place]);
@@ -185,9 +186,10 @@ private:
         limits.secondsPerCall = plan.secondsPerCall;
         limits.secondsPerRun = plan.secondsPerCall * kCallsPerCheck;
         const auto record = std::make_shared<RunningCheck>(one, result.table);
-        ChildListener listener{[record](Message&& message) { record->Take(std::move(message)); },
-                               [](macplatform::Alert&&) { return -1; }, // answered in the child
-                               [record](std::string_view printed) { record->Receive(printed); }};
+        ChildListener listener{
+            [record](Message&& message) { record->Take(std::move(message)); },
+            [](macplatform::Alert&&) { return -1; }, // the child process answers the alerts
+            [record](std::string_view printed) { record->Receive(printed); }};
         running.push_back(place);
         children.Start([&](const Channel& channel) { runCheck(*one.check, path, folder, channel); }, limits,
                        std::move(listener),
@@ -201,10 +203,10 @@ private:
 
     const ValidationPlan& plan;
     BundleResult& result;
-    ScratchFolder scratch{ScratchFolder::Use::kSamples}; // outlives the children
+    ScratchFolder scratch{ScratchFolder::Use::kSamples}; // declared before the children: it must outlive them
     Children children;
     std::string path;
-    std::vector<std::size_t> waiting; ///< Places in the result, in order.
+    std::vector<std::size_t> waiting; ///< Indexes of `result.checks`, in order.
     std::vector<std::size_t> running;
 };
 

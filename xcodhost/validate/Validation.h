@@ -1,6 +1,7 @@
 #pragma once
 
-/// A bundle looked at by checks, each in a child process of its own.
+/// The validation of a bundle: runs the checks, each in a child process of its own,
+/// and collects their results.
 
 #include "Check.h"
 #include "ExitStatus.h"
@@ -14,9 +15,9 @@
 
 namespace xcodhost {
 
-/// A finding with the call into the bundle that was made last.
+/// A finding with the last call into the bundle.
 struct LocatedFinding {
-    std::string call; ///< Empty: none was made.
+    std::string call; ///< Empty if there was no call.
     std::string expected;
     std::string seen;
 };
@@ -26,25 +27,26 @@ struct CheckResult {
 
     const Check* check = nullptr;
     State state = State::kNotRun;
-    std::vector<LocatedFinding> findings; ///< The first ones.
-    std::size_t moreFindings = 0;
-    std::string reason;                    ///< Why it was not run.
-    ExitStatus status = ExitStatus::kDone; ///< How the tool ends for this result alone.
-    std::string output;                    ///< The first of what the bundle printed meanwhile.
+    std::vector<LocatedFinding> findings;  ///< The first 20 findings.
+    std::size_t moreFindings = 0;          ///< The number of further findings.
+    std::string reason;                    ///< Why the check was not run.
+    ExitStatus status = ExitStatus::kDone; ///< The exit status for this result alone.
+    std::string output;                    ///< The first 2000 bytes that the bundle printed.
     double seconds = 0;
 };
 
 struct BundleResult {
-    std::string bundle; ///< As it was named.
+    std::string bundle; ///< The path as the user gave it.
     std::vector<CheckResult> checks;
-    std::vector<TableCell> table; ///< Languages that post-install stored, by product and language.
+    std::vector<TableCell> table; ///< The languages that post-install stored.
 
     std::size_t Count(CheckResult::State state) const;
-    const CheckResult* FirstFailure() const; ///< Null when there is none.
+    const CheckResult* FirstFailure() const; ///< Null if no check failed.
 };
 
-/// What the verdict says of one or more bundles: "PASS n checks", or "FAIL n of m (first: ID)" of those that
-/// were run. The exit status is that of the first failure. No check at all is a failure.
+/// The verdict on one or more bundles: "PASS n checks", or "FAIL n of m (first: ID)". m is the number of
+/// checks that passed or failed. The exit status is the status of the first failure. If no check passed or
+/// failed, the verdict is a failure.
 struct ValidationVerdict {
     ExitStatus status = ExitStatus::kDone;
     std::string text;
@@ -55,10 +57,11 @@ struct ValidationPlan {
     std::string bundle;
     std::vector<const Check*> checks;
     double secondsPerCall = 10;
-    unsigned atOnce = 1;
+    unsigned atOnce = 1; ///< The number of checks that run at the same time.
 };
 
-/// `onProgress` is told how many checks are done. Throws ToolFault and Interrupted.
+/// Runs the checks of the plan. Calls `onProgress` with the number of finished checks. Throws ToolFault if
+/// the tool itself fails, and Interrupted after a signal.
 BundleResult Validate(const ValidationPlan& plan, const Interruption& interruption,
                       const std::function<void(std::size_t)>& onProgress);
 

@@ -16,12 +16,12 @@ using text_scan::IsSeparator;
 
 std::string_view view(const String& s) { return {s.Latin1(), s.GetLength()}; }
 
-/// Returns the text. A platform that keeps short names beside the long ones expands them here.
+/// Returns the text unchanged. A platform with short file names expands them here.
 const String& convertToLongPath(const String& s) { return s; }
 
 char slashify(char c) { return c == '\\' ? '/' : c; }
 
-/// Writes the text to `out` with "/" for every "\". Returns what it wrote.
+/// Copies the text to `out` and replaces every "\" by "/". Returns the copy.
 std::string_view convertSeparators(std::string_view s, char* out) {
     std::transform(s.begin(), s.end(), out, slashify);
     return {out, s.size()};
@@ -29,7 +29,7 @@ std::string_view convertSeparators(std::string_view s, char* out) {
 
 bool isRelative(const String& s) { return s.GetLength() > 0 && slashify(*s.Latin1()) != '/'; }
 
-/// Returns whether `SimplifyWhiteSpace` would leave nothing.
+/// Returns whether the text is empty or contains only white space.
 bool isBlank(std::string_view s) {
     return std::all_of(s.begin(), s.end(), [](char c) { return Char(c).IsSpace(); });
 }
@@ -46,7 +46,7 @@ String convertRelative(const String& s, bool /*flag*/) {
     return (getcwd(folder, sizeof folder - 1) ? String(folder) + "/" : String("/")) + s;
 }
 
-/// Returns whether the name is "..", up to its first NUL, where comparisons of `String` end.
+/// Returns whether the name up to its first NUL is "..". Comparisons of `String` also end at the first NUL.
 bool isParent(std::string_view name) {
     return name.substr(0, 2) == ".." && (name.size() == 2 || name[2] == '\0');
 }
@@ -60,7 +60,7 @@ std::size_t leadingSeparators(std::string_view s) {
     return static_cast<std::size_t>(std::find_if_not(s.begin(), s.end(), IsSeparator) - s.begin());
 }
 
-/// Memory for one path: on the stack, or on the heap for a long path.
+/// Memory for one path. A short path is stored in the object, a long path on the heap.
 class PathMemory {
 public:
     char* Take(std::size_t n) {
@@ -74,10 +74,10 @@ private:
     std::unique_ptr<char[]> large;
 };
 
-/// A list of names, kept as one text with "/" between two names.
+/// A list of names, stored as one text with "/" between two names. Does not own the memory.
 class JoinedNames {
 public:
-    /// A list of empty names, two at most. The text is written to `out`.
+    /// Creates a list of zero, one or two empty names. Writes the text to `out`.
     JoinedNames(char* out, std::size_t emptyNames) : begin(out), end(out), count(emptyNames) {
         if (count == 2) *end++ = '/';
     }
@@ -85,7 +85,7 @@ public:
     std::size_t Count() const { return count; }
     std::string_view Text() const { return {begin, static_cast<std::size_t>(end - begin)}; }
 
-    /// Appends the first name of `text` and returns it.
+    /// Appends the first name of `text`. Returns the appended name.
     std::string_view Append(std::string_view text) {
         if (count > 0) *end++ = '/';
         ++count;
@@ -104,12 +104,12 @@ private:
     std::size_t count;
 };
 
-/// Writes the names of `s` to `out`, with one "/" between two names, and without each ".." and the name
-/// before it. `out` holds one byte more than the text.
+/// Writes the names of `s` to `out` with one "/" between two names. Omits each ".." and the name before it.
+/// `out` must hold one byte more than the text.
 ///
-/// A separator at the start follows an empty name, two or more separators follow two empty names. A ".."
-/// removes an empty name as well. The name after a removed ".." is not examined, so that the second one of
-/// two ".." in a row stays.
+/// One separator at the start follows an empty name. Two or more separators at the start follow two empty
+/// names. A ".." also removes an empty name. The name after a removed ".." is not examined: the second of two
+/// ".." in a row stays.
 std::string_view cleanDirPath(std::string_view s, char* const out) {
     if (s.empty()) return {};
     s = withoutTrailingSeparators(s);
@@ -130,8 +130,8 @@ std::string_view cleanDirPath(std::string_view s, char* const out) {
     return names.Text();
 }
 
-/// Returns the canonical form of `s` without the "/" that ends it: a part of `s` if that is clean, otherwise
-/// in `memory`.
+/// Returns the canonical form of `s` without the "/" at its end. The result is a part of `s` if `s` is
+/// canonical. Otherwise the result is in `memory`.
 std::string_view canonicalize(const String& s, PathMemory& memory) {
     const auto withoutSlashes = [](std::string_view text) {
         while (!text.empty() && text.back() == '/') text.remove_suffix(1);
@@ -139,13 +139,13 @@ std::string_view canonicalize(const String& s, PathMemory& memory) {
     };
     const std::string_view text = view(s);
     const std::string_view stem = withoutSlashes(text);
-    if (!text_scan::HasDirtyPath(stem)) return stem; // some clean paths count as dirty
+    if (!text_scan::HasDirtyPath(stem)) return stem; // true for some canonical paths too
     PathMemory converted;
     const std::string_view slashed = convertSeparators(text, converted.Take(text.size()));
     return withoutSlashes(cleanDirPath(slashed, memory.Take(text.size() + 1)));
 }
 
-/// Compares the canonical forms of two paths as strcmp does, with "A"-"Z" folded to "a"-"z".
+/// Compares the canonical forms of two paths as strcmp does. Treats "A"-"Z" as "a"-"z".
 int compare(const String& a, const String& b) {
     PathMemory memoryA, memoryB;
     const std::string_view stemA = canonicalize(convertToLongPath(a), memoryA);
@@ -172,14 +172,14 @@ bool areEqual(const String& a, const String& b) {
 
 bool hasDrive(std::string_view s) { return s.size() >= 2 && s[1] == ':'; }
 
-/// Returns the last name.
+/// Returns the last name of a path.
 std::string_view getFile(std::string_view s) {
     s = withoutTrailingSeparators(s);
     const std::size_t p = text_scan::LastSeparator(s);
     return s.substr(p != s.npos ? p + 1 : hasDrive(s) ? 2 : 0);
 }
 
-/// Returns what follows the last "." of a name. The result is empty if there is no ".".
+/// Returns the part of a name after its last ".". Returns an empty text if there is no ".".
 std::string_view getFileExtension(std::string_view file) {
     const std::size_t dot = file.rfind('.');
     return dot == file.npos ? std::string_view() : file.substr(dot + 1);
@@ -187,12 +187,12 @@ std::string_view getFileExtension(std::string_view file) {
 
 std::string_view getFileBaseName(std::string_view file) { return file.substr(0, file.rfind('.')); }
 
-/// Returns a part of the text as a `String`.
+/// Returns a part of `s` as a `String`. `part` must be a view into `s`.
 String slice(const String& s, std::string_view part) {
     return s.Mid(static_cast<unsigned int>(part.data() - s.Latin1()), static_cast<unsigned int>(part.size()));
 }
 
-/// Returns everything before the last name.
+/// Returns the part of a path before its last name.
 String getDirectory(const String& s) {
     const std::string_view text = withoutTrailingSeparators(view(s));
     const std::size_t p = text_scan::LastSeparator(text);
@@ -220,7 +220,8 @@ FolderPath FilePath::GetFolder() const {
     const std::string_view path = view(internal);
     const std::string_view file = getFile(path);
     const std::size_t end = static_cast<std::size_t>(file.data() - path.data());
-    // The usual path: the folder ends with the separator before the file, and is absolute.
+    // Fast path: the path is absolute and has one "/" before the file name. The folder is the part
+    // up to this "/".
     if (end > 1 && IsSeparator(path[0]) && path[end - 1] == '/' && !IsSeparator(path[end - 2])) {
         FolderPath folder;
         folder.internal = internal.Left(static_cast<unsigned int>(end));

@@ -18,9 +18,10 @@ using Width = checked_value<unsigned int>;
 
 unsigned int usableBase(unsigned int base) { return base < 2 || base > 36 ? 10 : base; }
 
-// A part of a text knows its length and appends itself to a builder, so that a result is written once, in its
-// place.
+// The formatters write a result in one pass. They describe it by parts. Each part has `Length` and appends
+// itself to a builder with `AddTo`.
 
+/// A part that is a text.
 struct TextPart {
     std::string_view bytes;
 
@@ -28,7 +29,7 @@ struct TextPart {
     void AddTo(StringBuilder& text) const { text.Add(bytes); }
 };
 
-/// The digits of an integer, with zeros before them up to a width, and with the sign before the zeros.
+/// A part that is an integer: sign, zeros up to the width, and digits. The width does not include the sign.
 class IntegerPart {
 public:
     IntegerPart(unsigned long long m, bool negative, unsigned int b, const Width& width)
@@ -61,8 +62,7 @@ private:
     bool minus;
 };
 
-/// Returns the template with `part` in place of its placeholder, or with `part` appended if it has no
-/// placeholder.
+/// Replaces the lowest placeholder of the template by `part`. Appends `part` if there is no placeholder.
 template <typename Part>
 String fill(const String& pattern, const Part& part) {
     const std::string_view bytes(pattern.Latin1(), pattern.GetLength());
@@ -81,7 +81,8 @@ String textOf(const Part& part) {
     return text.Finish();
 }
 
-// What a formatter does with the part that it has made.
+// Functions that a formatter calls with its part: the first returns the part as text, the second inserts the
+// part in a template.
 
 struct ToText {
     template <typename Part>
@@ -101,10 +102,10 @@ private:
     const String& pattern;
 };
 
-// A `long` counts as 32 bits wide if its value fits 32 bits. A wider value is written whole.
+// A `long` whose value fits 32 bits is formatted as an int. Any other value is formatted with all its bits.
 bool fitsInt(long v) { return v >= INT_MIN && v <= INT_MAX; }
 
-// The formatters pass a part to `use` and return its result.
+// Each formatter calls `use` with a part and returns the result of `use`.
 
 template <typename Use>
 String formatInteger(unsigned long v, unsigned int base, const Width& width, Use use) {
@@ -114,7 +115,7 @@ template <typename Use>
 String formatInteger(long v, unsigned int base, const Width& width, Use use) {
     const unsigned long magnitude = v < 0 ? 0 - static_cast<unsigned long>(v) : static_cast<unsigned long>(v);
     if (v != INT_MIN || !width.IsGiven()) return use(IntegerPart(magnitude, v < 0, usableBase(base), width));
-    // The smallest int is written in two pieces, and each is padded to the width.
+    // The smallest int is formatted in two pieces. Each piece is padded to the width.
     CheckedLength(2ull * width + 1);
     base = usableBase(base);
     const String pieces = textOf(IntegerPart(magnitude / base, true, base, width)) +

@@ -36,8 +36,8 @@ unsigned short toAscii(unsigned short unit, char decimalPoint) {
     }
 }
 
-/// Returns the text with the locale's decimal separator for both separators, and with full-width digits and
-/// signs as ASCII. Returns an empty text if the bytes are not UTF-8.
+/// Replaces both decimal separators by the separator of the locale, and full-width digits and signs by ASCII
+/// characters. Returns an empty text if the bytes are not UTF-8.
 String normalizeNumberString(const String& s) {
     if (s.GetLength() == 0) return s;
     const char decimalPoint = *LocaleDecimalPoint();
@@ -53,14 +53,15 @@ String normalizeNumberString(const String& s) {
     return String(units.get(), 1);
 }
 
-/// What a byte is as a digit.
+/// The value of a byte as a digit, and the bases in which the byte is a digit.
 struct Digit {
     unsigned int rank; ///< The byte is a digit of every base above this number.
     unsigned int value;
 };
 
-/// The digits. The bytes between "Z" and "a", and those from "{" on, are digits of bases above 36. For the
-/// latter the rank is counted from "a", but the value from "A": their values are above the base.
+/// The digits, indexed by their bytes. The bytes between "Z" and "a" and the bytes from "{" are digits of
+/// bases above 36. From "{" the rank counts from "a", but the value counts from "A". The value can therefore
+/// exceed the base.
 constexpr std::array<Digit, 256> kDigits = [] {
     std::array<Digit, 256> digits{};
     for (Digit& digit : digits) digit = {UINT_MAX, 0};
@@ -80,7 +81,8 @@ const char* skipSpace(const char* p, const char* end) {
     return p;
 }
 
-/// An integer as its text gives it: white space around a sign and digits, and nothing else.
+/// The result of parsing an integer. The text may contain white space, a sign, digits and white
+/// space, in this order.
 template <typename U>
 struct Integer {
     U magnitude = 0;
@@ -88,8 +90,8 @@ struct Integer {
     bool isGood = false;
 };
 
-/// Reads the digits at `p`, and moves `p` behind the last one. The text ends with a byte that is no digit,
-/// such as its NUL. Returns false if the number does not fit `U`.
+/// Parses the digits at `p` and moves `p` past the last digit. The text must end with a byte that is not a
+/// digit, for example NUL. Returns false if the number does not fit `U`.
 template <typename U>
 bool scanUInt(const char*& p, unsigned int base, U& value) {
     constexpr U largest = std::numeric_limits<U>::max();
@@ -118,14 +120,14 @@ Integer<U> readInteger(const String& s, unsigned int base, bool minusAllowed) {
     return number;
 }
 
-/// Not inlined: few texts need this way.
+/// Parses the normalized text. Not inlined, because few texts need the normalization.
 template <typename U>
 [[gnu::noinline]] Integer<U> readNormalizedInteger(const String& s, unsigned int base, bool minusAllowed) {
     return isAscii(s) ? Integer<U>() : readInteger<U>(normalizeNumberString(s), base, minusAllowed);
 }
 
-/// The normaliser changes no digit, sign or white space of ASCII, so only a text with other bytes is read
-/// again.
+/// Parses the text, and then the normalized text if the first attempt fails. The normalization does not
+/// change ASCII digits, signs and white space. An ASCII text is therefore parsed only once.
 template <typename U>
 Integer<U> parseInteger(const String& s, unsigned int base, bool minusAllowed) {
     const Integer<U> number = readInteger<U>(s, base, minusAllowed);
@@ -139,7 +141,7 @@ U toUInt(bool* ok, unsigned int base, const String& s) {
     return number.isGood ? number.magnitude : 0;
 }
 
-// Each width accepts a range of its own. Callers rely on these ranges.
+// Each width has its own range. Callers rely on these ranges.
 
 int fromMagnitude(unsigned int magnitude, bool minus, bool& good) {
     good = magnitude <= 2147483647u + (minus ? 1u : 0u);
@@ -147,7 +149,7 @@ int fromMagnitude(unsigned int magnitude, bool minus, bool& good) {
 }
 
 short fromMagnitude(unsigned short magnitude, bool minus, bool& good) {
-    good = minus || magnitude <= 32767; // any 16 bits after "-", cut to a short
+    good = minus || magnitude <= 32767; // after "-" any 16 bits are valid and are converted to short
     return static_cast<short>(minus ? -magnitude : magnitude);
 }
 
@@ -186,7 +188,7 @@ unsigned long long String::ToUInt64(bool* ok, unsigned int base) const {
 
 namespace {
 
-/// A decimal number in its usual notation: an integer and a power of ten.
+/// A decimal number as an integer and a power of ten.
 struct ShortDecimal {
     unsigned long long digits = 0;
     int exponent = 0;
@@ -195,21 +197,21 @@ struct ShortDecimal {
 
 bool isDecimalDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// Reads a sign, if there is one. Returns whether it is a minus.
+/// Skips a sign at `p`. Returns whether the sign is a minus.
 bool readSign(const char*& p) {
     if (*p != '-' && *p != '+') return false;
     return *p++ == '-';
 }
 
-/// Appends the digits at `p` to `number`. Returns how many digits there are.
+/// Appends the digits at `p` to `number`. Returns the number of digits.
 std::ptrdiff_t readDigits(const char*& p, unsigned long long& number) {
     const char* const first = p;
     for (; isDecimalDigit(*p); ++p) number = number * 10 + static_cast<unsigned int>(*p - '0');
     return p - first;
 }
 
-/// Reads digits with at most one separator among them. Returns false if there are none, or more than 64 bits
-/// can hold.
+/// Parses digits with at most one separator. Returns false if there is no digit, or if 64 bits cannot hold
+/// every number with so many digits.
 bool readMantissa(const char*& p, ShortDecimal& number) {
     std::ptrdiff_t count = readDigits(p, number.digits);
     if (*p == '.' || *p == ',') {
@@ -220,7 +222,7 @@ bool readMantissa(const char*& p, ShortDecimal& number) {
     return count > 0 && count <= std::numeric_limits<unsigned long long>::digits10;
 }
 
-/// Reads an exponent of one to three digits, if there is an exponent. Returns false for any other.
+/// Parses an optional exponent. Returns false if the exponent does not have one to three digits.
 bool readExponent(const char*& p, ShortDecimal& number) {
     if (*p != 'e' && *p != 'E') return true;
     ++p;
@@ -232,8 +234,8 @@ bool readExponent(const char*& p, ShortDecimal& number) {
     return true;
 }
 
-/// Reads a whole text, which a NUL ends. Returns false for every text that has another notation, a number or
-/// not.
+/// Parses a text that ends with NUL as a decimal number. Returns false for any other notation, for example
+/// "inf", and for a text that is not a number.
 bool readShortDecimal(const char* p, const char* end, ShortDecimal& number) {
     p = skipSpace(p, end);
     number.minus = readSign(p);
@@ -246,15 +248,14 @@ constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
 constexpr int kLargestPower = static_cast<int>(std::size(kPowersOfTen)) - 1;
 constexpr unsigned long long kLargestExactInteger = 1ull << std::numeric_limits<double>::digits;
 
-/// Returns whether the normaliser turns both separators, and no other character, into the separator of
-/// `strtod`.
+/// Returns whether the normalization replaces only "." and "," by the separator of `strtod`.
 bool isUsualLocale() {
     const char* const point = LocaleDecimalPoint();
     return (*point == '.' || *point == ',') && point[1] == '\0' && g_chDecimalPoint == '.';
 }
 
-/// Reads a text that needs one multiplication or division of doubles that are exact, and so is rounded once,
-/// as `strtod` rounds. Returns false for every other text.
+/// Parses a number that is the product or the quotient of two exact doubles. The result is rounded once, as
+/// `strtod` rounds. Returns false for every other text.
 bool readExactly(const String& s, double& value) {
     if (!isUsualLocale()) return false;
     ShortDecimal number;

@@ -22,7 +22,7 @@ const float kNan = std::numeric_limits<float>::quiet_NaN();
 const float kInfinity = std::numeric_limits<float>::infinity();
 const float kDenormal = std::numeric_limits<float>::denorm_min();
 
-/// Elements whose neighbours would show a store outside the array.
+/// Returns elements with a fixed byte pattern, which reveals a store outside the destination.
 template <typename T>
 std::vector<T> guarded(std::size_t size) {
     std::vector<T> result(size);
@@ -38,15 +38,17 @@ testing::AssertionResult sameBytes(const std::vector<T>& a, const std::vector<T>
     return testing::AssertionSuccess();
 }
 
-/// Each form but the scalar one, which is their reference. Its own answers are the literals further down: a
-/// single element always ends there.
+/// Runs each test with every implementation except the scalar one, which is the reference. The tests
+/// with literals below verify the scalar implementation, because every implementation passes a
+/// single element to it.
 class WideImplementation : public testing::TestWithParam<const Implementation*> {
 protected:
     void SetUp() override {
         if (!GetParam()->isSupported()) GTEST_SKIP() << "this processor has no " << GetParam()->name;
     }
 
-    /// Runs the form's routine beside the scalar one: all bytes must agree, the neighbours' too.
+    /// Runs the routine of the implementation and of the scalar one. All bytes must be equal, also those
+    /// around the destination.
     template <typename Source, typename Target, typename... Factor>
     testing::AssertionResult AsScalar(void (*Implementation::*routine)(unsigned int, const Source*, Target*,
                                                                        Factor...),
@@ -58,7 +60,8 @@ protected:
         return sameBytes(actual, expected);
     }
 
-    /// Every count from 0 to 70 at every offset within a vector register.
+    /// Compares with the scalar implementation for every count from 0 to 70 at every offset
+    /// within a vector register.
     template <typename Source, typename Target, typename... Factor>
     void ExpectAsScalarAtEveryPlace(void (*Implementation::*routine)(unsigned int, const Source*, Target*,
                                                                      Factor...),
@@ -111,8 +114,8 @@ TEST_P(WideImplementation, AgreesOnEverySixteenBitValue) {
         const float value = static_cast<float>(i);
         shorts[static_cast<std::size_t>(i + 32768)] = static_cast<short>(i);
         for (float part : {0.0f, 0.25f, 0.49999997f, 0.5f, 0.75f}) around.push_back(value + part);
-        const unsigned int bits = static_cast<unsigned int>(i + 32768)
-                                  << 16; // every exponent, NaN, both signs
+        // Every exponent with both signs, and NaN.
+        const unsigned int bits = static_cast<unsigned int>(i + 32768) << 16;
         patterns.emplace_back();
         std::memcpy(&patterns.back(), &bits, sizeof bits);
     }
@@ -126,7 +129,7 @@ TEST_P(WideImplementation, AgreesOnEverySixteenBitValue) {
             EXPECT_TRUE(AsScalar(&Implementation::floatToShortRounded, *floats, factor));
         }
     }
-    for (int exponent = -150; exponent <= 128; ++exponent) { // from 0 to infinity
+    for (int exponent = -150; exponent <= 128; ++exponent) { // factors from 0 to infinity
         const float factor = std::ldexp(1.0f, exponent);
         SCOPED_TRACE(exponent);
         ASSERT_TRUE(AsScalar(&Implementation::floatToInt, patterns, factor));
@@ -136,7 +139,7 @@ TEST_P(WideImplementation, AgreesOnEverySixteenBitValue) {
     EXPECT_TRUE(AsScalar(&Implementation::floatToDouble, patterns));
 }
 
-TEST_P(WideImplementation, AgreesWhereSumsProductsAndNarrowingRound) {
+TEST_P(WideImplementation, AgreesOnRoundedSumsProductsAndConversions) {
     std::vector<float> floats = {0.49999997f,   8388607.5f,      8388609.0f, 16777215.0f, 2147483520.0f,
                                  2147483648.0f, 32767.4980f,     32767.5f,   32768.5f,    kDenormal,
                                  3 * kDenormal, 1.17549421e-38f, FLT_MAX,    kInfinity,   0.0f,
@@ -169,7 +172,8 @@ TEST_P(WideImplementation, AgreesWhereSumsProductsAndNarrowingRound) {
 TEST_P(WideImplementation, AgreesOnArraysTooLargeForTheCaches) {
     std::vector<unsigned char> bytes((24u << 20) / 5 + 100, 7);
     bytes[bytes.size() - 3] = 9;
-    EXPECT_TRUE(AsScalar(&Implementation::charToFloat, bytes)); // the destination begins one element off
+    EXPECT_TRUE(
+        AsScalar(&Implementation::charToFloat, bytes)); // AsScalar misaligns the destination by one element
     const std::vector<float> floats(bytes.begin(), bytes.end());
     EXPECT_TRUE(AsScalar(&Implementation::floatToShortRounded, floats, 1.0f));
     EXPECT_TRUE(AsScalar(&Implementation::floatToDouble, floats));
@@ -187,7 +191,7 @@ void expectFillsWholeElements(const Implementation& implementation, std::size_t 
         }
 }
 
-TEST(IPPImplementations, FillLargeArraysAlike) {
+TEST(IPPImplementations, FillLargeArraysEqually) {
     const unsigned char patterns[][8] = {
         {1, 2, 1, 2, 1, 2, 1, 2}, {1, 2, 3, 4, 1, 2, 3, 4}, {1, 2, 3, 4, 5, 6, 7, 8}};
     constexpr std::size_t most = (1 << 20) + 16;
@@ -210,7 +214,7 @@ TEST(IPPImplementations, FillWholeElementsOnly) {
     }
 }
 
-// The routines themselves, with literals
+// The results of the routines, with literals.
 
 template <typename Target, typename Source, typename... Arguments>
 Target converted(Source value, Arguments... arguments) {
@@ -232,29 +236,32 @@ TEST(Convert, RoundsFloatsToShorts) {
         int scale;
         bool round;
         int expected;
-    } rows[] = {{1.5f, 0, true, 2},
-                {-1.5f, 0, true, -2},
-                {2.4f, 0, true, 2},
-                {-0.0f, 0, true, 0},
-                {0.49999997f, 0, true, 1},
-                {32767.5f, 0, true, 32767},
-                {40000.0f, 0, true, 32767},
-                {-40000.0f, 0, true, -32768},
-                {kNan, 0, true, -32768},
-                {3.0e9f, 0, true, -32768},
-                {kInfinity, 0, false, -32768},
-                {2147483520.0f, 0, false, 32767},
-                {1.9f, 0, false, 1},
-                {-1.9f, 0, false, -1},
-                {0.75f, -1, false, 1},
-                {-1.0f, -31, false, -32768},
-                {0.5f / 65536, 1, true, -16383},
-                {-0.5f / 65536, 1, true, 16383},
-                {3.0f, 32, false, 3},
-                {3.0f, -32, false, 3},
-                {0.5f / 65536, 2, false, 8192},
-                {5.0f, INT_MIN, false, 5},
-                {-5.0f, INT_MAX, false, -10}};
+    } rows[] = {
+        // value, scale, round, expected
+        {1.5f, 0, true, 2},
+        {-1.5f, 0, true, -2},
+        {2.4f, 0, true, 2},
+        {-0.0f, 0, true, 0},
+        {0.49999997f, 0, true, 1},
+        {32767.5f, 0, true, 32767},
+        {40000.0f, 0, true, 32767},
+        {-40000.0f, 0, true, -32768},
+        {kNan, 0, true, -32768},
+        {3.0e9f, 0, true, -32768},
+        {kInfinity, 0, false, -32768},
+        {2147483520.0f, 0, false, 32767},
+        {1.9f, 0, false, 1},
+        {-1.9f, 0, false, -1},
+        {0.75f, -1, false, 1},
+        {-1.0f, -31, false, -32768},
+        {0.5f / 65536, 1, true, -16383},
+        {-0.5f / 65536, 1, true, 16383},
+        {3.0f, 32, false, 3},
+        {3.0f, -32, false, 3},
+        {0.5f / 65536, 2, false, 8192},
+        {5.0f, INT_MIN, false, 5},
+        {-5.0f, INT_MAX, false, -10},
+    };
     for (const auto& row : rows)
         EXPECT_EQ(converted<short>(row.value, row.scale, row.round), row.expected)
             << row.value << " " << row.scale;
@@ -266,25 +273,28 @@ TEST(Convert, RoundsFloatsToInts) {
         int scale;
         bool round;
         int expected;
-    } rows[] = {{2147483520.0f, 0, true, 2147483520},
-                {2147483648.0f, 0, false, INT_MIN},
-                {-2147483648.0f, 0, true, INT_MIN},
-                {kNan, 0, true, INT_MIN},
-                {kNan, 3, false, INT_MIN},
-                {-2.5f, 0, true, -3},
-                {8388609.0f, 0, true, 8388610},
-                {8388609.0f, 0, false, 8388609},
-                {5.0f, 1, true, 3},
-                {5.0f, 1, false, 2},
-                {1.0f, -31, false, INT_MIN},
-                {-3.0e9f, 1, false, -1500000000},
-                {1.0f, INT_MIN, false, INT_MIN},
-                {0.0f, INT_MIN, false, INT_MIN},
-                {1e30f, INT_MAX, true, 0},
-                {kInfinity, INT_MAX, true, INT_MIN},
-                {FLT_MAX, 127, true, 2},
-                {kDenormal, -149, false, INT_MIN},
-                {kDenormal, -127, true, 0}};
+    } rows[] = {
+        // value, scale, round, expected
+        {2147483520.0f, 0, true, 2147483520},
+        {2147483648.0f, 0, false, INT_MIN},
+        {-2147483648.0f, 0, true, INT_MIN},
+        {kNan, 0, true, INT_MIN},
+        {kNan, 3, false, INT_MIN},
+        {-2.5f, 0, true, -3},
+        {8388609.0f, 0, true, 8388610},
+        {8388609.0f, 0, false, 8388609},
+        {5.0f, 1, true, 3},
+        {5.0f, 1, false, 2},
+        {1.0f, -31, false, INT_MIN},
+        {-3.0e9f, 1, false, -1500000000},
+        {1.0f, INT_MIN, false, INT_MIN},
+        {0.0f, INT_MIN, false, INT_MIN},
+        {1e30f, INT_MAX, true, 0},
+        {kInfinity, INT_MAX, true, INT_MIN},
+        {FLT_MAX, 127, true, 2},
+        {kDenormal, -149, false, INT_MIN},
+        {kDenormal, -127, true, 0},
+    };
     for (const auto& row : rows)
         EXPECT_EQ(converted<int>(row.value, row.scale, row.round), row.expected)
             << row.value << " " << row.scale;
@@ -296,13 +306,13 @@ TEST(Convert, DividesIntegersByPowersOfTwo) {
     EXPECT_EQ(converted<double>(short(-32768), 15), -1.0);
     EXPECT_EQ(converted<float>(short(1), -1), -1 / 2147483648.0f);
     EXPECT_EQ(converted<double>(short(1), 31), -1 / 2147483648.0);
-    EXPECT_EQ(bitsOf(converted<float>(short(0), 31)), 0x80000000u); // 0 by a negative number
+    EXPECT_EQ(bitsOf(converted<float>(short(0), 31)), 0x80000000u); // 0 divided by a negative number
     EXPECT_EQ(converted<float>(short(7), INT_MIN), 7.0f);
     EXPECT_EQ(converted<float>(3, -2), 12.0f);
     EXPECT_EQ(converted<float>(16777217, 0), 16777216.0f);
     EXPECT_EQ(converted<double>(INT_MIN, 31), -1.0);
     EXPECT_EQ(converted<float>(3, 149), 3 * kDenormal);
-    EXPECT_EQ(converted<float>(INT_MAX, 150), 0.0f); // the factor is 0 by then
+    EXPECT_EQ(converted<float>(INT_MAX, 150), 0.0f); // the factor is 0
     EXPECT_EQ(converted<float>(-1, INT_MIN), -kInfinity);
     EXPECT_TRUE(std::isnan(converted<double>(0, -1024))); // 0 times infinity
     EXPECT_EQ(converted<double>(1, 1074), 5e-324);
@@ -317,7 +327,7 @@ TEST(Convert, ChangesFloatingPointWidth) {
     EXPECT_EQ(bitsOf(converted<float>(-1e-60)), 0x80000000u);
 }
 
-TEST(Convert, LeavesTheDestinationOfTheTwoEmptyOnes) {
+TEST(Convert, TwoConversionsDoNothing) {
     EXPECT_EQ(converted<unsigned char>(1.0f, 0, true), 77);
     EXPECT_EQ(converted<int>(1.0, 0, false), 77);
 }
@@ -371,7 +381,7 @@ TEST(IPP, AcceptsNullForNoElements) {
     IPP::Convert(0, static_cast<const short*>(nullptr), &real, 0);
     EXPECT_EQ(std::make_tuple(real, narrow, whole, byte, wide), std::make_tuple(1.0f, 2, 3, 4, 5.0));
     EXPECT_TRUE(IPP::Equal(0, nullptr, nullptr));
-    IPP::Copy(0, &real, static_cast<float*>(nullptr)); // a sanitizer sees a null that is used
+    IPP::Copy(0, &real, static_cast<float*>(nullptr)); // a sanitizer reports the use of a null pointer
     IPP::Move(0, &narrow, static_cast<short*>(nullptr));
     IPP::Set(0, static_cast<int*>(nullptr), 9);
     IPP::Zero(0, static_cast<double*>(nullptr));

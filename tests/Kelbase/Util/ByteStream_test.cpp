@@ -28,7 +28,7 @@ Bytes contents(ByteStream& stream) {
     return bytes;
 }
 
-/// The message of what `read` throws.
+/// Returns the message of the exception that `read` throws.
 template <typename Read>
 std::string failureOf(Read read) {
     try {
@@ -41,7 +41,7 @@ std::string failureOf(Read read) {
     return "nothing thrown";
 }
 
-/// `big` is what `value` is written as with the most significant byte first.
+/// Expects that `value` is written as `big` in big-endian order, and is read back in every byte order.
 template <typename T>
 void expectCoded(T value, const Bytes& big) {
     for (DataStream::EndianType endianType : kEveryEndianType) {
@@ -66,7 +66,7 @@ void expectCoded(T value, const Bytes& big) {
     }
 }
 
-TEST(ByteStream, CodesEachTypeInBothByteOrders) {
+TEST(ByteStream, WritesAndReadsEachTypeInBothByteOrders) {
     expectCoded(true, {1});
     expectCoded(char('k'), {0x6B});
     expectCoded(static_cast<signed char>(-2), {0xFE});
@@ -85,7 +85,7 @@ TEST(ByteStream, CodesEachTypeInBothByteOrders) {
     expectCoded(0.1, {0x3F, 0xB9, 0x99, 0x99, 0x99, 0x99, 0x99, 0x9A});
 }
 
-TEST(ByteStream, KeepsTheLowHalfOfAWideLong) {
+TEST(ByteStream, WritesTheLow32BitsOfALong) {
     ByteStream stream(0);
     stream << LONG_MIN << ULONG_MAX << LONG_MAX;
     stream.SetPosition(0);
@@ -94,7 +94,7 @@ TEST(ByteStream, KeepsTheLowHalfOfAWideLong) {
     EXPECT_EQ(stream.ReadPrimitive(0L), LONG_MAX == INT_MAX ? LONG_MAX : -1L);
 }
 
-TEST(ByteStream, ReadsAnyByteButZeroAsTrue) {
+TEST(ByteStream, ReadsEveryNonzeroByteAsTrue) {
     const unsigned char bytes[] = {0, 2, 0x80};
     ByteStream stream(3, bytes);
     EXPECT_FALSE(stream.ReadPrimitive(true));
@@ -107,7 +107,7 @@ TEST(ByteStream, WritesIntoTheMiddleAndPastTheEnd) {
     stream.SetPosition(1);
     stream << short(0x0B0A);
     EXPECT_EQ(contents(stream), (Bytes{1, 0x0A, 0x0B, 4}));
-    stream << short(0x0D0C); // half inside
+    stream << short(0x0D0C); // one byte inside, one past the end
     EXPECT_EQ(contents(stream), (Bytes{1, 0x0A, 0x0B, 0x0C, 0x0D}));
     stream.SetPosition(7);
     stream.Write(0, nullptr);
@@ -120,7 +120,7 @@ TEST(ByteStream, WritesIntoTheMiddleAndPastTheEnd) {
     EXPECT_EQ(stream.GetEndianType(), DataStream::EndianBig);
 }
 
-TEST(ByteStream, ShowsZerosAgainWhereBytesWereCleared) {
+TEST(ByteStream, FillsAGapWithZerosAfterClear) {
     ByteStream stream(Bytes(20, 0xEE));
     stream.Clear();
     stream.SetPosition(10);
@@ -128,7 +128,7 @@ TEST(ByteStream, ShowsZerosAgainWhereBytesWereCleared) {
     EXPECT_EQ(contents(stream), (Bytes{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0}));
 }
 
-TEST(ByteStream, MovesItsCursorUnchecked) {
+TEST(ByteStream, SetsThePositionWithoutACheck) {
     ByteStream stream(Bytes{1, 2, 3});
     stream.SetPosition(4);
     EXPECT_EQ(stream.GetRemaining(), 4294967295u);
@@ -143,19 +143,19 @@ TEST(ByteStream, MovesItsCursorUnchecked) {
     EXPECT_EQ(stream.GetPosition(), 2147483647u);
 }
 
-/// Shows whose SetPosition is called.
+/// Shows whether a call goes through the virtual SetPosition.
 struct CursorSpy : ByteStream {
     using ByteStream::ByteStream;
     void SetPosition(unsigned int p) override { ByteStream::SetPosition(p + 100); }
 };
 
-TEST(ByteStream, SkipsThroughItsVirtualOperations) {
+TEST(ByteStream, SkipCallsTheVirtualSetPosition) {
     CursorSpy stream(0);
     stream.Skip(5);
     EXPECT_EQ(stream.GetPosition(), 105u);
 }
 
-TEST(ByteStream, SaysWhatItCannotRead) {
+TEST(ByteStream, ReportsFailedReads) {
     ByteStream stream(Bytes{1, 2, 3});
     int number = 5;
     unsigned char bytes[4] = {7, 7, 7, 7};
@@ -197,9 +197,10 @@ TEST(ByteStream, ReadsStrings) {
         const char* name;
         Bytes bytes;
         const char* text;
-        unsigned int position; ///< afterwards
+        unsigned int position; ///< The position after the read.
         const char* failure;
     } rows[] = {
+        // name, bytes, text, position, failure
         {"Whole", {2, 0, 0, 0, 'o', 'k', '!'}, "ok", 6, "nothing thrown"},
         {"Empty", {0, 0, 0, 0, '!'}, "", 4, "nothing thrown"},
         {"NulInside", {3, 0, 0, 0, 'a', 0, 'b', '!'}, "a", 7, "nothing thrown"},
@@ -219,7 +220,7 @@ TEST(ByteStream, ReadsStrings) {
     }
 }
 
-TEST(ByteStream, ReadsBackALongStringAmongOtherValues) {
+TEST(ByteStream, ReadsALongStringAmongOtherValues) {
     const std::string longest(200000, 'x');
     ByteStream stream(0);
     stream << 1 << String(longest.c_str()) << true;
@@ -232,7 +233,7 @@ TEST(ByteStream, ReadsBackALongStringAmongOtherValues) {
     EXPECT_TRUE(stream.AtEnd());
 }
 
-TEST(ByteStream, RefusesToGrowPastThirtyTwoBits) {
+TEST(ByteStream, RejectsSizesOf4GiB) {
     ByteStream stream(Bytes{1, 2, 3});
     const unsigned char bytes[4] = {};
     stream.SetPosition(4294967295u);
@@ -241,7 +242,7 @@ TEST(ByteStream, RefusesToGrowPastThirtyTwoBits) {
     EXPECT_THROW(stream.Write(4, bytes), std::length_error);
     stream.SetPosition(4294967292u);
     EXPECT_THROW(stream << 1.0, std::length_error);
-    EXPECT_THROW(stream << String("a"), std::length_error); // its length would fit, but not the text
+    EXPECT_THROW(stream << String("a"), std::length_error); // the length fits, but not the text
     EXPECT_EQ(stream.GetPosition(), 4294967292u);
     EXPECT_EQ(contents(stream), (Bytes{1, 2, 3}));
 }

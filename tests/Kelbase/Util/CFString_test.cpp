@@ -15,7 +15,7 @@ CFStringRef fromUnits(const std::vector<UniChar>& units) {
                                         static_cast<CFIndex>(units.size()));
 }
 
-TEST(CFString, TextGoesToThePlatformAndBack) {
+TEST(CFString, ConvertsToAPlatformStringAndBack) {
     const struct {
         String text;
         CFIndex units;
@@ -24,7 +24,7 @@ TEST(CFString, TextGoesToThePlatformAndBack) {
         {"InstalledProducts/%1/CurrentVersion", 35, "InstalledProducts/%1/CurrentVersion"},
         {"a\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E", 5, "a\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E"},
         {String(), 0, ""},
-        // no UTF-8
+        // invalid UTF-8
         {"\xE9", 0, ""},
         {"good\xFFgood", 0, ""},
         {"\xED\xA0\x80", 0, ""},
@@ -38,7 +38,7 @@ TEST(CFString, TextGoesToThePlatformAndBack) {
     EXPECT_EQ(macplatform::LiveObjectCount(), before);
 }
 
-TEST(CFString, UnitsBecomeTextOrNothing) {
+TEST(CFString, ReturnsEmptyTextForInvalidOrTooLongStrings) {
     const auto textOf = [](const std::vector<UniChar>& units) {
         return CFString(fromUnits(units), CFString::kReleaseOnDestroy).ToString();
     };
@@ -48,7 +48,7 @@ TEST(CFString, UnitsBecomeTextOrNothing) {
     EXPECT_EQ(textOf(std::vector<UniChar>(1000001, 'a')).GetLength(), 0U);
 }
 
-TEST(CFString, OnlyReleaseOnDestroyReleases) {
+TEST(CFString, ReleasesOnlyWithReleaseOnDestroy) {
     const CFStringRef text = fromUnits({'t', 'e', 'x', 't'});
     { const CFString borrowed(text, CFString::kDontRelease); }
     { const CFString alsoBorrowed(text, static_cast<CFString::ReleaseBehavior>(2)); }
@@ -59,7 +59,7 @@ TEST(CFString, OnlyReleaseOnDestroyReleases) {
     CFRelease(text);
 }
 
-TEST(CFString, HoldsAnEmptyStringForNullAndWhereThePlatformMakesNone) {
+TEST(CFString, HoldsAnEmptyStringForNullAndAfterAFailure) {
     const CFString fromReference(static_cast<CFStringRef>(nullptr), CFString::kReleaseOnDestroy);
     const CFString fromText(static_cast<const char*>(nullptr), CFString::kReleaseOnDestroy);
     macplatform::InjectFault({"CFStringCreateWithCString"});

@@ -15,10 +15,10 @@
 
 namespace {
 int gStatCalls = 0;
-const struct statfs* gVolume = nullptr; // what every path is said to stand on; null: statfs fails
+const struct statfs* gVolume = nullptr; // result of statfs for every path; if null, statfs fails
 } // namespace
 
-// The program's own definitions take the place of the C library's.
+// These definitions replace the functions of the C library in this program.
 extern "C" int stat(const char* path, struct stat* status) noexcept {
     ++gStatCalls;
     return fstatat(AT_FDCWD, path, status, 0);
@@ -57,7 +57,7 @@ std::vector<std::string> foldersIn(const std::filesystem::path& folder) {
     return texts(names);
 }
 
-TEST(DirListing, NamesWhatFitsThePattern) {
+TEST(DirListing, ReturnsNamesThatMatchThePattern) {
     const TemporaryFolder folder;
     for (const char* name : {"take.wav", "Take.Wav", "abcdef", "xabc", ".hidden", "ab*bc"})
         folder.Write(name);
@@ -75,7 +75,7 @@ TEST(DirListing, NamesWhatFitsThePattern) {
         EXPECT_EQ(filesIn(folder.Path(), pattern), expected) << pattern;
 }
 
-TEST(DirListing, JudgesEntriesByWhatTheyLeadTo) {
+TEST(DirListing, ClassifiesEntriesByTheirTarget) {
     const TemporaryFolder folder;
     for (const char* name : {"with blank", "line\nbreak", "\xff\xfe", "sub/file", "sub\\file", "sub\\none"})
         folder.Write(name);
@@ -90,14 +90,14 @@ TEST(DirListing, JudgesEntriesByWhatTheyLeadTo) {
     ASSERT_EQ(bind(made, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     close(made);
 
-    // A backslash is a separator, so that "sub\file" is asked about as the file in "sub".
+    // A backslash is a separator: the entry "sub\file" is classified as the file "file" in "sub".
     EXPECT_THAT(filesIn(folder.Path()),
                 ElementsAre("line\nbreak", "link", "sub\\file", "with blank", "\xff\xfe"));
     EXPECT_THAT(foldersIn(folder.Path()), ElementsAre("linked", "pipe", "socket", "sub"));
     EXPECT_THAT(filesIn(folder.Path(), "*", true),
                 ElementsAre("line\nbreak", "link", "linked", "pipe", "socket", "sub", "sub\\file",
                             "with blank", "\xff\xfe"));
-    for (const char* end : {"", "/", "//"}) { // as text, everything is taken as it is
+    for (const char* end : {"", "/", "//"}) { // a path as text is used unchanged
         const String text((folder.Path().string() + end).c_str());
         std::vector<String> names;
         Dir::GetFilenames(text, names, "s", false, false);
@@ -107,14 +107,15 @@ TEST(DirListing, JudgesEntriesByWhatTheyLeadTo) {
     }
 }
 
-TEST(DirListing, AppendsAndSortsOrLeavesTheListAlone) {
+TEST(DirListing, AppendsAndSortsOrKeepsTheList) {
     const TemporaryFolder folder;
     folder.Write("m");
     Dir dir(toPath(folder.Path()));
     std::vector<String> names = {"z", "a"};
     dir.GetFilenames(names, "", true, false);
     EXPECT_THAT(texts(names), ElementsAre("a", "m", "z"));
-    dir.GetFoldernames(names, names.front(), false); // a pattern out of the list that is cleared
+    // The pattern is an element of the list that the call clears.
+    dir.GetFoldernames(names, names.front(), false);
     EXPECT_THAT(names, IsEmpty());
     for (const std::string& missing :
          {(folder / "missing").string(), (folder / "m").string(), std::string()}) {
@@ -128,7 +129,7 @@ TEST(DirListing, AppendsAndSortsOrLeavesTheListAlone) {
     }
 }
 
-TEST(DirListing, LeavesOutWhatCannotBeReached) {
+TEST(DirListing, OmitsUnreachableEntries) {
     const TemporaryFolder folder;
     folder.Write("closed/file");
     folder.Write("names only/file");
@@ -147,13 +148,13 @@ TEST(DirListing, LeavesOutWhatCannotBeReached) {
     deep /= std::string(PATH_MAX - 8 - deep.native().size(), 'd');
     std::filesystem::create_directories(deep);
     const int opened = open(deep.c_str(), O_RDONLY | O_DIRECTORY);
-    for (const char* name : {"1", "12345", "123456"}) // 5 bytes are left of the longest path
+    for (const char* name : {"1", "12345", "123456"}) // the longest path has 5 more bytes
         close(openat(opened, name, O_CREAT | O_WRONLY, 0600));
     close(opened);
     EXPECT_THAT(filesIn(deep), ElementsAre("1", "12345"));
 }
 
-TEST(DirListing, AsksOnceForAnEntryThatFitsAndNeverForOthers) {
+TEST(DirListing, CallsStatOnceForEachMatchAndNeverForOtherEntries) {
     const TemporaryFolder folder;
     for (int i = 0; i < 30; ++i) {
         folder.Write("file" + std::to_string(i));
@@ -166,7 +167,7 @@ TEST(DirListing, AsksOnceForAnEntryThatFitsAndNeverForOthers) {
     EXPECT_LE(gStatCalls, 30);
 }
 
-TEST(Dir, IsMadeAndRemoved) {
+TEST(Dir, CreatesAndRemovesDirectories) {
     const TemporaryFolder folder;
     const std::string base = folder.Path().string();
     folder.Write("file");
@@ -192,7 +193,7 @@ TEST(Dir, IsMadeAndRemoved) {
     EXPECT_TRUE(deep.Exists());
 }
 
-TEST(Dir, KeepsTimes) {
+TEST(Dir, StoresTimes) {
     const TemporaryFolder folder;
     const Dir dir(toPath(folder.Path())), missing(toPath(folder / "missing"));
     dir.SetTime({1000000000, -1});
@@ -206,7 +207,7 @@ TEST(Dir, KeepsTimes) {
               "171 7 0: Error getting folder time");
 }
 
-TEST(Dir, ReckonsFreeSpaceIn32Bits) {
+TEST(Dir, ComputesFreeSpaceIn32Bits) {
     struct statfs status = {};
     gVolume = &status;
     const std::pair<unsigned int, unsigned long long> rows[] = {{3, 12288},
@@ -226,10 +227,10 @@ TEST(Dir, ReckonsFreeSpaceIn32Bits) {
     EXPECT_EQ(info.availableSpace, 4096U);
 }
 
-TEST(DirFindFile, ReturnsOwnFilesBeforeThoseBelow) {
+TEST(DirFindFile, FindsOwnFilesBeforeThoseOfSubfolders) {
     const TemporaryFolder folder;
     for (const char* name : {"b", "c", "a/Take.WAV", "a/deep/only", "z/take.wav"}) folder.Write(name);
-    // Forty folders with such links would be found in more ways than can be walked.
+    // These links form cycles with more paths than a search can visit.
     for (const char* link : {"1", "2", "a/3", "a/4"})
         std::filesystem::create_symlink(folder.Path(), folder / link);
     const struct {
@@ -237,16 +238,19 @@ TEST(DirFindFile, ReturnsOwnFilesBeforeThoseBelow) {
         bool recursive;
         unsigned int count, after;
         std::string found;
-    } rows[] = {{"TAKE.wav", false, 0, 2, ""},
-                {"/elsewhere/TAKE.wav", true, 0, 3, "a/Take.WAV"},
-                {"only", true, 7, 11, "a/deep/only"},
-                {"B", true, 0, 1, "b"},
-                {"tak", true, 0, 5, ""},
-                {"", true, 0, 5, ""},
-                {"c", true, 4998, 5000, "c"},
-                {"c", true, 4999, 5001, ""},
-                {"only", true, 5000, 5001, ""},
-                {"b", true, 0xFFFFFFFF, 0xFFFFFFFF, ""}};
+    } rows[] = {
+        // name, recursive, count, count after the search, result
+        {"TAKE.wav", false, 0, 2, ""},
+        {"/elsewhere/TAKE.wav", true, 0, 3, "a/Take.WAV"},
+        {"only", true, 7, 11, "a/deep/only"},
+        {"B", true, 0, 1, "b"},
+        {"tak", true, 0, 5, ""},
+        {"", true, 0, 5, ""},
+        {"c", true, 4998, 5000, "c"},
+        {"c", true, 4999, 5001, ""},
+        {"only", true, 5000, 5001, ""},
+        {"b", true, 0xFFFFFFFF, 0xFFFFFFFF, ""},
+    };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         unsigned int count = row.count;

@@ -58,7 +58,7 @@ void* operator new(std::size_t size) {
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
-/// A call of the library under its own name, and under the one for large files that 32-bit code takes.
+/// Replaces a call of the C library and its variant for large files, which 32-bit code calls.
 #define FAILING_CALL(RESULT, FAILURE, NAME, LARGE, PARAMETERS, ARGUMENTS)                                    \
     extern "C" RESULT __real_##NAME PARAMETERS;                                                              \
     extern "C" RESULT __wrap_##NAME PARAMETERS {                                                             \
@@ -69,6 +69,7 @@ void operator delete(void* block, std::size_t) noexcept { std::free(block); }
         return mustFail(#NAME) ? FAILURE : __real_##LARGE ARGUMENTS;                                         \
     }
 
+/// Replaces a call of the C library that has no variant for large files.
 #define FAILING_ONE(RESULT, FAILURE, NAME, PARAMETERS, ARGUMENTS)                                            \
     extern "C" RESULT __real_##NAME PARAMETERS;                                                              \
     extern "C" RESULT __wrap_##NAME PARAMETERS { return mustFail(#NAME) ? FAILURE : __real_##NAME ARGUMENTS; }
@@ -97,6 +98,7 @@ extern "C" int __wrap_fclose(FILE* file) {
     return fails ? EOF : result;
 }
 
+/// Replaces a call that transfers bytes. A failing call transfers half of its elements.
 #define HALF_DONE(NAME, POINTER)                                                                             \
     extern "C" std::size_t __real_##NAME(POINTER bytes, std::size_t size, std::size_t count, FILE* file);    \
     extern "C" std::size_t __wrap_##NAME(POINTER bytes, std::size_t size, std::size_t count, FILE* file) {   \

@@ -1,11 +1,13 @@
 #pragma once
 
+/// Injected failures of allocations and of file calls of the C library, and a count of allocated blocks.
+
 #include <cstddef>
 
-/// While one lives, call `number` (from 0) of those below fails with `errorNumber`: malloc, and the
-/// file calls of the C library that code linked into this program makes. A call that moves bytes moves half
-/// of them first; a failing fclose closes. A program links FailingCalls.cpp and is linked with the options
-/// that failing_calls names.
+/// Makes one call fail with `errorNumber`: the call with this number, from 0, of malloc and of the file calls
+/// that the code in this program makes. The destructor ends the injection. A failing fread or fwrite
+/// transfers half of its elements. A failing fclose closes the file. The program must contain
+/// FailingCalls.cpp and must be linked with the options in the CMake variable failing_calls.
 class FailingCall {
 public:
     FailingCall(unsigned number, int errorNumber);
@@ -13,9 +15,9 @@ public:
     FailingCall& operator=(const FailingCall&) = delete;
     ~FailingCall();
 
-    /// "fopen", or "malloc"; null as long as none failed.
+    /// Returns the name of the failed call, for example "fopen". Returns null if no call has failed yet.
     const char* Name() const;
 };
 
-/// Blocks that malloc and operator new gave and nobody gave back.
+/// Returns the number of blocks from malloc and operator new that are not freed.
 std::size_t LiveBlocks();

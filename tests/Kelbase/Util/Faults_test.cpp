@@ -1,5 +1,5 @@
-// Each call that the library makes of the system fails in turn: what is thrown, what is left, and that
-// nothing leaks.
+// Makes each system call of the library fail in turn. Verifies the exception, the state after the failure,
+// and that nothing leaks.
 
 #include "FailingCalls.h"
 #include "FileFailure.h"
@@ -29,7 +29,7 @@ using Util::File;
 
 const char kFileSource[] = "src/Kelbase/Util/File", kDirSource[] = "src/Kelbase/Util/Dir_mac";
 
-/// A fresh folder with a file and a folder in it, and the objects under test.
+/// A temporary directory with a file and a directory, and the objects under test.
 struct Fixture {
     const TemporaryFolder folder;
     const std::string name = folder.Write("file", "0123"), other = (folder / "other").string();
@@ -51,13 +51,14 @@ std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-/// "CALL: LINE KIND ERRNO: MESSAGE", or the result, for each call of the work that fails. Running out of
-/// memory always ends in std::bad_alloc and is not listed. What leaks is told.
+/// Makes each call of `work` fail in turn. Returns "CALL: LINE KIND ERRNO: MESSAGE" or the result of `work`
+/// for each failed file call. Expects std::bad_alloc or the usual result for each failed allocation, which is
+/// not listed. Expects that no memory and no descriptor leaks.
 template <typename Work>
 std::vector<std::string> withEachCallFailing(const char* source, const std::string& below, Work work) {
     std::vector<std::string> outcomes;
     {
-        Fixture first; // what is kept from a first call on is no leak
+        Fixture first; // the first run allocates memory that stays, which is no leak
         work(first);
     }
     for (unsigned number = 0;; ++number) {
@@ -80,7 +81,7 @@ std::vector<std::string> withEachCallFailing(const char* source, const std::stri
                        testing::Test::HasFailure() ? 1 : 0);
             return outcomes;
         }
-        EXPECT_EQ(left, blocks) << "leaked when call " << number << " failed: " << failing.Name();
+        EXPECT_EQ(left, blocks) << "leak after the failure of call " << number << ", " << failing.Name();
         const bool isOpen = fixture.file.IsOpen();
         fixture.file.SetPath({});
         EXPECT_EQ(openDescriptors(), descriptors) << failing.Name();
@@ -94,7 +95,7 @@ std::vector<std::string> withEachCallFailing(const char* source, const std::stri
 
 } // namespace
 
-TEST(Faults, OfAFileAreThrownWithTheirPlace) {
+TEST(Faults, FailedCallsOfAnOpenFileThrowWithTheirLine) {
     EXPECT_THAT(withEachCallFailing(kFileSource, "file",
                                     [](Fixture& fixture) {
                                         fixture.file.Open(File::Read | File::Write);
@@ -120,7 +121,7 @@ TEST(Faults, OfAFileAreThrownWithTheirPlace) {
                             "fclose: nothing"));
 }
 
-TEST(Faults, OfANamedFileAreThrownWithTheirPlace) {
+TEST(Faults, FailedCallsForAPathThrowWithTheirLine) {
     const auto failing = [](void (*work)(Fixture&)) {
         return withEachCallFailing(kFileSource, "file", work);
     };
@@ -143,7 +144,7 @@ TEST(Faults, OfANamedFileAreThrownWithTheirPlace) {
                 ElementsAre("access: nothing", "rename: 547 6 5: Rename failed"));
 }
 
-TEST(Faults, OfQueriesAreResults) {
+TEST(Faults, FailedQueriesReturnNoValue) {
     EXPECT_THAT(withEachCallFailing(kFileSource, "file",
                                     [](Fixture& fixture) {
                                         const bool all = fixture.file.Exists() && fixture.file.IsReadable() &&
@@ -153,10 +154,10 @@ TEST(Faults, OfQueriesAreResults) {
                                                                                           : "whole";
                                         Dir::DirInfo info = {7};
                                         if (!fixture.dir.GetDirInfo(info) && info.availableSpace == 7)
-                                            fixture.result = "no space reported";
+                                            fixture.result = "no space";
                                     }),
                 ElementsAre("access: not there", "access: not there", "access: not there", "stat: no size",
-                            "statfs: no space reported"));
+                            "statfs: no space"));
     EXPECT_THAT(withEachCallFailing(kFileSource, "file",
                                     [](Fixture& fixture) {
                                         fixture.file.Open(File::Read);
@@ -169,7 +170,7 @@ TEST(Faults, OfQueriesAreResults) {
                             "fstat: no size (open)", "fstat: no rest (open)", "ftello: no rest (open)"));
 }
 
-TEST(Faults, OfAFolderAreThrownWithTheirPlace) {
+TEST(Faults, FailedDirectoryCallsThrowWithTheirLine) {
     const char notMade[] = "mkdir: 105 3 0: mkdir() failed with -1/5";
     const auto deep =
         withEachCallFailing(kDirSource, "empty/a/b/", [](Fixture& fixture) { fixture.deep.Create(true); });
@@ -196,7 +197,7 @@ TEST(Faults, OfAFolderAreThrownWithTheirPlace) {
                 ElementsAre("stat: 171 7 0: Error getting folder time"));
 }
 
-TEST(Faults, OfAListingLeaveEntriesOut) {
+TEST(Faults, FailedListingCallsOmitEntries) {
     const auto outcomes = withEachCallFailing(kDirSource, "", [](Fixture& fixture) {
         fixture.dir.GetFilenames(fixture.names, "", false, true);
         fixture.result = fixture.names.empty() ? "none" : fixture.names.size() == 1 ? "one" : "both";
@@ -205,26 +206,28 @@ TEST(Faults, OfAListingLeaveEntriesOut) {
     EXPECT_EQ(outcomes[0], "opendir: none");
     EXPECT_EQ(outcomes[1], "readdir: none");
     EXPECT_THAT(outcomes, Contains("stat: one"));
-    EXPECT_EQ(outcomes.back(), "readdir: both") << "the end, where nothing is left to tell";
+    EXPECT_EQ(outcomes.back(), "readdir: both") << "the last readdir, after all entries";
 }
 
-TEST(Faults, OfMemoryLeaveTextsAndStreamsAsTheyWere) {
+TEST(Faults, FailedAllocationsLeaveStringsAndStreamsUnchanged) {
     struct Objects {
-        String text{"a text of %1 that is too long to lie in its own object,  really"}, copy{text};
+        String text{"a text of %1 that is longer than any buffer in the object,  really"}, copy{text};
         std::vector<String> parts;
         Util::ByteStream stream{0};
     };
     using Work = void (*)(Objects&);
     const Work works[] = {
-        [](Objects& o) { o.text.Insert(3, "many words that need room"); },
+        [](Objects& o) { o.text.Insert(3, "many words that need more memory"); },
         [](Objects& o) { o.text.Remove(3, 2); },
         [](Objects& o) { o.text.Resize(500, true); },
         [](Objects& o) { o.text.detachAndExtend(500); },
-        [](Objects& o) { o.text += "many words that need room"; },
-        [](Objects& o) { o.text = o.text.Arg(4711).Replace("t", "many words that need room").ToUpper(); },
+        [](Objects& o) { o.text += "many words that need more memory"; },
+        [](Objects& o) {
+            o.text = o.text.Arg(4711).Replace("t", "many words that need more memory").ToUpper();
+        },
         [](Objects& o) { o.text = o.text.SimplifyWhiteSpace().Mid(3) + o.text.Left(30); },
         [](Objects& o) { o.text.Split(' ', o.parts); },
-        [](Objects& o) { o.stream << String("many words that need room"); },
+        [](Objects& o) { o.stream << String("many words that need more memory"); },
     };
     unsigned tally = 0;
     for (const Work work : works) {

@@ -4,7 +4,8 @@
 
 #include <string>
 
-/// What a call threw, as "LINE KIND ERRNO: MESSAGE"; empty when nothing. `source` and `path` must be its own.
+/// Returns the FileIO exception of a call as "LINE KIND ERRNO: MESSAGE". Returns an empty string if the call
+/// throws nothing. Appends " in another place" if the exception names another source or path.
 template <typename Call>
 std::string FailureOf(const char* source, const std::string& path, Call call) {
     try {

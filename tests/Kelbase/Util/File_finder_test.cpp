@@ -24,24 +24,25 @@ protected:
     }
     void TearDown() override {
         macplatform::SetCallObserver({});
-        EXPECT_EQ(macplatform::CancelInjectedFaults(), 0U) << "each ordered fault has happened";
+        EXPECT_EQ(macplatform::CancelInjectedFaults(), 0U) << "each injected fault has occurred";
         EXPECT_EQ(macplatform::LiveObjectCount(), 0U);
     }
 
-    std::vector<std::string> calls; // of the platform
+    std::vector<std::string> calls; // platform calls, by name
     const TemporaryFolder folder;
     const std::string old = folder.Write("old", "old bytes");
     const std::string name = folder.Write("new", "new bytes");
 };
 
-TEST_F(FileFinder, RenameReplacesByExchangeWhereTheVolumeCan) {
-    macplatform::InjectFault({"FSExchangeObjects", noErr}); // says that it did, and does not
+TEST_F(FileFinder, RenameExchangesFilesIfTheVolumeSupportsIt) {
+    macplatform::InjectFault(
+        {"FSExchangeObjects", noErr}); // reports success, but does not exchange the files
     File::Rename(toPath(name), toPath(old));
     EXPECT_EQ(ReadBytes(old), "old bytes");
     EXPECT_FALSE(std::filesystem::exists(name));
 }
 
-TEST_F(FileFinder, RenameMovesOrReportsWhyNot) {
+TEST_F(FileFinder, RenameMovesTheFileOrThrows) {
     File::Rename(toPath(name), toPath(old));
     EXPECT_THAT(calls, ElementsAre("FSPathMakeRef", "FSPathMakeRef", "FSExchangeObjects"));
     EXPECT_EQ(ReadBytes(old), "new bytes");
@@ -53,7 +54,7 @@ TEST_F(FileFinder, RenameMovesOrReportsWhyNot) {
     EXPECT_EQ(ReadBytes(name), "new bytes");
 }
 
-TEST_F(FileFinder, GivesTheFileTypeOr0) {
+TEST_F(FileFinder, ReturnsTheFileTypeOrZero) {
     const File file(toPath(name));
     EXPECT_EQ(file.GetOSXFileType(), 0U) << "no Finder information";
     ASSERT_EQ(SetFinderInfo(name, FileInfo{'WAVE', 'ttxt', 0, {}, 0}), noErr);
@@ -64,18 +65,18 @@ TEST_F(FileFinder, GivesTheFileTypeOr0) {
     EXPECT_EQ(File(toPath(folder / "missing")).GetOSXFileType(), 0U);
 }
 
-TEST_F(FileFinder, RecyclePutsAFileIntoTheTrash) {
+TEST_F(FileFinder, RecycleMovesTheFileToTheTrash) {
     EXPECT_EQ(File::Recycle(name.c_str()), noErr);
     EXPECT_FALSE(std::filesystem::exists(name));
     EXPECT_EQ(ReadBytes(folder / "data/Trash/files/new"), "new bytes");
     EXPECT_THAT(calls, ElementsAre("FSPathMakeRef", "AECreateDesc", "AECreateAppleEvent", "AEDisposeDesc", //
-                                   "AECreateDesc", "AEPutParamDesc", "AEDisposeDesc", // what
+                                   "AECreateDesc", "AEPutParamDesc", "AEDisposeDesc", // the file
                                    "AECreateDesc", "CreateObjSpecifier", "AEPutParamDesc", "AEDisposeDesc",
-                                   "AEDisposeDesc", // where to
+                                   "AEDisposeDesc", // the Trash
                                    "AESend", "AEDisposeDesc", "AEDisposeDesc"));
 }
 
-TEST_F(FileFinder, RecycleReturnsTheErrorOfBuildingTheEvent) {
+TEST_F(FileFinder, RecycleReturnsTheErrorsOfItsPreparation) {
     EXPECT_EQ(File::Recycle((folder / "missing").c_str()), fnfErr);
     const struct {
         macplatform::InjectedFault fault;
@@ -83,7 +84,7 @@ TEST_F(FileFinder, RecycleReturnsTheErrorOfBuildingTheEvent) {
     } rows[] = {
         {{"FSPathMakeRef", ioErr}, ioErr},
         {{"AECreateDesc", memFullErr}, memFullErr},
-        {{"AECreateAppleEvent", memFullErr}, noErr}, // hidden by the disposal of the target
+        {{"AECreateAppleEvent", memFullErr}, noErr}, // AEDisposeDesc of the target replaces this error
         {{"AECreateDesc", memFullErr, 1}, memFullErr},
         {{"AEPutParamDesc", memFullErr}, memFullErr},
         {{"AECreateDesc", memFullErr, 2}, memFullErr},

@@ -19,7 +19,7 @@ using Util::File;
 
 FilePath toPath(const std::string& name) { return FilePath(name.c_str(), false); }
 
-/// As `FailureOf`, about the file itself.
+/// Returns `FailureOf` for an exception of File about the file `name`.
 template <typename Call>
 std::string failure(const std::string& name, Call call) {
     return FailureOf("src/Kelbase/Util/File", name, call);
@@ -33,19 +33,32 @@ std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-TEST(File, OpensAsTheBitsSay) {
+TEST(File, OpenFollowsItsModeBits) {
     constexpr auto R = File::Read, W = File::Write, RW = File::ReadWrite, A = File::Append,
                    T = File::Truncate;
     struct {
         unsigned int bits;
-        int readError;    // of the first byte of "old!"; 0 when it is read, or when the file was emptied
-        int writeError;   // of an "X" after that
-        const char* left; // in the file
-    } const rows[] = {{0, 0, EBADF, "old!"},     {R, 0, EBADF, "old!"},      {T, 0, EBADF, "old!"},
-                      {R | T, 0, EBADF, "old!"}, {W, EBADF, 0, "X"},         {RW, 0, 0, "X"},
-                      {R | RW, 0, 0, "oXd!"},    {R | W, 0, 0, "oXd!"},      {R | W | T, 0, 0, "X"},
-                      {A, EBADF, 0, "old!X"},    {W | A, EBADF, 0, "old!X"}, {R | A, 0, 0, "old!X"},
-                      {RW | A, 0, 0, "X"}};
+        int readError;    // errno of a read of the first byte; 0 if no error, or if the file is empty
+        int writeError;   // errno of a write of "X" after the read
+        const char* left; // contents of the file after the write
+    } const rows[] = {
+        // clang-format off
+        // mode bits, read error, write error, contents after the write; the file begins as "old!"
+        {0, 0, EBADF, "old!"},
+        {R, 0, EBADF, "old!"},
+        {T, 0, EBADF, "old!"},
+        {R | T, 0, EBADF, "old!"},
+        {W, EBADF, 0, "X"},
+        {RW, 0, 0, "X"},
+        {R | RW, 0, 0, "oXd!"},
+        {R | W, 0, 0, "oXd!"},
+        {R | W | T, 0, 0, "X"},
+        {A, EBADF, 0, "old!X"},
+        {W | A, EBADF, 0, "old!X"},
+        {R | A, 0, 0, "old!X"},
+        {RW | A, 0, 0, "X"},
+        // clang-format on
+    };
     for (const unsigned int text : {0U, unsigned{File::Text}})
         for (const auto& row : rows) {
             SCOPED_TRACE(row.bits | text);
@@ -66,7 +79,7 @@ TEST(File, OpensAsTheBitsSay) {
         }
 }
 
-TEST(File, FailsWithPlaceAndErrno) {
+TEST(File, ThrowsWithLineKindAndErrno) {
     const TemporaryFolder folder;
     const std::string name = folder / "missing";
     File file(toPath(name));
@@ -92,7 +105,7 @@ TEST(File, FailsWithPlaceAndErrno) {
     EXPECT_FALSE(file.Size().IsGiven() || file.At().IsGiven() || File().Size().IsGiven() || File().Exists());
 }
 
-TEST(File, ThrowsWhereTheFileEndsAndHandsOutWhatWasLeft) {
+TEST(File, ReadPastTheEndThrowsAndStoresTheRest) {
     const TemporaryFolder folder;
     const std::string name = folder.Write("file", "0123456789");
     for (const unsigned int text : {0U, unsigned{File::Text}}) {
@@ -101,7 +114,7 @@ TEST(File, ThrowsWhereTheFileEndsAndHandsOutWhatWasLeft) {
         file.At(6);
         EXPECT_EQ(given(file.Remaining()), 4);
         char buffer[10] = {};
-        errno = EIO; // of something earlier
+        errno = EIO; // a value of an earlier call
         EXPECT_EQ(failure(name, [&] { file.ReadBlock(buffer, 10); }),
                   std::string(text ? "592" : "608") + " 2 0: Attempt to read 10 bytes, only read 4 bytes");
         EXPECT_STREQ(buffer, "6789");
@@ -114,7 +127,7 @@ TEST(File, ThrowsWhereTheFileEndsAndHandsOutWhatWasLeft) {
     }
 }
 
-TEST(File, MayReadAndWriteInTurn) {
+TEST(File, AlternatesReadsAndWrites) {
     const TemporaryFolder folder;
     const std::string name = folder.Write("file", "0123456789");
     File file(toPath(name));
@@ -134,7 +147,7 @@ TEST(File, MayReadAndWriteInTurn) {
     EXPECT_EQ(ReadBytes(name), "ab23cd67efgh");
 }
 
-TEST(File, ReachesPast4GiB) {
+TEST(File, SupportsOffsetsAbove4GiB) {
     const TemporaryFolder folder;
     const std::string name = folder / "sparse";
     File file(toPath(name));
@@ -152,7 +165,7 @@ TEST(File, ReachesPast4GiB) {
     EXPECT_EQ(given(file.At()), 5368709123);
 }
 
-TEST(File, ReportsWhatTheDiskRejects) {
+TEST(File, ReportsErrorsOfTheSystem) {
     File file(toPath("/dev/full"));
     file.Open(File::Read | File::Write);
     file.WriteBlock("abc", 3); // buffered
@@ -165,7 +178,7 @@ TEST(File, ReportsWhatTheDiskRejects) {
 
     const TemporaryFolder folder;
     file.SetPath(toPath(folder.Path()));
-    file.Open(File::Read); // which opens folders, too
+    file.Open(File::Read); // open with O_RDONLY also opens directories
     EXPECT_EQ(failure(folder.Path(), [&] { file.ReadBlock(large.data(), 1); }),
               "608 2 21: Attempt to read 1 bytes, only read 0 bytes");
 
@@ -182,7 +195,7 @@ TEST(File, ReportsWhatTheDiskRejects) {
     }));
 }
 
-TEST(File, ClosesWhatItLetsGoOf) {
+TEST(File, ClosesTheFileOnSetPathRemoveAndDestruction) {
     const TemporaryFolder folder;
     const std::string name = folder / "file";
     const auto before = openDescriptors();
@@ -201,7 +214,7 @@ TEST(File, ClosesWhatItLetsGoOf) {
     EXPECT_FALSE(file.Exists());
 }
 
-TEST(File, KeepsTimesToTheSecond) {
+TEST(File, StoresTimesInSeconds) {
     const TemporaryFolder folder;
     const std::string name = folder.Write("file");
     File file(toPath(name));
@@ -212,7 +225,7 @@ TEST(File, KeepsTimesToTheSecond) {
         EXPECT_EQ(read.accessed, set.accessed);
         EXPECT_EQ(read.modified, set.modified);
     }
-    if constexpr (sizeof(time_t) > 4) { // a time outside 32 bits can be made
+    if constexpr (sizeof(time_t) > 4) { // this system has times that need more than 32 bits
         const timeval late[2] = {{time_t(1) << 33, 0}, {time_t(1) << 33, 0}};
         ASSERT_EQ(utimes(name.c_str(), late), 0);
         file.GetTime(&read);

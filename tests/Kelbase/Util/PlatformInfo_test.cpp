@@ -10,11 +10,11 @@
 
 namespace {
 
-TEST(PlatformInfo, ProcessNameIsThePlatformsReadAsUtf8) {
+TEST(PlatformInfo, ReadsTheProcessNameAsUtf8) {
     const std::size_t before = macplatform::LiveObjectCount();
     macplatform::SetProcessName("Caf\xC3\xA9 Installer");
     EXPECT_STREQ(Util::GetCurrentProcessName().Latin1(), "Caf\xC3\xA9 Installer");
-    macplatform::SetProcessName("Caf\x8E"); // the same in Mac Roman
+    macplatform::SetProcessName("Caf\x8E"); // the same name in Mac Roman is invalid UTF-8
     EXPECT_STREQ(Util::GetCurrentProcessName().Latin1(), "");
     macplatform::SetProcessName(std::string(255, 'n'));
     EXPECT_EQ(Util::GetCurrentProcessName().Latin1(), std::string(255, 'n'));
@@ -34,7 +34,7 @@ TEST(PlatformInfo, CountsAtLeastOneProcessor) {
     EXPECT_GE(Util::GetNumLogicalProcessors(), 1U);
 }
 
-TEST(PlatformInfo, MapFilesAndStacksAreUntouched) {
+TEST(PlatformInfo, MapFilesAndCallStacksAreNotSupported) {
     unsigned int frames[2] = {7, 7};
     Util::GetCallStack(2, frames);
     EXPECT_EQ(frames[0], 0U);
@@ -52,7 +52,7 @@ TEST(PlatformInfo, MapFilesAndStacksAreUntouched) {
     EXPECT_EQ(table.size(), 1U);
 }
 
-TEST(PlatformInfo, HeapSizeIsUnknown) {
+TEST(PlatformInfo, ReturnsZeroForTheHeapSize) {
     const std::string block(1000, 'x');
     EXPECT_EQ(Util::GetTotalHeapAllocatedBytes(), 0U);
 }

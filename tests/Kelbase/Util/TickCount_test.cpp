@@ -9,7 +9,7 @@
 #include <macplatform/ProcessIdentity.h>
 #include <utility>
 
-// Clocks that stand still, in the place of the platform's.
+// These clocks replace the platform's clocks. They return fixed values.
 
 static CFAbsoluteTime gNow;
 static std::uint64_t gTicks;
@@ -25,7 +25,7 @@ kern_return_t mach_timebase_info(mach_timebase_info_t base) {
 namespace {
 
 TEST(TickCount, RoundsHalfAwayFromZeroAndWraps) {
-    // No clock shows the last ones, which are too large for 64 bits.
+    // The last rows do not fit 64 bits. No real clock returns such values.
     const std::pair<double, unsigned int> rows[] = {{0.0, 0},
                                                     {0.0004, 0},
                                                     {0.0005, 1},
@@ -47,7 +47,7 @@ TEST(TickCount, RoundsHalfAwayFromZeroAndWraps) {
     }
 }
 
-TEST(TickCount, SecondsAreTheStandardLibrarys) {
+TEST(TickCount, SecondsEqualTheStandardTime) {
     const auto before = static_cast<int>(std::time(nullptr));
     const int seconds = Util::GetTimeSeconds();
     EXPECT_TRUE(seconds >= before && seconds <= static_cast<int>(std::time(nullptr))) << seconds;
@@ -59,7 +59,7 @@ TEST(TickCount, CyclesFollowTheTimeBaseOfEachCall) {
     EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 3.0);
     gTimeBase = {125, 3};
     EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 125.0);
-    gTicks = 681156233136703U; // another order of the operations rounds differently
+    gTicks = 681156233136703U; // another order of multiplication and division rounds differently
     gTimeBase = {1001, 77};
     EXPECT_EQ(Util::GetCycleCountSeconds(), 0x1.0e3bee0fc2058p+23);
 }
@@ -72,7 +72,7 @@ TEST(TickCount, MeasuringHasNoEffect) {
     EXPECT_DOUBLE_EQ(Util::GetCycleCountSeconds(), 1.0);
 }
 
-TEST(TickCount, FrequencyIsTheLow32BitsOrNothing) {
+TEST(TickCount, FrequencyIsTheLow32BitsOrZero) {
     macplatform::SetCpuFrequency(2400000000U);
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 2400000000.0);
     macplatform::SetCpuFrequency(5000000000U);

@@ -4,4 +4,5 @@
 
 #include <string>
 
+/// Returns all bytes of the string, NUL bytes included.
 inline std::string Bytes(const String& text) { return {text.Latin1(), text.GetLength()}; }

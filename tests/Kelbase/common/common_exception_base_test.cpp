@@ -10,7 +10,7 @@ namespace {
 using Util::Exception::DataStreamIO;
 using Util::Exception::FileIO;
 
-TEST(Exception, RendersMessagePlaceAndPath) {
+TEST(Exception, ToStringContainsMessageLocationAndPath) {
     const std::string head = "Base:\n\tNo %1\n\t (-1): Thrown, GetLastError(): 0\n";
     EXPECT_EQ(Bytes(Exception::Base("No %1").ToString()), head);
     EXPECT_EQ(Bytes(FileIO("No %1", FilePath("/a//b", false), FileIO::OpenError, 13).ToString()),
@@ -27,7 +27,7 @@ TEST(Exception, RendersMessagePlaceAndPath) {
                   kinds[kind]);
 }
 
-TEST(Exception, IsCaughtAsItsBaseWithAllItHolds) {
+TEST(Exception, KeepsItsDataWhenCaughtAsItsBase) {
     try {
         DataStreamIO failure("No");
         failure.SetLocation("src/Kelbase/Util/ByteStream", 0x70000000CLL);

@@ -36,9 +36,9 @@ private:
     std::optional<std::string> oldHome;
 };
 
-TEST(Path, PrintsClean) {
-    // Pairs: the text, and what it prints as. A separator is added at the end that a file's path does not
-    // have.
+TEST(Path, ToStringReturnsTheCanonicalForm) {
+    // Pairs of a text and its canonical form as a folder. The canonical form of a file has no
+    // separator at the end.
     std::istringstream pairs(R"(
         /a/b.txt /a/b.txt/   / /          /\// /           /a//b /a/b/        \a\b\\c /a/b/c/   /a/b/\/ /a/b/
         //srv//x //srv/x/    ///a //a/    /a//b/../c /a/c/  /a/b/.. /a/      /a/./..b/... /a/./..b/.../
@@ -55,14 +55,14 @@ TEST(Path, PrintsClean) {
     EXPECT_EQ(Bytes(FilePath("/\xff//\x80", false).ToString()), "/\xff/\x80");
 
     const FilePath clean("/a/b.txt", false);
-    EXPECT_EQ(clean.ToString().Latin1(), clean.GetInternal().Latin1()) << "nothing to clean, nothing to copy";
+    EXPECT_EQ(clean.ToString().Latin1(), clean.GetInternal().Latin1()) << "a canonical path shares the bytes";
     String withNul("/a");
     withNul += '\0';
     withNul += "/b/../c";
     EXPECT_EQ(Bytes(FilePath(withNul, false).ToString()), std::string("/a\0/c", 5));
 }
 
-TEST(Path, IsMadeAbsolute) {
+TEST(Path, MakesRelativePathsAbsolute) {
     const TemporaryFolder folder;
     const std::string here = folder.Path().string();
     const ScopedEnvironment environment("/Users/a", folder.Path());
@@ -85,7 +85,7 @@ TEST(Path, IsMadeAbsolute) {
     EXPECT_EQ(Bytes(FilePath("x", false).GetInternal()), "/x");
 }
 
-TEST(Path, IsSplitIntoParts) {
+TEST(Path, SplitsIntoItsParts) {
     const char* const rows[][5] = {
         // path, file name, extension, base name, folder
         {"/a.b/c", "c", "", "c", "/a.b/"},
@@ -93,7 +93,7 @@ TEST(Path, IsSplitIntoParts) {
         {"/.profile", ".profile", "profile", "", "/"},
         {"/a\\b/c\\name.\\", "name.", "", "name", "/a\\b/c/"},
         {"", "", "", "", ""},
-        {"~", "", "", "", "//C:/"} // HOME is taken as it is, and made absolute when it is made a folder
+        {"~", "", "", "", "//C:/"} // HOME is used unchanged; GetFolder makes the path absolute
     };
     const ScopedEnvironment environment("C:", "/");
     for (const auto& [given, name, extension, base, folder] : rows) {
@@ -116,16 +116,16 @@ TEST(Path, IsSplitIntoParts) {
     EXPECT_EQ(Bytes((deep + "c/d.txt").GetInternal()), "/Users/a/b\\c/d.txt");
 }
 
-TEST(Path, ComparesCleanFormsWithoutCase) {
+TEST(Path, ComparesCanonicalFormsWithoutCase) {
     struct {
         const char *a, *b;
-        int order; // of a and b: negative, 0 or positive
+        int order; // expected order of a and b: negative, 0 or positive
     } const rows[] = {{"/Users/A/", "/users/a", 0},
                       {"/x/y/../z", "\\X\\\\z/", 0},
                       {"/x/a/b/../../z", "/x/z", -1},
                       {"/a", "/a/b", -1},
                       {"/a b", "/a", -1},
-                      {"/a0", "/a", 1}, // the "/" at the end counts
+                      {"/a0", "/a", 1}, // the comparison includes the "/" at the end
                       {"/B", "/a", 1},
                       {"/\xc3\x89", "/\xc3\xa9", -1},
                       {"/z", "/\xc3\x89", -1},

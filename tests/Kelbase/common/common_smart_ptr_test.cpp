@@ -16,20 +16,20 @@ int Counted::gAlive = 0;
 
 } // namespace
 
-TEST(SharedPtr, FreesWithTheLastHandle) {
+TEST(SharedPtr, FreesTheObjectWithTheLastOwner) {
     for (const bool inOneBlock : {false, true}) {
         auto first = inOneBlock ? shared_ptr<Counted>::Make(7) : shared_ptr<Counted>(new Counted(7));
         {
             shared_ptr<Counted> second(first);
             EXPECT_EQ(first.use_count(), 2u);
             shared_ptr<Counted> third(std::move(second));
-            EXPECT_EQ(first.use_count(), 2u) << "a move counts nothing";
+            EXPECT_EQ(first.use_count(), 2u) << "a move does not change the count";
             third = *&third;
             EXPECT_EQ(third->value, 7);
         }
         EXPECT_EQ(first.use_count(), 1u);
         first.reset(first.get());
-        EXPECT_EQ(Counted::gAlive, 1) << "its own object again";
+        EXPECT_EQ(Counted::gAlive, 1) << "reset to its own object keeps the object";
         first.reset();
         EXPECT_EQ(Counted::gAlive, 0);
         EXPECT_FALSE(first);
@@ -37,7 +37,7 @@ TEST(SharedPtr, FreesWithTheLastHandle) {
     }
 }
 
-TEST(SharedPtr, ResetLeavesTheOthersTheirObject) {
+TEST(SharedPtr, ResetDoesNotAffectOtherOwners) {
     shared_ptr<Counted> a(new Counted(1)), b(a);
     a.reset(new Counted(2));
     EXPECT_EQ(a->value, 2);

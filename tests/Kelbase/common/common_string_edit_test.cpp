@@ -18,12 +18,13 @@ int position(const checked_value<unsigned int>& found) {
 
 } // namespace
 
-TEST(StringFind, GivesPositionsOrAbsent) {
+TEST(StringFind, ReturnsThePositionOrAbsent) {
     EXPECT_EQ(position(String("abcb").Find('b')), 1);
     EXPECT_EQ(position(String("abcb").Find('b', 2)), 3);
     EXPECT_EQ(position(String("abcb").Find('b', 4)), kAbsent);
     EXPECT_EQ(position(String("abc").Find('B', 0, false)), 1);
-    EXPECT_EQ(position(String("\xC3\xA9").Find('\x89', 0, false)), kAbsent) << "folds ASCII alone";
+    EXPECT_EQ(position(String("\xC3\xA9").Find('\x89', 0, false)), kAbsent)
+        << "case is ignored for ASCII only";
     EXPECT_EQ(position(String().Find('b')), kAbsent);
 
     EXPECT_EQ(position(String("abcb").FindRev('b')), 3);
@@ -40,11 +41,11 @@ TEST(StringFind, GivesPositionsOrAbsent) {
     String cut("a");
     cut += '\0';
     cut += String("b");
-    EXPECT_EQ(position(cut.Find("b")), kAbsent) << "texts end at the NUL";
-    EXPECT_EQ(position(cut.Find('b')), 2) << "bytes do not";
+    EXPECT_EQ(position(cut.Find("b")), kAbsent) << "a search for text ends at the NUL";
+    EXPECT_EQ(position(cut.Find('b')), 2) << "a search for a byte does not";
 }
 
-TEST(StringFind, FindsPrefixAndSuffix) {
+TEST(StringFind, DetectsPrefixAndSuffix) {
     EXPECT_TRUE(String("abc").BeginsWith("AB", false));
     EXPECT_FALSE(String("abc").BeginsWith("AB"));
     EXPECT_FALSE(String("abc").BeginsWith("abcd"));
@@ -67,7 +68,7 @@ TEST(StringEdit, SlicesAndChangesInPlace) {
     EXPECT_EQ(Bytes(String("abc").Remove(1, 0xFFFFFFFF)), "a");
 }
 
-TEST(StringEdit, ReplacesMapsAndCleans) {
+TEST(StringEdit, ReplacesConvertsAndTrims) {
     EXPECT_EQ(Bytes(String("1.2.3").ReplaceChar('.', ',')), "1,2,3");
     EXPECT_EQ(Bytes(String("aaa").Replace("aa", "b")), "ba");
     EXPECT_EQ(Bytes(String("abab").Replace("b", String())), "aa");
@@ -80,9 +81,9 @@ TEST(StringEdit, ReplacesMapsAndCleans) {
     EXPECT_EQ(Bytes(String("   ").SimplifyWhiteSpace()), "");
     EXPECT_EQ(Bytes(String("x\xC3\xA0y").SimplifyWhiteSpace()), "x\xC3 y") << "0xA0 is white space";
     EXPECT_EQ(Bytes(String("x\xE2\x82 ").SimplifyWhiteSpace()), std::string("x\0\0", 3))
-        << "a cut end is blanked";
+        << "the cut character at the end becomes NUL bytes";
     const String clean("a b");
-    EXPECT_EQ(clean.StripWhiteSpace().Latin1(), clean.Latin1()) << "nothing to strip shares";
+    EXPECT_EQ(clean.StripWhiteSpace().Latin1(), clean.Latin1()) << "an unchanged string shares the bytes";
 }
 
 TEST(StringEdit, SplitsAndJoins) {
@@ -96,11 +97,11 @@ TEST(StringEdit, SplitsAndJoins) {
     EXPECT_EQ(parts.size(), 1u);
     parts = {String("x,y")};
     parts[0].Split(',', parts);
-    EXPECT_EQ(Bytes(String::Join("", parts)), "xy") << "the list may hold the text itself";
+    EXPECT_EQ(Bytes(String::Join("", parts)), "xy") << "the list may hold the split text";
     EXPECT_EQ(Bytes(String::Join(",", {})), "");
 }
 
-TEST(StringList, SortsAsTheOperatorOrders) {
+TEST(StringList, SortOrderMatchesTheOperator) {
     std::mt19937 random(99);
     for (const std::size_t prefix : {0u, 3u, 9u}) {
         std::vector<String> texts(prefix == 0 ? 2 : 0), expected;
@@ -120,18 +121,18 @@ TEST(StringList, SortsAsTheOperatorOrders) {
 
 namespace {
 
-/// What an edit may take: a position at most 2 past the end (and the same, at the end at most), a text of
-/// `n`.
+/// The arguments of an edit.
 struct Choice {
-    unsigned int pos, n;
-    std::size_t at;
+    unsigned int pos; ///< A position, at most 2 past the end.
+    unsigned int n;   ///< A length.
+    std::size_t at;   ///< `pos`, but not past the end.
     char letter;
-    std::string piece;
+    std::string piece; ///< `n` times the letter.
 };
 
 using Edit = void (*)(String& t, std::string& model, const Choice& c);
 
-/// One edit of a text, and the same of a plain byte string.
+/// Each row applies one edit to a String and to a std::string.
 const Edit kEdits[] = {
     [](String& t, std::string& model, const Choice& c) { t += String(c.piece.c_str()), model += c.piece; },
     [](String& t, std::string& model, const Choice& c) { t += c.letter, model += c.letter; },
@@ -155,7 +156,7 @@ const Edit kEdits[] = {
         t = t.Right(c.pos), model.erase(0, model.size() - c.at);
     },
     [](String& t, std::string& model, const Choice&) {
-        t = t.Replace("ab", "c"); // one pass, so no new "ab" counts
+        t = t.Replace("ab", "c"); // one pass: replaces no "ab" that the replacement creates
         for (std::size_t i = 0; (i = model.find("ab", i)) != model.npos; ++i) model.replace(i, 2, "c");
     },
     [](String& t, std::string& model, const Choice& c) {
@@ -169,14 +170,14 @@ const Edit kEdits[] = {
 
 } // namespace
 
-TEST(StringEdit, AgreesWithByteStrings) {
+TEST(StringEdit, AgreesWithStdString) {
     std::mt19937 random(20030);
     const auto below = [&random](std::size_t n) { return static_cast<unsigned int>(random() % n); };
     for (int program = 0; program < 300; ++program) {
         String text;
         std::string model;
         for (int step = 0; step < 40; ++step) {
-            const bool shared = below(2); // a text that nobody shares is edited in place
+            const bool shared = below(2); // an unshared text is edited in place
             const String sharer = shared ? text : String();
             const std::string modelBefore = shared ? model : "";
             const unsigned int pos = below(model.size() + 3), n = below(9), edit = below(std::size(kEdits));
@@ -184,7 +185,7 @@ TEST(StringEdit, AgreesWithByteStrings) {
             kEdits[edit](text, model,
                          {pos, n, std::min<std::size_t>(pos, model.size()), letter, std::string(n, letter)});
             ASSERT_EQ(Bytes(text), model) << "program " << program << ", step " << step << ", edit " << edit;
-            ASSERT_EQ(Bytes(sharer), modelBefore) << "a sharer changed by edit " << edit;
+            ASSERT_EQ(Bytes(sharer), modelBefore) << "a copy is changed by edit " << edit;
         }
     }
 }

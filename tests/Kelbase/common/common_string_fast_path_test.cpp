@@ -1,4 +1,5 @@
-// The fast paths of number parsing and formatting give what the general path gives, for every input.
+// The fast paths of number parsing and formatting return the same results as the general
+// path, for every input.
 
 #include <Kelbase/common/common_string.h>
 
@@ -24,7 +25,7 @@ using number_model::Parsed;
 
 namespace {
 
-/// Calls `check` with every text of up to `longest` bytes out of `alphabet`.
+/// Calls `check` with every text of up to `longest` characters of `alphabet`.
 void forEachText(std::string_view alphabet, std::size_t longest,
                  const std::function<void(const std::string&)>& check) {
     std::string text;
@@ -45,14 +46,14 @@ bool areSame(T a, T b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-/// Throws on a difference, so that a test ends with its first one.
+/// Throws std::logic_error if the results differ, so that the test ends with its first difference.
 template <typename T>
 void requireSame(const Parsed<T>& seen, const Parsed<T>& expected, const char* function, unsigned int base,
                  std::string_view text) {
     if (seen.ok == expected.ok && areSame(seen.value, expected.value)) return;
     std::ostringstream message;
     message << function << " of " << testing::PrintToString(std::string(text)) << " in base " << base << ": "
-            << seen.value << (seen.ok ? "" : " (failed)") << ", by the model " << expected.value
+            << seen.value << (seen.ok ? "" : " (failed)") << ", expected " << expected.value
             << (expected.ok ? "" : " (failed)");
     throw std::logic_error(message.str());
 }
@@ -192,7 +193,7 @@ TEST(NumberFastPath, ReadsIntegersAtTheLimitsOfEachWidth) {
             requireSameIntegers(above, base);
         }
     }
-    for (unsigned int base = 37; base <= 80; ++base) { // digits whose value is above the base
+    for (unsigned int base = 37; base <= 80; ++base) { // bytes that are digits with a value above the base
         for (const std::size_t length : {3, 6, 7, 8, 10, 11, 12, 13}) {
             for (const char c : {'0', 'z', '{', '\x7F'})
                 requireSameIntegers("1" + std::string(length, c), base);

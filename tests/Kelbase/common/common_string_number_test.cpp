@@ -30,7 +30,7 @@ TEST(StringArg, FillsTheLowestPlaceholder) {
     EXPECT_EQ(Bytes(String("%1%2").Arg(Char('c')).Arg(7)), "c7");
 }
 
-TEST(StringNumber, Writes32Bits) {
+TEST(StringNumber, Formats32BitIntegers) {
     EXPECT_EQ(Bytes(String::Number(255u, 16)), "FF");
     EXPECT_EQ(Bytes(String::Number(255u, 1)), "255");
     EXPECT_EQ(Bytes(String::Number(255u, 37)), "255");
@@ -41,14 +41,15 @@ TEST(StringNumber, Writes32Bits) {
     EXPECT_EQ(Bytes(String::Number(-1, 16)), "-1");
     EXPECT_EQ(Bytes(String::Number(UINT_MAX, 2)), std::string(32, '1'));
     EXPECT_EQ(Bytes(String::Number(INT_MIN)), "-2147483648");
-    EXPECT_EQ(Bytes(String::Number(INT_MIN, 10, 3)), "-214748364008") << "two pieces, each padded";
+    EXPECT_EQ(Bytes(String::Number(INT_MIN, 10, 3)), "-214748364008")
+        << "formatted as two parts, each with the width";
     EXPECT_EQ(Bytes(String::Number(INT_MIN, 36)), "-ZIK0ZK");
 }
 
-TEST(StringNumber, ReadsBitsInBase16OnlyForIntAndLong) {
+TEST(StringNumber, ArgFormatsOnlyIntAndLongAsBitsInBase16) {
     const String one("%1");
     EXPECT_EQ(Bytes(one.Arg(-1, 16)), "FFFFFFFF");
-    EXPECT_EQ(Bytes(one.Arg(-1L, 16)), "FFFFFFFF") << "also where long is wider";
+    EXPECT_EQ(Bytes(one.Arg(-1L, 16)), "FFFFFFFF") << "also if long has 64 bits";
     EXPECT_EQ(Bytes(one.Arg(static_cast<short>(-1), 16)), "-1");
     EXPECT_EQ(Bytes(one.Arg(static_cast<unsigned short>(65535), 16)), "FFFF");
     EXPECT_EQ(Bytes(String::Number(static_cast<long>(INT_MIN), 10, 3)), "-214748364008");
@@ -57,7 +58,7 @@ TEST(StringNumber, ReadsBitsInBase16OnlyForIntAndLong) {
     EXPECT_EQ(Bytes(one.Arg(LONG_MIN)), std::to_string(LONG_MIN));
 }
 
-TEST(StringNumber, WritesDecimalWithoutWidthByDefault) {
+TEST(StringNumber, FormatsDecimalWithoutWidthByDefault) {
     const String text("%1");
     const auto expectTwelve = [&text](auto value) {
         EXPECT_EQ(Bytes(text.Arg(value)), "12");
@@ -78,7 +79,7 @@ TEST(StringNumber, WritesDecimalWithoutWidthByDefault) {
     EXPECT_EQ(Bytes(String::Number(1.5F)), "1.500000");
 }
 
-TEST(StringNumber, Writes64BitsInTwoBases) {
+TEST(StringNumber, Formats64BitIntegersInTwoBases) {
     EXPECT_EQ(Bytes(String::Number(255ull, 2)), "255");
     EXPECT_EQ(Bytes(String::Number(255ull, 16)), "FF");
     EXPECT_EQ(Bytes(String::Number(LLONG_MIN)), "-9223372036854775808");
@@ -86,18 +87,18 @@ TEST(StringNumber, Writes64BitsInTwoBases) {
     EXPECT_EQ(Bytes(String::Number(-5LL, 10, 3)), "-005");
 }
 
-TEST(StringNumber, RefusesAWidthOf4GiBBeforeItAllocates) {
+TEST(StringNumber, RejectsAWidthOf4GiBBeforeItAllocates) {
     EXPECT_THROW(String::Number(-5, 10, 0xFFFFFFFF), std::length_error);
     EXPECT_THROW(String::Number(-5LL, 10, 0xFFFFFFFF), std::length_error);
-    EXPECT_THROW(String::Number(INT_MIN, 10, 0x80000000), std::length_error) << "twice that";
+    EXPECT_THROW(String::Number(INT_MIN, 10, 0x80000000), std::length_error) << "two parts with this width";
 }
 
-TEST(StringNumber, WritesFloatingPointAsPrintfDoes) {
+TEST(StringNumber, FormatsFloatingPointAsPrintfDoes) {
     EXPECT_EQ(Bytes(String::Number(1.5)), "1.500000");
     EXPECT_EQ(Bytes(String::Number(1.5, 2)), "1.50");
     EXPECT_EQ(Bytes(String::Number(1.5, 2, 'e')), "1.50e+00");
     EXPECT_EQ(Bytes(String::Number(1.5, 2, 'x')), "1.50");
-    EXPECT_EQ(Bytes(String::Number(2.5f, 0)), "2") << "half to even";
+    EXPECT_EQ(Bytes(String::Number(2.5f, 0)), "2") << "rounded half to even";
     EXPECT_EQ(Bytes(String::Number(INFINITY, 2, 'F')), "INF");
     EXPECT_EQ(String::Number(1e308, 150).GetLength(), 309u + 1 + 99);
     g_chDecimalPoint = ',';

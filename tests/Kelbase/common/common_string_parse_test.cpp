@@ -10,46 +10,49 @@
 #include <optional>
 #include <string>
 
-TEST(StringParse, ReadsWholeTextOrNothing) {
+TEST(StringParse, ParsesTheWholeTextOrFails) {
     struct Row {
         const char* text;
         unsigned int base;
         bool ok;
         int value;
     };
-    // Full-width digits and the minus sign count; base 1 has the digit 0.
-    const Row rows[] = {{" 42 ", 10, true, 42},
-                        {"4 2", 10, false, 0},
-                        {"", 10, false, 0},
-                        {"  ", 10, false, 0},
-                        {"+7", 10, true, 7},
-                        {"--7", 10, false, 0},
-                        {"-", 10, false, 0},
-                        {"ff", 16, true, 255},
-                        {"FF", 16, true, 255},
-                        {"0xff", 16, false, 0},
-                        {"19", 8, false, 0},
-                        {"zZ", 36, true, 1295},
-                        {"2147483647", 10, true, INT_MAX},
-                        {"2147483648", 10, false, 0},
-                        {"-2147483648", 10, true, INT_MIN},
-                        {"-2147483649", 10, false, 0},
-                        {"4294967296", 10, false, 0},
-                        {"1.0", 10, false, 0},
-                        {"\xEF\xBC\x91\xEF\xBC\x92", 10, true, 12},
-                        {"\xE2\x88\2225", 10, true, -5},
-                        {"5\xE9", 10, false, 0},
-                        {"{", 36, false, 0},
-                        {"0", 0, false, 0},
-                        {"000", 1, true, 0},
-                        {"1", 1, false, 0},
-                        {"2", 37, true, 2},
-                        {"z", 37, true, 35},
-                        {"10", 40, true, 40},
-                        {"^", 40, true, 39},
-                        {"_", 40, false, 0},
-                        {"{", 37, true, 68},
-                        {"7", UINT_MAX, true, 7}};
+    // Full-width digits and the minus sign are accepted. Base 1 has the digit 0.
+    const Row rows[] = {
+        // text, base, ok, value
+        {" 42 ", 10, true, 42},
+        {"4 2", 10, false, 0},
+        {"", 10, false, 0},
+        {"  ", 10, false, 0},
+        {"+7", 10, true, 7},
+        {"--7", 10, false, 0},
+        {"-", 10, false, 0},
+        {"ff", 16, true, 255},
+        {"FF", 16, true, 255},
+        {"0xff", 16, false, 0},
+        {"19", 8, false, 0},
+        {"zZ", 36, true, 1295},
+        {"2147483647", 10, true, INT_MAX},
+        {"2147483648", 10, false, 0},
+        {"-2147483648", 10, true, INT_MIN},
+        {"-2147483649", 10, false, 0},
+        {"4294967296", 10, false, 0},
+        {"1.0", 10, false, 0},
+        {"\xEF\xBC\x91\xEF\xBC\x92", 10, true, 12},
+        {"\xE2\x88\2225", 10, true, -5},
+        {"5\xE9", 10, false, 0},
+        {"{", 36, false, 0},
+        {"0", 0, false, 0},
+        {"000", 1, true, 0},
+        {"1", 1, false, 0},
+        {"2", 37, true, 2},
+        {"z", 37, true, 35},
+        {"10", 40, true, 40},
+        {"^", 40, true, 39},
+        {"_", 40, false, 0},
+        {"{", 37, true, 68},
+        {"7", UINT_MAX, true, 7},
+    };
     for (const Row& row : rows) {
         bool ok = !row.ok;
         EXPECT_EQ(String(row.text).ToInt(&ok, row.base), row.value) << row.text;
@@ -68,7 +71,7 @@ void expectParsed(T (String::*parse)(bool*, unsigned int) const, const char* tex
 
 } // namespace
 
-TEST(StringParse, KeepsTheRangesOfEachWidth) {
+TEST(StringParse, AcceptsTheRangeOfEachWidth) {
     expectParsed<short>(&String::ToShort, "32767", true, 32767);
     expectParsed<short>(&String::ToShort, "32768", false, 0);
     expectParsed<short>(&String::ToShort, "-32768", true, -32768);
@@ -87,7 +90,7 @@ TEST(StringParse, KeepsTheRangesOfEachWidth) {
     expectParsed<long long>(&String::ToInt64, "-5", false, 0);
     expectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551615", true, ULLONG_MAX);
     expectParsed<unsigned long long>(&String::ToUInt64, "18446744073709551616", false, 0);
-    const String twelve("12"); // 12 in the default base alone
+    const String twelve("12"); // a default base other than 10 gives another value
     EXPECT_EQ(twelve.ToShort(), 12);
     EXPECT_EQ(twelve.ToUShort(), 12U);
     EXPECT_EQ(twelve.ToInt(), 12);
@@ -96,7 +99,7 @@ TEST(StringParse, KeepsTheRangesOfEachWidth) {
     EXPECT_EQ(twelve.ToUInt64(), 12U);
 }
 
-/// Numbers are read alike whether the locale's separator is "." or ",".
+/// Runs each test in a locale with the decimal separator "." and in one with ",".
 class StringParseReal : public testing::TestWithParam<char> {
 protected:
     void SetUp() override {
@@ -115,7 +118,7 @@ TEST_P(StringParseReal, AcceptsPointAndComma) {
         bool ok;
         double value;
     };
-    // Full-width digits, hyphen-minus and full stop count, and the ideographic full stop.
+    // Full-width digits, hyphen-minus and full stop are accepted, and so is the ideographic full stop.
     const Row rows[] = {{"1,5", true, 1.5},
                         {"1.5", true, 1.5},
                         {" 2.5 ", true, 2.5},
@@ -141,8 +144,8 @@ TEST_P(StringParseReal, AcceptsPointAndComma) {
     }
     EXPECT_EQ(String("0,1").ToFloat(), 0.1f);
     EXPECT_EQ(String("-1e300").ToFloat(), -INFINITY);
-    EXPECT_EQ(String("1,5").ToInt(), 0) << "no whole number";
-    EXPECT_EQ(String::Number(1.5, 1).Latin1()[1], GetParam()) << "written as printf does";
+    EXPECT_EQ(String("1,5").ToInt(), 0) << "not an integer";
+    EXPECT_EQ(String::Number(1.5, 1).Latin1()[1], GetParam()) << "formatted as printf does";
 }
 
 INSTANTIATE_TEST_SUITE_P(Separator, StringParseReal, testing::Values('.', ','), [](const auto& separator) {

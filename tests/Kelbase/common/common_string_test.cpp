@@ -8,8 +8,9 @@
 
 #include <stdexcept>
 
-/// Python's copy of the Unicode tables is the judge. Five categories have changed since the table was fixed.
-TEST(Char, CategoriesAreThoseOfLatin1) {
+// Compares with Python's Unicode tables. Unicode has changed five of the categories since
+// the table was fixed.
+TEST(Char, CategoriesMatchUnicode) {
     const std::string script =
         "import unicodedata; "
         "names = '-- Mn Mc Me Nd Nl No Zs Zl Zp Cc Cf Cs Co Cn Lu Ll Lt Lm Lo Pc Pd Ps Pe Pi Pf Po Sm Sc Sk "
@@ -22,7 +23,7 @@ TEST(Char, CategoriesAreThoseOfLatin1) {
     EXPECT_EQ(categories, Printed("/usr/bin/python3 -c \"" + script + "\""));
 }
 
-TEST(String, EmptyStatesAreAlike) {
+TEST(String, AllEmptyStringsAreEqual) {
     const String states[] = {String(), String(""), String(static_cast<const char*>(nullptr)),
                              String("abc", 0u)};
     for (const String& s : states) {
@@ -34,7 +35,7 @@ TEST(String, EmptyStatesAreAlike) {
     }
 }
 
-TEST(String, AcceptsBytesUpToNulOrLimit) {
+TEST(String, CopiesBytesUpToNulOrLimit) {
     EXPECT_EQ(Bytes(String("abc", 2)), "ab");
     EXPECT_EQ(Bytes(String("a\0b", 3)), "a");
     EXPECT_EQ(Bytes(String("abc", 0xFFFFFFFF)), "abc");
@@ -49,10 +50,10 @@ TEST(String, ComparesBytesAsUnsignedNumbers) {
     EXPECT_FALSE(String("b") <= "a");
 }
 
-TEST(String, EditsLeaveSharersAlone) {
+TEST(String, EditsDoNotChangeCopies) {
     String a("text");
     const String b = a;
-    EXPECT_EQ(a.Latin1(), b.Latin1()) << "a copy shares";
+    EXPECT_EQ(a.Latin1(), b.Latin1()) << "a copy shares the bytes";
     a += String("!");
     EXPECT_EQ(Bytes(a), "text!");
     EXPECT_EQ(Bytes(b), "text");
@@ -64,14 +65,14 @@ TEST(String, EditsLeaveSharersAlone) {
     EXPECT_EQ(Bytes(b), "text");
     String e;
     e += b;
-    EXPECT_EQ(e.Latin1(), b.Latin1()) << "appending to nothing shares";
+    EXPECT_EQ(e.Latin1(), b.Latin1()) << "an empty string shares the appended bytes";
     e += e;
     EXPECT_EQ(Bytes(e), "texttext");
     e = e.Latin1() + 4;
     EXPECT_EQ(Bytes(e), "text");
 }
 
-TEST(String, CutCharactersBecomeNulBytes) {
+TEST(String, ResizeReplacesCutCharactersByNulBytes) {
     struct Row {
         const char* text;
         unsigned int length;
@@ -84,18 +85,19 @@ TEST(String, CutCharactersBecomeNulBytes) {
         {"\xF0\x9F\x98\x80z", 4, "\xF0\x9F\x98\x80"},
         {"\xF8\x88\x80\x80\x80", 4, std::string(4, '\0')},
         {"\xFE\x80\x80\x80\x80\x80\x80", 7, "\xFE\x80\x80\x80\x80\x80\x80"},
-        {"\x80\x80x", 2, "\x80\x80"}, // no lead byte to start from
+        {"\x80\x80x", 2, "\x80\x80"}, // no lead byte
         {"ab", 4, std::string("ab\0\0", 4)},
     };
     for (const Row& row : rows)
         EXPECT_EQ(Bytes(String(row.text).Resize(row.length, true)), row.expected) << row.text;
 }
 
-TEST(String, RejectsALengthThatNoMemoryHolds) {
+TEST(String, RejectsLengthsThatExceedTheMemory) {
     for (const char* const original : {"", "text"}) {
         String text(original);
         EXPECT_THROW(text.detachAndExtend(0xFFFFFFFF), std::length_error);
-        const ScarceMemory scarce(std::size_t{64} << 20); // a 32-bit process rejects the length before
+        // A 32-bit process rejects the length before it allocates.
+        const ScarceMemory scarce(std::size_t{64} << 20);
         EXPECT_ANY_THROW(text.Resize(0xFFFFFFFF, false)) << original;
         EXPECT_EQ(Bytes(text), original);
     }
@@ -107,13 +109,14 @@ TEST(String, AllocatesOnlyForItsOwnText) {
     std::vector<String> copies;
     copies.reserve(100);
     EXPECT_EQ(AllocationsOf([&] { copies.resize(50, text); }), 0u) << "copies";
-    EXPECT_EQ(AllocationsOf([&] { copies.resize(100); }), 0u) << "default-made";
+    EXPECT_EQ(AllocationsOf([&] { copies.resize(100); }), 0u) << "default construction";
     EXPECT_EQ(AllocationsOf([&] { copies[0] = std::move(copies[1]); }), 0u) << "moves";
     EXPECT_LE(AllocationsOf([&] { copies[60] = "new text, and longer than any small buffer"; }), 2u);
     EXPECT_LE(AllocationsOf([&] { copies[2] += mark; }), 2u);
     EXPECT_LE(AllocationsOf([&] { copies[3].Insert(4, mark); }), 2u);
     EXPECT_LE(AllocationsOf([&] { copies[4].Remove(4, 1u); }), 2u);
-    EXPECT_EQ(AllocationsOf([&] { copies[4].Remove(4, 1u).Truncate(40); }), 0u) << "a text of its own";
+    EXPECT_EQ(AllocationsOf([&] { copies[4].Remove(4, 1u).Truncate(40); }), 0u)
+        << "an edit of an unshared text";
     EXPECT_LE(AllocationsOf([&] { copies[5].detachAndExtend(100); }), 2u);
     EXPECT_LE(AllocationsOf([&] { copies[6].Resize(100, true); }), 2u);
     EXPECT_LE(AllocationsOf([&] { copies[61] = text.Left(40); }), 2u);

@@ -17,7 +17,7 @@ TEST(StringUnicode, ConvertsBothWays) {
     EXPECT_EQ(String("\xDB").Unicode(2)[0], 0x20AC);
 }
 
-TEST(StringUnicode, RefusesWhatCannotBeConverted) {
+TEST(StringUnicode, ReturnsNothingForInvalidInput) {
     const unsigned short hiragana[] = {0x3042, 0}, loneSurrogate[] = {'a', 0xD800, 0}, nothing[] = {0};
     EXPECT_EQ(String(hiragana, 2).GetLength(), 0u);
     EXPECT_EQ(String(loneSurrogate, 1).GetLength(), 0u);
@@ -27,11 +27,11 @@ TEST(StringUnicode, RefusesWhatCannotBeConverted) {
     EXPECT_EQ(String().Unicode(1)[0], 0);
 }
 
-TEST(StringUnicode, StopsAtItsLimits) {
+TEST(StringUnicode, LimitsTheLengthToConvert) {
     std::vector<unsigned short> units(100000, 'u');
     units.back() = 0;
     EXPECT_EQ(String(units.data(), 1).GetLength(), 99999u);
-    units.back() = 'u'; // 100,000 units and no terminator: nothing behind them is read
+    units.back() = 'u'; // 100,000 units without a terminator: no further unit is read
     EXPECT_EQ(String(units.data(), 1).GetLength(), 0u);
 
     const std::string most(100000, 'x');

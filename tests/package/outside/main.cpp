@@ -1,4 +1,4 @@
-// A program of one who has the library from its package: text, a path, a stream, samples, the platform.
+// A program that uses the packaged library: strings, paths, streams, vector routines and the platform.
 
 #include <Kelbase/IPP/IPP_util.h>
 #include <Kelbase/Util/ByteStream.h>

@@ -1,4 +1,5 @@
-// What is made of a call: its message, its block, the alerts and the error bit of a refusal.
+// The main entry and the exported steps: selector, message, parameter block, and the alerts and the error bit
+// of a rejected call.
 
 #include "PlugIn.h"
 #include "support/SendMessage.h"
@@ -22,14 +23,14 @@ void showStopAlert() {
     if (Is("StopAlertMissing")) return;
     gIsStopSeen = StopAlert(Is("OtherStopAlert") ? 5001 : 5000, nullptr) == -1;
     if (Is("StopAlertTwice")) StopAlert(5000, nullptr);
-    if (Is("RefusalStored")) SetText(kUpdater, "InstallStatus", "refused");
+    if (Is("RejectedStepStores")) SetText(kUpdater, "InstallStatus", "refused");
 }
 
 void refuseMain(Block& block) {
     if (Is("AlertInMain")) ShowAlert();
     if (Is("ErrorBitsCleared")) block.SetFlags(0);
     if (!Is("ErrorBitMissingInMain")) setErrorBit(block);
-    if (Is("WorkInSpiteOfRefusal")) StoreInterval(0);
+    if (Is("RejectedCallStores")) StoreInterval(0);
 }
 
 void refuseStep(Block& block) {
@@ -78,7 +79,7 @@ void Main(char* bytes) {
     gIsInMain = true;
     if (message == 2 || (message == 3 && Is("BothStepsOnPostInstall"))) PreInstall(bytes);
     if (message == 3 || (message == 2 && Is("BothStepsOnPreInstall"))) PostInstall(bytes);
-    if (message > 3 && Is("OtherMessageTaken")) PostInstall(bytes);
+    if (message > 3 && Is("OtherMessageAccepted")) PostInstall(bytes);
     gIsInMain = false;
 }
 

@@ -1,4 +1,4 @@
-// The Finder flags of the folder and its icon, and what is left in the process between the two.
+// The Finder flags of the folder and its icon file, and the faults that leave something in the process.
 
 #include "PlugIn.h"
 
@@ -25,11 +25,11 @@ std::uint16_t flagsWith(std::uint16_t flags, bool isFolder) {
     return static_cast<std::uint16_t>(kept | (isFolder ? 0x0400 : 0x4000));
 }
 
-/// Whether what is there could be read.
+/// Sets the Finder flags of an existing item. Returns false if its Finder information cannot be read.
 bool setFinderFlags(const char* path, bool isFolder) {
     FSRef item;
     if (FSPathMakeRef(reinterpret_cast<const UInt8*>(path), &item, nullptr) != noErr) {
-        if (Is("ErrorForRefusedFinder") && isFolder && access(path, F_OK) == 0) NewText("no folder");
+        if (Is("LeakForFailedFinderCall") && isFolder && access(path, F_OK) == 0) NewText("no folder");
         return true;
     }
     FSCatalogInfo catalog = {};
@@ -50,10 +50,10 @@ bool setFinderFlags(const char* path, bool isFolder) {
 } // namespace
 
 void SetFolderFlags(bool isKnownProduct) {
-    if (Is("ExceptionLetOut")) throw std::runtime_error("no folder");
-    if (Is("OnlyKnownProductsFlagged") && !isKnownProduct) return;
+    if (Is("ExceptionEscapes")) throw std::runtime_error("no folder");
+    if (Is("FlagsForKnownProductsOnly") && !isKnownProduct) return;
     if (Is("IconFirst") && access(kIcon, F_OK) != 0) return;
-    if (Is("FolderMade")) mkdir(kFolder, 0755);
+    if (Is("FolderCreated")) mkdir(kFolder, 0755);
     if (Is("IconBeforeFolder")) setFinderFlags(kIcon, false);
     gIsFolderRefused = !setFinderFlags(kFolder, true);
     if (Is("ApplicationsHidden")) setFinderFlags("/Applications", false);
@@ -64,19 +64,19 @@ void SetIconFlags() {
 }
 
 void LeaveTraces() {
-    if (Is("Chatter")) std::puts("icon hidden");
+    if (Is("TextPrinted")) std::puts("icon hidden");
     if (Is("CurrentUser"))
         CFPreferencesSynchronize(CFSTR("com.korvane.updater"), kCFPreferencesCurrentUser,
                                  kCFPreferencesAnyHost);
     if (Is("FileLeftOpen")) open(kIcon, O_RDONLY | O_CLOEXEC);
-    if (Is("InstanceTouchedAfterRelease") && LacksItsInstance()) __builtin_trap();
+    if (Is("InstanceUsedAfterRelease") && LacksItsInstance()) __builtin_trap();
     if (Is("MemoryLeaked")) gLeaked = new std::string("some text that needs memory of its own");
     if (Is("SignalIgnored")) std::signal(SIGPIPE, SIG_IGN);
     if (Is("StringLeaked")) NewText("left behind");
     if (Is("ThreadLeft")) std::thread(&waitForEver).detach();
     if (Is("WriteOutside")) std::fclose(std::fopen("/tmp/xcodhost-corpus.log", "a"));
     if (Is("WriteOutside")) std::remove("/tmp/xcodhost-corpus.log");
-    // A process of another session must not outlive the host either.
+    // The host must also end a process of another session.
     const bool isChild = (Is("ProcessLeft") || Is("Hang")) && fork() == 0;
     if (isChild) setsid();
     if (isChild || Is("Hang")) waitForEver();

@@ -1,4 +1,4 @@
-// What the installer holds on to: the factory's instances, their interfaces and references.
+// The instances of the factory: their interfaces and reference counts.
 
 #include "PlugIn.h"
 
@@ -41,7 +41,7 @@ bool isPlugInType(CFUUIDRef type) {
 
 bool isInterface(REFIID identifier) {
     const CFUUIDRef asked = CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, identifier);
-    if (Is("QueryTakesMemoryForGranted")) CFUUIDGetUUIDBytes(asked);
+    if (Is("QueryIdentifierUnchecked")) CFUUIDGetUUIDBytes(asked);
     const bool isKnown = asked && ((CFEqual(asked, constant(kHost)) && !Is("UnknownInterfaceOnly")) ||
                                    (CFEqual(asked, constant(kUnknown)) && !Is("HostInterfaceOnly")));
     if (asked) CFRelease(asked);
@@ -50,7 +50,7 @@ bool isInterface(REFIID identifier) {
 
 HRESULT refuse(LPVOID* place) {
     if (Is("IdentifierLeaked")) CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, CFUUIDBytes{});
-    if (Is("ReferenceForRefusal")) ++gNewest->count;
+    if (Is("ReferenceForUnsupportedInterface")) ++gNewest->count;
     if (!Is("PlaceNotCleared")) *place = nullptr;
     return Is("WrongInterfaceCode") ? static_cast<HRESULT>(0x80004005) : E_NOINTERFACE;
 }
@@ -76,7 +76,7 @@ SInt32& countOf(Instance* instance) {
 Instance* newInstance() {
     auto* const instance =
         Is("HeapInstance") ? new Instance : reinterpret_cast<Instance*>(NewPtr(sizeof(Instance)));
-    if (!instance && !Is("MemoryTakenForGranted")) return nullptr;
+    if (!instance && !Is("NewPtrUnchecked")) return nullptr;
     instance->block = &gFunctions;
     countOf(instance) = 1;
     gInstances.insert(instance);
@@ -101,7 +101,7 @@ ULONG changeCount(void* self, int change) {
     SInt32 count = countOf(instance) += change;
     if (Is("CountOf16Bits")) count = instance->count = static_cast<std::int16_t>(count);
     if (change < 0 && count == 0) dispose(instance);
-    if (Is("LastReleaseAnswersOne") && count == 0) return 1;
+    if (Is("LastReleaseReturnsOne") && count == 0) return 1;
     return static_cast<ULONG>(Is("CountStartsAtZero") ? count - 1 : count);
 }
 ULONG addOne(void* self) { return changeCount(self, 1); }

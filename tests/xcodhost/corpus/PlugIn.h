@@ -1,7 +1,7 @@
 #pragma once
 
-/// A small plug-in of its own that keeps the whole contract, unless the name of its executable orders a
-/// fault: each breaks it in the one place where the code asks for it.
+/// A small plug-in that fulfils the whole contract. If its executable has the name of a fault, the plug-in
+/// breaks the contract in the one place that tests for this fault.
 
 #include "support/NewText.h"
 
@@ -17,7 +17,7 @@ extern "C" void PostInstall(char* block);
 
 namespace plugin {
 
-/// Whether this fault is ordered.
+/// Returns whether the executable has the name of this fault.
 bool Is(const char* fault);
 
 /// The installer's parameter block, at any address.
@@ -55,15 +55,15 @@ void StoreVersion(const Product& product);
 void SetInterval(const Product& product);
 void StoreInterval(int interval);
 void StoreLanguage(const Product& product, std::int32_t language);
-void SetText(const char* domain, const char* key, const char* text); ///< And synchronises.
+void SetText(const char* domain, const char* key, const char* text); ///< Also synchronises the domain.
 
 void SetFolderFlags(bool isKnownProduct);
 void SetIconFlags();
-void LeaveTraces(); ///< None in the process, without a fault.
+void LeaveTraces(); ///< Does nothing without a fault.
 
 void ChangeFunctionBlock();
-bool LacksItsInstance(); ///< The one that lived when the event began.
-void NoteInstance();
+bool LacksItsInstance(); ///< Whether the instance that was in use at the start of the event is freed.
+void NoteInstance();     ///< Records the instance that is in use at the start of an event.
 
 constexpr const char* kUpdater = "com.korvane.updater";
 constexpr const char* kFolder = "/Applications/Korvane";

@@ -1,4 +1,4 @@
-// What is stored, where, and what the status file says about it.
+// The stored preferences, and the status file that decides some of them.
 
 #include "PlugIn.h"
 
@@ -22,7 +22,7 @@ std::string preferencesPath(const char* domain) {
 bool hasPropertyList(const char* domain) { return access(preferencesPath(domain).c_str(), F_OK) == 0; }
 
 void release(CFTypeRef object) {
-    if (object || Is("StringTakenForGranted")) CFRelease(object);
+    if (object || Is("StringUnchecked")) CFRelease(object);
 }
 
 void removeBrokenPropertyList(const std::string& plist) {
@@ -35,10 +35,10 @@ void removeBrokenPropertyList(const std::string& plist) {
 
 void synchronise(const char* domain) {
     const CFStringRef text = NewText(domain);
-    if (text || Is("StringTakenForGranted")) {
+    if (text || Is("StringUnchecked")) {
         const bool isStored =
             CFPreferencesSynchronize(text, kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
-        if (!isStored && Is("ErrorForLostPreference")) NewText("lost");
+        if (!isStored && Is("LeakForLostPreference")) NewText("lost");
         if (!isStored && Is("BrokenPropertyListReplaced")) removeBrokenPropertyList(preferencesPath(domain));
     }
     release(text);
@@ -58,7 +58,7 @@ bool holdsVersions(const std::string& plist) {
     return bytes.find("InstalledProducts") != std::string::npos;
 }
 
-/// Faults that show only in what a second installation finds.
+/// Faults whose effect depends on the preferences of an earlier installation.
 void readOlderPropertyLists(const Product& product) {
     const bool hasOwn = hasPropertyList(product.domain);
     if (!hasPropertyList(kUpdater)) return;
@@ -67,7 +67,7 @@ void readOlderPropertyLists(const Product& product) {
         SetFolderFlags(true);
         SetText(kUpdater, "Late", "yes");
     }
-    if (Is("ReinstallationNoted") && hasOwn && holdsVersions(preferencesPath(kUpdater)))
+    if (Is("ReinstallationStored") && hasOwn && holdsVersions(preferencesPath(kUpdater)))
         SetText(kUpdater, "Reinstalled", "yes");
 }
 
@@ -95,7 +95,7 @@ bool isNever(Status status) {
 void storeFailure() {
     gHasFailed = true;
     if (Is("AlertWithUnreadableFile")) ShowAlert();
-    if (!Is("FailureNotReported"))
+    if (!Is("FailureNotStored"))
         SetText(kUpdater, "InstallStatus", Is("FailureTextOther") ? "failed" : "Error opening file");
 }
 
@@ -119,9 +119,9 @@ void StoreVersion(const Product& product) {
     if (Is("Exit")) std::_Exit(3);
     while (Is("OutputFlood")) std::puts("more and more");
     if (Is("FirstVersionStays") && hasPropertyList(kUpdater) && product.name[0] == 'T') return;
-    if (Is("FileMade")) std::ofstream("/Library/install.log");
+    if (Is("FileCreated")) std::ofstream("/Library/install.log");
     if (Is("MoreStored")) SetText(kUpdater, "Installer", "VISE X");
-    if (Is("SynchronisedFirst")) synchronise(kUpdater); // a crash in between would lose the value
+    if (Is("SynchronisedFirst")) synchronise(kUpdater); // a crash after this call loses the value
     readOlderPropertyLists(product);
     std::string name = product.name;
     if (Is("VersionOfSpacelessName")) name.erase(0, name.find(' ') + 1);
@@ -132,7 +132,7 @@ void StoreVersion(const Product& product) {
 void SetInterval(const Product& product) {
     const bool isSkipped = Is("OneProductWithoutInterval") && std::strcmp(product.name, "TCL") == 0;
     const Status status = isSkipped ? Status::kEnabled : readStatus();
-    if (status == Status::kMissing && Is("FileTakenForGranted")) NewText("no file");
+    if (status == Status::kMissing && Is("MissingFileLeaks")) NewText("no file");
     if (status == Status::kUnreadable || (status == Status::kMissing && Is("FailureWithoutFile")))
         storeFailure();
     StoreInterval(isNever(status) ? 0 : 2);

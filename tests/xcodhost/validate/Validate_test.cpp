@@ -1,4 +1,4 @@
-// What validate tells of good bundles and of each that has one fault.
+// The reports of `xcodhost validate` on good bundles and on bundles with one fault.
 
 #include "support/HostTool.h"
 #include "support/TestBundle.h"
@@ -39,14 +39,21 @@ Validation validate(const std::string& bundle, const std::string& more = {}) {
     return {run.ExitStatus(), json::parse(run.out)};
 }
 
+// Exit statuses of the tool.
+constexpr int kFailed = 1;
+constexpr int kNotLoaded = 3;
+constexpr int kCrashed = 4;
+constexpr int kTimeLimit = 5;
+
 struct Fault {
     const char* name;
-    const char* check; ///< The one that it breaks.
-    const char* seen;  ///< A part of what that says.
-    int status = 1;
+    const char* check; ///< The check that reports the fault.
+    const char* seen;  ///< A part of the finding.
+    int status = kFailed;
 };
 
 const Fault kFaults[] = {
+    // name, check, part of the finding, exit status
     {"AgainBeforePostInstall", "dispatch.twice", "1 change: com.korvane.updater Again: (none)"},
     {"AlertInMain", "dispatch.wrong-selector-silent", "Unable to set"},
     {"AlertMissing", "steps.alert", "Stop alert 5000"},
@@ -61,11 +68,10 @@ const Fault kFaults[] = {
     {"BothStepsOnPreInstall", "dispatch.pre-install-alone", "Lang"},
     {"BrokenPropertyListReplaced", "faults.broken-list", "bplist00"},
     {"CaseIgnored", "status-file.interval", "UpdateInterval: (integer) 2"},
-    {"Chatter", "process.silent", "icon hidden"},
     {"CountOf16Bits", "references.many", "4465"},
     {"CountStartsAtZero", "references.counting", "1"},
-    {"Crash", "dispatch.pre-install", "crashed: SIGSEGV (Segmentation fault)", 4},
-    {"CrashInAlert", "steps.return", "crashed: SIGABRT (Aborted)", 4},
+    {"Crash", "dispatch.pre-install", "crashed: SIGSEGV (Segmentation fault)", kCrashed},
+    {"CrashInAlert", "steps.return", "crashed: SIGABRT (Aborted)", kCrashed},
     {"CurrentUser", "preferences.scope", "kCFPreferencesCurrentUser, kCFPreferencesAnyHost"},
     {"DefaultAllocatorOnly", "factory.allocator", "null with kCFAllocatorSystemDefault"},
     {"ErrorBitForStop", "steps.answer", "error flags 0x00000000"},
@@ -73,23 +79,22 @@ const Fault kFaults[] = {
     {"ErrorBitMissingInSteps", "steps.error-bit", "0x00000000"},
     {"ErrorBitOnSuccess", "block.no-error", "0x00000001"},
     {"ErrorBitsCleared", "block.error-bits", "0x00000001"},
-    {"ErrorForLostPreference", "faults.preferences", "string \"lost\", 1 reference"},
-    {"ErrorForRefusedFinder", "faults.finder", "string \"no folder\", 1 reference"},
-    {"ExceptionLetOut", "dispatch.post-install", "exception std::runtime_error \"no folder\"", 4},
-    {"Exit", "dispatch.pre-install", "ended the process: exit status 3", 4},
-    {"FailureNotReported", "status-file.failure-text", "InstallStatus: (none)"},
+    {"ExceptionEscapes", "dispatch.post-install", "exception std::runtime_error \"no folder\"", kCrashed},
+    {"Exit", "dispatch.pre-install", "ended the process: exit status 3", kCrashed},
+    {"FailureNotStored", "status-file.failure-text", "InstallStatus: (none)"},
     {"FailureTextOther", "status-file.failure-text", "InstallStatus: (string) \"failed\""},
     {"FailureWithoutFile", "status-file.no-failure", "Error opening file"},
+    {"FileCreated", "pre-install.nothing-else", "/Library/install.log: created"},
     {"FileLeftOpen", "process.descriptors", "8"},
-    {"FileMade", "pre-install.nothing-else", "/Library/install.log: created"},
-    {"FileTakenForGranted", "faults.files", "string \"no file\", 1 reference"},
     {"FirstLanguageStays", "post-install.replaces", "Tamblor Lang: (string) \"ja\""},
-    {"FirstSlotFilled", "function-block.slots", "it is not null"},
+    {"FirstSlotFilled", "function-block.slots", "a pointer"},
     {"FirstVersionStays", "pre-install.replaces", "(integer) 9"},
-    {"FolderMade", "finder.missing", "4 changes"},
+    {"FlagsForKnownProductsOnly", "finder.unknown-product",
+     "1 change: /Applications/Korvane/Icon\\r: V invisible (0x4000)"},
+    {"FolderCreated", "finder.missing", "4 changes"},
     {"FolderStaysInvisible", "finder.folder", "0xFFFE"},
-    {"FunctionBlockChanged", "function-block.constant", "it has changed after both events"},
-    {"Hang", "dispatch.post-install", "no return within 1 s", 5},
+    {"FunctionBlockChanged", "function-block.constant", "a changed function block"},
+    {"Hang", "dispatch.post-install", "no return within 1 s", kTimeLimit},
     {"HeapInstance", "factory.pointer-block", "NewPtr was not called"},
     {"HostFieldRead", "block.host-fields", "0x00000001"},
     {"HostInterfaceOnly", "interface.iunknown", "0x80000004"},
@@ -98,44 +103,47 @@ const Fault kFaults[] = {
     {"IconFirst", "finder.no-icon", "0x0000"},
     {"IconKeepsIconFlag", "finder.icon", "0xFFFE"},
     {"IdentifierLeaked", "interface.nothing-left", "UUID"},
-    {"InstanceTouchedAfterRelease", "references.inside-call", "crashed: SIGILL (Illegal instruction)", 4},
+    {"InstanceUsedAfterRelease", "references.inside-call", "crashed: SIGILL (Illegal instruction)", kCrashed},
     {"IntervalAlwaysTwo", "status-file.interval", "UpdateInterval: (integer) 2"},
     {"JapaneseAsFrench", "post-install.language", "Tamblor Lang: (string) \"fr\""},
-    {"OnlyKnownProductsFlagged", "finder.unknown-product",
-     "1 change: /Applications/Korvane/Icon\\r: V invisible (0x4000)"},
     {"LabelLost", "finder.other-flags", "0xBBF0"},
     {"LanguageInBothDomains", "post-install.nothing-else", "Lang: (none) -> (string) \"en\""},
-    {"LanguageInUpdaterDomain", "post-install.language", "there is no preferences file of this domain"},
-    {"LastReleaseAnswersOne", "references.zero", "1"},
+    {"LanguageInUpdaterDomain", "post-install.language", "no preferences file of this domain"},
+    {"LastReleaseReturnsOne", "references.zero", "1"},
+    {"LeakForFailedFinderCall", "faults.finder", "string \"no folder\", 1 reference"},
+    {"LeakForLostPreference", "faults.preferences", "string \"lost\", 1 reference"},
     {"LowWordOfProduct", "pre-install.unknown-product", "InstalledProducts/Fusewright"},
     {"MemoryGrows", "process.growth", "objects"},
-    {"MemoryLeaked", "process.growth", "bytes more"},
-    {"MemoryTakenForGranted", "factory.no-memory", "crashed: SIGSEGV (Segmentation fault)", 4},
+    {"MemoryLeaked", "process.growth", "bytes left"},
+    {"MissingFileLeaks", "faults.files", "string \"no file\", 1 reference"},
     {"MissingMeansNever", "status-file.missing", "UpdateInterval: (integer) 0"},
     {"MoreStored", "pre-install.nothing-else", "Installer: (none) -> (string) \"VISE X\""},
     {"NegativeLanguage", "post-install.other-languages", "Fusewright Lang: (string) \"de\""},
     {"NeverWithUnreadableFile", "status-file.unreadable", "UpdateInterval: (integer) 0"},
-    {"NoLanguageAfterFailure", "status-file.failure-rest", "there is no preferences file of this domain"},
-    {"NoPostInstall", "bundle.exports", "PostInstall is not exported", 3},
+    {"NewPtrUnchecked", "factory.no-memory", "crashed: SIGSEGV (Segmentation fault)", kCrashed},
+    {"NoLanguageAfterFailure", "status-file.failure-rest", "no preferences file of this domain"},
+    {"NoPostInstall", "bundle.exports", "PostInstall is not exported", kNotLoaded},
     {"NoReferenceForInterface", "interface.adds-reference", "1"},
-    {"NoType", "factory.right-type", "returned null", 3},
-    {"NullBlockRead", "steps.null-block", "crashed: SIGSEGV (Segmentation fault)", 4},
+    {"NoType", "factory.right-type", "returned null", kNotLoaded},
+    {"NullBlockRead", "steps.null-block", "crashed: SIGSEGV (Segmentation fault)", kCrashed},
     {"OneProductWithoutInterval", "status-file.products", "UpdateInterval: (integer) 2"},
     {"OrderMatters", "dispatch.order", "1 change: com.korvane.updater Late: (none)"},
     {"OtherInstancesReset", "dispatch.two-instances", "0"},
-    {"OtherMessageTaken", "dispatch.other-messages", "UpdateInterval"},
+    {"OtherMessageAccepted", "dispatch.other-messages", "UpdateInterval"},
     {"OtherStopAlert", "steps.stop-alert", "Stop alert 5001"},
     {"OtherVersion", "pre-install.version", "1.72"},
-    {"OutputFlood", "dispatch.pre-install", "flooded the host's output", 4},
-    {"PlaceNotCleared", "interface.clears-place", "it is not null"},
+    {"OutputFlood", "dispatch.pre-install", "printed too much", kCrashed},
+    {"PlaceNotCleared", "interface.clears-place", "not null"},
     {"PreferencesReplaced", "preferences.other-keys", "Fusewright Other: (none)"},
     {"ProcessLeft", "process.processes", "processes"},
-    {"QueryTakesMemoryForGranted", "faults.query", "crashed: SIGABRT (Aborted)", 4},
-    {"RecordNeverFreed", "references.frees", "it is still allocated"},
-    {"ReferenceBesideSlot", "interface.through-slot", "0 calls of a slot that was replaced"},
-    {"ReferenceForRefusal", "interface.refusal-count", "35"},
-    {"RefusalStored", "steps.refused-idle", "InstallStatus"},
-    {"ReinstallationNoted", "dispatch.second-run", "1 change: com.korvane.updater Reinstalled: (none)"},
+    {"QueryIdentifierUnchecked", "faults.query", "crashed: SIGABRT (Aborted)", kCrashed},
+    {"RecordNeverFreed", "references.frees", "still allocated"},
+    {"ReferenceBesideSlot", "interface.through-slot", "0 calls of the replaced AddRef"},
+    {"ReferenceForUnsupportedInterface", "interface.refusal-count", "35"},
+    {"ReinstallationStored", "dispatch.second-run", "1 change: com.korvane.updater Reinstalled: (none)"},
+    {"RejectedCallStores", "dispatch.wrong-selector-idle",
+     "1 change: com.korvane.updater UpdateInterval: (none)"},
+    {"RejectedStepStores", "steps.refused-idle", "InstallStatus"},
     {"ScratchInBlock", "block.rest", "bytes changed: 20 to 20"},
     {"SharedCount", "factory.two-instances", "3"},
     {"SignalIgnored", "process.state", "another handler for signal 13"},
@@ -145,32 +153,31 @@ const Fault kFaults[] = {
     {"StopAlertMissing", "steps.stop-alert", "Unable to set"},
     {"StopAlertTwice", "steps.alerts-once", "Stop alert 5000, Stop alert 5000"},
     {"StringLeaked", "process.objects", "string \"left behind\", 1 reference"},
-    {"StringTakenForGranted", "faults.no-string", "crashed: SIGABRT (Aborted)", 4},
-    {"SymbolToo", "bundle.exports-only", "also korvane_version"},
-    {"SymbolUndefined", "bundle.loads", "undefined symbol: function_of_no_library", 3},
+    {"StringUnchecked", "faults.no-string", "crashed: SIGABRT (Aborted)", kCrashed},
+    {"SymbolToo", "bundle.exports-only", "also exports korvane_version"},
+    {"SymbolUndefined", "bundle.loads", "undefined symbol: function_of_no_library", kNotLoaded},
     {"SynchronisedFirst", "pre-install.order", "CFPreferencesSynchronize"},
-    {"ThreadLeft", "process.threads", "more"},
+    {"TextPrinted", "process.silent", "icon hidden"},
+    {"ThreadLeft", "process.threads", "started"},
     {"TwoReferencesForInterface", "interface.adds-reference", "3"},
     {"UnknownInterfaceOnly", "interface.host", "0x80000004"},
     {"UnknownProductStored", "post-install.unknown-product", "com.korvane.unknown Lang"},
     {"ValueRemovedWithoutNumber", "faults.no-number", "UpdateInterval"},
-    {"VersionInOwnDomain", "pre-install.version", "there is no preferences file of this domain"},
+    {"VersionInOwnDomain", "pre-install.version", "no preferences file of this domain"},
     {"VersionOfSpacelessName", "pre-install.version", "(none)"},
-    {"WorkInSpiteOfRefusal", "dispatch.wrong-selector-idle",
-     "1 change: com.korvane.updater UpdateInterval: (none)"},
     {"WriteOutside", "volume.nothing-outside", "openat \"/tmp/xcodhost-corpus.log\""},
     {"WrongInterfaceCode", "interface.others", "0x80004005"},
 };
 
-class AFault : public testing::TestWithParam<Fault> {};
+class PluginFault : public testing::TestWithParam<Fault> {};
 
-TEST_P(AFault, IsFoundByTheCheckThatItBreaksAndNoOther) {
+TEST_P(PluginFault, IsReportedByExactlyOneCheck) {
 #ifdef IS_SANITIZED
     if (GetParam().name == std::string("MemoryLeaked"))
-        GTEST_SKIP() << "the sanitizer allocates, and tells nobody";
+        GTEST_SKIP() << "the sanitizer replaces malloc, which then reports no sizes";
 #endif
     const CorpusBundle bundle(GetParam().name);
-    const bool hangs = GetParam().status == 5;
+    const bool hangs = GetParam().status == kTimeLimit;
     const Validation found = validate(bundle.Path(), hangs ? "--timeout 1" : "--timeout 60");
     EXPECT_THAT(found.Failed(), ElementsAre(GetParam().check));
     EXPECT_EQ(found.status, GetParam().status);
@@ -180,24 +187,24 @@ TEST_P(AFault, IsFoundByTheCheckThatItBreaksAndNoOther) {
     EXPECT_EQ(check["repeat"], "xcodhost validate " + bundle.Path() + " --include " + GetParam().check);
 }
 
-INSTANTIATE_TEST_SUITE_P(Validate, AFault, testing::ValuesIn(kFaults),
+INSTANTIATE_TEST_SUITE_P(Validate, PluginFault, testing::ValuesIn(kFaults),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(Validate, ReportedFactoryNameIsTheInstallers) {
+TEST(Validate, RejectsOtherFactoryNamesAndMissingBundles) {
     const CorpusBundle bundle("None", "PreInstall");
     EXPECT_EQ(validate(bundle.Path(), "--include bundle.factory-name").status, 1);
     EXPECT_EQ(validate("/not/there.bundle").status, 3);
 }
 
 TEST(Validate, PassesGoodBundles) {
-    const CorpusBundle other("None"); // shares no line with ours
+    const CorpusBundle other("None"); // an implementation without our code
     const HostTool run = RunHost({"validate", POSTINSTALL_BUNDLE, other.Path()});
     EXPECT_EQ(run.ExitStatus(), 0) << run.out;
     EXPECT_THAT(run.out, Not(HasSubstr("FAIL")));
     EXPECT_THAT(run.Verdict(), testing::MatchesRegex("PASS [0-9]+ checks"));
 }
 
-TEST(Validate, HasForEachCheckABundleThatBreaksIt) {
+TEST(Validate, HasABrokenBundleForEachCheck) {
     std::set<std::string> broken = {"bundle.property-list", "bundle.factory", "bundle.factory-name",
                                     "bundle.executable", "bundle.architecture"};
     for (const Fault& fault : kFaults) broken.insert(fault.check);
@@ -238,21 +245,21 @@ TEST(Validate, RunsTheSelectedChecks) {
     EXPECT_EQ(RunHost({"validate", bundle.Path(), "--junit", "/not/there/file"}).ExitStatus(), 2);
 }
 
-TEST(Validate, ExplainsAChecks) {
+TEST(Validate, ExplainsACheck) {
     EXPECT_THAT(RunHost({"explain", "steps.alert"}).out, HasSubstr("depends on  steps.return"));
     const HostTool wrong = RunHost({"explain", "stop"});
     EXPECT_EQ(wrong.ExitStatus(), 2);
     EXPECT_THAT(wrong.err, HasSubstr("steps.stop-alert"));
 }
 
-/// Runs a program with the system's Python, which has the packaged modules; it ends with 0 where it finds the
-/// file as it must be.
+/// Runs a Python program with the file as its argument. Returns the status, which is 0 if its assertions
+/// hold. Uses the system's Python, which has the packaged modules.
 int python(const std::string& program, const std::string& file) {
     const TemporaryFolder folder;
     return std::system(("/usr/bin/python3 " + folder.Write("program.py", program) + " " + file).c_str());
 }
 
-TEST(Validate, WritesFilesThatOthersRead) {
+TEST(Validate, WritesReportsThatOtherProgramsRead) {
     const CorpusBundle bundle("AlertMissing");
     const TemporaryFolder folder;
     const std::string junit = folder.Write("junit.xml", "old");

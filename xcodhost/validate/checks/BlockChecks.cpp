@@ -8,7 +8,7 @@ namespace xcodhost {
 
 namespace {
 
-/// Error flags that come back other than they were given, but for bit 0 of a call that is refused.
+/// Expects that each error bit keeps its value, except bit 0 of a rejected call.
 void expectFlagsKept(CheckRun& run, ParameterBlock block, Entry entry) {
     const bool isRefused = block.Selector() != kInstallerSelector;
     for (int bit = 0; bit < 34; ++bit) {
@@ -16,7 +16,8 @@ void expectFlagsKept(CheckRun& run, ParameterBlock block, Entry entry) {
         block.SetErrorFlags(given);
         const std::uint32_t after = run.Deliver(block, entry).flagsAfter;
         const std::uint32_t mask = isRefused ? 0xFFFFFFFE : 0xFFFFFFFF;
-        run.Expect((after & mask) == (given & mask), "error flags " + Hex(given, 8) + " stay", Hex(after, 8));
+        run.Expect((after & mask) == (given & mask), "error flags " + Hex(given, 8) + " are kept",
+                   Hex(after, 8));
     }
 }
 
@@ -29,7 +30,6 @@ void otherErrorBitsStay(CheckRun& run) {
     expectFlagsKept(run, Event(4, 4900), Entry::kMain);
 }
 
-/// Known products: bits that were set before must still be there, and none may be added.
 void goodCallKeepsFlags(CheckRun& run) {
     run.WatchVolume(false);
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
@@ -38,7 +38,7 @@ void goodCallKeepsFlags(CheckRun& run) {
                 ParameterBlock block = Event(message, product.code);
                 block.SetErrorFlags(given);
                 const std::uint32_t after = run.Deliver(block).flagsAfter;
-                run.Expect(after == given, "error flags " + Hex(given, 8) + " stay", Hex(after, 8));
+                run.Expect(after == given, "error flags " + Hex(given, 8) + " are kept", Hex(after, 8));
             }
         }
     }
@@ -48,12 +48,13 @@ void restOfBlockStays(CheckRun& run) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall, std::uint16_t{4}}) {
         for (const std::uint16_t selector : {kInstallerSelector, std::uint16_t{7}}) {
             const std::string bytes = run.Deliver({selector, message, 4900, 11}).otherBytes;
-            run.Expect(bytes.empty(), "only the error flags may change", "bytes changed: " + bytes);
+            run.Expect(bytes.empty(), "only the error flags change", "bytes changed: " + bytes);
         }
     }
 }
 
-/// Two deliveries of blocks that mean the same have the same effects on fresh volumes.
+/// Expects that two equivalent blocks have the same effects on new sample volumes. `expected`
+/// begins the finding's text.
 void expectSameEffects(CheckRun& run, const ParameterBlock& aligned, const ParameterBlock& other,
                        std::size_t misalignment, const char* expected) {
     run.UseFreshVolume();
@@ -71,7 +72,7 @@ void anyAddressWorks(CheckRun& run) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const std::size_t misalignment : {1u, 2u, 3u, 5u, 7u}) {
             expectSameEffects(run, Event(message, 4900, 11), Event(message, 4900, 11), misalignment,
-                              "the same at an odd address");
+                              "the same effects at an odd address");
         }
     }
 }
@@ -82,7 +83,7 @@ void hostFieldsAreNotRead(CheckRun& run) {
             ParameterBlock filled = Event(message, 4900, 11);
             filled.FillHostFields(byte);
             expectSameEffects(run, Event(message, 4900, 11), filled, 0,
-                              "the same whatever the host's fields hold");
+                              "the same effects for any content of the host's fields");
         }
     }
 }
@@ -92,22 +93,24 @@ void hostFieldsAreNotRead(CheckRun& run) {
 std::vector<Check> BlockChecks() {
     const std::vector<const char*> events = {"dispatch.pre-install", "dispatch.post-install"};
     return {
-        {"block.error-bits", "Error bits other than bit 0 are never touched, and bit 0 is never cleared.",
-         "The other bits are the host's and other plug-ins'. Each of the 32 is tried alone, with refused "
-         "calls, "
-         "unknown products and other messages.",
-         events, &otherErrorBitsStay},
-        {"block.no-error", "An event that is carried out leaves the error flags as they are.",
-         "A set bit makes the installer tell the user that the installation failed.", events,
-         &goodCallKeepsFlags},
-        {"block.rest", "No other byte of the block changes, nor any around it.",
-         "The block is the host's own record and goes on after the last field that a plug-in reads.", events,
-         &restOfBlockStays},
-        {"block.odd-address", "The block may lie at any address.",
-         "The host promises no alignment; fields must be copied, not dereferenced.", events,
-         &anyAddressWorks},
-        {"block.host-fields", "The host's own fields are not read.",
-         "Bytes 12 to 609 mean nothing to a plug-in.", events, &hostFieldsAreNotRead},
+        Check("block.error-bits", &otherErrorBitsStay, events)
+            .Claim("The plug-in never changes the error bits 1 to 31 and never clears bit 0.")
+            .Reason("The other bits belong to the host and to other plug-ins. The check sets each of the 32 "
+                    "bits alone. It uses rejected calls, unknown products and other messages."),
+        Check("block.no-error", &goodCallKeepsFlags, events)
+            .Claim("A successful event does not change the error flags.")
+            .Reason("If an error bit is set, the installer reports a failed installation to the user."),
+        Check("block.rest", &restOfBlockStays, events)
+            .Claim("The plug-in changes no other byte of the block and no byte around the block.")
+            .Reason("The block is the host's own record and continues after the last field that a plug-in "
+                    "reads."),
+        Check("block.odd-address", &anyAddressWorks, events)
+            .Claim("The block may start at any address.")
+            .Reason("The host guarantees no alignment. The plug-in must copy the fields instead of "
+                    "dereferencing pointers to them."),
+        Check("block.host-fields", &hostFieldsAreNotRead, events)
+            .Claim("The plug-in does not read the host's own fields.")
+            .Reason("Bytes 12 to 609 have no meaning for a plug-in."),
     };
 }
 

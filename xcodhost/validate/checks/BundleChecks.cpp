@@ -22,7 +22,7 @@ bool isSameIdentifier(const std::string& text, const CFUUIDBytes& identifier) {
     return strcasecmp(text.c_str(), Describe(identifier).c_str()) == 0;
 }
 
-/// What cannot be read is a finding and the end of the check.
+/// Returns the result of `read`. If `read` rejects the bundle, reports a finding and ends the check.
 template <typename Read>
 auto reading(CheckRun& run, const char* expected, Read read) {
     try {
@@ -34,7 +34,7 @@ auto reading(CheckRun& run, const char* expected, Read read) {
 }
 
 void propertyListIsThere(CheckRun& run) {
-    reading(run, "a folder with a property list in Contents/Info.plist that names its factories and types",
+    reading(run, "a directory whose Contents/Info.plist names factories and types",
             [&] { return ReadInfoPlist(run.BundlePath()); });
 }
 
@@ -54,9 +54,10 @@ std::vector<BundleFactory> pluginFactories(const BundleInfo& list) {
 void typeHasFactory(CheckRun& run) {
     const BundleInfo list = ReadInfoPlist(run.BundlePath());
     run.Expect(!pluginFactories(list).empty(),
-               "CFPlugInTypes lists for " + Describe(kPluginType) + " a factory of CFPlugInFactories",
+               "an entry of CFPlugInTypes for " + Describe(kPluginType) +
+                   " that lists a factory of CFPlugInFactories",
                Counted(list.types.size(), "type") + " and " + Counted(list.factories.size(), "factory") +
-                   ", but none that belong together");
+                   ", but no such entry");
 }
 
 void factoryHasItsName(CheckRun& run) {
@@ -68,23 +69,23 @@ void factoryHasItsName(CheckRun& run) {
 
 BundleExecutable loadableExecutable(CheckRun& run) {
     const auto read = [&] { return ReadBundle(run.BundlePath()); };
-    return reading(run, "an executable that can be read", read).executables.front();
+    return reading(run, "a readable executable", read).executables.front();
 }
 
 void executableIsThere(CheckRun& run) {
     const BundleExecutable executable = loadableExecutable(run);
-    run.Expect(!executable.images.empty(), "an executable that can be read",
+    run.Expect(!executable.images.empty(), "a readable executable",
                executable.path + ": " + executable.problem);
 }
 
-/// Of this very program, which is the processor that the bundle must be made for. Its header tells.
+/// Returns the architecture of this program, which is the one that a bundle must have.
 std::string ownArchitecture() {
     std::string header(64, '\0');
     std::ifstream("/proc/self/exe", std::ios::binary).read(header.data(), 64);
     return ReadElf(header).architecture;
 }
 
-/// The part of the executable that this program can load.
+/// Returns the part of the executable that this program can load, if there is one.
 std::optional<BundleImage> ownImage(const BundleExecutable& executable) {
     const std::string own = ownArchitecture();
     for (const BundleImage& image : executable.images) {
@@ -98,10 +99,10 @@ void architectureFits(CheckRun& run) {
     std::string seen;
     for (const BundleImage& image : executable.images)
         seen += (seen.empty() ? "" : ", ") + image.architecture;
-    run.Expect(ownImage(executable).has_value(), ownArchitecture() + ", as this tool", seen);
+    run.Expect(ownImage(executable).has_value(), ownArchitecture() + ", as for this tool", seen);
 }
 
-/// Of the part that this program can load.
+/// Returns the exported symbols of the part that this program can load.
 std::vector<std::string> exportsOf(CheckRun& run) {
     const std::optional<BundleImage> image = ownImage(loadableExecutable(run));
     return image ? image->exports : std::vector<std::string>();
@@ -120,7 +121,7 @@ void nothingElseIsExported(CheckRun& run) {
     for (const std::string& name : exportsOf(run)) {
         if (std::find(kExports.begin(), kExports.end(), name) == kExports.end()) others += ' ' + name;
     }
-    run.Expect(others.empty(), "exports MyFactory, PostInstall and PreInstall only", "also" + others);
+    run.Expect(others.empty(), "exports only MyFactory, PostInstall and PreInstall", "also exports" + others);
 }
 
 void codeLoads(CheckRun& run) { run.Bundle().Symbol(kFactoryFunction); }
@@ -129,57 +130,43 @@ void codeLoads(CheckRun& run) { run.Bundle().Symbol(kFactoryFunction); }
 
 std::vector<Check> BundleChecks() {
     return {
-        {"bundle.property-list",
-         "The bundle is a folder whose property list can be read.",
-         "The installer finds everything else through Contents/Info.plist. xcodhost info shows what it "
-         "holds.",
-         {},
-         &propertyListIsThere,
-         ExitStatus::kNotLoaded},
-        {"bundle.factory",
-         "The property list leads from the plug-in type to a factory.",
-         "CFPlugInTypes must list, for the installer's plug-in type, the identifier of an entry of "
-         "CFPlugInFactories. Without it the installer never calls the bundle.",
-         {"bundle.property-list"},
-         &typeHasFactory,
-         ExitStatus::kNotLoaded},
-        {"bundle.factory-name",
-         "The factory's function is MyFactory.",
-         "The installer calls the function that CFPlugInFactories names; the plug-ins of this installer all "
-         "name MyFactory.",
-         {"bundle.factory"},
-         &factoryHasItsName},
-        {"bundle.executable",
-         "The executable that the property list names is there and can be read.",
-         "CFBundleExecutable names a file of Contents/Linux or Contents/MacOS.",
-         {"bundle.property-list"},
-         &executableIsThere,
-         ExitStatus::kNotLoaded},
-        {"bundle.architecture",
-         "The executable is made for this tool's processor and word size.",
-         "A 32-bit plug-in needs the 32-bit build of this tool, and the other way round.",
-         {"bundle.executable"},
-         &architectureFits,
-         ExitStatus::kNotLoaded},
-        {"bundle.exports",
-         "The executable exports MyFactory, PreInstall and PostInstall.",
-         "The installer finds these three by name. Hidden visibility, C++ name mangling and a linker's "
-         "list of exports are the usual reasons for a missing one.",
-         {"bundle.architecture"},
-         &stepsAndFactoryAreExported,
-         ExitStatus::kNotLoaded},
-        {"bundle.exports-only",
-         "The executable exports nothing else.",
-         "Every plug-in lives in the installer's process: a further exported symbol can take the place of "
-         "another plug-in's, or be replaced by it.",
-         {"bundle.architecture"},
-         &nothingElseIsExported},
-        {"bundle.loads",
-         "The executable's code can be loaded.",
-         "The dynamic linker's reason is what was seen: a library or a symbol that is missing, most often.",
-         {"bundle.factory", "bundle.architecture", "bundle.exports"},
-         &codeLoads,
-         ExitStatus::kNotLoaded},
+        Check("bundle.property-list", &propertyListIsThere)
+            .Claim("The bundle is a directory with a readable property list.")
+            .Reason("The installer finds the executable and the factories through Contents/Info.plist. "
+                    "\"xcodhost info BUNDLE\" prints the property list.")
+            .FailsWith(ExitStatus::kNotLoaded),
+        Check("bundle.factory", &typeHasFactory, {"bundle.property-list"})
+            .Claim("The property list assigns a factory to the installer's plug-in type.")
+            .Reason("CFPlugInTypes must list, for the installer's plug-in type, the identifier of an entry "
+                    "of CFPlugInFactories. Without this identifier the installer never calls the bundle.")
+            .FailsWith(ExitStatus::kNotLoaded),
+        Check("bundle.factory-name", &factoryHasItsName, {"bundle.factory"})
+            .Claim("The factory function is MyFactory.")
+            .Reason("The installer calls the function that CFPlugInFactories names. All plug-ins of this "
+                    "installer name MyFactory."),
+        Check("bundle.executable", &executableIsThere, {"bundle.property-list"})
+            .Claim("The executable that the property list names exists and is readable.")
+            .Reason("CFBundleExecutable names a file in Contents/Linux or Contents/MacOS.")
+            .FailsWith(ExitStatus::kNotLoaded),
+        Check("bundle.architecture", &architectureFits, {"bundle.executable"})
+            .Claim("The executable is built for the processor and the word size of this tool.")
+            .Reason("A 32-bit plug-in needs the 32-bit build of this tool. A 64-bit plug-in needs the 64-bit "
+                    "build.")
+            .FailsWith(ExitStatus::kNotLoaded),
+        Check("bundle.exports", &stepsAndFactoryAreExported, {"bundle.architecture"})
+            .Claim("The executable exports MyFactory, PreInstall and PostInstall.")
+            .Reason("The installer finds these three functions by name. Usual reasons for a missing function "
+                    "are hidden visibility, C++ name mangling and the linker's export list.")
+            .FailsWith(ExitStatus::kNotLoaded),
+        Check("bundle.exports-only", &nothingElseIsExported, {"bundle.architecture"})
+            .Claim("The executable exports no other symbol.")
+            .Reason("All plug-ins share the installer's process. A further exported symbol can replace a "
+                    "symbol of another plug-in, or be replaced by one."),
+        Check("bundle.loads", &codeLoads, {"bundle.factory", "bundle.architecture", "bundle.exports"})
+            .Claim("The dynamic linker loads the executable.")
+            .Reason(
+                "The report shows the error of the dynamic linker. Usually a library or a symbol is missing.")
+            .FailsWith(ExitStatus::kNotLoaded),
     };
 }
 

@@ -10,7 +10,7 @@ namespace xcodhost {
 
 namespace {
 
-/// Only whether the calls come back: what they do is looked at by others.
+/// Delivers the message for every known and unknown product. Other checks examine the effects.
 void deliverAll(CheckRun& run, std::uint16_t message) {
     run.WatchVolume(false);
     for (const ProductContract& product : kProducts) run.Deliver(Event(message, product.code));
@@ -35,13 +35,13 @@ void preInstallRunsAlone(CheckRun& run) {
     const bool isAlone =
         std::none_of(changes.preferences.begin(), changes.preferences.end(), &isPostInstallKey) &&
         changes.finderFlags.empty();
-    run.Expect(isAlone, "message 2 has the effects of the pre-install step only", Describe(changes));
+    run.Expect(isAlone, "message 2 has only the effects of the pre-install step", Describe(changes));
 }
 
 void postInstallRunsAlone(CheckRun& run) {
     const Changes changes = run.Deliver(Event(kPostInstall, 4900)).changes;
     run.Expect(std::none_of(changes.preferences.begin(), changes.preferences.end(), &isVersionKey),
-               "message 3 has the effects of the post-install step only", Describe(changes));
+               "message 3 has only the effects of the post-install step", Describe(changes));
 }
 
 constexpr std::uint16_t kOtherMessages[] = {0,      1,      4,      5,    6,      0x0102,
@@ -51,7 +51,7 @@ void otherMessagesDoNothing(CheckRun& run) {
     for (const std::uint16_t message : kOtherMessages) {
         const Outcome outcome = run.Deliver(Event(message, 4900));
         run.ExpectNoEffect(outcome);
-        run.Expect(outcome.flagsAfter == 0, "error flags unchanged", Hex(outcome.flagsAfter, 8));
+        run.Expect(outcome.flagsAfter == 0, "unchanged error flags", Hex(outcome.flagsAfter, 8));
         run.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
     }
 }
@@ -75,7 +75,7 @@ void wrongSelectorSetsBit(CheckRun& run) {
 }
 void wrongSelectorIsSilent(CheckRun& run) {
     forEachWrongSelector(run, [&](const Outcome& outcome) {
-        run.Expect(outcome.alerts.empty(), "the main entry shows no alert", Describe(outcome.alerts));
+        run.Expect(outcome.alerts.empty(), "no alert from the main entry", Describe(outcome.alerts));
     });
 }
 void wrongSelectorDoesNothing(CheckRun& run) {
@@ -88,7 +88,7 @@ VolumeState afterEvents(CheckRun& run, std::initializer_list<std::uint16_t> mess
     return run.CurrentVolume();
 }
 
-/// Files of two volumes never have the same inodes, and their times are no matter.
+/// Returns the state without inodes and times, which always differ between two volumes.
 VolumeState withoutIdentity(VolumeState state) {
     for (auto& [path, item] : state.items) {
         item.device = item.inode = 0;
@@ -105,7 +105,7 @@ void expectSameVolume(CheckRun& run, VolumeState wanted, VolumeState seen, const
 void orderDoesNotMatter(CheckRun& run) {
     const VolumeState right = afterEvents(run, {kPreInstall, kPostInstall});
     const VolumeState wrong = afterEvents(run, {kPostInstall, kPreInstall});
-    expectSameVolume(run, right, wrong, "post-install before pre-install leaves the same volume");
+    expectSameVolume(run, right, wrong, "the same volume after post-install and then pre-install");
 }
 
 void secondRunChangesNothing(CheckRun& run) {
@@ -117,15 +117,15 @@ void secondRunChangesNothing(CheckRun& run) {
         };
         deliverBoth();
         const auto [before, after] = deliverBoth();
-        run.Expect(before.Count() == 0, "a second pre-install changes nothing", Describe(before));
-        run.Expect(after.Count() == 0, "a second post-install changes nothing", Describe(after));
+        run.Expect(before.Count() == 0, "no change by a second pre-install", Describe(before));
+        run.Expect(after.Count() == 0, "no change by a second post-install", Describe(after));
     }
 }
 
 void eachEventTwiceIsTheSame(CheckRun& run) {
     const VolumeState once = afterEvents(run, {kPreInstall, kPostInstall});
     const VolumeState twice = afterEvents(run, {kPreInstall, kPreInstall, kPostInstall, kPostInstall});
-    expectSameVolume(run, once, twice, "events that come twice leave the same volume");
+    expectSameVolume(run, once, twice, "the same volume after each event arrived twice");
 }
 
 void twoInstancesWork(CheckRun& run) {
@@ -136,9 +136,9 @@ void twoInstancesWork(CheckRun& run) {
     run.ReleaseInterface();
     const ULONG count =
         run.Bundle().RunCode({"AddRef", "the other instance", {}}, [&] { return (*other)->AddRef(other); });
-    run.Expect(count == 2, "the other instance lives on with 1 reference", std::to_string(count - 1));
-    run.Deliver(Event(kPostInstall, 4900, 11)); // through a third
-    expectSameVolume(run, one, run.CurrentVolume(), "events through two instances leave the same volume");
+    run.Expect(count == 2, "the other instance still has 1 reference", std::to_string(count - 1));
+    run.Deliver(Event(kPostInstall, 4900, 11)); // through a third instance
+    expectSameVolume(run, one, run.CurrentVolume(), "the same volume after events through two instances");
 }
 
 } // namespace
@@ -146,45 +146,45 @@ void twoInstancesWork(CheckRun& run) {
 std::vector<Check> DispatchChecks() {
     const std::vector<const char*> events = {"dispatch.pre-install", "dispatch.post-install"};
     return {
-        {"dispatch.pre-install",
-         "The pre-install event comes back for every product, known or not.",
-         "A crash, a hang, an exit or an exception is told with the call that it happened in.",
-         {"interface.adds-reference"},
-         &preInstallReturns},
-        {"dispatch.post-install",
-         "The post-install event comes back for every product and language, known or not.",
-         "A crash, a hang, an exit or an exception is told with the call that it happened in.",
-         {"interface.adds-reference"},
-         &postInstallReturns},
-        {"dispatch.pre-install-alone", "Message 2 runs the pre-install step only.",
-         "The products' files are not there yet: the Finder's flags and the language come later.", events,
-         &preInstallRunsAlone},
-        {"dispatch.post-install-alone", "Message 3 runs the post-install step only.",
-         "The version is noted before the installation.", events, &postInstallRunsAlone},
-        {"dispatch.other-messages", "Any other message has no effect and sets no error bit.",
-         "The installer sends more messages than the two; they are none of the plug-in's business.", events,
-         &otherMessagesDoNothing},
-        {"dispatch.wrong-selector", "A selector other than 1000 sets bit 0 of the error flags.",
-         "The selector is compared as 16 bits.", events, &wrongSelectorSetsBit},
-        {"dispatch.wrong-selector-silent", "The main entry shows no alert for a wrong selector.",
-         "Only the steps, when they are called directly, talk to the user.", events, &wrongSelectorIsSilent},
-        {"dispatch.wrong-selector-idle", "A wrong selector has no effect on the volume.",
-         "Neither step runs.", events, &wrongSelectorDoesNothing},
-        {"dispatch.order", "The events may come in the wrong order.",
-         "The two steps write to different places, so that their order does not matter.", events,
-         &orderDoesNotMatter},
-        {"dispatch.twice", "Each event may come twice in a row.", "A step stores values; it does not add up.",
-         events, &eachEventTwiceIsTheSame},
-        {"dispatch.second-run",
-         "A second installation of the same product changes nothing.",
-         "Installing again is what users do when something looks wrong.",
-         {"dispatch.order", "pre-install.nothing-else", "post-install.nothing-else"},
-         &secondRunChangesNothing},
-        {"dispatch.two-instances",
-         "Two instances may be in use at once.",
-         "Releasing one must not take anything from the other.",
-         {"dispatch.pre-install", "dispatch.post-install", "factory.two-instances", "references.zero"},
-         &twoInstancesWork},
+        Check("dispatch.pre-install", &preInstallReturns, {"interface.adds-reference"})
+            .Claim("The pre-install event returns for every known and unknown product.")
+            .Reason("The report names the call that crashes, hangs, exits or throws."),
+        Check("dispatch.post-install", &postInstallReturns, {"interface.adds-reference"})
+            .Claim("The post-install event returns for every known and unknown product and language.")
+            .Reason("The report names the call that crashes, hangs, exits or throws."),
+        Check("dispatch.pre-install-alone", &preInstallRunsAlone, events)
+            .Claim("Message 2 runs only the pre-install step.")
+            .Reason("The product's files are not installed yet. The post-install step sets the Finder flags "
+                    "and the language."),
+        Check("dispatch.post-install-alone", &postInstallRunsAlone, events)
+            .Claim("Message 3 runs only the post-install step.")
+            .Reason("The pre-install step stores the version before the installation."),
+        Check("dispatch.other-messages", &otherMessagesDoNothing, events)
+            .Claim("Any other message has no effect and sets no error bit.")
+            .Reason("The installer also sends messages that a plug-in must ignore."),
+        Check("dispatch.wrong-selector", &wrongSelectorSetsBit, events)
+            .Claim("A selector other than 1000 sets bit 0 of the error flags.")
+            .Reason("The plug-in must compare all 16 bits of the selector."),
+        Check("dispatch.wrong-selector-silent", &wrongSelectorIsSilent, events)
+            .Claim("The main entry shows no alert for a wrong selector.")
+            .Reason("Only the exported steps show alerts, when a host calls them directly."),
+        Check("dispatch.wrong-selector-idle", &wrongSelectorDoesNothing, events)
+            .Claim("A wrong selector has no effect on the volume.")
+            .Reason("Neither step runs."),
+        Check("dispatch.order", &orderDoesNotMatter, events)
+            .Claim("The order of the two events does not change the result.")
+            .Reason("The two steps write different items."),
+        Check("dispatch.twice", &eachEventTwiceIsTheSame, events)
+            .Claim("An event that arrives twice in a row has the same effect as one event.")
+            .Reason("A step stores fixed values and does not add to stored values."),
+        Check("dispatch.second-run", &secondRunChangesNothing,
+              {"dispatch.order", "pre-install.nothing-else", "post-install.nothing-else"})
+            .Claim("A second installation of the same product changes nothing.")
+            .Reason("Users install a product again when something looks wrong."),
+        Check("dispatch.two-instances", &twoInstancesWork,
+              {"dispatch.pre-install", "dispatch.post-install", "factory.two-instances", "references.zero"})
+            .Claim("Two instances can be in use at the same time.")
+            .Reason("The release of one instance must not affect the other."),
     };
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 void rightTypeGivesInstance(CheckRun& run) { run.Bundle().MakeInstance(); }
 
-/// Asks for an instance of the type; whatever comes back is released again.
+/// Expects that the factory returns null for the type and allocates nothing.
 void expectNoInstance(CheckRun& run, FactoryFunction make, const CFUUIDBytes& type) {
     const Owned<CFUUIDRef> identifier(CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, type));
     const std::size_t before = macplatform::LiveObjectCount();
@@ -23,7 +23,7 @@ void expectNoInstance(CheckRun& run, FactoryFunction make, const CFUUIDBytes& ty
     run.Expect(!instance, "null for " + Describe(type), "an instance");
     const std::size_t after = macplatform::LiveObjectCount();
     run.Expect(instance || after == before, "nothing allocated for " + Describe(type),
-               Counted(after - before, "object") + " more");
+               Counted(after - before, "object") + " allocated");
 }
 
 void wrongTypesAreRefused(CheckRun& run) {
@@ -43,7 +43,7 @@ void allocatorIsIgnored(CheckRun& run) {
     void* const instance = run.Bundle().RunCode({kFactoryFunction, "the system's allocator", {}}, [&] {
         return make(kCFAllocatorSystemDefault, ConstantIdentifier(kPluginType));
     });
-    run.Expect(instance, "an instance with any allocator", "null with kCFAllocatorSystemDefault");
+    run.Expect(instance, "an instance for any allocator", "null with kCFAllocatorSystemDefault");
 }
 
 void instanceLiesInPointerBlock(CheckRun& run) {
@@ -58,32 +58,32 @@ void noMemoryGivesNothing(CheckRun& run) {
     const FactoryFunction make = run.Factory();
     run.ForgetObjects();
     macplatform::InjectFault({"NewPtr", 0, 0});
-    void* const instance = run.Bundle().RunCode({kFactoryFunction, "NewPtr answers null", {}}, [&] {
+    void* const instance = run.Bundle().RunCode({kFactoryFunction, "NewPtr returns null", {}}, [&] {
         return make(kCFAllocatorDefault, ConstantIdentifier(kPluginType));
     });
     if (macplatform::CancelInjectedFaults() > 0)
-        return; // it asks for memory elsewhere, which is another check's matter
-    run.Expect(!instance, "null when there is no memory", "an instance");
-    run.Expect(run.ObjectsLeft().empty(), "nothing is left allocated",
+        return; // the factory does not call NewPtr; another check reports that
+    run.Expect(!instance, "null if there is no memory", "an instance");
+    run.Expect(run.ObjectsLeft().empty(), "no memory is left allocated",
                Counted(run.ObjectsLeft().size(), "object"));
 }
 
 void instancesAreTheirOwn(CheckRun& run) {
     FunctionBlock** const first = run.Bundle().MakeInstance();
     FunctionBlock** const second = run.Bundle().MakeInstance();
-    run.Expect(first != second, "each call makes a new instance", "the same instance twice");
+    run.Expect(first != second, "a new instance from each call", "the same instance twice");
     if (first == second) return;
     run.Bundle().RunCode({"AddRef", "first instance", {}}, [&] { return (*first)->AddRef(first); });
     const ULONG count =
         run.Bundle().RunCode({"AddRef", "second instance", {}}, [&] { return (*second)->AddRef(second); });
-    run.Expect(count == 2, "the second instance counts for itself: 2", std::to_string(count));
+    run.Expect(count == 2, "2 references of the second instance", std::to_string(count));
 }
 
 void slotsAreFilled(CheckRun& run) {
     const FunctionBlock& block = **run.Bundle().MakeInstance();
-    run.Expect(!block._reserved, "the first slot is null", "it is not null");
-    run.Expect(block.AddRef, "the AddRef slot is filled", "it is null");
-    run.Expect(block.main, "the main entry's slot is filled", "it is null");
+    run.Expect(!block._reserved, "null in the first slot", "a pointer");
+    run.Expect(block.AddRef, "a function in the AddRef slot", "null");
+    run.Expect(block.main, "a function in the slot of the main entry", "null");
 }
 
 void blockIsConstant(CheckRun& run) {
@@ -91,10 +91,10 @@ void blockIsConstant(CheckRun& run) {
     FunctionBlock before = *block;
     run.Deliver(Event(kPreInstall, 4900));
     run.Deliver(Event(kPostInstall, 4900));
-    run.Expect(*run.Interface() == block, "all instances share one function block", "another block");
+    run.Expect(*run.Interface() == block, "the same function block in all instances", "another block");
     run.ReleaseInterface();
-    run.Expect(std::memcmp(&before, block, sizeof before) == 0, "the function block is never modified",
-               "it has changed after both events");
+    run.Expect(std::memcmp(&before, block, sizeof before) == 0,
+               "an unchanged function block after both events", "a changed function block");
 }
 
 } // namespace
@@ -102,45 +102,36 @@ void blockIsConstant(CheckRun& run) {
 std::vector<Check> FactoryChecks() {
     const std::vector<const char*> loaded = {"bundle.loads", "bundle.factory-name"};
     return {
-        {"factory.right-type",
-         "The factory gives an instance for the installer's plug-in type.",
-         "The instance's first word points to the function block, whose QueryInterface and Release are "
-         "filled.",
-         {"bundle.loads"},
-         &rightTypeGivesInstance},
-        {"factory.wrong-types", "For any other type the factory answers null and allocates nothing.",
-         "The type is compared as a whole: types that differ in one bit are asked for as well.", loaded,
-         &wrongTypesAreRefused},
-        {"factory.allocator",
-         "The factory ignores the allocator that it is given.",
-         "The installer's allocator is not meant for instances.",
-         {"factory.right-type", "bundle.factory-name"},
-         &allocatorIsIgnored},
-        {"factory.pointer-block",
-         "The instance lies in a block of the Memory Manager.",
-         "It is allocated by NewPtr and freed by DisposePtr.",
-         {"factory.right-type"},
-         &instanceLiesInPointerBlock},
-        {"factory.no-memory",
-         "Without memory the factory answers null.",
-         "NewPtr is made to answer null; writing through it would take the installer down.",
-         {"factory.right-type", "factory.pointer-block", "bundle.factory-name"},
-         &noMemoryGivesNothing},
-        {"factory.two-instances",
-         "Two instances at once count their references apart.",
-         "An instance that is a static object, or a count that is, breaks this.",
-         {"references.counting"},
-         &instancesAreTheirOwn},
-        {"function-block.slots",
-         "The function block holds null, QueryInterface, AddRef, Release and the main entry.",
-         "The installer calls through these places.",
-         {"factory.right-type"},
-         &slotsAreFilled},
-        {"function-block.constant",
-         "All instances share one function block, which never changes.",
-         "It is a static table.",
-         {"interface.host", "dispatch.pre-install", "dispatch.post-install"},
-         &blockIsConstant},
+        Check("factory.right-type", &rightTypeGivesInstance, {"bundle.loads"})
+            .Claim("The factory creates an instance for the installer's plug-in type.")
+            .Reason("The first word of the instance points to the function block. QueryInterface and Release "
+                    "in the function block are not null."),
+        Check("factory.wrong-types", &wrongTypesAreRefused, loaded)
+            .Claim("The factory returns null and allocates nothing for any other type.")
+            .Reason("The factory must compare all 16 bytes of the type. The check also asks for types that "
+                    "differ in one bit."),
+        Check("factory.allocator", &allocatorIsIgnored, {"factory.right-type", "bundle.factory-name"})
+            .Claim("The factory ignores its allocator argument.")
+            .Reason("The installer's allocator is not meant for instances."),
+        Check("factory.pointer-block", &instanceLiesInPointerBlock, {"factory.right-type"})
+            .Claim("The instance is a memory block of the Memory Manager.")
+            .Reason("NewPtr allocates the block and DisposePtr frees it."),
+        Check("factory.no-memory", &noMemoryGivesNothing,
+              {"factory.right-type", "factory.pointer-block", "bundle.factory-name"})
+            .Claim("The factory returns null if there is no memory.")
+            .Reason("The check makes NewPtr return null. A write through this null pointer crashes the "
+                    "installer."),
+        Check("factory.two-instances", &instancesAreTheirOwn, {"references.counting"})
+            .Claim("Two instances have separate reference counts.")
+            .Reason("A static instance or a static count breaks this rule."),
+        Check("function-block.slots", &slotsAreFilled, {"factory.right-type"})
+            .Claim("The function block holds null, QueryInterface, AddRef, Release and the main entry, in "
+                   "this order.")
+            .Reason("The installer calls the functions at these positions."),
+        Check("function-block.constant", &blockIsConstant,
+              {"interface.host", "dispatch.pre-install", "dispatch.post-install"})
+            .Claim("All instances share one function block, and the block never changes.")
+            .Reason("The function block is a static table."),
     };
 }
 

@@ -21,14 +21,14 @@ std::size_t callsOf(const std::string& name, const Outcome& outcome) {
                                                   [&](const auto& entry) { return entry.call == name; }));
 }
 
-/// A preferences file that was written holds whole values that belong there, or is what it was.
+/// Expects that every preferences file is readable, no preference is removed and no other file changes.
 void expectNothingHalfWritten(CheckRun& run, const Outcome& outcome, const std::string& fault) {
     for (const auto& [domain, file] : run.CurrentVolume().preferences) {
-        run.Expect(file.problem.empty(), fault + ": every preferences file can be read",
+        run.Expect(file.problem.empty(), fault + ": every preferences file is readable",
                    file.path + ' ' + file.problem);
     }
     for (const FileChange& change : outcome.changes.files) {
-        run.Fail(fault + ": no file but preferences changes", Printable(change.path) + ": " + change.what);
+        run.Fail(fault + ": only preferences files change", Printable(change.path) + ": " + change.what);
     }
     for (const PreferenceChange& change : outcome.changes.preferences) {
         run.Expect(change.after.has_value(), fault + ": no preference is removed",
@@ -36,7 +36,8 @@ void expectNothingHalfWritten(CheckRun& run, const Outcome& outcome, const std::
     }
 }
 
-/// Delivers both events once for each call of this name that a good delivery makes, that call failing.
+/// Delivers both events once for each call of these names that a delivery without a fault makes, and makes
+/// that call fail with `code`.
 void expectHarmless(CheckRun& run, const std::vector<std::string>& names, long code) {
     for (const std::uint16_t message : kEvents) {
         run.UseFreshVolume();
@@ -55,7 +56,7 @@ void expectHarmless(CheckRun& run, const std::vector<std::string>& names, long c
                 expectNothingHalfWritten(run, outcome, fault);
                 run.Expect(outcome.flagsAfter == 0, fault + ": no error bit", Hex(outcome.flagsAfter, 8));
                 const auto left = run.ObjectsLeft();
-                run.Expect(left.empty(), fault + ": nothing leaked", left.empty() ? "" : left.front());
+                run.Expect(left.empty(), fault + ": no object is leaked", left.empty() ? "" : left.front());
             }
         }
     }
@@ -85,13 +86,13 @@ void finderFaultLeavesOther(CheckRun& run) {
         run.Interface();
         macplatform::InjectFault({"FSGetCatalogInfo", -5000, skip});
         const Outcome outcome = run.Deliver(Event(kPostInstall, 4900));
-        if (macplatform::CancelInjectedFaults() > 0) continue; // it does not ask this call for them
-        run.Expect(outcome.changes.finderFlags.size() == 1, "the other item gets its flags all the same",
+        if (macplatform::CancelInjectedFaults() > 0) continue; // the plug-in does not make this call
+        run.Expect(outcome.changes.finderFlags.size() == 1, "the other item gets its flags",
                    Describe(outcome.changes));
     }
 }
 
-/// Its bytes are none of a property list, so nothing can be added without losing them.
+/// Uses a file that is no property list: a value cannot be added to it without a loss of its bytes.
 void brokenFileIsLeft(CheckRun& run) {
     constexpr const char* path = "/Library/Preferences/com.korvane.updater.plist";
     const std::string bytes = "<?xml version=\"1.0\"?><plist><dict><key>half";
@@ -111,9 +112,9 @@ void queryWithoutMemoryIsHarmless(CheckRun& run) {
         return static_cast<std::uint32_t>((*instance)->QueryInterface(instance, kHostInterface, &found));
     });
     macplatform::CancelInjectedFaults();
-    run.Expect((result == 0) == (found != nullptr), "result and result place agree",
+    run.Expect((result == 0) == (found != nullptr), "result and output pointer agree",
                Hex(result, 8) + (found ? ", a pointer" : ", null"));
-    run.Expect(run.ObjectsLeft().empty(), "nothing leaked", Counted(run.ObjectsLeft().size(), "object"));
+    run.Expect(run.ObjectsLeft().empty(), "no object is leaked", Counted(run.ObjectsLeft().size(), "object"));
 }
 
 } // namespace
@@ -122,35 +123,32 @@ std::vector<Check> FaultChecks() {
     const std::vector<const char*> events = {"pre-install.nothing-else", "post-install.nothing-else",
                                              "process.objects"};
     return {
-        {"faults.preferences",
-         "Preferences that cannot be written are no error, and nothing is half-written or leaked.",
-         "Each call that sets or synchronises a preference is made to fail in turn.", events,
-         &refusedPreferencesAreHarmless},
-        {"faults.no-string", "A text that the platform cannot make does no harm.",
-         "Each call that makes a CFString is made to fail in turn.", events, &missingStringsAreHarmless},
-        {"faults.no-number", "A number that the platform cannot make does no harm: the stored value stays.",
-         "Setting a preference to null removes it.", events, &missingNumbersAreHarmless},
-        {"faults.finder", "Refused Finder calls do no harm.",
-         "Each call on the way to the Finder information is made to fail in turn.", events,
-         &refusedFinderCallsAreHarmless},
-        {"faults.finder-apart",
-         "Where one item's Finder information cannot be read, the other is dressed all the same.",
-         "The folder and its icon file are handled apart.",
-         {"finder.folder", "finder.icon", "finder.other-items"},
-         &finderFaultLeavesOther},
-        {"faults.files", "Refused calls for the status file do no harm.",
-         "Each call that looks for or opens a file is made to fail in turn.", events,
-         &refusedFileCallsAreHarmless},
-        {"faults.broken-list",
-         "A preferences file that cannot be parsed keeps its bytes.",
-         "What cannot be read cannot be merged with; the user's data come first.",
-         {"dispatch.pre-install", "dispatch.post-install"},
-         &brokenFileIsLeft},
-        {"faults.query",
-         "QueryInterface without memory does no harm.",
-         "The identifier object cannot be made; the answer must be whole, either way.",
-         {"interface.nothing-left"},
-         &queryWithoutMemoryIsHarmless},
+        Check("faults.preferences", &refusedPreferencesAreHarmless, events)
+            .Claim("A failed preference call causes no error bit, no half-written file and no leak.")
+            .Reason("The check makes each call that sets or synchronises a preference fail in turn."),
+        Check("faults.no-string", &missingStringsAreHarmless, events)
+            .Claim("A string that cannot be created causes no harm.")
+            .Reason("The check makes each call that creates a CFString fail in turn."),
+        Check("faults.no-number", &missingNumbersAreHarmless, events)
+            .Claim("A number that cannot be created causes no harm, and the stored value stays.")
+            .Reason("Setting a preference to null removes the stored value."),
+        Check("faults.finder", &refusedFinderCallsAreHarmless, events)
+            .Claim("A failed Finder call causes no harm.")
+            .Reason("The check makes each call that reads or writes the Finder information fail in turn."),
+        Check("faults.finder-apart", &finderFaultLeavesOther,
+              {"finder.folder", "finder.icon", "finder.other-items"})
+            .Claim("If the Finder information of one item cannot be read, the other item gets its flags.")
+            .Reason("Post-install processes the folder and its icon file separately."),
+        Check("faults.files", &refusedFileCallsAreHarmless, events)
+            .Claim("A failed call for the status file causes no harm.")
+            .Reason("The check makes each call that finds or opens a file fail in turn."),
+        Check("faults.broken-list", &brokenFileIsLeft, {"dispatch.pre-install", "dispatch.post-install"})
+            .Claim("A preferences file that cannot be parsed keeps its bytes.")
+            .Reason("New values cannot be merged into an unreadable file. The user's data must not be lost."),
+        Check("faults.query", &queryWithoutMemoryIsHarmless, {"interface.nothing-left"})
+            .Claim("QueryInterface causes no harm if there is no memory.")
+            .Reason("The check makes the creation of the identifier object fail. The result and the output "
+                    "pointer must agree."),
     };
 }
 

@@ -13,7 +13,7 @@ namespace xcodhost {
 
 namespace {
 
-/// Gives the item these flags through the platform, as the Finder would.
+/// Sets the item's Finder flags through the platform, as the Finder does.
 void setFinderFlags(const CheckRun& run, const char* macPath, std::uint16_t flags) {
     FSRef item;
     FSCatalogInfo catalog = {};
@@ -33,9 +33,10 @@ std::uint16_t flagsOf(const CheckRun& run, const char* macPath) {
     return item == state.items.end() ? std::uint16_t{0} : item->second.finderFlags;
 }
 
-/// Delivers post-install to an item with all flags and with none; only the bits of the mask are looked at.
+/// Delivers post-install for several earlier flags of the item. Expects that the bits of `mask` become
+/// `wanted`, and ignores the other bits.
 void expectFinderFlags(CheckRun& run, const char* macPath, std::uint16_t mask, std::uint16_t wanted) {
-    constexpr std::uint16_t allFlags = 0xFFFF & ~0x0001; // the lowest bit is the file system's own
+    constexpr std::uint16_t allFlags = 0xFFFF & ~0x0001; // the lowest bit belongs to the file system
     for (const std::uint16_t before :
          {std::uint16_t{0}, allFlags, mask, static_cast<std::uint16_t>(mask & ~wanted)}) {
         run.UseFreshVolume();
@@ -67,7 +68,8 @@ void otherFlagsStay(CheckRun& run) {
             run.Deliver(Event(kPostInstall, 4900));
             const auto after = static_cast<std::uint16_t>(flagsOf(run, path) & others);
             run.Expect(after == before,
-                       std::string(Printable(path)) + ": the other Finder flags stay " + Hex(before, 4),
+                       std::string(Printable(path)) + ": the other Finder flags keep the value " +
+                           Hex(before, 4),
                        Hex(after, 4));
         }
     }
@@ -85,7 +87,7 @@ void otherItemsKeepFlags(CheckRun& run) {
 
 void unknownProductSetsFlags(CheckRun& run) {
     const Outcome outcome = run.Deliver(Event(kPostInstall, 1234));
-    run.Expect(outcome.changes.finderFlags.size() == 2, "folder and icon get their Finder flags",
+    run.Expect(outcome.changes.finderFlags.size() == 2, "the folder and its icon file get their Finder flags",
                Describe(outcome.changes));
 }
 
@@ -95,8 +97,8 @@ void missingIconLeavesFolder(CheckRun& run) {
     run.UseFreshVolume(sample);
     run.Deliver(Event(kPostInstall, 4900));
     const std::uint16_t flags = flagsOf(run, kMakersFolder);
-    run.Expect((flags & kCustomIconFlag) != 0, "the folder gets its flag without an icon file",
-               Hex(flags, 4));
+    run.Expect((flags & kCustomIconFlag) != 0,
+               "the custom icon flag of the folder is set without an icon file", Hex(flags, 4));
 }
 
 void missingItemsAreSkipped(CheckRun& run) {
@@ -107,9 +109,9 @@ void missingItemsAreSkipped(CheckRun& run) {
         run.UseFreshVolume(sample);
         const Outcome outcome = run.Deliver(Event(kPostInstall, 4900));
         run.Expect(outcome.flagsAfter == 0 && outcome.alerts.empty(),
-                   "no error where folder or icon is missing",
+                   "no error if the folder or the icon file is missing",
                    "error flags " + Hex(outcome.flagsAfter, 8) + ", " + Describe(outcome.alerts));
-        run.Expect(outcome.changes.files.empty(), "neither is made", Describe(outcome.changes));
+        run.Expect(outcome.changes.files.empty(), "neither is created", Describe(outcome.changes));
     }
 }
 
@@ -118,28 +120,31 @@ void missingItemsAreSkipped(CheckRun& run) {
 std::vector<Check> FinderChecks() {
     const std::vector<const char*> event = {"dispatch.post-install"};
     return {
-        {"finder.folder", "The maker's folder gets a custom icon and becomes visible.",
-         "0x0400 is set and 0x4000 cleared on /Applications/Korvane, whatever they were before.", event,
-         &folderFlagsAreSet},
-        {"finder.icon", "The folder's icon file becomes invisible and has no icon of its own.",
-         "0x4000 is set and 0x0400 cleared on /Applications/Korvane/Icon\\r, whatever they were before.",
-         event, &iconIsHidden},
-        {"finder.other-flags", "All other Finder flags of the two stay as they are.",
-         "Labels and locks are the user's.", event, &otherFlagsStay},
-        {"finder.other-items", "No other item's Finder flags change.", "Only the two are the maker's.", event,
-         &otherItemsKeepFlags},
-        {"finder.unknown-product",
-         "The flags are set for an unknown product, too.",
-         "The folder is shared by all products.",
-         {"finder.folder", "finder.icon", "finder.other-items"},
-         &unknownProductSetsFlags},
-        {"finder.no-icon",
-         "The folder gets its flags where the icon file is missing.",
-         "One must not depend on the other.",
-         {"finder.folder"},
-         &missingIconLeavesFolder},
-        {"finder.missing", "A missing folder or icon file is skipped without an error, and not made.",
-         "Users may have moved the products.", event, &missingItemsAreSkipped},
+        Check("finder.folder", &folderFlagsAreSet, event)
+            .Claim("Post-install makes the vendor's folder visible and gives the folder a custom icon.")
+            .Reason("Post-install sets flag 0x0400 and clears flag 0x4000 of /Applications/Korvane. The "
+                    "result does not depend on the earlier flags."),
+        Check("finder.icon", &iconIsHidden, event)
+            .Claim("Post-install makes the folder's icon file invisible and clears its custom icon flag.")
+            .Reason("Post-install sets flag 0x4000 and clears flag 0x0400 of /Applications/Korvane/Icon\\r. "
+                    "The result does not depend on the earlier flags."),
+        Check("finder.other-flags", &otherFlagsStay, event)
+            .Claim("Post-install keeps all other Finder flags of the folder and of its icon file.")
+            .Reason("Labels and locks belong to the user."),
+        Check("finder.other-items", &otherItemsKeepFlags, event)
+            .Claim("Post-install changes the Finder flags of no other item.")
+            .Reason("Only the folder and its icon file belong to the vendor."),
+        Check("finder.unknown-product", &unknownProductSetsFlags,
+              {"finder.folder", "finder.icon", "finder.other-items"})
+            .Claim("Post-install also sets the Finder flags for an unknown product.")
+            .Reason("All products share the folder."),
+        Check("finder.no-icon", &missingIconLeavesFolder, {"finder.folder"})
+            .Claim("Post-install sets the folder's Finder flags if the icon file is missing.")
+            .Reason("The two items must not depend on each other."),
+        Check("finder.missing", &missingItemsAreSkipped, event)
+            .Claim(
+                "Post-install skips a missing folder or icon file without an error and does not create it.")
+            .Reason("The user may have moved the products."),
     };
 }
 

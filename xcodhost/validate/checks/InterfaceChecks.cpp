@@ -16,7 +16,7 @@ struct Query {
 
 Query ask(CheckRun& run, FunctionBlock** instance, const CFUUIDBytes& identifier) {
     Query query;
-    query.found = &query; // neither null nor an instance
+    query.found = &query; // neither null nor an instance: shows whether the call sets the pointer
     query.result = run.Bundle().RunCode({"QueryInterface", "interface " + Describe(identifier), {}}, [&] {
         return static_cast<std::uint32_t>((*instance)->QueryInterface(instance, identifier, &query.found));
     });
@@ -32,14 +32,14 @@ void expectInstance(CheckRun& run, const CFUUIDBytes& identifier) {
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     const Query query = ask(run, instance, identifier);
     run.Expect(query.result == 0, "result 0x00000000", Hex(query.result, 8));
-    run.Expect(query.result != 0 || query.found == instance, "the instance itself in the result place",
+    run.Expect(query.result != 0 || query.found == instance, "the instance itself in the output pointer",
                query.found ? "another pointer" : "null");
 }
 
 void hostInterfaceIsGiven(CheckRun& run) { expectInstance(run, kHostInterface); }
 void unknownInterfaceIsGiven(CheckRun& run) { expectInstance(run, kUnknownInterface); }
 
-/// Identifiers that no plug-in of this installer has.
+/// Returns identifiers of interfaces that no plug-in of this installer supports.
 std::vector<CFUUIDBytes> otherInterfaces() {
     std::vector<CFUUIDBytes> others = {CFUUIDBytes{}, kPluginType};
     for (const CFUUIDBytes& known : {kHostInterface, kUnknownInterface}) {
@@ -65,7 +65,7 @@ void refusalClearsThePlace(CheckRun& run) {
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     for (const CFUUIDBytes& identifier : otherInterfaces()) {
         const Query query = ask(run, instance, identifier);
-        run.Expect(!query.found, "null in the result place for " + Describe(identifier), "it is not null");
+        run.Expect(!query.found, "null in the output pointer for " + Describe(identifier), "not null");
     }
 }
 
@@ -76,7 +76,7 @@ void interfaceAddsReference(CheckRun& run) {
     run.Expect(afterHost == 2, "2 references after the host's interface", std::to_string(afterHost));
     ask(run, instance, kUnknownInterface);
     const ULONG afterUnknown = countOf(run, instance);
-    run.Expect(afterUnknown == afterHost + 1, "1 reference more after IUnknown",
+    run.Expect(afterUnknown == afterHost + 1, "1 more reference after IUnknown",
                std::to_string(afterUnknown) + " after " + std::to_string(afterHost));
 }
 
@@ -84,7 +84,7 @@ void refusalAddsNoReference(CheckRun& run) {
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     for (const CFUUIDBytes& identifier : otherInterfaces()) ask(run, instance, identifier);
     const ULONG count = countOf(run, instance);
-    run.Expect(count == 1, "1 reference after refused interfaces", std::to_string(count));
+    run.Expect(count == 1, "1 reference after unsupported interfaces", std::to_string(count));
 }
 
 int gSlotCalls = 0;
@@ -99,8 +99,8 @@ void referenceGoesThroughSlot(CheckRun& run) {
     *instance = &replaced;
     ask(run, instance, kHostInterface);
     *instance = own;
-    run.Expect(gSlotCalls == 1, "QueryInterface calls the AddRef slot of the instance's function block once",
-               Counted(static_cast<std::size_t>(gSlotCalls), "call") + " of a slot that was replaced");
+    run.Expect(gSlotCalls == 1, "1 call of AddRef through the instance's function block",
+               Counted(static_cast<std::size_t>(gSlotCalls), "call") + " of the replaced AddRef");
 }
 
 void queriesLeaveNothing(CheckRun& run) {
@@ -109,7 +109,7 @@ void queriesLeaveNothing(CheckRun& run) {
     for (const CFUUIDBytes& identifier : {kHostInterface, kUnknownInterface, kPluginType}) {
         ask(run, instance, identifier);
         const auto left = run.ObjectsLeft();
-        run.Expect(left.empty(), "no object left after the query", left.empty() ? "" : left.front());
+        run.Expect(left.empty(), "no object is left after QueryInterface", left.empty() ? "" : left.front());
     }
 }
 
@@ -118,44 +118,33 @@ void queriesLeaveNothing(CheckRun& run) {
 std::vector<Check> InterfaceChecks() {
     const std::vector<const char*> counted = {"interface.host", "references.counting"};
     return {
-        {"interface.host",
-         "QueryInterface gives the installer's interface.",
-         "Result 0 and the instance itself in the result place.",
-         {"factory.right-type"},
-         &hostInterfaceIsGiven},
-        {"interface.iunknown",
-         "QueryInterface gives IUnknown, which is the same pointer.",
-         "The identity of an object is its IUnknown pointer.",
-         {"factory.right-type"},
-         &unknownInterfaceIsGiven},
-        {"interface.others",
-         "QueryInterface answers 0x80000004 for any other interface.",
-         "The identifier is compared as a whole; near ones are asked for as well.",
-         {"factory.right-type"},
-         &othersAreRefused},
-        {"interface.clears-place",
-         "A refused interface leaves null in the result place.",
-         "The installer looks at the pointer, not at the result.",
-         {"factory.right-type", "interface.others"},
-         &refusalClearsThePlace},
-        {"interface.adds-reference",
-         "Each interface that is given adds one reference.",
-         "Otherwise the installer's Release frees an instance that is still in use.",
-         {"interface.host", "interface.iunknown", "references.counting"},
-         &interfaceAddsReference},
-        {"interface.refusal-count",
-         "A refused interface adds no reference.",
-         "Otherwise the instance is never freed.",
-         {"interface.others", "references.counting"},
-         &refusalAddsNoReference},
-        {"interface.through-slot",
-         "The reference is added through the instance's own function block.",
-         "A host may put a function block of its own in front, to watch the counting.",
-         {"interface.adds-reference"},
-         &referenceGoesThroughSlot},
-        {"interface.nothing-left", "A query leaves no platform object behind.",
-         "The identifier object that is made for the comparison is released, whatever the answer.", counted,
-         &queriesLeaveNothing},
+        Check("interface.host", &hostInterfaceIsGiven, {"factory.right-type"})
+            .Claim("QueryInterface supports the installer's interface.")
+            .Reason("The result is 0, and the output pointer is the instance itself."),
+        Check("interface.iunknown", &unknownInterfaceIsGiven, {"factory.right-type"})
+            .Claim("QueryInterface supports IUnknown and returns the same pointer.")
+            .Reason("The IUnknown pointer is the identity of an object."),
+        Check("interface.others", &othersAreRefused, {"factory.right-type"})
+            .Claim("QueryInterface returns 0x80000004 for any other interface.")
+            .Reason("QueryInterface must compare all 16 bytes of the identifier. The check also asks for "
+                    "identifiers that differ in one bit."),
+        Check("interface.clears-place", &refusalClearsThePlace, {"factory.right-type", "interface.others"})
+            .Claim("QueryInterface sets the output pointer to null for an unsupported interface.")
+            .Reason("The installer tests the pointer and ignores the result."),
+        Check("interface.adds-reference", &interfaceAddsReference,
+              {"interface.host", "interface.iunknown", "references.counting"})
+            .Claim("Each successful QueryInterface call adds one reference.")
+            .Reason("Without this reference the installer's Release frees an instance that is still in use."),
+        Check("interface.refusal-count", &refusalAddsNoReference, {"interface.others", "references.counting"})
+            .Claim("A QueryInterface call for an unsupported interface adds no reference.")
+            .Reason("An additional reference keeps the instance from being freed."),
+        Check("interface.through-slot", &referenceGoesThroughSlot, {"interface.adds-reference"})
+            .Claim("QueryInterface adds the reference through the instance's function block.")
+            .Reason("A host may replace the function block to observe the reference count."),
+        Check("interface.nothing-left", &queriesLeaveNothing, counted)
+            .Claim("QueryInterface leaves no platform object behind.")
+            .Reason("QueryInterface must release the identifier object that it creates for the comparison, "
+                    "for supported and unsupported interfaces."),
     };
 }
 

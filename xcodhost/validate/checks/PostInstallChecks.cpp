@@ -13,7 +13,8 @@ namespace {
 
 std::string textValue(const char* text) { return std::string("(string) \"") + text + '"'; }
 
-/// What lies under the key now, as a tester reads it: the bare tag where it is a text.
+/// Returns the stored language for the report: the characters of a string, the description of any other
+/// value, or "(none)".
 std::string storedTag(const VolumeState& state, const ProductContract& product) {
     const auto file = state.preferences.find(product.domain);
     if (file == state.preferences.end()) return "(none)";
@@ -54,11 +55,11 @@ void languageIsReplaced(CheckRun& run) {
 void unknownProductStoresNothing(CheckRun& run) {
     for (const std::int32_t product : kUnknownProducts) {
         const Changes changes = run.Deliver(Event(kPostInstall, product, 11)).changes;
-        run.Expect(changes.preferences.empty(), "an unknown product gets no preferences", Describe(changes));
+        run.Expect(changes.preferences.empty(), "no preferences for an unknown product", Describe(changes));
     }
 }
 
-/// Whether there may be one is another check's matter.
+/// Returns whether the change is one of InstallStatus, which another check examines.
 bool isFailureText(const PreferenceChange& change) {
     return change.domain == kUpdaterDomain && change.key == kFailureKey;
 }
@@ -87,7 +88,7 @@ void storedInOrder(CheckRun& run) {
          "FSSetCatalogInfo \"/Applications/Korvane\"", "FSSetCatalogInfo \"/Applications/Korvane/Icon\\r\""});
 }
 
-/// The scopes stand last among the arguments of both calls.
+/// Both preference calls have the user scope and the host scope as their last two arguments.
 void scopesAreRight(CheckRun& run) {
     for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
         for (const macplatform::RecordedCall& entry : run.Deliver(Event(message, 4900)).calls) {
@@ -120,47 +121,37 @@ void otherKeysStay(CheckRun& run) {
 std::vector<Check> PostInstallChecks() {
     const std::vector<const char*> event = {"dispatch.post-install"};
     return {
-        {"post-install.language", "The installer's language is stored in the product's own preferences.",
-         "Lang in the product's domain, for each known product and each of the twelve language codes.", event,
-         &languageIsStored},
-        {"post-install.other-languages",
-         "A language that the products do not speak is stored as English.",
-         "Codes outside 0 to 11, negative ones too.",
-         {"post-install.language"},
-         &otherLanguagesAreEnglish},
-        {"post-install.replaces",
-         "A language that is stored already is replaced.",
-         "Users install again in another language.",
-         {"post-install.language"},
-         &languageIsReplaced},
-        {"post-install.unknown-product",
-         "An unknown product gets no preferences.",
-         "Codes are compared as 32 bits; near and far ones are tried.",
-         {"dispatch.post-install-alone", "pre-install.unknown-product"},
-         &unknownProductStoresNothing},
-        {"post-install.nothing-else",
-         "Post-install stores nothing else on the volume.",
-         "Two preference keys; no further file and no further key, with and without a status file.",
-         {"dispatch.post-install-alone"},
-         &nothingElseChanges},
-        {"post-install.order",
-         "Interval, language and Finder flags are stored in this order, each domain synchronised "
-         "after its "
-         "value.",
-         "A value that is set after the synchronisation is lost when the installer ends.",
-         {"post-install.nothing-else", "post-install.language", "status-file.interval", "finder.folder",
-          "finder.icon", "finder.other-items", "preferences.scope"},
-         &storedInOrder},
-        {"preferences.scope",
-         "Every preference is for any user on the current host.",
-         "The updater looks nowhere else.",
-         {"dispatch.pre-install", "dispatch.post-install"},
-         &scopesAreRight},
-        {"preferences.other-keys",
-         "Other keys of the same preferences stay as they are.",
-         "The updater and the products keep their own settings there.",
-         {"dispatch.pre-install", "dispatch.post-install"},
-         &otherKeysStay},
+        Check("post-install.language", &languageIsStored, event)
+            .Claim("Post-install stores the installer's language in the product's own preferences.")
+            .Reason("The key is Lang in the product's domain. The check uses each known product and each of "
+                    "the twelve language codes."),
+        Check("post-install.other-languages", &otherLanguagesAreEnglish, {"post-install.language"})
+            .Claim("Post-install stores English for any other language code.")
+            .Reason("The check uses codes below 0 and above 11."),
+        Check("post-install.replaces", &languageIsReplaced, {"post-install.language"})
+            .Claim("Post-install replaces a stored language.")
+            .Reason("Users install again in another language."),
+        Check("post-install.unknown-product", &unknownProductStoresNothing,
+              {"dispatch.post-install-alone", "pre-install.unknown-product"})
+            .Claim("Post-install stores no preference for an unknown product.")
+            .Reason("Post-install must compare all 32 bits of the product code. The check uses codes near "
+                    "the known ones and far from them."),
+        Check("post-install.nothing-else", &nothingElseChanges, {"dispatch.post-install-alone"})
+            .Claim("Post-install stores nothing else on the volume.")
+            .Reason("Post-install sets two preference keys. It changes no other key and no other file. The "
+                    "check runs with and without a status file."),
+        Check("post-install.order", &storedInOrder,
+              {"post-install.nothing-else", "post-install.language", "status-file.interval", "finder.folder",
+               "finder.icon", "finder.other-items", "preferences.scope"})
+            .Claim("Post-install stores the interval, the language and the Finder flags in this order.")
+            .Reason("Each domain is synchronised after its value. A value that is set after the "
+                    "synchronisation is lost when the installer ends."),
+        Check("preferences.scope", &scopesAreRight, {"dispatch.pre-install", "dispatch.post-install"})
+            .Claim("Every preference is stored for any user on the current host.")
+            .Reason("The updater reads only this scope."),
+        Check("preferences.other-keys", &otherKeysStay, {"dispatch.pre-install", "dispatch.post-install"})
+            .Claim("The plug-in does not change other keys of the same preferences.")
+            .Reason("The updater and the products store their own settings in the same files."),
     };
 }
 

@@ -57,31 +57,25 @@ void storedInOrder(CheckRun& run) {
 std::vector<Check> PreInstallChecks() {
     const std::vector<const char*> event = {"dispatch.pre-install"};
     return {
-        {"pre-install.version", "The product's version is stored under its key in the updater's preferences.",
-         "InstalledProducts/NAME/CurrentVersion in com.korvane.updater is the text 1.73, for each known "
-         "product. "
-         "The updater compares it with the newest one.",
-         event, &versionIsStored},
-        {"pre-install.replaces",
-         "A version that is stored already is replaced, whatever its type.",
-         "The file of an older installation may hold anything under the key.",
-         {"pre-install.version"},
-         &oldVersionIsReplaced},
-        {"pre-install.unknown-product",
-         "An unknown product is left alone.",
-         "No preference is stored. Codes are compared as 32 bits; near and far ones are tried.",
-         {"dispatch.pre-install-alone"},
-         &unknownProductHasNoEffect},
-        {"pre-install.nothing-else",
-         "Pre-install changes nothing else on the volume.",
-         "One preference key; no further file, key or Finder flag.",
-         {"dispatch.pre-install-alone"},
-         &nothingElseChanges},
-        {"pre-install.order",
-         "The value is set once, and then the domain is synchronised once.",
-         "A value that is set after the synchronisation is lost when the installer ends.",
-         {"pre-install.version", "pre-install.nothing-else", "preferences.scope"},
-         &storedInOrder},
+        Check("pre-install.version", &versionIsStored, event)
+            .Claim("Pre-install stores the product's version in the updater's preferences.")
+            .Reason("InstalledProducts/NAME/CurrentVersion in com.korvane.updater is the string 1.73 for "
+                    "each known product. The updater compares this version with the newest version."),
+        Check("pre-install.replaces", &oldVersionIsReplaced, {"pre-install.version"})
+            .Claim("Pre-install replaces a stored version of any type.")
+            .Reason("The file of an older installation may hold a value of another type."),
+        Check("pre-install.unknown-product", &unknownProductHasNoEffect, {"dispatch.pre-install-alone"})
+            .Claim("Pre-install has no effect for an unknown product.")
+            .Reason("Pre-install must compare all 32 bits of the product code. The check uses codes near the "
+                    "known ones and far from them."),
+        Check("pre-install.nothing-else", &nothingElseChanges, {"dispatch.pre-install-alone"})
+            .Claim("Pre-install changes nothing else on the volume.")
+            .Reason("Pre-install sets one preference key. It changes no other key, no other file and no "
+                    "Finder flag."),
+        Check("pre-install.order", &storedInOrder,
+              {"pre-install.version", "pre-install.nothing-else", "preferences.scope"})
+            .Claim("Pre-install sets the value once and then synchronises the domain once.")
+            .Reason("A value that is set after the synchronisation is lost when the installer ends."),
     };
 }
 

@@ -24,7 +24,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The bundle's whole life: both events, known and unknown product, a refused call.
+/// Uses one instance from its creation to its last Release: both events for known and unknown products,
+/// and a rejected call.
 void liveOnce(CheckRun& run) {
     run.WatchVolume(false);
     for (const std::int32_t product : {4900, 3100, 1234}) {
@@ -43,10 +44,10 @@ void noObjectIsLeft(CheckRun& run) {
     }
 }
 
-/// What the first runs allocate may stay, such as the C library's own buffers.
+/// The first runs may allocate memory that stays, for example buffers of the C library.
 void noMemoryGrows(CheckRun& run) {
     constexpr std::size_t lives = 50;
-    constexpr std::size_t smallestBlock = 32; // the C library's own caches may grow by a few of them
+    constexpr std::size_t smallestBlock = 32; // caches of the C library may grow by a few blocks of this size
     for (std::size_t i = 0; i < lives; ++i) liveOnce(run);
     run.ForgetObjects();
     const std::size_t before = mallinfo2().uordblks;
@@ -57,7 +58,7 @@ void noMemoryGrows(CheckRun& run) {
                Counted(left.size(), "object"));
     run.Expect(after < before + lives * smallestBlock,
                std::to_string(lives) + " further runs leave no memory allocated",
-               Counted(after - before, "byte") + " more");
+               Counted(after - before, "byte") + " left");
 }
 
 std::size_t entriesOf(const char* folder) {
@@ -76,10 +77,10 @@ void noThreadIsLeft(CheckRun& run) {
     const std::size_t before = entriesOf("/proc/self/task");
     liveOnce(run);
     const std::size_t after = entriesOf("/proc/self/task");
-    run.Expect(after == before, "no thread is started", Counted(after - before, "thread") + " more");
+    run.Expect(after == before, "no thread is started", Counted(after - before, "thread") + " started");
 }
 
-/// Numbers of the open descriptors; the one that reads the list is among them both times.
+/// Returns the numbers of the open descriptors. They include the descriptor that reads the directory.
 std::set<std::string> descriptors() {
     std::set<std::string> numbers;
     for (const auto& entry : fs::directory_iterator("/proc/self/fd")) numbers.insert(entry.path().filename());
@@ -114,16 +115,16 @@ void processStateStays(CheckRun& run) {
     const ProcessState before;
     liveOnce(run);
     const ProcessState after;
-    run.Expect(after.folder == before.folder, "working folder " + before.folder, after.folder);
+    run.Expect(after.folder == before.folder, "working directory " + before.folder, after.folder);
     run.Expect(after.mask == before.mask, "file mode mask " + Hex(before.mask, 4), Hex(after.mask, 4));
     run.Expect(after.locale == before.locale, "locale " + before.locale, after.locale);
     for (std::size_t i = 0; i < before.signals.size(); ++i) {
-        run.Expect(after.signals[i].sa_handler == before.signals[i].sa_handler, "the signals' handlers stay",
+        run.Expect(after.signals[i].sa_handler == before.signals[i].sa_handler, "unchanged signal handlers",
                    "another handler for signal " + std::to_string(i + 1));
     }
 }
 
-/// Standard output and standard error go to a file while one lives.
+/// Redirects standard output and standard error to a file. The destructor restores both.
 class CapturedOutput {
 public:
     explicit CapturedOutput(std::string path) : file(std::move(path)) {
@@ -168,7 +169,7 @@ void nothingIsWrittenOutside(CheckRun& run) {
             CheckRun inner(run.BundlePath(), folder, channel);
             watch();
             liveOnce(inner);
-        } catch (const Stopped&) { // told already
+        } catch (const Stopped&) { // the finding is already reported
         }
     };
     const WatchedRun watched = WatchWrites(folder, run.Parent(), runWatched);
@@ -182,30 +183,34 @@ std::vector<Check> ProcessChecks() {
     const std::vector<const char*> life = {"dispatch.pre-install", "dispatch.post-install",
                                            "references.zero"};
     return {
-        {"process.objects",
-         "Every platform object is released when the last reference is gone.",
-         "Strings, numbers, URLs, blocks of the Memory Manager and the rest; the report names each.",
-         {"dispatch.pre-install", "dispatch.post-install", "references.zero", "references.frees"},
-         &noObjectIsLeft},
-        {"process.growth",
-         "Further runs in the same process leave nothing either.",
-         "Installers of several products call the plug-in many times.",
-         {"process.objects", "process.threads"},
-         &noMemoryGrows},
-        {"process.processes", "No process is started.", "It would outlive the installation.", life,
-         &noProcessIsLeft},
-        {"process.threads", "No thread is started.", "The installer unloads the bundle's code.", life,
-         &noThreadIsLeft},
-        {"process.descriptors", "Every file that is opened is closed.", "The installer's process lives on.",
-         life, &descriptorsAreClosed},
-        {"process.state", "Working folder, file mode mask, locale and signal handlers stay.",
-         "They belong to the installer and its other plug-ins.", life, &processStateStays},
-        {"process.silent", "Nothing is printed.", "The installer's output is not the plug-in's.", life,
-         &nothingIsPrinted},
-        {"volume.nothing-outside", "Nothing is written outside the startup volume.",
-         "Every system call that makes, changes or removes something by its path is looked at, whoever makes "
-         "it.",
-         life, &nothingIsWrittenOutside},
+        Check("process.objects", &noObjectIsLeft,
+              {"dispatch.pre-install", "dispatch.post-install", "references.zero", "references.frees"})
+            .Claim("The plug-in releases every platform object by the time of its last Release.")
+            .Reason("Platform objects are strings, numbers, URLs, Memory Manager blocks and others. The "
+                    "report names each object that is left."),
+        Check("process.growth", &noMemoryGrows, {"process.objects", "process.threads"})
+            .Claim("Further runs in the same process leak no object and no memory.")
+            .Reason("Installers of several products call the plug-in many times."),
+        Check("process.processes", &noProcessIsLeft, life)
+            .Claim("The plug-in starts no process.")
+            .Reason("A process would outlive the installation."),
+        Check("process.threads", &noThreadIsLeft, life)
+            .Claim("The plug-in starts no thread.")
+            .Reason("The installer unloads the code that the thread runs."),
+        Check("process.descriptors", &descriptorsAreClosed, life)
+            .Claim("The plug-in closes every file that it opens.")
+            .Reason("The installer's process continues to run."),
+        Check("process.state", &processStateStays, life)
+            .Claim("The plug-in keeps the working directory, the file mode mask, the locale and the signal "
+                   "handlers.")
+            .Reason("They belong to the installer and to its other plug-ins."),
+        Check("process.silent", &nothingIsPrinted, life)
+            .Claim("The plug-in prints nothing.")
+            .Reason("The output streams belong to the installer."),
+        Check("volume.nothing-outside", &nothingIsWrittenOutside, life)
+            .Claim("The plug-in writes nothing outside the startup volume.")
+            .Reason("The check examines every system call of the plug-in and its child processes that "
+                    "creates, changes or removes an item."),
     };
 }
 

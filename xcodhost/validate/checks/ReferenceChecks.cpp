@@ -20,7 +20,7 @@ ULONG release(CheckRun& run, FunctionBlock** instance) {
 }
 
 void expectCount(CheckRun& run, ULONG wanted, ULONG seen, const char* call) {
-    run.Expect(seen == wanted, std::string(call) + " answers " + std::to_string(wanted),
+    run.Expect(seen == wanted, std::string(call) + " returns " + std::to_string(wanted),
                std::to_string(seen));
 }
 
@@ -30,19 +30,19 @@ void countsOneByOne(CheckRun& run) {
     expectCount(run, 1, release(run, instance), "Release");
 }
 
-/// The last answer is looked at apart from the others: the instance is freed behind it.
+/// A check of its own, because this call also frees the instance.
 void lastReleaseReturnsZero(CheckRun& run) {
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     expectCount(run, 0, release(run, instance), "the last Release");
 }
 
 void countsFar(CheckRun& run) {
-    constexpr ULONG many = 70000; // more than 16 bits hold
+    constexpr ULONG many = 70000; // more than 16 bits can count
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     ULONG count = 1;
     for (ULONG i = 0; i < many; ++i) count = (*instance)->AddRef(instance);
     expectCount(run, many + 1, count, "the last AddRef");
-    if (count != many + 1) return; // releasing would free it too early
+    if (count != many + 1) return; // the loop below would release a freed instance
     for (ULONG i = 0; i < many; ++i) count = (*instance)->Release(instance);
     expectCount(run, 1, count, "the last Release but one");
 }
@@ -59,12 +59,12 @@ void lastReleaseFrees(CheckRun& run) {
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     addReference(run, instance);
     release(run, instance);
-    run.Expect(hasBlock(run), "the record lives while a reference is held", "it was freed");
+    run.Expect(hasBlock(run), "the instance is allocated while it has a reference", "freed");
     release(run, instance);
-    run.Expect(!hasBlock(run), "the last Release frees the record", "it is still allocated");
+    run.Expect(!hasBlock(run), "the last Release frees the instance", "still allocated");
 }
 
-/// The installer lets go of its last reference while the main entry is still at work.
+/// Releases the last reference while the main entry runs.
 void releaseInsideCall(CheckRun& run) {
     FunctionBlock** const interface = run.Interface();
     bool isReleased = false;
@@ -74,8 +74,8 @@ void releaseInsideCall(CheckRun& run) {
         (*interface)->Release(interface);
     });
     const Outcome outcome = run.Deliver(Event(kPostInstall, 4900));
-    run.Expect(isReleased, "a preference is set during the event", "none was");
-    run.Expect(outcome.flagsAfter == 0, "the event ends as always",
+    run.Expect(isReleased, "the event sets a preference", "no preference is set");
+    run.Expect(outcome.flagsAfter == 0, "the event sets no error bit",
                "error flags " + Hex(outcome.flagsAfter, 8));
     run.Expect(!outcome.changes.preferences.empty(), "the event's preferences are stored",
                Describe(outcome.changes));
@@ -85,31 +85,24 @@ void releaseInsideCall(CheckRun& run) {
 
 std::vector<Check> ReferenceChecks() {
     return {
-        {"references.counting",
-         "AddRef and Release answer the new count, and a fresh instance has one reference.",
-         "AddRef on a fresh instance answers 2, Release then 1.",
-         {"function-block.slots"},
-         &countsOneByOne},
-        {"references.zero",
-         "The last Release answers 0.",
-         "The installer unloads the bundle on that answer.",
-         {"references.counting"},
-         &lastReleaseReturnsZero},
-        {"references.many",
-         "The count is exact over 70,000 references.",
-         "A count of 16 bits or less breaks this.",
-         {"references.counting"},
-         &countsFar},
-        {"references.frees",
-         "The last Release frees the instance's record, and no earlier one does.",
-         "The record is a Memory Manager block; the platform knows which of them are alive.",
-         {"references.counting", "factory.pointer-block"},
-         &lastReleaseFrees},
-        {"references.inside-call",
-         "The last reference may be released while the main entry is at work.",
-         "The event needs nothing of the instance: the parameter block is all that it is given.",
-         {"dispatch.post-install", "references.zero", "post-install.language"},
-         &releaseInsideCall},
+        Check("references.counting", &countsOneByOne, {"function-block.slots"})
+            .Claim("AddRef and Release return the new count, and a new instance has one reference.")
+            .Reason("On a new instance AddRef returns 2, and then Release returns 1."),
+        Check("references.zero", &lastReleaseReturnsZero, {"references.counting"})
+            .Claim("The last Release returns 0.")
+            .Reason("The installer unloads the bundle when Release returns 0."),
+        Check("references.many", &countsFar, {"references.counting"})
+            .Claim("The count is exact for 70,000 references.")
+            .Reason("A count of 16 bits or less overflows."),
+        Check("references.frees", &lastReleaseFrees, {"references.counting", "factory.pointer-block"})
+            .Claim("The last Release frees the instance, and no earlier Release does.")
+            .Reason(
+                "The instance is a Memory Manager block. The platform records which blocks are allocated."),
+        Check("references.inside-call", &releaseInsideCall,
+              {"dispatch.post-install", "references.zero", "post-install.language"})
+            .Claim("The host may release the last reference while the main entry runs.")
+            .Reason("An event must not use the instance. The parameter block holds everything that the event "
+                    "needs."),
     };
 }
 

@@ -76,7 +76,7 @@ void noFailureNoText(CheckRun& run) {
     }
 }
 
-/// The file is there, and the first call that opens it is refused.
+/// Delivers post-install for an existing status file that the plug-in fails to open.
 Outcome deliverUnreadable(CheckRun& run, std::uint32_t errorFlags) {
     run.UseFreshVolume(withStatus("UpdatesDisabled"));
     run.Interface();
@@ -101,7 +101,7 @@ void unreadableFileIsReported(CheckRun& run) {
 void unreadableFileIsNoError(CheckRun& run) {
     for (const std::uint32_t given : {0U, 0xFFFFFFFEU}) {
         const Outcome outcome = deliverUnreadable(run, given);
-        run.Expect(outcome.flagsAfter == given, "error flags " + Hex(given, 8) + " stay",
+        run.Expect(outcome.flagsAfter == given, "error flags " + Hex(given, 8) + " are kept",
                    Hex(outcome.flagsAfter, 8));
         run.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
     }
@@ -110,8 +110,8 @@ void unreadableFileIsNoError(CheckRun& run) {
 void unreadableFileLeavesTheRest(CheckRun& run) {
     const Outcome outcome = deliverUnreadable(run, 0);
     run.ExpectPreference("com.korvane.audioplugins.Fusewright", kLanguageKey, "(string) \"en\"");
-    run.Expect(outcome.changes.finderFlags.size() == 2,
-               "the language and both Finder flags are stored all the same", Describe(outcome.changes));
+    run.Expect(outcome.changes.finderFlags.size() == 2, "the language and both Finder flags are stored",
+               Describe(outcome.changes));
 }
 
 void fileIsOnlyRead(CheckRun& run) {
@@ -119,11 +119,11 @@ void fileIsOnlyRead(CheckRun& run) {
         run.UseFreshVolume(withStatus(text.bytes));
         const Outcome outcome = run.Deliver(Event(kPostInstall, 4900));
         for (const FileChange& change : outcome.changes.files) {
-            run.Expect(change.path != kStatusFile, "the status file stays as it is", change.what);
+            run.Expect(change.path != kStatusFile, "an unchanged status file", change.what);
         }
         std::ifstream in(run.OnVolume(kStatusFile), std::ios::binary);
         const std::string bytes(std::istreambuf_iterator<char>(in), {});
-        run.Expect(bytes == text.bytes, "the status file keeps its " + Counted(text.bytes.size(), "byte"),
+        run.Expect(bytes == text.bytes, "a status file of " + Counted(text.bytes.size(), "byte"),
                    Counted(bytes.size(), "byte"));
     }
 }
@@ -133,42 +133,36 @@ void fileIsOnlyRead(CheckRun& run) {
 std::vector<Check> StatusFileChecks() {
     const std::vector<const char*> event = {"dispatch.post-install"};
     return {
-        {"status-file.interval",
-         "UpdateInterval is 2 where the status file begins with UpdatesEnabled, and else 0.",
-         "The first 14 bytes count, upper and lower case apart; a NUL ends the text. Fifteen files are "
-         "tried, an empty one, "
-         "a long one and damaged ones among them.",
-         event, &intervalFollowsText},
-        {"status-file.products",
-         "Every known product reads the status file.",
-         "The updater is shared by all products.",
-         {"status-file.interval"},
-         &everyProductSetsInterval},
-        {"status-file.missing", "Without a status file UpdateInterval is 2.", "The updater has not run yet.",
-         event, &missingFileMeansDefault},
-        {"status-file.no-failure", "InstallStatus is not stored unless reading failed.",
-         "The updater takes it for a failure.", event, &noFailureNoText},
-        {"status-file.unreadable",
-         "With a status file that cannot be read UpdateInterval is 2.",
-         "Opening the file is refused, as for a file of another user.",
-         {"status-file.interval"},
-         &unreadableFileMeansDefault},
-        {"status-file.failure-text",
-         "With a status file that cannot be opened InstallStatus says \"Error opening file\".",
-         "The updater reads the reason there.",
-         {"status-file.interval"},
-         &unreadableFileIsReported},
-        {"status-file.failure-silent",
-         "A status file that cannot be read is no error to the installer or the user.",
-         "No error bit is set or cleared, no alert is shown.", event, &unreadableFileIsNoError},
-        {"status-file.failure-rest",
-         "Language and Finder flags are stored although the status file cannot be read.",
-         "The failure concerns the updater alone.",
-         {"status-file.failure-text", "post-install.language", "finder.folder", "finder.icon",
-          "finder.other-items"},
-         &unreadableFileLeavesTheRest},
-        {"status-file.kept", "The status file is only read.", "It is the updater's own.", event,
-         &fileIsOnlyRead},
+        Check("status-file.interval", &intervalFollowsText, event)
+            .Claim("UpdateInterval is 2 if the status file begins with UpdatesEnabled, and 0 otherwise.")
+            .Reason("Post-install compares the first 14 bytes and distinguishes upper and lower case. A NUL "
+                    "ends the text. The check uses fifteen files. Some are empty, long or damaged."),
+        Check("status-file.products", &everyProductSetsInterval, {"status-file.interval"})
+            .Claim("Post-install reads the status file for every known product.")
+            .Reason("All products share the updater."),
+        Check("status-file.missing", &missingFileMeansDefault, event)
+            .Claim("UpdateInterval is 2 if there is no status file.")
+            .Reason("The updater has not run yet."),
+        Check("status-file.no-failure", &noFailureNoText, event)
+            .Claim("Post-install stores InstallStatus only if it fails to read the status file.")
+            .Reason("The updater treats InstallStatus as a failure."),
+        Check("status-file.unreadable", &unreadableFileMeansDefault, {"status-file.interval"})
+            .Claim("UpdateInterval is 2 if the status file cannot be read.")
+            .Reason("The check makes the call that opens the file fail, as for a file of another user."),
+        Check("status-file.failure-text", &unreadableFileIsReported, {"status-file.interval"})
+            .Claim("InstallStatus is \"Error opening file\" if the status file cannot be opened.")
+            .Reason("The updater reads the reason of the failure from InstallStatus."),
+        Check("status-file.failure-silent", &unreadableFileIsNoError, event)
+            .Claim("An unreadable status file changes no error bit and shows no alert.")
+            .Reason("The failure concerns only the updater."),
+        Check("status-file.failure-rest", &unreadableFileLeavesTheRest,
+              {"status-file.failure-text", "post-install.language", "finder.folder", "finder.icon",
+               "finder.other-items"})
+            .Claim("Post-install stores the language and the Finder flags if the status file cannot be read.")
+            .Reason("The failure concerns only the updater."),
+        Check("status-file.kept", &fileIsOnlyRead, event)
+            .Claim("Post-install does not change the status file.")
+            .Reason("The status file belongs to the updater."),
     };
 }
 

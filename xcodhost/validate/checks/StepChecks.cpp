@@ -36,7 +36,7 @@ void stepsDoAsMainEntry(CheckRun& run) {
             run.UseFreshVolume();
             const std::string seen =
                 Describe(run.Deliver(Event(step, product.code, 2), Entry::kStep).changes);
-            run.Expect(seen == wanted, "as through the main entry: " + wanted, seen);
+            run.Expect(seen == wanted, "the same effects as the main entry: " + wanted, seen);
         }
     }
 }
@@ -61,7 +61,7 @@ void refusalShowsAlert(CheckRun& run) {
 void alertHasOneButton(CheckRun& run) {
     forEachRefusal(run, [&](const Outcome& outcome) {
         for (const macplatform::Alert& alert : outcome.alerts) {
-            run.Expect(alert.buttons.size() <= 1, "no button beside the alert's own",
+            run.Expect(alert.buttons.size() <= 1, "no button except the default button",
                        Counted(alert.buttons.size(), "button"));
         }
     });
@@ -78,7 +78,7 @@ void stopAlertFollows(CheckRun& run) {
 
 void nothingElseIsShown(CheckRun& run) {
     forEachRefusal(run, [&](const Outcome& outcome) {
-        run.Expect(outcome.alerts.size() <= 2, "one alert and one stop alert at most",
+        run.Expect(outcome.alerts.size() <= 2, "at most one alert and one stop alert",
                    Describe(outcome.alerts));
     });
 }
@@ -96,7 +96,8 @@ void refusalKeepsOtherBits(CheckRun& run) {
             ParameterBlock block = refused(step);
             block.SetErrorFlags(given);
             const std::uint32_t after = run.Deliver(block, Entry::kStep).flagsAfter;
-            run.Expect((after & ~1U) == given, "the other bits of " + Hex(given, 8) + " stay", Hex(after, 8));
+            run.Expect((after & ~1U) == given, "the other bits of " + Hex(given, 8) + " are kept",
+                       Hex(after, 8));
         }
     }
 }
@@ -111,7 +112,7 @@ void chosenButtonDoesNotMatter(CheckRun& run) {
             run.Answer(button);
             const Outcome outcome = run.Deliver(refused(step), Entry::kStep);
             run.Expect((outcome.flagsAfter & 1) != 0 && outcome.alerts.size() == 2,
-                       "both alerts and the error bit, whatever is answered",
+                       "both alerts and the error bit for any answer",
                        Describe(outcome.alerts) + ", error flags " + Hex(outcome.flagsAfter, 8));
         }
     }
@@ -133,43 +134,45 @@ void acceptedCallIsSilent(CheckRun& run) {
 std::vector<Check> StepChecks() {
     const std::vector<const char*> direct = {"steps.return"};
     return {
-        {"steps.null-block",
-         "The exported steps do nothing with a null block.",
-         "Unlike the main entry, they may be called without one.",
-         {"bundle.loads"},
-         &nullBlockDoesNothing},
-        {"steps.return",
-         "The exported steps come back, from events and from refused calls.",
-         "A crash, a hang, an exit or an exception is told with the call that it happened in.",
-         {"bundle.loads", "dispatch.pre-install", "dispatch.post-install"},
-         &stepsReturn},
-        {"steps.same-effects",
-         "The exported steps do what the main entry does for their event.",
-         "A host may call either.",
-         {"steps.return", "dispatch.pre-install-alone", "dispatch.post-install-alone"},
-         &stepsDoAsMainEntry},
-        {"steps.alert", "A step that is called with a wrong selector shows the alert first.",
-         "\"Unable to set post install option keys.\", the same text for both steps.", direct,
-         &refusalShowsAlert},
-        {"steps.alert-buttons", "The alert has the platform's own single button.",
-         "There is nothing to choose.", direct, &alertHasOneButton},
-        {"steps.stop-alert", "Stop alert 5000 follows the alert.",
-         "Its text lies in a resource of the installer.", direct, &stopAlertFollows},
-        {"steps.alerts-once", "A refused call shows no more than the two alerts.", "Each is shown once.",
-         direct, &nothingElseIsShown},
-        {"steps.error-bit", "A step that is called with a wrong selector sets bit 0 of the error flags.",
-         "The installer learns of the failure by this bit alone.", direct, &refusalSetsBit},
-        {"steps.other-bits", "A refused call of a step leaves the other error bits alone.",
-         "They are the host's and other plug-ins'.", direct, &refusalKeepsOtherBits},
-        {"steps.refused-idle", "A refused call of a step has no effect on the volume.",
-         "No preference is stored, no flag set.", direct, &refusalDoesNothingElse},
-        {"steps.answer",
-         "It makes no difference how the alerts are answered, or whether they could be shown.",
-         "An alert may be dismissed, or the machine may have no screen.",
-         {"steps.alert", "steps.stop-alert", "steps.alerts-once", "steps.error-bit"},
-         &chosenButtonDoesNotMatter},
-        {"steps.silent", "A step that is carried out shows no alert.",
-         "An unknown product is no error either.", direct, &acceptedCallIsSilent},
+        Check("steps.null-block", &nullBlockDoesNothing, {"bundle.loads"})
+            .Claim("The exported steps do nothing for a null block.")
+            .Reason("A host may call the exported steps without a block. The main entry always receives a "
+                    "block."),
+        Check("steps.return", &stepsReturn, {"bundle.loads", "dispatch.pre-install", "dispatch.post-install"})
+            .Claim("The exported steps return from events and from rejected calls.")
+            .Reason("The report names the call that crashes, hangs, exits or throws."),
+        Check("steps.same-effects", &stepsDoAsMainEntry,
+              {"steps.return", "dispatch.pre-install-alone", "dispatch.post-install-alone"})
+            .Claim("The exported steps have the same effects as the main entry.")
+            .Reason("A host may call the main entry or the exported steps."),
+        Check("steps.alert", &refusalShowsAlert, direct)
+            .Claim("A step that gets a wrong selector first shows the failure alert.")
+            .Reason("Both steps show the same text, \"Unable to set post install option keys.\""),
+        Check("steps.alert-buttons", &alertHasOneButton, direct)
+            .Claim("The alert has only the platform's default button.")
+            .Reason("The user has no choice to make."),
+        Check("steps.stop-alert", &stopAlertFollows, direct)
+            .Claim("Stop alert 5000 follows the alert.")
+            .Reason("The text of the stop alert is in a resource of the installer."),
+        Check("steps.alerts-once", &nothingElseIsShown, direct)
+            .Claim("A rejected call shows at most one alert and one stop alert.")
+            .Reason("The step shows each of the two once."),
+        Check("steps.error-bit", &refusalSetsBit, direct)
+            .Claim("A step that gets a wrong selector sets bit 0 of the error flags.")
+            .Reason("This bit is the only way to report the failure to the installer."),
+        Check("steps.other-bits", &refusalKeepsOtherBits, direct)
+            .Claim("A rejected call of a step does not change the other error bits.")
+            .Reason("The other bits belong to the host and to other plug-ins."),
+        Check("steps.refused-idle", &refusalDoesNothingElse, direct)
+            .Claim("A rejected call of a step has no effect on the volume.")
+            .Reason("The step stores no preference and sets no Finder flag."),
+        Check("steps.answer", &chosenButtonDoesNotMatter,
+              {"steps.alert", "steps.stop-alert", "steps.alerts-once", "steps.error-bit"})
+            .Claim("The answers to the alerts do not change the result of a rejected call.")
+            .Reason("The user may dismiss an alert. On a machine without a screen no alert is shown."),
+        Check("steps.silent", &acceptedCallIsSilent, direct)
+            .Claim("A step that gets the right selector shows no alert.")
+            .Reason("An unknown product is not an error."),
     };
 }
 

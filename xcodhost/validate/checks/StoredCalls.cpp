@@ -21,7 +21,8 @@ bool isStored(const Changes& changes, const PreferencePlace& place) {
                        });
 }
 
-/// Whether it is a wanted key that went to another domain instead of its own.
+/// Returns whether the change can be a missing wanted value that is stored in a wrong domain or
+/// under a wrong key.
 bool isStray(const Changes& changes, const PreferenceChange& change,
              const std::vector<PreferencePlace>& wanted) {
     return std::any_of(wanted.begin(), wanted.end(), [&](const PreferencePlace& place) {
@@ -54,7 +55,7 @@ void ExpectNothingBeside(CheckRun& run, const Changes& changes, const std::vecto
         run.Expect(isOurs, "no other preference changes", Line(change));
     }
     for (const FileChange& change : changes.files) {
-        run.Fail("no file but preferences changes", Printable(change.path) + ": " + change.what);
+        run.Fail("only preferences files change", Printable(change.path) + ": " + change.what);
     }
 }
 

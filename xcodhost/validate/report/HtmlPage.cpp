@@ -15,28 +15,43 @@ namespace {
 
 using State = CheckResult::State;
 
-constexpr const char* kStyle =
-    "body{font:15px/1.45 system-ui,sans-serif;margin:2rem auto;max-width:70rem;padding:0 "
-    "1rem;color:#1c1c1e;background:#fff}"
-    "h1{font-size:1.5rem}h2{font-size:1.2rem;margin-top:2.2rem;border-bottom:1px solid "
-    "#d0d0d5;padding-bottom:.2rem}"
-    "h3{font-size:1rem;margin:1.6rem 0 .4rem}"
-    ".verdict{font-size:1.15rem;font-weight:600;padding:.7rem 1rem;border-radius:.4rem;margin:1rem 0}"
-    ".verdict.passed{background:#e3f5e6;color:#14532d}.verdict.failed{background:#fde8e8;color:#7f1d1d}"
-    "table{border-collapse:collapse;width:100%;margin:.5rem 0}"
-    "th,td{text-align:left;padding:.3rem .6rem;border-bottom:1px solid #e5e5ea;vertical-align:top}"
-    "th{background:#f5f5f7;font-weight:600}td.id,code,pre{font-family:ui-monospace,monospace;font-size:.88em}"
-    "td.id{white-space:nowrap}.grid td,.grid th{text-align:center}.grid th:first-child{text-align:left}"
-    ".mark{white-space:nowrap;font-weight:600}.passed .mark,td.right{color:#15803d}"
-    ".failed .mark,td.wrong{color:#b91c1c}.failed,td.wrong{background:#fff5f5}.skipped .mark{color:#6b7280}"
-    "pre{white-space:pre-wrap;overflow-wrap:anywhere;background:#f5f5f7;padding:.6rem;border-radius:.3rem;"
-    "margin:.4rem 0}"
-    "td.value{overflow-wrap:anywhere}"
-    "@media(prefers-color-scheme:dark){body{background:#1c1c1e;color:#f2f2f7}th,pre{background:#2c2c2e}"
-    "th,td{border-color:#3a3a3c}h2{border-color:#48484a}.failed,td.wrong{background:#3b1f1f}"
-    ".verdict.passed{background:#14352a;color:#bbf7d0}.verdict.failed{background:#4c1d1d;color:#fecaca}"
-    ".passed .mark,td.right{color:#4ade80}.failed .mark,td.wrong{color:#f87171}}"
-    "@media print{body{margin:0;max-width:none}}";
+constexpr const char* kStyle = R"(
+body { font: 15px/1.45 system-ui, sans-serif; margin: 2rem auto; max-width: 70rem; padding: 0 1rem;
+    color: #1c1c1e; background: #fff }
+h1 { font-size: 1.5rem }
+h2 { font-size: 1.2rem; margin-top: 2.2rem; border-bottom: 1px solid #d0d0d5; padding-bottom: .2rem }
+h3 { font-size: 1rem; margin: 1.6rem 0 .4rem }
+.verdict { font-size: 1.15rem; font-weight: 600; padding: .7rem 1rem; border-radius: .4rem; margin: 1rem 0 }
+.verdict.passed { background: #e3f5e6; color: #14532d }
+.verdict.failed { background: #fde8e8; color: #7f1d1d }
+table { border-collapse: collapse; width: 100%; margin: .5rem 0 }
+th, td { text-align: left; padding: .3rem .6rem; border-bottom: 1px solid #e5e5ea; vertical-align: top }
+th { background: #f5f5f7; font-weight: 600 }
+td.id, code, pre { font-family: ui-monospace, monospace; font-size: .88em }
+td.id { white-space: nowrap }
+td.value { overflow-wrap: anywhere }
+.grid td, .grid th { text-align: center }
+.grid th:first-child { text-align: left }
+.mark { white-space: nowrap; font-weight: 600 }
+.passed .mark, td.right { color: #15803d }
+.failed .mark, td.wrong { color: #b91c1c }
+.failed, td.wrong { background: #fff5f5 }
+.skipped .mark { color: #6b7280 }
+pre { white-space: pre-wrap; overflow-wrap: anywhere; background: #f5f5f7; padding: .6rem; border-radius: .3rem;
+    margin: .4rem 0 }
+@media (prefers-color-scheme: dark) {
+    body { background: #1c1c1e; color: #f2f2f7 }
+    th, pre { background: #2c2c2e }
+    th, td { border-color: #3a3a3c }
+    h2 { border-color: #48484a }
+    .failed, td.wrong { background: #3b1f1f }
+    .verdict.passed { background: #14352a; color: #bbf7d0 }
+    .verdict.failed { background: #4c1d1d; color: #fecaca }
+    .passed .mark, td.right { color: #4ade80 }
+    .failed .mark, td.wrong { color: #f87171 }
+}
+@media print { body { margin: 0; max-width: none } }
+)";
 
 std::string element(const std::string& tag, const std::string& content) {
     return '<' + tag + '>' + content + "</" + tag.substr(0, tag.find(' ')) + ">\n";
@@ -59,7 +74,7 @@ std::string checkRow(const BundleResult& bundle, const CheckResult& result) {
            "</td><td class=\"id\">" + MarkupText(result.check->id) + "</td><td>" + text + "</td></tr>\n";
 }
 
-/// Those that did not pass come first.
+/// Lists failed checks first, then checks that were not run, then passed checks.
 std::string checkTable(const BundleResult& bundle) {
     std::string rows;
     for (const State state : {State::kFailed, State::kNotRun, State::kPassed}) {
@@ -68,7 +83,7 @@ std::string checkTable(const BundleResult& bundle) {
         }
     }
     return element("h3", "Checks") +
-           element("table", "<tr><th>Result</th><th>Check</th><th>What holds</th></tr>\n" + rows);
+           element("table", "<tr><th>Result</th><th>Check</th><th>Claim</th></tr>\n" + rows);
 }
 
 std::string languageCell(const BundleResult& bundle, std::int32_t product, std::int32_t language) {
@@ -122,7 +137,8 @@ bool hasPassed(const BundleResult& bundle, const char* id) {
     });
 }
 
-/// Both events on a new sample volume for each product, in French: a language of its own, unlike most codes.
+/// Runs both events for each product on a new sample volume. Uses French, because most
+/// language codes mean English.
 std::string volumeTables(const BundleResult& bundle) {
     if (!hasPassed(bundle, "dispatch.pre-install") || !hasPassed(bundle, "dispatch.post-install")) return {};
     std::string text = element("h3", "The volume before and after an installation in French");

@@ -7,9 +7,9 @@
 
 namespace xcodhost {
 
-/// One page that needs nothing beside it: the verdict, the checks, the table of products by languages, and
-/// what an installation of each product changes on a sample volume. The last is found by runs of its own,
-/// for bundles whose events come back.
+/// Returns an HTML page without external files: the verdict, the checks, the table of products and languages,
+/// and the changes that an installation of each product makes on a sample volume. Runs the bundle once for
+/// each product to find these changes, if both events return.
 std::string HtmlPage(const std::vector<BundleResult>& bundles, const ValidationVerdict& verdict);
 
 } // namespace xcodhost

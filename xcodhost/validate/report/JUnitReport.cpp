@@ -11,7 +11,7 @@ namespace {
 
 using State = CheckResult::State;
 
-/// Seconds with a point, whatever the locale.
+/// Returns the seconds with three decimals and a decimal point in every locale.
 std::string timeText(double seconds) {
     const auto milliseconds = std::llround(seconds * 1000);
     const std::string rest = std::to_string(milliseconds % 1000);

@@ -7,8 +7,8 @@
 
 namespace xcodhost {
 
-/// The results in the XML form that build servers read: a suite for each bundle, a case for each check, those
-/// that were not run as skipped.
+/// Returns the results as JUnit XML, which build servers read: a test suite for each bundle and a test case
+/// for each check.
 std::string JUnitReport(const std::vector<BundleResult>& bundles);
 
 } // namespace xcodhost

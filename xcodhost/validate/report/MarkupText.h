@@ -5,7 +5,8 @@
 
 namespace xcodhost {
 
-/// A text as XML or HTML content or attribute value: printable, with the markup's own characters escaped.
+/// Returns the text as content or attribute value of XML and HTML: escapes &, <, > and quotes, and replaces
+/// unprintable characters as `Printable` does.
 std::string MarkupText(std::string_view text);
 
 } // namespace xcodhost

@@ -1,5 +1,7 @@
 #pragma once
 
+/// The report of `xcodhost validate` as text and as JSON, and the parts that the other reports share.
+
 #include "Console.h"
 #include "validate/Validation.h"
 
@@ -8,23 +10,23 @@
 
 namespace xcodhost {
 
-/// What a person reads; the last line is the verdict over all bundles.
+/// Returns the report for a person. The last line is the verdict on all bundles.
 std::string ValidateReport(const std::vector<BundleResult>& bundles, const ValidationVerdict& verdict,
                            const Style& style);
 
-/// One JSON document; docs/xcodhost.md describes its keys.
+/// Returns the report as one JSON document. docs/xcodhost.md describes its keys.
 std::string ValidateReportJson(const std::vector<BundleResult>& bundles, const ValidationVerdict& verdict);
 
-/// What a failed check says, line by line: call, expected, seen.
+/// Returns the lines of a failed check: call, expected and seen of each finding, and the bundle's output.
 std::vector<std::string> FindingLines(const CheckResult& result);
 
-/// The command that runs one check alone, fit for a shell.
+/// Returns the shell command that runs only this check.
 std::string RepeatCommand(const std::string& bundle, const CheckResult& result);
 
-/// "passed", "failed", "not run"
+/// Returns "passed", "failed" or "not run".
 const char* StateName(CheckResult::State state);
 
-/// Of one bundle alone.
+/// Returns the verdict on one bundle.
 ValidationVerdict Judge(const BundleResult& bundle);
 
 } // namespace xcodhost

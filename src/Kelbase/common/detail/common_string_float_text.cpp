@@ -27,10 +27,10 @@ char letterOf(const checked_value<unsigned int>& format) {
     return 'f';
 }
 
-/// A number from 0 to less than 2^63 in binary, with 128 bits behind its point.
+/// A number from 0 to less than 2^63 with a binary fraction of 128 bits.
 ///
-/// They hold every fraction to its last bit from 2^-76 on. Below that the fraction is taken for 0, which
-/// changes no digit: none but zeros are among the first nine.
+/// The fraction is exact for numbers from 2^-76. A smaller number is stored as 0. This error changes no
+/// digit, because the first nine decimals of such a number are zeros.
 class FixedPoint {
 public:
     explicit FixedPoint(double v) {
@@ -52,8 +52,8 @@ public:
         }
     }
 
-    /// Makes the number a whole number of parts, `power` to each whole, rounded to the nearest, halves to
-    /// the even one. Answers the parts that are left beside the wholes.
+    /// Rounds the number to a multiple of 1 / `power`, half to even. Returns the fraction as a multiple of 1
+    /// / `power`. `Whole` then returns the integer part.
     unsigned int RoundToParts(unsigned int power) {
         const Product low = Times(lower, power), high = Times(upper, power);
         const std::uint64_t rest = high.low + low.high;
@@ -79,7 +79,7 @@ private:
     }
 
     std::uint64_t whole = 0;
-    std::uint64_t upper = 0, lower = 0; // of the fraction
+    std::uint64_t upper = 0, lower = 0; // the two halves of the fraction
 };
 
 } // namespace
@@ -97,7 +97,8 @@ FloatText::FloatText(double value, unsigned int precision, const checked_value<u
     length = std::min(static_cast<std::size_t>(std::max(written, 0)), sizeof capacity - 1);
 }
 
-/// By exact integers. False for numbers of 2^63 and more and for more than nine digits behind the point.
+/// Writes the number with exact integer arithmetic. Returns false for numbers from 2^63 and for
+/// more than nine decimals.
 bool FloatText::WriteFixed(double value, unsigned int precision, char point) {
     if (std::fabs(value) >= 9223372036854775808.0 || precision >= std::size(kPowersOfTen)) return false;
     FixedPoint number(std::fabs(value));
@@ -115,8 +116,8 @@ bool FloatText::WriteFixed(double value, unsigned int precision, char point) {
     return true;
 }
 
-/// Uses the C++ library, which prints as the C library does, but for the point. Returns false where the C++
-/// library has no such function.
+/// Writes the number with the C++ library, whose result differs from that of the C library only in the
+/// decimal separator. Returns false if the C++ library has no such function.
 bool FloatText::WriteScientific([[maybe_unused]] double value, [[maybe_unused]] unsigned int precision,
                                 [[maybe_unused]] char point) {
 #ifdef __cpp_lib_to_chars

@@ -4,16 +4,18 @@
 
 #include <string_view>
 
-/// A floating-point number as snprintf writes it in the process's locale.
+/// The text of a floating-point number, equal to the output of snprintf in the locale of the process.
 class FloatText {
 public:
     static constexpr unsigned int kNoPrecision = 0xFFFFFFFF;
 
-    /// `format` is the conversion letter; anything but f F e E g G is f. `precision` is cut to 99.
+    /// `format` is the conversion letter: f, F, e, E, g or G. Any other value means f. `precision` is at most
+    /// 99; a larger value is replaced by 99. `noPrecision` means 6.
     FloatText(double value, unsigned int precision, const checked_value<unsigned int>& format);
     FloatText(const FloatText&) = delete;
     FloatText& operator=(const FloatText&) = delete;
 
+    /// Returns the text. The view is valid as long as the object exists.
     std::string_view View() const { return {first, length}; }
 
 private:

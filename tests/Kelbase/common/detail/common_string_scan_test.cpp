@@ -11,7 +11,7 @@ namespace text_scan {
 
 namespace {
 
-/// Up to 80 bytes of a few that matter to a scan.
+/// Returns a random text of up to 80 characters of the alphabet.
 std::string textOf(const std::string& alphabet, std::mt19937& random) {
     std::string text(random() % 81, '\0');
     for (char& c : text) c = alphabet[random() % alphabet.size()];
@@ -26,9 +26,9 @@ std::string wordsOf(const std::string& text, char* (*write)(std::string_view, ch
 
 } // namespace
 
-// Texts long enough for several blocks of sixteen bytes with a rest, each in a buffer of its own, so that the
-// sanitizers see a byte read too much.
-TEST(TextScan, AgreesWithScalarCode) {
+// The texts have several blocks of sixteen bytes and a rest. Each text has its own buffer, so that the
+// sanitizers detect a read past its end.
+TEST(TextScan, AgreesWithTheScalarFunctions) {
     std::mt19937 random(4711);
     for (int round = 0; round < 20000; ++round) {
         const std::string text = textOf("aAbB@[`{", random);

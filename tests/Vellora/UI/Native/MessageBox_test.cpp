@@ -4,11 +4,12 @@
 #include <macplatform/Alerts.h>
 #include <macplatform/LiveObjects.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 static bool gDialogsAllowed = true;
 
-// In the place of the library's.
+// Replaces the library's definition.
 bool Util::IsModalDialogAllowed() { return gDialogsAllowed; }
 
 namespace {
@@ -20,7 +21,7 @@ struct MessageBox : testing::Test {
     MessageBox() {
         macplatform::SetAlertResponder([this](const macplatform::Alert& alert) {
             shown.push_back(alert);
-            return answer;
+            return chosenButton;
         });
     }
     ~MessageBox() override {
@@ -28,46 +29,61 @@ struct MessageBox : testing::Test {
         gDialogsAllowed = true;
         EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore);
     }
-    int answer = 0;
+    int chosenButton = 0;
     std::vector<macplatform::Alert> shown;
     std::size_t liveBefore = macplatform::LiveObjectCount();
 };
 
+/// A kind of message box.
 struct Kind {
+    explicit Kind(bool (*show)(bool& cancelled)) : ask(show) {}
+    Kind& Buttons(Texts titles) {
+        buttons = std::move(titles);
+        return *this;
+    }
+    /// Sets the result for each button, and last for a box that cannot be shown.
+    Kind& Results(std::vector<bool> values) {
+        results = std::move(values);
+        return *this;
+    }
+    /// Sets the value of the flag for each button, and last for a box that cannot be shown. Without this call
+    /// the flag must not change.
+    Kind& Cancelled(std::vector<bool> values) {
+        cancelled = std::move(values);
+        return *this;
+    }
+
     bool (*ask)(bool& cancelled);
     Texts buttons;
-    std::vector<bool> results; ///< For each button from the first, and at last where nothing could be shown.
-    std::vector<bool> cancelled; ///< Empty: the flag is left alone.
+    std::vector<bool> results;
+    std::vector<bool> cancelled;
 };
 
 const std::vector<Kind> kKinds = {
-    {[](bool&) { return MessageOKCancel(nullptr, "T", "M", OKCancelFocus::kSecondButton, false); },
-     {"OK", "Cancel"},
-     {true, false, false},
-     {}},
-    {[](bool&) { return MessageYesNo(nullptr, "T", "M", YesNoFocus::kFirstButton, true); },
-     {"Yes", "No"},
-     {true, false, false},
-     {}},
-    {[](bool& flag) {
-         return MessageYesNoCancel(flag, nullptr, "T", "M", YesNoCancelFocus::kThirdButton, false);
-     },
-     {"Yes", "Cancel", "No"},
-     {true, false, false, false},
-     {false, true, false, true}},
-    {[](bool&) { return MessageRetryCancel(nullptr, "T", "M", RetryCancelFocus::kFirstButton, false); },
-     {"OK", "Cancel", "Retry", "Cancel"},
-     {true, false, false, false, false},
-     {}},
+    Kind([](bool&) { return MessageOKCancel(nullptr, "T", "M", OKCancelFocus::kSecondButton, false); })
+        .Buttons({"OK", "Cancel"})
+        .Results({true, false, false}),
+    Kind([](bool&) { return MessageYesNo(nullptr, "T", "M", YesNoFocus::kFirstButton, true); })
+        .Buttons({"Yes", "No"})
+        .Results({true, false, false}),
+    Kind([](bool& flag) {
+        return MessageYesNoCancel(flag, nullptr, "T", "M", YesNoCancelFocus::kThirdButton, false);
+    })
+        .Buttons({"Yes", "Cancel", "No"})
+        .Results({true, false, false, false})
+        .Cancelled({false, true, false, true}),
+    Kind([](bool&) { return MessageRetryCancel(nullptr, "T", "M", RetryCancelFocus::kFirstButton, false); })
+        .Buttons({"OK", "Cancel", "Retry", "Cancel"})
+        .Results({true, false, false, false, false}),
 };
 
-TEST_F(MessageBox, ReturnsTheChosenButton) {
+TEST_F(MessageBox, ReturnsTheResultOfTheChosenButton) {
     for (const Kind& kind : kKinds) {
         for (std::size_t i = 0; i < 2 * kind.results.size(); ++i) {
             const std::size_t button = i / 2;
             const bool flagBefore = i % 2 != 0;
             SCOPED_TRACE(testing::PrintToString(kind.buttons) + ", button " + std::to_string(button));
-            answer = button < kind.buttons.size() ? static_cast<int>(button) : -1;
+            chosenButton = button < kind.buttons.size() ? static_cast<int>(button) : -1;
             bool cancelled = flagBefore;
             EXPECT_EQ(kind.ask(cancelled), kind.results[button]);
             EXPECT_EQ(cancelled, kind.cancelled.empty() ? flagBefore : kind.cancelled[button]);
@@ -77,7 +93,7 @@ TEST_F(MessageBox, ReturnsTheChosenButton) {
     }
 }
 
-TEST_F(MessageBox, ShowsNothingWhereNoDialogIsAllowed) {
+TEST_F(MessageBox, ShowsNothingIfDialogsAreForbidden) {
     gDialogsAllowed = false;
     for (const Kind& kind : kKinds) {
         for (bool cancelled : {false, true}) {
@@ -91,7 +107,7 @@ TEST_F(MessageBox, ShowsNothingWhereNoDialogIsAllowed) {
     EXPECT_TRUE(shown.empty());
 }
 
-TEST_F(MessageBox, OKShowsTheMessageWithThePlatformsOwnButton) {
+TEST_F(MessageBox, OKShowsTheMessageAndTheDefaultButton) {
     MessageOK(nullptr, "T", "Caf\xC3\xA9", false);
     MessageOK(nullptr, "T", String(), false);
     MessageOK(nullptr, "T", "not \xE9 UTF-8", false);
