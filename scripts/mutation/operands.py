@@ -1,4 +1,4 @@
-"""What the text alone tells about an expression, and other values for constants."""
+"""What an expression means as far as its text shows it, and other values for constants."""
 
 import re
 

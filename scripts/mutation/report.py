@@ -36,8 +36,8 @@ class Counts:
     @property
     def percent(self):
         """The share of survivors among the faults that are not known to be equivalent."""
-        tried = self.planted - self.equivalent
-        return 100 * self.survived / tried if tried else 0.0
+        reviewed = self.planted - self.equivalent
+        return 100 * self.survived / reviewed if reviewed else 0.0
 
     def lines(self):
         """Returns the counts as text."""

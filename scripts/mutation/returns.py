@@ -1,4 +1,4 @@
-"""Other values for a returned one, where the header of the function tells its type."""
+"""Other values for a returned one, where the header of the function shows its type."""
 
 NUMBERS = {
     "int", "long", "short", "unsigned", "char", "float", "double", "size_t", "ssize_t", "int8_t", "int16_t", "int32_t", "int64_t",
@@ -10,7 +10,7 @@ EMPTY = {"string", "vector", "optional", "map", "set", "String"}
 
 
 def kind_of(source, function):
-    """Returns "condition", "number", "pointer" or "object" for a function's type, or None when its header does not tell."""
+    """Returns "condition", "number", "pointer" or "object" for a function's type, or None when its header does not show it."""
     if function.is_lambda:
         return None
     words, index = [], function.header

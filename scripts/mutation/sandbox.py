@@ -39,21 +39,21 @@ def ask(request):
             errors = []
             reader = threading.Thread(target=lambda: errors.append(process.stderr.read()))
             reader.start()
-            answer = process.stdout.read()
+            response = process.stdout.read()
             reader.join()
         except BrokenPipeError:
-            answer, errors = "", [process.stderr.read()]
+            response, errors = "", [process.stderr.read()]
         finally:
             process.kill()
             with _lock:
                 _running.discard(process)
     try:
-        answer = json.loads(answer)
+        response = json.loads(response)
     except ValueError:
         raise Unavailable(f"the sandbox ended: {errors[0].strip() or 'no message'}") from None
-    if "problem" in answer:
-        raise Unavailable(answer["problem"])
-    return answer["result"]
+    if "problem" in response:
+        raise Unavailable(response["problem"])
+    return response["result"]
 
 
 def end_all():

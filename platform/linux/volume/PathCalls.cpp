@@ -408,7 +408,7 @@ char* resolvedOnVolume(const char* path, Make make) {
     const auto resolve = [&](const char* hostPath) -> char* {
         char* const resolvedPath = make(hostPath);
         if (!resolvedPath || !LiesInStartupVolume(resolvedPath)) return resolvedPath;
-        const std::string onMac = MacPath(resolvedPath); // shorter than `answer`
+        const std::string onMac = MacPath(resolvedPath); // shorter than `resolvedPath`
         std::memcpy(resolvedPath, onMac.c_str(), onMac.size() + 1);
         return resolvedPath;
     };

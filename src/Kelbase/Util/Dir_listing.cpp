@@ -89,7 +89,7 @@ private:
     std::string reshaped;
 };
 
-/// Returns whether `d_type` says that an entry is a regular file. Returns absent if only stat can tell.
+/// Returns whether `d_type` says that an entry is a regular file. Returns absent if `stat` is needed.
 std::optional<bool> isRecordedAsFile(const dirent& entry) {
     switch (entry.d_type) {
     case DT_REG:
