@@ -11,8 +11,8 @@
 namespace xcodhost {
 
 struct WatchedRun {
-    std::vector<std::string>
-        calls;           ///< Each call that changes an item outside, for example `openat "/tmp/x"`.
+    /// Each call that changes an item outside, for example `openat "/tmp/x"`.
+    std::vector<std::string> calls;
     std::string problem; ///< Why the run was not traced. Empty if the run was traced.
 };
 
