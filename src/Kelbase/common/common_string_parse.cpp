@@ -95,12 +95,16 @@ struct Integer {
 template <typename U>
 bool scanUInt(const char*& p, unsigned int base, U& value) {
     constexpr U largest = std::numeric_limits<U>::max();
-    const unsigned long long mostBeforeDigit = largest / base;
     unsigned long long sum = 0;
     for (; checkCharInBase(*p, base); ++p) {
         const unsigned int digit = digitOf(*p).value;
-        if (sum > mostBeforeDigit || digit > largest - sum * base) return false;
-        sum = sum * base + digit;
+        if constexpr (sizeof(U) < sizeof sum) { // the product of two 32-bit numbers and a digit fit 64 bits
+            sum = sum * base + digit;
+            if (sum > largest) return false;
+        } else {
+            if (sum > largest / base || digit > largest - sum * base) return false;
+            sum = sum * base + digit;
+        }
     }
     value = static_cast<U>(sum);
     return true;
