@@ -1,11 +1,12 @@
-"""Mounts of a sandbox: everything is read-only but a throw-away layer over the workspace and private /tmp and /dev."""
+"""Mounts of a sandbox: everything is read-only but a throw-away layer over the workspace and private /tmp, /dev and /run."""
 
 import ctypes
 import os
 import pathlib
 
 MS_RDONLY, MS_NOSUID, MS_NODEV, MS_NOEXEC, MS_REMOUNT, MS_BIND, MS_REC = 1, 2, 4, 8, 32, 4096, 16384
-KEPT = {"ro": MS_RDONLY, "nosuid": MS_NOSUID, "nodev": MS_NODEV, "noexec": MS_NOEXEC}
+KEPT = {"ro": MS_RDONLY, "nosuid": MS_NOSUID, "nodev": MS_NODEV, "noexec": MS_NOEXEC, "noatime": 1 << 10, "nodiratime": 1 << 11,
+        "relatime": 1 << 21}
 LAYER_SIZE = "3g"  # bounds what a faulty program can write
 DEVICES = ("null", "zero", "full", "random", "urandom", "tty")
 PROTECTED = ("sys", "sysrq-trigger", "irq", "bus", "fs")  # in /proc
@@ -68,13 +69,14 @@ def isolate(workspace, scratch):
     """
     mount("tmpfs", scratch, "tmpfs", MS_NOSUID | MS_NODEV, f"mode=755,size={LAYER_SIZE}")
     layer = pathlib.Path(scratch)
-    for name in ("upper", "work", "merged", "tmp", "dev"):
+    for name in ("upper", "work", "merged", "tmp", "dev", "run"):
         (layer / name).mkdir()
     (layer / "tmp").chmod(0o1777)
     mount("overlay", layer / "merged", "overlay", 0, f"lowerdir={workspace},upperdir={layer}/upper,workdir={layer}/work")
     _make_devices(layer / "dev")
     _make_others_read_only(scratch)
     bind(layer / "dev", "/dev")
+    bind(layer / "run", "/run")  # without the sockets of services
     if workspace.startswith("/tmp/"):
         inside = layer / "tmp" / os.path.relpath(workspace, "/tmp")
         inside.mkdir(parents=True)
