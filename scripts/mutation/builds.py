@@ -7,7 +7,8 @@ import subprocess
 
 from mutation import layout, trace
 
-FLAGS = "-O0 -w -DNDEBUG"
+FLAGS = "-w -DNDEBUG"
+OPTIMIZED = "-O1"  # faults that the compiler proves to have no effect leave the object code as it was
 LINKERS = (("mold", "mold"), ("ld.lld", "lld"), ("ld.gold", "gold"))  # fastest first
 ROUNDS = 8  # of leaving out sources that cannot be traced
 
@@ -81,14 +82,14 @@ def _build(build, jobs):
     """Returns the output of a failed build, or None."""
     done = subprocess.run(["ninja", "-C", str(build), f"-j{jobs}"], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                           check=False)
-    return None if done.returncode == 0 else done.stdout
+    return None if done.returncode == 0 else f"{done.stdout}ninja ended with status {done.returncode}"
 
 
 def prepare(jobs):
     """Refreshes the copy that faults are planted in, and builds it. Throws BuildFailed."""
     layout.SCRATCH.mkdir(parents=True, exist_ok=True)
     refresh(layout.TREE)
-    _configure(layout.TREE, layout.BUILD, "")
+    _configure(layout.TREE, layout.BUILD, OPTIMIZED)
     problem = _build(layout.BUILD, jobs)
     if problem:
         raise BuildFailed(f"the tree does not build\n{problem[-3000:]}")
