@@ -1,4 +1,4 @@
-"""Planting faults one after the other: what became of each."""
+"""Planting faults: what became of each."""
 
 import concurrent.futures
 import dataclasses
@@ -12,35 +12,51 @@ from mutation.faults import Fault
 
 HISTORY = layout.WORKSPACE / "history.json"
 DISCARDED = ("unbuildable", "unchanged")
+TOGETHER = 12  # faults that are planted together for deferred tests
+PIECE_SECONDS = 10.0
 MOST_OBJECTS = 2  # that are compiled before the programs to see whether the fault changes them
 
 
 @dataclasses.dataclass
 class Outcome:
-    """What became of a fault. `number` is its place in the order of the seed; `noticed_by` is a test, or how it was noticed."""
+    """What became of a fault. `number` is its place in the order of the seed.
+
+    `result` is "noticed", "survived", "equivalent", "unbuildable", "unchanged" (the object code) or, while the cases in `later`
+    have not been run, "deferred".
+    """
 
     number: int
     fault: Fault
     result: str
-    noticed_by: str = ""
+    note: str = ""
     seconds: float = 0.0
-    reason: str = ""
+    later: list = dataclasses.field(default_factory=list)
 
 
 class Pool:
-    """Carries out work in threads, shows how far it is, and ends the sandboxes when it is interrupted."""
+    """Carries out work in threads, and ends the sandboxes when it is interrupted."""
 
     def __init__(self, jobs):
         self.jobs = jobs
 
-    def __call__(self, work, items, label):
-        """Yields each item with its result, in the order in which they are done."""
+    def __call__(self, work, items, label=None):
+        """Yields each item with its result, in the order in which they are done; shows how far it is."""
+        waiting = iter(items)
+        total, done = len(items) if label else 0, 0
         with concurrent.futures.ThreadPoolExecutor(self.jobs) as executor:
-            waiting = {executor.submit(work, item): item for item in items}
+            running = {}
             try:
-                for done, future in enumerate(concurrent.futures.as_completed(waiting), 1):
-                    print(f"mutate: {label}: {done} of {len(waiting)} runs", file=sys.stderr)
-                    yield waiting[future], future.result()
+                while True:
+                    # asked for only when a thread is free, as what is done so far may decide what follows
+                    while len(running) < self.jobs and (item := next(waiting, None)) is not None:
+                        running[executor.submit(work, item)] = item
+                    if not running:
+                        return
+                    for future in concurrent.futures.wait(running, return_when=concurrent.futures.FIRST_COMPLETED).done:
+                        done += 1
+                        if label:
+                            print(f"mutate: {label}: {done} of {total} runs", file=sys.stderr)
+                        yield running.pop(future), future.result()
             except BaseException:
                 executor.shutdown(wait=False, cancel_futures=True)
                 sandbox.end_all()
@@ -58,63 +74,97 @@ def load_history():
 class Campaign:
     """One run over chosen faults. `reasons` are those of the reviewed equivalent changes."""
 
-    def __init__(self, ranking, reasons, jobs, thorough):
-        self.ranking, self.reasons, self.jobs, self.thorough = ranking, reasons, jobs, thorough
+    def __init__(self, ranking, reasons, pool, thorough):
+        self.ranking, self.reasons, self.pool, self.thorough = ranking, reasons, pool, thorough
+        self.planted = 0
 
     def run(self, faults, count):
-        """Yields the outcome of each numbered fault until `count` of them were planted.
+        """Yields the outcome of each numbered fault until `count` of them are planted; that of a deferred one once more.
 
         Discarded ones are replaced by the following ones. Which faults are chosen does not depend on the number of jobs.
         """
-        waiting, planted = iter(faults), 0
-        with concurrent.futures.ThreadPoolExecutor(self.jobs) as executor:
-            running = set()
-            try:
-                while True:
-                    while len(running) < self.jobs and planted < count and (chosen := next(waiting, None)):
-                        running.add(executor.submit(self._outcome, *chosen))
-                        planted += 1
-                    if not running:
-                        return
-                    done, running = concurrent.futures.wait(running, return_when=concurrent.futures.FIRST_COMPLETED)
-                    for future in done:
-                        outcome = future.result()
-                        planted -= outcome.result in DISCARDED
-                        self._remember(outcome)
-                        yield outcome
-            except BaseException:
-                executor.shutdown(wait=False, cancel_futures=True)
-                sandbox.end_all()
-                raise
+        deferred = []
+        for _, outcome in self.pool(self._alone, self._chosen(faults, count)):
+            if outcome.result in DISCARDED:
+                self.planted -= 1
+            if outcome.result == "deferred":
+                deferred.append(outcome)
+            self._remember(outcome)
+            yield outcome
+        for outcome in self._later(deferred):
+            self._remember(outcome)
+            yield outcome
 
-    def _outcome(self, number, fault):
+    def _chosen(self, faults, count):
+        """Yields faults until `count` are planted; None while that depends on faults that are being run."""
+        for fault in faults:
+            while self.planted >= count:
+                yield None
+            self.planted += 1
+            yield fault
+
+    def _alone(self, numbered):
+        """Runs the most promising tests with a fault."""
+        number, fault = numbered
         reason = self.reasons.get((fault.path, fault.before, fault.after))
         if reason is not None:
-            return Outcome(number, fault, "equivalent", reason=reason)
+            return Outcome(number, fault, "equivalent", reason)
         began = time.monotonic()
-        result = sandbox.ask(self._request(fault))
-        outcome = Outcome(number, fault, result["outcome"], seconds=time.monotonic() - began)
-        if outcome.result == "noticed":
-            names = testcases.noticing(result)
-            outcome.noticed_by = (names[0] if names else result["program"].rsplit("/", 1)[-1])
-            outcome.noticed_by += "" if result["end"] == "failed" else f" ({result['end']})"
-        elif outcome.result == "survived" and not self.ranking.covering(fault)[0]:
-            outcome.reason = "no test executes it"
+        batches, later = self.ranking.batches(fault)
+        result = sandbox.ask("fault", self._request([fault], batches))
+        if self.thorough:
+            asked = {case.label for batch in [*batches, later] for case in batch}
+            later = later + [case for case in self.ranking.dependents(fault.path) if case.label not in asked]
+        outcome = Outcome(number, fault, result["outcome"], _note(result), time.monotonic() - began, later)
+        if outcome.result == "survived":
+            outcome.result = "deferred" if later else "survived"
+            outcome.note = "" if batches else "no test executes it"
         return outcome
 
-    def _request(self, fault):
-        ranking = self.ranking
-        batches = ranking.batches(fault)
-        if self.thorough:
-            asked = {case.name for batch in batches for case in batch}
-            rest = [case for case in ranking.dependents(fault.path) if case.name not in asked]
-            batches += [rest] if rest else []
-        objects = ranking.graph.objects(fault.path)
-        compared = objects if fault.path.endswith(".cpp") and len(objects) <= MOST_OBJECTS else []
-        text = (layout.TREE / fault.path).read_text(encoding="utf-8")
+    def _later(self, deferred):
+        """Runs the deferred tests once with several faults, then those that fail with each fault alone; yields the outcomes."""
+        groups = _groups(deferred)
+        failing = [set() for _ in groups]
+        shares = [(index, share) for index, group in enumerate(groups) for share in self._shares(group)]
+        for (index, _), labels in self.pool(lambda item: self._failing(groups[item[0]], item[1]), shares, "long tests"):
+            failing[index].update(labels)
+        items = [(outcome, labels) for group, labels in zip(groups, failing) for outcome in group]
+        for (outcome, _), result in self.pool(self._each, items):
+            outcome.result, outcome.note = result["outcome"], _note(result)
+            yield outcome
+
+    def _shares(self, group):
+        """Returns the deferred cases of a group in parts that take about the same time."""
+        labels = {case.label for outcome in group for case in outcome.later}
+        shares = [[] for _ in range(self.pool.jobs)]
+        for case in sorted((case for case in self.ranking.cases if case.label in labels), key=lambda each: -each.seconds):
+            min(shares, key=lambda share: sum(other.seconds for other in share)).append(case)
+        return [share for share in shares if share]
+
+    def _failing(self, group, cases):
+        return sandbox.ask("failing", self._request([outcome.fault for outcome in group], _pieces(cases)))
+
+    def _each(self, item):
+        """Returns the result of the failing cases with one fault alone."""
+        outcome, labels = item
+        cases = [case for case in self.ranking.dependents(outcome.fault.path) if case.label in labels]
+        if not cases:
+            return {"outcome": "survived"}
+        return sandbox.ask("fault", self._request([outcome.fault], [self.ranking.ordered(cases, outcome.fault)]))
+
+    def _request(self, faults, batches):
+        sources, objects = {}, []
+        # a fault does not move those before it
+        for fault in sorted(faults, key=lambda each: each.start, reverse=True):
+            place = str(layout.TREE / fault.path)
+            text = sources.get(place) or (layout.TREE / fault.path).read_text(encoding="utf-8")
+            sources[place] = fault.planted_in(text)
+            objects += self.ranking.graph.objects(fault.path)
+        is_compared = len(faults) == 1 and faults[0].path.endswith(".cpp") and len(objects) <= MOST_OBJECTS
+        compared = objects if is_compared else []
         return {
-            "build": str(layout.BUILD), "source": str(layout.TREE / fault.path), "text": fault.planted_in(text),
-            "objects": compared, "compiled": compared or (batches[0] and _targets(batches[0]) if batches else objects[:1]),
+            "build": str(layout.BUILD), "sources": sources, "objects": compared,
+            "compiled": compared or (_targets(batches[0]) if batches else objects[:1]),
             "batches": [{"targets": _targets(batch), "runs": testcases.runs(batch, _limit)} for batch in batches],
         }
 
@@ -122,13 +172,47 @@ class Campaign:
         """Notes in the history which test noticed the fault."""
         if outcome.result == "noticed":
             noticed = self.ranking.history.setdefault(outcome.fault.path, {})
-            name = outcome.noticed_by.split(" (")[0]
-            noticed[name] = noticed.get(name, 0) + 1
+            label = outcome.note.split(" (")[0]
+            noticed[label] = noticed.get(label, 0) + 1
             HISTORY.write_text(json.dumps(self.ranking.history), encoding="utf-8")
 
 
+def _groups(deferred):
+    """Returns the outcomes in groups whose faults can be planted together: never two in one function."""
+    groups = [[] for _ in range(-(-len(deferred) // TOGETHER))]
+    for outcome in sorted(deferred, key=lambda each: each.number):
+        fitting = [group for group in groups if not any(_is_near(outcome.fault, other.fault) for other in group)]
+        if not fitting:
+            groups.append([])
+            fitting = groups[-1:]
+        min(fitting, key=len).append(outcome)
+    return groups
+
+
+def _note(result):
+    if result["outcome"] != "noticed":
+        return ""
+    return result["by"] + ("" if result["end"] == "failed" else f" ({result['end']})")
+
+
+def _is_near(fault, other):
+    return fault.path == other.path and fault.nearby[0] <= other.nearby[1] and other.nearby[0] <= fault.nearby[1]
+
+
+def _pieces(cases):
+    """Returns the cases in batches of little duration, so that a program that hangs is ended soon."""
+    pieces, seconds = [[]], 0.0
+    for case in cases:
+        if seconds > PIECE_SECONDS:
+            pieces.append([])
+            seconds = 0.0
+        pieces[-1].append(case)
+        seconds += case.seconds
+    return pieces
+
+
 def _limit(cases):
-    """Returns the seconds after which a program that runs the cases has been noticed to hang."""
+    """Returns the seconds after which a program that runs the cases is taken to hang."""
     return 10 + 3 * sum(case.seconds for case in cases)
 
 

@@ -1,6 +1,5 @@
 """Test cases: what ctest would run, which files each depends on, and how to run several in one process."""
 
-import collections
 import dataclasses
 import hashlib
 import json
@@ -32,6 +31,11 @@ class Case:
     targets: tuple
     seconds: float = 0.0
     hits: int | None = None
+
+    @property
+    def label(self):
+        """The name by which results of runs refer to the case."""
+        return self.filter or self.program
 
 
 def _ninja(build, *arguments):
@@ -120,18 +124,24 @@ def _case(build, graph, test):
 
 def runs(cases, limit):
     """Returns how to run the cases, each program once, as a session is asked for it. `limit` gives seconds for cases."""
-    programs = collections.OrderedDict()
+    programs = {}
     for case in cases:
         programs.setdefault(case.program, []).append(case)
     return [_run(group, limit(group)) for group in programs.values()]
 
 
 def _run(group, seconds):
-    command = group[0].command
-    if group[0].filter is not None:
-        command = [command[0], FILTER + ":".join(case.filter for case in group), "--gtest_fail_fast", "--gtest_color=no"]
-    return {"program": group[0].program, "command": command, "directory": group[0].directory, "environment": group[0].environment,
-            "seconds": seconds}
+    first = group[0]
+    filters = [case.filter for case in group] if first.filter is not None else None
+    return {"program": first.program, "command": first.command, "filters": filters, "directory": first.directory,
+            "environment": first.environment, "seconds": seconds}
+
+
+def command(run):
+    """Returns the command line of a run."""
+    if run["filters"] is None:
+        return run["command"]
+    return [run["command"][0], FILTER + ":".join(run["filters"]), "--gtest_color=no"]
 
 
 def durations(output):
@@ -140,11 +150,12 @@ def durations(output):
     return {name: int(milliseconds) / 1000 for name, milliseconds in found}
 
 
-def noticing(result):
-    """Returns the names of the cases of a gtest program that failed or were running when it ended."""
-    output = result["output"]
+def noticing(run, output):
+    """Returns the labels of the cases of a run that failed or were running when the program ended."""
+    if run["filters"] is None:
+        return [run["program"]]
     failed = re.findall(r"^\[  FAILED  \] (\S+?)(?:, where .*)? \(\d+ ms\)$", output, re.MULTILINE)
     started = re.findall(r"^\[ RUN      \] (\S+)$", output, re.MULTILINE)
     if not failed and started and started[-1] not in durations(output):
         failed = [started[-1]]
-    return failed
+    return failed or run["filters"]

@@ -59,7 +59,7 @@ def _run_groups(pool, groups, memory, keys, label):
     others = []
 
     def ask(group):
-        return sandbox.ask({"runs": testcases.runs(group, _first_limit)})[0]
+        return sandbox.ask("learning", {"runs": testcases.runs(group, _first_limit)})[0]
 
     for group, result in pool(ask, groups, label):
         seconds = testcases.durations(result["output"])
@@ -102,7 +102,7 @@ def follow(pool, graph, cases, bases):
 
     def ask(group):
         runs = [testcases.runs([case], _first_limit)[0] for case in group]
-        return sandbox.ask({"runs": runs, "hits": trace.FILE, "size": trace.SIZE})
+        return sandbox.ask("learning", {"runs": runs, "hits": trace.FILE, "size": trace.SIZE})
 
     with Memory() as memory:
         unknown = [case for case in cases if memory.get(case, "traced") != keys[case.name]]

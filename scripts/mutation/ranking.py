@@ -2,7 +2,8 @@
 
 import functools
 
-BATCHES = ((1.5, 2), (8.0, 6), (30.0, 99))  # seconds and programs of the first batches; the rest follows in one
+BATCHES = ((1.5, 2), (6.0, 6))  # seconds and programs of the batches that are run for each fault
+FEW = 5.0  # seconds of further cases that are not worth being deferred
 LOADING = 0.1  # seconds that a case costs beside its own duration
 
 
@@ -52,12 +53,12 @@ class Ranking:
 
         def rank(case):
             cost = LOADING + case.seconds
-            return -noticed.get(case.name, 0) / cost, -self._score(case, fault) / cost, cost
+            return -noticed.get(case.label, 0) / cost, -self._score(case, fault) / cost, cost
 
         return sorted(cases, key=rank)
 
     def batches(self, fault):
-        """Returns lists of cases to be run one after the other until one notices the fault."""
+        """Returns lists of cases to be run one after the other until one notices the fault, and the cases left for later."""
         cases, _ = self.covering(fault)
         waiting = self.ordered(cases, fault)
         batches = []
@@ -72,4 +73,6 @@ class Ranking:
             if batch:
                 batches.append(batch)
             waiting = later
-        return batches + ([waiting] if waiting else [])
+        if waiting and sum(case.seconds for case in waiting) <= FEW:
+            return [*batches, waiting], []
+        return batches, waiting

@@ -3,9 +3,10 @@
 
 def progress(done, count, outcome):
     """Returns a line for a fault that was dealt with."""
-    by = f" by {outcome.noticed_by}" if outcome.noticed_by else ""
+    note = f" ({outcome.note})" if outcome.note else ""
+    later = f" for {len(outcome.later)} long tests" if outcome.result == "deferred" else ""
     return (f"[{done:3}/{count}] #{outcome.number} {outcome.fault.path}:{outcome.fault.line} {outcome.fault.kind}: "
-            f"{outcome.result}{by} ({outcome.seconds:.1f} s)")
+            f"{outcome.result}{later}{note}, {outcome.seconds:.1f} s")
 
 
 def change(fault):
@@ -20,7 +21,7 @@ def numbered(number, fault):
 
 def survivor(outcome):
     """Returns the line for a fault that nothing noticed."""
-    return numbered(outcome.number, outcome.fault) + (f"  [{outcome.reason}]" if outcome.reason else "")
+    return numbered(outcome.number, outcome.fault) + (f"  [{outcome.note}]" if outcome.note else "")
 
 
 class Counts:
@@ -31,13 +32,13 @@ class Counts:
         self.noticed, self.survived = names.count("noticed"), names.count("survived")
         self.equivalent = names.count("equivalent")
         self.unbuildable, self.unchanged = names.count("unbuildable"), names.count("unchanged")
-        self.planted = self.noticed + self.survived + self.equivalent
+        self.planted = self.noticed + self.survived + self.equivalent + names.count("deferred")
 
     @property
     def percent(self):
         """The share of survivors among the faults that are not known to be equivalent."""
-        reviewed = self.planted - self.equivalent
-        return 100 * self.survived / reviewed if reviewed else 0.0
+        counted = self.planted - self.equivalent
+        return 100 * self.survived / counted if counted else 0.0
 
     def lines(self):
         """Returns the counts as text."""

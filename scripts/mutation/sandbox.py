@@ -11,49 +11,51 @@ from mutation import layout
 
 SESSION = pathlib.Path(__file__).with_name("session.py")
 NAMESPACES = ["unshare", "--mount", "--pid", "--net", "--ipc", "--fork", "--kill-child"]
-AS_USER = ["--user", "--map-root-user"]
+AS_ROOT = ["--user", "--map-root-user"] if os.geteuid() != 0 else []
 
 _running = set()
 _lock = threading.Lock()
 
 
 class Unavailable(Exception):
-    """This machine grants no sandbox; the message says why."""
+    """There is no sandbox; the message says why."""
 
 
-def _command():
-    as_user = AS_USER if os.geteuid() != 0 else []
-    return [*NAMESPACES, *as_user, sys.executable, "-IBS", str(SESSION)]
-
-
-def ask(request):
-    """Carries out a request in a sandbox of its own; returns the results. Throws Unavailable."""
-    request = {"workspace": str(layout.WORKSPACE), "scratch": str(layout.SCRATCH), **request}
-    with subprocess.Popen(_command(), stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-                          start_new_session=True) as process:
-        with _lock:
-            _running.add(process)
-        try:
-            process.stdin.write(json.dumps(request) + "\n")
-            process.stdin.flush()
-            errors = []
-            reader = threading.Thread(target=lambda: errors.append(process.stderr.read()))
-            reader.start()
-            response = process.stdout.read()
-            reader.join()
-        except BrokenPipeError:
-            response, errors = "", [process.stderr.read()]
-        finally:
-            process.kill()
-            with _lock:
-                _running.discard(process)
+def _reply(process, request):
+    """Sends the request; returns what the sandbox prints on standard output and standard error."""
+    with _lock:
+        _running.add(process)
     try:
-        response = json.loads(response)
+        # Standard input stays open until the reply is there: the sandbox ends with it.
+        process.stdin.write(json.dumps(request) + "\n")
+        process.stdin.flush()
+        errors = []
+        reader = threading.Thread(target=lambda: errors.append(process.stderr.read()))
+        reader.start()
+        reply = process.stdout.read()
+        reader.join()
+        return reply, errors[0]
+    except BrokenPipeError:
+        return "", process.stderr.read()
+    finally:
+        process.kill()
+        with _lock:
+            _running.discard(process)
+
+
+def ask(method, request):
+    """Calls a method of `session.Session` in a sandbox of its own; returns its result. Throws Unavailable."""
+    request = {"ask": method, "workspace": str(layout.WORKSPACE), "scratch": str(layout.SCRATCH), **request}
+    with subprocess.Popen([*NAMESPACES, *AS_ROOT, sys.executable, "-IBS", str(SESSION)], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE, text=True, start_new_session=True) as process:
+        reply, errors = _reply(process, request)
+    try:
+        reply = json.loads(reply)
     except ValueError:
-        raise Unavailable(f"the sandbox ended: {errors[0].strip() or 'no message'}") from None
-    if "problem" in response:
-        raise Unavailable(response["problem"])
-    return response["result"]
+        raise Unavailable(f"the sandbox ended: {errors.strip() or 'no message'}") from None
+    if "problem" in reply:
+        raise Unavailable(reply["problem"])
+    return reply["result"]
 
 
 def end_all():

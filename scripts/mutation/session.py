@@ -14,7 +14,7 @@ import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
-from mutation import isolation, trace  # noqa: E402, beside this file
+from mutation import cases, isolation, trace  # noqa: E402, beside this file
 
 MEMORY_LIMIT = 2 << 30  # of all processes of a program together
 PROCESS_LIMIT = 500
@@ -151,47 +151,64 @@ class Session:
         self.request = request
 
     def _build(self, targets):
-        return run(["ninja", "-j1", *targets], self.request["build"], {"CCACHE_DISABLE": "1"}, BUILD_SECONDS)
+        return run(["ninja", "-j1", *targets], self.request["build"], {"CCACHE_DISABLE": "1"}, BUILD_SECONDS)["end"] == "passed"
 
     def _objects(self):
-        return [pathlib.Path(self.request["build"], name).read_bytes() for name in self.request.get("objects", [])]
+        return [pathlib.Path(self.request["build"], name).read_bytes() for name in self.request["objects"]]
 
     def _plant(self):
-        """Plants the fault and compiles it; returns why it is no fault to be noticed, or None."""
+        """Writes the changed sources and compiles them; returns why there is no fault to be noticed, or None."""
         before = self._objects()
-        pathlib.Path(self.request["source"]).write_text(self.request["text"], encoding="utf-8")
-        if self._build(self.request["compiled"])["end"] != "passed":
+        for name, text in self.request["sources"].items():
+            pathlib.Path(name).write_text(text, encoding="utf-8")
+        if not self._build(self.request["compiled"]):
             return "unbuildable"
         return "unchanged" if before and before == self._objects() else None
 
+    def _run(self, program, *options):
+        command = [*cases.command(program), *(options if program["filters"] is not None else ())]
+        return run(command, program["directory"], program["environment"], program["seconds"])
+
     def _batch(self, batch):
         """Runs the programs of a batch; returns the result of the first that does not pass, or None."""
-        if self._build(batch["targets"])["end"] != "passed":
+        if not self._build(batch["targets"]):
             return {"outcome": "unbuildable"}
         for program in batch["runs"]:
-            result = self._run(program)
+            result = self._run(program, "--gtest_fail_fast")
             if result["end"] == "time":  # another look, as the machine may have been busy
-                result = self._run(program)
+                result = self._run(program, "--gtest_fail_fast")
             if result["end"] != "passed":
-                return {"outcome": "noticed", "program": program["program"], **result}
+                return {"outcome": "noticed", "end": result["end"], "by": cases.noticing(program, result["output"])[0]}
         return None
 
-    @staticmethod
-    def _run(program):
-        return run(program["command"], program["directory"], program["environment"], program["seconds"])
-
     def fault(self):
-        """Returns what became of a fault: "outcome", "build" seconds, and the run that noticed it."""
-        began = time.monotonic()
+        """Returns the outcome of the planted fault, and the test that noticed it: nothing is run after the first."""
         reason = self._plant()
-        built = round(time.monotonic() - began, 3)
         if reason:
-            return {"outcome": reason, "build": built}
-        for batch in self.request["batches"]:
-            result = self._batch(batch)
-            if result:
-                return {**result, "build": built}
-        return {"outcome": "survived", "build": built}
+            return {"outcome": reason}
+        results = (self._batch(batch) for batch in self.request["batches"])
+        return next((result for result in results if result), {"outcome": "survived"})
+
+    def failing(self):
+        """Returns the labels of all cases that do not pass with the planted faults."""
+        self._plant()
+        return [label for batch in self.request["batches"] if self._build(batch["targets"])
+                for program in batch["runs"] for label in self._failing(program)]
+
+    def _failing(self, program):
+        """Returns the labels of the cases of a run that do not pass; goes on behind each that ends the program."""
+        failed = []
+        while program["filters"] != []:
+            result = self._run(program)
+            if result["end"] == "passed":
+                break
+            labels = cases.noticing(program, result["output"])
+            failed += labels
+            if program["filters"] is None:
+                break
+            passed = cases.durations(result["output"])
+            program["filters"] = [label for label in program["filters"] if label not in labels and label not in passed]
+        return failed
 
     def learning(self):
         """Returns the result of every run, with what it executed where the request names a file of hits."""
@@ -216,8 +233,7 @@ def main():
     except OSError as error:
         print(json.dumps({"problem": str(error)}))
         return
-    session = Session(request)
-    print(json.dumps({"result": session.fault() if "source" in request else session.learning()}))
+    print(json.dumps({"result": getattr(Session(request), request["ask"])()}))
 
 
 if __name__ == "__main__":
