@@ -11,7 +11,10 @@ from mutation import layout
 
 SESSION = pathlib.Path(__file__).with_name("session.py")
 NAMESPACES = ["unshare", "--mount", "--pid", "--net", "--ipc", "--fork", "--kill-child"]
-AS_ROOT = ["--user", "--map-root-user"] if os.geteuid() != 0 else []
+IS_ROOT = os.geteuid() == 0
+# Others get the rights to mount in a user namespace. In a second one tests run as the user who started the tool.
+AS_ROOT = [] if IS_ROOT else ["--user", "--map-root-user"]
+AS_USER = [] if IS_ROOT else ["unshare", "--user", f"--map-user={os.getuid()}", f"--map-group={os.getgid()}"]
 
 _running = set()
 _lock = threading.Lock()
@@ -45,7 +48,7 @@ def _reply(process, request):
 
 def ask(method, request):
     """Calls a method of `session.Session` in a sandbox of its own; returns its result. Throws Unavailable."""
-    request = {"ask": method, "workspace": str(layout.WORKSPACE), "scratch": str(layout.SCRATCH), **request}
+    request = {"ask": method, "prefix": AS_USER, "workspace": str(layout.WORKSPACE), "scratch": str(layout.SCRATCH), **request}
     with subprocess.Popen([*NAMESPACES, *AS_ROOT, sys.executable, "-IBS", str(SESSION)], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                           stderr=subprocess.PIPE, text=True, start_new_session=True) as process:
         reply, errors = _reply(process, request)

@@ -166,7 +166,7 @@ class Session:
         return "unchanged" if before and before == self._objects() else None
 
     def _run(self, program, *options):
-        command = [*cases.command(program), *(options if program["filters"] is not None else ())]
+        command = [*self.request["prefix"], *cases.command(program), *(options if program["filters"] is not None else ())]
         return run(command, program["directory"], program["environment"], program["seconds"])
 
     def _batch(self, batch):
