@@ -45,6 +45,16 @@ def excess():
     return "memory" if pages * PAGE > MEMORY_LIMIT else None
 
 
+def restore_signals():
+    """Gives every signal its default effect: this interpreter ignores SIGPIPE, and the process that started it may ignore others."""
+    for number in signal.valid_signals() - {signal.SIGKILL, signal.SIGSTOP}:
+        try:
+            signal.signal(number, signal.SIG_DFL)
+        except OSError:  # the C library's own
+            continue
+    signal.pthread_sigmask(signal.SIG_SETMASK, ())
+
+
 def start(command, directory, environment):
     """Starts a program in a session of its own; returns its process id and the reading end of its output."""
     output, inner = os.pipe()
@@ -52,6 +62,7 @@ def start(command, directory, environment):
     if process == 0:
         try:
             os.setsid()
+            restore_signals()
             os.dup2(os.open(os.devnull, os.O_RDONLY), 0)
             os.dup2(inner, 1)
             os.dup2(inner, 2)
