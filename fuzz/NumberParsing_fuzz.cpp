@@ -1,9 +1,8 @@
 // Parses numbers. The results must equal those of a second implementation that has no fast paths.
 
+#include "NumberModel.h"
 #include "Property.h"
 #include "Text.h"
-
-#include <tests/support/NumberModel.h>
 
 #include <cmath>
 

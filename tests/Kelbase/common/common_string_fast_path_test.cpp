@@ -5,7 +5,7 @@
 
 #include "Kelbase/common/TextBytes.h"
 #include "support/CommaLocale.h"
-#include "support/NumberModel.h"
+#include <fuzz/NumberModel.h>
 
 #include <gtest/gtest.h>
 
