@@ -77,7 +77,8 @@ TEST(DirListing, ReturnsNamesThatMatchThePattern) {
 
 TEST(DirListing, ClassifiesEntriesByTheirTarget) {
     const TemporaryFolder folder;
-    for (const char* name : {"with blank", "line\nbreak", "\xff\xfe", "sub/file", "sub\\file", "sub\\none"})
+    for (const char* name : {"with blank", "line\nbreak", "\xff\xfe", "sub/file", "sub/take", "sub\\file",
+                             "sub\\take", "sub\\nil", "sub\\no", "sub\\none"})
         folder.Write(name);
     for (const auto& [to, link] :
          {std::pair{"with blank", "link"}, {"sub", "linked"}, {"nothing", "dead"}, {"turning", "turning"}})
@@ -92,19 +93,30 @@ TEST(DirListing, ClassifiesEntriesByTheirTarget) {
 
     // A backslash is a separator: the entry "sub\file" is classified as the file "file" in "sub".
     EXPECT_THAT(filesIn(folder.Path()),
-                ElementsAre("line\nbreak", "link", "sub\\file", "with blank", "\xff\xfe"));
+                ElementsAre("line\nbreak", "link", "sub\\file", "sub\\take", "with blank", "\xff\xfe"));
     EXPECT_THAT(foldersIn(folder.Path()), ElementsAre("linked", "pipe", "socket", "sub"));
     EXPECT_THAT(filesIn(folder.Path(), "*", true),
                 ElementsAre("line\nbreak", "link", "linked", "pipe", "socket", "sub", "sub\\file",
-                            "with blank", "\xff\xfe"));
+                            "sub\\take", "with blank", "\xff\xfe"));
     for (const char* end : {"", "/", "//"}) { // a path as text is used unchanged
         const String text((folder.Path().string() + end).c_str());
         std::vector<String> names;
         Dir::GetFilenames(text, names, "s", false, false);
-        EXPECT_THAT(texts(names), ElementsAre("sub\\file", "sub\\none"));
+        EXPECT_THAT(texts(names), ElementsAre("sub\\file", "sub\\nil", "sub\\no", "sub\\none", "sub\\take"));
         Dir::GetFoldernames(text, names, "s", false);
         EXPECT_THAT(texts(names), ElementsAre("socket", "sub"));
     }
+}
+
+TEST(DirListing, ClassifiesEntriesByTheirCanonicalPath) {
+    const TemporaryFolder folder;
+    const std::filesystem::path before = std::filesystem::current_path();
+    for (const char* name : {"etc/file", "tmp/file", "usr", "var"}) folder.Write(name);
+    std::filesystem::current_path(folder.Path());
+    // The canonical form of "/.." is "/". That of "/../etc" is "etc", a path in the working directory.
+    EXPECT_THAT(foldersIn("/.."), ElementsAre("etc", "tmp"));
+    EXPECT_THAT(filesIn("/.."), ElementsAre("usr", "var"));
+    std::filesystem::current_path(before);
 }
 
 TEST(DirListing, AppendsAndSortsOrKeepsTheList) {

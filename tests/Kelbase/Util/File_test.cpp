@@ -34,8 +34,7 @@ std::ptrdiff_t openDescriptors() {
 }
 
 TEST(File, OpenFollowsItsModeBits) {
-    constexpr auto R = File::Read, W = File::Write, RW = File::ReadWrite, A = File::Append,
-                   T = File::Truncate;
+    constexpr unsigned int R = 0x02, W = 0x04, RW = 0x08, A = 0x10, T = 0x20;
     struct {
         unsigned int bits;
         int readError;    // errno of a read of the first byte; 0 if no error, or if the file is empty

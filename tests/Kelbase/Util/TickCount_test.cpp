@@ -7,6 +7,7 @@
 #include <mach/mach_time.h>
 #include <macplatform/CallLog.h>
 #include <macplatform/ProcessIdentity.h>
+#include <sys/sysctl.h>
 #include <utility>
 
 // These clocks replace the platform's clocks. They return fixed values.
@@ -83,6 +84,10 @@ TEST(TickCount, FrequencyIsTheLow32BitsOrZero) {
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
     EXPECT_EQ(macplatform::CancelInjectedFaults(), 0U);
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 705032704.0);
+    int mib[2];
+    std::size_t count = 2;
+    EXPECT_EQ(sysctlnametomib("hw.cpufrequency", nullptr, &count), -1);
+    EXPECT_EQ(sysctlnametomib("hw.cpufrequency", mib, nullptr), -1);
     macplatform::SetCpuFrequency(0);
     EXPECT_EQ(Util::GetCPUCyclesPerSecond(), 0.0);
     macplatform::SetCpuFrequency(std::nullopt);

@@ -56,6 +56,8 @@ TEST(Path, ToStringReturnsTheCanonicalForm) {
 
     const FilePath clean("/a/b.txt", false);
     EXPECT_EQ(clean.ToString().Latin1(), clean.GetInternal().Latin1()) << "a canonical path shares the bytes";
+    const std::string longName(600, 'n');
+    EXPECT_EQ(Bytes(FilePath(("/a//" + longName).c_str(), false).ToString()), "/a/" + longName);
     String withNul("/a");
     withNul += '\0';
     withNul += "/b/../c";
@@ -129,6 +131,7 @@ TEST(Path, ComparesCanonicalFormsWithoutCase) {
                       {"/B", "/a", 1},
                       {"/\xc3\x89", "/\xc3\xa9", -1},
                       {"/z", "/\xc3\x89", -1},
+                      {"/../x", "/../y", -1}, // canonical forms without a "/" at the start
                       {"", "/", 0}};
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.a) + " against " + row.b);
@@ -138,6 +141,11 @@ TEST(Path, ComparesCanonicalFormsWithoutCase) {
         EXPECT_EQ(b<a, row.order> 0);
         EXPECT_EQ(a <= b, row.order <= 0);
     }
+    // The forms are equal if they are equal up to the first NUL.
+    String shorter("/a"), longer("/A");
+    (shorter += '\0') += "b";
+    (longer += '\0') += "cd";
+    EXPECT_TRUE(FilePath(shorter, false) == FilePath(longer, false));
     EXPECT_TRUE(FolderPath("/A", false) == FolderPath("/a/", false));
     EXPECT_TRUE(FolderPath("/A", false) <= FolderPath("/a/", false));
     EXPECT_TRUE(FolderPath("/A", false) < FolderPath("/b", false));

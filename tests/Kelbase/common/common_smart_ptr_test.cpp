@@ -24,6 +24,7 @@ TEST(SharedPtr, FreesTheObjectWithTheLastOwner) {
             EXPECT_EQ(first.use_count(), 2u);
             shared_ptr<Counted> third(std::move(second));
             EXPECT_EQ(first.use_count(), 2u) << "a move does not change the count";
+            EXPECT_EQ(second.use_count(), 1u) << "the count of every null handle";
             third = *&third;
             EXPECT_EQ(third->value, 7);
         }
@@ -52,6 +53,7 @@ TEST(SharedArray, FreesAsAnArray) {
         EXPECT_EQ(b[2].value, 5);
         scoped_array<Counted> c(new Counted[2]);
         c.reset(new Counted[1]);
+        c.reset(c.get());
         EXPECT_EQ(Counted::gAlive, 4);
     }
     EXPECT_EQ(Counted::gAlive, 0);

@@ -120,6 +120,7 @@ TEST_P(NumberFastPathInLocale, ReadsRealsAsTheCLibrary) {
                                        " ",
                                        "1",
                                        "0",
+                                       "\uFF10",
                                        "\uFF15"};
     std::mt19937 random(1905);
     for (int round = 0; round < 100000; ++round) {
@@ -208,6 +209,8 @@ TEST(NumberFastPath, PrintsIntegersDigitByDigit) {
         const std::string digits = number_model::DigitsOf(narrow, base, width);
         EXPECT_EQ(Bytes(String::Number(narrow, base, width)), digits);
         EXPECT_EQ(Bytes(String("<%1>").Arg(narrow, base, width)), "<" + digits + ">");
+        const auto whole = static_cast<unsigned long>(value);
+        EXPECT_EQ(Bytes(String::Number(whole, base, width)), number_model::DigitsOf(whole, base, width));
         const unsigned int wideBase = base == 16 ? 16 : 10;
         const std::string wide = number_model::DigitsOf(value, wideBase, width);
         EXPECT_EQ(Bytes(String::Number(value, base, width)), wide);

@@ -142,6 +142,11 @@ TEST_P(StringParseReal, AcceptsPointAndComma) {
         EXPECT_EQ(String(row.text).ToDouble(&ok), row.value) << row.text;
         EXPECT_EQ(ok, row.ok) << row.text;
     }
+    String withNul("1");
+    withNul += '\0';
+    bool ok = true;
+    EXPECT_EQ(withNul.ToDouble(&ok), 0.0);
+    EXPECT_FALSE(ok);
     EXPECT_EQ(String("0,1").ToFloat(), 0.1f);
     EXPECT_EQ(String("-1e300").ToFloat(), -INFINITY);
     EXPECT_EQ(String("1,5").ToInt(), 0) << "not an integer";

@@ -10,17 +10,17 @@
 namespace {
 
 /// Sends the Finder an event that moves the item to a place. Returns the result of AESend.
-OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh') {
+OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh', AEEventID id = kAEMove) {
     FSRef ref{};
     MakeRef(path, ref);
     AEDesc address, object, nowhere = {typeNull, nullptr}, property, specifier;
     AppleEvent event, reply;
     AECreateDesc(typeApplSignature, &target, sizeof target, &address);
-    AECreateAppleEvent(kAECoreSuite, kAEMove, &address, kAutoGenerateReturnID, kAnyTransactionID, &event);
+    AECreateAppleEvent(kAECoreSuite, id, &address, kAutoGenerateReturnID, kAnyTransactionID, &event);
     AECreateDesc(typeFSRef, &ref, sizeof ref, &object);
     AEPutParamDesc(&event, keyDirectObject, &object);
     AECreateDesc(typeType, &place, sizeof place, &property);
-    CreateObjSpecifier(cObject, &nowhere, formPropertyID, &property, false, &specifier);
+    CreateObjSpecifier(cObject, &nowhere, formPropertyID, &property, true, &specifier);
     AEPutParamDesc(&event, keyAEInsertHere, &specifier);
     const OSErr result =
         AESend(&event, &reply, kAEWaitReply, kAENormalPriority, kAEDefaultTimeout, nullptr, nullptr);
@@ -34,6 +34,7 @@ protected:
     void SetUp() override {
         macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) {
             if (entry.call == "AESend") note = entry.note;
+            if (entry.call == "AECreateAppleEvent") arguments = entry.arguments;
         });
     }
     void TearDown() override {
@@ -44,6 +45,7 @@ protected:
 
     std::size_t liveBefore = macplatform::LiveObjectCount();
     std::string note;
+    std::vector<std::string> arguments;
 };
 
 } // namespace
@@ -53,6 +55,7 @@ TEST_F(AppleEvents, MoveAnItemToTheTrashWithARecord) {
     volume.Write("Users/a b/._\xC3\xA9.txt", "sidecar");
     EXPECT_EQ(ask("/Users/a b/\xC3\xA9.txt"), noErr);
     EXPECT_EQ(note, "");
+    EXPECT_EQ(arguments, (std::vector<std::string>{"'core'", "'move'", "'sign'"}));
     EXPECT_FALSE(std::filesystem::exists(volume / "Users/a b/\xC3\xA9.txt"));
     EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one");
     EXPECT_EQ(ReadBytes(Trash() / "files/._\xC3\xA9.txt"), "sidecar");
@@ -104,6 +107,11 @@ TEST_F(AppleEvents, RejectOtherTargetsAndPlaces) {
     EXPECT_EQ(note, "the Finder returned -1728");
     EXPECT_EQ(ask("/Users/missing"), noErr);
     EXPECT_EQ(note, "the Finder returned -1401") << "the reference was never created";
+    EXPECT_EQ(ask("/Users/x", 'MACS', 'trsh', 'delo'), errAEEventNotHandled);
+    AEDesc nothing = {typeNull, nullptr}, empty;
+    EXPECT_EQ(AESend(&nothing, &empty, kAEWaitReply, 0, 0, nullptr, nullptr), errAENotAEDesc);
+    EXPECT_EQ(AECreateDesc('TEXT', nullptr, 0, &empty), noErr);
+    AEDisposeDesc(&empty);
     macplatform::InjectFault({"AESend", procNotFound});
     EXPECT_EQ(ask("/Users/x"), procNotFound) << "the Finder does not run";
     EXPECT_TRUE(std::filesystem::exists(volume / "Users/x"));

@@ -79,11 +79,14 @@ TEST(Objects, CallsAreRecorded) {
     macplatform::InjectFault({"CFStringCreateWithCString", 0, 1});
     const CFStringRef text = NewText("a\nb");
     EXPECT_EQ(NewText("failed"), nullptr);
+    UniChar part[2];
+    CFStringGetCharacters(text, CFRangeMake(1, 2), part);
     CFRelease(text);
-    EXPECT_THAT(calls.lines,
-                ElementsAre("CFStringCreateWithCString(NULL, \"a\\nb\", kCFStringEncodingUTF8) = \"a\\nb\"",
-                            "CFStringCreateWithCString(NULL, \"failed\", kCFStringEncodingUTF8) = NULL",
-                            "CFRelease(\"a\\nb\") = "));
+    EXPECT_THAT(
+        calls.lines,
+        ElementsAre("CFStringCreateWithCString(NULL, \"a\\nb\", kCFStringEncodingUTF8) = \"a\\nb\"",
+                    "CFStringCreateWithCString(NULL, \"failed\", kCFStringEncodingUTF8) = NULL",
+                    "CFStringGetCharacters(\"a\\nb\", {1, 2}, buffer) = ", "CFRelease(\"a\\nb\") = "));
 }
 
 } // namespace

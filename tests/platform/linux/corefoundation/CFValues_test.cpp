@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfloat>
 #include <climits>
 #include <cmath>
 #include <cstring>
@@ -121,6 +122,13 @@ TEST(Number, ReportsLossyConversions) {
     EXPECT_FALSE(CFNumberGetValue(odd, kCFNumberSInt16Type, &narrow));
     EXPECT_EQ(narrow, 32767);
     CFRelease(odd);
+    for (const auto& [value, fits] :
+         {std::pair{0.5, true}, {0.1, false}, {FLT_MAX, true}, {1e300, false}, {inf, true}}) {
+        const CFNumberRef number = newNumber<double>(kCFNumberDoubleType, value);
+        EXPECT_EQ(CFNumberGetValue(number, kCFNumberFloatType, &small), fits) << value;
+        EXPECT_EQ(small, value > FLT_MAX ? inf : static_cast<float>(value));
+        CFRelease(number);
+    }
 }
 
 TEST(Number, ComparesValues) {
@@ -160,6 +168,13 @@ TEST(Url, StoresAnAbsolutePath) {
             releasedDescription(CFURLCreateWithFileSystemPath(nullptr, text, row.style, row.isDirectory)),
             row.described);
     }
+    const auto newFolder = [](CFStringRef path, bool isDirectory) {
+        return CFURLCreateWithFileSystemPath(nullptr, path, kCFURLPOSIXPathStyle, isDirectory);
+    };
+    const CFURLRef urls[] = {newFolder(CFSTR("/a"), true), newFolder(CFSTR("/a/"), true),
+                             newFolder(CFSTR("/a"), false), newFolder(CFSTR("/b"), true)};
+    for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(CFEqual(urls[0], urls[i]), i < 2) << i;
+    for (const CFURLRef url : urls) CFRelease(url);
     const UniChar broken[][3] = {{'/', 0xD800, 'a'}, {'/', 0, 'a'}};
     for (const auto& units : broken) {
         const CFStringRef text = CFStringCreateWithCharacters(nullptr, units, 3);
