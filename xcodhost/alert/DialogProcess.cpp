@@ -2,8 +2,9 @@
 
 #include "ExitStatus.h"
 #include "process/ChildProcess.h"
-#include "process/Descriptor.h"
 #include "process/Interruption.h"
+
+#include <macplatform/FileDescriptor.h>
 
 #include <array>
 #include <cerrno>
@@ -28,20 +29,19 @@ constexpr std::size_t kMostOutput = 65536;
 class Captured {
 public:
     Captured() : file(memfd_create("dialog", MFD_CLOEXEC)) {
-        if (file.Number() < 0)
-            throw ToolFault::FromErrno("dialog program: cannot create a file for its output");
+        if (!file) throw ToolFault::FromErrno("dialog program: cannot create a file for its output");
     }
 
-    int Number() const { return file.Number(); }
+    int Descriptor() const { return file.Get(); }
     std::string Text() const {
         std::string text(kMostOutput, '\0');
-        const ssize_t count = pread(file.Number(), text.data(), text.size(), 0);
+        const ssize_t count = pread(file.Get(), text.data(), text.size(), 0);
         text.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
         return text;
     }
 
 private:
-    Descriptor file;
+    macplatform::FileDescriptor file;
 };
 
 /// A running program. The destructor kills the process group of the program and reaps the program, unless
@@ -57,8 +57,8 @@ public:
     }
 
     int Wait(const Interruption& interruption) {
-        if (end.Number() < 0) throw ToolFault::FromErrno("dialog program: cannot wait for its end");
-        std::array<pollfd, 2> waits{{{end.Number(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
+        if (!end) throw ToolFault::FromErrno("dialog program: cannot wait for its end");
+        std::array<pollfd, 2> waits{{{end.Get(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
         while (waits[0].revents == 0) {
             if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
                 throw ToolFault::FromErrno("dialog program: cannot wait for its end");
@@ -72,7 +72,7 @@ private:
     int Reap() { return EndGroup(std::exchange(id, 0)); }
 
     pid_t id; ///< 0 after the program has been reaped.
-    Descriptor end;
+    macplatform::FileDescriptor end;
 };
 
 /// Executes the command in the child process. Ends the process with 127 if that fails.
@@ -82,8 +82,8 @@ private:
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(127); // the parent died before prctl
     const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0 || dup2(output.Number(), STDOUT_FILENO) < 0 ||
-        dup2(errors.Number(), STDERR_FILENO) < 0) {
+    if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0 || dup2(output.Descriptor(), STDOUT_FILENO) < 0 ||
+        dup2(errors.Descriptor(), STDERR_FILENO) < 0) {
         _exit(127);
     }
     interruption.LiftInChild();

@@ -22,8 +22,8 @@ namespace {
 
 /// The two ends of a socket pair or a pipe.
 struct Ends {
-    Descriptor ours;
-    Descriptor childs;
+    macplatform::FileDescriptor ours;
+    macplatform::FileDescriptor childs;
 };
 
 Ends newSocket() {
@@ -31,14 +31,14 @@ Ends newSocket() {
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) < 0) {
         throw ToolFault::FromErrno("child process: cannot create a socket");
     }
-    return {Descriptor(pair[0]), Descriptor(pair[1])};
+    return {macplatform::FileDescriptor(pair[0]), macplatform::FileDescriptor(pair[1])};
 }
 
 Ends newPipe() {
     int pair[2];
     if (pipe2(pair, O_CLOEXEC) < 0) throw ToolFault::FromErrno("child process: cannot create a pipe");
     fcntl(pair[0], F_SETFL, O_NONBLOCK);
-    return {Descriptor(pair[0]), Descriptor(pair[1])};
+    return {macplatform::FileDescriptor(pair[0]), macplatform::FileDescriptor(pair[1])};
 }
 
 void runBody(const std::function<void(const Channel&)>& body, int socket) {
@@ -67,13 +67,13 @@ public:
           onEnd(std::move(whenEnded)),
           socket(std::move(channel.ours)),
           output(std::move(print.ours)),
-          child({channel.childs.Number(), print.childs.Number()}, pendingSignals,
-                [&] { runBody(body, channel.childs.Number()); }) {}
+          child({channel.childs.Get(), print.childs.Get()}, pendingSignals,
+                [&] { runBody(body, channel.childs.Get()); }) {}
 
     static constexpr std::size_t kDescriptors = 3;
     void AppendTo(std::vector<pollfd>& waits) const {
-        waits.push_back({socket.Number(), POLLIN, 0});
-        waits.push_back({output.Number(), POLLIN, 0});
+        waits.push_back({socket.Get(), POLLIN, 0});
+        waits.push_back({output.Get(), POLLIN, 0});
         waits.push_back({child.EndDescriptor(), POLLIN, 0});
     }
     int Milliseconds() const { return deadlines.Milliseconds(); }
@@ -108,8 +108,8 @@ private:
 
     /// Returns false if the child has printed too much.
     bool ReadOutput() {
-        if (output.Number() < 0) return true;
-        const ssize_t count = read(output.Number(), buffer.data(), buffer.size());
+        if (!output) return true;
+        const ssize_t count = read(output.Get(), buffer.data(), buffer.size());
         if (count == 0 || isRefused(count)) output.Close();
         if (count <= 0) return true;
         gotBytes = true;
@@ -120,8 +120,8 @@ private:
 
     /// Returns false if the child has sent too much, or data that is not a message.
     bool ReadReport() {
-        if (socket.Number() < 0) return true;
-        const ssize_t count = recv(socket.Number(), buffer.data(), buffer.size(), MSG_DONTWAIT);
+        if (!socket) return true;
+        const ssize_t count = recv(socket.Get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
         if (count == 0 || isRefused(count)) socket.Close();
         if (count <= 0) return true;
         gotBytes = true;
@@ -156,15 +156,15 @@ private:
         const std::int32_t button = listener.onAlert(std::move(alert));
         deadlines.Hold(Deadlines::Clock::now() - asked);
         // If the child has ended meanwhile, SendAll fails. The next call of Serve handles the end.
-        SendAll(socket.Number(), reinterpret_cast<const char*>(&button), sizeof button);
+        SendAll(socket.Get(), reinterpret_cast<const char*>(&button), sizeof button);
     }
 
     ChildLimits limits;
     Deadlines deadlines;
     ChildListener listener;
     std::function<void(const ChildEnd&)> onEnd;
-    Descriptor socket;
-    Descriptor output;
+    macplatform::FileDescriptor socket;
+    macplatform::FileDescriptor output;
     ChildProcess child;
     std::array<char, 8192> buffer{};
     std::string pending;      ///< The start of an incomplete line.

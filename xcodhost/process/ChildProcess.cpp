@@ -88,8 +88,8 @@ ChildProcess::ChildProcess(const Streams& streams, const Interruption& interrupt
     }
     setpgid(id, id); // the child calls setpgid too; either process can run first
     unreapedChildren().push_back(id);
-    end = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
-    if (end.Number() < 0) {
+    end = macplatform::FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
+    if (!end) {
         const int error = errno;
         Reap();
         errno = error;

@@ -2,7 +2,7 @@
 
 /// Creates, kills and reaps child processes.
 
-#include "Descriptor.h"
+#include <macplatform/FileDescriptor.h>
 
 #include <functional>
 #include <sys/types.h>
@@ -31,7 +31,7 @@ public:
     ~ChildProcess() { Reap(); }
 
     /// Returns a descriptor that is readable after the end of the child.
-    int EndDescriptor() const { return end.Number(); }
+    int EndDescriptor() const { return end.Get(); }
 
     /// Kills the process group and the inherited processes, and reaps them. Returns the status of the child
     /// as waitpid reports it. A child that has ended before keeps its status.
@@ -39,7 +39,7 @@ public:
 
 private:
     pid_t id;
-    Descriptor end;
+    macplatform::FileDescriptor end;
     int status = 0;
     bool isReaped = false;
 };

@@ -1,9 +1,10 @@
 #include "Supervisor.h"
 
 #include "ChildProcess.h"
-#include "Descriptor.h"
 #include "ExitStatus.h"
 #include "Interruption.h"
+
+#include <macplatform/FileDescriptor.h>
 
 #include <array>
 #include <csignal>
@@ -20,9 +21,9 @@ namespace {
 
 /// Forwards the signals until the supervisor process has ended.
 void waitForSupervisor(pid_t supervisor, const Interruption& interruption) {
-    const Descriptor end(static_cast<int>(syscall(SYS_pidfd_open, supervisor, 0)));
-    std::array<pollfd, 2> waits{{{end.Number(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
-    while (end.Number() >= 0 && waits[0].revents == 0) {
+    const macplatform::FileDescriptor end(static_cast<int>(syscall(SYS_pidfd_open, supervisor, 0)));
+    std::array<pollfd, 2> waits{{{end.Get(), POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
+    while (end && waits[0].revents == 0) {
         poll(waits.data(), waits.size(), -1);
         try {
             interruption.Check();

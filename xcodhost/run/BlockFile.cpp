@@ -3,6 +3,8 @@
 #include "DisplayText.h"
 #include "ExitStatus.h"
 
+#include <macplatform/FileDescriptor.h>
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -40,15 +42,11 @@ std::vector<char> readStart(int descriptor, const std::string& path) {
 
 ParameterBlock ReadBlockFile(const std::string& path) {
     // Without O_NONBLOCK the open of a pipe would wait for a writer.
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0) refuse(path, std::strerror(errno));
-    struct Closer {
-        int number;
-        ~Closer() { close(number); }
-    } const closer{descriptor};
+    const macplatform::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file) refuse(path, std::strerror(errno));
     struct stat status {};
-    if (fstat(descriptor, &status) < 0 || !S_ISREG(status.st_mode)) refuse(path, "not a file");
-    std::vector<char> bytes = readStart(descriptor, path);
+    if (fstat(file.Get(), &status) < 0 || !S_ISREG(status.st_mode)) refuse(path, "not a file");
+    std::vector<char> bytes = readStart(file.Get(), path);
     if (bytes.size() < ParameterBlock::kSize) {
         refuse(path, std::to_string(bytes.size()) + " bytes; a parameter block has at least " +
                          std::to_string(ParameterBlock::kSize));

@@ -1,8 +1,9 @@
 #include "AppleDouble.h"
 
 #include "posix/AtomicFile.h"
-#include "posix/Descriptor.h"
 #include "volume/VolumePath.h"
+
+#include <macplatform/FileDescriptor.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -61,8 +62,8 @@ off_t findFinderInfo(int file) {
     return 0;
 }
 
-Descriptor openSidecar(const std::string& sidecar, int access) {
-    return Descriptor(open(sidecar.c_str(), access | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+FileDescriptor openSidecar(const std::string& sidecar, int access) {
+    return FileDescriptor(open(sidecar.c_str(), access | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
 }
 
 /// Returns the smallest sidecar that every reader accepts: Finder information and an empty resource fork.
@@ -82,7 +83,8 @@ std::string newSidecar(const FinderInfo& info) {
 
 int makeSidecar(const std::string& sidecar, const FinderInfo& info) {
     const auto slash = sidecar.rfind('/');
-    const Descriptor folder(open(sidecar.substr(0, slash + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const FileDescriptor folder(
+        open(sidecar.substr(0, slash + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return folder ? ReplaceFile(folder.Get(), sidecar.substr(slash + 1), newSidecar(info)) : errno;
 }
 
@@ -96,14 +98,14 @@ std::string SidecarPath(const std::string& path) {
 }
 
 int ReadSidecar(const std::string& sidecar, FinderInfo& info) {
-    const Descriptor file = openSidecar(sidecar, O_RDONLY);
+    const FileDescriptor file = openSidecar(sidecar, O_RDONLY);
     if (!file) return errno == ELOOP ? EBADMSG : errno;
     const off_t offset = findFinderInfo(file.Get());
     return offset != 0 && readAt(file.Get(), offset, info.data(), info.size()) ? 0 : EBADMSG;
 }
 
 int WriteSidecar(const std::string& sidecar, const FinderInfo& info) {
-    const Descriptor file = openSidecar(sidecar, O_RDWR);
+    const FileDescriptor file = openSidecar(sidecar, O_RDWR);
     if (!file)
         return errno == ENOENT                     ? makeSidecar(sidecar, info)
                : errno == ELOOP || errno == EISDIR ? EBADMSG

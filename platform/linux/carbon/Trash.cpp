@@ -1,7 +1,6 @@
 #include "Trash.h"
 
-#include "posix/Descriptor.h"
-
+#include <macplatform/FileDescriptor.h>
 #include <macplatform/StartupVolume.h>
 
 #include <cerrno>
@@ -152,7 +151,7 @@ std::string numberedName(std::string name, unsigned number) {
 
 /// Creates the file of a record. Returns 0 or an errno. After an error, this function has left no new file.
 int makeRecord(const std::string& info, const std::string& record) {
-    const Descriptor file(open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    const FileDescriptor file(open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return errno;
     const ssize_t wrote = write(file.Get(), record.data(), record.size());
     if (wrote == static_cast<ssize_t>(record.size())) return 0;

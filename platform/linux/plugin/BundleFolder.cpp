@@ -1,8 +1,9 @@
 #include "BundleFolder.h"
 
 #include "MachOLoader.h"
-#include "posix/Descriptor.h"
 #include "trace/PlatformCall.h"
+
+#include <macplatform/FileDescriptor.h>
 
 #include <cerrno>
 #include <cstring>
@@ -60,7 +61,7 @@ const char* machineName(unsigned machine, unsigned char fileClass) {
 
 unsigned ownMachine() {
     Elf64_Ehdr own{}; // `e_machine` has the same offset in 32-bit and 64-bit headers.
-    const Descriptor self(open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
+    const FileDescriptor self(open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
     return self && read(self.Get(), &own, sizeof own) == static_cast<ssize_t>(sizeof own)
                ? own.e_machine
                : static_cast<unsigned>(EM_NONE);
@@ -126,7 +127,7 @@ BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
 BundleFailure CheckExecutable(BundleFolder& bundle) {
     const InternalCallScope internalCalls;
     const std::string& file = bundle.executable;
-    const Descriptor code(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const FileDescriptor code(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!code) {
         const int error = errno;
         const std::string forMac = bundle.path + "/Contents/MacOS" + file.substr(file.rfind('/'));

@@ -1,6 +1,6 @@
 #include "AtomicFile.h"
 
-#include "Descriptor.h"
+#include <macplatform/FileDescriptor.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -50,7 +50,7 @@ int writeAll(int file, const std::string& bytes) {
 /// Creates a file with these bytes and writes the bytes to the disk. Returns 0 or an errno, EEXIST if the
 /// name exists.
 int writeTemporary(int folder, const std::string& name, const std::string& bytes) {
-    const Descriptor file(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    const FileDescriptor file(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return errno;
     if (const int failed = writeAll(file.Get(), bytes)) return failed;
     return fchmod(file.Get(), 0644) == 0 && fsync(file.Get()) == 0 ? 0 : errno;

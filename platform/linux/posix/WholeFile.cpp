@@ -1,7 +1,8 @@
 #include "WholeFile.h"
 
-#include "Descriptor.h"
 #include "trace/PlatformCall.h"
+
+#include <macplatform/FileDescriptor.h>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -25,7 +26,7 @@ int ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes
     const InternalCallScope internalCalls;
     bytes.clear();
     // O_NONBLOCK: opening a pipe in the place of the file would wait for a writer for ever.
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) return errno;
     if (const int refused = checkKind(file.Get(), limit)) return refused;
     char block[64 * 1024];

@@ -5,10 +5,10 @@
 #include "plist/PropertyListLimits.h"
 #include "plist/PropertyListTree.h"
 #include "posix/AtomicFile.h"
-#include "posix/Descriptor.h"
 #include "posix/WholeFile.h"
 #include "trace/PlatformCall.h"
 
+#include <macplatform/FileDescriptor.h>
 #include <macplatform/StartupVolume.h>
 
 #include <algorithm>
@@ -129,7 +129,7 @@ PropertyValue withChanges(PropertyValue&& before, PreferenceChanges changes) {
 /// returns an empty string, or the error message.
 class DomainFile {
 public:
-    DomainFile(const Descriptor& openFolder, const std::string& folderPath, const std::string& domain)
+    DomainFile(const FileDescriptor& openFolder, const std::string& folderPath, const std::string& domain)
         : folder(openFolder), name(domain + ".plist"), path(folderPath + '/' + name) {}
 
     std::string Read() {
@@ -201,7 +201,7 @@ public:
     }
 
 private:
-    const Descriptor& folder;
+    const FileDescriptor& folder;
     std::string name, path;
     std::string plist;     ///< The property list in the binary format.
     PropertyValue entries; ///< The entries as read. After `Write`: the entries as written.
@@ -217,7 +217,7 @@ std::string StorePreferences(const std::string& domain, const PreferenceChanges&
     if (!isFileName(domain)) return Quoted(domain) + ": not a valid name for a preferences file";
     if (changes.empty()) return {};
     std::string folderPath;
-    const Descriptor folder(openOrMakeFolder(folderPath));
+    const FileDescriptor folder(openOrMakeFolder(folderPath));
     if (!folder) return why(folderPath.empty() ? kPreferencesFolder : folderPath, errno);
     if (!lock(folder.Get())) return folderPath + ": the directory is locked by another program";
 

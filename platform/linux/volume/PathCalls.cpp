@@ -10,7 +10,8 @@
 // offsets stay separate with every compiler setting.
 
 #include "PathCall.h"
-#include "posix/Descriptor.h"
+
+#include <macplatform/FileDescriptor.h>
 
 #include <algorithm>
 #include <cstdarg>
@@ -53,7 +54,7 @@ private:
     }
     static int Open(const char* hostPath) { return open(hostPath, O_RDWR | O_NONBLOCK | O_CLOEXEC); }
 
-    Descriptor writer;
+    FileDescriptor writer;
 };
 
 } // namespace

@@ -2,9 +2,10 @@
 
 #include "DisplayText.h"
 #include "process/ChildProcess.h"
-#include "process/Descriptor.h"
 #include "sandbox/OutsideWrites.h"
 #include "validate/CheckRun.h"
+
+#include <macplatform/FileDescriptor.h>
 
 #include <algorithm>
 #include <clocale>
@@ -129,24 +130,25 @@ class CapturedOutput {
 public:
     explicit CapturedOutput(std::string path) : file(std::move(path)) {
         (void)std::fflush(nullptr);
-        const Descriptor target(open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
-        output = Descriptor(dup(STDOUT_FILENO));
-        error = Descriptor(dup(STDERR_FILENO));
-        dup2(target.Number(), STDOUT_FILENO);
-        dup2(target.Number(), STDERR_FILENO);
+        const macplatform::FileDescriptor target(
+            open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
+        output = macplatform::FileDescriptor(dup(STDOUT_FILENO));
+        error = macplatform::FileDescriptor(dup(STDERR_FILENO));
+        dup2(target.Get(), STDOUT_FILENO);
+        dup2(target.Get(), STDERR_FILENO);
     }
     CapturedOutput(const CapturedOutput&) = delete;
     CapturedOutput& operator=(const CapturedOutput&) = delete;
     ~CapturedOutput() {
         (void)std::fflush(nullptr);
-        dup2(output.Number(), STDOUT_FILENO);
-        dup2(error.Number(), STDERR_FILENO);
+        dup2(output.Get(), STDOUT_FILENO);
+        dup2(error.Get(), STDERR_FILENO);
     }
 
 private:
     std::string file;
-    Descriptor output;
-    Descriptor error;
+    macplatform::FileDescriptor output;
+    macplatform::FileDescriptor error;
 };
 
 void nothingIsPrinted(CheckRun& run) {
