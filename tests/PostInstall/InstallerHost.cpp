@@ -102,11 +102,9 @@ std::uint32_t InstallerHost::Deliver(const Event& event, Step step) {
     if (step) {
         step(block);
     } else {
-        struct Releaser {
-            XCodInstance* instance = NewInstance();
-            ~Releaser() { instance->functionBlock->Release(instance); }
-        } held;
-        held.instance->functionBlock->XCodMain(block);
+        const auto release = [](XCodInstance* instance) { instance->functionBlock->Release(instance); };
+        const std::unique_ptr<XCodInstance, decltype(release)> instance(NewInstance(), release);
+        instance->functionBlock->XCodMain(block);
     }
     const std::uint32_t flags = block->errorFlags;
     block->errorFlags = event.errorFlags;

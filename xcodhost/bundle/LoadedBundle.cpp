@@ -31,10 +31,10 @@ CFUUIDRef ConstantIdentifier(const CFUUIDBytes& b) {
 
 LoadedBundle::LoadedBundle(std::string bundlePath, const Channel& parentChannel)
     : path(std::move(bundlePath)), channel(parentChannel) {
-    const Owned<CFStringRef> text(
+    const macplatform::CFOwner<CFStringRef> text(
         CFStringCreateWithCString(kCFAllocatorDefault, path.c_str(), kCFStringEncodingUTF8));
     if (!text) Stop("no-bundle", Printable(path) + ": the path is not UTF-8");
-    const Owned<CFURLRef> url(
+    const macplatform::CFOwner<CFURLRef> url(
         CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.get(), kCFURLPOSIXPathStyle, true));
     plugIn.reset(url ? CFPlugInCreate(kCFAllocatorDefault, url.get()) : nullptr);
     if (!plugIn) StopWithPlatformReason();

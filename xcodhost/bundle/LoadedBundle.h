@@ -7,24 +7,16 @@
 #include "process/Channel.h"
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <macplatform/CFOwner.h>
 
-#include <memory>
 #include <optional>
 #include <string>
-#include <type_traits>
 #include <utility>
 
 namespace xcodhost {
 
 /// Thrown to end the work of the child process after the reason has been reported.
 struct Stopped {};
-
-/// Releases a CF object.
-struct Releaser {
-    void operator()(const void* object) const { CFRelease(object); }
-};
-template <typename Reference>
-using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Releaser>;
 
 /// Returns the constant object of an identifier. The caller must not release the object.
 CFUUIDRef ConstantIdentifier(const CFUUIDBytes& bytes);
@@ -79,8 +71,8 @@ private:
 
     std::string path;
     const Channel& channel;
-    Owned<CFPlugInRef> plugIn;
-    Owned<CFArrayRef> factories;
+    macplatform::CFOwner<CFPlugInRef> plugIn;
+    macplatform::CFOwner<CFArrayRef> factories;
     bool isRunning = false;
 };
 

@@ -88,7 +88,7 @@ T* MakeObject(std::size_t extra, Arguments&&... arguments) {
 /// Returns whether both references are the same object, or two objects of one kind with the same value.
 bool Equal(CFTypeRef left, CFTypeRef right);
 
-/// Releases the reference that an `Owned` pointer owns.
+/// Releases the reference that an `Owned` pointer owns. Unlike `CFRelease`, the release is not recorded.
 struct Releaser {
     void operator()(const Object* object) const noexcept { Release(const_cast<Object&>(*object)); }
 };

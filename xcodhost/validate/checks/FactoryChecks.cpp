@@ -16,7 +16,7 @@ void rightTypeGivesInstance(CheckRun& run) { run.Bundle().MakeInstance(); }
 
 /// Expects that the factory returns null for the type and allocates nothing.
 void expectNoInstance(CheckRun& run, FactoryFunction make, const CFUUIDBytes& type) {
-    const Owned<CFUUIDRef> identifier(CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, type));
+    const macplatform::CFOwner<CFUUIDRef> identifier(CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, type));
     const std::size_t before = macplatform::LiveObjectCount();
     void* const instance = run.Bundle().RunCode({kFactoryFunction, "type " + Describe(type), {}},
                                                 [&] { return make(kCFAllocatorDefault, identifier.get()); });
