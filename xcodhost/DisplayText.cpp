@@ -1,5 +1,7 @@
 #include "DisplayText.h"
 
+#include <macplatform/Utf8.h>
+
 #include <array>
 #include <charconv>
 
@@ -11,23 +13,6 @@ std::string hexDigits(std::uint32_t value, int count) {
     std::string text;
     for (int place = count - 1; place >= 0; --place) text += "0123456789ABCDEF"[value >> (4 * place) & 15];
     return text;
-}
-
-/// Returns the number of bytes of the UTF-8 character at the start of `text`, or 0 if it is malformed. `text`
-/// must not be empty.
-std::size_t characterLength(std::string_view text) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(0);
-    if (lead < 0x80) return 1;
-    const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
-    if (length == 0 || text.size() < length) return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80) return 0;
-    }
-    const unsigned char second = byte(1);
-    const bool overlong = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
-    const bool outside = (lead == 0xED && second > 0x9F) || (lead == 0xF4 && second > 0x8F);
-    return overlong || outside ? 0 : length;
 }
 
 /// Returns whether a terminal executes the character: U+0000 to U+001F and U+007F to U+009F.
@@ -60,7 +45,7 @@ std::string Printable(std::string_view text) {
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
-        const std::size_t length = characterLength(text);
+        const std::size_t length = macplatform::Utf8CharacterLength(text);
         const std::string_view character = text.substr(0, length == 0 ? 1 : length);
         if (length == 0 || isControl(character)) {
             appendEscaped(out, character);

@@ -1,5 +1,7 @@
 #include "TextEncoding.h"
 
+#include <macplatform/Utf8.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
@@ -42,36 +44,14 @@ constexpr Composition kCompositions[] = {
     {0x0338, u"=", u"\u2260"},
 };
 
-bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-
-/// Returns the number of bytes of the UTF-8 sequence that begins with these two bytes, and 0 if no valid
-/// sequence begins with them.
-std::size_t sequenceLength(unsigned char lead, unsigned char second) {
-    if (lead >= 0xC2 && lead <= 0xDF) return 2;
-    if (lead >= 0xE0 && lead <= 0xEF) {
-        if (lead == 0xE0 && second < 0xA0) return 0; // overlong
-        if (lead == 0xED && second > 0x9F) return 0; // a surrogate
-        return 3;
-    }
-    if (lead >= 0xF0 && lead <= 0xF4) {
-        if (lead == 0xF0 && second < 0x90) return 0; // overlong
-        if (lead == 0xF4 && second > 0x8F) return 0; // above U+10FFFF
-        return 4;
-    }
-    return 0;
-}
-
 /// Decodes and removes the sequence of two or more bytes at the front. Returns nothing, and removes nothing,
 /// if the sequence is not valid.
 std::optional<char32_t> decodeSequence(std::string_view& bytes) {
     const auto byteAt = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    const std::size_t length = bytes.size() < 2 ? 0 : sequenceLength(byteAt(0), byteAt(1));
-    if (length == 0 || length > bytes.size()) return std::nullopt;
+    const std::size_t length = Utf8CharacterLength(bytes);
+    if (length < 2) return std::nullopt;
     char32_t character = byteAt(0) & (0xFFU >> (length + 1));
-    for (std::size_t i = 1; i < length; ++i) {
-        if (!isContinuation(byteAt(i))) return std::nullopt;
-        character = (character << 6) | (byteAt(i) & 0x3FU);
-    }
+    for (std::size_t i = 1; i < length; ++i) character = (character << 6) | (byteAt(i) & 0x3FU);
     bytes.remove_prefix(length);
     return character;
 }
