@@ -61,6 +61,19 @@ std::string PrintableQuoted(std::string_view text) { return '"' + Printable(text
 
 std::string Hex(std::uint32_t value, int digits) { return "0x" + hexDigits(value, digits); }
 
+std::string Join(const std::vector<std::string>& texts, std::string_view separator) {
+    std::string joined;
+    for (const std::string& text : texts) {
+        if (&text != &texts.front()) joined += separator;
+        joined += text;
+    }
+    return joined;
+}
+
+std::string ListText(const std::vector<std::string>& texts) {
+    return texts.empty() ? "none" : Printable(Join(texts, ", "));
+}
+
 std::string Counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }

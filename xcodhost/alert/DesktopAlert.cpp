@@ -106,13 +106,6 @@ Texts linesOf(const std::string& message) {
     return lines;
 }
 
-std::string joined(const Texts& lines) {
-    std::string text;
-    for (const std::string& line : lines) text += line + '\n';
-    if (!text.empty()) text.pop_back();
-    return text;
-}
-
 bool fitARow(const Texts& buttons) {
     std::size_t width = 0;
     for (const std::string& title : buttons) width += std::max(title.size(), kNarrowestButton);
@@ -135,7 +128,7 @@ Texts yadCommand(const std::string& path, const Texts& lines, const Texts& butto
                   "--image=dialog-question",
                   "--no-markup",
                   "--item-separator=\x01",
-                  "--text=" + replaced(joined(lines), "\\", "\\\\")};
+                  "--text=" + replaced(Join(lines, "\n"), "\\", "\\\\")};
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         command.push_back("--button=" + buttonLabel(buttons[i], 1) + ':' +
                           std::to_string(kFirstButton + static_cast<int>(i)));
@@ -145,7 +138,7 @@ Texts yadCommand(const std::string& path, const Texts& lines, const Texts& butto
 
 Texts zenityCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
     Texts command{path,          "--question",       "--switch",
-                  "--no-markup", "--title=xcodhost", "--text=" + joined(lines)};
+                  "--no-markup", "--title=xcodhost", "--text=" + Join(lines, "\n")};
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         command.push_back("--extra-button=" + buttonLabel(buttons[i], i + 1));
     }
@@ -155,7 +148,7 @@ Texts zenityCommand(const std::string& path, const Texts& lines, const Texts& bu
 /// Returns the command for a list. kdialog has rows of up to three buttons, but reports a closed window as
 /// one of these buttons.
 Texts kdialogCommand(const std::string& path, const Texts& lines, const Texts& buttons) {
-    std::string text = replaced(joined(lines), "&", "&amp;");
+    std::string text = replaced(Join(lines, "\n"), "&", "&amp;");
     text = replaced(replaced(std::move(text), "<", "&lt;"), "\\", "&#92;");
     Texts command{
         path, "--title", "xcodhost", "--menu", "<qt>" + replaced(std::move(text), "\n", "<br>") + "</qt>",
@@ -238,7 +231,7 @@ std::vector<DialogProgram> FindDialogPrograms() {
 Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
                      const std::vector<std::string>& buttons, const Interruption& interruption) {
     const Texts lines = linesOf(message);
-    std::string failures;
+    Texts failures;
     for (const DialogProgram& program : programs) {
         if (program.kind != Kind::kKdialog && !fitARow(buttons)) continue;
         // In a locale that is not UTF-8 the programs reject or garble the texts.
@@ -246,10 +239,10 @@ Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::stri
                                         {{"LC_ALL", "C.UTF-8"}, {"ZENITY_ESC", "101"}}, interruption);
         const std::optional<int> choice = choiceOf(program.kind, end, buttons.size());
         if (choice) return {*choice, *choice < 0 ? "its window was closed" : ""};
-        failures += (failures.empty() ? "" : "; ") + failureOf(program.kind, end);
+        failures.push_back(failureOf(program.kind, end));
     }
-    if (failures.empty()) failures = "the buttons are too wide for one row in yad and zenity";
-    return {-1, failures};
+    if (failures.empty()) return {-1, "the buttons are too wide for one row in yad and zenity"};
+    return {-1, Join(failures, "; ")};
 }
 
 } // namespace xcodhost

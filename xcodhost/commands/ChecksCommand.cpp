@@ -24,13 +24,13 @@ const Check& checkNamed(const std::string& id) {
     const auto found =
         std::find_if(checks.begin(), checks.end(), [&](const Check& one) { return one.id == id; });
     if (found != checks.end()) return *found;
-    std::string near;
+    std::vector<std::string> near;
     for (const Check& one : checks) {
-        if (std::string(one.id).find(id) != std::string::npos)
-            near += (near.empty() ? "" : ", ") + std::string(one.id);
+        if (std::string_view(one.id).find(id) != std::string_view::npos) near.emplace_back(one.id);
     }
-    throw UsageError("check " + PrintableQuoted(id) + ": unknown; " +
-                     (near.empty() ? "xcodhost list checks lists all ids" : "similar ids: " + near));
+    throw UsageError(
+        "check " + PrintableQuoted(id) + ": unknown; " +
+        (near.empty() ? "xcodhost list checks lists all ids" : "similar ids: " + Join(near, ", ")));
 }
 
 std::string explanation(const Check& check, const Style& style) {

@@ -18,12 +18,6 @@ bool isPluginType(const std::string& identifier) {
     return strcasecmp(identifier.c_str(), Describe(kPluginType).c_str()) == 0;
 }
 
-std::string joinTexts(const std::vector<std::string>& texts) {
-    std::string joined;
-    for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + Printable(text);
-    return joined.empty() ? "none" : joined;
-}
-
 std::vector<std::string> architecturesOf(const BundleExecutable& executable) {
     std::vector<std::string> names;
     for (const BundleImage& image : executable.images) {
@@ -34,10 +28,10 @@ std::vector<std::string> architecturesOf(const BundleExecutable& executable) {
 
 std::string executableText(const BundleExecutable& executable) {
     std::string text = "executable  " + Printable(executable.path) + ": " + executable.format + ' ' +
-                       joinTexts(architecturesOf(executable)) + '\n';
+                       ListText(architecturesOf(executable)) + '\n';
     for (const BundleImage& image : executable.images) {
         const std::string whose = executable.images.size() > 1 ? " of " + image.architecture : "";
-        text += "  exports" + whose + "  " + joinTexts(image.exports) + '\n';
+        text += "  exports" + whose + "  " + ListText(image.exports) + '\n';
         if (!image.problem.empty()) text += "  problem" + whose + "  " + image.problem + '\n';
     }
     if (!executable.problem.empty()) text += "  problem  " + executable.problem + '\n';
@@ -79,7 +73,7 @@ std::string infoText(const BundleInfo& info, const Style& style) {
     for (const BundleType& type : info.types) {
         text += "type  " + Printable(type.identifier) +
                 (isPluginType(type.identifier) ? " (installer plug-in)" : "") + ": " +
-                joinTexts(type.factories) + '\n';
+                ListText(type.factories) + '\n';
     }
     for (const BundleExecutable& executable : info.executables) text += executableText(executable);
     return text;

@@ -24,13 +24,7 @@ std::string alertLine(const AlertRecord& record) {
 std::string callLine(const macplatform::RecordedCall& entry) {
     std::string text = "  " + entry.call;
     const bool isWholeMessage = !entry.call.empty() && entry.call.front() == '[';
-    if (!isWholeMessage || !entry.arguments.empty()) {
-        std::string arguments;
-        for (const std::string& argument : entry.arguments) {
-            arguments += (arguments.empty() ? "" : ", ") + argument;
-        }
-        text += '(' + arguments + ')';
-    }
+    if (!isWholeMessage || !entry.arguments.empty()) text += '(' + Join(entry.arguments, ", ") + ')';
     if (!entry.result.empty()) text += " = " + entry.result;
     if (!entry.note.empty()) text += "  (" + entry.note + ')';
     return Printable(text) + '\n';

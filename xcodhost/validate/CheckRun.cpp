@@ -189,15 +189,14 @@ std::string Describe(const Changes& changes) {
     for (const FinderFlagChange& change : changes.finderFlags) lines.push_back(Line(change));
     for (const FileChange& change : changes.files)
         lines.push_back(Printable(change.path) + ": " + change.what);
-    std::string text = lines.empty() ? "nothing changed" : Counted(lines.size(), "change");
-    for (std::size_t i = 0; i < lines.size(); ++i) text += (i == 0 ? ": " : "; ") + lines[i];
-    return text;
+    if (lines.empty()) return "nothing changed";
+    return Counted(lines.size(), "change") + ": " + Join(lines, "; ");
 }
 
 std::string Describe(const std::vector<macplatform::Alert>& alerts) {
-    std::string text;
-    for (const macplatform::Alert& alert : alerts) text += (text.empty() ? "" : ", ") + Describe(alert);
-    return text.empty() ? "no alert" : text;
+    std::vector<std::string> texts;
+    for (const macplatform::Alert& alert : alerts) texts.push_back(Describe(alert));
+    return texts.empty() ? "no alert" : Join(texts, ", ");
 }
 
 } // namespace xcodhost

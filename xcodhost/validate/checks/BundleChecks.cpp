@@ -96,10 +96,9 @@ std::optional<BundleImage> ownImage(const BundleExecutable& executable) {
 
 void architectureFits(CheckRun& run) {
     const BundleExecutable executable = loadableExecutable(run);
-    std::string seen;
-    for (const BundleImage& image : executable.images)
-        seen += (seen.empty() ? "" : ", ") + image.architecture;
-    run.Expect(ownImage(executable).has_value(), ownArchitecture() + ", as for this tool", seen);
+    std::vector<std::string> seen;
+    for (const BundleImage& image : executable.images) seen.push_back(image.architecture);
+    run.Expect(ownImage(executable).has_value(), ownArchitecture() + ", as for this tool", Join(seen, ", "));
 }
 
 /// Returns the exported symbols of the part that this program can load.

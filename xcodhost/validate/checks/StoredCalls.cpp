@@ -30,12 +30,6 @@ bool isStray(const Changes& changes, const PreferenceChange& change,
     });
 }
 
-std::string joinTexts(const std::vector<std::string>& texts) {
-    std::string joined;
-    for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
-    return joined.empty() ? "none" : joined;
-}
-
 std::vector<std::string> storingCalls(const Outcome& outcome) {
     std::vector<std::string> stored;
     for (const macplatform::RecordedCall& entry : outcome.calls) {
@@ -61,7 +55,7 @@ void ExpectNothingBeside(CheckRun& run, const Changes& changes, const std::vecto
 
 void ExpectOrder(CheckRun& run, const Outcome& outcome, const std::vector<std::string>& wanted) {
     const std::vector<std::string> stored = storingCalls(outcome);
-    run.Expect(stored == wanted, joinTexts(wanted), joinTexts(stored));
+    run.Expect(stored == wanted, ListText(wanted), ListText(stored));
 }
 
 } // namespace xcodhost
