@@ -28,7 +28,7 @@ std::string folderOf(const std::string& path) {
 
 std::string nameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-std::string joined(const std::string& folder, const std::string& name) {
+std::string pathIn(const std::string& folder, const std::string& name) {
     return folder.back() == '/' ? folder + name : folder + '/' + name;
 }
 
@@ -64,9 +64,9 @@ bool makeFolders(const std::string& path) {
 
 std::string homeTrash() {
     const char* const data = std::getenv("XDG_DATA_HOME");
-    if (data && *data == '/') return joined(data, "Trash");
+    if (data && *data == '/') return pathIn(data, "Trash");
     const char* const home = std::getenv("HOME");
-    return home && *home == '/' ? joined(home, ".local/share/Trash") : std::string();
+    return home && *home == '/' ? pathIn(home, ".local/share/Trash") : std::string();
 }
 
 /// Returns the top directory of the file system of the path.
@@ -80,12 +80,12 @@ std::string topOf(const std::string& path, dev_t device) {
 /// Returns the Trash of a file system: the user's directory in the common `.Trash` if the administrator has
 /// created `.Trash` with the sticky bit, and otherwise `.Trash-UID`.
 TrashFolder trashAtTop(const std::string& top) {
-    const std::string user = std::to_string(getuid()), common = joined(top, ".Trash");
+    const std::string user = std::to_string(getuid()), common = pathIn(top, ".Trash");
     struct stat status {};
     const bool usable =
         lstat(common.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX);
-    if (usable && makeFolders(joined(common, user))) return {joined(common, user), top};
-    return {joined(top, ".Trash-" + user), top};
+    if (usable && makeFolders(pathIn(common, user))) return {pathIn(common, user), top};
+    return {pathIn(top, ".Trash-" + user), top};
 }
 
 TrashFolder trashFor(const std::string& path) {
@@ -197,7 +197,7 @@ int MoveToTrash(const std::string& path) {
         return failed;
     }
     // Most items have no sidecar. If an existing sidecar cannot be moved, the item stays in the Trash.
-    (void)rename(joined(folderOf(path), "._" + nameOf(path)).c_str(),
+    (void)rename(pathIn(folderOf(path), "._" + nameOf(path)).c_str(),
                  (trash.path + "/files/._" + name).c_str());
     return 0;
 }
