@@ -241,6 +241,8 @@ TEST_F(FinderInfoTest, FSPathMakeRefReturnsTheErrorOfThePath) {
     EXPECT_EQ(FSSetCatalogInfo(&ref, kFSCatInfoNodeFlags, nullptr), paramErr);
     FSCatalogInfo info{};
     EXPECT_EQ(FSSetCatalogInfo(&ref, kFSCatInfoNodeFlags, &info), errFSBadInfoBitmap);
+    EXPECT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), noErr);
+    EXPECT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoNodeFlags, nullptr, nullptr, nullptr, nullptr), paramErr);
     EXPECT_EQ(FSExchangeObjects(&ref, &ref), errFSOperationNotSupported);
 }
 

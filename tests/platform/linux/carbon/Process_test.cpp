@@ -2,6 +2,7 @@
 #include <Carbon/MacMemory.h>
 #include <Carbon/Multiprocessing.h>
 #include <Carbon/Processes.h>
+#include <CoreFoundation/CFDate.h>
 #include <mach/mach_time.h>
 #include <macplatform/CallLog.h>
 #include <macplatform/LiveObjects.h>
@@ -10,8 +11,10 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <limits>
+#include <vector>
 
 using namespace macplatform;
 
@@ -82,6 +85,19 @@ TEST(Sysctl, KeepsErrnoWhenTheObserverChangesIt) {
     SetCallObserver({});
 }
 
+TEST(Clock, ReturnsTheSecondsSince2001) {
+    const auto standardTime = [] {
+        timespec now{};
+        clock_gettime(CLOCK_REALTIME, &now);
+        return static_cast<double>(now.tv_sec - 978307200) + static_cast<double>(now.tv_nsec) * 1e-9;
+    };
+    for (int i = 0; i < 100; ++i) {
+        const double before = standardTime();
+        const double seconds = CFAbsoluteTimeGetCurrent();
+        EXPECT_TRUE(before <= seconds && seconds <= standardTime()) << seconds - before;
+    }
+}
+
 TEST(Machine, CountsProcessorsAndNanoseconds) {
     EXPECT_GE(MPProcessors(), 1U);
     mach_timebase_info_data_t base{};
@@ -111,6 +127,11 @@ TEST(Memory, ReportsTheFailureOfTheLastCall) {
     EXPECT_EQ(MemError(), memFullErr);
     EXPECT_EQ(NewPtr(std::numeric_limits<Size>::max()), nullptr);
     EXPECT_EQ(MemError(), memFullErr);
+    std::vector<std::string> lines;
+    SetCallObserver([&lines](const RecordedCall& entry) { lines = entry.arguments; });
+    DisposePtr(NewPtr(1));
+    SetCallObserver({});
+    EXPECT_EQ(lines, std::vector<std::string>{"a block"});
     InjectFault({"NewPtr", memFullErr});
     EXPECT_EQ(NewPtr(8), nullptr);
     EXPECT_EQ(MemError(), memFullErr);
@@ -120,7 +141,8 @@ TEST(Memory, ReportsTheFailureOfTheLastCall) {
 
 TEST(MemoryDeathTest, EndsTheProcessForAnUnknownPointer) {
     alignas(16) char strange[64] = {};
-    EXPECT_DEATH(DisposePtr(strange + 48), "not returned by NewPtr");
+    EXPECT_DEATH(DisposePtr(strange + 48),
+                 "DisposePtr: the pointer was not returned by NewPtr, or it was disposed of before");
 }
 
 } // namespace

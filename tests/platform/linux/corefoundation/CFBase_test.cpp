@@ -77,16 +77,22 @@ TEST(ObjectsDeathTest, ReportMisuseAndAbort) {
 TEST(Objects, CallsAreRecorded) {
     const CallRecorder calls;
     macplatform::InjectFault({"CFStringCreateWithCString", 0, 1});
+    macplatform::InjectFault({"CFNumberCreate"});
     const CFStringRef text = NewText("a\nb");
     EXPECT_EQ(NewText("failed"), nullptr);
     UniChar part[2];
     CFStringGetCharacters(text, CFRangeMake(1, 2), part);
     CFRelease(text);
-    EXPECT_THAT(
-        calls.lines,
-        ElementsAre("CFStringCreateWithCString(NULL, \"a\\nb\", kCFStringEncodingUTF8) = \"a\\nb\"",
-                    "CFStringCreateWithCString(NULL, \"failed\", kCFStringEncodingUTF8) = NULL",
-                    "CFStringGetCharacters(\"a\\nb\", {1, 2}, buffer) = ", "CFRelease(\"a\\nb\") = "));
+    const SInt8 byte = -1;
+    EXPECT_EQ(CFNumberCreate(nullptr, kCFNumberSInt8Type, &byte), nullptr);
+    EXPECT_THAT(calls.lines,
+                ElementsAre("CFStringCreateWithCString(NULL, \"a\\nb\", kCFStringEncodingUTF8) = \"a\\nb\"",
+                            "CFStringCreateWithCString(NULL, \"failed\", kCFStringEncodingUTF8) = NULL",
+                            "CFStringGetCharacters(\"a\\nb\", {1, 2}, buffer) = ", "CFRelease(\"a\\nb\") = ",
+                            "CFNumberCreate(NULL, kCFNumberSInt8Type, -1) = NULL"));
+    macplatform::InjectFault({"CFEqual"});
+    EXPECT_EQ(macplatform::CancelInjectedFaults(), 1U);
+    EXPECT_TRUE(CFEqual(CFSTR("a"), CFSTR("a"))) << "a cancelled fault has no effect";
 }
 
 } // namespace

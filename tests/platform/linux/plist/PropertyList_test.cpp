@@ -70,7 +70,17 @@ TEST(PropertyList, RejectsInputThatWouldHarmTheParser) {
         for (int i = 0; i < 100000; ++i) text += open;
         return text;
     };
+    const auto closed = [](std::size_t depth) {
+        std::string text = "<true/>";
+        for (std::size_t i = 0; i < depth; ++i) text = "<array>" + text + "</array>";
+        return "<plist>" + text + "</plist>";
+    };
+    EXPECT_EQ(errorOf(closed(512)), "");
+    EXPECT_EQ(errorOf(closed(513)), "nested deeper than 512 levels");
     EXPECT_EQ(errorOf(nested("<array>")), "nested deeper than 512 levels");
+    std::string values = "<array>";
+    for (int i = 0; i < 1048576; ++i) values += "<true/>";
+    EXPECT_EQ(errorOf(values + "</array>"), "more than 1048576 values");
     EXPECT_EQ(errorOf(nested("<array><!-- </array> -->")), "nested deeper than 512 levels");
     EXPECT_EQ(
         errorOf("<plist><array>" + std::string(std::size_t{7} << 20, '\n') + nested("<true/>").substr(7)),
@@ -98,8 +108,12 @@ TEST(PropertyList, RejectsInputThatWouldHarmTheParser) {
     doubling.push_back("\x09");
     EXPECT_EQ(errorOf(BinaryPlist(doubling)), "more than 1048576 values");
 
-    const std::string whole = BinaryPlist({"\xD1\x01\x02", "\121k", "\xA2\x03\x03", "\x10\x07"});
+    std::string whole = BinaryPlist({"\xD1\x01\x02", "\121k", "\xA2\x03\x03", "\x10\x07"});
     EXPECT_EQ(errorOf(whole), "");
+    std::string outside = whole; // the root is the object after the last, which begins at byte 8
+    outside[outside.size() - 32] = 8;
+    outside[outside.size() - 9] = 4;
+    EXPECT_EQ(errorOf(outside), "the binary property list is damaged");
     for (std::size_t length = 0; length < whole.size(); ++length) {
         EXPECT_NE(errorOf(whole.substr(0, length)), "") << length;
     }
@@ -124,7 +138,11 @@ TEST(PropertyList, FollowsTheRulesOfXml) {
         {"<string>a & b</string>", "the XML is damaged in line 1"},
         {"<plist>\n<string>&nbsp;</string></plist>", "the XML is damaged in line 2"},
         {"<!DOCTYPE plist [<!ENTITY a \"b\">]><string>&a;</string>", "the XML is damaged in line 1"},
+        {"<true ></true >", "true"},
         {"<string>&#0;</string>", "the XML is damaged in line 1"},
+        {"<string>&#xD7FF;</string>", "\"\xED\x9F\xBF\""},
+        {"<string>&#xD800;</string>", "the XML is damaged in line 1"},
+        {"<string>\xEF\xBF\xBE</string>", "the XML is damaged in line 1"},
         {"<string>\x01</string>", "the XML is damaged in line 1"},
         {"<string>\xC0\xAF</string>", "the XML is damaged in line 1"},
         {"<string>\xA9</string>", "the XML is damaged in line 1"},

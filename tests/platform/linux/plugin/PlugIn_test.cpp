@@ -61,11 +61,36 @@ TEST_F(PlugIn, ReturnsAnInstance) {
     const CFPlugInRef plugIn = create(bundle);
     ASSERT_TRUE(plugIn);
     EXPECT_TRUE(makeInstance(plugIn)) << LastBundleFailure().text;
+    EXPECT_FALSE(macplatform::BundleSymbol(plugIn, "Missing"));
+    EXPECT_NE(LastBundleFailure().text, "");
     EXPECT_TRUE(macplatform::BundleSymbol(plugIn, "RefuseSample"));
+    EXPECT_EQ(LastBundleFailure().text, "") << "a success clears the failure";
     const CFPlugInRef again = create(bundle);
     EXPECT_EQ(again, plugIn);
     EXPECT_EQ(CFGetRetainCount(plugIn), 2);
     CFRelease(again);
+    CFRelease(plugIn);
+}
+
+TEST_F(PlugIn, ReportsCodeForAnotherProcessor) {
+    WriteInfo(InfoPlist("MakeSample"));
+    const CFPlugInRef plugIn = create(bundle);
+    std::string code = ReadBytes(SAMPLE_BUNDLE_CODE);
+    code.replace(18, 2, std::string("\xB7\0", 2));
+    const auto failureOf = [&](const std::string& magic) {
+        folder.Write("Sample.bundle/Contents/Linux/Test", magic + code.substr(4));
+        EXPECT_EQ(makeInstance(plugIn), nullptr);
+        return LastBundleFailure().text;
+    };
+    const std::string own = sizeof(void*) == 8 ? "x86-64" : "32-bit x86";
+    EXPECT_EQ(failureOf(code.substr(0, 4)), (bundle / "Contents/Linux/Test").string() +
+                                                ": built for 64-bit ARM, but this process runs code for " +
+                                                own);
+    EXPECT_NE(failureOf("text").find("not an executable file"), std::string::npos);
+    for (const char* magic : {"\xFE\xED\xFA\xCE", "\xCE\xFA\xED\xFE", "\xFE\xED\xFA\xCF", "\xCF\xFA\xED\xFE",
+                              "\xCA\xFE\xBA\xBE"}) {
+        EXPECT_EQ(failureOf(magic).find("not an executable file"), std::string::npos) << "code for the Mac";
+    }
     CFRelease(plugIn);
 }
 
