@@ -34,7 +34,7 @@ std::ptrdiff_t openDescriptors() {
 }
 
 TEST(File, OpenFollowsItsModeBits) {
-    constexpr unsigned int R = 0x02, W = 0x04, RW = 0x08, A = 0x10, T = 0x20;
+    constexpr unsigned int r = 0x02, w = 0x04, rw = 0x08, a = 0x10, t = 0x20;
     struct {
         unsigned int bits;
         int readError;    // errno of a read of the first byte; 0 if no error, or if the file is empty
@@ -44,18 +44,18 @@ TEST(File, OpenFollowsItsModeBits) {
         // clang-format off
         // mode bits, read error, write error, contents after the write; the file begins as "old!"
         {0, 0, EBADF, "old!"},
-        {R, 0, EBADF, "old!"},
-        {T, 0, EBADF, "old!"},
-        {R | T, 0, EBADF, "old!"},
-        {W, EBADF, 0, "X"},
-        {RW, 0, 0, "X"},
-        {R | RW, 0, 0, "oXd!"},
-        {R | W, 0, 0, "oXd!"},
-        {R | W | T, 0, 0, "X"},
-        {A, EBADF, 0, "old!X"},
-        {W | A, EBADF, 0, "old!X"},
-        {R | A, 0, 0, "old!X"},
-        {RW | A, 0, 0, "X"},
+        {r, 0, EBADF, "old!"},
+        {t, 0, EBADF, "old!"},
+        {r | t, 0, EBADF, "old!"},
+        {w, EBADF, 0, "X"},
+        {rw, 0, 0, "X"},
+        {r | rw, 0, 0, "oXd!"},
+        {r | w, 0, 0, "oXd!"},
+        {r | w | t, 0, 0, "X"},
+        {a, EBADF, 0, "old!X"},
+        {w | a, EBADF, 0, "old!X"},
+        {r | a, 0, 0, "old!X"},
+        {rw | a, 0, 0, "X"},
         // clang-format on
     };
     for (const unsigned int text : {0U, unsigned{File::Text}})

@@ -19,18 +19,18 @@ public:
     ScopedEnvironment(const char* home, const std::filesystem::path& folder)
         : oldFolder(std::filesystem::current_path()) {
         if (const char* const old = std::getenv("HOME")) oldHome = old;
-        setHome(home);
+        SetHome(home);
         std::filesystem::current_path(folder);
     }
     ScopedEnvironment(const ScopedEnvironment&) = delete;
     ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
     ~ScopedEnvironment() {
         std::filesystem::current_path(oldFolder);
-        setHome(oldHome ? oldHome->c_str() : nullptr);
+        SetHome(oldHome ? oldHome->c_str() : nullptr);
     }
 
 private:
-    static void setHome(const char* home) { home ? setenv("HOME", home, 1) : unsetenv("HOME"); }
+    static void SetHome(const char* home) { home ? setenv("HOME", home, 1) : unsetenv("HOME"); }
 
     std::filesystem::path oldFolder;
     std::optional<std::string> oldHome;
