@@ -2,7 +2,6 @@
 
 import pathlib
 import re
-import subprocess
 
 
 class Block:
@@ -21,10 +20,8 @@ class Block:
 
 
 def documents():
-    """Returns the paths of the documents in the working tree."""
-    names = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "--", "*.md"], capture_output=True, text=True,
-                           check=True).stdout.split("\n")
-    return [pathlib.Path(name) for name in names if name and pathlib.Path(name).exists()]
+    """Returns the paths of the documents in the working tree, without those in a build directory."""
+    return sorted(path for path in pathlib.Path().rglob("*.md") if path.parts[0] != "build")
 
 
 def read(document):
