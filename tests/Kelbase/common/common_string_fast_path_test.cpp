@@ -143,6 +143,8 @@ TEST_P(NumberFastPathInLocale, PrintsRealsAsTheCLibrary) {
         const auto mantissa = static_cast<double>(random() >> 11);
         values.push_back(std::ldexp(mantissa, -static_cast<int>(random() % 160)));
         values.push_back(-static_cast<double>(random() % 100000) / static_cast<double>(2 << random() % 20));
+        const std::uint64_t anyBits = random();
+        std::memcpy(&values.emplace_back(), &anyBits, sizeof anyBits);
     }
     for (const double value : values) {
         for (const char letter : {'f', 'F', 'e', 'E', 'g', 'G'}) {
@@ -153,6 +155,7 @@ TEST_P(NumberFastPathInLocale, PrintsRealsAsTheCLibrary) {
                 const std::string expected = number_model::Printed(value, precision, letter);
                 EXPECT_EQ(Bytes(String::Number(value, wanted, letter)), expected) << letter << precision;
                 EXPECT_EQ(Bytes(String("<%1>").Arg(value, wanted, letter)), "<" + expected + ">");
+                if (std::isfinite(value)) requireSameReal(expected, GetParam());
             }
         }
     }

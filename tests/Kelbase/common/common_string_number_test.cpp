@@ -8,8 +8,6 @@
 
 #include <climits>
 #include <cmath>
-#include <cstring>
-#include <random>
 #include <stdexcept>
 
 TEST(StringArg, FillsTheLowestPlaceholder) {
@@ -104,44 +102,4 @@ TEST(StringNumber, FormatsFloatingPointAsPrintfDoes) {
     g_chDecimalPoint = ',';
     EXPECT_EQ(Bytes(String::Number(-1.5, 1)), "-1,5");
     g_chDecimalPoint = '.';
-}
-
-TEST(StringNumber, AgreesWithTheCLibrary) {
-    std::mt19937_64 random(1848);
-    const auto anyBits = [&random] {
-        const unsigned long long bits = random();
-        double v;
-        std::memcpy(&v, &bits, sizeof v);
-        return v;
-    };
-    for (int round = 0; round < 20000; ++round) {
-        const auto precision = static_cast<unsigned int>(random() % 12);
-        const double halves =
-            static_cast<double>(random() % 100000) / static_cast<double>(2 << random() % 20);
-        const double decimals =
-            std::ldexp(static_cast<double>(random() >> 11), -static_cast<int>(random() % 160));
-        for (const double v : {anyBits(), halves, -decimals, std::ldexp(1 + halves, 40), -0.0}) {
-            char fixed[512], scientific[64];
-            std::snprintf(fixed, sizeof fixed, "%.*f", static_cast<int>(precision), v);
-            std::snprintf(scientific, sizeof scientific, "%.*e", static_cast<int>(precision), v);
-            ASSERT_EQ(Bytes(String::Number(v, precision)), fixed) << precision;
-            ASSERT_EQ(Bytes(String::Number(v, precision, 'e')), scientific) << precision;
-            if (std::isnan(v)) continue;
-            ASSERT_EQ(String(scientific).ToDouble(), std::strtod(scientific, nullptr)) << scientific;
-            ASSERT_EQ(String(fixed).ToDouble(), std::strtod(fixed, nullptr)) << fixed;
-        }
-        const auto bits = static_cast<long long>(random() >> random() % 64);
-        ASSERT_EQ(Bytes(String::Number(bits)), std::to_string(bits));
-        const auto base = static_cast<unsigned int>(2 + random() % 35);
-        const auto value = static_cast<unsigned int>(random() >> (32 + random() % 32));
-        std::string digits;
-        for (unsigned int rest = value; rest != 0 || digits.empty(); rest /= base)
-            digits.insert(0, 1, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"[rest % base]);
-        ASSERT_EQ(Bytes(String::Number(value, base)), digits) << base;
-        ASSERT_EQ(String(digits.c_str()).ToUInt(nullptr, base), value) << digits << " " << base;
-    }
-    for (unsigned long long power = 1; power < ULLONG_MAX / 10; power *= 10) {
-        for (const unsigned long long v : {power - 1, power})
-            ASSERT_EQ(Bytes(String::Number(v)), std::to_string(v));
-    }
 }

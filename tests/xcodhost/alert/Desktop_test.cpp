@@ -193,6 +193,26 @@ TEST(Desktop, TriesTheNextProgramAfterAFailure) {
                 HasSubstr("the buttons are too wide for one row"));
 }
 
+/// kdialog itself needs the libraries of a whole desktop. A script stands for it.
+TEST(Desktop, PassesLiteralTextsToKdialog) {
+    const TemporaryFolder folder;
+    const Variable path("PATH", folder.Path().c_str()), display("DISPLAY", ":0");
+    const auto runWithScript = [&](const std::string& lines) {
+        const std::string record = "printf '%s\\n' \"$@\" > '" + (folder / "arguments").string() + "'\n";
+        std::filesystem::permissions(folder.Write("kdialog", "#!/bin/sh\n" + record + lines),
+                                     std::filesystem::perms::owner_all);
+        return runWith("", {"19"});
+    };
+    EXPECT_THAT(runWithScript("printf 3\n").out, HasSubstr("0x00000000 -> 0x00040000"));
+    EXPECT_EQ(
+        ReadBytes(folder / "arguments"),
+        "--title\nxcodhost\n--menu\n<qt>--version &lt;b>&amp;amp;&lt;/b><br>&#92;x5F $(false) &#92;x1B</qt>\n"
+        "--\n0\ngtk-ok\n1\nA_B:7\n2\nx!y!z\n3\n--help\n");
+    EXPECT_THAT(runWithScript("exit 1\n").out, HasSubstr(": not shown, its window was closed\n"));
+    EXPECT_THAT(runWithScript("exit 0\n").err, HasSubstr("was not shown: kdialog ended with exit status 0"));
+    EXPECT_THAT(runWithScript("printf 4\n").err, HasSubstr("kdialog ended with exit status 0"));
+}
+
 TEST(Desktop, RejectsAMissingProgramOrDisplayBeforeTheRun) {
     const Variable noWayland("WAYLAND_DISPLAY", nullptr);
     const TemporaryFolder empty;

@@ -8,7 +8,6 @@
 
 #include <elf.h>
 #include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstring>
@@ -222,18 +221,6 @@ TEST(MachOFile, ReportsTheFault) {
               "the list of images is cut off");
     EXPECT_FALSE(IsMachO(toBytes({0xCA, 0xFE, 0xBA, 0xBE, 0, 0, 0, 52}))) << "a Java class";
     EXPECT_FALSE(IsMachO("\xCE\xFA\xED"));
-}
-
-TEST(Info, PrintsTheContentsOfABundle) {
-    const TestBundle bundle;
-    const auto info = nlohmann::json::parse(RunHost({"info", bundle.Path(), "--json"}).out);
-    EXPECT_EQ(info["factories"][0]["function"], "Make");
-    EXPECT_EQ(info["types"][0]["identifier"], "5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8");
-    EXPECT_EQ(info["executables"][0]["format"], "ELF");
-    EXPECT_EQ(info["executables"][0]["architectures"][0], kOwnArchitecture);
-    EXPECT_EQ(info["executables"][0]["images"][0]["exports"], info["executables"][0]["exports"]);
-    const HostTool text = RunHost({"info", bundle.Path()});
-    EXPECT_THAT(text.out, HasSubstr("type  5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8 (installer plug-in): A0A0"));
 }
 
 TEST_F(MachOFiles, ArePrintedByArchitecture) {

@@ -52,6 +52,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"UnknownEvent", "run BUNDLE --product 1 --event mid", "--event: \"mid\""},
         {"TimeoutIsZero", "run BUNDLE --product 1 --timeout 0", "--timeout: \"0\""},
         {"TimeoutIsNaN", "run BUNDLE --product 1 --timeout nan", "--timeout: \"nan\""},
+        {"ListWithoutASubject", "list", "A subcommand is required"},
         {"VolumeIsMissing", "run BUNDLE --product 1 --volume /nowhere", "/nowhere"},
         {"VolumeIsAFile", "run BUNDLE --product 1 --volume SHORT", "not a folder"},
         {"VolumeIsThisMachine", "run BUNDLE --product 1 --volume /", "/: the root directory of this machine"},
@@ -134,14 +135,6 @@ TEST(Command, ReportsAnOutputThatCannotBeWritten) {
     EXPECT_EQ(full.ExitStatus(), 70);
     EXPECT_THAT(full.err, HasSubstr("No space left on device"));
     EXPECT_EQ(RunHost({"run", bundle.Path(), "--product", "0"}, {}, {}, "-").ExitStatus(), 0);
-}
-
-TEST(Command, PrintsExamplesInHelp) {
-    for (const char* command : {"run", "show", "volume", "info"}) {
-        const HostTool help = RunHost({command, "--help"});
-        EXPECT_EQ(help.ExitStatus(), 0);
-        EXPECT_THAT(help.out, HasSubstr(std::string("\n  xcodhost ") + command));
-    }
 }
 
 } // namespace

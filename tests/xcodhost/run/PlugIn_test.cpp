@@ -60,16 +60,6 @@ TEST_F(InstalledProduct, HasFilesThatOtherToolsRead) {
               std::string("\x40\x00", 2));
 }
 
-TEST_F(InstalledProduct, HasTheSameEffectsInShow) {
-    Install();
-    EXPECT_EQ(RunHost({"show", "--volume", volume}).out,
-              "com.korvane.audioplugins.Fusewright Lang: (string) \"ja\"\n"
-              "com.korvane.updater InstalledProducts/Fusewright/CurrentVersion: (string) \"1.73\"\n"
-              "com.korvane.updater UpdateInterval: (integer) 2\n"
-              "/Applications/Korvane: C custom icon (0x0400) on\n"
-              "/Applications/Korvane/Icon\\r: V invisible (0x4000) on\n");
-}
-
 TEST_F(InstalledProduct, ReportsAWrongSelectorWithTwoAlertsAndTheErrorBit) {
     const HostTool run = Install({"--selector", "7", "--event", "pre", "--direct"});
     EXPECT_THAT(run.out, HasSubstr("  Alert \"Unable to set post install option keys.\" [OK]: OK\n"

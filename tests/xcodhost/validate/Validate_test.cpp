@@ -245,8 +245,7 @@ TEST(Validate, RunsTheSelectedChecks) {
     EXPECT_EQ(RunHost({"validate", bundle.Path(), "--junit", "/not/there/file"}).ExitStatus(), 2);
 }
 
-TEST(Validate, ExplainsACheck) {
-    EXPECT_THAT(RunHost({"explain", "steps.alert"}).out, HasSubstr("depends on  steps.return"));
+TEST(Validate, ExplainSuggestsSimilarChecks) {
     const HostTool wrong = RunHost({"explain", "stop"});
     EXPECT_EQ(wrong.ExitStatus(), 2);
     EXPECT_THAT(wrong.err, HasSubstr("steps.stop-alert"));
