@@ -1,2 +1,2 @@
-extern "C" [[gnu::visibility("default")]] int korvane_version;
-int korvane_version = 173;
+extern "C" [[gnu::visibility("default")]] int gKorvaneVersion;
+int gKorvaneVersion = 173;

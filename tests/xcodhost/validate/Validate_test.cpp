@@ -154,7 +154,7 @@ const Fault kFaults[] = {
     {"StopAlertTwice", "steps.alerts-once", "Stop alert 5000, Stop alert 5000"},
     {"StringLeaked", "process.objects", "string \"left behind\", 1 reference"},
     {"StringUnchecked", "faults.no-string", "crashed: SIGABRT (Aborted)", kCrashed},
-    {"SymbolToo", "bundle.exports-only", "also exports korvane_version"},
+    {"SymbolToo", "bundle.exports-only", "also exports gKorvaneVersion"},
     {"SymbolUndefined", "bundle.loads", "undefined symbol: function_of_no_library", kNotLoaded},
     {"SynchronisedFirst", "pre-install.order", "CFPreferencesSynchronize"},
     {"TextPrinted", "process.silent", "icon hidden"},
