@@ -46,7 +46,8 @@ String convertRelative(const String& s, bool /*flag*/) {
     return (getcwd(folder, sizeof folder - 1) ? String(folder) + "/" : String("/")) + s;
 }
 
-/// Returns whether the name up to its first NUL is "..". Comparisons of `String` also end at the first NUL.
+/// Returns whether the name before its first NUL is "..". The comparisons of `String` end at the first NUL
+/// too.
 bool isParent(std::string_view name) {
     return name.substr(0, 2) == ".." && (name.size() == 2 || name[2] == '\0');
 }
@@ -74,10 +75,10 @@ private:
     std::unique_ptr<char[]> large;
 };
 
-/// A list of names, stored as one text with "/" between two names. Does not own the memory.
+/// A list of names, stored as one text with "/" between two names. The caller owns the memory of the text.
 class JoinedNames {
 public:
-    /// Creates a list of zero, one or two empty names. Writes the text to `out`.
+    /// Creates a list of `emptyNames` empty names: 0, 1 or 2. Writes the text to `out`.
     JoinedNames(char* out, std::size_t emptyNames) : begin(out), end(out), count(emptyNames) {
         if (count == 2) *end++ = '/';
     }
@@ -107,9 +108,9 @@ private:
 /// Writes the names of `s` to `out` with one "/" between two names. Omits each ".." and the name before it.
 /// `out` must hold one byte more than the text.
 ///
-/// One separator at the start follows an empty name. Two or more separators at the start follow two empty
-/// names. A ".." also removes an empty name. The name after a removed ".." is not examined: the second of two
-/// ".." in a row stays.
+/// A path with one separator at its start begins with one empty name. A path with two or more separators at
+/// its start begins with two empty names. A ".." also removes an empty name. The name after a removed ".." is
+/// not examined: the second of two consecutive ".." stays.
 std::string_view cleanDirPath(std::string_view s, char* const out) {
     if (s.empty()) return {};
     s = withoutTrailingSeparators(s);
@@ -130,8 +131,7 @@ std::string_view cleanDirPath(std::string_view s, char* const out) {
     return names.Text();
 }
 
-/// Returns the canonical form of `s` without the "/" at its end. The result is a part of `s` if `s` is
-/// canonical. Otherwise the result is in `memory`.
+/// Returns the canonical form of `s` without the "/" at its end. The result is a view of `s` or of `memory`.
 std::string_view canonicalize(const String& s, PathMemory& memory) {
     const auto withoutSlashes = [](std::string_view text) {
         while (!text.empty() && text.back() == '/') text.remove_suffix(1);
@@ -139,7 +139,7 @@ std::string_view canonicalize(const String& s, PathMemory& memory) {
     };
     const std::string_view text = view(s);
     const std::string_view stem = withoutSlashes(text);
-    if (!text_scan::HasDirtyPath(stem)) return stem; // true for some canonical paths too
+    if (!text_scan::HasDirtyPath(stem)) return stem;
     PathMemory converted;
     const std::string_view slashed = convertSeparators(text, converted.Take(text.size()));
     return withoutSlashes(cleanDirPath(slashed, memory.Take(text.size() + 1)));

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Owning pointers. Their reference counts are plain integers: a handle and its copies belong to one thread
-/// at a time.
+/// Declares owning pointers with shared or sole ownership. The reference counts are plain integers. Only one
+/// thread at a time may use a handle and its copies.
 
 #include <cstddef>
 #include <memory>
@@ -16,7 +16,7 @@ void checked_delete(T* p) {
     delete p;
 }
 
-/// Deletes an array made with `new[]`. Does not compile if the type is incomplete.
+/// Deletes an array that `new[]` has allocated. Does not compile if the type is incomplete.
 template <typename T>
 void checked_array_delete(T* p) {
     static_assert(sizeof(T) != 0, "the type must be complete where its objects are deleted");
@@ -31,7 +31,7 @@ struct UseCounter {
     void (*dispose)(UseCounter*, T* object); ///< Frees the object and the counter.
 };
 
-/// The counter of every null handle. Its count never changes, and null handles allocate nothing.
+/// The counter of all null handles. The count is always 1. A null handle needs no allocation.
 template <typename T>
 inline UseCounter<T> gNullCounter = {1, nullptr};
 
@@ -42,7 +42,7 @@ class SharedHandle {
 
 public:
     SharedHandle() noexcept = default;
-    /// Takes ownership of `p`. Throws `std::bad_alloc`, and `p` is then freed.
+    /// Takes ownership of `p`, which may be null. Throws `std::bad_alloc` after `deleter` has freed `p`.
     explicit SharedHandle(T* p) {
         if (!p) return;
         std::unique_ptr<T, void (*)(T*)> guard(p, deleter);
@@ -69,19 +69,20 @@ public:
         std::swap(counter, other.counter);
     }
 
-    /// Releases the present object and takes ownership of `p`. Does nothing if `p` is the present object.
-    /// Throws `std::bad_alloc`: `p` is then freed and the present object stays.
+    /// Releases the present object and takes ownership of `p`, which may be null. Does nothing if `p` is the
+    /// present object. Throws `std::bad_alloc` after `p` has been freed. The handle then keeps the present
+    /// object.
     void reset(T* p = nullptr) {
         if (p != object) SharedHandle(p).swap(*this);
     }
 
     T* get() const noexcept { return object; }
-    /// Returns the number of handles on the object, 1 for a null handle.
+    /// Returns the number of handles that share the object. Returns 1 for a null handle.
     unsigned int use_count() const noexcept { return counter->uses; }
     explicit operator bool() const noexcept { return object != nullptr; }
 
 protected:
-    /// Counter and object in one allocation.
+    /// The counter and the object in one allocation.
     struct Block : CounterType {
         template <typename... Arguments>
         explicit Block(Arguments&&... arguments)
@@ -103,7 +104,7 @@ private:
 
 } // namespace smart_ptr_detail
 
-/// Shared ownership of one object.
+/// Shares the ownership of one object.
 template <typename T>
 class shared_ptr : public smart_ptr_detail::SharedHandle<T, &checked_delete<T>> {
     using Base = smart_ptr_detail::SharedHandle<T, &checked_delete<T>>;
@@ -119,7 +120,7 @@ public:
     }
 
     ///@{
-    /// Undefined for a null handle.
+    /// Returns the object. The handle must not be null.
     T& operator*() const noexcept { return *this->get(); }
     T* operator->() const noexcept { return this->get(); }
     ///@}
@@ -128,18 +129,18 @@ private:
     explicit shared_ptr(typename Base::Block* b) noexcept : Base(b) {}
 };
 
-/// Shared ownership of an array made with `new[]`.
+/// Shares the ownership of an array that `new[]` has allocated.
 template <typename T>
 class shared_array : public smart_ptr_detail::SharedHandle<T, &checked_array_delete<T>> {
 public:
     using smart_ptr_detail::SharedHandle<T, &checked_array_delete<T>>::SharedHandle;
     shared_array() noexcept = default;
 
-    /// Does not check the index, because the handle does not know the length.
+    /// Returns an element. The index is not checked, because the handle does not store the length.
     T& operator[](std::size_t index) const noexcept { return this->get()[index]; }
 };
 
-/// Sole ownership of an array made with `new[]`.
+/// Owns an array that `new[]` has allocated.
 template <typename T>
 class scoped_array {
 public:
@@ -155,10 +156,10 @@ public:
         checked_array_delete(array);
         array = p;
     }
-    T* get() const noexcept { return array; } ///< Returns the array, still owned; null if there is none.
-    /// Does not check the index, because the handle does not know the length.
+    T* get() const noexcept { return array; } ///< Returns the array or null. Keeps the ownership.
+    /// Returns an element. The index is not checked, because the handle does not store the length.
     T& operator[](std::size_t index) const noexcept { return array[index]; }
-    explicit operator bool() const noexcept { return array != nullptr; } ///< True unless null.
+    explicit operator bool() const noexcept { return array != nullptr; }
 
 private:
     T* array;

@@ -15,7 +15,8 @@ std::size_t lengthUpToNul(const char* s, unsigned int limit) {
     return end ? static_cast<std::size_t>(static_cast<const char*>(end) - s) : limit;
 }
 
-/// Returns the length of a UTF-8 sequence with this lead byte. Sequences of five to seven bytes count too.
+/// Returns the length of a UTF-8 sequence by its lead byte. Includes the obsolete sequences of five to seven
+/// bytes.
 std::size_t sequenceLength(unsigned char lead) {
     if (lead < 0xE0) return 2;
     if (lead < 0xF0) return 3;
@@ -24,7 +25,7 @@ std::size_t sequenceLength(unsigned char lead) {
     return lead < 0xFE ? 6 : 7;
 }
 
-/// Overwrites a UTF-8 sequence that the end of the text cuts off with NUL bytes.
+/// Replaces the bytes of an incomplete UTF-8 sequence at the end of the text by NUL bytes.
 void blankCutSequence(char* bytes, std::size_t length) {
     if (length == 0 || static_cast<unsigned char>(bytes[length - 1]) < 0x80) return;
     for (std::size_t i = length; i-- > 0;) {
@@ -36,7 +37,8 @@ void blankCutSequence(char* bytes, std::size_t length) {
     }
 }
 
-/// Returns the capacity for a text that has grown to `length` and may grow further.
+/// Returns the capacity of a new buffer for a text that has grown to `length` bytes: twice the length, and at
+/// least 16 bytes of spare capacity. Returns `length` if this capacity is too large.
 std::size_t capacityToGrow(std::size_t length) {
     const unsigned long long capacity = length + std::max(0ull + length, 16ull);
     return capacity > 0xFFFFFFFFu || capacity > PTRDIFF_MAX ? length : static_cast<std::size_t>(capacity);
@@ -46,8 +48,8 @@ std::size_t capacityToGrow(std::size_t length) {
 
 void RefuseLength() { throw std::length_error("String: too long"); }
 
-/// Allocates a buffer with one holder. The caller writes the bytes. Both sizes must have been checked with
-/// `CheckedLength`.
+/// Allocates a buffer with one holder and writes the terminating NUL. The caller writes the bytes. Both sizes
+/// must have been checked with `CheckedLength`. Throws `std::bad_alloc`.
 String::Block* String::NewBlock(std::size_t length, std::size_t capacity) {
     void* const memory = std::malloc(sizeof(Block) + capacity + 1); // operator new would only call malloc
     if (!memory) throw std::bad_alloc();
@@ -86,7 +88,7 @@ String& String::Append(std::string_view piece) {
         block->Bytes()[total] = '\0';
         return *this;
     }
-    String longer; // frees the old text last: the piece may be a part of it
+    String longer; // frees the old buffer at the end, because `piece` may be a part of it
     longer.block = NewBlock(total, capacityToGrow(total));
     std::memcpy(longer.block->Bytes(), Latin1(), length);
     std::memcpy(longer.block->Bytes() + length, piece.data(), piece.size());

@@ -18,10 +18,10 @@ using Width = checked_value<unsigned int>;
 
 unsigned int usableBase(unsigned int base) { return base < 2 || base > 36 ? 10 : base; }
 
-// The formatters write a result in one pass. They describe it by parts. Each part has `Length` and appends
-// itself to a builder with `AddTo`.
+// A formatter describes its result as a part. `Length` returns the number of bytes of a part, and `AddTo`
+// appends these bytes to a builder. The result is thus written once, into a buffer of the right size.
 
-/// A part that is a text.
+/// A part that consists of given bytes.
 struct TextPart {
     std::string_view bytes;
 
@@ -29,7 +29,8 @@ struct TextPart {
     void AddTo(StringBuilder& text) const { text.Add(bytes); }
 };
 
-/// A part that is an integer: sign, zeros up to the width, and digits. The width does not include the sign.
+/// A part that consists of the sign, the zeros and the digits of an integer. The zeros and the digits
+/// together have at least `width` bytes.
 class IntegerPart {
 public:
     IntegerPart(unsigned long long m, bool negative, unsigned int b, const Width& width)
@@ -62,7 +63,8 @@ private:
     bool minus;
 };
 
-/// Replaces the lowest placeholder of the template by `part`. Appends `part` if there is no placeholder.
+/// Returns `pattern` with `part` in place of its lowest placeholder. Appends `part` if there is no
+/// placeholder.
 template <typename Part>
 String fill(const String& pattern, const Part& part) {
     const std::string_view bytes(pattern.Latin1(), pattern.GetLength());
@@ -81,8 +83,8 @@ String textOf(const Part& part) {
     return text.Finish();
 }
 
-// Functions that a formatter calls with its part: the first returns the part as text, the second inserts the
-// part in a template.
+// A formatter calls one of these two function objects with its part. `ToText` returns the part as a text.
+// `ToTemplate` inserts the part in a pattern.
 
 struct ToText {
     template <typename Part>
@@ -102,10 +104,10 @@ private:
     const String& pattern;
 };
 
-// A `long` whose value fits 32 bits is formatted as an int. Any other value is formatted with all its bits.
+// Returns whether `Arg` formats a `long` as an `int`. Any other `long` is formatted with all its bits.
 bool fitsInt(long v) { return v >= INT_MIN && v <= INT_MAX; }
 
-// Each formatter calls `use` with a part and returns the result of `use`.
+// Each formatter calls `use` with the part for its number and returns the result of `use`.
 
 template <typename Use>
 String formatInteger(unsigned long v, unsigned int base, const Width& width, Use use) {
@@ -115,7 +117,7 @@ template <typename Use>
 String formatInteger(long v, unsigned int base, const Width& width, Use use) {
     const unsigned long magnitude = v < 0 ? 0 - static_cast<unsigned long>(v) : static_cast<unsigned long>(v);
     if (v != INT_MIN || !width.IsGiven()) return use(IntegerPart(magnitude, v < 0, usableBase(base), width));
-    // The smallest int is formatted in two pieces. Each piece is padded to the width.
+    // The smallest int is formatted as two integers. Each of them is padded to the width.
     CheckedLength(2ull * width + 1);
     base = usableBase(base);
     const String pieces = textOf(IntegerPart(magnitude / base, true, base, width)) +

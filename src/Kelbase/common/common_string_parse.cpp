@@ -21,7 +21,8 @@ bool isAscii(const String& s) {
     return true;
 }
 
-/// Returns the ASCII character that a full-width digit or sign stands for, and every other unit as it is.
+/// Returns the ASCII equivalent of a full-width digit or sign, and `decimalPoint` for a full stop that is not
+/// ASCII. Returns every other unit unchanged.
 unsigned short toAscii(unsigned short unit, char decimalPoint) {
     if (unit >= 0xFF10 && unit <= 0xFF19) return static_cast<unsigned short>(unit - 0xFF10 + '0');
     switch (unit) {
@@ -36,8 +37,8 @@ unsigned short toAscii(unsigned short unit, char decimalPoint) {
     }
 }
 
-/// Replaces both decimal separators by the separator of the locale, and full-width digits and signs by ASCII
-/// characters. Returns an empty text if the bytes are not UTF-8.
+/// Replaces ".", "," and `g_chDecimalPoint` by the separator of the locale, and full-width digits and signs
+/// by ASCII characters. Returns an empty text if the text is not ASCII and `Unicode` rejects it.
 String normalizeNumberString(const String& s) {
     if (s.GetLength() == 0) return s;
     const char decimalPoint = *LocaleDecimalPoint();
@@ -53,15 +54,15 @@ String normalizeNumberString(const String& s) {
     return String(units.get(), 1);
 }
 
-/// The value of a byte as a digit, and the bases in which the byte is a digit.
+/// The properties of a byte as a digit.
 struct Digit {
-    unsigned int rank; ///< The byte is a digit of every base above this number.
-    unsigned int value;
+    unsigned int rank;  ///< The byte is a digit of every base above this number.
+    unsigned int value; ///< The value of the digit.
 };
 
-/// The digits, indexed by their bytes. The bytes between "Z" and "a" and the bytes from "{" are digits of
-/// bases above 36. From "{" the rank counts from "a", but the value counts from "A". The value can therefore
-/// exceed the base.
+/// The digits, indexed by their bytes. The ASCII characters after "Z" and after "z" are digits of bases above
+/// 36. For the characters from "{" on, `rank` is computed from "a", but `value` is computed from "A". Their
+/// value can therefore be larger than the base.
 constexpr std::array<Digit, 256> kDigits = [] {
     std::array<Digit, 256> digits{};
     for (Digit& digit : digits) digit = {UINT_MAX, 0};
@@ -81,8 +82,7 @@ const char* skipSpace(const char* p, const char* end) {
     return p;
 }
 
-/// The result of parsing an integer. The text may contain white space, a sign, digits and white
-/// space, in this order.
+/// The result of parsing an integer.
 template <typename U>
 struct Integer {
     U magnitude = 0;
@@ -90,8 +90,8 @@ struct Integer {
     bool isGood = false;
 };
 
-/// Parses the digits at `p` and moves `p` past the last digit. The text must end with a byte that is not a
-/// digit, for example NUL. Returns false if the number does not fit `U`.
+/// Parses the digits at `p` and moves `p` past the last digit. A byte that is not a digit, for example a NUL,
+/// must end the digits. Returns false if the number is larger than the largest `U`.
 template <typename U>
 bool scanUInt(const char*& p, unsigned int base, U& value) {
     constexpr U largest = std::numeric_limits<U>::max();
@@ -110,6 +110,7 @@ bool scanUInt(const char*& p, unsigned int base, U& value) {
     return true;
 }
 
+/// Parses white space, a sign, digits and white space, in this order. Only the digits are required.
 template <typename U>
 Integer<U> readInteger(const String& s, unsigned int base, bool minusAllowed) {
     Integer<U> number;
@@ -124,7 +125,7 @@ Integer<U> readInteger(const String& s, unsigned int base, bool minusAllowed) {
     return number;
 }
 
-/// Parses the normalized text. Not inlined, because few texts need the normalization.
+/// Parses the normalized text. The function is not inlined, because few texts need the normalization.
 template <typename U>
 [[gnu::noinline]] Integer<U> readNormalizedInteger(const String& s, unsigned int base, bool minusAllowed) {
     return isAscii(s) ? Integer<U>() : readInteger<U>(normalizeNumberString(s), base, minusAllowed);
@@ -145,7 +146,8 @@ U toUInt(bool* ok, unsigned int base, const String& s) {
     return number.isGood ? number.magnitude : 0;
 }
 
-// Each width has its own range. Callers rely on these ranges.
+// These functions apply the sign and set `good` to whether the type accepts the number. The ranges differ
+// from the ranges of the types on purpose: callers rely on them.
 
 int fromMagnitude(unsigned int magnitude, bool minus, bool& good) {
     good = magnitude <= 2147483647u + (minus ? 1u : 0u);
@@ -153,7 +155,7 @@ int fromMagnitude(unsigned int magnitude, bool minus, bool& good) {
 }
 
 short fromMagnitude(unsigned short magnitude, bool minus, bool& good) {
-    good = minus || magnitude <= 32767; // after "-" any 16 bits are valid and are converted to short
+    good = minus || magnitude <= 32767; // after "-" every 16-bit magnitude is accepted
     return static_cast<short>(minus ? -magnitude : magnitude);
 }
 
@@ -192,7 +194,8 @@ unsigned long long String::ToUInt64(bool* ok, unsigned int base) const {
 
 namespace {
 
-/// A decimal number as an integer and a power of ten.
+/// A decimal number with few digits: `digits` times 10 to the power of `exponent`, negated if `minus` is
+/// true.
 struct ShortDecimal {
     unsigned long long digits = 0;
     int exponent = 0;
@@ -201,21 +204,22 @@ struct ShortDecimal {
 
 bool isDecimalDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// Skips a sign at `p`. Returns whether the sign is a minus.
+/// Moves `p` past a sign, if there is one. Returns whether the sign is a minus.
 bool readSign(const char*& p) {
     if (*p != '-' && *p != '+') return false;
     return *p++ == '-';
 }
 
-/// Appends the digits at `p` to `number`. Returns the number of digits.
+/// Appends the digits at `p` to `number` and moves `p` past them. Returns the number of digits. `number`
+/// wraps around if it becomes too large.
 std::ptrdiff_t readDigits(const char*& p, unsigned long long& number) {
     const char* const first = p;
     for (; isDecimalDigit(*p); ++p) number = number * 10 + static_cast<unsigned int>(*p - '0');
     return p - first;
 }
 
-/// Parses digits with at most one separator. Returns false if there is no digit, or if 64 bits cannot hold
-/// every number with so many digits.
+/// Parses digits with at most one separator. Returns false for no digits and for more than 19 digits. 64 bits
+/// can store every number of 19 digits.
 bool readMantissa(const char*& p, ShortDecimal& number) {
     std::ptrdiff_t count = readDigits(p, number.digits);
     if (*p == '.' || *p == ',') {
@@ -238,28 +242,30 @@ bool readExponent(const char*& p, ShortDecimal& number) {
     return true;
 }
 
-/// Parses a text that ends with NUL as a decimal number. Returns false for any other notation, for example
-/// "inf", and for a text that is not a number.
+/// Parses a decimal number with optional white space around it. `*end` must be NUL. Returns false for any
+/// other text, for example "inf".
 bool readShortDecimal(const char* p, const char* end, ShortDecimal& number) {
     p = skipSpace(p, end);
     number.minus = readSign(p);
     return readMantissa(p, number) && readExponent(p, number) && skipSpace(p, end) == end;
 }
 
-/// Powers of ten that a double holds exactly.
+/// The powers of ten that a double represents exactly.
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int kLargestPower = static_cast<int>(std::size(kPowersOfTen)) - 1;
 constexpr unsigned long long kLargestExactInteger = 1ull << std::numeric_limits<double>::digits;
 
-/// Returns whether the normalization replaces only "." and "," by the separator of `strtod`.
+/// Returns whether "." and "," are the only decimal separators: the locale uses one of them, and
+/// `g_chDecimalPoint` is ".".
 bool isUsualLocale() {
     const char* const point = LocaleDecimalPoint();
     return (*point == '.' || *point == ',') && point[1] == '\0' && g_chDecimalPoint == '.';
 }
 
-/// Parses a number that is the product or the quotient of two exact doubles. The result is rounded once, as
-/// `strtod` rounds. Returns false for every other text.
+/// Parses a number that is the product or the quotient of an exact integer and an exact power of ten. The
+/// only rounding is that of the product or quotient, so the result is the same as that of `strtod`. Returns
+/// false for every other text.
 bool readExactly(const String& s, double& value) {
     if (!isUsualLocale()) return false;
     ShortDecimal number;
@@ -290,6 +296,7 @@ double String::ToDouble(bool* ok) const {
     return value;
 }
 
-// IEEE 754 defines the conversion of a double that is too large for a float: it becomes infinite.
+// With IEEE 754 numbers, the conversion of a double that is too large for a float is defined. The result is
+// infinite.
 static_assert(std::numeric_limits<float>::is_iec559);
 float String::ToFloat(bool* ok) const { return static_cast<float>(ToDouble(ok)); }

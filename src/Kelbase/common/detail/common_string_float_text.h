@@ -9,8 +9,8 @@ class FloatText {
 public:
     static constexpr unsigned int kNoPrecision = 0xFFFFFFFF;
 
-    /// `format` is the conversion letter: f, F, e, E, g or G. Any other value means f. `precision` is at most
-    /// 99; a larger value is replaced by 99. `noPrecision` means 6.
+    /// `format` is the conversion letter: f, F, e, E, g or G. An absent format and any other value mean f. A
+    /// precision above 99 is reduced to 99, except that `kNoPrecision` means 6.
     FloatText(double value, unsigned int precision, const checked_value<unsigned int>& format);
     FloatText(const FloatText&) = delete;
     FloatText& operator=(const FloatText&) = delete;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The limit on the length of a text.
+/// Checks the length of a text against its limit.
 
 #include <cstddef>
 #include <cstdint>

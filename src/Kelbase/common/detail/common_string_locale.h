@@ -2,8 +2,8 @@
 
 #include <langinfo.h>
 
-/// Returns the decimal point of the process's locale, which the C library prints and reads. It may have
-/// several bytes.
+/// Returns the decimal point of the process's locale, as the C library prints and parses it. The string may
+/// have several bytes. It is valid until the locale changes.
 inline const char* LocaleDecimalPoint() {
     const char* const point = nl_langinfo(RADIXCHAR); // cheaper than localeconv
     return point && *point ? point : ".";

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The scalar implementations of the functions in common_string_scan.h. The vectorised ones use them for the
-/// last bytes of a text.
+/// Defines the scalar implementations of the functions in common_string_scan.h. The vectorised
+/// implementations call them for the last bytes of a text.
 
 #include <Kelbase/common/common_char.h>
 #include <Kelbase/common/detail/common_string_scan.h>
@@ -38,11 +38,11 @@ inline bool EqualFolded(const char* a, const char* b, std::size_t n) {
     return true;
 }
 
-/// `afterSpace` says whether white space or nothing precedes the text.
+/// `afterSpace` is true if the text follows white space or is the first one.
 inline char* WriteWords(std::string_view text, char* out, bool afterSpace) {
     for (const char c : text) {
         const bool space = Char(c).IsSpace();
-        *out = space ? ' ' : c; // a dropped byte is overwritten by the next one
+        *out = space ? ' ' : c; // the next byte overwrites a byte that is not kept
         out += !(space && afterSpace);
         afterSpace = space;
     }

@@ -4,6 +4,6 @@
 
 #include <vector>
 
-/// Sorts as std::sort does, and faster for many texts. Throws `std::bad_alloc` and then leaves the list
-/// unchanged.
+/// Sorts the texts in ascending order like std::sort, but is faster for many texts. Throws `std::bad_alloc`.
+/// The list is then unchanged.
 void SortTexts(std::vector<String>& texts);
