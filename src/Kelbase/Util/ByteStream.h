@@ -11,12 +11,13 @@ namespace Util {
 
 /// A data stream in memory.
 ///
-/// A new stream is at position 0, uses the least significant byte first and writes the lengths of strings. It
-/// holds at most 4294967295 bytes. A constructor or a write that needs more throws `std::length_error`.
+/// A new stream is at position 0, stores the least significant byte of a number first, and writes the lengths
+/// of strings. A stream has at most 4294967295 bytes. A constructor or a write that needs more bytes throws
+/// `std::length_error`.
 class ByteStream : public DataStream {
 public:
-    // The operators for single values are defined in the class, so that the compiler can call them directly
-    // where it knows the type of the stream.
+    // The operators for single values are defined in the class. The compiler can then inline them where it
+    // knows the type of the stream.
 
     /// Creates an empty stream with storage for `capacity` bytes.
     explicit ByteStream(unsigned int capacity) : data(capacity) {}
@@ -104,7 +105,7 @@ public:
 
 private:
     bool IsLittleEndian() const { return endianType <= EndianLittle; }
-    /// Returns whether `count` bytes can be read at the position.
+    /// Returns whether the stream has `count` bytes from the position on.
     bool Holds(unsigned long long count) const { return position + count <= data.Size(); }
     [[noreturn]] void RefuseNumber(unsigned int width) const;
 

@@ -10,7 +10,7 @@ CFStringRef createFromUtf8(const char* text) {
     return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
 }
 
-/// Returns a new empty string, or the constant one if the platform cannot create a new one.
+/// Returns a new empty string, or a constant empty string if the platform cannot create a new one.
 CFStringRef createEmpty() {
     const CFStringRef empty = createFromUtf8("");
     return empty ? empty : CFSTR("");

@@ -22,6 +22,7 @@ bool sameLetter(char a, char b) { return Char(a).ToLower() == Char(b).ToLower();
 
 std::string_view view(const String& s) { return {s.Latin1(), s.GetLength()}; }
 
+/// A pattern for names, as the comment of `Dir` describes it.
 class Pattern {
 public:
     explicit Pattern(const String& pattern) {
@@ -30,7 +31,7 @@ public:
         if (star.IsGiven()) suffix = pattern.Mid(star + 1);
     }
 
-    /// Prefix and suffix may overlap in the name: "abc" matches "ab*bc".
+    /// Returns whether a name matches. Prefix and suffix may overlap in the name: "abc" matches "ab*bc".
     bool Fits(std::string_view name) const {
         const std::string_view first = view(prefix), last = view(suffix);
         return name.size() >= first.size() && name.size() >= last.size() &&
@@ -47,11 +48,12 @@ String join(const String& folder, const String& name) {
     return folder.EndsWith("/") ? folder + name : folder + "/" + name;
 }
 
-/// The path by which a folder is opened, and the paths by which its entries are queried.
+/// The path with which a folder is opened, and the paths with which `stat` reads its entries.
 class Paths {
 public:
-    /// The path of an entry is cleaned as a whole, so that of a name with a backslash leads elsewhere. An
-    /// empty path stays empty and cannot be opened; cleaning would make it "/".
+    /// The path of an entry is the canonical form of folder and name together. If the name contains a
+    /// backslash, this path therefore refers to an item in another folder. An empty path is not
+    /// canonicalized, because its canonical form is "/". It stays empty and cannot be opened.
     explicit Paths(const FolderPath& folder)
         : opened(folder.IsEmpty() ? String() : folder.ToString()), cleaned(&folder) {
         entry = view((folder + "x").ToString());
@@ -72,18 +74,19 @@ public:
         return entry += name;
     }
 
-    /// Returns whether the path of the entry leads to the entry of that name in the opened folder, and is not
-    /// too long for the system.
+    /// Returns whether the path of the entry refers to the entry with this name in the opened folder and is
+    /// not too long for the system.
     bool IsInOpened(std::string_view name) const {
         return prefixIsOpened && prefixLength + name.size() < PATH_MAX && !IsReshaped(name);
     }
 
 private:
+    /// Returns whether canonicalization changes the name.
     bool IsReshaped(std::string_view name) const { return cleaned && name.find('\\') != name.npos; }
 
     String opened;
     const FolderPath* cleaned = nullptr;
-    std::string entry; // the path of the last name that was not reshaped
+    std::string entry; // the path of the last name that canonicalization did not change
     std::size_t prefixLength;
     bool prefixIsOpened = true;
     std::string reshaped;
@@ -101,10 +104,11 @@ std::optional<bool> isRecordedAsFile(const dirent& entry) {
     case DT_BLK:
         return false;
     default:
-        return std::nullopt; // a link counts as its target, and some volumes have no d_type
+        return std::nullopt; // a link has the type of its target, and some volumes have no d_type
     }
 }
 
+/// Returns whether a path is a regular file or a link to one. Returns absent if `stat` fails.
 std::optional<bool> isFile(const std::string& path) {
     struct stat status;
     if (stat(path.c_str(), &status) != 0) return std::nullopt;
@@ -117,10 +121,10 @@ struct CloseFolder {
 
 enum class Wanted { kFiles, kFolders, kEverything };
 
-/// Adds the names of the matching entries, and sorts the list.
+/// Adds the names of the matching entries to `names` and sorts `names`.
 ///
-/// `d_type` is trusted after one `stat` of an entry has succeeded. In a folder that may be read but not
-/// searched, and for a path that is too long, `stat` fails, and the entry must be left out.
+/// `d_type` is trusted after one `stat` of an entry has succeeded. `stat` fails if the folder may be read but
+/// not searched, and if a path is too long. The entry must be omitted in these cases.
 void list(Paths paths, std::vector<String>& names, const Pattern& pattern, bool append, Wanted wanted) {
     if (!append) names.clear();
     const std::unique_ptr<DIR, CloseFolder> folder(opendir(paths.Opened()));
@@ -181,8 +185,9 @@ private:
         return {};
     }
 
-    /// Returns false for a folder that was searched before. A link may lead back up, and with two links in
-    /// each of forty folders there are 2^40 paths to the last one.
+    /// Returns whether the folder exists and was not searched before. Records the folder. Without this check,
+    /// a link to a parent folder would cause an endless search, and two links in each of forty folders would
+    /// cause 2^40 searches of the last folder.
     bool IsNew(const String& folder) {
         struct stat status;
         return stat(folder.Latin1(), &status) == 0 && seen.emplace(status.st_dev, status.st_ino).second;

@@ -125,8 +125,9 @@ checked_value<unsigned long long> File::Remaining() const {
     return size > position ? size - position : 0ULL;
 }
 
-/// Makes a change between reading and writing legal. ISO C demands a flush or a positioning between the two,
-/// except for writing where a read met the end. A failure of these calls is not reported.
+/// Prepares the stream for a read or a write. ISO C requires a flush before a read that follows a write, and
+/// a positioning before a write that follows a read, unless the read has reached the end of the file. Ignores
+/// failures of these calls.
 void File::Turn(Transfer next) {
     if (last == Transfer::kWrite && next == Transfer::kRead) static_cast<void>(std::fflush(handle));
     if (last == Transfer::kRead && next == Transfer::kWrite && !std::feof(handle))
@@ -142,7 +143,7 @@ void File::ReadBlock(char* buffer, unsigned int count) {
     const bool text = openMode & Text;
     unsigned long long start = 0;
     if (text) start = At();
-    errno = 0; // the end of the file does not set it
+    errno = 0; // fread does not set errno at the end of the file
     const std::size_t delivered = std::fread(buffer, 1, count, handle);
     if (text) {
         const unsigned long long passed = At() - start; // an absent position counts as 0

@@ -18,14 +18,14 @@ OSStatus makeRef(const String& path, FSRef& ref) {
     return FSPathMakeRef(reinterpret_cast<const UInt8*>(path.Latin1()), &ref, nullptr);
 }
 
-/// Exchanges the contents of two files. Names and attributes stay.
+/// Exchanges the contents of two files. Their names and attributes do not change.
 bool exchangeContents(const FilePath& a, const FilePath& b) {
     FSRef refA, refB;
     return makeRef(a.ToString(), refA) == noErr && makeRef(b.ToString(), refB) == noErr &&
            FSExchangeObjects(&refA, &refB) == noErr;
 }
 
-/// Owns an Apple-event descriptor. The destructor disposes of it.
+/// Owns an Apple-event descriptor. The destructor disposes of the descriptor.
 class Descriptor : private noncopyable {
 public:
     ~Descriptor() {
@@ -64,7 +64,7 @@ OSErr putTrash(AppleEvent* event) {
 
 void File::Rename(const FilePath& from, const FilePath& to) {
     if (File(to).Exists() && exchangeContents(from, to)) {
-        File(from).Remove(false); // now the old contents of `to`
+        File(from).Remove(false); // `from` now has the old contents of `to`
         return;
     }
     const String fromName = from.ToString();
