@@ -5,13 +5,13 @@
 #include <cpuid.h>
 #include <immintrin.h>
 
-// This source is compiled for AVX2 and FMA. No other function may run before isSupported has returned true.
-// The source must not use inline functions of other headers, because the linker could keep these copies for
-// the whole program.
+// This source is compiled for AVX2 and FMA. Callers must not call another function of this source before
+// isSupported has returned true. The source must not use inline functions of other headers, because the
+// linker could use their AVX2 code in the whole program.
 
 namespace {
 
-/// Returns the register sets that the operating system saves: bit 1 is SSE, bit 2 is AVX.
+/// Returns a bit for each register set that the operating system saves: bit 1 for SSE, bit 2 for AVX.
 unsigned int savedRegisters() {
     unsigned int low, high;
     __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
@@ -24,7 +24,7 @@ bool isSupported() {
     if (!__get_cpuid(1, &eax, &ebx, &ecx, &edx) || (ecx & wanted) != wanted) return false;
     if ((savedRegisters() & 6) != 6) return false;
     constexpr unsigned int extendedFeatures = 7;
-    // Old headers lack __get_cpuid_count. The result is signed in some headers and unsigned in others.
+    // Old headers lack __get_cpuid_count. The result of __get_cpuid_max is signed in some headers.
     if (static_cast<unsigned int>(__get_cpuid_max(0, nullptr)) < extendedFeatures) return false;
     __cpuid_count(extendedFeatures, 0, eax, ebx, ecx, edx);
     return ebx & bit_AVX2;
@@ -46,7 +46,7 @@ void put(Integer* dst, __m256i v) {
     stream ? _mm256_stream_si256(p, v) : _mm256_storeu_si256(p, v);
 }
 
-/// These functions load 8, 16 and 32 bytes.
+/// `getQuarter`, `getHalf` and `get` load 8, 16 and 32 bytes. The address needs no alignment.
 template <typename Integer>
 __m128i getQuarter(const Integer* src) {
     return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src));
@@ -155,12 +155,13 @@ struct IntToDouble {
     }
 };
 
-/// Scales eight floats and converts them to integers. Truncation gives the smallest int for NaN and for
-/// values out of range.
+/// Scales eight floats and converts them to integers. The result is the smallest int for NaN and for values
+/// out of range.
 ///
-/// Product and sum may be fused, although the scalar implementation rounds the product. The factor is a power
-/// of two, 0 or infinity. So the product is exact, or it overflows and so does the sum, or it is smaller than
-/// a normal number and adding half removes the difference.
+/// The multiplication and the addition may be fused, although the scalar implementation rounds the product.
+/// The factor is a power of two, 0 or infinity. There are three cases. The product is exact. Or the product
+/// overflows, and the sum overflows too. Or the product is smaller than a normal number, and its rounding
+/// error does not change the sum with 0.5.
 template <bool round>
 struct ToInts {
     __m256 factor;
@@ -170,7 +171,7 @@ struct ToInts {
     __m256i operator()(const float* src) const {
         const __m256 x = _mm256_loadu_ps(src);
         if (!round) return _mm256_cvttps_epi32(_mm256_mul_ps(x, factor));
-        // Adds -0.5 to -0.0, not +0.5. Both are truncated to 0.
+        // For -0.0 the scalar implementation adds +0.5 and this one adds -0.5. Both sums are truncated to 0.
         const __m256 sign = _mm256_and_ps(x, _mm256_set1_ps(-0.0f));
         return _mm256_cvttps_epi32(_mm256_fmadd_ps(x, factor, _mm256_or_ps(sign, _mm256_set1_ps(0.5f))));
     }
@@ -221,7 +222,7 @@ void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
     const __m256i v = _mm256_broadcastq_epi64(getQuarter(pattern));
     const std::size_t last = bytes - 32;
     for (std::size_t i = 0; i < last; i += 32) put<false>(dst + i, v);
-    put<false>(dst + last, v); // a multiple of the element size from the end, so in phase with the pattern
+    put<false>(dst + last, v); // `last` is a multiple of the element size: the pattern continues
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include <Kelbase/IPP/IPP_implementations.h>
 
-// Initialised before any code runs, so that constructors of static objects may call the routines.
+// The compiler initialises this pointer, so that constructors of static objects may call the routines.
 const IPP::Implementation* IPP::gDispatchedImplementation = nullptr;
 
 const IPP::Implementation& IPP::SelectImplementation() {

@@ -1,22 +1,23 @@
 #pragma once
 
 /// @file
-/// Array routines: copying, filling, comparison, and conversion between sample types.
+/// Declares routines for arrays: copying, filling, comparison, and conversion between sample types.
 
 #include <cstddef>
 #include <cstring>
 
-/// Routines that work on whole arrays.
+/// Contains the routines for arrays.
 ///
-/// The first argument is the number of elements. A count of 0 does nothing; the pointers may then be null.
-/// Source and destination have `count` elements each and must not overlap, except for `Move`. No function
-/// allocates, throws or reports anything.
+/// The first argument is the number of elements. For a count of 0 the functions do nothing, and the pointers
+/// may be null. Source and destination have `count` elements each and must not overlap, except for `Move`. No
+/// function allocates, throws or reports anything.
 ///
-/// A conversion with a scale multiplies the value by 2 to the power of -scale. Any `int` is a valid scale.
-/// The conversions from and to `short` do so for a limited range of scales only, see there.
+/// A conversion with a scale multiplies each value by 2 to the power of -scale. Any `int` is a valid scale.
+/// The conversions from and to `short` use another factor for some scales. Their comments describe the
+/// factor.
 ///
-/// The functions use the best instructions of the processor. The results are the same to the last bit on
-/// every processor. The functions assume that the rounding direction is to nearest.
+/// The functions use the fastest implementation that the processor supports. The results are identical to the
+/// last bit on every processor. The rounding mode of the processor must be "to nearest".
 namespace IPP {
 
 ///@{
@@ -70,8 +71,8 @@ void Convert(unsigned int count, const float* src, double* dst);
 void Convert(unsigned int count, const double* src, float* dst);
 
 ///@{
-/// Divides by the signed 32-bit integer 1 << (scale mod 32). The divisor is 2^scale for a scale of 0 to 30,
-/// and -2^31 if scale mod 32 is 31, as for 31 and -1.
+/// Divides by the signed 32-bit integer 1 << (scale mod 32). For a scale of 0 to 30 the divisor is 2^scale.
+/// If scale mod 32 is 31, for example for 31 and -1, the divisor is -2^31.
 void Convert(unsigned int count, const short* src, float* dst, int scale);
 void Convert(unsigned int count, const short* src, double* dst, int scale);
 ///@}
@@ -84,26 +85,28 @@ void Convert(unsigned int count, const int* src, float* dst, int scale);
 void Convert(unsigned int count, const int* src, double* dst, int scale);
 ///@}
 
-/// Multiplies by the signed 32-bit integer 1 << (-scale mod 32), in single precision. The factor is 2^-scale
-/// for a scale of 0 to -30, 2^(32 - scale) for 2 to 31, and -2^31 if -scale mod 32 is 31, as for 1 and -31.
+/// Multiplies by the signed 32-bit integer 1 << (-scale mod 32), in single precision. For a scale of -30 to 0
+/// the factor is 2^-scale. For a scale of 2 to 31 the factor is 2^(32 - scale). If -scale mod 32 is 31, for
+/// example for 1 and -31, the factor is -2^31.
 ///
-/// With `round`, 0.5 with the sign of the source (+0.5 for a zero) is added to the product, in single
-/// precision. With a negative factor this moves the product towards zero. The sum is truncated to 32 bits and
-/// limited to -32768 to 32767. NaN and a sum that does not fit 32 bits, also a positive one, give -32768.
+/// If `round` is true, adds 0.5 with the sign of the source (+0.5 for a zero) to the product, in single
+/// precision. If the factor is negative, this addition moves the product towards zero. Truncates the sum to a
+/// 32-bit integer and limits the integer to the range of -32768 to 32767. The result is -32768 for NaN and
+/// for every sum that does not fit 32 bits, also for a positive sum.
 void Convert(unsigned int count, const float* src, short* dst, int scale, bool round);
 
-/// Multiplies by 2^-scale in single precision. With `round`, adds 0.5 with the sign of the source. Truncates
-/// the result. NaN and a result that does not fit 32 bits give -2147483648.
+/// Multiplies by 2^-scale in single precision. If `round` is true, adds 0.5 with the sign of the source to
+/// the product. Truncates the sum. The result is -2147483648 for NaN and for a sum that does not fit 32 bits.
 void Convert(unsigned int count, const float* src, int* dst, int scale, bool round);
 
 ///@{
-/// These two functions do nothing, by design. Callers rely on an unchanged destination.
+/// Does nothing. Callers rely on an unchanged destination.
 void Convert(unsigned int count, const float* src, unsigned char* dst, int scale, bool round);
 void Convert(unsigned int count, const double* src, int* dst, int scale, bool round);
 ///@}
 
-// Inline, because a call would cost more than the work. The functions of the C library must not get null
-// pointers.
+// These functions are inline, because a call would take longer than the work. The check of `count` is
+// necessary, because the functions of the C library do not accept null pointers.
 
 namespace detail {
 /// Copies the elements. The pointers may be null for a count of 0.
