@@ -5,7 +5,7 @@
 #include <Carbon/Carbon.h>
 
 void ReportRefusedCall(XCodParamBlock& block) {
-    constexpr SInt16 stopAlertResource = 5000; // a resource of the host; without it nothing more is shown
+    constexpr SInt16 stopAlertResource = 5000; // without this resource of the host, no stop alert is shown
     UI::Native::MessageOK(nullptr, "Post Install", "Unable to set post install option keys.", false);
     StopAlert(stopAlertResource, nullptr);
     block.errorFlags = block.errorFlags | kXCodCallFailed;

@@ -2,6 +2,6 @@
 
 #include <PostInstall/XCodParamBlock.h>
 
-/// Reports a rejected call with an alert and the error bit. Both steps use the texts of the post-install
-/// step.
+/// Reports a rejected call: shows a message box and the stop alert, and sets the error bit of the block.
+/// `PreInstall` and `PostInstall` show the same texts.
 void ReportRefusedCall(XCodParamBlock& block);

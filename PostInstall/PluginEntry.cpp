@@ -15,7 +15,8 @@ CFUUIDRef hostInterface() {
                                           0x9D, 0xCB, 0x92, 0xED, 0x69, 0x58, 0x34, 0xF8);
 }
 
-/// Adds to the reference count. The count wraps, because signed overflow would be undefined.
+/// Adds `change` to the reference count and returns the new count. The addition is unsigned, because signed
+/// overflow is undefined.
 ULONG changeRefCount(XCodInstance& instance, UInt32 change) {
     const UInt32 count = static_cast<UInt32>(instance.refCount) + change;
     instance.refCount = static_cast<SInt32>(count);
@@ -24,7 +25,7 @@ ULONG changeRefCount(XCodInstance& instance, UInt32 change) {
 
 HRESULT myQueryInterface(void* self, REFIID iid, LPVOID* result) {
     const CFUUIDRef asked = CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, iid);
-    // Both identifiers name the one interface, so both give the same pointer.
+    // The instance has one interface. Both identifiers refer to this interface.
     const bool known = asked && (CFEqual(asked, hostInterface()) || CFEqual(asked, IUnknownUUID));
     if (known) static_cast<XCodInstance*>(self)->functionBlock->AddRef(self);
     *result = known ? self : nullptr;

@@ -14,7 +14,7 @@ namespace {
 
 bool makeReference(const char* path, FSRef& reference) {
     const Util::CFString text(path, Util::CFString::kReleaseOnDestroy);
-    // Also a file's URL is marked as a folder. The file reference is the same.
+    // The last argument marks the URL as a folder, also for a file. The file reference is the same.
     const CFURLRef url =
         CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.GetRef(), kCFURLPOSIXPathStyle, true);
     if (!url) return false;
@@ -27,9 +27,9 @@ UInt16 withBit(UInt16 flags, UInt16 bit, bool on) {
     return static_cast<UInt16>(on ? flags | bit : flags & ~bit);
 }
 
-/// Sets or clears the invisible flag and the custom-icon flag of an item and keeps all other flags. Returns
-/// false if there is no such item or its flags could not be stored. The flags are at the same offset for
-/// files and folders.
+/// Sets or clears the invisible flag and the custom-icon flag of an item. Does not change other flags.
+/// Returns false if the item does not exist, or if its flags cannot be read or stored. The offset of the
+/// flags is the same for files and folders.
 bool setHFSAttributes(const char* path, bool /*isFolder*/, bool invisible, bool customIcon) {
     FSRef reference;
     if (!makeReference(path, reference)) return false;

@@ -1,6 +1,6 @@
 #include <PostInstall/ProductTable.h>
 
-// A switch, because not every compiler accepts constant strings in a constant expression.
+// The table is a switch, because not every compiler accepts CFSTR in a constant expression.
 Product FindProduct(std::int32_t productCode) {
     switch (productCode) {
     case 1400:

@@ -20,14 +20,14 @@ unsigned int low32BitsOfSize(const Util::File& file) {
     return static_cast<unsigned int>(size);
 }
 
-/// Opens the file and returns its text up to the first NUL. Reads as many bytes as the file has after
-/// it is opened. Throws FileIO if the file becomes shorter before the read. Ignores bytes that are
-/// added before the read.
+/// Opens the file and returns its text before the first NUL. The number of bytes to read is the size of the
+/// file directly after the opening, modulo 2^32. Throws FileIO if the file becomes shorter before the read.
+/// Ignores bytes that are appended before the read.
 String readText(Util::File& file) {
     file.Open(Util::File::Read);
     const unsigned int size = low32BitsOfSize(file);
     const std::size_t capacity = std::size_t{size} + 1;
-    if (capacity == 0) throw std::bad_alloc(); // the address space has no place for the terminator
+    if (capacity == 0) throw std::bad_alloc(); // the terminator would exceed the address space
     std::vector<char> text(capacity);
     file.ReadBlock(text.data(), size);
     file.Close();
@@ -41,7 +41,7 @@ UpdateInterval readInterval(Util::File& file) {
 void storeInterval(UpdateInterval interval) {
     const int value = interval;
     const CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &value);
-    if (!number) return; // a null value would remove the stored value
+    if (!number) return; // setting a null value would remove the stored value
     SetSystemPreference(UpdaterDomain(), CFSTR("UpdateInterval"), number);
     SynchronizeSystemPreferences(UpdaterDomain());
     CFRelease(number);

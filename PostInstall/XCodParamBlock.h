@@ -1,13 +1,14 @@
 #pragma once
 
 /// @file
-/// The parameter block of the installer's calls.
+/// Declares the parameter block that the installer passes to the plug-in.
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-/// A field without alignment, in the machine's byte order. Reading and writing copies its bytes.
+/// A field that may have any address. The bytes are in the machine's byte order. Reading and writing copies
+/// the bytes.
 template <typename T>
 class Unaligned {
 public:
@@ -34,14 +35,15 @@ enum : std::int16_t {
 /// The bit of `errorFlags` that reports a failed call to the host.
 constexpr std::uint32_t kXCodCallFailed = 1;
 
-/// The installer's parameter block. The host owns the block, which may have any address and has more fields
-/// after the last one here. The plug-in changes `errorFlags` only: it sets `kXCodCallFailed`.
+/// The installer's parameter block. The host owns the block. The block may have any address, and the host's
+/// own fields follow the last field of this structure. The plug-in changes only `errorFlags`: the plug-in
+/// sets `kXCodCallFailed` and no other bit.
 struct XCodParamBlock {
     Unaligned<std::int16_t> selector;     ///< The kind of call, which must be `kXCodSelector`.
     Unaligned<std::int16_t> message;      ///< The event. Events without a step are ignored.
     Unaligned<std::int32_t> productCode;  ///< See ProductTable.h. Other codes are not an error.
-    Unaligned<std::uint32_t> errorFlags;  ///< Read and written.
-    unsigned char hostFields[598];        ///< The host's own fields, not read.
+    Unaligned<std::uint32_t> errorFlags;  ///< The plug-in reads the flags and adds `kXCodCallFailed`.
+    unsigned char hostFields[598];        ///< The host's own fields, which the plug-in does not read.
     Unaligned<std::int32_t> languageCode; ///< A classic Mac OS language code.
 };
 
