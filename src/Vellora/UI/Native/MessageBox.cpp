@@ -16,7 +16,7 @@ enum : CFIndex { kFirstButton = 1000, kThirdButton = 1002 };
 struct Selectors {
     SEL alloc = sel_registerName("alloc");
     SEL init = sel_registerName("init");
-    // The next two belong to the usual set of selectors. They are never sent.
+    // `retain` and `autorelease` are registered but never sent.
     SEL retain = sel_registerName("retain");
     SEL autorelease = sel_registerName("autorelease");
     SEL release = sel_registerName("release");
@@ -25,7 +25,8 @@ struct Selectors {
     SEL runModal = sel_registerName("runModal");
 };
 
-/// Sends a message with the exact type of its method, as the calling convention requires.
+/// Sends a message. Calls `objc_msgSend` with the parameter types of the method, as the calling convention
+/// requires.
 template <typename Result, typename... Arguments>
 Result send(id receiver, SEL selector, Arguments... arguments) {
     const auto method = reinterpret_cast<Result (*)(id, SEL, Arguments...)>(objc_msgSend);
@@ -76,8 +77,9 @@ CFIndex askUser(const String& message, bool okCancel, bool yesNo, bool withCance
     return alert.RunModal();
 }
 
-/// Shows the box and returns whether the user chose the first button. `cancelled` is set for every result
-/// other than the first and the third button. NSAlert selects the default button itself.
+/// Shows the box and returns whether the user chose the first button. If `cancelled` is not null, sets it to
+/// false for the first and the third button, and to true for every other result. NSAlert selects the default
+/// button.
 bool standardAlertDialog(const String& message, bool okCancel, bool yesNo, bool /*firstIsDefault*/,
                          bool* cancelled, bool retryCancel) {
     okCancel = okCancel || yesNo || retryCancel;
