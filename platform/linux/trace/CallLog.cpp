@@ -21,6 +21,7 @@ std::vector<InjectedFault>& pendingFaults() {
     return gFaults;
 }
 
+/// The number of `PlatformCall` and `InternalCallScope` objects since the innermost `BundleCodeScope`.
 thread_local int gCallDepth = 0;
 
 } // namespace
@@ -68,7 +69,8 @@ PlatformCall::PlatformCall(const char* functionName)
 }
 
 PlatformCall::~PlatformCall() {
-    // The depth is reduced only after the observer has returned: the observer's own calls are not recorded.
+    // The depth is reduced after the observer has returned, so that the platform calls of the observer are
+    // not recorded.
     const int errorNumber = errno; // errno is part of the result of some calls
     if (isRecorded) currentObserver()({name, std::move(arguments), std::move(result), std::move(note)});
     errno = errorNumber;

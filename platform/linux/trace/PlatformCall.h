@@ -1,6 +1,7 @@
 #pragma once
 
-/// Records the calls of the platform's functions and injects faults into them.
+/// Records platform calls and injects faults into them. macplatform/CallLog.h defines which calls are
+/// platform calls.
 
 #include <optional>
 #include <string>
@@ -9,15 +10,16 @@
 
 namespace macplatform {
 
-/// Returns the string in quotation marks, and "NULL" for a null pointer. Line breaks, control bytes,
+/// Returns the string in quotation marks. Returns "NULL" for a null pointer. Line breaks, control bytes,
 /// quotation marks and backslashes are escaped.
 std::string Quoted(const char* text);
 std::string Quoted(const std::string& text);
 /// Returns the number with the fewest digits that convert back to the same number.
 std::string Digits(double number);
 
-/// One call in progress. The destructor passes the recorded call to the observer. Calls that the platform
-/// itself makes during the call are not recorded, and no fault is injected into them.
+/// A platform call in progress. The destructor passes the call to the observer. Nested calls, which the
+/// platform itself makes during the call, are not recorded, and no fault is injected into them. The
+/// destructor does not change errno.
 ///
 ///     OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
 ///         PlatformCall call("FSPathMakeRef");
@@ -28,17 +30,20 @@ std::string Digits(double number);
 ///     }
 class PlatformCall {
 public:
+    /// `name` is the name of the function in the call log. The string must outlive the object.
     explicit PlatformCall(const char* name);
     PlatformCall(const PlatformCall&) = delete;
     PlatformCall& operator=(const PlatformCall&) = delete;
     ~PlatformCall();
 
-    /// Returns whether an observer receives this call. If not, the caller need not format the arguments.
+    /// Returns whether an observer will receive this call. If the result is false, the caller need not format
+    /// the arguments.
     bool IsRecorded() const { return isRecorded; }
+    /// Records the arguments. Each element is one argument in readable notation.
     void SetArguments(std::vector<std::string> texts) { arguments = std::move(texts); }
 
-    /// Consumes the fault that is injected into this call. Returns the code of the fault, and nothing if
-    /// there is no fault.
+    /// Returns the code of the pending fault for this call and removes the fault. Returns no value if there
+    /// is no such fault. A fault that must still skip calls is not returned: this call counts as one of them.
     std::optional<long> ConsumeFault();
 
     /// Records why the call failed or had no effect, for a call whose result does not show the reason.
@@ -46,7 +51,8 @@ public:
         if (isRecorded) note = std::move(text);
     }
 
-    /// Records the result, in the notation of `text` if given, and returns `value`.
+    /// Records the result and returns `value`. The call log shows `text` instead of the value if there is a
+    /// `text`.
     template <typename T>
     T Result(T value) {
         if (isRecorded) result = ToText(value);
@@ -77,20 +83,23 @@ private:
     std::string note;
 };
 
-/// Marks a scope in which the platform calls functions for its own purposes: no call is recorded, no fault is
-/// injected, and every path is a path of this machine. Every `PlatformCall` has the same effect. Platform
-/// code that runs outside a `PlatformCall` creates a `PlatformInside`.
+/// Marks a scope in which the platform calls functions for its own purposes. In this scope no call is
+/// recorded, no fault is injected, and no path is redirected to the startup volume. A `PlatformCall` object
+/// has the same effect during its lifetime. Platform code that runs outside a `PlatformCall` creates an
+/// `InternalCallScope`. A scope affects only its own thread.
 class InternalCallScope {
 public:
     InternalCallScope();
     InternalCallScope(const InternalCallScope&) = delete;
     InternalCallScope& operator=(const InternalCallScope&) = delete;
     ~InternalCallScope();
+    /// Returns whether this thread is in such a scope or in a `PlatformCall`.
     static bool IsActive();
 };
 
-/// Marks a scope in which the platform runs code of a bundle, for instance a factory function or an
-/// initialiser. Calls in the scope count as calls of the bundle.
+/// Marks a scope in which the platform runs code of a bundle, for example a factory function or an
+/// initialiser. Calls in this scope are recorded and redirected, even if an outer scope is an
+/// `InternalCallScope` or a `PlatformCall`.
 class BundleCodeScope {
 public:
     BundleCodeScope();

@@ -12,8 +12,8 @@ struct ObjectRegistry {
     TrackedObject* last = nullptr;
     std::size_t count = 0;
 
-    /// Returns the registry. The registry is never destroyed, because static objects of the caller may
-    /// release their references at exit.
+    /// Returns the registry. The registry is never destroyed, because static objects of a program may release
+    /// their references when the process exits.
     static ObjectRegistry& Get() {
         static ObjectRegistry& gRegistry = *new ObjectRegistry;
         return gRegistry;

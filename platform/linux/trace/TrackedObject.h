@@ -1,16 +1,16 @@
 #pragma once
 
-/// The registry behind macplatform/LiveObjects.h. The registry contains every object that a caller must free,
-/// from the creation of the object to its deallocation. Several threads may add and remove objects at the
-/// same time.
+/// Declares the registry of live objects, which macplatform/LiveObjects.h counts and lists. The registry
+/// contains every object that a caller must free, from its creation to its deallocation. Several threads may
+/// add and remove objects at the same time.
 
 #include <string>
 
 namespace macplatform {
 
-/// The registry's link to one tracked object. The link is a member or a base class of the tracked object, and
-/// its address must not change. A new link is not in the registry. The owner must remove the link before the
-/// memory is freed: the class has no destructor, so that constant objects can contain a link.
+/// The base class of a tracked object. The address of the object must not change. A new object is not in the
+/// registry. The owner must call `Unregister` before the memory of the object is freed. The class has no
+/// destructor that does so, because constant objects must be able to have this base class.
 ///
 ///     struct Block : TrackedObject { std::size_t size; };
 ///     block->Register([](const TrackedObject& object) {
@@ -18,8 +18,9 @@ namespace macplatform {
 ///     });
 class TrackedObject {
 public:
-    /// Returns one line of text without a line break: the kind, then the value in readable notation. The
-    /// function is called while the registry is locked. The function must not add or remove a tracked object.
+    /// Returns one line of text without a line break: the kind of the object, then its value in readable
+    /// notation. The registry is locked during the call. The function must not add or remove a tracked
+    /// object.
     using Describer = std::string (*)(const TrackedObject&);
 
     constexpr TrackedObject() = default;
