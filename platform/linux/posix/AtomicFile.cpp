@@ -15,8 +15,8 @@ namespace {
 
 constexpr char kTemporaryMark[] = ".cf#";
 
-/// Returns a name that does not contain the name of the file, because the file may already have the longest
-/// possible name.
+/// Returns the name of a temporary file. The result does not contain the name of the replaced file, because
+/// that name may already have the maximum length.
 std::string temporaryName(unsigned attempt) {
     return kTemporaryMark + std::to_string(getpid()) + '-' + std::to_string(attempt);
 }
@@ -47,8 +47,8 @@ int writeAll(int file, const std::string& bytes) {
     return 0;
 }
 
-/// Creates a file with these bytes and writes the bytes to the disk. Returns 0 or an errno, EEXIST if the
-/// name exists.
+/// Creates a file with these bytes and flushes the file to the disk. Returns 0 or an errno. The errno is
+/// EEXIST if the name exists. After any other error the file may exist.
 int writeTemporary(int folder, const std::string& name, const std::string& bytes) {
     const FileDescriptor file(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return errno;

@@ -17,7 +17,8 @@ using macplatform::PlatformCall;
 namespace {
 
 constexpr int kHardware = 6; // CTL_HW
-/// The Mac's kernel assigns numbers from 100 upwards to names without a fixed number.
+/// The number of hw.cpufrequency. The Mac's kernel assigns numbers from 100 on to names without a fixed
+/// number.
 constexpr int kCpuFrequency = 100;
 
 std::optional<std::uint64_t>& givenFrequency() {
@@ -25,7 +26,8 @@ std::optional<std::uint64_t>& givenFrequency() {
     return gHertz;
 }
 
-/// Parses a frequency in units of `unit` hertz. Returns hertz, and 0 if the text is no frequency.
+/// Parses a frequency at the start of the text, in units of `unit` hertz. Returns the frequency in hertz.
+/// Returns 0 if the text does not begin with a frequency.
 std::uint64_t toHertz(const std::string& text, double unit) {
     const double hertz = std::strtod(text.c_str(), nullptr) * unit;
     return std::isfinite(hertz) && hertz >= 1 && hertz < 1e15
@@ -48,7 +50,8 @@ std::uint64_t frequencyOfGovernor() {
     return 0;
 }
 
-/// Returns the nominal frequency at the end of the model name, else the present frequency of the processor.
+/// Returns a frequency from /proc/cpuinfo in hertz: the nominal frequency in the model name, or else the
+/// present frequency of the first processor. Returns 0 if the file contains neither.
 std::uint64_t frequencyOfCpuInfo() {
     const std::string text = textOf("/proc/cpuinfo");
     std::uint64_t present = 0;
@@ -65,7 +68,7 @@ std::uint64_t frequencyOfCpuInfo() {
     return present;
 }
 
-/// Returns the frequency in hertz, and 0 if the frequency is not known, as in some virtual machines.
+/// Returns the frequency in hertz. Returns 0 if the frequency is unknown, as in some virtual machines.
 std::uint64_t frequency() {
     if (givenFrequency()) return *givenFrequency();
     const std::uint64_t hertz = frequencyOfGovernor();

@@ -25,7 +25,7 @@ int checkKind(int descriptor, std::size_t limit) {
 int ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes) {
     const InternalCallScope internalCalls;
     bytes.clear();
-    // O_NONBLOCK: opening a pipe in the place of the file would wait for a writer for ever.
+    // Without O_NONBLOCK, open would wait for a writer if the path is a pipe.
     const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) return errno;
     if (const int refused = checkKind(file.Get(), limit)) return refused;
