@@ -1,6 +1,6 @@
 #pragma once
 
-/// Creates arrays for the platform's other services.
+/// Declares a function that creates arrays, for other sources of the platform.
 
 #include <CoreFoundation/CFArray.h>
 
@@ -10,7 +10,7 @@
 
 namespace macplatform {
 
-/// Creates an array that retains each item. The caller owns the result. Throws std::bad_alloc.
+/// Creates an array of the items and retains each item. The caller owns the result. Throws std::bad_alloc.
 CFArrayRef NewArray(std::vector<CFTypeRef> items);
 
 } // namespace macplatform

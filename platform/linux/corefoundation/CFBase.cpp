@@ -14,17 +14,19 @@ namespace {
 constexpr unsigned char kPoison = 0xDB;
 constexpr std::uint32_t kPoisonedMagic = 0xDBDBDBDB;
 
-/// Freed blocks that are not reused yet. A use after free reads the poison pattern, not new data.
+/// The last 256 freed blocks. These blocks are not reused yet, so that a use after a free reads the poison
+/// pattern and not new data.
 class Quarantine {
 public:
-    /// Returns the quarantine. The quarantine is never destroyed, because static objects of the caller may
-    /// release their references at exit.
+    /// Returns the quarantine. The quarantine is never destroyed, because static objects of a program may
+    /// release their references when the process exits.
     static Quarantine& Get() {
         static Quarantine& gQuarantine = *new Quarantine;
         return gQuarantine;
     }
 
-    /// Overwrites the block, stores it, and frees the oldest stored block.
+    /// Overwrites the block with the poison pattern and adds it to the quarantine. Frees the oldest block of
+    /// the quarantine.
     void Add(void* block, std::size_t size) {
         std::memset(block, kPoison, size);
         void* oldest = nullptr;

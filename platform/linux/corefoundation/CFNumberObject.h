@@ -1,6 +1,7 @@
 #pragma once
 
-/// Gives the platform's other services access to the values of numbers.
+/// Declares the object behind CFNumberRef, so that other sources of the platform can read the value of a
+/// number.
 
 #include <CoreFoundation/CFNumber.h>
 
@@ -13,12 +14,12 @@ namespace macplatform {
 
 extern const ObjectClass kNumberClass;
 
-/// A property list distinguishes integers and floating-point numbers, so a number has two kinds of value.
+/// The value of a number. Property lists distinguish between integers and floating-point numbers.
 using NumberValue = std::variant<std::int64_t, double>;
 
 } // namespace macplatform
 
 struct __CFNumber : macplatform::Object {
-    explicit __CFNumber(macplatform::NumberValue held) : Object(macplatform::kNumberClass), value(held) {}
+    explicit __CFNumber(macplatform::NumberValue number) : Object(macplatform::kNumberClass), value(number) {}
     macplatform::NumberValue value;
 };

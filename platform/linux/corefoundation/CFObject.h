@@ -1,12 +1,13 @@
 #pragma once
 
-/// The common header of every CoreFoundation object of the platform, with reference counting and checks.
+/// Declares the common header of every CoreFoundation object of the platform, its reference counting and its
+/// checks.
 ///
-/// An object is one block of memory: this header, the members of the object's kind, and optional extra bytes.
-/// MakeObject creates an object with one reference. A constant-initialised object in static storage is never
-/// freed. A use after free is detected: a freed block is overwritten and not reused at once, and each
-/// function checks the objects that are passed to it. Reference counting is safe between threads. An object
-/// never changes after its creation.
+/// An object is one block of memory: the header, the members of the object's kind, and optional extra bytes.
+/// `MakeObject` creates an object with one reference. A constant-initialised object in static storage is
+/// never freed. Each function checks the objects that are passed to it. The check detects most uses after a
+/// free, because a freed block is overwritten and is not reused at once. Reference counting is safe between
+/// threads. The value of an object does not change after its creation.
 
 #include <CoreFoundation/CFBase.h>
 
@@ -26,13 +27,13 @@ namespace macplatform {
 
 struct Object;
 
-/// The properties that all objects of one kind share.
+/// The kind of an object.
 struct ObjectClass {
     CFTypeID id;                                 ///< The result of CFGetTypeID.
     const char* kind;                            ///< "string", "number", ...
     std::string (*describe)(const Object&);      ///< Returns the value in readable notation.
-    bool (*equal)(const Object&, const Object&); ///< Null if each object equals only itself.
-    void (*finalise)(Object&);                   ///< Destroys the members; null if they need no destruction.
+    bool (*equal)(const Object&, const Object&); ///< Null: each object equals only itself.
+    void (*finalise)(Object&);                   ///< Destroys the members. Null if they need no destruction.
 };
 
 /// The header of an object. `references` is `kImmortal` for an object that is never freed.
@@ -53,14 +54,14 @@ struct Object : TrackedObject {
 /// bounds.
 [[noreturn]] void Misuse(const char* function, const std::string& whatIsWrong);
 
-/// Returns the object. Reports a misuse of `function` and aborts if the reference is null or is no live
-/// object.
+/// Returns the object. Calls `Misuse` if the reference is null, the object has been freed, or the reference
+/// does not point to an object.
 Object& CheckedObject(CFTypeRef object, const char* function);
-/// Returns the object like the function above. Also reports a misuse if the object is not of this kind.
+/// Returns the object. Calls `Misuse` as the function above does, and also if the object is not of this kind.
 Object& CheckedObject(CFTypeRef object, const char* function, const ObjectClass& kind);
 
-/// Initialises a new object in a block of `size` bytes: sets its count to one reference and registers it as a
-/// tracked object.
+/// Completes a new object in a block of `size` bytes: sets the number of references to 1 and registers the
+/// object as a tracked object.
 void Introduce(Object& object, std::size_t size) noexcept;
 /// Adds one reference. The caller must own a reference to the object.
 void Retain(const Object& object) noexcept;
@@ -69,11 +70,11 @@ void Retain(const Object& object) noexcept;
 bool TryRetain(const Object& object) noexcept;
 /// Releases one reference. Frees the object with its last reference.
 void Release(Object& object) noexcept;
-/// Makes the object one that is never freed, and removes it from the registry of tracked objects.
+/// Marks the object as never freed and removes it from the registry of tracked objects.
 void MakeImmortal(Object& object) noexcept;
 
-/// Creates an object with one reference from the arguments of its constructor. `extra` bytes follow the
-/// object in the same block. Throws std::bad_alloc.
+/// Creates an object with one reference, which the caller owns. `arguments` are the arguments of its
+/// constructor. `extra` is the number of bytes after the object in the same block. Throws std::bad_alloc.
 template <typename T, typename... Arguments>
 T* MakeObject(std::size_t extra, Arguments&&... arguments) {
     if (extra > SIZE_MAX - sizeof(T)) throw std::bad_alloc();
@@ -85,7 +86,8 @@ T* MakeObject(std::size_t extra, Arguments&&... arguments) {
     return object;
 }
 
-/// Returns whether both references are the same object, or two objects of one kind with the same value.
+/// Returns whether both references point to the same object, or to two objects of the same kind with equal
+/// values. Calls `Misuse` for a reference that is null or invalid.
 bool Equal(CFTypeRef left, CFTypeRef right);
 
 /// Releases the reference that an `Owned` pointer owns. Unlike `CFRelease`, the release is not recorded.
@@ -96,16 +98,19 @@ struct Releaser {
 template <typename T>
 using Owned = std::unique_ptr<const T, Releaser>;
 
-/// Returns the value in readable notation: a string in quotation marks, a number in decimal digits, a UUID in
-/// groups of digits, a constant by its name, "NULL" for null.
+/// Returns the value of the object in readable notation: a string in quotation marks, a number in decimal
+/// digits, a UUID in groups of digits, a constant of the system as its name. Returns "NULL" for null.
 std::string Describe(CFTypeRef object);
 
+///@{
+/// Returns an argument as the call log shows it. A `std::string` is already in readable notation.
 inline std::string ArgumentText(const std::string& text) { return text; }
 inline std::string ArgumentText(const char* text) { return Quoted(text); }
 inline std::string ArgumentText(CFTypeRef object) { return Describe(object); }
 inline std::string ArgumentText(long long number) { return std::to_string(number); }
+///@}
 
-/// Records the arguments of the call if the call is recorded. Ends the process for lack of memory.
+/// Records the arguments of the call if the call is recorded. Terminates the process if memory runs out.
 template <typename... Arguments>
 void RecordArguments(PlatformCall& call, const Arguments&... arguments) noexcept {
     if (call.IsRecorded()) call.SetArguments({ArgumentText(arguments)...});

@@ -98,7 +98,7 @@ std::optional<std::string> encode(std::u16string_view units, CFStringEncoding en
 
 using namespace macplatform;
 
-// On the Mac the compiler creates the constant strings without a call, so this call is not recorded.
+// This call is not recorded, because on the Mac the compiler creates constant strings without a call.
 CFStringRef __CFStringMakeConstantString(const char* text) try {
     static auto& gMutex = *new std::mutex;
     static auto& gConstants = *new std::map<std::string, CFStringRef, std::less<>>;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Gives the platform's other services access to the contents of strings.
+/// Declares the object behind CFStringRef, so that other sources of the platform can create and read strings.
 
 #include <CoreFoundation/CFString.h>
 
@@ -14,8 +14,8 @@ namespace macplatform {
 
 extern const ObjectClass kStringClass;
 
-/// Selects how `Describe` shows a string: `kText` in quotation marks; `kName`, for a constant of the system,
-/// without.
+/// Selects how `Describe` shows a string. `kText` adds quotation marks. `kName` adds none: the string is the
+/// name of a constant of the system.
 enum class ShownAs { kText, kName };
 
 /// The header and the contents of a string. The system's constants are constant-initialised objects.
@@ -28,12 +28,12 @@ struct StringObject : Object {
     ShownAs shownAs;
 };
 
-/// Creates a string. Returns the same string, which is never freed, for each empty `units`. Throws
-/// std::bad_alloc.
+/// Creates a string. The caller owns the result. For empty `units`, every call returns the same string, which
+/// is never freed. Throws std::bad_alloc.
 CFStringRef NewString(std::u16string_view units);
 
-/// Returns the string as UTF-8, and nothing if the string contains a lone surrogate. Reports a misuse of
-/// `function` and aborts if the object is no string.
+/// Returns the string as UTF-8. Returns no value if the string contains an unpaired surrogate. Calls `Misuse`
+/// if the object is not a string.
 std::optional<std::string> Utf8(CFStringRef string, const char* function);
 
 } // namespace macplatform

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Gives the platform's other services access to the paths of URLs.
+/// Declares a function that returns the path of a URL, for other sources of the platform.
 
 #include <CoreFoundation/CFURL.h>
 
@@ -8,8 +8,8 @@
 
 namespace macplatform {
 
-/// Returns the absolute POSIX path in UTF-8. Only the path "/" has a trailing "/". Reports a misuse and
-/// aborts if the object is no URL.
+/// Returns the absolute POSIX path in UTF-8. Only the path "/" has a trailing "/". The result is valid as
+/// long as the URL exists. Calls `Misuse` if the object is not a URL.
 const std::string& UrlPath(CFURLRef url);
 
 } // namespace macplatform

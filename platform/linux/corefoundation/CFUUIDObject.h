@@ -1,6 +1,6 @@
 #pragma once
 
-/// Creates, parses and formats UUIDs for the platform's other services.
+/// Declares functions that create, parse and format UUIDs, for other sources of the platform.
 
 #include <CoreFoundation/CFUUID.h>
 
@@ -18,13 +18,14 @@ using UuidBytes = std::array<std::uint8_t, 16>;
 
 /// Returns the UUID as upper-case hexadecimal digits in groups of 8-4-4-4-12.
 std::string UuidText(const UuidBytes& bytes);
-/// Parses the notation of `UuidText`, in upper or lower case. Returns nothing for any other text.
+/// Parses the notation of `UuidText`. Accepts upper-case and lower-case digits. Returns no value for any
+/// other text.
 std::optional<UuidBytes> ParseUuid(std::string_view text);
 
-/// Returns the bytes. Reports a misuse of `function` and aborts if the object is no UUID.
+/// Returns the bytes of the UUID. Calls `Misuse` if the object is not a UUID.
 const UuidBytes& BytesOf(CFUUIDRef uuid, const char* function);
-/// Returns the object with these bytes, with one reference for the caller. Equal bytes give the same object.
-/// Throws std::bad_alloc.
+/// Returns the UUID object with these bytes. The caller owns one reference. While an object with these bytes
+/// exists, further calls return the same object. Throws std::bad_alloc.
 CFUUIDRef NewUuid(const UuidBytes& bytes);
 
 } // namespace macplatform

@@ -26,7 +26,8 @@ constexpr char16_t kMacRoman[] = {
     0x0131, 0x02C6, 0x02DC, 0x00AF, 0x02D8, 0x02D9, 0x02DA, 0x00B8, 0x02DD, 0x02DB, 0x02C7};
 static_assert(std::size(kMacRoman) == 128);
 
-/// The composed characters of Mac Roman with one combining mark. `composed` has one character for each base.
+/// The composed characters of Mac Roman with one combining mark. `composed` has one character for each
+/// element of `bases`.
 struct Composition {
     char16_t mark;
     std::u16string_view bases;
@@ -44,8 +45,8 @@ constexpr Composition kCompositions[] = {
     {0x0338, u"=", u"\u2260"},
 };
 
-/// Decodes and removes the sequence of two or more bytes at the front. Returns nothing, and removes nothing,
-/// if the sequence is not valid.
+/// Decodes the UTF-8 sequence of two or more bytes at the start of `bytes` and removes the sequence from
+/// `bytes`. If the sequence is not valid, returns no value and does not change `bytes`.
 std::optional<char32_t> decodeSequence(std::string_view& bytes) {
     const auto byteAt = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const std::size_t length = Utf8CharacterLength(bytes);
@@ -82,8 +83,8 @@ void appendUtf8(std::string& bytes, char32_t character) {
     append(0x80 | (character & 0x3F));
 }
 
-/// Decodes and removes the character at the front. For a lone surrogate, removes one unit and returns
-/// nothing.
+/// Decodes the character at the start of `units` and removes the character from `units`. For an unpaired
+/// surrogate, removes one unit and returns no value.
 std::optional<char32_t> decodeCharacter(std::u16string_view& units) {
     const char16_t first = units.front();
     units.remove_prefix(1);
@@ -94,7 +95,8 @@ std::optional<char32_t> decodeCharacter(std::u16string_view& units) {
     return 0x10000 + ((char32_t{first} & 0x3FF) << 10) + (char32_t{second} & 0x3FF);
 }
 
-/// Returns the Mac Roman character that the base and the combining mark form, and 0 if there is none.
+/// Returns the composed character of a base and a combining mark. Returns 0 if Mac Roman has no such
+/// character.
 char16_t compose(char16_t base, char16_t mark) {
     for (const Composition& composition : kCompositions) {
         if (composition.mark != mark) continue;

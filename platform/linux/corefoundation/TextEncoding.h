@@ -1,6 +1,6 @@
 #pragma once
 
-/// Converts text between UTF-16, the encoding of strings, and UTF-8, Mac Roman and ASCII.
+/// Declares conversions between UTF-16 (the encoding of CF strings) and UTF-8, Mac Roman and ASCII.
 
 #include <optional>
 #include <string>
@@ -8,9 +8,9 @@
 
 namespace macplatform {
 
-/// Decodes UTF-8 as the Mac does. Returns nothing if the text contains an overlong sequence, a surrogate, a
-/// value above U+10FFFF, or a stray or missing continuation byte. Two exceptions match the Mac: a byte order
-/// mark at the start is removed, and a lone byte A9 becomes U+FFFD.
+/// Decodes UTF-8 as the Mac does. Returns no value if the text contains an overlong sequence, a surrogate, a
+/// value above U+10FFFF, or a stray or missing continuation byte. There are two exceptions, as on the Mac: a
+/// byte order mark at the start is removed, and a stray byte A9 becomes U+FFFD.
 std::optional<std::u16string> DecodeUtf8(std::string_view bytes);
 /// Returns whether the bytes are valid UTF-8, without the two exceptions of `DecodeUtf8`. A file that
 /// declares UTF-8 must pass this check.
@@ -22,15 +22,15 @@ std::u16string DecodeAscii(std::string_view bytes);
 
 /// Encodes one character as UTF-8. The character must not be a surrogate.
 std::string Utf8Of(char32_t character);
-/// Encodes UTF-8. Returns nothing if the text contains a lone surrogate.
+/// Encodes UTF-8. Returns no value if the text contains an unpaired surrogate.
 std::optional<std::string> EncodeUtf8(std::u16string_view units);
-/// Encodes Mac Roman. Returns nothing if a character is not in Mac Roman. A letter and the combining mark
+/// Encodes Mac Roman. Returns no value if a character is not in Mac Roman. A letter and the combining mark
 /// after it become one byte if Mac Roman has the composed character.
 std::optional<std::string> EncodeMacRoman(std::u16string_view units);
-/// Encodes ASCII. Returns nothing if a character is not ASCII.
+/// Encodes ASCII. Returns no value if a character is not ASCII.
 std::optional<std::string> EncodeAscii(std::u16string_view units);
 
-/// Encodes UTF-8 for display. A lone surrogate becomes U+FFFD.
+/// Encodes UTF-8 for display. An unpaired surrogate becomes U+FFFD.
 std::string ReadableUtf8(std::u16string_view units);
 
 } // namespace macplatform
