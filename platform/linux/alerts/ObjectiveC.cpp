@@ -1,5 +1,6 @@
-// Messages to NSAlert, the only class of this layer. This file does not include objc/message.h, because that
-// header declares objc_msgSend without parameters. This file defines objc_msgSend with its parameters.
+// This file implements messages to NSAlert, the only Objective-C class of the platform. The file defines
+// objc_msgSend with parameters. It does not include objc/message.h, because that header declares objc_msgSend
+// without parameters.
 
 #include <objc/runtime.h>
 
