@@ -1,6 +1,7 @@
 #pragma once
 
-/// Redirects interposed path calls of the C library to the startup volume. PathCalls.cpp defines the calls.
+/// Declares how an interposed path call of the C library is redirected, recorded and made to fail.
+/// PathCalls.cpp defines the calls.
 
 #include "VolumePath.h"
 #include "trace/PlatformCall.h"
@@ -16,15 +17,15 @@
 
 namespace macplatform {
 
-/// Sets errno in its destructor: to the value at construction, or to the value of the last `Take` or `Set`.
-/// Recording a call may change errno in between.
+/// Restores errno in its destructor. The restored value is the errno at construction, or the value of the
+/// last `Save` or `Set`. This is necessary because the recording of a call may change errno.
 class SavedErrno {
 public:
     SavedErrno() : value(errno) {}
     SavedErrno(const SavedErrno&) = delete;
     SavedErrno& operator=(const SavedErrno&) = delete;
     ~SavedErrno() { errno = value; }
-    /// Keeps the present errno.
+    /// Stores the present errno as the value to restore.
     void Save() { value = errno; }
     void Set(int error) { value = error; }
 
@@ -32,15 +33,16 @@ private:
     int value;
 };
 
-/// Returns the next definition of a function: the definition of the C library, or of a sanitizer that calls
-/// the C library.
+/// Returns the definition of a function after the one of the platform: the definition of the C library, or
+/// that of a sanitizer, which then calls the C library.
 template <typename Function>
 Function* NextDefinition(const char* symbol) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, symbol));
 }
 
-/// Returns whether the path of a call must be redirected to the startup volume. Paths that the platform
-/// itself uses are never redirected. Returns true for lack of memory: CallOnVolume then fails with ENOMEM.
+/// Returns whether the path of a call must be redirected to the startup volume. Returns false for a null
+/// pointer, and in calls that the platform itself makes. Returns true if memory runs out, so that
+/// CallOnVolume is called and fails with ENOMEM.
 inline bool IsRedirected(const char* path) noexcept try {
     return path && StartupVolumeIsSet() && !InternalCallScope::IsActive() && IsOnStartupVolume(path);
 } catch (const std::bad_alloc&) {
@@ -48,12 +50,13 @@ inline bool IsRedirected(const char* path) noexcept try {
 }
 
 /// Converts the path of a call to a path of this machine. Returns an empty string and sets errno if the path
-/// cannot be resolved. Throws std::bad_alloc.
+/// cannot be resolved. Returns an empty string and does not set errno for an empty path. Throws
+/// std::bad_alloc.
 inline std::string HostPathOf(const char* path, LastLink link) {
     return IsRedirected(path) ? HostPath(path, link) : std::string(path);
 }
 
-/// Formats an argument for the call log.
+/// Formats an argument for the call log. A pointer to data is shown as "...".
 inline std::string ShownArgument(const char* text) { return Quoted(text); }
 inline std::string ShownArgument(const void* pointer) { return pointer ? "..." : "NULL"; }
 template <typename T>
@@ -61,7 +64,7 @@ std::enable_if_t<std::is_integral_v<T>, std::string> ShownArgument(T number) {
     return std::to_string(number);
 }
 
-/// Formats a result for the call log. A failure includes the description of errno.
+/// Formats a result for the call log. If `failed` is true, the text includes the description of errno.
 template <typename Result>
 std::string ShownResult(Result result, bool failed) {
     if (failed) return std::string(std::is_pointer_v<Result> ? "NULL: " : "-1: ") + std::strerror(errno);
@@ -72,8 +75,8 @@ std::string ShownResult(Result result, bool failed) {
     }
 }
 
-/// Calls `make` with the path of this machine and records the result. Fails with the present errno if
-/// `hostPath` is empty.
+/// Calls `make` with `hostPath`, and records and returns the result. If `hostPath` is empty, does not call
+/// `make` and returns `failure`. Passes errno to `savedErrno` if the call fails.
 template <typename Result, typename Make>
 Result MakeCall(PlatformCall& call, SavedErrno& savedErrno, Result failure, const std::string& hostPath,
                 Make make) {
@@ -86,8 +89,9 @@ Result MakeCall(PlatformCall& call, SavedErrno& savedErrno, Result failure, cons
     return call.Result(result, ShownResult(result, result == failure));
 }
 
-/// Makes a path call on the startup volume: records the call, injects a pending fault, and calls `make` with
-/// the path of this machine. Returns `failure` and sets errno if the call fails.
+/// Makes a path call on the startup volume. Converts `path` to a path of this machine, records the call with
+/// `arguments`, and calls `make` with the converted path. A pending fault makes the call fail before `make`
+/// is called. Returns `failure` and sets errno if the call fails.
 template <typename Result, typename Make, typename... Arguments>
 Result CallOnVolume(const char* name, Result failure, LastLink link, const char* path, Make make,
                     const Arguments&... arguments) try {

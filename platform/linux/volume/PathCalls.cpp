@@ -2,12 +2,12 @@
 // and the bundles that they load, call these functions instead of the functions of the C library. Paths of
 // the startup volume are redirected. All other paths are passed on unchanged.
 //
-// Not interposed: raw system calls, exec, dlopen, fts, glob, and getcwd, which returns a path of this
-// machine.
+// These calls are not interposed: raw system calls, exec, dlopen, fts, glob and getcwd. getcwd returns a path
+// of this machine.
 //
-// The C++ names of the functions differ from their symbols, which assembler labels set. The functions
-// therefore need not match the exact declarations of the C library. The variants for 32-bit and 64-bit file
-// offsets stay separate with every compiler setting.
+// Assembler labels set the symbols of the functions. Their C++ names are in the namespace `interposed`, so
+// that the functions need not have exactly the types that the C library declares. The labels also keep the
+// variants for 32-bit and 64-bit file offsets separate with every compiler setting.
 
 #include "PathCall.h"
 
@@ -30,7 +30,7 @@ LastLink openLink(int flags) {
     return (flags & O_NOFOLLOW) || ((flags & O_CREAT) && (flags & O_EXCL)) ? kKeep : kFollow;
 }
 
-/// Returns the mode, the optional last argument of open, if the flags allow the creation of a file; else 0.
+/// Returns the optional last argument of open, the mode, if the flags can create a file. Returns 0 otherwise.
 unsigned modeBehind(int flags, va_list rest) {
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyser does not see the caller's va_start
     return flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, unsigned) : 0;
@@ -39,8 +39,8 @@ unsigned modeBehind(int flags, va_list rest) {
 bool opensToRead(int flags) { return (flags & O_ACCMODE) == O_RDONLY; }
 bool opensToRead(const char* mode) { return mode[0] == 'r' && !std::strchr(mode, '+'); }
 
-/// Opens a pipe for writing as long as the object exists. A bundle that opens the pipe for reading, in the
-/// place of a file, therefore does not wait for a writer and reads an empty file.
+/// Keeps a pipe open for writing during the lifetime of the object. If a bundle opens a path for reading and
+/// the path is a pipe, the call therefore does not wait for a writer. The bundle then reads an empty file.
 class PipeWriter {
 public:
     template <typename Mode>
@@ -61,10 +61,11 @@ private:
 
 #pragma GCC visibility push(default)
 
-/// Defines a call whose first parameter is the path. RESULT is the type of the result, FAILURE the result of
-/// a failed call, SYMBOL the function of the C library, NAME its name in the call log. LINK is kFollow if the
-/// call follows a link at the end of the path, else kKeep. PARAMETERS are the parameters after the path, each
-/// with COMMA before it. The last macro argument has the names of these parameters.
+/// Defines a call whose first parameter is the path. RESULT is the type of the result. FAILURE is the result
+/// of a failed call. SYMBOL is the function of the C library. NAME is the name in the call log. LINK is
+/// kFollow if the call follows a symbolic link at the end of the path, and kKeep otherwise. PARAMETERS are
+/// the parameters after the path, each with COMMA before it. The last macro argument contains the names of
+/// these parameters, each with COMMA before it.
 #define PATH_CALL(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                      \
     namespace interposed {                                                                                   \
     RESULT SYMBOL(const char* path PARAMETERS) __asm__(#SYMBOL);                                             \
@@ -76,8 +77,8 @@ private:
         return CallOnVolume<RESULT>(NAME, FAILURE, LINK, path, make, path __VA_ARGS__);                      \
     }
 
-/// Defines a call whose first parameter is an open directory and whose second is the path. The call ignores
-/// the directory for an absolute path.
+/// Defines a call whose first parameter is the descriptor of a directory and whose second parameter is the
+/// path. Redirected paths are absolute, and the call ignores the directory for an absolute path.
 #define PATH_CALL_AT(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                   \
     namespace interposed {                                                                                   \
     RESULT SYMBOL(int folder, const char* path PARAMETERS) __asm__(#SYMBOL);                                 \
@@ -126,7 +127,7 @@ private:
         };                                                                                                   \
         return CallOnVolume<int>("openat", -1, openLink(flags), path, make, path, flags);                    \
     }
-/// Defines the variant of open without a mode. Code that is compiled with _FORTIFY_SOURCE calls the variant.
+/// Defines the variant of open without a mode. Code that is compiled with _FORTIFY_SOURCE calls this variant.
 #define OPEN_2_CALL(SYMBOL, PLAIN)                                                                           \
     namespace interposed {                                                                                   \
     int SYMBOL(const char* path, int flags) __asm__(#SYMBOL);                                                \
@@ -206,7 +207,8 @@ PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", kKeep,
              COMMA void* buffer COMMA std::size_t size COMMA std::size_t capacity,
              COMMA buffer COMMA size COMMA capacity)
 
-// Calls of programs for older C libraries. The first parameter is the version of the layout of the result.
+// These functions are called by programs that were built with older C libraries. Their first parameter is the
+// version of the structure of the result. PATH_CALL_AT passes this parameter on unchanged.
 PATH_CALL_AT(int, -1, __xstat, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL_AT(int, -1, __xstat64, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL_AT(int, -1, __lxstat, "lstat", kKeep, COMMA void* status, COMMA status)
@@ -276,7 +278,7 @@ PATH_CALL(ssize_t, -1, llistxattr, "llistxattr", kKeep, COMMA void* names COMMA 
 PATH_CALL(int, -1, removexattr, "removexattr", kFollow, COMMA const char* name, COMMA name)
 PATH_CALL(int, -1, lremovexattr, "lremovexattr", kKeep, COMMA const char* name, COMMA name)
 
-// Calls of 32-bit programs with 64-bit times.
+// These functions are called by 32-bit programs with 64-bit times.
 #if __WORDSIZE == 32
 PATH_CALL(int, -1, __stat64_time64, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL(int, -1, __lstat64_time64, "lstat", kKeep, COMMA void* status, COMMA status)
@@ -289,7 +291,8 @@ PATH_CALL_AT(int, -1, __utimensat64, "utimensat", linkOf(flags), COMMA const voi
              COMMA times COMMA flags)
 #endif
 
-// Calls that walk a directory tree. The visitor receives paths of this machine, which path calls also accept.
+// Calls that walk a directory tree. They pass paths of this machine to the visitor function. Interposed calls
+// do not change such paths.
 #define WALK_CALL(SYMBOL, NAME, PARAMETERS, ...)                                                             \
     namespace interposed {                                                                                   \
     int SYMBOL(const char* path, void* visit PARAMETERS) __asm__(#SYMBOL);                                   \
@@ -309,10 +312,12 @@ WALK_CALL(ftw64, "ftw", COMMA int descriptors, COMMA descriptors)
 WALK_CALL(nftw, "nftw", COMMA int descriptors COMMA int flags, COMMA descriptors COMMA flags)
 WALK_CALL(nftw64, "nftw", COMMA int descriptors COMMA int flags, COMMA descriptors COMMA flags)
 
-// Calls with two paths. Both paths are recorded, and each of them may be redirected.
+// Calls with two paths. The call log shows both paths. Each path is redirected separately.
 
 namespace {
 
+/// Makes a call with two paths on the startup volume. `fromLink` says whether a symbolic link at the end of
+/// `from` is followed. A link at the end of `to` is not followed.
 template <typename Make>
 int callOfTwo(const char* name, const char* from, const char* to, Make make, LastLink fromLink = kKeep) try {
     const std::string hostFrom = HostPathOf(from, fromLink);
@@ -385,7 +390,8 @@ int interposed::linkat(int fromFolder, const char* from, int toFolder, const cha
     return eitherIsRedirected(from, to) ? callOfTwo("linkat", from, to, make, link) : make(from, to);
 }
 
-/// Creates a link with an unchanged target. The target is redirected when the link is followed.
+/// Creates a symbolic link and does not convert its target. The target is redirected when a call follows the
+/// link.
 int interposed::symlink(const char* target, const char* path) {
     static const auto next = NextDefinition<int(const char*, const char*)>("symlink");
     if (!IsRedirected(path)) return next(target, path);
@@ -402,8 +408,8 @@ int interposed::symlinkat(const char* target, int folder, const char* path) {
 
 namespace {
 
-/// Converts the result of realpath to a path of the Mac, so that the bundle does not leave the startup
-/// volume.
+/// Calls realpath and converts its result to a path of the Mac. With a path of this machine, the bundle would
+/// leave the startup volume.
 template <typename Make>
 char* resolvedOnVolume(const char* path, Make make) {
     const auto resolve = [&](const char* hostPath) -> char* {
@@ -432,8 +438,9 @@ char* interposed::__realpath_chk(const char* path, char* resolved, std::size_t c
 
 namespace {
 
-/// Calls `make`, which replaces the placeholder at the end of the path, before the suffix, by a generated
-/// name. Copies the generated name to `path`.
+/// Calls a function that generates the name of a temporary file. `path` is a template: it ends with six
+/// placeholder characters and `suffix` further bytes. `make` replaces the placeholders in a copy of the path.
+/// After a success, copies the generated characters to `path`.
 template <typename Result, typename Make>
 Result callWithTemplate(const char* name, Result failure, char* path, Make make, int suffix = 0) {
     return CallOnVolume<Result>(
@@ -450,7 +457,7 @@ Result callWithTemplate(const char* name, Result failure, char* path, Make make,
         path);
 }
 
-/// Calls one of the four functions of the C library that generate a name with a suffix.
+/// Calls the function `symbol` of the C library: mkstemps, mkstemps64, mkostemps or mkostemps64.
 template <typename... Flags>
 int callWithSuffix(const char* symbol, char* path, int suffix, Flags... flags) {
     const auto next = NextDefinition<int(char*, int, Flags...)>(symbol);

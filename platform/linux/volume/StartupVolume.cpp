@@ -37,6 +37,7 @@ void skipSlashes(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of('/'), rest.size()));
 }
 
+/// Returns whether paths that begin with this name are redirected.
 bool isVolumeName(std::string_view name) {
     static constexpr std::array<std::string_view, 5> names = {"Library", "Applications", "Users", "System",
                                                               "Volumes"};
@@ -56,7 +57,8 @@ std::string_view firstComponent(std::string_view path) {
     return name;
 }
 
-/// Removes each ".", and each ".." together with the name before it.
+/// Returns the path without each ".", and without each ".." and the name before it. Does not read symbolic
+/// links.
 std::string lexicallyClean(std::string_view path) {
     std::vector<std::string_view> names;
     const bool asFolder = !path.empty() && path.back() == '/';
@@ -135,7 +137,8 @@ private:
     LastLink last;
     bool asFolder = false; ///< The path requires that `reached` is a directory.
     int links = 0;
-    int deadEnd = 0; ///< If `reached` is missing or no directory: the errno of a further "..".
+    /// The errno of a further "..": ENOENT if `reached` is missing, ENOTDIR if it is not a directory, else 0.
+    int deadEnd = 0;
     int errorNumber = 0;
 };
 
@@ -170,7 +173,7 @@ bool SetStartupVolume(const std::string& folder) {
         return false;
     }
     volumeFolder() = absolute.get();
-    // With "/" every path of the Mac is the same path of this machine, so no volume is set.
+    // If the directory is "/", every path of the Mac is the same path on this machine. No volume is set then.
     if (volumeFolder() == "/") volumeFolder().clear();
     gVolumeIsSet = !volumeFolder().empty();
     return true;
@@ -185,7 +188,8 @@ std::string HostPath(const std::string& macPath, LastLink lastLink) {
         return {};
     }
     if (!IsOnStartupVolume(macPath)) return macPath;
-    // The names before a ".." at the beginning belong to this machine and need not exist on the volume.
+    // A path such as "/tmp/../Library" begins with names of this machine. These names need not exist on the
+    // volume.
     const bool startsOnVolume = isVolumeName(firstComponent(macPath));
     return Walk(startsOnVolume ? macPath : lexicallyClean(macPath), lastLink).Run();
 }
