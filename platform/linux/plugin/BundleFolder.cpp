@@ -30,15 +30,16 @@ std::string lastName(std::string path) {
 
 bool gPrefersMacCode = false;
 
-/// Returns the Mac executable if this process can run it and it is preferred or the only one. Returns the
-/// Linux executable otherwise.
+/// Returns the path of the executable to load. The Mac executable is chosen if this process can run it, and
+/// if it is preferred or there is no Linux executable. Otherwise the Linux executable is chosen, even if it
+/// is missing.
 std::string chosenExecutable(const std::string& own, const std::string& mac) {
     if (!CanRunMachO() || access(mac.c_str(), F_OK) != 0) return own;
     return gPrefersMacCode || access(own.c_str(), F_OK) != 0 ? mac : own;
 }
 
 /// Returns the name of the executable: CFBundleExecutable, or the name of the bundle without its extension if
-/// that key is missing. Returns an empty string if the name is a path and not a file name.
+/// that key is missing. Returns an empty string if the name is not a file name.
 std::string executableName(const BundleFolder& bundle) {
     std::string name;
     if (const PropertyValue* const named = bundle.info.Find("CFBundleExecutable")) {
@@ -146,7 +147,7 @@ BundleFailure CheckExecutable(BundleFolder& bundle) {
     const ssize_t read = ::read(code.Get(), &header, sizeof header);
     const std::size_t length = read < 0 ? 0 : static_cast<std::size_t>(read);
     bundle.isMachO = length >= 4 && hasMachOMagic(header.e_ident);
-    // The Mach-O loader checks a Mac executable itself.
+    // LoadMachO checks a Mach-O file.
     return bundle.isMachO ? BundleFailure() : checkHeader(file, header, length);
 }
 

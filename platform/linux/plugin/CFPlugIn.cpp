@@ -38,7 +38,7 @@ namespace {
 
 using Bundle = __CFBundle;
 
-/// Returns the bundles of the process. `finaliseBundle` removes a bundle when it is freed.
+/// Returns the bundles that are open in this process. `finaliseBundle` removes a freed bundle from the list.
 std::vector<Bundle*>& openBundles() {
     // The vector is never destroyed: bundles may still be released when the process exits.
     static std::vector<Bundle*>& gBundles = *new std::vector<Bundle*>;
@@ -68,8 +68,8 @@ Bundle& checkedBundle(const void* plugIn, const char* function) {
 
 std::string plistPath(const Bundle& bundle) { return bundle.folder.path + "/Contents/Info.plist"; }
 
-/// Reads the factories and the types from the property list.
-/// Ignores entries that are not UUIDs or function names.
+/// Reads the factories and the types from the property list. Ignores a factory or type whose key is not a
+/// UUID, and a factory whose function name is not a string.
 void readTables(Bundle& bundle) {
     if (const PropertyValue* const factories = bundle.folder.info.Find("CFPlugInFactories")) {
         for (std::size_t i = 0; i < factories->keys.size(); ++i) {
@@ -94,6 +94,7 @@ void readTables(Bundle& bundle) {
     }
 }
 
+/// Records a failure for each missing CFPlugIn dictionary. The bundle stays open.
 void noteMissingKeys(const Bundle& bundle) {
     for (const char* const key : {"CFPlugInTypes", "CFPlugInFactories"}) {
         const PropertyValue* const value = bundle.folder.info.Find(key);
@@ -158,7 +159,7 @@ Bundle* bundleOfFactory(const UuidBytes& factory) {
 }
 
 /// Loads the code of the factory's bundle and returns the factory function. Returns null and records the
-/// failure if there is no such function for the type.
+/// failure if the code cannot be loaded, or if no bundle has this factory for the type.
 CFPlugInFactoryFunction findFactoryFunction(const UuidBytes& factory, const UuidBytes& type) {
     lastFailure() = {};
     Bundle* const bundle = bundleOfFactory(factory);
@@ -271,7 +272,8 @@ void CFPlugInRemoveInstanceForFactory(CFUUIDRef factory) {
     PlatformCall call(name);
     RecordArguments(call, factory);
     Bundle* const bundle = bundleOfFactory(BytesOf(factory, name));
-    // Without this check, a call without a preceding Add call would release the reference of another owner.
+    // Without this check, a call without a preceding call of CFPlugInAddInstanceForFactory would release the
+    // reference of another owner.
     if (!bundle || bundle->instances == 0) return;
     --bundle->instances;
     Release(*bundle);
