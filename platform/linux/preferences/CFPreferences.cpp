@@ -21,19 +21,21 @@ constexpr __CFString kCurrentHost(u"kCFPreferencesCurrentHost", ShownAs::kName);
 
 const char kOtherScope[] = "not stored: only any user on the current host has preferences here";
 
-/// Returns the changes that are not yet synchronised, by domain, for the current startup volume.
+/// Returns the changes of the current startup volume that are not yet synchronised. The key of the map is the
+/// domain.
 std::map<std::string, PreferenceChanges>& pendingChanges() {
     static std::map<std::string, std::map<std::string, PreferenceChanges>> gWaiting; // by volume directory
     return gWaiting[StartupVolume()];
 }
 
-/// Returns whether the scope is the one that is stored here.
-/// Compares with the constants themselves, not with their contents.
+/// Returns whether the platform stores preferences of this user and host. Compares the references and not the
+/// strings.
 bool isStored(CFStringRef user, CFStringRef host) {
     return user == kCFPreferencesAnyUser && host == kCFPreferencesCurrentHost;
 }
 
-/// Returns the value to store, or no value if the type is not supported here.
+/// Returns the value to store. Returns no value if it is neither a string nor a number, or is a string that
+/// cannot be encoded in UTF-8.
 std::optional<PreferenceValue> valueToStore(CFPropertyListRef value, const char* function) {
     const Object& object = CheckedObject(value, function);
     if (object.type == &kStringClass) return Utf8(static_cast<CFStringRef>(value), function);
@@ -43,7 +45,8 @@ std::optional<PreferenceValue> valueToStore(CFPropertyListRef value, const char*
     return std::get<double>(number);
 }
 
-/// Records a change for the next synchronisation. Returns an empty string, or the reason for a rejection.
+/// Records a change for the next synchronisation. A null value removes the key. Returns an empty string, or
+/// the reason why the change was rejected.
 std::string keepWaiting(CFStringRef key, CFPropertyListRef value, CFStringRef domain, const char* function) {
     const auto keyText = Utf8(key, function), domainText = Utf8(domain, function);
     if (!keyText || !domainText) return "not stored: the key or the domain cannot be encoded in UTF-8";
@@ -54,7 +57,8 @@ std::string keepWaiting(CFStringRef key, CFPropertyListRef value, CFStringRef do
     return {};
 }
 
-/// Stores the recorded changes of the domain. Returns an empty string, or the reason why nothing was stored.
+/// Stores the recorded changes of the domain. Returns an empty string, or the reason why the changes were not
+/// stored. After a failure the changes stay recorded.
 std::string store(CFStringRef domain, CFStringRef user, CFStringRef host, const char* function) {
     if (!isStored(user, host)) return kOtherScope;
     const auto name = Utf8(domain, function);
@@ -82,7 +86,8 @@ void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef
     PlatformCall call("CFPreferencesSetValue");
     RecordArguments(call, key, value, domain, user, host);
     if (call.ConsumeFault()) return;
-    // Values of other scopes are dropped. The caller notices, because their synchronisation returns false.
+    // A value of another user or host is not recorded. CFPreferencesSynchronize returns false for this user
+    // and host.
     try {
         call.SetNote(isStored(user, host) ? keepWaiting(key, value, domain, "CFPreferencesSetValue")
                                           : kOtherScope);

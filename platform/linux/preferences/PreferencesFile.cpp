@@ -68,8 +68,8 @@ bool isFileName(const std::string& domain) {
            domain.find('\0') == std::string::npos && domain.size() + std::strlen(".plist") <= NAME_MAX;
 }
 
-/// Returns whether a file of the format can store the string. XML cannot represent most control characters,
-/// and the strings of the property-list parser end at a NUL.
+/// Returns whether a file of this format can store the string. XML cannot represent most control characters.
+/// In both formats the parser ends a string at a NUL.
 bool canHold(PropertyListFormat format, const std::string& text) {
     return std::none_of(text.begin(), text.end(), [format](char c) {
         const bool control = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n';
@@ -86,7 +86,7 @@ std::string objectOf(const PreferenceValue& value) {
     return IntegerObject(number < 0 ? 0 - bits : bits, number < 0);
 }
 
-/// Returns the value that a reader gets after the value was written.
+/// Returns the value as `ReadPropertyList` returns it after the value has been written.
 PropertyValue asReadAgain(const PreferenceValue& value) {
     PropertyValue read;
     if (const auto* text = std::get_if<std::string>(&value)) {
@@ -103,8 +103,8 @@ PropertyValue asReadAgain(const PreferenceValue& value) {
     return read;
 }
 
-/// Returns the entries after the changes. The entries that remain keep their order, and new entries follow in
-/// the order of their keys.
+/// Returns the entries of a dictionary after the changes. The remaining entries keep their order. New entries
+/// follow, sorted by key.
 PropertyValue withChanges(PropertyValue&& before, PreferenceChanges changes) {
     PropertyValue after;
     after.kind = PropertyValue::Kind::kDictionary;
@@ -125,8 +125,8 @@ PropertyValue withChanges(PropertyValue&& before, PreferenceChanges changes) {
     return after;
 }
 
-/// The preferences file of a domain: read first, then changed in memory, then replaced on the disk. Each step
-/// returns an empty string, or the error message.
+/// The preferences file of a domain. `Read`, `Apply` and `Write` must be called in this order. Each of them
+/// returns an empty string, or an error message.
 class DomainFile {
 public:
     DomainFile(const FileDescriptor& openFolder, const std::string& folderPath, const std::string& domain)
@@ -156,7 +156,7 @@ public:
         return path + ": the root of the property list is not a dictionary";
     }
 
-    /// Checks the wanted changes and drops those that change nothing.
+    /// Checks that the file can store the changes. Ignores changes that have no effect.
     std::string Apply(const PreferenceChanges& wanted) {
         for (const auto& [key, value] : wanted) {
             const auto* const text = value ? std::get_if<std::string>(&*value) : nullptr;

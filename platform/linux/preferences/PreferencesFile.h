@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Stores changes in the preferences file of a domain.
+/// Declares a function that stores changes in the preferences file of a domain.
 
 #include <cstdint>
 #include <map>
@@ -15,13 +15,14 @@ using PreferenceValue = std::variant<std::string, std::int64_t, double>; ///< A 
 /// The new value of each key. A key without a value is removed from the file.
 using PreferenceChanges = std::map<std::string, std::optional<PreferenceValue>>;
 
-/// Applies the changes to the any-user, current-host file of the domain on the startup volume. Other keys,
-/// their order and the format do not change. A new file is binary. A file without keys is removed. If the
-/// changes have no effect, nothing is written.
+/// Applies the changes to the preferences file of the domain on the startup volume: the file for any user and
+/// the current host. Other keys, the order of the keys and the format of the file do not change. A new file
+/// is binary. A file without keys is removed. If the changes have no effect, the file is not written.
 ///
-/// The file is replaced atomically, under a lock on its directory, and is on the disk when the function
-/// returns. Returns an empty string, or the reason why nothing was stored: one line with the path. The file
-/// is unchanged then.
+/// The function locks the directory of the file, waits at most five seconds for the lock, and replaces the
+/// file atomically. Returns an empty string after the changes are on the disk. Otherwise returns one line
+/// with the reason and the path or the domain. After a failure the file is unchanged, except that it may have
+/// the new contents if only the flush of the directory failed.
 std::string StorePreferences(const std::string& domain, const PreferenceChanges& changes);
 
 } // namespace macplatform
