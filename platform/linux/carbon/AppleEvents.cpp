@@ -18,12 +18,13 @@
 
 using namespace macplatform;
 
-/// The data of a descriptor: bytes, or parameters by keyword. `AEDisposeDesc` frees the data.
+/// The data of a descriptor: bytes, or parameters with keywords. The descriptor owns the data.
+/// `AEDisposeDesc` frees the data.
 struct OpaqueAEDataStorageType : TrackedObject {
     struct Parameter {
         AEKeyword keyword;
         DescType type;
-        OpaqueAEDataStorageType* data; ///< Owned; null for a null descriptor.
+        OpaqueAEDataStorageType* data; ///< Owned. Null for a null descriptor.
     };
 
     explicit OpaqueAEDataStorageType(DescType ofType) : type(ofType) {
@@ -50,7 +51,8 @@ struct OpaqueAEDataStorageType : TrackedObject {
         return text;
     }
 
-    /// Adds a parameter with a copy of the data. Replaces a parameter with the same keyword.
+    /// Adds a parameter with a copy of the data. Replaces the existing parameter with the same keyword.
+    /// Throws std::bad_alloc.
     void Put(AEKeyword keyword, DescType ofType, const OpaqueAEDataStorageType* data) {
         Parameter fresh{keyword, ofType, data ? new OpaqueAEDataStorageType(*data) : nullptr};
         for (Parameter& parameter : parameters) {
@@ -107,14 +109,15 @@ FourCharCode codeOf(const Storage& record, AEKeyword keyword) {
     return parameter ? codeOf(parameter->data) : 0;
 }
 
-/// Transfers the storage to the descriptor, which must be empty.
+/// Transfers the ownership of the storage to the descriptor, which must be empty.
 void giveTo(AEDesc* result, DescType type, std::unique_ptr<Storage> storage) {
     result->descriptorType = type;
     result->dataHandle = storage.release();
 }
 
-/// Runs the body of a call that creates a descriptor, and returns its result code. The descriptor is null if
-/// the body fails. If memory runs out, the result is `memFullErr`.
+/// Sets `result` to the null descriptor and calls `work`, which creates a descriptor. Returns and records the
+/// result code of `work`. Returns `paramErr` if `result` is null, and `memFullErr` if memory runs out. A
+/// pending fault makes the call fail before `work` is called.
 template <typename Work>
 OSErr made(PlatformCall& call, AEDesc* result, Work work) {
     if (!result) return call.Result(OSErr{paramErr});
@@ -129,6 +132,7 @@ OSErr made(PlatformCall& call, AEDesc* result, Work work) {
 
 std::string shown(const AEDesc* desc) { return desc ? Storage::CodeText(desc->descriptorType) : "NULL"; }
 
+/// Returns whether the destination of a move event is the Trash.
 bool namesTheTrash(const Storage& event) {
     const auto* const place = event.Find(keyAEInsertHere);
     return place && place->type == typeObjectSpecifier && place->data &&
@@ -136,7 +140,7 @@ bool namesTheTrash(const Storage& event) {
            codeOf(*place->data, kKeyData) == kTrashProperty;
 }
 
-/// Handles the event as the Finder does, and returns the Finder's result code.
+/// Handles a move event as the Finder does: moves the item to the Trash. Returns the Finder's result code.
 OSErr moveAsTheFinderDoes(const Storage& event) {
     if (!namesTheTrash(event)) return errAENoSuchObject;
     const auto* const object = event.Find(keyDirectObject);

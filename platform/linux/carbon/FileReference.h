@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// Creates FSRef records, and finds the files and directories that they refer to.
+/// Declares functions that create FSRef records, and functions that find the files and directories to which
+/// the records refer.
 
 #include <Carbon/Files.h>
 
@@ -10,28 +11,30 @@
 
 namespace macplatform {
 
-/// A file or directory of the host, or the reason why it was not found.
+/// The result of a search: a file or directory of this machine, or the reason why it was not found.
 struct Item {
-    OSErr result = noErr; ///< The reason. If it is not `noErr`, the other members are empty.
-    std::string path;     ///< An absolute host path without symbolic links.
+    OSErr result = noErr; ///< If not `noErr`: the reason. The other members are then empty.
+    std::string path;     ///< An absolute path of this machine without symbolic links.
     bool isFolder = false;
     dev_t device = 0;
     ino_t inode = 0;
 };
 
-/// Returns the item at a UTF-8 path of the Mac. Follows symbolic links, in the last component too.
+/// Returns the item at a UTF-8 path of the Mac. Follows symbolic links, also at the end of the path.
 Item FindItem(const std::string& macPath);
 /// Returns the item that the reference was created for. The result is `fnfErr` if that item no longer exists
 /// at its path or another item has replaced it, and `errFSBadFSRef` if the reference is not valid.
 Item FindItem(const FSRef& reference);
 
-/// Stores the path of the item and returns the result of `FindItem`. After an error, the path is empty.
+/// Finds the item of the reference and stores its path of this machine in `path`. Returns the result code of
+/// `FindItem`. After an error, `path` is empty.
 OSErr PathOfReference(const FSRef& reference, std::string& path);
 
 /// Returns a new reference to an item that `FindItem` has found.
 FSRef MakeReference(const Item& item);
 
-/// Returns the Mac path of the reference in quotation marks for the call log, or "NULL" for a null pointer.
+/// Returns the text for the call log: the Mac path of the reference in quotation marks, or "NULL" for a null
+/// pointer.
 std::string DescribeReference(const FSRef* reference);
 
 } // namespace macplatform

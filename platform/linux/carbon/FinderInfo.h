@@ -1,12 +1,12 @@
 #pragma once
 
 /// @file
-/// Reads and writes the Finder information of an item: the 32 bytes that
-/// the Finder stores for a file or directory.
+/// Declares functions that read and write the Finder information of an item: the 32 bytes that the Finder
+/// stores for a file or directory.
 ///
 /// The bytes are in the extended attribute `user.com.apple.FinderInfo` (`osx.com.apple.FinderInfo` on an HFS+
 /// volume). They are in the AppleDouble sidecar `._NAME` beside the item if the file system does not support
-/// extended attributes, or if the item came with a sidecar and has no attribute.
+/// extended attributes, or if the item has a sidecar and no attribute.
 
 #include <array>
 #include <cstdint>
@@ -21,12 +21,13 @@ using FinderInfo = std::array<std::uint8_t, 32>;
 /// Reads the Finder information of an item. Returns 0 or an errno. Does not follow a symbolic link.
 int ReadFinderInfo(const std::string& path, FinderInfo& info);
 
-/// Writes the Finder information of an item, unless the item already has these bytes. Returns 0 or an errno.
-/// The owner of a read-only item can write its Finder information.
+/// Writes the Finder information of an item. Does nothing if the item already has these bytes. The owner of a
+/// read-only item can write its Finder information. Returns 0 or an errno.
 int WriteFinderInfo(const std::string& path, const FinderInfo& info);
 
-/// Copies the first or the last 16 bytes of the Finder information of a file or directory and converts the
-/// fields between big-endian and the byte order of the host. The conversion is the same in both directions.
+/// Copies the first 16 bytes of the Finder information of a file or directory from `from` to `to`. Converts
+/// the fields between big-endian and the byte order of this machine. The conversion is the same in both
+/// directions.
 void SwapBasicFinderInfo(const std::uint8_t* from, std::uint8_t* to, bool isFolder);
 
 } // namespace macplatform

@@ -4,8 +4,8 @@
 
 namespace macplatform {
 
-/// Returns the Mac's result code (Carbon/MacErrors.h) for an errno: `noErr` for 0, and `ioErr` for an errno
-/// without a result code of its own. Every missing permission is `permErr`.
+/// Returns the Mac's result code (Carbon/MacErrors.h) for an errno. Returns `noErr` for 0, `permErr` for
+/// every missing permission, and `ioErr` for an errno without a corresponding result code.
 OSErr ResultCode(int error);
 
 } // namespace macplatform

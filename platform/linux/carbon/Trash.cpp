@@ -18,7 +18,8 @@ namespace {
 /// A Trash directory.
 struct TrashFolder {
     std::string path;
-    std::string top; ///< The paths in the records are relative to this directory. Empty: they are absolute.
+    /// The directory to which the paths in the records are relative. Empty if the paths are absolute.
+    std::string top;
 };
 
 std::string folderOf(const std::string& path) {
@@ -43,8 +44,8 @@ bool deviceOf(const std::string& path, dev_t& device) {
     return true;
 }
 
-/// Returns whether the path is a directory and not a symbolic link, and sets `errno` if it is not. A link at
-/// the top of a file system could lead to another file system.
+/// Returns whether the path is a directory and not a symbolic link. If the result is false, sets `errno`. A
+/// Trash directory must not be a link, because the link could refer to another file system.
 bool isRealFolder(const std::string& path) {
     struct stat status {};
     if (lstat(path.c_str(), &status) != 0) return false;
@@ -69,7 +70,8 @@ std::string homeTrash() {
     return home && *home == '/' ? pathIn(home, ".local/share/Trash") : std::string();
 }
 
-/// Returns the top directory of the file system of the path.
+/// Returns the top directory of the file system that contains the item. `device` is the device of its
+/// directory.
 std::string topOf(const std::string& path, dev_t device) {
     std::string top = folderOf(path);
     for (dev_t above = 0; top != "/" && deviceOf(folderOf(top), above) && above == device;)
@@ -77,8 +79,8 @@ std::string topOf(const std::string& path, dev_t device) {
     return top;
 }
 
-/// Returns the Trash of a file system: the user's directory in the common `.Trash` if the administrator has
-/// created `.Trash` with the sticky bit, and otherwise `.Trash-UID`.
+/// Returns the Trash of the file system with the top directory `top`. If the administrator has created the
+/// directory `.Trash` with the sticky bit, the Trash is `.Trash/UID`. Otherwise the Trash is `.Trash-UID`.
 TrashFolder trashAtTop(const std::string& top) {
     const std::string user = std::to_string(getuid()), common = pathIn(top, ".Trash");
     struct stat status {};
@@ -100,6 +102,7 @@ TrashFolder trashFor(const std::string& path) {
     return trashAtTop(topOf(path, own));
 }
 
+/// Returns whether an item must not be moved to the Trash. The comment of `MoveToTrash` lists these items.
 bool mustStay(const std::string& path, const std::string& trash) {
     const char* const home = std::getenv("HOME");
     struct stat own {
@@ -139,8 +142,8 @@ std::string recordText(const std::string& path, const TrashFolder& trash) {
     return "[Trash Info]\nPath=" + percentEncoded(shown) + "\nDeletionDate=" + date + "\n";
 }
 
-/// Returns the name for an attempt: "photo.jpg", "photo.2.jpg", ... A long name is cut, so that the name of
-/// the record does not exceed the limit of the file system.
+/// Returns the name for an attempt: "photo.jpg", "photo.2.jpg", ... A long name is shortened, so that the
+/// name of its record does not exceed the limit of the file system.
 std::string numberedName(std::string name, unsigned number) {
     if (name.size() > 230) name.resize(230);
     if (number == 1) return name;
@@ -149,7 +152,7 @@ std::string numberedName(std::string name, unsigned number) {
     return name.substr(0, cut) + '.' + std::to_string(number) + name.substr(cut);
 }
 
-/// Creates the file of a record. Returns 0 or an errno. After an error, this function has left no new file.
+/// Creates the file of a record. Returns 0 or an errno. After an error, the new file does not exist.
 int makeRecord(const std::string& info, const std::string& record) {
     const FileDescriptor file(open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return errno;
@@ -160,8 +163,8 @@ int makeRecord(const std::string& info, const std::string& record) {
     return failed;
 }
 
-/// Reserves a free name in the Trash by creating its record, which must not exist. Returns the name, or an
-/// empty string with `errno` set.
+/// Reserves an unused name in the Trash: creates the record for the name. Returns the name. Returns an empty
+/// string and sets `errno` after an error.
 std::string claimName(const std::string& path, const TrashFolder& trash) {
     const std::string record = recordText(path, trash);
     for (unsigned number = 1; number < 100000; ++number) {
@@ -196,7 +199,7 @@ int MoveToTrash(const std::string& path) {
         unlink((trash.path + "/info/" + name + ".trashinfo").c_str());
         return failed;
     }
-    // Most items have no sidecar. If an existing sidecar cannot be moved, the item stays in the Trash.
+    // A failure is ignored: most items have no sidecar, and a sidecar that cannot be moved remains.
     (void)rename(pathIn(folderOf(path), "._" + nameOf(path)).c_str(),
                  (trash.path + "/files/._" + name).c_str());
     return 0;
