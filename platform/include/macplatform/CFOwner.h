@@ -1,6 +1,6 @@
 #pragma once
 
-/// Ownership of CF objects in programs that use the platform.
+/// Declares the owner of a CF object, for programs that use the platform.
 
 #include <CoreFoundation/CFBase.h>
 
@@ -15,7 +15,7 @@ struct CFReleaser {
     void operator()(const void* object) const { CFRelease(object); }
 };
 
-/// Owns one reference to a CF object, or nothing: `CFOwner<CFStringRef>`.
+/// Owns one reference to a CF object, or is empty. Example: `CFOwner<CFStringRef>`.
 template <typename Reference>
 using CFOwner = std::unique_ptr<std::remove_pointer_t<Reference>, CFReleaser>;
 

@@ -5,12 +5,12 @@
 
 namespace macplatform {
 
-/// Owns an open file descriptor, or none. The destructor closes the descriptor.
+/// Owns an open file descriptor, or is empty. The destructor closes the descriptor.
 class FileDescriptor {
 public:
     FileDescriptor() = default;
-    /// Takes ownership of an open descriptor. A negative number, the result of a failed call, stands for
-    /// none.
+    /// Takes ownership of an open descriptor. The object is empty if the number is negative, which is the
+    /// result of a failed call.
     explicit FileDescriptor(int openDescriptor) : descriptor(openDescriptor) {}
     ///@{
     /// Moves the ownership. An assignment exchanges the descriptors of the two objects.
@@ -22,9 +22,9 @@ public:
     ///@}
     ~FileDescriptor() { Close(); }
 
-    int Get() const { return descriptor; } ///< Returns the descriptor, still owned, or a negative number.
+    int Get() const { return descriptor; } ///< Returns the descriptor, or a negative number.
     explicit operator bool() const { return descriptor >= 0; } ///< True if there is a descriptor.
-    /// Closes the descriptor if there is one. The object then owns none.
+    /// Closes the descriptor if there is one. The object is then empty. Ignores errors.
     void Close() {
         if (descriptor >= 0) close(std::exchange(descriptor, -1));
     }

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// Reads Finder flags, and simulates file systems without extended attributes.
+/// Declares a function that reads Finder flags, and a function that simulates file systems without extended
+/// attributes.
 
 #include <cstdint>
 #include <optional>
@@ -10,14 +11,15 @@
 #pragma GCC visibility push(default)
 namespace macplatform {
 
-/// Returns the Finder flags of an item of this machine, from the extended attribute or the AppleDouble
-/// sidecar. Carbon/Finder.h declares the flags. Returns 0 if the item has no Finder information, and nothing
-/// if the Finder information cannot be read. Does not follow a symbolic link at the end of the path. Changes
-/// nothing on disk.
+/// Returns the Finder flags of an item of this machine. The flags are in an extended attribute or in the
+/// AppleDouble sidecar. Carbon/Finder.h declares the flags. Returns 0 if the item has no Finder information.
+/// Returns no value if the Finder information cannot be read. Does not follow a symbolic link at the end of
+/// the path.
 std::optional<std::uint16_t> ReadFinderFlags(const std::string& path);
 
-/// If `refused` is true, makes the platform treat every file system as one without extended attributes, so
-/// that Finder information is stored in sidecars. If `refused` is false, restores normal behaviour.
+/// If `refused` is true, the platform treats every file system as a file system without extended attributes
+/// and stores Finder information in sidecars. If `refused` is false, the platform uses extended attributes
+/// where the file system supports them, which is the default.
 void RefuseExtendedAttributes(bool refused);
 
 } // namespace macplatform

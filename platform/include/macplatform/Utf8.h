@@ -5,9 +5,9 @@
 
 namespace macplatform {
 
-/// Returns the number of bytes of the UTF-8 character at the start of the text. Returns 0 if no character
-/// begins there: the text is empty, a continuation byte is stray or missing, or the character is overlong, a
-/// surrogate or above U+10FFFF.
+/// Returns the number of bytes of the UTF-8 character at the start of the text. Returns 0 if the text does
+/// not begin with a valid character: the text is empty, a continuation byte is stray or missing, or the
+/// sequence is overlong or encodes a surrogate or a value above U+10FFFF.
 inline std::size_t Utf8CharacterLength(std::string_view text) {
     if (text.empty()) return 0;
     const auto byteAt = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
