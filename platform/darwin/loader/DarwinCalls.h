@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Finds the functions and variables of this process that Mac code imports. An import has the name that the
-/// Mach-O file uses, with its leading underscore.
+/// Declares the functions and variables of this process that code for the Mac can import. The name of an
+/// import is the name in the Mach-O file, with its leading underscore.
 
 #include <cstdint>
 #include <string>
@@ -13,9 +13,9 @@ namespace macplatform {
 /// Returns the address of an import, or 0 if Linux and the platform have no equivalent.
 std::uint32_t DarwinImport(const std::string& name);
 
-/// A function that stands for a function of the Mac.
+/// A function or variable of this process that replaces one of the Mac.
 struct DarwinCall {
-    std::string_view name;
+    std::string_view name; ///< The name of the import.
     void* function;
 };
 

@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #include <sys/statfs.h>
 
-// Names the C library's symbol `fopen64`, so that the call is interposed and redirected to the startup
-// volume, as a call of any bundle.
+// Calls the symbol `fopen64`. The platform interposes this symbol and redirects the path to the startup
+// volume.
 extern "C" {
 std::FILE* DarwinOpen(const char* path, const char* mode) __asm__("fopen64");
 }
@@ -18,7 +18,7 @@ namespace macplatform {
 
 namespace {
 
-/// An error number that differs between Linux and the Mac.
+/// An error number that is different on Linux and on the Mac.
 struct ErrorNumber {
     int here; ///< On Linux.
     int mac;
@@ -36,8 +36,9 @@ int macErrorNumber(int number) {
     return number;
 }
 
-/// Returns the address of the `errno` of the Mac code. Converts and clears the `errno` of Linux if it is set,
-/// so that the Mac code sees both the errors of the C library and the values that the code stores itself.
+/// Returns the address of the `errno` of the code for the Mac. If the `errno` of Linux is set, converts its
+/// value to the Mac's number, stores the number at this address and clears the `errno` of Linux. The code for
+/// the Mac thus reads the errors of the C library and also the values that it has stored itself.
 int* errorAddress() {
     static int gNumber = 0;
     if (errno != 0) gNumber = macErrorNumber(errno);
@@ -50,6 +51,7 @@ std::FILE* gStandardError = nullptr;
 struct MacTime {
     std::int32_t seconds, nanoseconds;
 };
+/// The structure `stat` of the Mac with 64-bit inode numbers.
 struct MacStatus {
     std::int32_t device;
     std::uint16_t mode, links;
@@ -102,6 +104,7 @@ int openStatus(int descriptor, MacStatus* out) {
     return converted(fstat(descriptor, &status), status, out);
 }
 
+/// The structure `statfs` of the Mac with 64-bit inode numbers.
 struct MacVolume {
     std::uint32_t blockSize;
     std::int32_t transferSize;
@@ -125,6 +128,7 @@ int volumeStatus(const char* path, MacVolume* out) {
     return result;
 }
 
+/// The structure `dirent` of the Mac with 64-bit inode numbers.
 struct MacEntry {
     std::uint64_t number, place;
     std::uint16_t length, nameLength;
@@ -132,8 +136,8 @@ struct MacEntry {
     char name[1024];
 };
 
-/// Returns the next entry in the Mac's structure.
-/// The kinds of entries have the same numbers on the Mac and on Linux.
+/// Returns the next entry of a directory in the Mac's structure, which the next call overwrites. Returns null
+/// at the end. The types of entries have the same numbers on the Mac and on Linux.
 MacEntry* nextEntry(DIR* folder) {
     static MacEntry gEntry;
     const dirent* const found = readdir(folder);

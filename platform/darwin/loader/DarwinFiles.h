@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Implements the functions of the Mac's C library that differ from those of Linux in their structures, error
-/// numbers or symbol names.
+/// Declares the table of those functions of the Mac's C library that differ from the functions of Linux in
+/// their structures, error numbers or symbol names.
 
 #include "DarwinCalls.h"
 

@@ -14,7 +14,7 @@ constexpr std::uint8_t kPointerType = 1;
                        std::to_string(byte));
 }
 
-/// The address of the next pointer. The operations of both tables move the cursor.
+/// The address of the next pointer. The operations of the tables change this address.
 class Cursor {
 public:
     explicit Cursor(const ImageFile& imageFile) : file(imageFile) {}
@@ -37,6 +37,7 @@ private:
     bool isSet = false;
 };
 
+/// Executes the operations of the table of rebases.
 class Rebaser {
 public:
     Rebaser(const ImageFile& file, ImageMemory& imageMemory)
@@ -101,6 +102,7 @@ private:
     std::uint32_t place = 0;
 };
 
+/// Executes the operations of one table of binds.
 class Binder {
 public:
     Binder(const ImageFile& imageFile, std::string_view bindTable, ImageMemory& imageMemory,
@@ -188,8 +190,9 @@ private:
     std::uint32_t addend = 0;
 };
 
-/// Follows the branch of the export trie whose text is a prefix of `left`, and removes that prefix from
-/// `left`. Returns the offset of the next node, or no value if no branch matches.
+/// Finds the branch of a node of the export trie whose text is a prefix of `left`, and removes this prefix
+/// from `left`. `branches` is the offset of the branches of the node. Returns the offset of the node at the
+/// end of the branch. Returns no value if no branch matches.
 std::optional<std::uint32_t> nextNode(const ByteView& trie, std::uint32_t branches, std::string_view& left) {
     std::uint32_t place = branches;
     for (unsigned count = trie.U8(place++); count > 0; --count) {

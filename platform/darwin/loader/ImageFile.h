@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Reads and checks the load commands of a Mach-O file. Every range in the result is inside the file, or
-/// inside the memory of the segments.
+/// Declares a function that reads and checks the load commands of a Mach-O file, and its result. Every range
+/// in the result is inside the file, or inside the memory of the segments.
 
 #include <cstdint>
 #include <stdexcept>
@@ -16,12 +16,13 @@ namespace macplatform {
 struct MachORefused : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
-/// Thrown for a file that has no code for 32-bit Intel.
+/// Thrown for a file without code for 32-bit Intel.
 struct MachOForOthers : MachORefused {
     using MachORefused::MachORefused;
 };
 
-/// Bytes of a file or of memory, not owned. Reading outside the bytes throws MachORefused.
+/// Reads bytes of a file or of memory. The object does not own the bytes. `place` is an offset from the first
+/// byte. A read outside the bytes throws MachORefused.
 class ByteView {
 public:
     explicit ByteView(std::string_view part) : bytes(part) {}
@@ -31,7 +32,8 @@ public:
     std::uint32_t U32(std::uint32_t place) const; ///< Little-endian.
     std::string_view Part(std::uint32_t place, std::uint32_t size) const;
     std::string_view Text(std::uint32_t place) const; ///< The string up to the next NUL.
-    /// Decode a LEB128 number (unsigned or signed) and move `place` to the byte after the number.
+    /// Both functions decode a LEB128 number (unsigned or signed) and move `place` to the byte after the
+    /// number.
     std::uint32_t Uleb(std::uint32_t& place) const;
     std::int32_t Sleb(std::uint32_t& place) const;
 
@@ -59,15 +61,16 @@ struct ImageSection {
 
 /// The parts of a Mach-O file that the loader needs.
 struct ImageFile {
-    std::vector<Segment> segments; ///< In the order of the file. The loader's tables use their numbers.
+    std::vector<Segment> segments; ///< In the order of the file. The loader's tables use their indexes.
     std::vector<ImageSection> sections;
     std::string_view rebases, binds, lazyBinds, exports; ///< The loader's tables.
     std::uint32_t libraries = 0;                         ///< The number of libraries that the file loads.
     std::uint32_t start = 0, end = 0;                    ///< The address range of the segments.
 };
 
-/// Reads a thin file, or the 32-bit Intel part of a universal file. The result refers to `bytes`, which must
-/// outlive the result. Throws MachORefused.
+/// Reads a file with code for one processor, or the 32-bit Intel part of a universal file. The result refers
+/// to `bytes`, which must outlive the result. Throws MachORefused, and MachOForOthers if there is no such
+/// part.
 ImageFile ReadImageFile(std::string_view bytes);
 
 } // namespace macplatform

@@ -4,20 +4,22 @@
 
 namespace macplatform {
 
-/// The segments of an image in memory, filled from the file. The segments have the same distances as in the
-/// file. The memory is writable until `Protect`, and is never unmapped. The functions throw MachORefused.
+/// The memory of an image. The constructor allocates the memory and copies the segments of the file. The
+/// distances between the segments are the same as in the file. The memory is writable until `Protect` is
+/// called, and is never unmapped. The functions throw MachORefused.
 class ImageMemory {
 public:
     explicit ImageMemory(const ImageFile& file);
 
-    /// Returns the difference between an address in memory and the address in the file.
+    /// Returns the number to add to an address of the file to get the address in memory, modulo 2^32.
     std::uint32_t Slide() const { return slide; }
-    /// Return or set the four bytes at an address of the file, which must be inside a segment.
+    /// These functions return or set the four bytes at an address of the file. The bytes must be inside a
+    /// segment.
     std::uint32_t Word(std::uint32_t address) const;
     void SetWord(std::uint32_t address, std::uint32_t value);
     /// Returns the bytes of a section.
     std::string_view Bytes(const ImageSection& section) const;
-    /// Returns the memory of an address of the file. The address is not checked.
+    /// Returns the address in memory of an address of the file. Does not check the address.
     char* At(std::uint32_t address) const { return capacity + (address - image.start); }
     /// Gives each segment the protection that the file requests.
     void Protect() const;
