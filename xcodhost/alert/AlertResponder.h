@@ -1,6 +1,7 @@
 #pragma once
 
-/// Answers to the alerts of a bundle, chosen by the user or in advance.
+/// Declares the alert responder of the tool. The user chooses the buttons, or the command line specifies them
+/// in advance.
 
 #include "DesktopAlert.h"
 
@@ -20,16 +21,16 @@ struct AlertPolicy {
         kAsk,     ///< The user chooses on standard input. The question goes to standard error.
         kDesktop, ///< The user chooses in a window of the desktop.
         kFirst,   ///< The first button is chosen.
-        kTitles,  ///< Each alert uses up one element of `titles`, in order.
+        kTitles,  ///< Each message uses the next element of `titles`.
     };
     Kind kind = Kind::kFirst;
     std::vector<std::string> titles;
-    std::vector<DialogProgram> programs; ///< The programs that can show a window. Not empty for kDesktop.
+    std::vector<DialogProgram> programs; ///< Programs that can show a window. Not empty for kDesktop.
 };
 
 /// The answer to one alert.
 struct Answer {
-    int button = -1;  ///< The index of the chosen button. -1: the alert counts as not shown.
+    int button = -1;  ///< The index of the chosen button. -1: the alert was not shown.
     std::string note; ///< Why the alert was not shown. Empty if a button was chosen.
 };
 
@@ -39,8 +40,8 @@ public:
     AlertResponder(AlertPolicy alertPolicy, const Interruption& pendingSignals);
 
     /// Returns the answer to an alert. The text and the buttons of a stop alert are in a resource of the
-    /// installer, which the tool does not have: kFirst and kTitles count a stop alert as not shown and use up
-    /// no title. Throws Interrupted and ToolFault.
+    /// installer, which the tool does not have. With kFirst and kTitles a stop alert is therefore not shown,
+    /// and uses no title. Throws Interrupted and ToolFault.
     Answer Respond(const macplatform::Alert& alert);
 
 private:
@@ -51,7 +52,7 @@ private:
     AlertPolicy policy;
     const Interruption& interruption;
     std::size_t nextTitle = 0;
-    std::string typedAhead; ///< Input that has been read and is not used yet.
+    std::string typedAhead; ///< Input after the last line that was used.
 };
 
 /// Returns `Alert "MESSAGE"` or `Stop alert NUMBER`.

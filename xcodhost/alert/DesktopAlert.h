@@ -1,6 +1,6 @@
 #pragma once
 
-/// Shows alerts in a window of the desktop with an installed dialog program.
+/// Declares functions that show alerts in a window of the desktop with an installed dialog program.
 
 #include <string>
 #include <vector>
@@ -17,15 +17,15 @@ struct DialogProgram {
     std::string path;
 };
 
-/// Returns the programs in the absolute directories of PATH, the preferred one first. Throws UsageError if
-/// there is no program or no display.
+/// Returns the dialog programs in the absolute directories of PATH, the preferred program first. Throws
+/// UsageError if there is no such program or no display.
 std::vector<DialogProgram> FindDialogPrograms();
 
-/// Shows the message and the buttons, and returns the answer. Tries the programs in order until one has shown
-/// the window: yad and zenity show a row of buttons, kdialog shows a list. Every character is shown literally
-/// and control characters as `\xNN`. A message of more than 24 lines is cut and ends with `[...]`. The answer
-/// is "not shown" if the user closes the window without a choice, or if no program can show the window.
-/// Throws Interrupted and ToolFault.
+/// Shows the message and the buttons, and returns the answer. Runs the programs in order until one of them
+/// has shown the window. yad and zenity show a row of buttons. kdialog shows a list. Markup in the message is
+/// shown literally, and control characters are shown as `\xNN`. A message of more than 24 lines is shortened
+/// and ends with `[...]`. The button of the answer is -1 if the user closes the window without a choice, or
+/// if no program can show the window. Throws Interrupted and ToolFault.
 Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
                      const std::vector<std::string>& buttons, const Interruption& interruption);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Runs a dialog program of the desktop until the user has answered.
+/// Declares a function that runs a dialog program of the desktop and waits for its end.
 
 #include <string>
 #include <utility>
@@ -10,17 +10,17 @@ namespace xcodhost {
 
 class Interruption;
 
-/// The end of a dialog program.
+/// The status and the output of a dialog program that has ended.
 struct DialogEnd {
     int status = 0;        ///< The status that waitpid returns.
     std::string output;    ///< The first 64 KiB of the program's standard output.
-    std::string lastError; ///< The last line of the first 64 KiB of its standard error.
+    std::string lastError; ///< The last line in the first 64 KiB of standard error.
 };
 
-/// Runs a program without a shell and waits for its end, without a time limit. `command` is the path of the
-/// program and its arguments. `environment` is added to the environment of the tool. Throws ToolFault, and
-/// Interrupted if a signal arrives. Before the function returns or throws, it kills every process of the
-/// program's process group.
+/// Runs a program without a shell and waits for its end without a time limit. `command` contains the path of
+/// the program and its arguments. The environment of the program is the environment of the tool and
+/// `environment`. Throws ToolFault. Throws Interrupted if a signal arrives. Kills every process of the
+/// program's process group before it returns or throws.
 DialogEnd RunDialog(const std::vector<std::string>& command,
                     const std::vector<std::pair<const char*, const char*>>& environment,
                     const Interruption& interruption);
