@@ -1,6 +1,6 @@
 #pragma once
 
-/// Reads the exports of an ELF file without loading it.
+/// Declares functions that recognise an ELF file and read its exports without loading it.
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Loads a bundle and calls it as the installer does. Runs in the child process and reports every call to the
-/// parent process before the call.
+/// Declares the class that loads a bundle and calls its functions as the installer does. The class is used in
+/// the child process. It reports every call to the parent process before the call begins.
 
 #include "contract/PluginContract.h"
 #include "process/Channel.h"
@@ -15,22 +15,22 @@
 
 namespace xcodhost {
 
-/// Thrown to end the work of the child process after the reason has been reported.
+/// Thrown to end the work of the child process after the reason has been reported to the parent process.
 struct Stopped {};
 
-/// Returns the constant object of an identifier. The caller must not release the object.
+/// Returns the constant UUID object with these bytes. The caller must not release the object.
 CFUUIDRef ConstantIdentifier(const CFUUIDBytes& bytes);
 
 using FactoryFunction = void* (*)(CFAllocatorRef allocator, CFUUIDRef type);
 
-/// A bundle and the calls that the installer makes. Every function below that fails reports `LoadFailed` and
-/// throws `Stopped`.
+/// A bundle and the calls that the installer makes. If a function fails, it reports `LoadFailed` and throws
+/// `Stopped`.
 class LoadedBundle {
 public:
     /// Reads the property list of the bundle at this absolute path. Loads no code.
     LoadedBundle(std::string bundlePath, const Channel& parentChannel);
 
-    /// Finds the factories of the plug-in type in the property list. There is at least one.
+    /// Finds the factories of the plug-in type in the property list. Fails if there is none.
     void FindFactories();
     /// Returns the first factory of the plug-in type. `FindFactories` must have been called. The bundle owns
     /// the identifier.
@@ -42,7 +42,9 @@ public:
     FunctionBlock** MakeInstance();
     /// Returns the installer's interface of the instance. The caller releases the interface with `Release`.
     FunctionBlock** AskInterface(FunctionBlock** instance);
+    /// Releases one reference to an instance or interface. Returns the result of the bundle.
     ULONG Release(FunctionBlock** instance);
+    /// Returns the function of the interface to which events are delivered.
     DeliverFunction MainEntry(FunctionBlock** instance) const;
 
     /// Reports the call, runs it and returns its result. Reports an exception of the bundle as
@@ -61,7 +63,7 @@ public:
         }
         throw Stopped{};
     }
-    /// Returns whether code of the bundle runs: a platform call is then a call of the bundle.
+    /// Returns whether `RunCode` is calling the bundle. A platform call in this time is a call of the bundle.
     bool IsRunning() const { return isRunning; }
 
 private:

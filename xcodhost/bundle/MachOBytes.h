@@ -1,6 +1,6 @@
 #pragma once
 
-/// Reads numbers and strings from a Mach-O file. Every access is checked.
+/// Declares the class that reads numbers and strings from a Mach-O file and checks every access.
 
 #include <algorithm>
 #include <cstdint>
@@ -13,8 +13,8 @@ struct BrokenMachO {
     const char* reason;
 };
 
-/// A part of a file. Offsets count from the start of the part. Every function throws BrokenMachO for an
-/// access outside the part. The object does not own the bytes.
+/// Reads a part of a file. An offset is the number of bytes from the start of the part. Every function throws
+/// BrokenMachO for an access outside the part. The object does not own the bytes.
 class MachOBytes {
 public:
     MachOBytes(std::string_view part, bool bigEndian) : bytes(part), isBigEndian(bigEndian) {}
@@ -38,8 +38,8 @@ public:
         if (end == std::string_view::npos) throw BrokenMachO{"a name has no end"};
         return rest.substr(0, end);
     }
-    /// Returns a number in the ULEB128 encoding, and moves `offset` behind the number. Throws BrokenMachO for
-    /// a number of more than ten bytes.
+    /// Returns a number in the ULEB128 encoding and moves `offset` past the number. Throws BrokenMachO for a
+    /// number of more than ten bytes.
     std::uint64_t Compressed(std::uint64_t& offset) const {
         std::uint64_t value = 0;
         for (unsigned int shift = 0; shift < 64; shift += 7) {
@@ -49,6 +49,7 @@ public:
         }
         throw BrokenMachO{"a number has no end"};
     }
+    /// Returns a part of this part. Its offsets begin at 0.
     MachOBytes Inner(std::uint64_t offset, std::uint64_t size) const {
         return {Part(offset, size), isBigEndian};
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Reads the architectures and exports of a Mach-O file without loading it.
+/// Declares functions that recognise a Mach-O file and read its architectures and exports without loading it.
 
 #include <string>
 #include <string_view>
@@ -11,8 +11,9 @@ namespace xcodhost {
 /// The part of a file for one architecture.
 struct MachOImage {
     std::string architecture; ///< "i386", "x86_64", "ppc", ..., or "processor 14".
-    /// The names that a lookup accepts, sorted: without the underscore that the format puts before each name.
-    /// They come from the external definitions of the symbol table and from the export trie.
+    /// The names with which a function is looked up, sorted. These names do not have the underscore with
+    /// which every name in the file begins. The names are read from the external definitions of the symbol
+    /// table and from the export trie.
     std::vector<std::string> exports;
     std::string problem; ///< Why the image or a part of it cannot be read. Empty if it has been read.
 };
@@ -23,7 +24,7 @@ struct MachOFile {
     std::string problem;            ///< Why the list of images cannot be read. Empty if it has been read.
 };
 
-/// Returns whether the bytes begin as a Mach-O file or a universal file begins.
+/// Returns whether the bytes begin with the magic number of a Mach-O file or of a universal file.
 bool IsMachO(std::string_view bytes);
 
 /// Reads a Mach-O file or a universal file, in either byte order. Accepts any bytes and never throws:
