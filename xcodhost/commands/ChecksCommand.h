@@ -1,6 +1,6 @@
 #pragma once
 
-/// The commands `xcodhost list checks` and `xcodhost explain`.
+/// Declares the commands `xcodhost list checks` and `xcodhost explain`.
 
 #include "ExitStatus.h"
 #include "Options.h"
@@ -10,7 +10,8 @@ namespace xcodhost {
 /// Prints all checks.
 ExitStatus ListChecksCommand(const ListChecksOptions& options);
 
-/// Prints one check. Throws UsageError if the id is unknown; the message lists the ids that contain it.
+/// Prints one check. Throws UsageError if the id is unknown. The message lists the ids that contain the
+/// unknown id.
 ExitStatus ExplainCommand(const ExplainOptions& options);
 
 } // namespace xcodhost

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The options of each command, and the parser of the command line.
+/// Declares the options of each command, and the parser of the command line.
 
 #include "alert/AlertResponder.h"
 #include "volume/SampleVolume.h"
@@ -20,9 +20,9 @@ struct RunOptions {
     std::int32_t language = 0;
     std::uint16_t selector = 1000;
     std::vector<std::uint16_t> messages; ///< One delivery for each message, in this order.
-    std::string blockFile;               ///< Empty: the parameter blocks are made from the four values above.
-    bool isDirect = false;               ///< Call the exported steps instead of the main entry.
-    std::string volume;                  ///< Empty: a scratch sample volume.
+    std::string blockFile;               ///< Empty: the four values above fill the parameter blocks.
+    bool isDirect = false;               ///< Call PreInstall and PostInstall, not the main entry.
+    std::string volume;                  ///< Empty: a temporary sample volume.
     bool isDryRun = false;
     AlertPolicy answers;
     bool hasTrace = false;
@@ -58,7 +58,7 @@ struct ValidateOptions {
     std::string htmlFile;  ///< Empty: no file.
     bool isJson = false;
     double secondsPerCall = 10;
-    unsigned atOnce = 0; ///< Number of checks that run at the same time. 0: the number of processors.
+    unsigned atOnce = 0; ///< The number of checks that run at the same time. 0: one for each processor.
 };
 
 /// The options of `list checks`.
@@ -80,10 +80,10 @@ struct HelpText {
 using Command = std::variant<HelpText, RunOptions, ValidateOptions, ShowOptions, VolumeOptions, InfoOptions,
                              ListChecksOptions, ExplainOptions>;
 
-/// Returns the checked options of the command. Throws UsageError with one line that names the option.
+/// Parses and checks the command line. Throws UsageError with one line that names the faulty option.
 Command ParseCommandLine(int argc, const char* const* argv);
 
-/// Returns whether an argument is "--json". The result decides how an error in the command line is printed.
+/// Returns whether an argument is "--json". An error in the command line is then printed as JSON.
 bool WantsJson(int argc, const char* const* argv);
 
 } // namespace xcodhost
