@@ -1,7 +1,7 @@
 #pragma once
 
-/// The contract between the installer and its plug-ins: identifiers, function block and parameter block. The
-/// tool shares no header with a plug-in, so that an error in a plug-in's header cannot hide from the tool.
+/// Declares the contract between the installer and its plug-ins: the identifiers, the function block and the
+/// parameter block. The tool has its own declarations, so that it detects errors in the header of a plug-in.
 
 #include <CoreFoundation/CFPlugInCOM.h>
 
@@ -15,10 +15,10 @@
 
 namespace xcodhost {
 
-/// 5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8
+/// The plug-in type: 5CD9484B-4A86-4CA2-A79A-1525A3B5F6E8
 inline constexpr CFUUIDBytes kPluginType = {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 0x4C, 0xA2,
                                             0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8};
-/// 00D5FBFE-3D3D-40E2-9DCB-92ED695834F8
+/// The installer's interface: 00D5FBFE-3D3D-40E2-9DCB-92ED695834F8
 inline constexpr CFUUIDBytes kHostInterface = {0x00, 0xD5, 0xFB, 0xFE, 0x3D, 0x3D, 0x40, 0xE2,
                                                0x9D, 0xCB, 0x92, 0xED, 0x69, 0x58, 0x34, 0xF8};
 
@@ -49,12 +49,12 @@ std::string EventName(std::uint16_t message);
 /// The host's parameter block. Its fields are in native byte order, at fixed offsets and without alignment.
 class ParameterBlock {
 public:
-    /// The size up to the end of the last field that a plug-in may read.
+    /// The number of bytes up to the end of the last field that a plug-in may read.
     static constexpr std::size_t kSize = 614;
 
     ParameterBlock(std::uint16_t selector, std::uint16_t message, std::int32_t product,
                    std::int32_t language);
-    /// Holds the given bytes, which must be at least `kSize`.
+    /// Creates a block from bytes. There must be at least `kSize` bytes.
     explicit ParameterBlock(std::vector<char> blockBytes) : bytes(std::move(blockBytes)) {}
 
     std::uint16_t Selector() const { return Field<std::uint16_t>(0); }
@@ -64,7 +64,7 @@ public:
     std::int32_t Language() const { return Field<std::int32_t>(610); }
 
     void SetErrorFlags(std::uint32_t flags) { SetField(8, flags); }
-    /// Fills the fields that only the host uses.
+    /// Sets every byte of the fields that only the host uses.
     void FillHostFields(char byte) { std::fill(bytes.begin() + 12, bytes.begin() + 610, byte); }
 
     const std::vector<char>& Bytes() const { return bytes; }
@@ -73,7 +73,8 @@ public:
     std::string Describe() const;
 
     /// Returns the offsets of the first and the last byte that differ from `other`, for example "20 to 23".
-    /// Ignores the error flags. Returns an empty string if no byte differs. `other` has the same size.
+    /// Ignores the error flags. Returns an empty string if no other byte differs. `other` must have the same
+    /// size.
     std::string BytesChangedElsewhere(const ParameterBlock& other) const;
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The contract between the vendor's products and the plug-in: product codes,
-/// preferences, languages and paths.
+/// Declares the contract between the vendor's products and the plug-in: product codes, preferences, languages
+/// and paths.
 
 #include <array>
 #include <cstdint>
@@ -24,7 +24,8 @@ inline constexpr std::array<ProductContract, 7> kProducts = {{
     {4900, "com.korvane.audioplugins.Fusewright", "Fusewright"},
 }};
 
-/// Codes near the known ones, codes with the low 16 bits of a known one, and the limits of the range.
+/// Product codes that no product has: neighbours of known codes, a code with the low 16 bits of a known code,
+/// a negated code, and the limits of the range.
 inline constexpr std::array<std::int32_t, 9> kUnknownProducts = {
     0, 1234, 1399, 1401, -1, 4900 + 0x10000, -4900, INT32_MAX, INT32_MIN};
 
@@ -48,7 +49,7 @@ inline constexpr std::array<LanguageContract, 12> kLanguages = {{
     {11, "ja"},
 }};
 
-/// Language codes outside the table. They also mean English.
+/// Language codes that are not in the table. Each of them means English.
 inline constexpr std::array<std::int32_t, 7> kOtherLanguages = {12,           13,        -1,       11 + 0x100,
                                                                 11 + 0x10000, INT32_MAX, INT32_MIN};
 
