@@ -55,7 +55,7 @@ bool isRefused(ssize_t count) { return count < 0 && errno != EAGAIN && errno != 
 
 } // namespace
 
-/// Serves one child until it has ended.
+/// Reads the messages and the output of one child until the child has ended.
 class Children::Supervision {
 public:
     Supervision(Ends&& channel, Ends&& print, const std::function<void(const Channel&)>& body,
@@ -78,11 +78,11 @@ public:
     }
     int Milliseconds() const { return deadlines.Milliseconds(); }
 
-    /// Reads messages and output. `ready` points to the results of poll for the elements of `AppendTo`.
-    /// Returns the end of the child if the child has ended.
+    /// Reads messages and output. `ready` points to the results of poll for the elements that `AppendTo` has
+    /// added. Returns how the child ended, or no value if the child still runs.
     std::optional<ChildEnd> Serve(const pollfd* ready) {
         if (deadlines.HavePassed()) return Ended(ChildEnd::Kind::kOverTime, 0, deadlines.PassedLimit());
-        // If the child has ended before the reads, the reads below get everything that it sent.
+        // If the child has already ended, the loop reads everything that the child has sent.
         const bool hasEnded = ready[2].revents != 0;
         do {
             gotBytes = false;
@@ -139,7 +139,7 @@ private:
             searched = end + 1;
         }
         pending.erase(0, start);
-        searched = pending.size(); // no part of a long line is searched twice
+        searched = pending.size(); // the next search begins at the new bytes
         return true;
     }
 
@@ -155,7 +155,7 @@ private:
         const auto asked = Deadlines::Clock::now();
         const std::int32_t button = listener.onAlert(std::move(alert));
         deadlines.Hold(Deadlines::Clock::now() - asked);
-        // If the child has ended meanwhile, SendAll fails. The next call of Serve handles the end.
+        // SendAll fails if the child has ended. The next call of Serve handles the end.
         SendAll(socket.Get(), reinterpret_cast<const char*>(&button), sizeof button);
     }
 

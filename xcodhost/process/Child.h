@@ -1,7 +1,7 @@
 #pragma once
 
-/// Runs code of a bundle in child processes. A crash, a hang or an exit of the code is reported and does not
-/// affect the tool.
+/// Declares a class and a function that run code of a bundle in child processes. A crash, an endless loop or
+/// an exit of the code is reported and does not affect the tool.
 
 #include "Channel.h"
 #include "Interruption.h"
@@ -17,10 +17,10 @@ namespace xcodhost {
 
 /// The limits of one child. A child that exceeds a limit is killed.
 struct ChildLimits {
-    double secondsPerCall = 10; ///< From one message CallBegan to the next, or to the end of the child.
+    double secondsPerCall = 10; ///< From a message CallBegan to the next one, or to the end.
     double secondsPerRun = 100;
-    std::size_t reportBytes = std::size_t{256} << 20; ///< Size of all messages.
-    std::size_t outputBytes = std::size_t{1} << 20;   ///< Size of the output. Applies with `onOutput` only.
+    std::size_t reportBytes = std::size_t{256} << 20; ///< The size of all messages.
+    std::size_t outputBytes = std::size_t{1} << 20;   ///< The size of the output, if `onOutput` is set.
 };
 
 /// How a child ended.
@@ -38,31 +38,35 @@ struct ChildEnd {
     double seconds = 0;
 };
 
-/// The functions of the parent that process the messages and the output of a child.
+/// The functions with which the parent processes the messages and the output of a child.
 struct ChildListener {
     std::function<void(Message&&)> onMessage; ///< Called for every message except alerts.
-    /// Returns the index of the chosen button, or -1. The limits do not count the time in this function.
+    /// Called for every alert. Returns the index of the chosen button, or -1. The time limits are extended by
+    /// the time in this function.
     std::function<int(macplatform::Alert&&)> onAlert;
     /// Called with the output of the child, in pieces. Empty: the output goes to the tool's standard error.
     std::function<void(std::string_view)> onOutput = {};
 };
 
-/// Several children at the same time, all served by the calling thread.
+/// Runs several children at the same time. The calling thread processes the messages of all children.
 class Children {
 public:
     explicit Children(const Interruption& pendingSignals);
-    /// Kills and reaps the children that still run, and every process that they have started.
+    /// Kills and reaps the running children and every process that they have started.
     ~Children();
     Children(const Children&) = delete;
     Children& operator=(const Children&) = delete;
 
-    /// Runs `body` in a new child process. The calling process must have one thread only. The standard input
-    /// of the child is empty. `Serve` calls `onEnd` once, after it has reaped the child. Throws ToolFault.
+    /// Starts a child process that runs `body`. The calling process must have only one thread. The standard
+    /// input of the child is empty. `Serve` calls `onEnd` once, after it has reaped the child. Throws
+    /// ToolFault.
     void Start(const std::function<void(const Channel&)>& body, const ChildLimits& limits,
                ChildListener listener, std::function<void(const ChildEnd&)> onEnd);
+    /// Returns the number of children that have not been reaped.
     std::size_t Count() const { return running.size(); }
-    /// Waits for a message, output, an end or a time limit, and calls the listeners. `onEnd` may start
-    /// another child. Throws ToolFault, Interrupted, and the exceptions of the listeners.
+    /// Waits until a child sends a message, prints output, ends or exceeds a time limit. Then calls the
+    /// listeners and `onEnd`. `onEnd` may start another child. Throws ToolFault, Interrupted, and the
+    /// exceptions of the listeners.
     void Serve();
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Creates, kills and reaps child processes.
+/// Declares functions that create, kill and reap child processes.
 
 #include <macplatform/FileDescriptor.h>
 
@@ -12,9 +12,9 @@ namespace xcodhost {
 
 class Interruption;
 
-/// A child of this process, in a process group of its own. When the child is reaped, every process that it
-/// has started is killed, also in another process group or session: this process is the subreaper of its
-/// descendants and thus inherits the remaining ones.
+/// A child of this process, in its own process group. `Reap` also kills every process that the child has
+/// started, also in another process group or session. This is possible because this process is the subreaper
+/// of its descendants: the kernel makes their orphans children of this process.
 class ChildProcess {
 public:
     /// The descriptors that the child inherits from its parent.
@@ -33,8 +33,8 @@ public:
     /// Returns a descriptor that is readable after the end of the child.
     int EndDescriptor() const { return end.Get(); }
 
-    /// Kills the process group and the inherited processes, and reaps them. Returns the status of the child
-    /// as waitpid reports it. A child that has ended before keeps its status.
+    /// Kills and reaps the process group of the child and the orphans of its descendants. Returns the status
+    /// of the child as waitpid reports it. A child that had already ended keeps its status.
     int Reap();
 
 private:

@@ -6,7 +6,7 @@
 
 namespace xcodhost {
 
-/// The time limits of a child: one for the current call and one for all calls of the run.
+/// The time limits of a child: one for the current call, and one for all calls together.
 class Deadlines {
 public:
     using Clock = std::chrono::steady_clock;
@@ -17,17 +17,18 @@ public:
           call(Clock::now() + Span(secondsPerCall)),
           run(Clock::now() + Span(secondsPerRun)) {}
 
-    /// Starts the limit of a new call.
+    /// Starts the time limit of a new call.
     void CallBegins() { call = Clock::now() + Span(callSeconds); }
-    /// Extends both limits by this duration, which does not count.
+    /// Extends both time limits by this duration.
     void Hold(Clock::duration duration) {
         call += duration;
         run += duration;
     }
     bool HavePassed() const { return Clock::now() >= Next(); }
-    /// Returns the length of the limit that ends first, in seconds.
+    /// Returns the length of the time limit that ends first, in seconds.
     double PassedLimit() const { return call <= run ? callSeconds : runSeconds; }
-    /// Returns the timeout of poll up to the next deadline: at most 60,000, and 0 only after the deadline.
+    /// Returns the time until the next deadline in milliseconds, as a timeout for poll. The result is at most
+    /// 60,000. The result is 0 only at or after the deadline.
     int Milliseconds() const {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(Next() - Clock::now());
         return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));

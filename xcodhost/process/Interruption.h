@@ -1,22 +1,23 @@
 #pragma once
 
-/// Handles SIGINT, SIGTERM and SIGHUP: an interrupted run kills its children and removes its scratch
-/// directories before the tool ends.
+/// Declares the handling of SIGINT, SIGTERM and SIGHUP: an interrupted run kills its children and removes its
+/// temporary directories before the tool ends.
 
 #include <csignal>
 
 namespace xcodhost {
 
-/// Thrown after one of the signals has arrived. After the unwinding `main` ends the process with the signal.
+/// Thrown after one of the signals has arrived. `main` catches the exception and ends the process with the
+/// signal.
 struct Interrupted {
     int signal;
 };
 
-/// Blocks the three signals. The destructor restores the signal mask. A signal that the caller of the tool
-/// ignores stays ignored.
+/// Blocks the three signals. The destructor restores the signal mask. A signal that was ignored when the tool
+/// started is still ignored.
 class Interruption {
 public:
-    /// Throws ToolFault.
+    /// Blocks the signals. Throws ToolFault.
     Interruption();
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
@@ -26,7 +27,7 @@ public:
     int Descriptor() const { return descriptor; }
     /// Throws Interrupted if a signal has arrived.
     void Check() const;
-    /// Unblocks all signals in a forked child and gives every signal its default effect.
+    /// Unblocks all signals and gives every signal its default effect. A forked child calls this function.
     void LiftInChild() const;
 
 private:

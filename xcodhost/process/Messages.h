@@ -1,6 +1,7 @@
 #pragma once
 
-/// The messages from the child process that runs the bundle to its parent. Each is one line of JSON.
+/// Declares the messages that the child process, which runs the bundle, sends to its parent. A message is one
+/// line of JSON.
 
 #include <macplatform/Alerts.h>
 #include <macplatform/Bundles.h>
@@ -16,14 +17,14 @@
 
 namespace xcodhost {
 
-/// A call into the bundle begins.
+/// A call of the bundle begins.
 struct CallBegan {
     std::string function;
     std::string arguments;
-    std::string event; ///< The event of the installer: "pre-install". Empty for other calls.
+    std::string event; ///< The event that is delivered: "pre-install". Empty for other calls.
 };
 
-/// The changes of a delivery in the parameter block.
+/// The changes that a delivery made in the parameter block.
 struct BlockEffect {
     std::uint32_t errorFlagsBefore = 0;
     std::uint32_t errorFlagsAfter = 0;
@@ -42,9 +43,9 @@ struct ExceptionEscaped {
     std::string what; ///< Empty if the type is not derived from std::exception.
 };
 
-/// The bundle has no instance or no interface.
+/// The bundle cannot be loaded, or gives no instance or no interface.
 struct LoadFailed {
-    std::string reason; ///< A word that scripts can rely on: "no-bundle", "symbol-missing", ...
+    std::string reason; ///< A constant word for scripts: "no-bundle", "symbol-missing", ...
     std::string text;
 };
 
@@ -72,12 +73,12 @@ struct TableCell {
     bool isRight = false;
 };
 
-/// A fault of the tool in the child process.
+/// The tool itself has failed in the child process.
 struct ChildFault {
     std::string text;
 };
 
-/// The last message. An end without this message is caused by the bundle or a limit.
+/// The last message. If the child ends without this message, the bundle or a limit has ended it.
 struct Done {};
 
 using Message =
@@ -87,7 +88,7 @@ using Message =
 /// Returns the line of the message with its line feed. Replaces bytes that are not UTF-8 with U+FFFD.
 std::string Encode(const Message& message);
 
-/// Returns the message of a line without its line feed, or no value if the line is not a message.
+/// Returns the message of a line. `line` has no line feed. Returns no value if the line is not a message.
 std::optional<Message> Decode(std::string_view line);
 
 /// Returns the word of `LoadFailed::reason` for a fault that the platform has reported.
