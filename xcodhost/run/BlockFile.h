@@ -6,7 +6,7 @@
 
 namespace xcodhost {
 
-/// Returns the bytes of a file as a parameter block. Throws UsageError with the path if the file cannot be
+/// Returns a parameter block with the bytes of a file. Throws UsageError with the path if the file cannot be
 /// read, is shorter than a parameter block, or is longer than 1 MiB.
 ParameterBlock ReadBlockFile(const std::string& path);
 

@@ -12,7 +12,8 @@ namespace xcodhost {
 
 namespace {
 
-/// Bytes behind the parameter block. A plug-in must not change them; a change is reported.
+/// The number of bytes after the parameter block that are checked. A plug-in must not change these bytes. A
+/// change is reported.
 constexpr std::size_t kGuard = 64;
 
 /// One run of a delivery plan.
@@ -44,7 +45,7 @@ private:
     }
 
     void Record(const macplatform::RecordedCall& entry) const {
-        // The host makes this call. The code of the bundle runs inside it.
+        // CFPlugInInstanceCreate is a call of the host. It calls the factory function of the bundle.
         if (!bundle.IsRunning() || entry.call == "CFPlugInInstanceCreate") return;
         const bool isLostWrite = entry.call == "CFPreferencesSynchronize" && entry.result == "false";
         if (plan.recordsAll || isLostWrite) channel.Send(entry);

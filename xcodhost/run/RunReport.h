@@ -1,6 +1,6 @@
 #pragma once
 
-/// Prints the result of a run as text.
+/// Declares functions that format the result of a run as text.
 
 #include "Console.h"
 #include "RunResult.h"

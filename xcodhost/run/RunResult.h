@@ -1,6 +1,6 @@
 #pragma once
 
-/// The result of a run, from which the reports are printed.
+/// Declares the result of a run, from which the reports are generated.
 
 #include "ExitStatus.h"
 #include "process/Child.h"
@@ -29,7 +29,7 @@ struct LostWrite {
     std::string reason; ///< Empty if the platform gave no reason.
 };
 
-/// One call into the bundle, with the alerts and platform calls during the call.
+/// One call of the bundle, with the alerts and platform calls during the call.
 struct CallRecord {
     CallBegan call;
     std::optional<CallReturned> returned; ///< No value: the call did not return.
@@ -46,7 +46,7 @@ struct CallRecord {
 /// The calls of a run, how the child process ended, and the changes on the volume.
 struct RunResult {
     std::string bundle; ///< As given on the command line.
-    std::string volume; ///< As given on the command line. Empty: a scratch sample volume.
+    std::string volume; ///< As given on the command line. Empty: a temporary sample volume.
     bool isDryRun = false;
     bool hasTrace = false;
 
