@@ -1,13 +1,14 @@
 #pragma once
 
-/// The system calls that can change items of a file system, and where their arguments are.
+/// Declares the table of the system calls that can change items of a file system. The table has the positions
+/// of their arguments.
 
 #include <vector>
 
 namespace xcodhost {
 
-/// A system call that can change the item that a path or a descriptor names. Positions of arguments count
-/// from 0. A position of -1 means that the call has no such argument.
+/// A system call that can change the item that a path or a descriptor names. The position of the first
+/// argument is 0. The position -1 means that the call does not have this argument.
 struct WritingCall {
     struct Target {
         int folder = -1; ///< The directory descriptor of a relative path. Without a path: the item itself.
@@ -31,13 +32,13 @@ struct WritingCall {
         second = {folder, path};
         return *this;
     }
-    /// Sets the argument with the flags of open. A call that opens an item only to read changes nothing.
+    /// Sets the argument with the flags of open. A call that opens an item only for reading changes nothing.
     WritingCall& OpenFlags(int argument) {
         flags = argument;
         return *this;
     }
-    /// Marks a call that creates its item. The call changes nothing if the item exists. An unmarked call
-    /// without flags changes nothing if the item does not exist.
+    /// Marks a call that creates an item and changes nothing if the item exists. A call without this mark and
+    /// without `OpenFlags` changes nothing if the item does not exist.
     WritingCall& Creates() {
         makes = true;
         return *this;
