@@ -1,6 +1,6 @@
 #pragma once
 
-/// The checks of `xcodhost validate`: a check is one statement that holds for every
+/// Declares the checks of `xcodhost validate`. A check verifies one statement that must be true for every
 /// plug-in of this installer.
 
 #include "ExitStatus.h"
@@ -13,8 +13,9 @@ namespace xcodhost {
 
 class CheckRun;
 
+/// One check.
 struct Check {
-    /// Runs in a child process of its own and reports each violation as a finding.
+    /// Runs the check in its own child process and reports each violation as a finding.
     using Body = void (*)(CheckRun&);
 
     Check(const char* checkId, Body checkBody, std::vector<const char*> dependsOn = {})
@@ -29,7 +30,7 @@ struct Check {
         why = text;
         return *this;
     }
-    /// Sets the exit status. Without this call a failure ends the tool with `kFailed`.
+    /// Sets the exit status of a failure. The default is `kFailed`.
     Check& FailsWith(ExitStatus status) {
         failure = status;
         return *this;
@@ -41,16 +42,16 @@ struct Check {
     /// Ids of the checks that this check depends on. If one of them does not pass, this check is not run.
     std::vector<const char*> dependencies;
     Body body;
-    /// The exit status of the tool if this check is the first that fails. A crash and a time limit have their
-    /// own exit status.
+    /// The exit status of the tool if this check is the first one that fails. A crash and an exceeded time
+    /// limit have their own exit statuses.
     ExitStatus failure = ExitStatus::kFailed;
 };
 
 /// Returns all checks in the order in which the tool prints them.
 const std::vector<Check>& AllChecks();
 
-/// Returns the checks whose ids match at least one shell pattern. The name of a group matches all its checks.
-/// Returns all checks if there is no pattern. Throws UsageError if a pattern matches no check.
+/// Returns the checks whose ids match at least one shell pattern. The name of a group matches all checks of
+/// the group. Returns all checks if `patterns` is empty. Throws UsageError if a pattern matches no check.
 std::vector<const Check*> MatchingChecks(const std::vector<std::string>& patterns);
 
 } // namespace xcodhost

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The environment of one check in its child process: the bundle, scratch volumes, and a record of the
-/// bundle's calls and effects.
+/// Declares the environment of one check in its child process: the bundle, temporary volumes, and the
+/// recorded calls and effects of the bundle.
 
 #include "bundle/LoadedBundle.h"
 #include "volume/Changes.h"
@@ -19,6 +19,7 @@
 
 namespace xcodhost {
 
+/// The function to which a block is delivered.
 enum class Entry {
     kMain, ///< The interface's main entry.
     kStep, ///< The exported PreInstall or PostInstall, selected by the block's message.
@@ -28,7 +29,9 @@ enum class Entry {
 struct Outcome {
     std::uint32_t flagsBefore = 0;
     std::uint32_t flagsAfter = 0;
-    std::string otherBytes; ///< "20 to 23" if bytes in or after the block changed, except its error flags.
+    /// "20 to 23": the changed bytes in or after the block, except its error flags. "before the block" if
+    /// bytes before the block changed. Empty if no byte changed.
+    std::string otherBytes;
     std::vector<macplatform::Alert> alerts;
     std::vector<macplatform::RecordedCall> calls; ///< Platform calls of the bundle.
     Changes changes;                              ///< On the volume.
@@ -37,9 +40,10 @@ struct Outcome {
 /// Returns the block of an installer event for a product, with selector 1000.
 ParameterBlock Event(std::uint16_t message, std::int32_t product, std::int32_t language = 0);
 
+/// The environment of one check. Sets the alert responder and the call observer of the process.
 class CheckRun {
 public:
-    /// `scratch` is an empty directory that only this check uses.
+    /// `scratch` is an empty directory that no other check uses.
     CheckRun(std::string bundlePath, std::string scratch, const Channel& parentChannel);
     ~CheckRun();
     CheckRun(const CheckRun&) = delete;
@@ -48,34 +52,37 @@ public:
     const std::string& BundlePath() const { return bundlePath; }
     const Channel& Parent() const { return channel; }
 
-    /// Replaces the startup volume by a new sample volume. The constructor makes the first one.
+    /// Replaces the startup volume by a new sample volume. The constructor creates the first sample volume.
     void UseFreshVolume(const SampleVolume& sample = {});
     const std::string& Volume() const { return volume; }
     std::string OnVolume(const std::string& macPath) const { return volume + macPath; }
     /// Returns the current state of the startup volume.
     VolumeState CurrentVolume() const;
-    /// Writes a file of the volume. Replaces the file if it exists.
+    /// Writes a file of the volume. Replaces the file if it exists. Ignores errors.
     void Write(const std::string& macPath, const std::string& bytes) const;
 
     /// Returns the bundle. The first call loads the bundle.
     LoadedBundle& Bundle();
-    /// Returns the interface of one instance. The interface is valid until `ReleaseInterface` or the
-    /// end of the check.
+    /// Returns the interface of an instance. The first call, and the first call after `ReleaseInterface`,
+    /// creates the instance. The interface is valid until `ReleaseInterface` is called or the check ends.
     FunctionBlock** Interface();
     void ReleaseInterface();
+    /// Returns the factory function of the bundle.
     FactoryFunction Factory();
 
     /// Delivers a block. The address of the block is `misalignment` bytes after a multiple of 16.
     Outcome Deliver(const ParameterBlock& block, Entry entry = Entry::kMain, std::size_t misalignment = 0);
-    /// Calls the exported step of the message with a null block.
+    /// Calls the exported PreInstall or PostInstall, depending on the message, with a null block.
     Outcome DeliverNothing(std::uint16_t message);
 
-    /// Sets whether deliveries record the changes of the volume. The default is true. The comparison takes
-    /// most of the time of a delivery.
+    /// Sets whether deliveries record the changes of the volume. The default is true. The comparison of the
+    /// volume takes most of the time of a delivery.
     void WatchVolume(bool watched) { isVolumeWatched = watched; }
-    /// Sets the button that answers the following alerts, from 0. -1 means that the alert is not shown.
+    /// Sets the index of the button that answers the following alerts. The default is 0. With -1, the alerts
+    /// are not shown.
     void Answer(int button) { chosenButton = button; }
-    /// Sets a function that runs after each platform call of the bundle. An empty function removes it.
+    /// Sets the function that is called after each platform call of the bundle. An empty function means that
+    /// none is called.
     void AtEachCall(std::function<void(const macplatform::RecordedCall&)> call) {
         atEachCall = std::move(call);
     }
@@ -91,11 +98,13 @@ public:
     void ExpectPreference(const std::string& domain, const std::string& key, const std::string& value);
     /// Expects that the delivery changed nothing on the volume.
     void ExpectNoEffect(const Outcome& outcome);
-    /// Returns the platform objects that were created since the start of the check or the last
-    /// `ForgetObjects` and still exist.
+    /// Returns the live platform objects that were created after the start of the check, the first call of
+    /// `Bundle` and the last call of `ForgetObjects`.
     std::vector<std::string> ObjectsLeft() const;
+    /// Excludes the present platform objects from `ObjectsLeft`.
     void ForgetObjects();
-    /// Reports the check as not run and ends it. A check calls this function if the machine cannot run it.
+    /// Reports the check as not run and ends the check. A check calls this function if it cannot run on this
+    /// machine.
     [[noreturn]] void Skip(const std::string& reason);
     /// Reports a cell of the table of products and languages.
     void RecordCell(std::int32_t product, std::int32_t language, const std::string& seen, bool isRight);

@@ -81,7 +81,8 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// The status of a crash, a time limit or a failed load replaces the status of earlier findings.
+    /// Adds a finding. The status of a crash, a time limit or a failed load replaces the status `kFailed` of
+    /// earlier findings.
     void Add(std::string expected, std::string seen, ExitStatus status) {
         if (result.status == ExitStatus::kDone || result.status == ExitStatus::kFailed)
             result.status = status;
@@ -98,7 +99,7 @@ private:
     Clock::time_point start = Clock::now();
 };
 
-/// Runs the check. Called in the child process.
+/// Runs the check in the child process.
 void runCheck(const Check& check, const std::string& bundle, const std::string& scratch,
               const Channel& channel) {
     try {
@@ -143,7 +144,8 @@ private:
                std::find(running.begin(), running.end(), place) != running.end();
     }
 
-    /// Ignores dependencies that are not part of the plan.
+    /// Returns whether a check can start. Sets its `reason` if it can never start. Ignores dependencies that
+    /// are not part of the plan.
     Readiness ReadinessOf(CheckResult& one) const {
         Readiness readiness = Readiness::kReady;
         for (const std::string id : one.check->dependencies) {

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The validation of a bundle: runs the checks, each in a child process of its own,
-/// and collects their results.
+/// Declares the validation of a bundle. The validation runs each check in its own child process and collects
+/// the results.
 
 #include "Check.h"
 #include "ExitStatus.h"
@@ -15,13 +15,14 @@
 
 namespace xcodhost {
 
-/// A finding with the last call into the bundle.
+/// A finding, with the last call of the bundle before it.
 struct LocatedFinding {
     std::string call; ///< Empty if there was no call.
     std::string expected;
     std::string seen;
 };
 
+/// The result of one check.
 struct CheckResult {
     enum class State { kPassed, kFailed, kNotRun };
 
@@ -35,6 +36,7 @@ struct CheckResult {
     double seconds = 0;
 };
 
+/// The results of all checks of a bundle.
 struct BundleResult {
     std::string bundle; ///< The path as the user gave it.
     std::vector<CheckResult> checks;
@@ -44,15 +46,17 @@ struct BundleResult {
     const CheckResult* FirstFailure() const; ///< Null if no check failed.
 };
 
-/// The verdict on one or more bundles: "PASS n checks", or "FAIL n of m (first: ID)". m is the number of
-/// checks that passed or failed. The exit status is the status of the first failure. If no check passed or
-/// failed, the verdict is a failure.
+/// The verdict on one or more bundles. The text is "PASS n checks" or "FAIL n of m (first: ID)". m is the
+/// number of checks that passed or failed. The exit status is the status of the first failure. If no check
+/// passed or failed, the verdict is a failure.
 struct ValidationVerdict {
     ExitStatus status = ExitStatus::kDone;
     std::string text;
 };
+/// Returns the verdict on the bundles.
 ValidationVerdict Judge(const std::vector<const BundleResult*>& bundles);
 
+/// The checks to run on a bundle.
 struct ValidationPlan {
     std::string bundle;
     std::vector<const Check*> checks;
@@ -60,8 +64,8 @@ struct ValidationPlan {
     unsigned atOnce = 1; ///< The number of checks that run at the same time.
 };
 
-/// Runs the checks of the plan. Calls `onProgress` with the number of finished checks. Throws ToolFault if
-/// the tool itself fails, and Interrupted after a signal.
+/// Runs the checks of the plan. Calls `onProgress` with the number of finished checks each time that this
+/// number may have changed. Throws ToolFault if the tool itself fails, and Interrupted after a signal.
 BundleResult Validate(const ValidationPlan& plan, const Interruption& interruption,
                       const std::function<void(std::size_t)>& onProgress);
 
