@@ -1,6 +1,6 @@
 #pragma once
 
-/// The names of the Finder flags.
+/// Declares the table of the names of the Finder flags.
 
 #include <array>
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace xcodhost {
 /// A Finder flag, or a field of several bits.
 struct FinderFlagName {
     std::uint16_t mask;
-    char letter; ///< The letter that the developer tool GetFileInfo prints. '-': it prints none.
+    char letter; ///< The letter in the output of the Mac's tool GetFileInfo. '-': none.
     const char* name;
     int shift; ///< The lowest bit of a field. 0 for a flag.
 };

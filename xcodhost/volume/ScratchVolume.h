@@ -1,6 +1,6 @@
 #pragma once
 
-/// Temporary volumes: a directory that is removed after a run, and copies of volumes.
+/// Declares temporary directories for volumes, and a function that copies a volume.
 
 #include <string>
 
@@ -8,12 +8,14 @@ namespace xcodhost {
 
 class Interruption;
 
-/// A temporary directory. The destructor removes it and its contents.
+/// A temporary directory. The destructor removes the directory and its contents.
 class ScratchFolder {
 public:
     enum class Use {
-        kSamples, ///< A small volume: in memory (`/dev/shm`), unless TMPDIR is set.
-        kCopies,  ///< The copy of a volume: in TMPDIR, or in the system's directory for temporary files.
+        /// For sample volumes. The directory is in memory (`/dev/shm`), unless TMPDIR is set or `/dev/shm` is
+        /// not writable.
+        kSamples,
+        kCopies, ///< For a copy of a volume. The directory is in TMPDIR, or else in the system's default.
     };
     /// Throws ToolFault if the directory cannot be created.
     explicit ScratchFolder(Use use);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The state of a startup volume at one moment: preferences, Finder flags, files.
+/// Declares the state of a startup volume at one moment: preferences, Finder flags and files.
 
 #include <macplatform/PropertyList.h>
 
@@ -26,8 +26,8 @@ struct VolumeItem {
 /// One property list of `/Library/Preferences`.
 struct PreferencesFile {
     std::string path; ///< On the Mac.
-    std::string
-        problem; ///< Why the file cannot be read: "is not a property list". Empty if it has been read.
+    /// Why the file cannot be read: "is not a property list". Empty if the file has been read.
+    std::string problem;
     std::map<std::string, macplatform::PropertyValue> values; ///< By top-level key.
 };
 
@@ -40,11 +40,13 @@ struct VolumeState {
 
 inline constexpr const char* kPreferencesFolder = "/Library/Preferences";
 
-/// Returns whether the path is that of a preferences file, which `VolumeState::preferences` describes.
+/// Returns whether the path is the path of a preferences file. `VolumeState::preferences` contains these
+/// files.
 bool IsPreferencesPath(const std::string& macPath);
 
-/// Reads the volume in a directory and changes nothing. Throws ToolFault if the directory cannot be used as
-/// the startup volume. Records an item that cannot be read in `problems`.
+/// Reads the volume in a directory without changing it. Records an item that cannot be read in `problems`.
+/// Removes the setting of the startup volume. Throws ToolFault if the directory cannot be used as the startup
+/// volume.
 VolumeState ReadVolume(const std::string& volume);
 
 } // namespace xcodhost
