@@ -1,12 +1,12 @@
 #pragma once
 
-/// Counts allocations and makes them fail. A program that links counted_allocations has its own malloc and
-/// operator new.
+/// Declares functions that count allocations and make them fail. A program that links counted_allocations has
+/// its own malloc and operator new.
 
 #include <cstddef>
 #include <sys/resource.h>
 
-/// Returns the number of calls of malloc since the start. Operator new calls malloc.
+/// Returns the number of calls of malloc since the start of the program. Operator new calls malloc.
 std::size_t AllocationCount();
 
 /// Returns the number of allocations that `work` makes.
@@ -18,8 +18,9 @@ std::size_t AllocationsOf(Work work) {
 }
 
 /// Limits the memory of the process. The destructor removes the limits. malloc and operator new fail for a
-/// block of more than `largestBlock` bytes. The system gives the process at most `largestBlock` more bytes,
-/// because a bundle has its own C++ library and does not call this malloc.
+/// block of more than `largestBlock` bytes. A resource limit also allows the process at most `largestBlock`
+/// more bytes. The resource limit is for bundles, which have their own C++ library and do not call this
+/// malloc.
 class ScarceMemory {
 public:
     explicit ScarceMemory(std::size_t largestBlock);

@@ -3,8 +3,9 @@
 #include <string>
 #include <vector>
 
-/// Returns a binary property list of these encoded objects, with offsets and references of one byte. The
-/// first object is the root. The objects must have less than 256 bytes together.
+/// Returns a binary property list that consists of these encoded objects. Offsets and references have one
+/// byte. The first object is the root. The objects and the header of 8 bytes must have less than 256 bytes
+/// together.
 inline std::string BinaryPlist(const std::vector<std::string>& objects) {
     std::string bytes = "bplist00", table;
     for (const std::string& object : objects) {

@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-/// Records the platform calls in `lines` as "CALL(ARGUMENT, ARGUMENT) = RESULT". The destructor ends this.
+/// Records each platform call as an element of `lines`: "CALL(ARGUMENT, ARGUMENT) = RESULT". The destructor
+/// ends the recording.
 class CallRecorder {
 public:
     CallRecorder() {
@@ -15,7 +16,7 @@ public:
             for (const auto& argument : entry.arguments)
                 arguments += (arguments.empty() ? "" : ", ") + argument;
             lines.push_back(entry.call + '(' + arguments + ") = " + entry.result);
-            errno = 0; // an observer must not affect the errno of a platform call
+            errno = 0; // tests that the errno of an observer does not change the errno of the call
         });
     }
     CallRecorder(const CallRecorder&) = delete;

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-/// Sets a locale with a decimal comma: an installed one, or one that localedef makes. The destructor sets the
-/// locale "C".
+/// Sets a locale with a decimal comma: an installed locale, or a locale that localedef creates. The
+/// destructor sets the locale "C".
 class CommaLocale {
 public:
     CommaLocale() {
@@ -26,7 +26,8 @@ public:
         std::setlocale(LC_ALL, "C");
     }
 
-    /// Returns false if there is no such locale and none can be made.
+    /// Returns whether the locale is set. The result is false if no such locale is installed and localedef
+    /// cannot create one.
     bool IsSet() const { return isSet; }
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Runs the tool as a user does: in a child process with its own standard streams.
+/// Declares functions that run the tool as a user does: in a child process with its own standard streams.
 
 #include "TemporaryFolder.h"
 
@@ -16,7 +16,7 @@
 
 /// The result of a run of the tool.
 struct HostTool {
-    int status = 0; ///< As waitpid reports it.
+    int status = 0; ///< The status from waitpid.
     std::string out;
     std::string err;
 
@@ -30,10 +30,12 @@ struct HostTool {
     }
 };
 
-/// The files of standard input, standard output and standard error. "-" closes standard output.
+/// The paths of the files for standard input, standard output and standard error. The path "-" closes
+/// standard output.
 using StreamFiles = std::array<std::string, 3>;
 
-/// Starts the tool and returns its process. Temporary files go to `scratch` unless it is empty.
+/// Starts the tool and returns its process id. `scratch` is the directory for temporary files, or empty for
+/// the default.
 inline pid_t StartHost(std::vector<std::string> arguments, const StreamFiles& files,
                        const std::string& scratch) {
     arguments.insert(arguments.begin(), XCODHOST);
@@ -53,8 +55,8 @@ inline pid_t StartHost(std::vector<std::string> arguments, const StreamFiles& fi
     _exit(127);
 }
 
-/// Runs the tool with `input` as standard input. If `output` is not empty, standard output goes to that file
-/// and is not in the result.
+/// Runs the tool and waits for its end. `input` is the contents of standard input. If `output` is not empty,
+/// the tool writes standard output to this path, and `out` of the result is empty.
 inline HostTool RunHost(std::vector<std::string> arguments, const std::string& input = {},
                         const std::string& scratch = {}, const std::string& output = {}) {
     const TemporaryFolder streams;
@@ -68,7 +70,7 @@ inline HostTool RunHost(std::vector<std::string> arguments, const std::string& i
     return result;
 }
 
-/// Runs the tool with the words of `more` after the other arguments.
+/// Runs the tool with `arguments`, followed by the words of `more`.
 inline HostTool RunHostWith(std::vector<std::string> arguments, const std::string& more,
                             const std::string& scratch = {}) {
     std::istringstream words(more);

@@ -1,13 +1,13 @@
 #pragma once
 
-/// Runs parts of a test in a child process, also as another user.
+/// Declares functions that run a part of a test in a child process, also as another user.
 
 #include <functional>
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Runs `work` in a child process and returns its result, 0 to 255. Returns -1 if there is no child process,
-/// and 1000 plus the number of the signal if a signal kills the child.
+/// Runs `work` in a child process and returns its result, 0 to 255. Returns -1 if the child process cannot be
+/// created. Returns 1000 plus the number of the signal if a signal kills the child.
 inline int InChild(const std::function<int()>& work) {
     const pid_t child = fork();
     if (child == 0) _exit(work());
@@ -19,8 +19,8 @@ inline int InChild(const std::function<int()>& work) {
 /// A user who owns no files. Permission bits do not restrict root, and tests can run as root.
 constexpr uid_t kOtherUser = 65534;
 
-/// Returns whether the check holds in a child process. The child runs as the other user if this process runs
-/// as root.
+/// Returns whether `check` returns true in a child process. The child runs as the other user if this process
+/// runs as root.
 inline bool HoldsForAnyUser(const std::function<bool()>& check) {
     return InChild([&check] {
                if (geteuid() == 0 && (setgid(kOtherUser) != 0 || setuid(kOtherUser) != 0)) return 2;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The property list of a test plug-in.
+/// Declares the identifiers and the property list of a test plug-in.
 
 #include <string>
 

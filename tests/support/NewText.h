@@ -1,6 +1,6 @@
 #pragma once
 
-/// Creates CF strings and URLs. The caller releases them.
+/// Declares functions that create CF strings and URLs. The caller must release the results.
 
 #include <CoreFoundation/CoreFoundation.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The functions of a test plug-in with one static instance.
+/// Declares the functions of a test plug-in that has one static instance.
 
 #include <CoreFoundation/CoreFoundation.h>
 

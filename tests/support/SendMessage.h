@@ -1,6 +1,6 @@
 #pragma once
 
-/// Sends Objective-C messages.
+/// Declares functions that send Objective-C messages.
 
 #include <objc/message.h>
 #include <objc/runtime.h>
@@ -12,5 +12,5 @@ Result Send(id receiver, const char* message, Arguments... arguments) {
     return send(receiver, sel_registerName(message), arguments...);
 }
 
-/// Returns a new NSAlert. The caller releases the alert.
+/// Returns a new NSAlert. The caller must release the alert.
 inline id NewAlert() { return Send(Send(objc_getClass("NSAlert"), "alloc"), "init"); }

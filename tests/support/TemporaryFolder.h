@@ -1,6 +1,6 @@
 #pragma once
 
-/// Temporary directories and files of a test.
+/// Declares temporary directories and files of a test.
 
 #include <cstdlib>
 #include <filesystem>
@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-/// A temporary directory. The destructor removes it and its contents.
+/// A temporary directory. The destructor removes the directory and its contents.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
@@ -27,7 +27,8 @@ public:
     const std::filesystem::path& Path() const { return folder; }
     std::filesystem::path operator/(const std::string& name) const { return folder / name; }
 
-    /// Writes a file, with its directories, and returns its path.
+    /// Writes a file and creates its parent directories. Returns the path of the file. Ignores errors of the
+    /// write.
     std::string Write(const std::string& name, const std::string& bytes = {}) const {
         const std::filesystem::path path = folder / name;
         std::filesystem::create_directories(path.parent_path());

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Temporary bundles around the code of the test plug-ins.
+/// Declares temporary bundles with the code of the test plug-ins.
 
 #include "InfoPlist.h"
 #include "TemporaryFolder.h"
@@ -8,8 +8,9 @@
 #include <filesystem>
 #include <string>
 
-/// A bundle in a temporary directory. The bundle has no property list if `infoList` is empty, and no
-/// executable if `code` is empty. The code "plug-in" is the executable of the misbehaving plug-in.
+/// A bundle in a temporary directory. If `infoPlist` is empty, the bundle has no property list. If `code` is
+/// empty, the bundle has no executable. If `code` is "plug-in", the executable is a link to the test plug-in.
+/// Otherwise `code` is the contents of the executable.
 class TestBundle {
 public:
     explicit TestBundle(const std::string& infoPlist = InfoPlist("Make"),
@@ -34,7 +35,7 @@ private:
     TemporaryFolder folder;
 };
 
-/// A bundle around a plug-in of the corpus. The name of its executable selects the fault.
+/// A bundle with a plug-in of the corpus of faulty plug-ins. The name of the executable selects the fault.
 class CorpusBundle : public TestBundle {
 public:
     explicit CorpusBundle(const std::string& fault, const std::string& factory = "MyFactory")

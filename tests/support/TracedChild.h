@@ -1,6 +1,6 @@
 #pragma once
 
-/// Runs a child process and stops the child at a given system call.
+/// Declares a function that runs a child process and stops the child at a chosen system call.
 
 #include <csignal>
 #include <functional>
@@ -8,15 +8,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// The end of a traced child.
+/// The result of `RunTraced`.
 struct TracedEnd {
     bool isReached = false; ///< Whether the child has reached the stop.
-    int status = 0;         ///< As waitpid reports it.
+    int status = 0;         ///< The status from waitpid.
 };
 
-/// Runs `work` in a child and calls `intervene` once, at the stop `number` of the child, counted from 0. The
-/// child stops before and after each system call. The exit status of the child is the result of `work`, or 99
-/// if the child cannot be traced.
+/// Runs `work` in a child. The child stops before and after each system call. At the stop with the index
+/// `number`, counted from 0, calls `intervene` with the process id of the child. The exit status of the child
+/// is the result of `work`, or 99 if the child cannot be traced.
 inline TracedEnd RunTraced(unsigned number, const std::function<int()>& work,
                            const std::function<void(pid_t)>& intervene) {
     const pid_t child = fork();
