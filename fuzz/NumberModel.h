@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// A second implementation of number parsing and formatting. It is slow and has no fast path. Tests and
-/// fuzzers compare the library with this implementation.
+/// Declares a second implementation of number parsing and formatting. This implementation is slow and has no
+/// fast path. Tests and fuzzers compare the library with this implementation.
 
 #include <Kelbase/common/common_string.h>
 
@@ -16,7 +16,7 @@
 
 namespace number_model {
 
-/// A parsed number. `value` is 0 where `ok` is false.
+/// The result of parsing a number. `value` is 0 if `ok` is false.
 template <typename T>
 struct Parsed {
     bool ok = false;
@@ -37,8 +37,9 @@ inline void ReplaceAll(std::string& text, std::string_view from, std::string_vie
     }
 }
 
-/// Returns the text with `point` as its separator, and with full-width digits and signs as ASCII. Returns
-/// nothing if the bytes are not UTF-8. Text after a NUL is lost on the way through UTF-16.
+/// Returns the text without white space at its ends, with `point` in place of each decimal separator, and
+/// with ASCII characters in place of full-width digits and signs. Returns no value if the text is not ASCII
+/// and the library cannot convert it to UTF-16. The conversion removes the text after a NUL.
 inline std::optional<std::string> Normalized(std::string_view bytes, char point) {
     std::string text(Stripped(bytes));
     for (const char* separator : {".", ","}) ReplaceAll(text, separator, std::string(1, point));
@@ -70,7 +71,8 @@ inline Parsed<double> ToDouble(std::string_view bytes, char point) {
     return {true, value};
 }
 
-/// Returns the value of a digit of any base up to `base`, or -1. Bytes are compared as signed numbers.
+/// Returns the value of a byte as a digit of `base`, or -1 if the byte is not a digit. The bytes are compared
+/// as signed numbers.
 inline int DigitOf(char c, unsigned int base) {
     const auto code = static_cast<signed char>(c);
     const long long letters = static_cast<long long>(base) - 10;
@@ -82,7 +84,7 @@ inline int DigitOf(char c, unsigned int base) {
     return code >= 'a' && code <= 'z' ? code - 87 : code - 55;
 }
 
-/// The sign and the digits of an integer. `isHuge` says that the magnitude does not fit 64 bits.
+/// The sign and the magnitude of an integer. `isHuge` is true if the magnitude does not fit 64 bits.
 struct Magnitude {
     bool minus = false;
     bool isHuge = false;
@@ -112,7 +114,7 @@ inline std::optional<Magnitude> ToMagnitude(std::string_view bytes, unsigned int
     return result;
 }
 
-/// Returns the magnitude with its sign, cut to `S`, if `accepted` holds.
+/// Returns the number, converted to `S`, if `accepted` is true. Returns a failure otherwise.
 template <typename S>
 Parsed<S> ParsedIf(bool accepted, const Magnitude& number) {
     if (!accepted) return {};
@@ -142,7 +144,7 @@ struct Integers {
     }
 };
 
-/// Returns the digits of a number in a base from 2 to 36, with "0" before them up to `width`.
+/// Returns the digits of a number in a base from 2 to 36. Zeros pad the digits on the left to `width` digits.
 inline std::string DigitsOf(unsigned long long value, unsigned int base, unsigned int width) {
     std::string digits;
     do {
@@ -152,7 +154,8 @@ inline std::string DigitsOf(unsigned long long value, unsigned int base, unsigne
     return digits.size() < width ? std::string(width - digits.size(), '0') + digits : digits;
 }
 
-/// Returns the output of the C library. `precision` is at most 99. A negative precision stands for none.
+/// Returns the output of snprintf for a conversion letter. `precision` must be at most 99. A negative
+/// precision means the default of the C library.
 inline std::string Printed(double value, int precision, char letter) {
     char text[1024];
     const std::string format = std::string(precision < 0 ? "%" : "%.*") + letter;

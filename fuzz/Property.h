@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Checks the properties that a fuzzer requires of every input.
+/// Declares functions that check a property of every input of a fuzzer.
 
 #include <cstdint>
 #include <cstdio>
@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-/// Ends the process with a message if the property does not hold. The fuzzer then keeps the input.
+/// Aborts the process with a message if `holds` is false. The fuzzer then saves the input.
 inline void Require(bool holds, const char* claim) {
     if (holds) return;
     std::fprintf(stderr, "property violated: %s\n", claim);
@@ -27,7 +27,7 @@ inline std::string Hexadecimal(const std::string& bytes) {
     return digits;
 }
 
-/// Ends the process with both values in hexadecimal if they differ.
+/// Aborts the process if the values differ. The message has both values in hexadecimal.
 inline void RequireEqual(const std::string& seen, const std::string& expected, const char* claim) {
     if (seen == expected) return;
     std::fprintf(stderr, "seen     %s\nexpected %s\n", Hexadecimal(seen).c_str(),
@@ -39,5 +39,5 @@ inline std::string_view Bytes(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Returns the bytes before the first NUL, which are the C string at the start of the bytes.
+/// Returns the bytes before the first NUL. Returns all bytes if there is no NUL.
 inline std::string_view BeforeNul(std::string_view bytes) { return bytes.substr(0, bytes.find('\0')); }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Converts between the library's strings and bytes that may include NULs.
+/// Declares conversions between the library's strings and bytes that may include NULs.
 
 #include <Kelbase/common/common_string.h>
 
