@@ -1,14 +1,16 @@
 #pragma once
 
 /// @file
-/// Times one job with the library and with the alternatives that a user has, in one program.
+/// Declares the class that measures the time of one job with the library and with alternative
+/// implementations, in one program.
 ///
 ///     Comparison("concat_3")
 ///         .Add("ours", [] { return Opaque(folder) + "/" + file; })
 ///         .Add("std", [] { return Opaque(folderStd) + "/" + fileStd; });
 ///
-/// Each implementation is a benchmark "job/who". The result of the first implementation is the expected one.
-/// An implementation with another result is timed too, and has the label "differs", which the table shows.
+/// Each implementation is a benchmark with the name "JOB/IMPLEMENTATION". The result of the first
+/// implementation is the expected result. An implementation with another result is measured too. The table
+/// marks it with the label "differs".
 
 #include <benchmark/benchmark.h>
 
@@ -29,14 +31,14 @@
 
 namespace comparison {
 
-/// Returns the object, and hides its value from the compiler's optimiser.
+/// Returns the object. The compiler's optimiser cannot use the value of the result.
 template <typename T>
 T& Opaque(T& object) {
     benchmark::DoNotOptimize(object);
     return object;
 }
 
-// Each function returns the text of a result, which is the same for equal results of different types.
+// Each function returns a result as a text. Equal results of different types have the same text.
 
 std::string Show(double v);
 inline std::string Show(const std::string& v) { return v; }
@@ -61,7 +63,7 @@ std::string Show(const List& list) {
     return shown;
 }
 
-/// A list of string types that have the functions which a job uses.
+/// A list of string types. Each type has the functions that a job uses.
 template <typename... Kinds>
 struct TextKinds {};
 #ifdef BENCH_QT
@@ -77,13 +79,14 @@ inline const char* NameOf(const QByteArray&) { return "QByteArray"; }
 inline const char* NameOf(const QString&) { return "QString"; }
 #endif
 
-/// One job. Each `By` function registers one implementation of the job.
+/// One job. Each call of `Add` registers one implementation of the job, and `AddEach` registers several.
 class Comparison {
 public:
-    /// A run of the job handles `itemsARun` items. The table shows the time per item.
+    /// Creates a job. One run of the job processes `itemsARun` items. The table shows the time per item.
     explicit Comparison(std::string jobName, double itemsARun = 1)
         : job(std::move(jobName)), items(itemsARun) {}
 
+    /// Registers an implementation. `work` runs the job once and returns its result.
     template <typename Work>
     Comparison& Add(const std::string& implementation, Work work) {
         Register(implementation, Show(work()), [work](benchmark::State& state) mutable {
@@ -95,8 +98,8 @@ public:
         return *this;
     }
 
-    /// Registers an implementation whose `run` returns nothing. `prepare` creates the input of `run`, and
-    /// `look` returns the result.
+    /// Registers an implementation. `prepare` creates the input once before the runs. `run` runs the job once
+    /// and returns nothing. `inspect` returns the result of the last run.
     template <typename Run, typename Prepare, typename Inspect>
     Comparison& Add(const std::string& implementation, Run run, Prepare prepare, Inspect inspect) {
         prepare();
@@ -112,7 +115,7 @@ public:
     }
 
     /// Registers an implementation for each string type. `make` receives an empty string of the type and
-    /// returns the work.
+    /// returns the function `work` of the implementation.
     template <typename... Kinds, typename Make>
     Comparison& AddEach(TextKinds<Kinds...>, Make make) {
         (Add(NameOf(Kinds()), make(Kinds())), ...);
