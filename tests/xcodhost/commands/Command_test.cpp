@@ -52,6 +52,8 @@ INSTANTIATE_TEST_SUITE_P(
         {"UnknownEvent", "run BUNDLE --product 1 --event mid", "--event: \"mid\""},
         {"TimeoutIsZero", "run BUNDLE --product 1 --timeout 0", "--timeout: \"0\""},
         {"TimeoutIsNaN", "run BUNDLE --product 1 --timeout nan", "--timeout: \"nan\""},
+        {"SelectorIsOnlyAPrefix", "run BUNDLE --product 1 --selector 0x", "--selector: \"0x\""},
+        {"EventAndMessage", "run BUNDLE --product 1 --message 4 --event pre", "--event"},
         {"ListWithoutASubject", "list", "A subcommand is required"},
         {"VolumeIsMissing", "run BUNDLE --product 1 --volume /nowhere", "/nowhere"},
         {"VolumeIsAFile", "run BUNDLE --product 1 --volume SHORT", "not a folder"},
@@ -114,7 +116,7 @@ TEST(Command, ShowsHiddenAndBrokenPreferencesAndFinderFlags) {
     volume.Write("Library/Preferences/broken.plist", "nothing");
     ASSERT_EQ(mkfifo((volume / "Library/Preferences/pipe.plist").c_str(), 0600), 0);
     std::string finderInfo(32, '\0');
-    finderInfo.replace(8, 2, "\xC0\x06"); // alias, invisible, label 3
+    finderInfo.replace(8, 2, "\xFF\xF7"); // all flags, label 3
     const std::string item = volume.Write("item");
     if (setxattr(item.c_str(), "user.com.apple.FinderInfo", finderInfo.data(), finderInfo.size(), 0) != 0) {
         GTEST_FAIL() << "the directory for temporary files does not support extended attributes; set TMPDIR";
@@ -124,7 +126,18 @@ TEST(Command, ShowsHiddenAndBrokenPreferencesAndFinderFlags) {
     EXPECT_EQ(show.out, ".GlobalPreferences a\\nb: (boolean) true\n"
                         "/item: A alias (0x8000) on\n"
                         "/item: V invisible (0x4000) on\n"
+                        "/item: B bundle (0x2000) on\n"
+                        "/item: S name locked (0x1000) on\n"
+                        "/item: T stationery (0x0800) on\n"
+                        "/item: C custom icon (0x0400) on\n"
+                        "/item: - reserved (0x0200) on\n"
+                        "/item: I inited (0x0100) on\n"
+                        "/item: N no INITs (0x0080) on\n"
+                        "/item: M shared (0x0040) on\n"
+                        "/item: - reserved (0x0020) on\n"
+                        "/item: E hidden extension (0x0010) on\n"
                         "/item: L label colour (0x000E) 3\n"
+                        "/item: D on desk (0x0001) on\n"
                         "broken: /Library/Preferences/broken.plist is not a property list\n"
                         "pipe: /Library/Preferences/pipe.plist is not a file\n");
 }

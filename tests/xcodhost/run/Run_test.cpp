@@ -129,6 +129,7 @@ const AlertCase kAnswers[] = {
     {"UnknownTitle", "Maybe", "", "not shown, it has no button \"Maybe\"", "Go on?\" was not shown: "},
     {"TypedNumber", "ask", "2\n", "No", "  2  No\n"},
     {"UnknownNumberThenTitle", "ask", "3\nNo\n", "No", "no button \"3\"; enter a number or a title\n"},
+    {"TypedFirstNumber", "ask", "1\n", "Yes", "  1  Yes\n"},
     {"EmptyLine", "ask", "\n", "Yes", "  1  Yes\n"},
     {"NothingTyped", "ask", "", "not shown, no button was chosen", "  1  Yes\n"},
 };
