@@ -36,8 +36,7 @@ public:
     PlatformCall& operator=(const PlatformCall&) = delete;
     ~PlatformCall();
 
-    /// Returns whether an observer will receive this call. If the result is false, the caller need not format
-    /// the arguments.
+    /// Returns whether an observer receives this call. If not, the caller need not format the arguments.
     bool IsRecorded() const { return isRecorded; }
     /// Records the arguments. Each element is one argument in readable notation.
     void SetArguments(std::vector<std::string> texts) { arguments = std::move(texts); }

@@ -159,7 +159,7 @@ public:
     T* get() const noexcept { return array; } ///< Returns the array or null. Keeps the ownership.
     /// Returns an element. The index is not checked, because the handle does not store the length.
     T& operator[](std::size_t index) const noexcept { return array[index]; }
-    explicit operator bool() const noexcept { return array != nullptr; }
+    explicit operator bool() const noexcept { return array != nullptr; } ///< True unless null.
 
 private:
     T* array;
