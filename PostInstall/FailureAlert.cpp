@@ -4,7 +4,7 @@
 
 #include <Carbon/Carbon.h>
 
-void ReportRefusedCall(XCodParamBlock& block) {
+void ReportRejectedCall(XCodParamBlock& block) {
     constexpr SInt16 stopAlertResource = 5000; // without this resource of the host, no stop alert is shown
     UI::Native::MessageOK(nullptr, "Post Install", "Unable to set post install option keys.", false);
     StopAlert(stopAlertResource, nullptr);

@@ -4,4 +4,4 @@
 
 /// Reports a rejected call: shows a message box and the stop alert, and sets the error bit of the block.
 /// `PreInstall` and `PostInstall` show the same texts.
-void ReportRefusedCall(XCodParamBlock& block);
+void ReportRejectedCall(XCodParamBlock& block);

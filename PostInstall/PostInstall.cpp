@@ -55,7 +55,7 @@ void storeLanguage(CFStringRef domain, CFStringRef language) {
 void PostInstall(XCodParamBlock* block) {
     if (!block) return;
     if (block->selector != kXCodSelector) {
-        ReportRefusedCall(*block);
+        ReportRejectedCall(*block);
         return;
     }
     const CFStringRef language = LanguageTag(block->languageCode);

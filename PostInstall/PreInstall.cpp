@@ -8,7 +8,7 @@
 void PreInstall(XCodParamBlock* block) {
     if (!block) return;
     if (block->selector != kXCodSelector) {
-        ReportRefusedCall(*block);
+        ReportRejectedCall(*block);
         return;
     }
     const Product product = FindProduct(block->productCode);

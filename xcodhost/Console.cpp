@@ -48,8 +48,8 @@ void WriteError(const std::string& text) { writeAll(STDERR_FILENO, text); }
 void Note(const std::string& line) { WriteError("xcodhost: " + Printable(line) + '\n'); }
 
 Style::Style() : isColoured(isatty(STDOUT_FILENO) == 1) {
-    const char* refused = std::getenv("NO_COLOR");
-    if (refused && *refused) isColoured = false;
+    const char* noColour = std::getenv("NO_COLOR");
+    if (noColour && *noColour) isColoured = false;
 }
 
 std::string Style::Wrapped(const char* code, const std::string& text) const {

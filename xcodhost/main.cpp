@@ -41,7 +41,7 @@ bool mayRunBundles(int argc, const char* const* argv) {
                        [](std::string_view argument) { return argument == "run" || argument == "validate"; });
 }
 
-int refused(ExitStatus status, const std::string& text, bool isJson) {
+int reportFailure(ExitStatus status, const std::string& text, bool isJson) {
     Note(text);
     try {
         if (isJson) WriteResult(ErrorDocument(status, text));
@@ -57,11 +57,11 @@ int guarded(bool isJson, Work work) {
     try {
         return work();
     } catch (const Interrupted& interrupted) {
-        DieOf(interrupted.signal);
+        EndBySignal(interrupted.signal);
     } catch (const Refusal& refusal) {
-        return refused(refusal.status, refusal.what(), isJson);
+        return reportFailure(refusal.status, refusal.what(), isJson);
     } catch (const std::exception& fault) {
-        return refused(ExitStatus::kToolFault, fault.what(), isJson);
+        return reportFailure(ExitStatus::kToolFault, fault.what(), isJson);
     }
 }
 

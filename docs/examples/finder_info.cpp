@@ -25,7 +25,7 @@ int main() {
     if (!item) return 1;
     std::fclose(item);
 
-    macplatform::RefuseExtendedAttributes(true); // even if this file system has them
+    macplatform::SimulateMissingExtendedAttributes(true); // even if this file system has them
     if (!hide("notes.example")) return 1;
 
     std::FILE* const sidecar = std::fopen("._notes.example", "rb");

@@ -138,7 +138,7 @@ TEST_F(PostInstallStep, MissingReadPermissionStoresTheFailure) {
     fs::create_directories(OnVolume("/Library/Preferences"));
     fs::permissions(OnVolume("/Library/Preferences"), fs::perms::all);
     fs::permissions(volume.Path(), fs::perms::all);
-    EXPECT_TRUE(HoldsForAnyUser([] { return Deliver({3}) == 0; }));
+    EXPECT_TRUE(IsTrueForAnyUser([] { return Deliver({3}) == 0; }));
     EXPECT_THAT(Preferences(kUpdater),
                 testing::UnorderedElementsAre("InstallStatus = \"Error opening file\"", kEnabled));
 }
@@ -172,7 +172,7 @@ TEST_F(PostInstallStep, StatusFileMayShrinkWhileItIsRead) {
     }
     EXPECT_EQ(lost, 0U);
     EXPECT_GT(noted, 0U);
-    TallyFault("status file truncated at a system call of its reader", stop, lost);
+    PrintFaultTally("status file truncated at a system call of its reader", stop, lost);
 }
 
 /// Changes the size of the file directly after the first fstat of the step.

@@ -21,7 +21,7 @@ constexpr uid_t kOtherUser = 65534;
 
 /// Returns whether `check` returns true in a child process. The child runs as the other user if this process
 /// runs as root.
-inline bool HoldsForAnyUser(const std::function<bool()>& check) {
+inline bool IsTrueForAnyUser(const std::function<bool()>& check) {
     return InChild([&check] {
                if (geteuid() == 0 && (setgid(kOtherUser) != 0 || setuid(kOtherUser) != 0)) return 2;
                return check() ? 0 : 1;

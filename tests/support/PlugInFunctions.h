@@ -19,4 +19,4 @@ inline HRESULT GiveInterface(void* self, REFIID, LPVOID* result) {
     return S_OK;
 }
 /// Returns 1: a static instance has no reference count.
-inline ULONG CountNothing(void*) { return 1; }
+inline ULONG IgnoreReference(void*) { return 1; }

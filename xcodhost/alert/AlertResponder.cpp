@@ -53,7 +53,7 @@ int buttonTyped(const std::string& typed, const std::vector<std::string>& button
 AlertResponder::AlertResponder(AlertPolicy alertPolicy, const Interruption& pendingSignals)
     : policy(std::move(alertPolicy)), interruption(pendingSignals) {}
 
-Answer AlertResponder::Respond(const macplatform::Alert& alert) {
+AlertAnswer AlertResponder::Respond(const macplatform::Alert& alert) {
     if (policy.kind == AlertPolicy::Kind::kAsk) return Ask(alert);
     if (policy.kind == AlertPolicy::Kind::kDesktop) {
         return ShowOnDesktop(policy.programs, messageOf(alert), buttonsOf(alert), interruption);
@@ -63,7 +63,7 @@ Answer AlertResponder::Respond(const macplatform::Alert& alert) {
     return NextTitle(alert);
 }
 
-Answer AlertResponder::NextTitle(const macplatform::Alert& alert) {
+AlertAnswer AlertResponder::NextTitle(const macplatform::Alert& alert) {
     if (nextTitle == policy.titles.size()) return {-1, "no title is left"};
     const std::string& title = policy.titles[nextTitle++];
     const std::vector<std::string> buttons = buttonsOf(alert);
@@ -72,7 +72,7 @@ Answer AlertResponder::NextTitle(const macplatform::Alert& alert) {
     return {static_cast<int>(button - buttons.begin()), {}};
 }
 
-Answer AlertResponder::Ask(const macplatform::Alert& alert) {
+AlertAnswer AlertResponder::Ask(const macplatform::Alert& alert) {
     const std::vector<std::string> buttons = buttonsOf(alert);
     WriteError(question(alert, buttons));
     std::string line;
@@ -89,10 +89,10 @@ Answer AlertResponder::Ask(const macplatform::Alert& alert) {
 /// input unless standard input is a terminal. Throws Interrupted if a signal arrives meanwhile.
 bool AlertResponder::ReadLine(std::string& line) {
     while (true) {
-        const std::size_t end = typedAhead.find('\n');
+        const std::size_t end = bufferedInput.find('\n');
         if (end != std::string::npos) {
-            line = typedAhead.substr(0, end);
-            typedAhead.erase(0, end + 1);
+            line = bufferedInput.substr(0, end);
+            bufferedInput.erase(0, end + 1);
             return true;
         }
         std::array<pollfd, 2> waits{{{STDIN_FILENO, POLLIN, 0}, {interruption.Descriptor(), POLLIN, 0}}};
@@ -105,7 +105,7 @@ bool AlertResponder::ReadLine(std::string& line) {
         const ssize_t count = waits[0].revents != 0 ? read(STDIN_FILENO, bytes.data(), bytes.size()) : -1;
         if (count == 0 || (count < 0 && waits[0].revents != 0 && errno != EINTR && errno != EAGAIN))
             return false;
-        if (count > 0) typedAhead.append(bytes.data(), static_cast<std::size_t>(count));
+        if (count > 0) bufferedInput.append(bytes.data(), static_cast<std::size_t>(count));
     }
 }
 

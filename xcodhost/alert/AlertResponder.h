@@ -29,7 +29,7 @@ struct AlertPolicy {
 };
 
 /// The answer to one alert.
-struct Answer {
+struct AlertAnswer {
     int button = -1;  ///< The index of the chosen button. -1: the alert was not shown.
     std::string note; ///< Why the alert was not shown. Empty if a button was chosen.
 };
@@ -42,17 +42,17 @@ public:
     /// Returns the answer to an alert. The text and the buttons of a stop alert are in a resource of the
     /// installer, which the tool does not have. With kFirst and kTitles a stop alert is therefore not shown,
     /// and uses no title. Throws Interrupted and ToolFault.
-    Answer Respond(const macplatform::Alert& alert);
+    AlertAnswer Respond(const macplatform::Alert& alert);
 
 private:
-    Answer Ask(const macplatform::Alert& alert);
-    Answer NextTitle(const macplatform::Alert& alert);
+    AlertAnswer Ask(const macplatform::Alert& alert);
+    AlertAnswer NextTitle(const macplatform::Alert& alert);
     bool ReadLine(std::string& line);
 
     AlertPolicy policy;
     const Interruption& interruption;
     std::size_t nextTitle = 0;
-    std::string typedAhead; ///< Input after the last line that was used.
+    std::string bufferedInput; ///< Input after the last line that was used.
 };
 
 /// Returns `Alert "MESSAGE"` or `Stop alert NUMBER`.

@@ -180,7 +180,7 @@ std::size_t countMarks(std::string_view text) {
 }
 
 /// Returns the index of the chosen button, -1 if the window was closed, or no value if the program failed.
-std::optional<int> choiceOf(Kind kind, const DialogEnd& end, std::size_t count) {
+std::optional<int> choiceOf(Kind kind, const DialogResult& end, std::size_t count) {
     const int status = WIFEXITED(end.status) ? WEXITSTATUS(end.status) : -1;
     int choice = -1;
     switch (kind) {
@@ -202,7 +202,7 @@ std::optional<int> choiceOf(Kind kind, const DialogEnd& end, std::size_t count) 
     return choice;
 }
 
-std::string failureOf(Kind kind, const DialogEnd& end) {
+std::string failureOf(Kind kind, const DialogResult& end) {
     std::string text = nameOf(kind);
     text += WIFEXITED(end.status) ? " ended with exit status " + std::to_string(WEXITSTATUS(end.status))
                                   : " was killed by signal " + std::to_string(WTERMSIG(end.status));
@@ -228,15 +228,15 @@ std::vector<DialogProgram> FindDialogPrograms() {
     return programs;
 }
 
-Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
-                     const std::vector<std::string>& buttons, const Interruption& interruption) {
+AlertAnswer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
+                          const std::vector<std::string>& buttons, const Interruption& interruption) {
     const Texts lines = linesOf(message);
     Texts failures;
     for (const DialogProgram& program : programs) {
         if (program.kind != Kind::kKdialog && !fitARow(buttons)) continue;
         // In a locale that is not UTF-8 the programs reject or garble the texts.
-        const DialogEnd end = RunDialog(commandFor(program, lines, buttons),
-                                        {{"LC_ALL", "C.UTF-8"}, {"ZENITY_ESC", "101"}}, interruption);
+        const DialogResult end = RunDialog(commandFor(program, lines, buttons),
+                                           {{"LC_ALL", "C.UTF-8"}, {"ZENITY_ESC", "101"}}, interruption);
         const std::optional<int> choice = choiceOf(program.kind, end, buttons.size());
         if (choice) return {*choice, *choice < 0 ? "its window was closed" : ""};
         failures.push_back(failureOf(program.kind, end));

@@ -8,7 +8,7 @@
 namespace xcodhost {
 
 class Interruption;
-struct Answer;
+struct AlertAnswer;
 
 /// An installed dialog program.
 struct DialogProgram {
@@ -26,7 +26,7 @@ std::vector<DialogProgram> FindDialogPrograms();
 /// shown literally, and control characters are shown as `\xNN`. A message of more than 24 lines is shortened
 /// and ends with `[...]`. The button of the answer is -1 if the user closes the window without a choice, or
 /// if no program can show the window. Throws Interrupted and ToolFault.
-Answer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
-                     const std::vector<std::string>& buttons, const Interruption& interruption);
+AlertAnswer ShowOnDesktop(const std::vector<DialogProgram>& programs, const std::string& message,
+                          const std::vector<std::string>& buttons, const Interruption& interruption);
 
 } // namespace xcodhost

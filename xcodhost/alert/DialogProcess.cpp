@@ -86,7 +86,7 @@ private:
         dup2(errors.Descriptor(), STDERR_FILENO) < 0) {
         _exit(127);
     }
-    interruption.LiftInChild();
+    interruption.ResetInChild();
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
     for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
@@ -102,9 +102,9 @@ std::string lastLine(std::string text) {
 
 } // namespace
 
-DialogEnd RunDialog(const std::vector<std::string>& command,
-                    const std::vector<std::pair<const char*, const char*>>& environment,
-                    const Interruption& interruption) {
+DialogResult RunDialog(const std::vector<std::string>& command,
+                       const std::vector<std::pair<const char*, const char*>>& environment,
+                       const Interruption& interruption) {
     const Captured output;
     const Captured errors;
     const pid_t parent = getpid();

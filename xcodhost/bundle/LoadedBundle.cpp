@@ -79,7 +79,7 @@ FunctionBlock** LoadedBundle::MakeInstance() {
     return instance;
 }
 
-FunctionBlock** LoadedBundle::AskInterface(FunctionBlock** instance) {
+FunctionBlock** LoadedBundle::RequestInterface(FunctionBlock** instance) {
     void* found = nullptr;
     const HRESULT result = RunCode({"QueryInterface", "interface " + Describe(kHostInterface), {}}, [&] {
         return (*instance)->QueryInterface(instance, kHostInterface, &found);
@@ -120,14 +120,14 @@ void LoadedBundle::ReportException() const {
 
 void LoadedBundle::Stop(const char* reason, const std::string& text) const {
     channel.Send(LoadFailed{reason, text});
-    throw Stopped{};
+    throw RunStopped{};
 }
 
 void LoadedBundle::StopWithPlatformReason() const {
     const macplatform::BundleFailure& failure = macplatform::LastBundleFailure();
     std::string text = failure.text.empty() ? "the bundle cannot be loaded" : failure.text;
     if (text.find(path) == std::string::npos) text.insert(0, path + ": ");
-    Stop(ReasonWord(failure.fault), text);
+    Stop(LoadFailureReason(failure.fault), text);
 }
 
 } // namespace xcodhost

@@ -16,7 +16,7 @@
 namespace xcodhost {
 
 /// Thrown to end the work of the child process after the reason has been reported to the parent process.
-struct Stopped {};
+struct RunStopped {};
 
 /// Returns the constant UUID object with these bytes. The caller must not release the object.
 CFUUIDRef ConstantIdentifier(const CFUUIDBytes& bytes);
@@ -24,7 +24,7 @@ CFUUIDRef ConstantIdentifier(const CFUUIDBytes& bytes);
 using FactoryFunction = void* (*)(CFAllocatorRef allocator, CFUUIDRef type);
 
 /// A bundle and the calls that the installer makes. If a function fails, it reports `LoadFailed` and throws
-/// `Stopped`.
+/// `RunStopped`.
 class LoadedBundle {
 public:
     /// Reads the property list of the bundle at this absolute path. Loads no code.
@@ -41,14 +41,14 @@ public:
     /// Returns a new instance of `Factory()`. The caller releases the instance with `Release`.
     FunctionBlock** MakeInstance();
     /// Returns the installer's interface of the instance. The caller releases the interface with `Release`.
-    FunctionBlock** AskInterface(FunctionBlock** instance);
+    FunctionBlock** RequestInterface(FunctionBlock** instance);
     /// Releases one reference to an instance or interface. Returns the result of the bundle.
     ULONG Release(FunctionBlock** instance);
     /// Returns the function of the interface to which events are delivered.
     DeliverFunction MainEntry(FunctionBlock** instance) const;
 
     /// Reports the call, runs it and returns its result. Reports an exception of the bundle as
-    /// `ExceptionEscaped` and throws `Stopped`.
+    /// `ExceptionEscaped` and throws `RunStopped`.
     template <typename Call>
     auto RunCode(const CallBegan& call, Call run) {
         channel.Send(call);
@@ -61,7 +61,7 @@ public:
             isRunning = false;
             ReportException();
         }
-        throw Stopped{};
+        throw RunStopped{};
     }
     /// Returns whether `RunCode` is calling the bundle. A platform call in this time is a call of the bundle.
     bool IsRunning() const { return isRunning; }

@@ -154,7 +154,7 @@ void describeBlock(CLI::App& run, RunArguments& arguments) {
 /// child processes inherit.
 void addMacFlag(CLI::App& app) {
     const auto prefer = [] {
-        if (!macplatform::PreferMacCode(true))
+        if (!macplatform::SetPrefersMacCode(true))
             throw UsageError(
                 "--mac: this build cannot run code for the Mac; use the 32-bit build of the tool");
     };

@@ -87,7 +87,7 @@ public:
         std::visit([this](auto&& one) { Add(std::forward<decltype(one)>(one)); }, std::move(message));
     }
 
-    int Answer(macplatform::Alert&& alert) {
+    int AnswerAlert(macplatform::Alert&& alert) {
         const auto [button, note] = responder.Respond(alert);
         const bool isStop = alert.kind == macplatform::Alert::Kind::kStop;
         if (!note.empty() && !isStop && !std::exchange(hasNoted, true)) {
@@ -147,7 +147,7 @@ std::vector<std::string> findProblems(const RunResult& result, const VolumeState
                                       const VolumeState& after) {
     std::map<std::string, std::string> lost; // for each domain, the first reason
     for (const CallRecord& call : result.calls) {
-        for (const LostWrite& write : call.lostWrites) lost.emplace(write.domain, write.reason);
+        for (const FailedSynchronisation& write : call.lostWrites) lost.emplace(write.domain, write.reason);
     }
     std::vector<std::string> problems = after.problems;
     for (const auto& [domain, file] : after.preferences) {
@@ -180,7 +180,7 @@ RunResult RunBundle(const RunOptions& options) {
     Recorder recorder(result, responder);
     const ChildListener listener{
         [&](Message&& message) { recorder.Record(std::move(message)); },
-        [&](macplatform::Alert&& alert) { return recorder.Answer(std::move(alert)); }};
+        [&](macplatform::Alert&& alert) { return recorder.AnswerAlert(std::move(alert)); }};
     result.end = RunInChild([&](const Channel& channel) { Deliver(plan, channel); }, limitsFor(options),
                             listener, interruption);
     VolumeState after = ReadVolume(volume.Folder());
@@ -191,7 +191,7 @@ RunResult RunBundle(const RunOptions& options) {
 
 ExitStatus RunCommand(const RunOptions& options) {
     const RunResult result = RunBundle(options);
-    const Verdict verdict = Judge(result);
+    const Verdict verdict = VerdictOf(result);
     if (verdict.status == ExitStatus::kNotLoaded) Note(result.loadFailure->text);
     WriteResult(options.isJson ? RunReportJson(result, verdict) : RunReport(result, verdict, Style()));
     return verdict.status;

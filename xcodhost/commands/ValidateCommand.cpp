@@ -99,7 +99,7 @@ ExitStatus ValidateCommand(const ValidateOptions& options) {
     std::vector<const BundleResult*> all;
     all.reserve(results.size());
     for (const BundleResult& result : results) all.push_back(&result);
-    const ValidationVerdict verdict = Judge(all);
+    const ValidationVerdict verdict = VerdictOf(all);
     if (!options.junitFile.empty()) writeFile(options.junitFile, JUnitReport(results));
     if (!options.htmlFile.empty()) writeFile(options.htmlFile, HtmlPage(results, verdict));
     WriteResult(options.isJson ? ValidateReportJson(results, verdict)

@@ -51,7 +51,7 @@ void runBody(const std::function<void(const Channel&)>& body, int socket) {
     }
 }
 
-bool isRefused(ssize_t count) { return count < 0 && errno != EAGAIN && errno != EINTR; }
+bool isReadError(ssize_t count) { return count < 0 && errno != EAGAIN && errno != EINTR; }
 
 } // namespace
 
@@ -81,14 +81,15 @@ public:
     /// Reads messages and output. `ready` points to the results of poll for the elements that `AppendTo` has
     /// added. Returns how the child ended, or no value if the child still runs.
     std::optional<ChildEnd> Serve(const pollfd* ready) {
-        if (deadlines.HavePassed()) return Ended(ChildEnd::Kind::kOverTime, 0, deadlines.PassedLimit());
+        if (deadlines.HavePassed())
+            return Ended(ChildEnd::Kind::kTimeLimitExceeded, 0, deadlines.PassedLimit());
         // If the child has already ended, the loop reads everything that the child has sent.
         const bool hasEnded = ready[2].revents != 0;
         do {
-            gotBytes = false;
-            if (!ReadOutput()) return Ended(ChildEnd::Kind::kOverOutput, 0, 0);
-            if (!ReadReport()) return Ended(ChildEnd::Kind::kOverReport, 0, 0);
-        } while (hasEnded && gotBytes);
+            hasReadBytes = false;
+            if (!ReadOutput()) return Ended(ChildEnd::Kind::kOutputLimitExceeded, 0, 0);
+            if (!ReadReport()) return Ended(ChildEnd::Kind::kReportLimitExceeded, 0, 0);
+        } while (hasEnded && hasReadBytes);
         return hasEnded ? std::optional(EndOf(child.Reap())) : std::nullopt;
     }
 
@@ -110,9 +111,9 @@ private:
     bool ReadOutput() {
         if (!output) return true;
         const ssize_t count = read(output.Get(), buffer.data(), buffer.size());
-        if (count == 0 || isRefused(count)) output.Close();
+        if (count == 0 || isReadError(count)) output.Close();
         if (count <= 0) return true;
-        gotBytes = true;
+        hasReadBytes = true;
         printed += static_cast<std::size_t>(count);
         listener.onOutput(std::string_view(buffer.data(), static_cast<std::size_t>(count)));
         return printed <= limits.outputBytes;
@@ -122,9 +123,9 @@ private:
     bool ReadReport() {
         if (!socket) return true;
         const ssize_t count = recv(socket.Get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
-        if (count == 0 || isRefused(count)) socket.Close();
+        if (count == 0 || isReadError(count)) socket.Close();
         if (count <= 0) return true;
-        gotBytes = true;
+        hasReadBytes = true;
         received += static_cast<std::size_t>(count);
         pending.append(buffer.data(), static_cast<std::size_t>(count));
         return received <= limits.reportBytes && HandleLines();
@@ -144,14 +145,14 @@ private:
     }
 
     void Handle(Message&& message) {
-        if (auto* alert = std::get_if<macplatform::Alert>(&message)) return Answer(std::move(*alert));
+        if (auto* alert = std::get_if<macplatform::Alert>(&message)) return AnswerAlert(std::move(*alert));
         if (std::holds_alternative<CallBegan>(message)) deadlines.CallBegins();
         if (std::holds_alternative<Done>(message)) isDone = true;
         if (const auto* fault = std::get_if<ChildFault>(&message)) throw ToolFault(fault->text);
         listener.onMessage(std::move(message));
     }
 
-    void Answer(macplatform::Alert&& alert) {
+    void AnswerAlert(macplatform::Alert&& alert) {
         const auto asked = Deadlines::Clock::now();
         const std::int32_t button = listener.onAlert(std::move(alert));
         deadlines.Hold(Deadlines::Clock::now() - asked);
@@ -171,7 +172,7 @@ private:
     std::size_t searched = 0; ///< The bytes at the start of `pending` that contain no line feed.
     std::size_t received = 0;
     std::size_t printed = 0;
-    bool gotBytes = false;
+    bool hasReadBytes = false;
     bool isDone = false;
 };
 

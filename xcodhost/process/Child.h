@@ -26,12 +26,13 @@ struct ChildLimits {
 /// How a child ended.
 struct ChildEnd {
     enum class Kind {
-        kFinished,   ///< The child sent Done and ended.
-        kExited,     ///< The child ended without Done. `code` is the exit status.
-        kSignalled,  ///< The child was killed by the signal `code`.
-        kOverTime,   ///< The child exceeded the time limit `seconds`.
-        kOverReport, ///< The child exceeded the size of messages, or sent data that is not a message.
-        kOverOutput, ///< The child exceeded the size of the output.
+        kFinished,            ///< The child sent Done and ended.
+        kExited,              ///< The child ended without Done. `code` is the exit status.
+        kSignalled,           ///< The child was killed by the signal `code`.
+        kTimeLimitExceeded,   ///< The child exceeded the time limit `seconds`.
+        kReportLimitExceeded, ///< The child exceeded the size of messages, or sent data that is not a
+                              ///< message.
+        kOutputLimitExceeded, ///< The child exceeded the size of the output.
     };
     Kind kind = Kind::kFinished;
     int code = 0;

@@ -66,7 +66,7 @@ void settle(const ChildProcess::Streams& streams, pid_t parent, const Interrupti
     if (getppid() != parent) _exit(70); // the parent died before prctl
     if (!settleStreams(streams.output)) _exit(70);
     closeAllBut(streams.socket);
-    interruption.LiftInChild();
+    interruption.ResetInChild();
 }
 
 } // namespace

@@ -34,7 +34,7 @@ void Interruption::Check() const {
     }
 }
 
-void Interruption::LiftInChild() const {
+void Interruption::ResetInChild() const {
     for (int number = 1; number < NSIG; ++number) {
         SetSignalEffect(number, SIG_DFL); // fails for SIGKILL, SIGSTOP and the signals of the C library
     }
@@ -49,7 +49,7 @@ void SetSignalEffect(int signal, void (*effect)(int)) {
     sigaction(signal, &action, nullptr);
 }
 
-void DieOf(int signal) {
+void EndBySignal(int signal) {
     SetSignalEffect(signal, SIG_DFL);
     sigset_t only;
     sigemptyset(&only);

@@ -28,7 +28,7 @@ public:
     /// Throws Interrupted if a signal has arrived.
     void Check() const;
     /// Unblocks all signals and gives every signal its default effect. A forked child calls this function.
-    void LiftInChild() const;
+    void ResetInChild() const;
 
 private:
     sigset_t oldMask{};
@@ -39,6 +39,6 @@ private:
 void SetSignalEffect(int signal, void (*effect)(int));
 
 /// Ends the process with the default effect of the signal.
-[[noreturn]] void DieOf(int signal);
+[[noreturn]] void EndBySignal(int signal);
 
 } // namespace xcodhost

@@ -129,7 +129,7 @@ std::optional<Message> Decode(std::string_view line) {
     }
 }
 
-const char* ReasonWord(macplatform::BundleFault fault) {
+const char* LoadFailureReason(macplatform::BundleFault fault) {
     using macplatform::BundleFault;
     switch (fault) {
     case BundleFault::kNone:
@@ -148,7 +148,7 @@ const char* ReasonWord(macplatform::BundleFault fault) {
         return "cannot-load";
     case BundleFault::kSymbolMissing:
         return "symbol-missing";
-    case BundleFault::kFactoryRefused:
+    case BundleFault::kFactoryReturnedNull:
         return "factory-refused";
     }
     return "unknown";

@@ -92,6 +92,6 @@ std::string Encode(const Message& message);
 std::optional<Message> Decode(std::string_view line);
 
 /// Returns the word of `LoadFailed::reason` for a fault that the platform has reported.
-const char* ReasonWord(macplatform::BundleFault fault);
+const char* LoadFailureReason(macplatform::BundleFault fault);
 
 } // namespace xcodhost

@@ -49,7 +49,7 @@ int RunInSupervisor(const std::function<int()>& work) {
     }
     waitForSupervisor(supervisor, *interruption);
     const int status = WaitFor(supervisor);
-    if (WIFSIGNALED(status)) DieOf(WTERMSIG(status));
+    if (WIFSIGNALED(status)) EndBySignal(WTERMSIG(status));
     return WEXITSTATUS(status);
 }
 

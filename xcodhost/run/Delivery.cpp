@@ -53,7 +53,7 @@ private:
 
     void DeliverThroughInterface() {
         FunctionBlock** const instance = bundle.MakeInstance();
-        FunctionBlock** const interface = bundle.AskInterface(instance);
+        FunctionBlock** const interface = bundle.RequestInterface(instance);
         bundle.Release(instance);
         for (const ParameterBlock& block : plan.blocks) {
             Deliver("XCodMain", block, bundle.MainEntry(interface));
@@ -89,7 +89,7 @@ private:
 void Deliver(const DeliveryPlan& plan, const Channel& channel) {
     try {
         Session(plan, channel).Run();
-    } catch (const Stopped&) { // the reason has been reported
+    } catch (const RunStopped&) { // the reason has been reported
     }
 }
 

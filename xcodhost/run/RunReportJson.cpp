@@ -59,10 +59,10 @@ Json endJson(const RunResult& result) {
     }
     case ChildEnd::Kind::kExited:
         return {{"kind", "exit"}, {"code", result.end.code}};
-    case ChildEnd::Kind::kOverTime:
+    case ChildEnd::Kind::kTimeLimitExceeded:
         return {{"kind", "time-limit"}, {"seconds", result.end.seconds}};
-    case ChildEnd::Kind::kOverReport:
-    case ChildEnd::Kind::kOverOutput:
+    case ChildEnd::Kind::kReportLimitExceeded:
+    case ChildEnd::Kind::kOutputLimitExceeded:
         return {{"kind", "broken-report"}};
     case ChildEnd::Kind::kFinished:
         break;

@@ -53,7 +53,7 @@ std::uint32_t CallRecord::NewErrorBits() const {
     return returned->block->errorFlagsAfter & ~returned->block->errorFlagsBefore;
 }
 
-Verdict Judge(const RunResult& result) {
+Verdict VerdictOf(const RunResult& result) {
     switch (result.end.kind) {
     case ChildEnd::Kind::kSignalled:
         return {ExitStatus::kCrashed,
@@ -61,11 +61,11 @@ Verdict Judge(const RunResult& result) {
     case ChildEnd::Kind::kExited:
         return {ExitStatus::kCrashed, "FAIL ended the process " + lastCall(result) + ": exit status " +
                                           std::to_string(result.end.code)};
-    case ChildEnd::Kind::kOverTime:
+    case ChildEnd::Kind::kTimeLimitExceeded:
         return {ExitStatus::kTimeLimit,
                 "FAIL no return within " + Seconds(result.end.seconds) + ' ' + lastCall(result)};
-    case ChildEnd::Kind::kOverReport:
-    case ChildEnd::Kind::kOverOutput:
+    case ChildEnd::Kind::kReportLimitExceeded:
+    case ChildEnd::Kind::kOutputLimitExceeded:
         return {ExitStatus::kCrashed, "FAIL sent too much or invalid data to the host " + lastCall(result)};
     case ChildEnd::Kind::kFinished:
         break;

@@ -24,7 +24,7 @@ struct AlertRecord {
 };
 
 /// A call of CFPreferencesSynchronize that returned false.
-struct LostWrite {
+struct FailedSynchronisation {
     std::string domain;
     std::string reason; ///< Empty if the platform gave no reason.
 };
@@ -35,7 +35,7 @@ struct CallRecord {
     std::optional<CallReturned> returned; ///< No value: the call did not return.
     std::vector<AlertRecord> alerts;
     std::vector<macplatform::RecordedCall> platformCalls; ///< Filled only for `--trace`.
-    std::vector<LostWrite> lostWrites;
+    std::vector<FailedSynchronisation> lostWrites;
 
     /// Returns the function and its arguments: "XCodMain(selector 1000, ...)".
     std::string Describe() const;
@@ -67,7 +67,7 @@ struct Verdict {
 };
 
 /// Returns the verdict on a run.
-Verdict Judge(const RunResult& result);
+Verdict VerdictOf(const RunResult& result);
 
 /// Returns the name and the description of a signal: "SIGSEGV (Segmentation fault)".
 std::string SignalName(int number);

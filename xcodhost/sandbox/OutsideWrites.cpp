@@ -90,8 +90,8 @@ private:
         if (call == all.end()) return;
         if (call->flags >= 0 && !Writes(static_cast<int>(Argument(stop, call->flags)))) return;
         const std::string path = PathOf(process, stop, call->first);
-        if (CanChange(*call, path)) Judge(*call, path);
-        Judge(*call, PathOf(process, stop, call->second));
+        if (CanChange(*call, path)) VerdictOf(*call, path);
+        VerdictOf(*call, PathOf(process, stop, call->second));
     }
 
     static bool Writes(int flags) {
@@ -100,7 +100,7 @@ private:
     static std::uint64_t Argument(const Stop& stop, int place) { return stop.seccomp.args[place]; }
 
     /// Records the call if its path is outside the allowed directory. Records equal calls once.
-    void Judge(const WritingCall& call, const std::string& path) {
+    void VerdictOf(const WritingCall& call, const std::string& path) {
         if (path.empty() || IsAllowed(path)) return;
         std::string text = std::string(call.name) + ' ' + PrintableQuoted(path);
         if (std::find(calls.begin(), calls.end(), text) == calls.end()) calls.push_back(std::move(text));
@@ -156,7 +156,7 @@ private:
 };
 
 [[noreturn]] void dieAs(int status) {
-    if (WIFSIGNALED(status)) DieOf(WTERMSIG(status));
+    if (WIFSIGNALED(status)) EndBySignal(WTERMSIG(status));
     _exit(WEXITSTATUS(status));
 }
 

@@ -35,7 +35,7 @@ CheckRun::CheckRun(std::string path, std::string folder, const Channel& parentCh
         if (current) current->alerts.push_back(alert);
         return chosenButton;
     });
-    macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) { Note(entry); });
+    macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) { RecordCall(entry); });
     UseFreshVolume();
     ForgetObjects();
 }
@@ -48,16 +48,16 @@ CheckRun::~CheckRun() {
 void CheckRun::UseFreshVolume(const SampleVolume& sample) {
     volume = scratch + "/volume " + std::to_string(++volumes);
     MakeSampleVolume(volume, sample);
-    if (bundle) MapVolume();
+    if (bundle) ActivateVolume();
 }
 
-void CheckRun::MapVolume() const {
+void CheckRun::ActivateVolume() const {
     if (!macplatform::SetStartupVolume(volume)) throw ToolFault::FromErrno(volume);
 }
 
 VolumeState CheckRun::CurrentVolume() const {
     VolumeState state = ReadVolume(volume);
-    if (bundle) MapVolume(); // ReadVolume resets the startup volume
+    if (bundle) ActivateVolume(); // ReadVolume resets the startup volume
     return state;
 }
 
@@ -70,14 +70,14 @@ LoadedBundle& CheckRun::Bundle() {
     bundle.emplace(bundlePath, channel);
     bundle->FindFactories();
     ForgetObjects();
-    MapVolume();
+    ActivateVolume();
     return *bundle;
 }
 
 FunctionBlock** CheckRun::Interface() {
     if (interface) return interface;
     FunctionBlock** const instance = Bundle().MakeInstance();
-    interface = Bundle().AskInterface(instance);
+    interface = Bundle().RequestInterface(instance);
     Bundle().Release(instance);
     return interface;
 }
@@ -118,7 +118,7 @@ Outcome CheckRun::Deliver(const ParameterBlock& block, Entry entry, std::size_t 
     });
 }
 
-Outcome CheckRun::DeliverNothing(std::uint16_t message) {
+Outcome CheckRun::DeliverNullBlock(std::uint16_t message) {
     const std::string function = stepName(message);
     const auto deliver = reinterpret_cast<DeliverFunction>(Bundle().Symbol(function));
     const CallBegan call{function, "NULL", EventName(message)};
@@ -137,7 +137,7 @@ Outcome CheckRun::Recorded(const std::function<void(Outcome&)>& deliver) {
     return outcome;
 }
 
-void CheckRun::Note(const macplatform::RecordedCall& entry) {
+void CheckRun::RecordCall(const macplatform::RecordedCall& entry) {
     if (!bundle || !bundle->IsRunning() || entry.call == "CFPlugInInstanceCreate") return;
     if (current) current->calls.push_back(entry);
     if (atEachCall) atEachCall(entry);
@@ -175,7 +175,7 @@ void CheckRun::ForgetObjects() { objectsBefore = macplatform::LiveObjectCount();
 
 void CheckRun::Skip(const std::string& reason) {
     channel.Send(Skipped{reason});
-    throw Stopped{};
+    throw RunStopped{};
 }
 
 void CheckRun::RecordCell(std::int32_t product, std::int32_t language, const std::string& seen,

@@ -73,17 +73,17 @@ public:
     /// Delivers a block. The address of the block is `misalignment` bytes after a multiple of 16.
     Outcome Deliver(const ParameterBlock& block, Entry entry = Entry::kMain, std::size_t misalignment = 0);
     /// Calls the exported PreInstall or PostInstall, depending on the message, with a null block.
-    Outcome DeliverNothing(std::uint16_t message);
+    Outcome DeliverNullBlock(std::uint16_t message);
 
     /// Sets whether deliveries record the changes of the volume. The default is true. The comparison of the
     /// volume takes most of the time of a delivery.
     void WatchVolume(bool watched) { isVolumeWatched = watched; }
     /// Sets the index of the button that answers the following alerts. The default is 0. With -1, the alerts
     /// are not shown.
-    void Answer(int button) { chosenButton = button; }
+    void SetChosenButton(int button) { chosenButton = button; }
     /// Sets the function that is called after each platform call of the bundle. An empty function means that
     /// none is called.
-    void AtEachCall(std::function<void(const macplatform::RecordedCall&)> call) {
+    void SetCallListener(std::function<void(const macplatform::RecordedCall&)> call) {
         atEachCall = std::move(call);
     }
 
@@ -110,9 +110,9 @@ public:
     void RecordCell(std::int32_t product, std::int32_t language, const std::string& seen, bool isRight);
 
 private:
-    void MapVolume() const;
+    void ActivateVolume() const;
     Outcome Recorded(const std::function<void(Outcome&)>& deliver);
-    void Note(const macplatform::RecordedCall& entry);
+    void RecordCall(const macplatform::RecordedCall& entry);
 
     std::string bundlePath;
     std::string scratch;

@@ -20,17 +20,17 @@ constexpr std::size_t kOutputKept = 2000;
 /// The time limit of a check, as a multiple of the time limit of a call.
 constexpr double kCallsPerCheck = 20;
 
-std::string seenOf(const ChildEnd& end) {
+std::string describeEnd(const ChildEnd& end) {
     switch (end.kind) {
     case ChildEnd::Kind::kSignalled:
         return "crashed: " + SignalName(end.code);
     case ChildEnd::Kind::kExited:
         return "ended the process: exit status " + std::to_string(end.code);
-    case ChildEnd::Kind::kOverTime:
+    case ChildEnd::Kind::kTimeLimitExceeded:
         return "no return within " + Seconds(end.seconds);
-    case ChildEnd::Kind::kOverReport:
+    case ChildEnd::Kind::kReportLimitExceeded:
         return "sent too much or invalid data to the host";
-    case ChildEnd::Kind::kOverOutput:
+    case ChildEnd::Kind::kOutputLimitExceeded:
         return "printed too much";
     case ChildEnd::Kind::kFinished:
         break;
@@ -68,8 +68,8 @@ public:
 
     void End(const ChildEnd& end) {
         if (end.kind != ChildEnd::Kind::kFinished) {
-            const bool isLate = end.kind == ChildEnd::Kind::kOverTime;
-            Add("the call returns", seenOf(end), isLate ? ExitStatus::kTimeLimit : ExitStatus::kCrashed);
+            const bool isLate = end.kind == ChildEnd::Kind::kTimeLimitExceeded;
+            Add("the call returns", describeEnd(end), isLate ? ExitStatus::kTimeLimit : ExitStatus::kCrashed);
         }
         result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
         using State = CheckResult::State;
@@ -105,7 +105,7 @@ void runCheck(const Check& check, const std::string& bundle, const std::string& 
     try {
         CheckRun run(bundle, scratch, channel);
         check.body(run);
-    } catch (const Stopped&) { // the failure is already reported
+    } catch (const RunStopped&) { // the failure is already reported
     } catch (const std::exception& fault) {
         // For example, the bundle has removed the volume.
         channel.Send(Finding{"the check can run", fault.what()});
@@ -226,7 +226,7 @@ const CheckResult* BundleResult::FirstFailure() const {
     return failure == checks.end() ? nullptr : &*failure;
 }
 
-ValidationVerdict Judge(const std::vector<const BundleResult*>& bundles) {
+ValidationVerdict VerdictOf(const std::vector<const BundleResult*>& bundles) {
     std::size_t passed = 0;
     std::size_t failed = 0;
     const CheckResult* first = nullptr;

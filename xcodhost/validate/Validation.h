@@ -54,7 +54,7 @@ struct ValidationVerdict {
     std::string text;
 };
 /// Returns the verdict on the bundles.
-ValidationVerdict Judge(const std::vector<const BundleResult*>& bundles);
+ValidationVerdict VerdictOf(const std::vector<const BundleResult*>& bundles);
 
 /// The checks to run on a bundle.
 struct ValidationPlan {

@@ -20,7 +20,7 @@ namespace {
 constexpr std::array<std::string_view, 6> kVolumeFolders = {
     "/Applications", "/Library", "/Library/Preferences", "/System", "/Users", "/Volumes"};
 constexpr const char* kStatusFolder = "/Library/Application Support/Korvane/Updater";
-constexpr const char* kMakersFolder = "/Applications/Korvane";
+constexpr const char* kVendorFolder = "/Applications/Korvane";
 
 std::size_t makeFolders(const std::string& path) {
     std::error_code error;
@@ -65,8 +65,8 @@ std::size_t MakeSampleVolume(const std::string& folder, const SampleVolume& samp
     made += makeFolders(folder + kStatusFolder);
     if (sample.status) made += makeFile(folder + kStatusFolder + "/install_status.txt", *sample.status);
     if (sample.hasFolder) {
-        made += makeFolders(folder + kMakersFolder);
-        if (sample.hasIcon) made += makeFile(folder + kMakersFolder + "/Icon\r", {});
+        made += makeFolders(folder + kVendorFolder);
+        if (sample.hasIcon) made += makeFile(folder + kVendorFolder + "/Icon\r", {});
     }
     return made;
 }

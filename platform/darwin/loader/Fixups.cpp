@@ -10,8 +10,8 @@ constexpr std::uint8_t kOperationBits = 0xF0, kOperandBits = 0x0F;
 constexpr std::uint8_t kPointerType = 1;
 
 [[noreturn]] void refuseOperation(const char* table, std::uint8_t byte) {
-    throw MachORefused("unsupported operation in the table of " + std::string(table) + ": " +
-                       std::to_string(byte));
+    throw UnsupportedMachO("unsupported operation in the table of " + std::string(table) + ": " +
+                           std::to_string(byte));
 }
 
 /// The address of the next pointer. The operations of the tables change this address.
@@ -20,13 +20,13 @@ public:
     explicit Cursor(const ImageFile& imageFile) : file(imageFile) {}
 
     void SetSegment(std::uint8_t number, std::uint32_t offset) {
-        if (number >= file.segments.size()) throw MachORefused("a fix-up refers to a missing segment");
+        if (number >= file.segments.size()) throw UnsupportedMachO("a fix-up refers to a missing segment");
         address = file.segments[number].address + offset;
         isSet = true;
     }
     void Skip(std::uint32_t bytes) { address += bytes; }
     std::uint32_t Next() {
-        if (!isSet) throw MachORefused("a fix-up has no address");
+        if (!isSet) throw UnsupportedMachO("a fix-up has no address");
         address += 4;
         return address - 4;
     }
@@ -171,7 +171,7 @@ private:
 
     void Set(std::uint32_t count, std::uint32_t skip) {
         if (library == 0 || library > file.libraries)
-            throw MachORefused("the import " + std::string(name) + " names no library of the file");
+            throw UnsupportedMachO("the import " + std::string(name) + " names no library of the file");
         const std::uint32_t value = find(std::string(name)) + addend;
         for (; count > 0; --count) {
             memory.SetWord(cursor.Next(), value);
@@ -228,7 +228,7 @@ std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string
         } else if (size == 0) {
             break;
         } else if (trie.Uleb(place) != 0) {
-            throw MachORefused("unsupported kind of the export " + name);
+            throw UnsupportedMachO("unsupported kind of the export " + name);
         } else {
             return file.start + trie.Uleb(place);
         }

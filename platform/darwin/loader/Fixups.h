@@ -2,7 +2,7 @@
 
 /// @file
 /// Declares functions that apply the loader's tables of an image: rebases, binds and exports. Every function
-/// throws MachORefused if a table is damaged or has an unsupported operation.
+/// throws UnsupportedMachO if a table is damaged or has an unsupported operation.
 
 #include "ImageMemory.h"
 

@@ -29,7 +29,7 @@ std::string_view thinPart(std::string_view bytes) {
         if (bigEndian(file, 8 + 20 * i) != kIntel32) continue;
         return file.Part(bigEndian(file, 16 + 20 * i), bigEndian(file, 20 + 20 * i));
     }
-    throw MachOForOthers("the file has no code for 32-bit Intel");
+    throw WrongMachOArchitecture("the file has no code for 32-bit Intel");
 }
 
 std::string nameAt(const ByteView& bytes, std::uint32_t place) {
@@ -43,16 +43,16 @@ public:
 
     ImageFile Read() {
         if (file.Size() < 28 || file.U32(0) != kMagic32 || file.U32(4) != kIntel32)
-            throw MachOForOthers("not a Mach-O file for 32-bit Intel");
-        if (file.U32(12) != kBundleFile) throw MachORefused("not a loadable bundle");
+            throw WrongMachOArchitecture("not a Mach-O file for 32-bit Intel");
+        if (file.U32(12) != kBundleFile) throw UnsupportedMachO("not a loadable bundle");
         std::uint32_t place = 28;
         for (std::uint32_t left = file.U32(16); left > 0; --left) {
             const std::uint32_t size = file.U32(place + 4);
-            if (size < 8) throw MachORefused("a load command has no valid size");
+            if (size < 8) throw UnsupportedMachO("a load command has no valid size");
             ReadCommand(place, ByteView(file.Part(place, size)));
             place += size;
         }
-        if (!hasTables) throw MachORefused("the file was linked for a system before 10.6");
+        if (!hasTables) throw UnsupportedMachO("the file was linked for a system before 10.6");
         CheckSegments();
         return std::move(image);
     }
@@ -67,8 +67,8 @@ private:
         } else if (kind == kDyldInfo || kind == kDyldInfoOnly) {
             ReadTables(command);
         } else if (kind & kMustBeUnderstood) {
-            throw MachORefused("unsupported load command " + std::to_string(kind & ~kMustBeUnderstood) +
-                               " at offset " + std::to_string(place));
+            throw UnsupportedMachO("unsupported load command " + std::to_string(kind & ~kMustBeUnderstood) +
+                                   " at offset " + std::to_string(place));
         }
     }
 
@@ -77,7 +77,7 @@ private:
                         file.Part(command.U32(32), command.U32(36)), command.U32(44)};
         if (segment.contents.size() > segment.size || segment.size > kLargestImage ||
             segment.address % kPageSize != 0 || segment.size % kPageSize != 0) {
-            throw MachORefused("the segment " + segment.name + " has an invalid size or address");
+            throw UnsupportedMachO("the segment " + segment.name + " has an invalid size or address");
         }
         for (std::uint32_t i = 0; i < command.U32(48); ++i) {
             const std::uint32_t at = 56 + 68 * i;
@@ -85,7 +85,7 @@ private:
                                  command.U32(at + 36), command.U32(at + 56) & 0xFF};
             if (section.address < segment.address || section.size > segment.size ||
                 section.address - segment.address > segment.size - section.size) {
-                throw MachORefused("the section " + section.name + " is outside its segment");
+                throw UnsupportedMachO("the section " + section.name + " is outside its segment");
             }
             image.sections.push_back(std::move(section));
         }
@@ -97,24 +97,24 @@ private:
         image.rebases = table(8);
         image.binds = table(16);
         if (command.U32(28) != 0)
-            throw MachORefused("unsupported weak binds: the file shares definitions with other images");
+            throw UnsupportedMachO("unsupported weak binds: the file shares definitions with other images");
         image.lazyBinds = table(32);
         image.exports = table(40);
         hasTables = true;
     }
 
     void CheckSegments() {
-        if (image.segments.empty()) throw MachORefused("the file has no segments");
+        if (image.segments.empty()) throw UnsupportedMachO("the file has no segments");
         std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges;
         for (const Segment& segment : image.segments) {
             ranges.emplace_back(segment.address, std::uint64_t{segment.address} + segment.size);
         }
         std::sort(ranges.begin(), ranges.end());
         for (std::size_t i = 1; i < ranges.size(); ++i) {
-            if (ranges[i].first < ranges[i - 1].second) throw MachORefused("the segments overlap");
+            if (ranges[i].first < ranges[i - 1].second) throw UnsupportedMachO("the segments overlap");
         }
         if (ranges.back().second - ranges.front().first > kLargestImage)
-            throw MachORefused("the segments need more than 256 MiB of memory");
+            throw UnsupportedMachO("the segments need more than 256 MiB of memory");
         image.start = static_cast<std::uint32_t>(ranges.front().first);
         image.end = static_cast<std::uint32_t>(ranges.back().second);
     }
@@ -128,7 +128,7 @@ private:
 
 std::string_view ByteView::Part(std::uint32_t place, std::uint32_t size) const {
     if (place > bytes.size() || bytes.size() - place < size)
-        throw MachORefused("the file is truncated or damaged");
+        throw UnsupportedMachO("the file is truncated or damaged");
     return bytes.substr(place, size);
 }
 
@@ -141,7 +141,7 @@ std::uint32_t ByteView::U32(std::uint32_t place) const {
 std::string_view ByteView::Text(std::uint32_t place) const {
     const std::string_view rest = Part(place, Size() - std::min(place, Size()));
     const std::size_t end = rest.find('\0');
-    if (end == std::string_view::npos) throw MachORefused("a name has no end");
+    if (end == std::string_view::npos) throw UnsupportedMachO("a name has no end");
     return rest.substr(0, end);
 }
 
@@ -152,7 +152,7 @@ std::uint32_t ByteView::Uleb(std::uint32_t& place) const {
         value |= (byte & 0x7F) << shift;
         if (byte < 0x80) return value;
     }
-    throw MachORefused("has a number that is too large");
+    throw UnsupportedMachO("has a number that is too large");
 }
 
 std::int32_t ByteView::Sleb(std::uint32_t& place) const {
@@ -164,7 +164,7 @@ std::int32_t ByteView::Sleb(std::uint32_t& place) const {
         if ((byte & 0x40) != 0 && shift + 7 < 32) value |= ~std::uint32_t{0} << (shift + 7);
         return static_cast<std::int32_t>(value);
     }
-    throw MachORefused("has a number that is too large");
+    throw UnsupportedMachO("has a number that is too large");
 }
 
 ImageFile ReadImageFile(std::string_view bytes) { return Reader(thinPart(bytes)).Read(); }

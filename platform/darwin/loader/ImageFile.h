@@ -13,16 +13,16 @@
 namespace macplatform {
 
 /// Thrown for a file that is damaged or not supported. `what()` describes the fault without the path.
-struct MachORefused : std::runtime_error {
+struct UnsupportedMachO : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 /// Thrown for a file without code for 32-bit Intel.
-struct MachOForOthers : MachORefused {
-    using MachORefused::MachORefused;
+struct WrongMachOArchitecture : UnsupportedMachO {
+    using UnsupportedMachO::UnsupportedMachO;
 };
 
 /// Reads bytes of a file or of memory. The object does not own the bytes. `place` is an offset from the first
-/// byte. A read outside the bytes throws MachORefused.
+/// byte. A read outside the bytes throws UnsupportedMachO.
 class ByteView {
 public:
     explicit ByteView(std::string_view part) : bytes(part) {}
@@ -69,8 +69,8 @@ struct ImageFile {
 };
 
 /// Reads a file with code for one processor, or the 32-bit Intel part of a universal file. The result refers
-/// to `bytes`, which must outlive the result. Throws MachORefused, and MachOForOthers if there is no such
-/// part.
+/// to `bytes`, which must outlive the result. Throws UnsupportedMachO, and WrongMachOArchitecture if there is
+/// no such part.
 ImageFile ReadImageFile(std::string_view bytes);
 
 } // namespace macplatform

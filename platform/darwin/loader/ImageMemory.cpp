@@ -8,7 +8,7 @@ namespace macplatform {
 ImageMemory::ImageMemory(const ImageFile& file) : image(file) {
     void* const mapped =
         mmap(nullptr, file.end - file.start, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapped == MAP_FAILED) throw MachORefused("out of memory");
+    if (mapped == MAP_FAILED) throw UnsupportedMachO("out of memory");
     capacity = static_cast<char*>(mapped);
     slide = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(mapped)) - file.start;
     for (const Segment& segment : file.segments) {
@@ -24,7 +24,7 @@ void ImageMemory::Check(std::uint32_t address) const {
             return;
         }
     }
-    throw MachORefused("a fix-up is outside the segments");
+    throw UnsupportedMachO("a fix-up is outside the segments");
 }
 
 std::uint32_t ImageMemory::Word(std::uint32_t address) const {
@@ -49,7 +49,7 @@ void ImageMemory::Protect() const {
         const int write = (segment.protection & 2) != 0 ? PROT_WRITE : 0;
         const int run = (segment.protection & 4) != 0 ? PROT_EXEC : 0;
         if (segment.size != 0 && mprotect(At(segment.address), segment.size, read | write | run) != 0)
-            throw MachORefused("cannot set the memory protection of the segment " + segment.name);
+            throw UnsupportedMachO("cannot set the memory protection of the segment " + segment.name);
     }
 }
 

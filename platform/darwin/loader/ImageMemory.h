@@ -6,7 +6,7 @@ namespace macplatform {
 
 /// The memory of an image. The constructor allocates the memory and copies the segments of the file. The
 /// distances between the segments are the same as in the file. The memory is writable until `Protect` is
-/// called, and is never unmapped. The functions throw MachORefused.
+/// called, and is never unmapped. The functions throw UnsupportedMachO.
 class ImageMemory {
 public:
     explicit ImageMemory(const ImageFile& file);

@@ -31,7 +31,7 @@ public:
         const auto find = [this](const std::string& name) { return FindImport(name); };
         Bind(file, file.binds, memory, find);
         Bind(file, file.lazyBinds, memory, find);
-        if (!missing.empty()) throw MachORefused("unsupported imports: " + missing);
+        if (!missing.empty()) throw UnsupportedMachO("unsupported imports: " + missing);
     }
 
     /// Protects the memory, registers the unwind entries and runs the initialisers.
@@ -61,7 +61,7 @@ private:
     void RegisterUnwinding(const ImageSection& section) {
         const std::string_view entries = memory.Bytes(section);
         auto* const copy = static_cast<char*>(std::malloc(entries.size() + 4));
-        if (!copy) throw MachORefused("out of memory");
+        if (!copy) throw UnsupportedMachO("out of memory");
         const std::string translated = UnwindEntriesFor(entries, copy);
         std::copy(translated.begin(), translated.end(), copy);
         __register_frame(copy);
@@ -95,10 +95,10 @@ MachOCode* LoadMachO(const std::string& path, BundleFailure& failure) try {
     auto code = std::make_unique<LoadedCode>(std::move(bytes));
     code->Start();
     return code.release();
-} catch (const MachOForOthers& refusal) {
+} catch (const WrongMachOArchitecture& refusal) {
     failure = {BundleFault::kWrongArchitecture, path + ": " + refusal.what()};
     return nullptr;
-} catch (const MachORefused& refusal) {
+} catch (const UnsupportedMachO& refusal) {
     failure = {BundleFault::kCannotLoad, path + ": " + refusal.what()};
     return nullptr;
 }

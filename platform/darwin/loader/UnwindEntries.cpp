@@ -50,7 +50,7 @@ private:
             return;
         }
         const auto found = commons.find(start + 4 - common);
-        if (found == commons.end()) throw MachORefused("an unwind entry has no common entry");
+        if (found == commons.end()) throw UnsupportedMachO("an unwind entry has no common entry");
         ShiftPointer(start + 8);
         std::uint32_t place = start + 16;
         if (found->second.hasData) {
@@ -64,14 +64,15 @@ private:
     /// Translates a common entry up to its instructions, and moves `place` to the instructions.
     CommonEntry TranslateCommon(std::uint32_t& place) {
         CommonEntry common;
-        if (View().U8(place++) != 1) throw MachORefused("unsupported version of an unwind entry");
+        if (View().U8(place++) != 1) throw UnsupportedMachO("unsupported version of an unwind entry");
         const std::string letters(View().Text(place));
         place += static_cast<std::uint32_t>(letters.size()) + 1;
         View().Uleb(place); // code alignment
         View().Sleb(place); // data alignment
         View().U8(place++); // return address register
         if (letters.empty()) return common;
-        if (letters[0] != 'z') throw MachORefused("unsupported augmentation of an unwind entry: " + letters);
+        if (letters[0] != 'z')
+            throw UnsupportedMachO("unsupported augmentation of an unwind entry: " + letters);
         common.hasData = true;
         const std::uint32_t size = View().Uleb(place);
         const std::uint32_t instructions = place + size;
@@ -80,7 +81,7 @@ private:
             const bool isKnown = letter == 'P'
                                      ? encoding == kRelativeIndirect
                                      : (letter == 'L' || letter == 'R') && encoding == kRelativeAddress;
-            if (!isKnown) throw MachORefused("unsupported pointers in an unwind entry");
+            if (!isKnown) throw UnsupportedMachO("unsupported pointers in an unwind entry");
             if (letter == 'L') common.hasLanguageData = true;
             if (letter != 'P') continue;
             ShiftPointer(place);
@@ -153,7 +154,7 @@ private:
             View().Uleb(place);
             break;
         default:
-            throw MachORefused("unsupported unwind instruction: " + std::to_string(byte));
+            throw UnsupportedMachO("unsupported unwind instruction: " + std::to_string(byte));
         }
     }
 

@@ -11,7 +11,7 @@ namespace macplatform {
 ///
 /// In the copy, the numbers of the registers 4 and 5 are exchanged, because the Mac and Linux number these
 /// two registers in the opposite order. Relative pointers are adjusted to the new address. An entry of length
-/// 0 ends the copy. Throws MachORefused for entries that are damaged or not supported.
+/// 0 ends the copy. Throws UnsupportedMachO for entries that are damaged or not supported.
 std::string UnwindEntriesFor(std::string_view section, const char* copy);
 
 } // namespace macplatform

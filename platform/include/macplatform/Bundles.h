@@ -12,14 +12,14 @@ namespace macplatform {
 /// The fault that ended an attempt to load or use a plug-in.
 enum class BundleFault {
     kNone,
-    kNoBundle,           ///< The directory is missing or not a directory, or has no property list.
-    kBrokenPropertyList, ///< The property list cannot be read or is not a dictionary.
-    kMissingKey,         ///< The property list lacks a key, a factory or a type, or a key has a wrong value.
-    kNoExecutable,       ///< The executable is missing, unreadable or not a regular file.
-    kWrongArchitecture,  ///< The executable is for another processor or system, or is not code.
-    kCannotLoad,         ///< The dynamic linker or the Mach-O loader rejected the code, or memory ran out.
-    kSymbolMissing,      ///< The factory function is not exported.
-    kFactoryRefused,     ///< The factory function returned null.
+    kNoBundle,            ///< The directory is missing or not a directory, or has no property list.
+    kBrokenPropertyList,  ///< The property list cannot be read or is not a dictionary.
+    kMissingKey,          ///< The property list lacks a key, a factory or a type, or a key has a wrong value.
+    kNoExecutable,        ///< The executable is missing, unreadable or not a regular file.
+    kWrongArchitecture,   ///< The executable is for another processor or system, or is not code.
+    kCannotLoad,          ///< The dynamic linker or the Mach-O loader rejected the code, or memory ran out.
+    kSymbolMissing,       ///< The factory function is not exported.
+    kFactoryReturnedNull, ///< The factory function returned null.
 };
 
 /// The result of the last attempt to load or use a plug-in.
@@ -34,8 +34,8 @@ struct BundleFailure {
 /// `preferred` is true, else the code for Linux. Only 32-bit x86 processes can run the code for the Mac. In
 /// any other process the function returns false and changes nothing if `preferred` is true. Otherwise the
 /// function returns true.
-bool PreferMacCode(bool preferred);
-bool MacCodeIsPreferred(); ///< Returns the setting of `PreferMacCode`. The default is false.
+bool SetPrefersMacCode(bool preferred);
+bool PrefersMacCode(); ///< Returns the setting of `SetPrefersMacCode`. The default is false.
 
 /// Returns the result of the last call of CFPlugInCreate, CFPlugInInstanceCreate or BundleSymbol in this
 /// process. The next of these calls changes the referenced object.

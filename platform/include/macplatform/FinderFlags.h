@@ -20,7 +20,7 @@ std::optional<std::uint16_t> ReadFinderFlags(const std::string& path);
 /// If `refused` is true, the platform treats every file system as a file system without extended attributes
 /// and stores Finder information in sidecars. If `refused` is false, the platform uses extended attributes
 /// where the file system supports them, which is the default.
-void RefuseExtendedAttributes(bool refused);
+void SimulateMissingExtendedAttributes(bool isSimulated);
 
 } // namespace macplatform
 #pragma GCC visibility pop

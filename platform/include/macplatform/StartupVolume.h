@@ -33,7 +33,7 @@ bool SetStartupVolume(const std::string& folder);
 const std::string& StartupVolume();
 
 /// Determines whether a symbolic link at the end of a path is followed.
-enum class LastLink { kFollow, kKeep };
+enum class LastLink { kFollow, kNoFollow };
 
 /// Converts a path of the Mac to a path of this machine. A path that is redirected to the startup volume
 /// becomes a path inside its directory, with symbolic links resolved. A link at the end of the path is

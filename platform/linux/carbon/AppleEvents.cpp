@@ -141,7 +141,7 @@ bool namesTheTrash(const Storage& event) {
 }
 
 /// Handles a move event as the Finder does: moves the item to the Trash. Returns the Finder's result code.
-OSErr moveAsTheFinderDoes(const Storage& event) {
+OSErr handleMoveEvent(const Storage& event) {
     if (!namesTheTrash(event)) return errAENoSuchObject;
     const auto* const object = event.Find(keyDirectObject);
     if (!object) return errAEDescNotFound;
@@ -163,7 +163,7 @@ OSErr sendEvent(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) 
         return errAEEventNotHandled;
 
     auto replyRecord = std::make_unique<Storage>(kTypeAppleEvent);
-    if (const OSErr failed = moveAsTheFinderDoes(record)) {
+    if (const OSErr failed = handleMoveEvent(record)) {
         putCode(*replyRecord, keyErrorNumber, 'long', SInt32{failed});
         call.SetNote("the Finder returned " + std::to_string(failed));
     }

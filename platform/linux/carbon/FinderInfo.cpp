@@ -20,7 +20,7 @@ namespace {
 constexpr char kMacDisksAttribute[] = "osx.com.apple.FinderInfo";
 constexpr char kAttributeName[] = "user.com.apple.FinderInfo";
 
-bool gAttributesAreRefused = false;
+bool gAttributesAreMissing = false;
 
 enum class Place { kNone, kAttribute, kSidecar };
 
@@ -37,7 +37,7 @@ const char* attributeFor(const std::string& path) {
 /// file system does not support attributes.
 int readAttribute(const std::string& path, FinderInfo& info) {
     struct stat item {};
-    if (gAttributesAreRefused) return lstat(path.c_str(), &item) == 0 ? ENODATA : errno;
+    if (gAttributesAreMissing) return lstat(path.c_str(), &item) == 0 ? ENODATA : errno;
     const ssize_t size = lgetxattr(path.c_str(), attributeFor(path), info.data(), info.size());
     if (size == static_cast<ssize_t>(info.size())) return 0;
     if (size >= 0 || errno == ERANGE) return EIO; // The attribute does not have 32 bytes: it is damaged.
@@ -45,7 +45,7 @@ int readAttribute(const std::string& path, FinderInfo& info) {
 }
 
 int setAttribute(const std::string& path, const FinderInfo& info) {
-    if (gAttributesAreRefused) return ENOTSUP;
+    if (gAttributesAreMissing) return ENOTSUP;
     const char* const name = attributeFor(path);
     if (isEmpty(info) && name == kAttributeName)
         return lremovexattr(path.c_str(), name) == 0 || errno == ENODATA ? 0 : errno;
@@ -85,7 +85,7 @@ int readInfo(const std::string& path, FinderInfo& info, Place& place) {
 
 } // namespace
 
-void RefuseExtendedAttributes(bool refused) { gAttributesAreRefused = refused; }
+void SimulateMissingExtendedAttributes(bool isSimulated) { gAttributesAreMissing = isSimulated; }
 
 int ReadFinderInfo(const std::string& path, FinderInfo& info) {
     Place place;

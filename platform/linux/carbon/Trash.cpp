@@ -72,7 +72,7 @@ std::string homeTrash() {
 
 /// Returns the top directory of the file system that contains the item. `device` is the device of its
 /// directory.
-std::string topOf(const std::string& path, dev_t device) {
+std::string fileSystemTop(const std::string& path, dev_t device) {
     std::string top = folderOf(path);
     for (dev_t above = 0; top != "/" && deviceOf(folderOf(top), above) && above == device;)
         top = folderOf(top);
@@ -99,11 +99,11 @@ TrashFolder trashFor(const std::string& path) {
         own == homes) {
         return {home, ""};
     }
-    return trashAtTop(topOf(path, own));
+    return trashAtTop(fileSystemTop(path, own));
 }
 
 /// Returns whether an item must not be moved to the Trash. The comment of `MoveToTrash` lists these items.
-bool mustStay(const std::string& path, const std::string& trash) {
+bool isProtected(const std::string& path, const std::string& trash) {
     const char* const home = std::getenv("HOME");
     struct stat own {
     }, above{};
@@ -165,7 +165,7 @@ int makeRecord(const std::string& info, const std::string& record) {
 
 /// Reserves an unused name in the Trash: creates the record for the name. Returns the name. Returns an empty
 /// string and sets `errno` after an error.
-std::string claimName(const std::string& path, const TrashFolder& trash) {
+std::string reserveName(const std::string& path, const TrashFolder& trash) {
     const std::string record = recordText(path, trash);
     for (unsigned number = 1; number < 100000; ++number) {
         std::string name = numberedName(nameOf(path), number);
@@ -187,12 +187,12 @@ int MoveToTrash(const std::string& path) {
     struct stat status {};
     if (lstat(path.c_str(), &status) != 0) return errno;
     const TrashFolder trash = trashFor(path);
-    if (mustStay(path, trash.path)) return EBUSY;
+    if (isProtected(path, trash.path)) return EBUSY;
     for (const char* folder : {"", "/files", "/info"}) {
         const std::string each = trash.path + folder;
         if (!makeFolders(each) || (!trash.top.empty() && !isRealFolder(each))) return errno;
     }
-    const std::string name = claimName(path, trash);
+    const std::string name = reserveName(path, trash);
     if (name.empty()) return errno;
     if (rename(path.c_str(), (trash.path + "/files/" + name).c_str()) != 0) {
         const int failed = errno;

@@ -91,7 +91,7 @@ Object& CheckedObject(CFTypeRef reference, const char* function, const ObjectCla
     return object;
 }
 
-void Introduce(Object& object, std::size_t size) noexcept {
+void RegisterObject(Object& object, std::size_t size) noexcept {
     object.references = 1;
     object.size = size;
     object.Register(&describeTracked);

@@ -62,7 +62,7 @@ Object& CheckedObject(CFTypeRef object, const char* function, const ObjectClass&
 
 /// Completes a new object in a block of `size` bytes: sets the number of references to 1 and registers the
 /// object as a tracked object.
-void Introduce(Object& object, std::size_t size) noexcept;
+void RegisterObject(Object& object, std::size_t size) noexcept;
 /// Adds one reference. The caller must own a reference to the object.
 void Retain(const Object& object) noexcept;
 /// Adds one reference to an object whose last reference another thread may release at the same time. Returns
@@ -82,7 +82,7 @@ T* MakeObject(std::size_t extra, Arguments&&... arguments) {
     if (!block) throw std::bad_alloc();
     T* const object = new (block.get()) T(std::forward<Arguments>(arguments)...);
     static_cast<void>(block.release());
-    Introduce(*object, sizeof(T) + extra);
+    RegisterObject(*object, sizeof(T) + extra);
     return object;
 }
 

@@ -16,7 +16,7 @@ const StringObject& toString(const Object& object) { return static_cast<const St
 
 std::string describeString(const Object& object) {
     const std::string text = ReadableUtf8(toString(object).units);
-    return toString(object).shownAs == ShownAs::kName ? text : Quoted(text);
+    return toString(object).displayStyle == DisplayStyle::kName ? text : Quoted(text);
 }
 
 bool equalStrings(const Object& left, const Object& right) {

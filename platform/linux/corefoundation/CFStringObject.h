@@ -16,16 +16,16 @@ extern const ObjectClass kStringClass;
 
 /// Selects how `Describe` shows a string. `kText` adds quotation marks. `kName` adds none: the string is the
 /// name of a constant of the system.
-enum class ShownAs { kText, kName };
+enum class DisplayStyle { kText, kName };
 
 /// The header and the contents of a string. The system's constants are constant-initialised objects.
 /// NewString creates all other strings.
 struct StringObject : Object {
-    constexpr explicit StringObject(std::u16string_view text, ShownAs shown = ShownAs::kText)
-        : Object(kStringClass), units(text), shownAs(shown) {}
+    constexpr explicit StringObject(std::u16string_view text, DisplayStyle shown = DisplayStyle::kText)
+        : Object(kStringClass), units(text), displayStyle(shown) {}
 
     std::u16string_view units; ///< Refers to static storage or to the same block of memory.
-    ShownAs shownAs;
+    DisplayStyle displayStyle;
 };
 
 /// Creates a string. The caller owns the result. For empty `units`, every call returns the same string, which

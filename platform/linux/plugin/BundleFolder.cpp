@@ -93,13 +93,13 @@ BundleFailure checkHeader(const std::string& file, const Elf64_Ehdr& header, std
 
 } // namespace
 
-bool PreferMacCode(bool preferred) {
+bool SetPrefersMacCode(bool preferred) {
     if (preferred && !CanRunMachO()) return false;
     gPrefersMacCode = preferred;
     return true;
 }
 
-bool MacCodeIsPreferred() { return gPrefersMacCode; }
+bool PrefersMacCode() { return gPrefersMacCode; }
 
 BundleFailure OpenBundleFolder(const std::string& path, BundleFolder& bundle) {
     const InternalCallScope internalCalls;

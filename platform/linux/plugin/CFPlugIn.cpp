@@ -95,7 +95,7 @@ void readTables(Bundle& bundle) {
 }
 
 /// Records a failure for each missing CFPlugIn dictionary. The bundle stays open.
-void noteMissingKeys(const Bundle& bundle) {
+void recordMissingKeys(const Bundle& bundle) {
     for (const char* const key : {"CFPlugInTypes", "CFPlugInFactories"}) {
         const PropertyValue* const value = bundle.folder.info.Find(key);
         if (!value || value->kind != PropertyValue::Kind::kDictionary) {
@@ -123,7 +123,7 @@ Bundle* openBundle(const std::string& macPath) {
     Bundle* const bundle = MakeObject<Bundle>(0, std::move(folder));
     openBundles().push_back(bundle);
     readTables(*bundle);
-    noteMissingKeys(*bundle);
+    recordMissingKeys(*bundle);
     return bundle;
 }
 
@@ -251,7 +251,7 @@ void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUID
         instance = make(allocator, type);
     }
     if (make && !instance) {
-        fail(BundleFault::kFactoryRefused,
+        fail(BundleFault::kFactoryReturnedNull,
              "the factory function of " + UuidText(BytesOf(factory, name)) + " returned null");
     }
     return call.Result(instance, instance ? "an instance" : "NULL");

@@ -21,7 +21,7 @@ constexpr int kHardware = 6; // CTL_HW
 /// number.
 constexpr int kCpuFrequency = 100;
 
-std::optional<std::uint64_t>& givenFrequency() {
+std::optional<std::uint64_t>& frequencyOverride() {
     static std::optional<std::uint64_t> gHertz;
     return gHertz;
 }
@@ -70,7 +70,7 @@ std::uint64_t frequencyOfCpuInfo() {
 
 /// Returns the frequency in hertz. Returns 0 if the frequency is unknown, as in some virtual machines.
 std::uint64_t frequency() {
-    if (givenFrequency()) return *givenFrequency();
+    if (frequencyOverride()) return *frequencyOverride();
     const std::uint64_t hertz = frequencyOfGovernor();
     return hertz != 0 ? hertz : frequencyOfCpuInfo();
 }
@@ -82,7 +82,7 @@ int refuse(PlatformCall& call, long errorNumber) {
 
 } // namespace
 
-void macplatform::SetCpuFrequency(std::optional<std::uint64_t> hertz) { givenFrequency() = hertz; }
+void macplatform::SetCpuFrequency(std::optional<std::uint64_t> hertz) { frequencyOverride() = hertz; }
 
 int sysctlnametomib(const char* name, int* mib, std::size_t* count) try {
     PlatformCall call("sysctlnametomib");

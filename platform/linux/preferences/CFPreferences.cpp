@@ -14,10 +14,10 @@ namespace macplatform {
 
 namespace {
 
-constexpr __CFString kAnyUser(u"kCFPreferencesAnyUser", ShownAs::kName);
-constexpr __CFString kCurrentUser(u"kCFPreferencesCurrentUser", ShownAs::kName);
-constexpr __CFString kAnyHost(u"kCFPreferencesAnyHost", ShownAs::kName);
-constexpr __CFString kCurrentHost(u"kCFPreferencesCurrentHost", ShownAs::kName);
+constexpr __CFString kAnyUser(u"kCFPreferencesAnyUser", DisplayStyle::kName);
+constexpr __CFString kCurrentUser(u"kCFPreferencesCurrentUser", DisplayStyle::kName);
+constexpr __CFString kAnyHost(u"kCFPreferencesAnyHost", DisplayStyle::kName);
+constexpr __CFString kCurrentHost(u"kCFPreferencesCurrentHost", DisplayStyle::kName);
 
 const char kOtherScope[] = "not stored: only any user on the current host has preferences here";
 

@@ -23,15 +23,15 @@ using namespace macplatform;
 
 namespace {
 
-constexpr LastLink kFollow = LastLink::kFollow, kKeep = LastLink::kKeep;
+constexpr LastLink kFollow = LastLink::kFollow, kNoFollow = LastLink::kNoFollow;
 
-LastLink linkOf(int flags) { return flags & AT_SYMLINK_NOFOLLOW ? kKeep : kFollow; }
+LastLink linkOf(int flags) { return flags & AT_SYMLINK_NOFOLLOW ? kNoFollow : kFollow; }
 LastLink openLink(int flags) {
-    return (flags & O_NOFOLLOW) || ((flags & O_CREAT) && (flags & O_EXCL)) ? kKeep : kFollow;
+    return (flags & O_NOFOLLOW) || ((flags & O_CREAT) && (flags & O_EXCL)) ? kNoFollow : kFollow;
 }
 
 /// Returns the optional last argument of open, the mode, if the flags can create a file. Returns 0 otherwise.
-unsigned modeBehind(int flags, va_list rest) {
+unsigned optionalMode(int flags, va_list rest) {
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyser does not see the caller's va_start
     return flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, unsigned) : 0;
 }
@@ -63,9 +63,9 @@ private:
 
 /// Defines a call whose first parameter is the path. RESULT is the type of the result. FAILURE is the result
 /// of a failed call. SYMBOL is the function of the C library. NAME is the name in the call log. LINK is
-/// kFollow if the call follows a symbolic link at the end of the path, and kKeep otherwise. PARAMETERS are
-/// the parameters after the path, each with COMMA before it. The last macro argument contains the names of
-/// these parameters, each with COMMA before it.
+/// kFollow if the call follows a symbolic link at the end of the path, and kNoFollow otherwise. PARAMETERS
+/// are the parameters after the path, each with COMMA before it. The last macro argument contains the names
+/// of these parameters, each with COMMA before it.
 #define PATH_CALL(RESULT, FAILURE, SYMBOL, NAME, LINK, PARAMETERS, ...)                                      \
     namespace interposed {                                                                                   \
     RESULT SYMBOL(const char* path PARAMETERS) __asm__(#SYMBOL);                                             \
@@ -101,7 +101,7 @@ private:
         static const auto next = NextDefinition<int(const char*, int, ...)>(#SYMBOL);                        \
         va_list rest;                                                                                        \
         va_start(rest, flags);                                                                               \
-        const unsigned mode = modeBehind(flags, rest);                                                       \
+        const unsigned mode = optionalMode(flags, rest);                                                     \
         va_end(rest);                                                                                        \
         if (!IsRedirected(path)) return next(path, flags, mode);                                             \
         const auto make = [&](const char* hostPath) {                                                        \
@@ -118,7 +118,7 @@ private:
         static const auto next = NextDefinition<int(int, const char*, int, ...)>(#SYMBOL);                   \
         va_list rest;                                                                                        \
         va_start(rest, flags);                                                                               \
-        const unsigned mode = modeBehind(flags, rest);                                                       \
+        const unsigned mode = optionalMode(flags, rest);                                                     \
         va_end(rest);                                                                                        \
         if (!IsRedirected(path)) return next(folder, path, flags, mode);                                     \
         const auto make = [&](const char* hostPath) {                                                        \
@@ -179,8 +179,8 @@ PATH_CALL(int, -1, scandir64, "scandir", kFollow, COMMA void* list COMMA void* f
 // PATH_CALL(result, failure, symbol, name in the call log, last link, parameters, arguments)
 PATH_CALL(int, -1, stat, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL(int, -1, stat64, "stat", kFollow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, lstat, "lstat", kKeep, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, lstat64, "lstat", kKeep, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, lstat, "lstat", kNoFollow, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, lstat64, "lstat", kNoFollow, COMMA void* status, COMMA status)
 PATH_CALL_AT(int, -1, fstatat, "fstatat", linkOf(flags), COMMA void* status COMMA int flags,
              COMMA status COMMA flags)
 PATH_CALL_AT(int, -1, fstatat64, "fstatat", linkOf(flags), COMMA void* status COMMA int flags,
@@ -196,14 +196,14 @@ PATH_CALL(int, -1, euidaccess, "euidaccess", kFollow, COMMA int mode, COMMA mode
 PATH_CALL(int, -1, eaccess, "eaccess", kFollow, COMMA int mode, COMMA mode)
 PATH_CALL_AT(int, -1, faccessat, "faccessat", linkOf(flags), COMMA int mode COMMA int flags,
              COMMA mode COMMA flags)
-PATH_CALL(ssize_t, -1, readlink, "readlink", kKeep, COMMA void* buffer COMMA std::size_t size,
+PATH_CALL(ssize_t, -1, readlink, "readlink", kNoFollow, COMMA void* buffer COMMA std::size_t size,
           COMMA buffer COMMA size)
-PATH_CALL_AT(ssize_t, -1, readlinkat, "readlinkat", kKeep, COMMA void* buffer COMMA std::size_t size,
+PATH_CALL_AT(ssize_t, -1, readlinkat, "readlinkat", kNoFollow, COMMA void* buffer COMMA std::size_t size,
              COMMA buffer COMMA size)
-PATH_CALL(ssize_t, -1, __readlink_chk, "readlink", kKeep,
+PATH_CALL(ssize_t, -1, __readlink_chk, "readlink", kNoFollow,
           COMMA void* buffer COMMA std::size_t size COMMA std::size_t capacity,
           COMMA buffer COMMA size COMMA capacity)
-PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", kKeep,
+PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", kNoFollow,
              COMMA void* buffer COMMA std::size_t size COMMA std::size_t capacity,
              COMMA buffer COMMA size COMMA capacity)
 
@@ -211,8 +211,8 @@ PATH_CALL_AT(ssize_t, -1, __readlinkat_chk, "readlinkat", kKeep,
 // version of the structure of the result. PATH_CALL_AT passes this parameter on unchanged.
 PATH_CALL_AT(int, -1, __xstat, "stat", kFollow, COMMA void* status, COMMA status)
 PATH_CALL_AT(int, -1, __xstat64, "stat", kFollow, COMMA void* status, COMMA status)
-PATH_CALL_AT(int, -1, __lxstat, "lstat", kKeep, COMMA void* status, COMMA status)
-PATH_CALL_AT(int, -1, __lxstat64, "lstat", kKeep, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __lxstat, "lstat", kNoFollow, COMMA void* status, COMMA status)
+PATH_CALL_AT(int, -1, __lxstat64, "lstat", kNoFollow, COMMA void* status, COMMA status)
 #define OLD_FSTATAT_CALL(SYMBOL)                                                                             \
     namespace interposed {                                                                                   \
     int SYMBOL(int version, int folder, const char* path, void* status, int flags) __asm__(#SYMBOL);         \
@@ -227,22 +227,22 @@ PATH_CALL_AT(int, -1, __lxstat64, "lstat", kKeep, COMMA void* status, COMMA stat
     }
 OLD_FSTATAT_CALL(__fxstatat)
 OLD_FSTATAT_CALL(__fxstatat64)
-PATH_CALL_AT(int, -1, __xmknod, "mknod", kKeep, COMMA unsigned mode COMMA dev_t* device,
+PATH_CALL_AT(int, -1, __xmknod, "mknod", kNoFollow, COMMA unsigned mode COMMA dev_t* device,
              COMMA mode COMMA device)
 
 // Calls that change the directory tree.
 // PATH_CALL(result, failure, symbol, name in the call log, last link, parameters, arguments)
-PATH_CALL(int, -1, mkdir, "mkdir", kKeep, COMMA unsigned mode, COMMA mode)
-PATH_CALL_AT(int, -1, mkdirat, "mkdirat", kKeep, COMMA unsigned mode, COMMA mode)
-PATH_CALL(int, -1, mkfifo, "mkfifo", kKeep, COMMA unsigned mode, COMMA mode)
-PATH_CALL_AT(int, -1, mkfifoat, "mkfifoat", kKeep, COMMA unsigned mode, COMMA mode)
-PATH_CALL(int, -1, mknod, "mknod", kKeep, COMMA unsigned mode COMMA dev_t device, COMMA mode COMMA device)
-PATH_CALL_AT(int, -1, mknodat, "mknodat", kKeep, COMMA unsigned mode COMMA dev_t device,
+PATH_CALL(int, -1, mkdir, "mkdir", kNoFollow, COMMA unsigned mode, COMMA mode)
+PATH_CALL_AT(int, -1, mkdirat, "mkdirat", kNoFollow, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, mkfifo, "mkfifo", kNoFollow, COMMA unsigned mode, COMMA mode)
+PATH_CALL_AT(int, -1, mkfifoat, "mkfifoat", kNoFollow, COMMA unsigned mode, COMMA mode)
+PATH_CALL(int, -1, mknod, "mknod", kNoFollow, COMMA unsigned mode COMMA dev_t device, COMMA mode COMMA device)
+PATH_CALL_AT(int, -1, mknodat, "mknodat", kNoFollow, COMMA unsigned mode COMMA dev_t device,
              COMMA mode COMMA device)
-PATH_CALL(int, -1, rmdir, "rmdir", kKeep, , )
-PATH_CALL(int, -1, unlink, "unlink", kKeep, , )
-PATH_CALL_AT(int, -1, unlinkat, "unlinkat", kKeep, COMMA int flags, COMMA flags)
-PATH_CALL(int, -1, remove, "remove", kKeep, , )
+PATH_CALL(int, -1, rmdir, "rmdir", kNoFollow, , )
+PATH_CALL(int, -1, unlink, "unlink", kNoFollow, , )
+PATH_CALL_AT(int, -1, unlinkat, "unlinkat", kNoFollow, COMMA int flags, COMMA flags)
+PATH_CALL(int, -1, remove, "remove", kNoFollow, , )
 PATH_CALL(int, -1, chdir, "chdir", kFollow, , )
 
 // Calls that change an item.
@@ -251,42 +251,43 @@ PATH_CALL(int, -1, chmod, "chmod", kFollow, COMMA unsigned mode, COMMA mode)
 PATH_CALL_AT(int, -1, fchmodat, "fchmodat", linkOf(flags), COMMA unsigned mode COMMA int flags,
              COMMA mode COMMA flags)
 PATH_CALL(int, -1, chown, "chown", kFollow, COMMA unsigned user COMMA unsigned group, COMMA user COMMA group)
-PATH_CALL(int, -1, lchown, "lchown", kKeep, COMMA unsigned user COMMA unsigned group, COMMA user COMMA group)
+PATH_CALL(int, -1, lchown, "lchown", kNoFollow, COMMA unsigned user COMMA unsigned group,
+          COMMA user COMMA group)
 PATH_CALL_AT(int, -1, fchownat, "fchownat", linkOf(flags),
              COMMA unsigned user COMMA unsigned group COMMA int flags, COMMA user COMMA group COMMA flags)
 PATH_CALL(int, -1, utime, "utime", kFollow, COMMA const void* times, COMMA times)
 PATH_CALL(int, -1, utimes, "utimes", kFollow, COMMA const void* times, COMMA times)
-PATH_CALL(int, -1, lutimes, "lutimes", kKeep, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, lutimes, "lutimes", kNoFollow, COMMA const void* times, COMMA times)
 PATH_CALL_AT(int, -1, utimensat, "utimensat", linkOf(flags), COMMA const void* times COMMA int flags,
              COMMA times COMMA flags)
 PATH_CALL(int, -1, truncate, "truncate", kFollow, COMMA long length, COMMA length)
 PATH_CALL(int, -1, truncate64, "truncate", kFollow, COMMA std::int64_t length, COMMA length)
 PATH_CALL(ssize_t, -1, getxattr, "getxattr", kFollow,
           COMMA const char* name COMMA void* value COMMA std::size_t size, COMMA name COMMA value COMMA size)
-PATH_CALL(ssize_t, -1, lgetxattr, "lgetxattr", kKeep,
+PATH_CALL(ssize_t, -1, lgetxattr, "lgetxattr", kNoFollow,
           COMMA const char* name COMMA void* value COMMA std::size_t size, COMMA name COMMA value COMMA size)
 PATH_CALL(int, -1, setxattr, "setxattr", kFollow,
           COMMA const char* name COMMA const void* value COMMA std::size_t size COMMA int flags,
           COMMA name COMMA value COMMA size COMMA flags)
-PATH_CALL(int, -1, lsetxattr, "lsetxattr", kKeep,
+PATH_CALL(int, -1, lsetxattr, "lsetxattr", kNoFollow,
           COMMA const char* name COMMA const void* value COMMA std::size_t size COMMA int flags,
           COMMA name COMMA value COMMA size COMMA flags)
 PATH_CALL(ssize_t, -1, listxattr, "listxattr", kFollow, COMMA void* names COMMA std::size_t size,
           COMMA names COMMA size)
-PATH_CALL(ssize_t, -1, llistxattr, "llistxattr", kKeep, COMMA void* names COMMA std::size_t size,
+PATH_CALL(ssize_t, -1, llistxattr, "llistxattr", kNoFollow, COMMA void* names COMMA std::size_t size,
           COMMA names COMMA size)
 PATH_CALL(int, -1, removexattr, "removexattr", kFollow, COMMA const char* name, COMMA name)
-PATH_CALL(int, -1, lremovexattr, "lremovexattr", kKeep, COMMA const char* name, COMMA name)
+PATH_CALL(int, -1, lremovexattr, "lremovexattr", kNoFollow, COMMA const char* name, COMMA name)
 
 // These functions are called by 32-bit programs with 64-bit times.
 #if __WORDSIZE == 32
 PATH_CALL(int, -1, __stat64_time64, "stat", kFollow, COMMA void* status, COMMA status)
-PATH_CALL(int, -1, __lstat64_time64, "lstat", kKeep, COMMA void* status, COMMA status)
+PATH_CALL(int, -1, __lstat64_time64, "lstat", kNoFollow, COMMA void* status, COMMA status)
 PATH_CALL_AT(int, -1, __fstatat64_time64, "fstatat", linkOf(flags), COMMA void* status COMMA int flags,
              COMMA status COMMA flags)
 PATH_CALL(int, -1, __utime64, "utime", kFollow, COMMA const void* times, COMMA times)
 PATH_CALL(int, -1, __utimes64, "utimes", kFollow, COMMA const void* times, COMMA times)
-PATH_CALL(int, -1, __lutimes64, "lutimes", kKeep, COMMA const void* times, COMMA times)
+PATH_CALL(int, -1, __lutimes64, "lutimes", kNoFollow, COMMA const void* times, COMMA times)
 PATH_CALL_AT(int, -1, __utimensat64, "utimensat", linkOf(flags), COMMA const void* times COMMA int flags,
              COMMA times COMMA flags)
 #endif
@@ -319,7 +320,8 @@ namespace {
 /// Makes a call with two paths on the startup volume. `fromLink` says whether a symbolic link at the end of
 /// `from` is followed. A link at the end of `to` is not followed.
 template <typename Make>
-int callOfTwo(const char* name, const char* from, const char* to, Make make, LastLink fromLink = kKeep) try {
+int callWithTwoPaths(const char* name, const char* from, const char* to, Make make,
+                     LastLink fromLink = kNoFollow) try {
     const std::string hostFrom = HostPathOf(from, fromLink);
     const int unresolved = *from ? errno : ENOENT;
     const auto makeBoth = [&](const char* hostTo) {
@@ -327,7 +329,7 @@ int callOfTwo(const char* name, const char* from, const char* to, Make make, Las
         errno = unresolved;
         return -1;
     };
-    return CallOnVolume<int>(name, -1, kKeep, to, makeBoth, from, to);
+    return CallOnVolume<int>(name, -1, kNoFollow, to, makeBoth, from, to);
 } catch (const std::bad_alloc&) {
     errno = ENOMEM;
     return -1;
@@ -363,31 +365,31 @@ char* mkdtemp(char* path) __asm__("mkdtemp");
 
 int interposed::rename(const char* from, const char* to) {
     static const auto next = NextDefinition<int(const char*, const char*)>("rename");
-    return eitherIsRedirected(from, to) ? callOfTwo("rename", from, to, next) : next(from, to);
+    return eitherIsRedirected(from, to) ? callWithTwoPaths("rename", from, to, next) : next(from, to);
 }
 
 int interposed::renameat(int fromFolder, const char* from, int toFolder, const char* to) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*)>("renameat");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t); };
-    return eitherIsRedirected(from, to) ? callOfTwo("renameat", from, to, make) : make(from, to);
+    return eitherIsRedirected(from, to) ? callWithTwoPaths("renameat", from, to, make) : make(from, to);
 }
 
 int interposed::renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*, unsigned)>("renameat2");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t, flags); };
-    return eitherIsRedirected(from, to) ? callOfTwo("renameat2", from, to, make) : make(from, to);
+    return eitherIsRedirected(from, to) ? callWithTwoPaths("renameat2", from, to, make) : make(from, to);
 }
 
 int interposed::link(const char* from, const char* to) {
     static const auto next = NextDefinition<int(const char*, const char*)>("link");
-    return eitherIsRedirected(from, to) ? callOfTwo("link", from, to, next) : next(from, to);
+    return eitherIsRedirected(from, to) ? callWithTwoPaths("link", from, to, next) : next(from, to);
 }
 
 int interposed::linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) {
     static const auto next = NextDefinition<int(int, const char*, int, const char*, int)>("linkat");
     const auto make = [&](const char* f, const char* t) { return next(fromFolder, f, toFolder, t, flags); };
-    const LastLink link = flags & AT_SYMLINK_FOLLOW ? kFollow : kKeep;
-    return eitherIsRedirected(from, to) ? callOfTwo("linkat", from, to, make, link) : make(from, to);
+    const LastLink link = flags & AT_SYMLINK_FOLLOW ? kFollow : kNoFollow;
+    return eitherIsRedirected(from, to) ? callWithTwoPaths("linkat", from, to, make, link) : make(from, to);
 }
 
 /// Creates a symbolic link and does not convert its target. The target is redirected when a call follows the
@@ -396,14 +398,14 @@ int interposed::symlink(const char* target, const char* path) {
     static const auto next = NextDefinition<int(const char*, const char*)>("symlink");
     if (!IsRedirected(path)) return next(target, path);
     const auto make = [&](const char* hostPath) { return next(target, hostPath); };
-    return CallOnVolume<int>("symlink", -1, kKeep, path, make, target, path);
+    return CallOnVolume<int>("symlink", -1, kNoFollow, path, make, target, path);
 }
 
 int interposed::symlinkat(const char* target, int folder, const char* path) {
     static const auto next = NextDefinition<int(const char*, int, const char*)>("symlinkat");
     if (!IsRedirected(path)) return next(target, folder, path);
     const auto make = [&](const char* hostPath) { return next(target, folder, hostPath); };
-    return CallOnVolume<int>("symlinkat", -1, kKeep, path, make, target, path);
+    return CallOnVolume<int>("symlinkat", -1, kNoFollow, path, make, target, path);
 }
 
 namespace {
@@ -444,7 +446,7 @@ namespace {
 template <typename Result, typename Make>
 Result callWithTemplate(const char* name, Result failure, char* path, Make make, int suffix = 0) {
     return CallOnVolume<Result>(
-        name, failure, kKeep, path,
+        name, failure, kNoFollow, path,
         [&](const char* hostPath) {
             std::string filled = hostPath;
             const Result result = make(filled.data());

@@ -29,7 +29,7 @@ void ByteStream::Skip(int n) { SetPosition(GetPosition() + static_cast<unsigned 
 
 // Reading
 
-void ByteStream::RefuseNumber(unsigned int width) const {
+void ByteStream::ThrowReadError(unsigned int width) const {
     throw failure(String("Can't extract %1 bytes at position %2, total size %3")
                       .Arg(width)
                       .Arg(position)

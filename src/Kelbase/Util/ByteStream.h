@@ -107,12 +107,12 @@ private:
     bool IsLittleEndian() const { return endianType <= EndianLittle; }
     /// Returns whether the stream has `count` bytes from the position on.
     bool Holds(unsigned long long count) const { return position + count <= data.Size(); }
-    [[noreturn]] void RefuseNumber(unsigned int width) const;
+    [[noreturn]] void ThrowReadError(unsigned int width) const;
 
     /// Reads a number that the stream stores as `Stored`.
     template <typename Stored, typename T>
     DataStream& ReadAs(T& v) {
-        if (!Holds(sizeof(Stored))) RefuseNumber(sizeof(Stored));
+        if (!Holds(sizeof(Stored))) ThrowReadError(sizeof(Stored));
         v = static_cast<T>(ByteOrder::Decode<Stored>(data.Data() + position, IsLittleEndian()));
         position += static_cast<unsigned int>(sizeof(Stored));
         return *this;

@@ -46,7 +46,7 @@ std::size_t capacityToGrow(std::size_t length) {
 
 } // namespace
 
-void RefuseLength() { throw std::length_error("String: too long"); }
+void ThrowLengthError() { throw std::length_error("String: too long"); }
 
 /// Allocates a buffer with one holder and writes the terminating NUL. The caller writes the bytes. Both sizes
 /// must have been checked with `CheckedLength`. Throws `std::bad_alloc`.

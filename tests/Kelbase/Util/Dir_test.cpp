@@ -148,7 +148,7 @@ TEST(DirListing, OmitsUnreachableEntries) {
     std::filesystem::permissions(folder.Path(), std::filesystem::perms(0755));
     std::filesystem::permissions(folder / "closed", std::filesystem::perms(0));
     std::filesystem::permissions(folder / "names only", std::filesystem::perms(0444));
-    EXPECT_TRUE(HoldsForAnyUser([&] {
+    EXPECT_TRUE(IsTrueForAnyUser([&] {
         return filesIn(folder / "closed").empty() && filesIn(folder / "names only", "", true).empty() &&
                foldersIn(folder.Path()).size() == 2;
     }));

@@ -77,8 +77,8 @@ std::vector<std::string> withEachCallFailing(const char* source, const std::stri
         fixture.names.clear();
         const std::size_t left = LiveBlocks();
         if (!failing.Name()) {
-            TallyFault("file call or allocation of the library failing", number,
-                       testing::Test::HasFailure() ? 1 : 0);
+            PrintFaultTally("file call or allocation of the library failing", number,
+                            testing::Test::HasFailure() ? 1 : 0);
             return outcomes;
         }
         EXPECT_EQ(left, blocks) << "leak after the failure of call " << number << ", " << failing.Name();
@@ -248,5 +248,5 @@ TEST(Faults, FailedAllocationsLeaveStringsAndStreamsUnchanged) {
         }
     }
     EXPECT_GT(tally, 2 * std::size(works));
-    TallyFault("allocation of a text or stream failing", tally, HasFailure() ? 1 : 0);
+    PrintFaultTally("allocation of a text or stream failing", tally, HasFailure() ? 1 : 0);
 }

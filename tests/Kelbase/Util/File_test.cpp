@@ -188,7 +188,7 @@ TEST(File, ReportsErrorsOfTheSystem) {
     struct stat status;
     ASSERT_EQ(stat(name.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 04000U);
-    EXPECT_TRUE(HoldsForAnyUser([&] {
+    EXPECT_TRUE(IsTrueForAnyUser([&] {
         return file.Exists() && !file.IsReadable() && !file.IsWritable() && given(file.Size()) == 3 &&
                failure(name, [&] { file.Open(File::Read); }) == "288 1 13: Error opening file";
     }));

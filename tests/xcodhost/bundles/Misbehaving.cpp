@@ -113,8 +113,8 @@ HRESULT refuseInterface(void*, REFIID, LPVOID* result) {
     *result = nullptr;
     return E_NOINTERFACE;
 }
-PlugInFunctions gGoodBlock = {nullptr, &GiveInterface, &CountNothing, &CountNothing, &deliver};
-PlugInFunctions gRefusingBlock = {nullptr, &refuseInterface, &CountNothing, &CountNothing, &deliver};
+PlugInFunctions gGoodBlock = {nullptr, &GiveInterface, &IgnoreReference, &IgnoreReference, &deliver};
+PlugInFunctions gRefusingBlock = {nullptr, &refuseInterface, &IgnoreReference, &IgnoreReference, &deliver};
 PlugInFunctions* gGood = &gGoodBlock;
 PlugInFunctions* gRefusing = &gRefusingBlock;
 

@@ -10,12 +10,12 @@ namespace {
 
 /// Expects that each error bit keeps its value, except bit 0 of a rejected call.
 void expectFlagsKept(CheckRun& run, ParameterBlock block, Entry entry) {
-    const bool isRefused = block.Selector() != kInstallerSelector;
+    const bool isReadError = block.Selector() != kInstallerSelector;
     for (int bit = 0; bit < 34; ++bit) {
         const std::uint32_t given = bit == 32 ? 0xFFFFFFFE : bit == 33 ? 0xFFFFFFFF : std::uint32_t{1} << bit;
         block.SetErrorFlags(given);
         const std::uint32_t after = run.Deliver(block, entry).flagsAfter;
-        const std::uint32_t mask = isRefused ? 0xFFFFFFFE : 0xFFFFFFFF;
+        const std::uint32_t mask = isReadError ? 0xFFFFFFFE : 0xFFFFFFFF;
         run.Expect((after & mask) == (given & mask), "error flags " + Hex(given, 8) + " are kept",
                    Hex(after, 8));
     }

@@ -29,7 +29,7 @@ auto reading(CheckRun& run, const char* expected, Read read) {
         return read();
     } catch (const Refusal& refusal) {
         run.Fail(expected, refusal.what());
-        throw Stopped{};
+        throw RunStopped{};
     }
 }
 

@@ -48,9 +48,9 @@ void allocatorIsIgnored(CheckRun& run) {
 
 void instanceLiesInPointerBlock(CheckRun& run) {
     bool hasAsked = false;
-    run.AtEachCall([&](const macplatform::RecordedCall& entry) { hasAsked |= entry.call == "NewPtr"; });
+    run.SetCallListener([&](const macplatform::RecordedCall& entry) { hasAsked |= entry.call == "NewPtr"; });
     run.Bundle().MakeInstance();
-    run.AtEachCall({});
+    run.SetCallListener({});
     run.Expect(hasAsked, "the instance is allocated by NewPtr", "NewPtr was not called");
 }
 

@@ -62,7 +62,7 @@ void expectHarmless(CheckRun& run, const std::vector<std::string>& names, long c
     }
 }
 
-void refusedPreferencesAreHarmless(CheckRun& run) {
+void failedPreferencesAreHarmless(CheckRun& run) {
     expectHarmless(run, {"CFPreferencesSetValue", "CFPreferencesSynchronize"}, 0);
 }
 void missingStringsAreHarmless(CheckRun& run) {
@@ -70,13 +70,13 @@ void missingStringsAreHarmless(CheckRun& run) {
         run, {"CFStringCreateWithCString", "CFStringCreateWithBytes", "CFStringCreateWithCharacters"}, 0);
 }
 void missingNumbersAreHarmless(CheckRun& run) { expectHarmless(run, {"CFNumberCreate"}, 0); }
-void refusedFinderCallsAreHarmless(CheckRun& run) {
+void failedFinderCallsAreHarmless(CheckRun& run) {
     expectHarmless(run,
                    {"CFURLCreateWithFileSystemPath", "CFURLGetFSRef", "FSPathMakeRef", "FSGetCatalogInfo",
                     "FSSetCatalogInfo"},
                    -5000);
 }
-void refusedFileCallsAreHarmless(CheckRun& run) {
+void failedFileCallsAreHarmless(CheckRun& run) {
     expectHarmless(run, {"access", "stat", "fopen", "open", "openat"}, EIO);
 }
 
@@ -123,7 +123,7 @@ std::vector<Check> FaultChecks() {
     const std::vector<const char*> events = {"pre-install.nothing-else", "post-install.nothing-else",
                                              "process.objects"};
     return {
-        Check("faults.preferences", &refusedPreferencesAreHarmless, events)
+        Check("faults.preferences", &failedPreferencesAreHarmless, events)
             .Claim("A failed preference call causes no error bit, no half-written file and no leak.")
             .Reason("The check makes each call that sets or synchronises a preference fail in turn."),
         Check("faults.no-string", &missingStringsAreHarmless, events)
@@ -132,14 +132,14 @@ std::vector<Check> FaultChecks() {
         Check("faults.no-number", &missingNumbersAreHarmless, events)
             .Claim("A number that cannot be created causes no harm, and the stored value stays.")
             .Reason("Setting a preference to null removes the stored value."),
-        Check("faults.finder", &refusedFinderCallsAreHarmless, events)
+        Check("faults.finder", &failedFinderCallsAreHarmless, events)
             .Claim("A failed Finder call causes no harm.")
             .Reason("The check makes each call that reads or writes the Finder information fail in turn."),
         Check("faults.finder-apart", &finderFaultLeavesOther,
               {"finder.folder", "finder.icon", "finder.other-items"})
             .Claim("If the Finder information of one item cannot be read, the other item gets its flags.")
             .Reason("Post-install processes the folder and its icon file separately."),
-        Check("faults.files", &refusedFileCallsAreHarmless, events)
+        Check("faults.files", &failedFileCallsAreHarmless, events)
             .Claim("A failed call for the status file causes no harm.")
             .Reason("The check makes each call that finds or opens a file fail in turn."),
         Check("faults.broken-list", &brokenFileIsLeft, {"dispatch.pre-install", "dispatch.post-install"})

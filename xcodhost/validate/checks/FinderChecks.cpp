@@ -52,7 +52,7 @@ void expectFinderFlags(CheckRun& run, const char* macPath, std::uint16_t mask, s
 }
 
 void folderFlagsAreSet(CheckRun& run) {
-    expectFinderFlags(run, kMakersFolder, kInvisibleFlag | kCustomIconFlag, kCustomIconFlag);
+    expectFinderFlags(run, kVendorFolder, kInvisibleFlag | kCustomIconFlag, kCustomIconFlag);
 }
 void iconIsHidden(CheckRun& run) {
     expectFinderFlags(run, kIconFile, kInvisibleFlag | kCustomIconFlag, kInvisibleFlag);
@@ -60,7 +60,7 @@ void iconIsHidden(CheckRun& run) {
 
 void otherFlagsStay(CheckRun& run) {
     constexpr std::uint16_t others = 0xFFFE & ~(kInvisibleFlag | kCustomIconFlag);
-    for (const char* const path : {kMakersFolder, kIconFile}) {
+    for (const char* const path : {kVendorFolder, kIconFile}) {
         for (const std::uint16_t before : {others, std::uint16_t{0x000E}, std::uint16_t{0x8000}}) {
             run.UseFreshVolume();
             run.Interface();
@@ -78,7 +78,7 @@ void otherFlagsStay(CheckRun& run) {
 void otherItemsKeepFlags(CheckRun& run) {
     for (const std::int32_t product : {4900, 1234}) {
         for (const FinderFlagChange& change : run.Deliver(Event(kPostInstall, product)).changes.finderFlags) {
-            run.Expect(change.path == kMakersFolder || change.path == kIconFile,
+            run.Expect(change.path == kVendorFolder || change.path == kIconFile,
                        "no other item's Finder flags change",
                        Printable(change.path) + ": " + Describe(change.flag));
         }
@@ -96,7 +96,7 @@ void missingIconLeavesFolder(CheckRun& run) {
     sample.hasIcon = false;
     run.UseFreshVolume(sample);
     run.Deliver(Event(kPostInstall, 4900));
-    const std::uint16_t flags = flagsOf(run, kMakersFolder);
+    const std::uint16_t flags = flagsOf(run, kVendorFolder);
     run.Expect((flags & kCustomIconFlag) != 0,
                "the custom icon flag of the folder is set without an icon file", Hex(flags, 4));
 }

@@ -171,7 +171,7 @@ void nothingIsWrittenOutside(CheckRun& run) {
             CheckRun inner(run.BundlePath(), folder, channel);
             watch();
             liveOnce(inner);
-        } catch (const Stopped&) { // the finding is already reported
+        } catch (const RunStopped&) { // the finding is already reported
         }
     };
     const WatchedRun watched = WatchWrites(folder, run.Parent(), runWatched);

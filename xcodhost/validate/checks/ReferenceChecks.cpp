@@ -68,7 +68,7 @@ void lastReleaseFrees(CheckRun& run) {
 void releaseInsideCall(CheckRun& run) {
     FunctionBlock** const interface = run.Interface();
     bool isReleased = false;
-    run.AtEachCall([&](const macplatform::RecordedCall& entry) {
+    run.SetCallListener([&](const macplatform::RecordedCall& entry) {
         if (isReleased || entry.call != "CFPreferencesSetValue") return;
         isReleased = true;
         (*interface)->Release(interface);

@@ -11,11 +11,13 @@ namespace {
 constexpr std::uint16_t kWrongSelectors[] = {0, 7, 999, 1001, 0xFFFF};
 constexpr std::uint16_t kSteps[] = {kPreInstall, kPostInstall};
 
-ParameterBlock refused(std::uint16_t step, std::uint16_t selector = 7) { return {selector, step, 4900, 0}; }
+ParameterBlock rejectedBlock(std::uint16_t step, std::uint16_t selector = 7) {
+    return {selector, step, 4900, 0};
+}
 
 void nullBlockDoesNothing(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
-        const Outcome outcome = run.DeliverNothing(step);
+        const Outcome outcome = run.DeliverNullBlock(step);
         run.ExpectNoEffect(outcome);
         run.Expect(outcome.alerts.empty(), "no alert", Describe(outcome.alerts));
     }
@@ -24,7 +26,7 @@ void nullBlockDoesNothing(CheckRun& run) {
 void stepsReturn(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
         run.Deliver(Event(step, 4900), Entry::kStep);
-        run.Deliver(refused(step), Entry::kStep);
+        run.Deliver(rejectedBlock(step), Entry::kStep);
     }
 }
 
@@ -45,7 +47,7 @@ template <typename Inspect>
 void forEachRefusal(CheckRun& run, Inspect inspect) {
     for (const std::uint16_t step : kSteps) {
         for (const std::uint16_t selector : kWrongSelectors) {
-            inspect(run.Deliver(refused(step, selector), Entry::kStep));
+            inspect(run.Deliver(rejectedBlock(step, selector), Entry::kStep));
         }
     }
 }
@@ -93,7 +95,7 @@ void refusalSetsBit(CheckRun& run) {
 void refusalKeepsOtherBits(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
         for (const std::uint32_t given : {0xFFFFFFFEU, 0x80000000U, 0x00010002U}) {
-            ParameterBlock block = refused(step);
+            ParameterBlock block = rejectedBlock(step);
             block.SetErrorFlags(given);
             const std::uint32_t after = run.Deliver(block, Entry::kStep).flagsAfter;
             run.Expect((after & ~1U) == given, "the other bits of " + Hex(given, 8) + " are kept",
@@ -102,15 +104,15 @@ void refusalKeepsOtherBits(CheckRun& run) {
     }
 }
 
-void refusalDoesNothingElse(CheckRun& run) {
+void rejectionHasNoOtherEffect(CheckRun& run) {
     forEachRefusal(run, [&](const Outcome& outcome) { run.ExpectNoEffect(outcome); });
 }
 
 void chosenButtonDoesNotMatter(CheckRun& run) {
     for (const std::uint16_t step : kSteps) {
         for (const int button : {-1, 0, 1, 7}) {
-            run.Answer(button);
-            const Outcome outcome = run.Deliver(refused(step), Entry::kStep);
+            run.SetChosenButton(button);
+            const Outcome outcome = run.Deliver(rejectedBlock(step), Entry::kStep);
             run.Expect((outcome.flagsAfter & 1) != 0 && outcome.alerts.size() == 2,
                        "both alerts and the error bit for any answer",
                        Describe(outcome.alerts) + ", error flags " + Hex(outcome.flagsAfter, 8));
@@ -163,7 +165,7 @@ std::vector<Check> StepChecks() {
         Check("steps.other-bits", &refusalKeepsOtherBits, direct)
             .Claim("A rejected call of a step does not change the other error bits.")
             .Reason("The other bits belong to the host and to other plug-ins."),
-        Check("steps.refused-idle", &refusalDoesNothingElse, direct)
+        Check("steps.refused-idle", &rejectionHasNoOtherEffect, direct)
             .Claim("A rejected call of a step has no effect on the volume.")
             .Reason("The step stores no preference and sets no Finder flag."),
         Check("steps.answer", &chosenButtonDoesNotMatter,

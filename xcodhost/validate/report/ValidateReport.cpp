@@ -72,7 +72,7 @@ Json toJson(const BundleResult& bundle) {
                                       {"stored", cell.seen},
                                       {"right", cell.isRight}});
     }
-    const ValidationVerdict verdict = Judge(bundle);
+    const ValidationVerdict verdict = VerdictOf(bundle);
     value["verdict"] = verdict.text;
     value["exitStatus"] = static_cast<int>(verdict.status);
     return value;
@@ -85,7 +85,7 @@ std::string ValidateReport(const std::vector<BundleResult>& bundles, const Valid
     std::string text;
     for (const BundleResult& bundle : bundles) {
         text += bundleText(bundle, style);
-        if (bundles.size() > 1) text += Judge(bundle).text + "\n\n";
+        if (bundles.size() > 1) text += VerdictOf(bundle).text + "\n\n";
     }
     const bool isGood = verdict.status == ExitStatus::kDone;
     return text + (isGood ? style.Good(verdict.text) : style.Bad(verdict.text)) + '\n';
@@ -114,7 +114,7 @@ std::vector<std::string> FindingLines(const CheckResult& result) {
 }
 
 std::string RepeatCommand(const std::string& bundle, const CheckResult& result) {
-    const char* const mac = macplatform::MacCodeIsPreferred() ? " --mac" : "";
+    const char* const mac = macplatform::PrefersMacCode() ? " --mac" : "";
     return "xcodhost validate " + shellQuoted(bundle) + mac + " --include " + result.check->id;
 }
 
@@ -122,8 +122,8 @@ const char* StateName(CheckResult::State state) {
     return state == State::kPassed ? "passed" : state == State::kFailed ? "failed" : "not run";
 }
 
-ValidationVerdict Judge(const BundleResult& bundle) {
-    return Judge(std::vector<const BundleResult*>{&bundle});
+ValidationVerdict VerdictOf(const BundleResult& bundle) {
+    return VerdictOf(std::vector<const BundleResult*>{&bundle});
 }
 
 } // namespace xcodhost

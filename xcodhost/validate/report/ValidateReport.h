@@ -27,6 +27,6 @@ std::string RepeatCommand(const std::string& bundle, const CheckResult& result);
 const char* StateName(CheckResult::State state);
 
 /// Returns the verdict on one bundle.
-ValidationVerdict Judge(const BundleResult& bundle);
+ValidationVerdict VerdictOf(const BundleResult& bundle);
 
 } // namespace xcodhost

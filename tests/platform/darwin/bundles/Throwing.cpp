@@ -30,7 +30,7 @@ void deliver(char* block) {
     }
 }
 
-PlugInFunctions gFunctions = {nullptr, &GiveInterface, &CountNothing, &CountNothing, &deliver};
+PlugInFunctions gFunctions = {nullptr, &GiveInterface, &IgnoreReference, &IgnoreReference, &deliver};
 PlugInFunctions* gInstance = &gFunctions;
 
 } // namespace

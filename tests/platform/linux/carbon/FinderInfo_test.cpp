@@ -47,7 +47,7 @@ const std::string kSampleBytes = "TEXTttxt" + toBytes({0x44, 0, 1, 2, 0, 3, 0, 0
 
 class FinderInfoTest : public testing::Test {
 protected:
-    ~FinderInfoTest() override { RefuseExtendedAttributes(false); }
+    ~FinderInfoTest() override { SimulateMissingExtendedAttributes(false); }
 
     TemporaryFolder folder;
     std::string file = folder.Write("file", "data");
@@ -102,17 +102,17 @@ TEST_F(FinderInfoTest, CanBeChangedByTheOwnerOnly) {
     chmod(own.c_str(), 0444);
     ASSERT_EQ(SetFinderInfo(file, kSampleFile), noErr);
     chmod(file.c_str(), 0444);
-    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(own, kSampleFile) == noErr; }));
+    EXPECT_TRUE(IsTrueForAnyUser([&] { return SetFinderInfo(own, kSampleFile) == noErr; }));
     EXPECT_EQ(readAttribute(own), kSampleBytes);
     EXPECT_EQ(fs::status(own).permissions(), fs::perms(0444));
     // Any user may set the bytes that the item already has.
-    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, kSampleFile) == noErr; }));
-    EXPECT_TRUE(HoldsForAnyUser([&] { return SetFinderInfo(file, FileInfo{}) == permErr; }));
+    EXPECT_TRUE(IsTrueForAnyUser([&] { return SetFinderInfo(file, kSampleFile) == noErr; }));
+    EXPECT_TRUE(IsTrueForAnyUser([&] { return SetFinderInfo(file, FileInfo{}) == permErr; }));
     EXPECT_EQ(readAttribute(file), kSampleBytes);
 }
 
 TEST_F(FinderInfoTest, IsStoredInASidecarWithoutAttributeSupport) {
-    RefuseExtendedAttributes(true);
+    SimulateMissingExtendedAttributes(true);
     ASSERT_EQ(SetFinderInfo(file, kSampleFile), noErr);
     const std::string header = toBytes({0, 5, 0x16, 7, 0, 2, 0, 0}) + std::string(16, '\0') +
                                toBytes({0, 2, 0, 0, 0, 9, 0, 0, 0, 50, 0, 0, 0, 32}) +
@@ -127,7 +127,7 @@ TEST_F(FinderInfoTest, IsStoredInASidecarWithoutAttributeSupport) {
     EXPECT_TRUE(fs::is_empty(folder / "sub"));
 
     // When attributes are supported again, the sidecar is still used while the item has no attribute.
-    RefuseExtendedAttributes(false);
+    SimulateMissingExtendedAttributes(false);
     ASSERT_EQ(SetFinderInfo(file, FileInfo{}), noErr);
     EXPECT_EQ(ReadBytes(folder / "._file"), header + std::string(32, '\0'));
     EXPECT_EQ(readAttribute(file), "ENODATA");
@@ -155,7 +155,7 @@ TEST_F(FinderInfoTest, ChangesOnly32BytesOfASidecarOfAnotherProgram) {
 }
 
 TEST_F(FinderInfoTest, IgnoresAndKeepsADamagedSidecar) {
-    RefuseExtendedAttributes(true);
+    SimulateMissingExtendedAttributes(true);
     std::vector<std::string> broken;
     for (std::size_t length = 0; length < 92; ++length) broken.push_back(foreignSidecar().substr(0, length));
     const auto change = [&](std::size_t at, const std::string& bytes) {

@@ -82,7 +82,7 @@ TEST_F(PreferencesSurvival, OfAKillAtEverySystemCall) {
     }
     EXPECT_GT(stop, 40U);
     EXPECT_EQ(lost, 0U);
-    TallyFault("synchronisation killed at a system call", stop, lost);
+    PrintFaultTally("synchronisation killed at a system call", stop, lost);
 }
 
 TEST_F(PreferencesSurvival, OfManyWritersAtOnce) {
@@ -99,8 +99,8 @@ TEST_F(PreferencesSurvival, OfManyWritersAtOnce) {
     for (unsigned writer = 0; writer < writers; ++writer) ASSERT_GT(wait(nullptr), 0);
     const auto stored = macplatform::ReadPropertyList(File().string()).root.keys.size();
     EXPECT_EQ(stored, writers * keys);
-    TallyFault("keys set by 32 processes at once", writers * keys,
-               static_cast<unsigned>(writers * keys - stored));
+    PrintFaultTally("keys set by 32 processes at once", writers * keys,
+                    static_cast<unsigned>(writers * keys - stored));
 }
 
 TEST_F(PreferencesSurvival, OfALockHeldByAnotherWriter) {

@@ -159,7 +159,7 @@ TEST_F(Preferences, FailIfTheDirectoryIsReadOnly) {
     std::filesystem::permissions(volume.Path(), std::filesystem::perms(0755));
     const std::string before = ReadBytes(File());
     std::filesystem::permissions(volume / "Library/Preferences", std::filesystem::perms(0555));
-    EXPECT_TRUE(HoldsForAnyUser([] {
+    EXPECT_TRUE(IsTrueForAnyUser([] {
         Set("Lang", "ja");
         return !Synchronise();
     }));

@@ -55,9 +55,10 @@ TEST_F(StartupVolumeTest, RedirectsMacPaths) {
         {"dot-dot before the first name", "/nowhere/../Users/ann", "/Users/ann"},
     };
     for (const auto& row : rows) EXPECT_EQ(HostPath(row.path), root + row.onVolume) << row.condition;
-    EXPECT_EQ(HostPath("/Library/relative", LastLink::kKeep), root + "/Library/relative");
-    EXPECT_EQ(HostPath("/Library/relative/toFile", LastLink::kKeep), root + "/Library/Preferences/toFile");
-    EXPECT_EQ(HostPath("/Library/relative/", LastLink::kKeep), root + "/Library/Preferences/");
+    EXPECT_EQ(HostPath("/Library/relative", LastLink::kNoFollow), root + "/Library/relative");
+    EXPECT_EQ(HostPath("/Library/relative/toFile", LastLink::kNoFollow),
+              root + "/Library/Preferences/toFile");
+    EXPECT_EQ(HostPath("/Library/relative/", LastLink::kNoFollow), root + "/Library/Preferences/");
 }
 
 TEST_F(StartupVolumeTest, DoesNotRedirectOtherPaths) {
