@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <optional>
+#include <type_traits>
 
 namespace macplatform {
 
@@ -19,60 +19,77 @@ std::string describeNumber(const Object& object) {
     return Digits(std::get<double>(value));
 }
 
+/// The conversions store what the processor's conversion gives: an integer is cut to the width of the type,
+/// and a real number out of range gives the lowest integer. They return whether the result is the same
+/// number.
+
+/// An unsigned value that fits the width of a signed type counts as the same number: 255 as SInt8.
 template <typename To>
-bool convert(std::int64_t whole, To& converted);
+std::enable_if_t<std::is_integral_v<To>, bool> convert(std::int64_t whole, To& converted) {
+    using Unsigned = std::make_unsigned_t<To>;
+    converted = static_cast<To>(static_cast<Unsigned>(whole));
+    if (whole < 0) return whole >= std::numeric_limits<To>::min();
+    return static_cast<std::uint64_t>(whole) <= std::numeric_limits<Unsigned>::max();
+}
+
+/// Returns the integer part, and the lowest value of the type for a number that does not fit.
 template <typename To>
-bool convert(double real, To& converted);
+To truncated(double real) {
+    // The lowest value and its negative, the first value above the highest, are exact as double.
+    const double lowest = static_cast<double>(std::numeric_limits<To>::min());
+    return real >= lowest && real < -lowest ? static_cast<To>(real) : std::numeric_limits<To>::min();
+}
+
+template <typename To>
+std::enable_if_t<std::is_integral_v<To>, bool> convert(double real, To& converted) {
+    if constexpr (sizeof(To) < sizeof(std::int64_t)) {
+        convert(std::int64_t{truncated<std::int32_t>(real)}, converted);
+    } else {
+        converted = truncated<To>(real);
+    }
+    return static_cast<double>(converted) == real;
+}
+
+template <typename To>
+std::enable_if_t<std::is_floating_point_v<To>, bool> convert(std::int64_t whole, To& converted) {
+    // `volatile` forces the rounding: 32-bit code would keep the exact number in an 80-bit register.
+    const volatile To rounded = static_cast<To>(whole);
+    converted = rounded;
+    return truncated<std::int64_t>(static_cast<double>(converted)) == whole;
+}
+
+bool convert(double real, double& converted) {
+    converted = real;
+    return true;
+}
+
+/// A NaN is never the same number.
+bool convert(double real, float& converted) {
+    const bool overflows =
+        std::isfinite(real) && std::abs(real) > static_cast<double>(std::numeric_limits<float>::max());
+    const double infinity = std::copysign(std::numeric_limits<double>::infinity(), real);
+    converted = static_cast<float>(overflows ? infinity : real);
+    return static_cast<double>(converted) == real;
+}
+
+/// Returns whether two real numbers are equal. All NaNs are equal. The two zeros differ.
+bool equalReals(double one, double other) {
+    if (std::isnan(one) || std::isnan(other)) return std::isnan(one) && std::isnan(other);
+    return one == other && std::signbit(one) == std::signbit(other);
+}
 
 bool equalNumbers(const Object& left, const Object& right) {
     const NumberValue& one = toValue(left);
     const NumberValue& other = toValue(right);
-    if (one.index() == other.index()) return one == other;
-    const double real = std::get<double>(one.index() == 1 ? one : other);
-    const std::int64_t whole = std::get<std::int64_t>(one.index() == 0 ? one : other);
-    std::int64_t converted = 0;
-    return convert(real, converted) && converted == whole;
-}
-
-/// Sets `converted` to the nearest value of the type. Returns whether that value is the same number.
-template <typename To>
-bool convert(std::int64_t whole, To& converted) {
-    if constexpr (std::is_floating_point_v<To>) {
-        // `volatile` forces the rounding: 32-bit code would keep the exact number in an 80-bit register.
-        const volatile To rounded = static_cast<To>(whole);
-        converted = rounded;
-        std::int64_t back = 0;
-        return convert(static_cast<double>(converted), back) && back == whole;
-    } else {
-        using Limits = std::numeric_limits<To>;
-        const bool fits = whole >= Limits::min() && whole <= Limits::max();
-        converted = fits ? static_cast<To>(whole) : whole < 0 ? Limits::min() : Limits::max();
-        return fits;
-    }
-}
-
-template <typename To>
-bool convert(double real, To& converted) {
-    using Limits = std::numeric_limits<To>;
-    if constexpr (std::is_same_v<To, double>) {
-        converted = real;
-        return true;
-    } else if constexpr (std::is_floating_point_v<To>) {
-        const bool overflows = std::isfinite(real) && std::abs(real) > static_cast<double>(Limits::max());
-        converted = overflows ? std::copysign(Limits::infinity(), static_cast<To>(std::copysign(1.0, real)))
-                              : static_cast<To>(real);
-        return std::isnan(real) || static_cast<double>(converted) == real;
-    } else {
-        // The lowest value and its negative, the first value above the highest, are powers of two. Both are
-        // exact as double.
-        const double lowest = static_cast<double>(Limits::min());
-        if (std::isnan(real) || real < lowest || real >= -lowest) {
-            converted = std::isnan(real) ? To{0} : real < 0 ? Limits::min() : Limits::max();
-            return false;
-        }
-        converted = static_cast<To>(real);
-        return static_cast<double>(converted) == real;
-    }
+    const auto* const whole = std::get_if<std::int64_t>(&one);
+    const auto* const otherWhole = std::get_if<std::int64_t>(&other);
+    if (whole && otherWhole) return *whole == *otherWhole;
+    double real = 0;
+    const bool isExact = std::visit([&real](auto number) { return convert(number, real); }, one);
+    double otherReal = 0;
+    const bool otherIsExact =
+        std::visit([&otherReal](auto number) { return convert(number, otherReal); }, other);
+    return isExact && otherIsExact && equalReals(real, otherReal);
 }
 
 /// Calls `use` with a null pointer to the C type of the number type and returns its result. Returns false for
@@ -105,9 +122,10 @@ bool withCType(CFNumberType type, Use use) {
     return false;
 }
 
-std::optional<NumberValue> readValue(CFNumberType type, const void* from) {
+/// Returns 0 for an unknown type. The size of such a value is unknown, so that it is not read.
+NumberValue readValue(CFNumberType type, const void* from) {
     NumberValue value;
-    const bool known = withCType(type, [&](auto* typed) {
+    withCType(type, [&](auto* typed) {
         std::remove_pointer_t<decltype(typed)> read;
         std::memcpy(&read, from, sizeof read);
         if constexpr (std::is_floating_point_v<decltype(read)>) {
@@ -117,7 +135,7 @@ std::optional<NumberValue> readValue(CFNumberType type, const void* from) {
         }
         return true;
     });
-    return known ? std::optional(value) : std::nullopt;
+    return value;
 }
 
 bool writeValue(const NumberValue& value, CFNumberType type, void* to) {
@@ -153,12 +171,10 @@ CFTypeID CFNumberGetTypeID() {
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* from) try {
     PlatformCall call("CFNumberCreate");
     if (!from) Misuse("CFNumberCreate", "the value is NULL");
-    const auto value = readValue(type, from);
-    const CFNumberRef number = call.ConsumeFault() || !value ? nullptr : MakeObject<__CFNumber>(0, *value);
-    if (call.IsRecorded()) {
-        const std::string text = value ? describeNumber(__CFNumber(*value)) : "?";
-        RecordArguments(call, allocator, typeName(type), text);
-    }
+    const NumberValue value = readValue(type, from);
+    const CFNumberRef number = call.ConsumeFault() ? nullptr : MakeObject<__CFNumber>(0, value);
+    if (call.IsRecorded())
+        RecordArguments(call, allocator, typeName(type), describeNumber(__CFNumber(value)));
     return ObjectResult(call, number);
 } catch (const std::bad_alloc&) {
     return nullptr;

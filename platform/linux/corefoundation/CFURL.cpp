@@ -15,46 +15,56 @@ extern const ObjectClass kUrlClass;
 }
 
 struct __CFURL : Object {
-    __CFURL(std::string absolutePath, bool directory)
-        : Object(kUrlClass), path(std::move(absolutePath)), isDirectory(directory) {}
+    __CFURL(std::string absolutePath, std::string pathText)
+        : Object(kUrlClass), path(std::move(absolutePath)), text(std::move(pathText)) {}
     std::string path;
-    bool isDirectory;
+    std::string text; ///< The path as the URL shows it: that of a directory ends with "/".
 };
 
 namespace {
 
 const __CFURL& toUrl(const Object& object) { return static_cast<const __CFURL&>(object); }
 
-std::string describeUrl(const Object& object) {
-    const __CFURL& url = toUrl(object);
-    return Quoted(url.path + (url.isDirectory && url.path != "/" ? "/" : ""));
-}
+std::string describeUrl(const Object& object) { return Quoted(toUrl(object).text); }
 
-bool equalUrls(const Object& left, const Object& right) {
-    return toUrl(left).path == toUrl(right).path && toUrl(left).isDirectory == toUrl(right).isDirectory;
-}
+bool equalUrls(const Object& left, const Object& right) { return toUrl(left).text == toUrl(right).text; }
 
 void finaliseUrl(Object& object) { static_cast<__CFURL&>(object).~__CFURL(); }
 
-/// Returns the absolute path without a trailing "/". Returns an empty string if the path is empty, contains a
-/// NUL, or is relative and the process has no current directory.
-std::string toAbsolutePath(std::string path) {
-    if (path.empty() || path.find('\0') != std::string::npos) return {};
-    if (path.front() != '/') {
-        char folder[PATH_MAX];
-        if (!getcwd(folder, sizeof folder)) return {};
-        path = std::string(folder) + '/' + path;
+/// Removes "." and, with the name before it, ".." from an absolute path. Does not follow links.
+std::string withoutDots(std::string_view path) {
+    std::string clean;
+    while (!path.empty()) {
+        path.remove_prefix(1); // the "/"
+        const std::string_view name = path.substr(0, path.find('/'));
+        path.remove_prefix(name.size());
+        if (name == "..") {
+            clean.resize(clean.empty() ? 0 : clean.rfind('/'));
+        } else if (name != ".") {
+            (clean += '/') += name;
+        }
     }
-    while (path.size() > 1 && path.back() == '/') path.pop_back();
-    return path;
+    return clean.empty() ? "/" : clean;
+}
+
+/// Returns the absolute path. Returns an empty string if the path is empty, contains a NUL, or is relative
+/// and the process has no current directory.
+std::string toAbsolutePath(const std::string& path) {
+    if (path.empty() || path.find('\0') != std::string::npos) return {};
+    if (path.front() == '/') return path;
+    char folder[PATH_MAX];
+    if (!getcwd(folder, sizeof folder)) return {};
+    return withoutDots(std::string(folder) + '/' + path);
 }
 
 CFURLRef newUrl(CFStringRef text, CFURLPathStyle style, bool isDirectory) {
     const auto utf8 = Utf8(text, "CFURLCreateWithFileSystemPath");
     std::string path = utf8 && style == kCFURLPOSIXPathStyle ? toAbsolutePath(*utf8) : std::string();
     if (path.empty()) return nullptr;
-    const bool isRoot = path == "/";
-    return MakeObject<__CFURL>(0, std::move(path), isDirectory || isRoot);
+    std::string shown = path.back() == '/' ? path : path + '/';
+    while (path.size() > 1 && path.back() == '/') path.pop_back();
+    if (!isDirectory) shown = path;
+    return MakeObject<__CFURL>(0, std::move(path), std::move(shown));
 }
 
 std::string styleName(CFURLPathStyle style) {
