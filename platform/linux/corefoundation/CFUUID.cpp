@@ -70,6 +70,14 @@ int digitValue(char c) {
     return -1;
 }
 
+/// Returns the text without blanks at both ends and without the braces around it.
+std::string_view withoutBraces(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    const bool hasBraces = text.size() >= 2 && text.front() == '{' && text.back() == '}';
+    return hasBraces ? text.substr(1, text.size() - 2) : text;
+}
+
 bool isGroupStart(std::size_t byteIndex) {
     return byteIndex == 4 || byteIndex == 6 || byteIndex == 8 || byteIndex == 10;
 }
@@ -89,16 +97,21 @@ std::string macplatform::UuidText(const UuidBytes& bytes) {
 }
 
 std::optional<UuidBytes> macplatform::ParseUuid(std::string_view text) {
+    text = withoutBraces(text);
+    if (text.empty()) return std::nullopt;
     UuidBytes bytes{};
-    if (text.size() != 36) return std::nullopt;
-    for (std::size_t i = 0, at = 0; i < bytes.size(); ++i, at += 2) {
-        if (isGroupStart(i) && text[at++] != '-') return std::nullopt;
-        const int high = digitValue(text[at]);
-        const int low = digitValue(text[at + 1]);
+    for (std::size_t i = 0; i < bytes.size() && !text.empty(); ++i) {
+        if (isGroupStart(i)) {
+            if (text.front() != '-') return std::nullopt;
+            text.remove_prefix(1);
+        }
+        const int high = text.size() < 2 ? -1 : digitValue(text[0]);
+        const int low = text.size() < 2 ? -1 : digitValue(text[1]);
         if (high < 0 || low < 0) return std::nullopt;
         bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
+        text.remove_prefix(2);
     }
-    return bytes;
+    return text.empty() ? std::optional(bytes) : std::nullopt;
 }
 
 const UuidBytes& macplatform::BytesOf(CFUUIDRef uuid, const char* function) {

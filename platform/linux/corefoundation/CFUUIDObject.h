@@ -18,8 +18,8 @@ using UuidBytes = std::array<std::uint8_t, 16>;
 
 /// Returns the UUID as upper-case hexadecimal digits in groups of 8-4-4-4-12.
 std::string UuidText(const UuidBytes& bytes);
-/// Parses the notation of `UuidText`. Accepts upper-case and lower-case digits. Returns no value for any
-/// other text.
+/// Parses the notation of `UuidText`. Accepts upper-case and lower-case digits, blanks around the text,
+/// braces, and a text that ends early: the missing bytes are 0. Returns no value for any other text.
 std::optional<UuidBytes> ParseUuid(std::string_view text);
 
 /// Returns the bytes of the UUID. Calls `Misuse` if the object is not a UUID.

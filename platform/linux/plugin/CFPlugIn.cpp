@@ -69,15 +69,16 @@ Bundle& checkedBundle(const void* plugIn, const char* function) {
 std::string plistPath(const Bundle& bundle) { return bundle.folder.path + "/Contents/Info.plist"; }
 
 /// Reads the factories and the types from the property list. Ignores a factory or type whose key is not a
-/// UUID, and a factory whose function name is not a string.
+/// UUID, and a factory whose function name is neither a string nor a number.
 void readTables(Bundle& bundle) {
     if (const PropertyValue* const factories = bundle.folder.info.Find("CFPlugInFactories")) {
         for (std::size_t i = 0; i < factories->keys.size(); ++i) {
             const auto factory = ParseUuid(factories->keys[i]);
             const PropertyValue& function = factories->values[i];
-            if (factory && function.kind == PropertyValue::Kind::kString) {
-                bundle.factories[*factory] = function.text;
-            }
+            const bool isName = function.kind == PropertyValue::Kind::kString ||
+                                function.kind == PropertyValue::Kind::kInteger ||
+                                function.kind == PropertyValue::Kind::kReal;
+            if (factory && isName) bundle.factories[*factory] = function.text;
         }
     }
     const PropertyValue* const types = bundle.folder.info.Find("CFPlugInTypes");
@@ -178,9 +179,17 @@ CFPlugInFactoryFunction findFactoryFunction(const UuidBytes& factory, const Uuid
     return reinterpret_cast<CFPlugInFactoryFunction>(findSymbol(*bundle, bundle->factories[factory]));
 }
 
+/// Returns whether an open bundle lists a registered factory for the type.
+bool isRegisteredType(const UuidBytes& type) {
+    return std::any_of(openBundles().begin(), openBundles().end(), [&type](const Bundle* bundle) {
+        const auto listed = bundle->types.find(type);
+        return listed != bundle->types.end() &&
+               std::any_of(listed->second.begin(), listed->second.end(), &bundleOfFactory);
+    });
+}
+
 CFArrayRef factoriesInPlugIn(const UuidBytes& type, const Bundle& bundle) {
-    const auto hasType = [&type](const Bundle* candidate) { return candidate->types.count(type) > 0; };
-    if (std::none_of(openBundles().begin(), openBundles().end(), hasType)) return nullptr;
+    if (!isRegisteredType(type)) return nullptr;
     std::vector<Owned<Object>> owned;
     std::vector<CFTypeRef> items;
     if (const auto listed = bundle.types.find(type); listed != bundle.types.end()) {

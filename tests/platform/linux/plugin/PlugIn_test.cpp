@@ -1,6 +1,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <macplatform/Bundles.h>
+#include <macplatform/CFOwner.h>
 #include <macplatform/LiveObjects.h>
 #include <macplatform/StartupVolume.h>
 
@@ -128,6 +129,29 @@ TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
                                    CFTypeRef(one), CFTypeRef(factory)}) {
         CFRelease(object);
     }
+}
+
+TEST_F(PlugIn, ReadsItsTablesAsTheMac) {
+    std::string list = InfoPlist("7", std::string(" {") + kPluginType + "} ");
+    list.replace(list.find("<string>7</string>"), 18, "<integer>7</integer>");
+    WriteInfo(list);
+    folder.Write("Short.bundle/Contents/Info.plist", InfoPlist("MakeSample", "5cd9484b-4a86"));
+    std::string unregistered = InfoPlist("MakeSample", "FFFFFFFF-4A86-4CA2-A79A-1525A3B5F6E8");
+    unregistered.replace(unregistered.rfind(kPluginFactory), 8, "FFFFFFFF");
+    folder.Write("Unregistered.bundle/Contents/Info.plist", unregistered);
+    const CFPlugInRef plugIns[] = {create(bundle), create(folder / "Short.bundle"),
+                                   create(folder / "Unregistered.bundle")};
+    const CFUUIDBytes types[] = {
+        kTypeBytes,
+        {0x5C, 0xD9, 0x48, 0x4B, 0x4A, 0x86, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
+        {0xFF, 0xFF, 0xFF, 0xFF, 0x4A, 0x86, 0x4C, 0xA2, 0xA7, 0x9A, 0x15, 0x25, 0xA3, 0xB5, 0xF6, 0xE8}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const macplatform::CFOwner<CFUUIDRef> type(CFUUIDCreateFromUUIDBytes(nullptr, types[i]));
+        const macplatform::CFOwner<CFArrayRef> factories(
+            CFPlugInFindFactoriesForPlugInTypeInPlugIn(type.get(), plugIns[i]));
+        EXPECT_EQ(factories ? CFArrayGetCount(factories.get()) : -1, i < 2 ? 1 : -1) << i;
+    }
+    for (const CFPlugInRef plugIn : plugIns) CFRelease(plugIn);
 }
 
 TEST_F(PlugIn, IsFoundOnTheStartupVolume) {
