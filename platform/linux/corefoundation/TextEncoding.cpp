@@ -42,7 +42,6 @@ constexpr Composition kCompositions[] = {
     {0x0308, u"AEIOUYaeiouy", u"\u00C4\u00CB\u00CF\u00D6\u00DC\u0178\u00E4\u00EB\u00EF\u00F6\u00FC\u00FF"},
     {0x030A, u"Aa", u"\u00C5\u00E5"},
     {0x0327, u"Cc", u"\u00C7\u00E7"},
-    {0x0338, u"=", u"\u2260"},
 };
 
 /// Decodes the UTF-8 sequence of two or more bytes at the start of `bytes` and removes the sequence from
