@@ -1,5 +1,7 @@
 #include "JsonDocument.h"
 
+#include <cstdint>
+
 namespace xcodhost {
 
 using macplatform::PropertyValue;
@@ -16,6 +18,17 @@ std::string ErrorDocument(ExitStatus status, const std::string& message) {
         {{"error", {{"kind", kind}, {"message", message}}}, {"exitStatus", static_cast<int>(status)}});
 }
 
+namespace {
+
+/// Returns an integer as a number. An integer that needs more than 64 bits becomes a string.
+Json integerJson(const PropertyValue& value) {
+    const auto number = static_cast<std::uint64_t>(value.integer);
+    if (value.text == std::to_string(value.integer)) return value.integer;
+    return value.text == std::to_string(number) ? Json(number) : Json(value.text);
+}
+
+} // namespace
+
 Json ValueJson(const PropertyValue& value) {
     Json content;
     switch (value.kind) {
@@ -23,9 +36,10 @@ Json ValueJson(const PropertyValue& value) {
         content = value.integer != 0;
         break;
     case PropertyValue::Kind::kInteger:
-        content = value.integer;
+        content = integerJson(value);
         break;
     case PropertyValue::Kind::kArray:
+    case PropertyValue::Kind::kSet:
         content = Json::array();
         for (const PropertyValue& item : value.items) content.push_back(ValueJson(item));
         break;
@@ -33,11 +47,12 @@ Json ValueJson(const PropertyValue& value) {
         content = Json::object();
         for (std::size_t i = 0; i < value.keys.size(); ++i) {
             // operator[] would search for each key, which takes quadratic time.
-            content.get_ref<Json::object_t&>().emplace_back(value.keys[i], ValueJson(value.values[i]));
+            content.get_ref<Json::object_t&>().emplace_back(macplatform::EscapeSurrogates(value.keys[i]),
+                                                            ValueJson(value.values[i]));
         }
         break;
     default:
-        content = value.text;
+        content = macplatform::EscapeSurrogates(value.text);
     }
     return {{"type", value.KindName()}, {"value", std::move(content)}};
 }

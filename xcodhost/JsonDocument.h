@@ -22,8 +22,9 @@ std::string DumpDocument(const Json& document);
 /// Returns the document `{"error": {"kind", "message"}, "exitStatus"}` of a run that ended with an error.
 std::string ErrorDocument(ExitStatus status, const std::string& message);
 
-/// Returns `{"type", "value"}`. Integers, strings and booleans become JSON values. Arrays and dictionaries
-/// contain such objects. Every other type becomes a string.
+/// Returns `{"type", "value"}`. Integers, strings and booleans become JSON values. Arrays, sets and
+/// dictionaries contain such objects. Every other type becomes a string. A lone surrogate in a string becomes
+/// `\uXXXX`.
 Json ValueJson(const macplatform::PropertyValue& value);
 
 /// Returns `{"letter", "name", "mask"}`.

@@ -108,8 +108,11 @@ private:
     void Add(macplatform::RecordedCall&& entry) {
         if (result.calls.empty()) return;
         CallRecord& call = result.calls.back();
-        if (entry.call == "CFPreferencesSynchronize" && entry.result == "false" && !entry.arguments.empty()) {
-            call.lostWrites.push_back({Unquoted(entry.arguments.front()), entry.note});
+        const bool isStored = entry.result != "false";
+        const bool isLostWrite =
+            entry.call == "CFPreferencesSynchronize" && (!isStored || !entry.note.empty());
+        if (isLostWrite && !entry.arguments.empty()) {
+            call.lostWrites.push_back({Unquoted(entry.arguments.front()), entry.note, isStored});
         }
         if (result.hasTrace) call.platformCalls.push_back(std::move(entry));
     }
@@ -146,10 +149,13 @@ std::string fileProblem(const std::string& domain, const PreferencesFile& file, 
 std::vector<std::string> findProblems(const RunResult& result, const VolumeState& before,
                                       const VolumeState& after) {
     std::map<std::string, std::string> lost; // for each domain, the first reason
-    for (const CallRecord& call : result.calls) {
-        for (const FailedSynchronisation& write : call.lostWrites) lost.emplace(write.domain, write.reason);
-    }
     std::vector<std::string> problems = after.problems;
+    for (const CallRecord& call : result.calls) {
+        for (const SynchronisationProblem& write : call.lostWrites) {
+            if (write.isStored) problems.push_back(Printable(write.domain + ": " + write.reason));
+            if (!write.isStored) lost.emplace(write.domain, write.reason);
+        }
+    }
     for (const auto& [domain, file] : after.preferences) {
         if (file.problem.empty()) continue;
         const bool hasLostWrite = lost.erase(domain) > 0;

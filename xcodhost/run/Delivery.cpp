@@ -47,7 +47,8 @@ private:
     void Record(const macplatform::RecordedCall& entry) const {
         // CFPlugInInstanceCreate is a call of the host. It calls the factory function of the bundle.
         if (!bundle.IsRunning() || entry.call == "CFPlugInInstanceCreate") return;
-        const bool isLostWrite = entry.call == "CFPreferencesSynchronize" && entry.result == "false";
+        const bool isLostWrite =
+            entry.call == "CFPreferencesSynchronize" && (entry.result == "false" || !entry.note.empty());
         if (plan.recordsAll || isLostWrite) channel.Send(entry);
     }
 

@@ -23,10 +23,11 @@ struct AlertRecord {
     std::string Title() const;
 };
 
-/// A call of CFPreferencesSynchronize that returned false.
-struct FailedSynchronisation {
+/// A call of CFPreferencesSynchronize that stored nothing, or that could not keep everything in the file.
+struct SynchronisationProblem {
     std::string domain;
-    std::string reason; ///< Empty if the platform gave no reason.
+    std::string reason;    ///< Empty if the platform gave no reason.
+    bool isStored = false; ///< The values were stored, but the file lost what the reason says.
 };
 
 /// One call of the bundle, with the alerts and platform calls during the call.
@@ -35,7 +36,7 @@ struct CallRecord {
     std::optional<CallReturned> returned; ///< No value: the call did not return.
     std::vector<AlertRecord> alerts;
     std::vector<macplatform::RecordedCall> platformCalls; ///< Filled only for `--trace`.
-    std::vector<FailedSynchronisation> lostWrites;
+    std::vector<SynchronisationProblem> lostWrites;
 
     /// Returns the function and its arguments: "XCodMain(selector 1000, ...)".
     std::string Describe() const;

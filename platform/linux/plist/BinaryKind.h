@@ -1,18 +1,19 @@
 #pragma once
 
 /// @file
-/// The kinds of objects in a binary property list.
+/// The markers of the objects in a binary property list.
 
 namespace macplatform {
 
-/// The kind of an object of a binary property list: the upper four bits of the object's first byte.
-enum class BinaryKind : unsigned char {
+/// The upper four bits of the first byte of an object. The lower four bits are a count, or the power of two
+/// of the number of bytes.
+enum class BinaryKind : unsigned {
     kSimple = 0,
     kInteger = 1,
     kReal = 2,
     kDate = 3,
     kData = 4,
-    kAsciiString = 5,
+    kLatin1String = 5,
     kUtf16String = 6,
     kUid = 8,
     kArray = 0xA,
@@ -20,8 +21,10 @@ enum class BinaryKind : unsigned char {
     kDictionary = 0xD
 };
 
-/// Returns whether an object of the kind contains other objects.
-inline bool IsContainer(BinaryKind kind) {
+constexpr unsigned kNullMarker = 0x00, kFalseMarker = 0x08, kTrueMarker = 0x09; ///< Of kind `kSimple`.
+constexpr unsigned kCountFollows = 0x0F; ///< The count is an integer object behind the marker.
+
+constexpr bool IsContainer(BinaryKind kind) {
     return kind == BinaryKind::kArray || kind == BinaryKind::kSet || kind == BinaryKind::kDictionary;
 }
 

@@ -2,7 +2,10 @@
 
 #include "BinaryPlistReader.h"
 #include "BinaryPlistWriter.h"
+#include "PropertyListLimits.h"
 
+#include <optional>
+#include <set>
 #include <vector>
 
 namespace macplatform {
@@ -13,20 +16,17 @@ using Object = BinaryPlistWriter::Object;
 
 class BinaryPlistCopy {
 public:
-    explicit BinaryPlistCopy(const std::string& bytes) : source(bytes) {}
+    explicit BinaryPlistCopy(const std::string& bytes) : source(bytes), copies(source.Count()) {}
 
-    std::optional<std::string> With(BinaryPlistChanges changes) {
-        if (!source.ReadTrailer() || source.KindOf(source.Root()) != BinaryKind::kDictionary)
-            return std::nullopt;
-        const auto entries = source.Children(source.Root());
-        if (!entries) return std::nullopt;
-        copies.resize(source.ObjectCount());
-        const std::size_t count = entries->size() / 2;
-        for (std::size_t i = 0; i < count; ++i) {
-            if (!CopyEntry((*entries)[i], (*entries)[count + i], changes)) return std::nullopt;
-        }
+    std::string With(const PropertyListChanges& changes) {
+        if (source.KindOf(source.Root()) != BinaryKind::kDictionary)
+            throw PropertyListError("the root is not a dictionary");
+        const auto entries = source.Members(source.Root());
+        const std::size_t count = entries.size() / 2;
+        for (std::size_t i = 0; i < count; ++i) CopyEntry(entries[i], entries[count + i], changes);
         for (const auto& [key, value] : changes) {
-            if (value) AddEntry(copy.Add(StringObject(key)), copy.Add(*value));
+            if (value && found.count(key) == 0)
+                AddEntry(copy.Add(StringObject(key)), copy.Add(ScalarObject(*value)));
         }
         keys.insert(keys.end(), values.begin(), values.end());
         return copy.Bytes(copy.AddContainer(BinaryKind::kDictionary, keys));
@@ -38,51 +38,44 @@ private:
         values.push_back(value);
     }
 
-    /// Copies an entry, with its change if there is one, and removes that change from `changes`. Returns
-    /// false if the entry cannot be copied.
-    bool CopyEntry(std::size_t key, std::size_t value, BinaryPlistChanges& changes) {
-        const auto text = source.StringOf(key);
-        if (!text) return false;
-        const auto change = changes.find(*text);
-        const bool isChanged = change != changes.end();
-        if (!isChanged || change->second) {
-            const auto keyCopy = Copied(key);
-            const auto valueCopy = isChanged ? std::optional(copy.Add(*change->second)) : Copied(value);
-            if (!keyCopy || !valueCopy) return false;
-            AddEntry(*keyCopy, *valueCopy);
+    /// Copies an entry with its change, if there is one. Drops an entry that is removed or repeated.
+    void CopyEntry(std::size_t key, std::size_t value, const PropertyListChanges& changes) {
+        const bool isString =
+            source.KindOf(key) == BinaryKind::kLatin1String || source.KindOf(key) == BinaryKind::kUtf16String;
+        const auto change = isString ? changes.find(source.ScalarValue(key).text) : changes.end();
+        if (change == changes.end()) {
+            AddEntry(Copied(key), Copied(value));
+            return;
         }
-        if (isChanged) changes.erase(change);
-        return true;
+        const bool isFirst = found.insert(change->first).second;
+        if (isFirst && change->second) AddEntry(Copied(key), copy.Add(ScalarObject(*change->second)));
     }
 
-    /// Copies an object and its members. The recursion is bounded, because a validated property list has no
-    /// cycles and limited nesting.
-    std::optional<Object> Copied(std::size_t object) {
-        if (copies[object]) return copies[object];
-        const auto kind = source.KindOf(object);
-        if (!kind || !IsContainer(*kind)) {
-            const auto bytes = source.ScalarBytes(object);
-            return copies[object] = bytes ? std::optional(copy.Add(*bytes)) : std::nullopt;
+    /// Copies an object and its members. The recursion is bounded, because the property list has been read:
+    /// it has no cycles and limited nesting.
+    Object Copied(std::size_t object) {
+        if (copies[object]) return *copies[object];
+        const BinaryKind kind = source.KindOf(object);
+        if (!IsContainer(kind)) {
+            copies[object] = copy.Add(std::string(source.ScalarBytes(object)));
+            return *copies[object];
         }
-        const auto children = source.Children(object);
         std::vector<Object> members;
-        for (std::size_t i = 0; children && i < children->size(); ++i) {
-            const auto member = Copied((*children)[i]);
-            if (!member) return std::nullopt;
-            members.push_back(*member);
-        }
-        return copies[object] = children ? std::optional(copy.AddContainer(*kind, members)) : std::nullopt;
+        for (const std::size_t member : source.Members(object)) members.push_back(Copied(member));
+        copies[object] = copy.AddContainer(kind, std::move(members));
+        return *copies[object];
     }
 
-    BinaryPlistReader source;
+    BinaryPlistObjects source;
     BinaryPlistWriter copy;
     std::vector<std::optional<Object>> copies; ///< The copy of each object of the source, by its number.
     std::vector<Object> keys, values;          ///< The entries of the new root.
+    std::set<std::string> found;               ///< The changed keys that the source has.
 };
 
 } // namespace
 
-std::optional<std::string> EditBinaryPlist(const std::string& bytes, const BinaryPlistChanges& changes) {
+std::string EditBinaryPlist(const std::string& bytes, const PropertyListChanges& changes) {
     return BinaryPlistCopy(bytes).With(changes);
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace macplatform {
 
@@ -21,81 +22,79 @@ unsigned widthFor(std::uint64_t largest) {
     return width;
 }
 
-/// Returns the first bytes of an object: its kind and count.
-std::string head(BinaryKind kind, std::size_t count) {
-    constexpr std::size_t inItsOwnObject = 0x0F;
-    const auto upper = static_cast<unsigned>(kind) << 4;
-    std::string bytes(1, static_cast<char>(upper | std::min(count, inItsOwnObject)));
-    if (count >= inItsOwnObject) bytes += IntegerObject(count, false);
+std::string marker(BinaryKind kind, unsigned low) {
+    return std::string(1, static_cast<char>(static_cast<unsigned>(kind) << 4 | low));
+}
+
+/// Only integers of 8 or 16 bytes have a sign, so a number from 2^63 needs 16 bytes.
+std::string integerObject(std::uint64_t bits, bool isNegative) {
+    const bool isHuge = !isNegative && bits > INT64_MAX;
+    const unsigned width = isNegative ? 8 : widthFor(bits);
+    std::string bytes = marker(BinaryKind::kInteger, isHuge ? 4 : width == 8 ? 3 : width / 2);
+    if (isHuge) bytes.append(8, '\0');
+    appendNumber(bytes, bits, width);
     return bytes;
 }
 
-std::string eightBytes(BinaryKind kind, double value) {
+/// Returns the first bytes of an object: its marker and its count.
+std::string head(BinaryKind kind, std::size_t count) {
+    if (count < kCountFollows) return marker(kind, static_cast<unsigned>(count));
+    return marker(kind, kCountFollows) + integerObject(count, false);
+}
+
+std::string realObject(double value) {
     std::uint64_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
-    std::string bytes(1, static_cast<char>(static_cast<unsigned>(kind) << 4 | 3)); // 2^3 bytes follow.
+    std::string bytes = marker(BinaryKind::kReal, 3); // 2^3 bytes follow.
     appendNumber(bytes, bits, 8);
     return bytes;
 }
 
 } // namespace
 
-std::string BooleanObject(bool value) { return value ? "\x09" : "\x08"; }
-
-/// Only integers of 8 or 16 bytes have a sign, so a number from 2^63 needs 16 bytes.
-std::string IntegerObject(std::uint64_t magnitude, bool isNegative) {
-    const bool isHuge = !isNegative && magnitude > INT64_MAX;
-    const unsigned width = isNegative ? 8 : widthFor(magnitude);
-    const unsigned power = isHuge ? 4 : width == 8 ? 3 : width / 2;
-    std::string bytes(1, static_cast<char>(0x10 | power));
-    if (isHuge) bytes.append(8, '\0');
-    appendNumber(bytes, isNegative ? 0 - magnitude : magnitude, width);
-    return bytes;
+std::string ScalarObject(const PropertyValue& value) {
+    switch (value.kind) {
+    case PropertyValue::Kind::kBoolean:
+        return marker(BinaryKind::kSimple, value.integer != 0 ? kTrueMarker : kFalseMarker);
+    case PropertyValue::Kind::kInteger:
+        return integerObject(static_cast<std::uint64_t>(value.integer), value.text[0] == '-');
+    case PropertyValue::Kind::kReal:
+        return realObject(value.real);
+    default:
+        return StringObject(value.text);
+    }
 }
 
-std::string RealObject(double value) { return eightBytes(BinaryKind::kReal, value); }
-std::string DateObject(double seconds) { return eightBytes(BinaryKind::kDate, seconds); }
-std::string DataObject(std::string_view bytes) { return head(BinaryKind::kData, bytes.size()).append(bytes); }
-
-std::string StringObject(std::string_view text) {
-    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
-        return head(BinaryKind::kAsciiString, text.size()).append(text);
-    }
+std::string StringObject(const std::string& utf8) {
+    if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return head(BinaryKind::kLatin1String, utf8.size()) + utf8;
     // `DecodeUtf8` drops a byte order mark at the start.
     // The added mark is dropped instead of a mark of the text.
-    const auto units = DecodeUtf8("\xEF\xBB\xBF" + std::string(text)).value_or(u"");
+    const auto units = DecodeUtf8("\xEF\xBB\xBF" + utf8).value_or(u"");
     std::string bytes = head(BinaryKind::kUtf16String, units.size());
     for (const char16_t unit : units) appendNumber(bytes, unit, 2);
     return bytes;
 }
 
-BinaryPlistWriter::Object BinaryPlistWriter::Add(std::string_view scalar) {
-    objects.push_back({BinaryKind::kSimple, scalars.size(), scalar.size()});
-    scalars += scalar;
+BinaryPlistWriter::Object BinaryPlistWriter::Add(std::string scalar) {
+    objects.push_back({std::move(scalar), {}});
     return static_cast<Object>(objects.size() - 1);
 }
 
-BinaryPlistWriter::Object BinaryPlistWriter::AddContainer(BinaryKind kind,
-                                                          const std::vector<Object>& members) {
-    objects.push_back({kind, references.size(), members.size()});
-    references.insert(references.end(), members.begin(), members.end());
+BinaryPlistWriter::Object BinaryPlistWriter::AddContainer(BinaryKind kind, std::vector<Object> members) {
+    const std::size_t count = kind == BinaryKind::kDictionary ? members.size() / 2 : members.size();
+    objects.push_back({head(kind, count), std::move(members)});
     return static_cast<Object>(objects.size() - 1);
 }
 
 std::string BinaryPlistWriter::Bytes(Object root) const {
-    const unsigned referenceWidth = widthFor(objects.size() - 1);
+    const unsigned referenceWidth = widthFor(objects.size()); // Some readers want the count to fit, too.
     std::string bytes = "bplist00";
     std::vector<std::size_t> offsets;
-    for (const Extent& object : objects) {
+    for (const EncodedObject& object : objects) {
         offsets.push_back(bytes.size());
-        if (object.kind == BinaryKind::kSimple) {
-            bytes.append(scalars, object.first, object.count);
-            continue;
-        }
-        bytes += head(object.kind, object.kind == BinaryKind::kDictionary ? object.count / 2 : object.count);
-        for (std::size_t i = 0; i < object.count; ++i) {
-            appendNumber(bytes, references[object.first + i], referenceWidth);
-        }
+        bytes += object.bytes;
+        for (const Object member : object.members) appendNumber(bytes, member, referenceWidth);
     }
     const std::size_t table = bytes.size();
     const unsigned offsetWidth = widthFor(table);

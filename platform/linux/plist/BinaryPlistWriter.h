@@ -5,48 +5,35 @@
 
 #include "BinaryKind.h"
 
+#include <macplatform/PropertyList.h>
+
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace macplatform {
 
-// Each function returns the encoded scalar object for a value.
-
-std::string BooleanObject(bool value);
-/// The magnitude of a negative integer must be at most 2^63.
-std::string IntegerObject(std::uint64_t magnitude, bool isNegative);
-std::string RealObject(double value);
-/// The date is in seconds since 2001-01-01 00:00:00 UTC.
-std::string DateObject(double seconds);
-std::string DataObject(std::string_view bytes);
-/// The text must be UTF-8.
-std::string StringObject(std::string_view text);
+/// Returns the encoded object of a boolean, an integer of 64 bits, a real or a string.
+std::string ScalarObject(const PropertyValue& value);
+std::string StringObject(const std::string& utf8);
 
 /// Builds a binary property list from objects. Members must be added before their container.
 class BinaryPlistWriter {
 public:
     using Object = std::uint32_t; ///< The number of an object.
 
-    /// Adds an encoded scalar object.
-    Object Add(std::string_view scalar);
+    Object Add(std::string scalar); ///< Adds an encoded scalar object.
     /// Adds a container. The members of a dictionary are all keys, followed by all values in the same order.
-    Object AddContainer(BinaryKind kind, const std::vector<Object>& members);
-
-    /// Returns the bytes of the property list with this root. At least one object must have been added.
+    Object AddContainer(BinaryKind kind, std::vector<Object> members);
+    /// Returns the bytes of the property list with this root.
     std::string Bytes(Object root) const;
 
 private:
-    /// A range of `scalars`, or of `references` for a container.
-    struct Extent {
-        BinaryKind kind; ///< `kSimple` for every scalar: its bytes include its kind.
-        std::size_t first, count;
+    struct EncodedObject {
+        std::string bytes; ///< Without the members of a container.
+        std::vector<Object> members;
     };
-
-    std::vector<Extent> objects;
-    std::string scalars;
-    std::vector<Object> references;
+    std::vector<EncodedObject> objects;
 };
 
 } // namespace macplatform

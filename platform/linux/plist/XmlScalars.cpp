@@ -1,108 +1,109 @@
 #include "XmlScalars.h"
 
-#include "BinaryPlistWriter.h"
-#include "XmlCharacters.h"
+#include "PropertyValues.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
-#include <iterator>
+#include <limits>
+#include <locale.h>
+#include <stdlib.h>
 
 namespace macplatform {
 
 namespace {
 
-/// Removes a sign from the start of the text. Returns true if the sign is a minus.
-bool parseSign(std::string_view& text) {
-    const bool isMinus = text.substr(0, 1) == "-";
-    if (isMinus || text.substr(0, 1) == "+") text.remove_prefix(1);
-    return isMinus;
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+std::string_view withoutSpacesBefore(std::string_view text) {
+    return text.substr(std::min(text.find_first_not_of(" \t\n\r"), text.size()));
 }
 
-/// Returns the number of days from 2001-01-01 to a day of the Gregorian calendar.
-int daysFrom2001(int year, int month, int day) {
-    if (month < 3) {
-        --year; // The year begins in March, so that a leap day is the last day of a year.
-        month += 12;
-    }
-    year += 400; // One cycle of 146,097 days, so that no division has a negative operand.
-    const int days = 365 * year + year / 4 - year / 100 + year / 400 + (153 * (month - 3) + 2) / 5 + day;
-    constexpr int daysUntil2001 = 876889;
-    return days - daysUntil2001;
+/// Returns the value of a word for a real that is no number, whatever its case.
+std::optional<double> realNamed(std::string word) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (char& c : word) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c | 0x20 : c);
+    if (word == "nan") return std::numeric_limits<double>::quiet_NaN();
+    if (word == "inf" || word == "+inf" || word == "infinity" || word == "+infinity") return infinity;
+    if (word == "-inf" || word == "-infinity") return -infinity;
+    return std::nullopt;
 }
 
-/// Returns the value of a base-64 digit, or 64 for any other character.
-unsigned base64Value(char c) {
-    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    return static_cast<unsigned>(std::min(digits.find(c), digits.size()));
-}
-
-std::optional<std::string> booleanFrom(std::string_view text, bool value) {
-    return text.empty() ? std::optional(BooleanObject(value)) : std::nullopt;
+/// Returns the value of a base-64 digit. The padding counts as a digit with the value 0.
+/// Returns -1 for every other character.
+int base64Value(char c) {
+    if (c >= 'A' && c <= 'Z') return c - 'A';
+    if (c >= 'a' && c <= 'z') return c - 'a' + 26;
+    if (isDigit(c)) return c - '0' + 52;
+    if (c == '+') return 62;
+    if (c == '/') return 63;
+    return c == '=' ? 0 : -1;
 }
 
 } // namespace
 
-std::optional<std::string> IntegerFrom(std::string_view text) {
-    text = Stripped(text);
-    const bool isMinus = parseSign(text);
-    const bool isHexadecimal = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
+std::optional<PropertyValue> IntegerFrom(std::string_view text) {
+    text = withoutSpacesBefore(text);
+    const bool isMinus = text.substr(0, 1) == "-";
+    if (isMinus || text.substr(0, 1) == "+") text = withoutSpacesBefore(text.substr(1));
+    const bool isHexadecimal = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
     if (isHexadecimal) text.remove_prefix(2);
-    std::uint64_t value = 0;
+    std::uint64_t number = 0;
     const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, value, isHexadecimal ? 16 : 10);
+    const auto read = std::from_chars(text.data(), end, number, isHexadecimal ? 16 : 10);
     constexpr std::uint64_t lowest = std::uint64_t{1} << 63;
-    if (text.empty() || read.ec != std::errc() || read.ptr != end || (isMinus && value > lowest))
-        return std::nullopt;
-    return IntegerObject(value, isMinus && value > 0);
+    if (read.ec != std::errc() || read.ptr != end || (isMinus && number > lowest)) return std::nullopt;
+    return isMinus ? IntegerValue(static_cast<std::int64_t>(0 - number)) : UnsignedValue(number);
 }
 
-std::optional<std::string> RealFrom(std::string_view text) {
-    text = Stripped(text);
-    const bool isMinus = parseSign(text);
-    double value = 0;
-    const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, value);
-    const bool isNumber = !text.empty() && (IsDigit(text[0]) || text[0] == '.');
-    const bool isWord = text == "nan" || text == "inf" || text == "infinity";
-    if ((!isNumber && !isWord) || read.ec != std::errc() || read.ptr != end) return std::nullopt;
-    return RealObject(isMinus && value != 0 ? -value : value); // The parser cannot write a negative zero.
+std::optional<PropertyValue> RealFrom(const std::string& text) {
+    if (const auto named = realNamed(text)) return RealValue(*named);
+    const bool isPlain = !text.empty() && text.find_first_not_of("0123456789.eE+-") == text.npos;
+    if (!isPlain) return std::nullopt;
+    static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr); // Has a decimal point.
+    char* end = nullptr;
+    const double number = strtod_l(text.c_str(), &end, cLocale);
+    return end == text.c_str() + text.size() ? std::optional(RealValue(number)) : std::nullopt;
 }
 
-std::optional<std::string> DateFrom(std::string_view text) {
-    constexpr std::string_view pattern = "0000-00-00T00:00:00Z";
-    text = Stripped(text);
-    if (text.size() != pattern.size()) return std::nullopt;
+std::optional<PropertyValue> DateFrom(std::string_view text) {
+    constexpr std::string_view pattern = "-00-00T00:00:00Z"; // Behind the year.
+    constexpr std::size_t longestYear = 9;
+    const bool isNegative = text.substr(0, 1) == "-";
+    if (isNegative) text.remove_prefix(1);
+    if (text.size() <= pattern.size() || text.size() > pattern.size() + longestYear) return std::nullopt;
+    const std::size_t yearLength = text.size() - pattern.size();
+    std::int64_t year = 0;
+    for (const char c : text.substr(0, yearLength)) {
+        if (!isDigit(c)) return std::nullopt;
+        year = year * 10 + (c - '0');
+    }
+    text.remove_prefix(yearLength);
     for (std::size_t i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] == '0' ? !IsDigit(text[i]) : text[i] != pattern[i]) return std::nullopt;
+        if (pattern[i] == '0' ? !isDigit(text[i]) : text[i] != pattern[i]) return std::nullopt;
     }
     const auto number = [text](std::size_t at) { return (text[at] - '0') * 10 + (text[at + 1] - '0'); };
-    const bool isDay = number(5) >= 1 && number(5) <= 12 && number(8) >= 1 && number(8) <= 31;
-    if (!isDay || number(11) > 23 || number(14) > 59 || number(17) > 59) return std::nullopt;
-    const int days = daysFrom2001(number(0) * 100 + number(2), number(5), number(8));
-    return DateObject(days * 86400.0 + number(11) * 3600 + number(14) * 60 + number(17));
+    return DateValue(
+        SecondsFrom2001(isNegative ? -year : year, number(1), number(4), number(7), number(10), number(13)));
 }
 
-std::optional<std::string> DataFrom(std::string_view text) {
-    std::string digits;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(digits), [](char c) { return !IsSpace(c); });
-    const std::size_t count = std::min(digits.find('='), digits.size());
-    const std::size_t padding = digits.size() - count;
-    if (digits.size() % 4 != 0 || padding > 2 || (padding == 2 && digits.back() != '=')) return std::nullopt;
+PropertyValue DataFrom(std::string_view text) {
     std::string bytes;
     std::uint32_t bits = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const unsigned value = base64Value(digits[i]);
-        if (value > 63) return std::nullopt;
-        bits = bits << 6 | value;
-        if (i % 4 != 0) bytes += static_cast<char>(bits >> (6 - 2 * (i % 4)) & 0xFF);
+    unsigned digits = 0, padding = 0;
+    for (const char c : text) {
+        const int value = base64Value(c);
+        const bool isSpace = c == ' ' || (c >= '\t' && c <= '\r');
+        if (!isSpace) padding = c == '=' ? padding + 1 : 0;
+        if (value < 0) continue;
+        bits = bits << 6 | static_cast<unsigned>(value);
+        if (++digits % 4 != 0) continue;
+        bytes += static_cast<char>(bits >> 16 & 0xFF);
+        if (padding < 2) bytes += static_cast<char>(bits >> 8 & 0xFF);
+        if (padding < 1) bytes += static_cast<char>(bits & 0xFF);
     }
-    return DataObject(bytes);
+    return DataValue(bytes);
 }
-
-std::optional<std::string> StringFrom(std::string_view text) { return StringObject(text); }
-
-std::optional<std::string> TrueFrom(std::string_view text) { return booleanFrom(text, true); }
-std::optional<std::string> FalseFrom(std::string_view text) { return booleanFrom(text, false); }
 
 } // namespace macplatform

@@ -1,8 +1,10 @@
 #pragma once
 
 /// @file
-/// Converts the text of a scalar XML element to an encoded object of a binary property list. Every function
-/// returns no value if the element cannot have the text.
+/// Reads the contents of scalar XML elements. Every function returns no value if the element cannot have the
+/// text.
+
+#include <macplatform/PropertyList.h>
 
 #include <optional>
 #include <string>
@@ -10,13 +12,13 @@
 
 namespace macplatform {
 
-std::optional<std::string> IntegerFrom(std::string_view text);
-std::optional<std::string> RealFrom(std::string_view text);
-std::optional<std::string> DateFrom(std::string_view text);
-std::optional<std::string> DataFrom(std::string_view text);
-/// The text must be UTF-8.
-std::optional<std::string> StringFrom(std::string_view text);
-std::optional<std::string> TrueFrom(std::string_view text);
-std::optional<std::string> FalseFrom(std::string_view text);
+/// White space before the sign and before the digits is accepted, but not behind the digits.
+std::optional<PropertyValue> IntegerFrom(std::string_view text);
+/// A number that is too large is infinite.
+std::optional<PropertyValue> RealFrom(const std::string& text);
+/// Numbers outside their range count on: month 13 is January of the next year.
+std::optional<PropertyValue> DateFrom(std::string_view text);
+/// Ignores characters that are not base-64 digits, and digits that do not form a whole group of four.
+PropertyValue DataFrom(std::string_view text);
 
 } // namespace macplatform

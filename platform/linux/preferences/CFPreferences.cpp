@@ -23,8 +23,8 @@ const char kOtherScope[] = "not stored: only any user on the current host has pr
 
 /// Returns the changes of the current startup volume that are not yet synchronised. The key of the map is the
 /// domain.
-std::map<std::string, PreferenceChanges>& pendingChanges() {
-    static std::map<std::string, std::map<std::string, PreferenceChanges>> gWaiting; // by volume directory
+std::map<std::string, PropertyListChanges>& pendingChanges() {
+    static std::map<std::string, std::map<std::string, PropertyListChanges>> gWaiting; // by volume directory
     return gWaiting[StartupVolume()];
 }
 
@@ -36,13 +36,16 @@ bool isStored(CFStringRef user, CFStringRef host) {
 
 /// Returns the value to store. Returns no value if it is neither a string nor a number, or is a string that
 /// cannot be encoded in UTF-8.
-std::optional<PreferenceValue> valueToStore(CFPropertyListRef value, const char* function) {
+std::optional<PropertyValue> valueToStore(CFPropertyListRef value, const char* function) {
     const Object& object = CheckedObject(value, function);
-    if (object.type == &kStringClass) return Utf8(static_cast<CFStringRef>(value), function);
+    if (object.type == &kStringClass) {
+        auto text = Utf8(static_cast<CFStringRef>(value), function);
+        return text ? std::optional(StringValue(std::move(*text))) : std::nullopt;
+    }
     if (object.type != &kNumberClass) return std::nullopt;
     const NumberValue& number = static_cast<const __CFNumber&>(object).value;
-    if (const auto* integer = std::get_if<std::int64_t>(&number)) return *integer;
-    return std::get<double>(number);
+    if (const auto* integer = std::get_if<std::int64_t>(&number)) return IntegerValue(*integer);
+    return RealValue(std::get<double>(number));
 }
 
 /// Records a change for the next synchronisation. A null value removes the key. Returns an empty string, or
@@ -50,24 +53,23 @@ std::optional<PreferenceValue> valueToStore(CFPropertyListRef value, const char*
 std::string keepWaiting(CFStringRef key, CFPropertyListRef value, CFStringRef domain, const char* function) {
     const auto keyText = Utf8(key, function), domainText = Utf8(domain, function);
     if (!keyText || !domainText) return "not stored: the key or the domain cannot be encoded in UTF-8";
-    std::optional<PreferenceValue> stored;
+    std::optional<PropertyValue> stored;
     if (value && !(stored = valueToStore(value, function)))
         return "not stored: the value is neither a string nor a number";
     pendingChanges()[*domainText][*keyText] = std::move(stored);
     return {};
 }
 
-/// Stores the recorded changes of the domain. Returns an empty string, or the reason why the changes were not
-/// stored. After a failure the changes stay recorded.
-std::string store(CFStringRef domain, CFStringRef user, CFStringRef host, const char* function) {
-    if (!isStored(user, host)) return kOtherScope;
+/// Stores the recorded changes of the domain. After a failure the changes stay recorded.
+StoreResult store(CFStringRef domain, CFStringRef user, CFStringRef host, const char* function) {
+    if (!isStored(user, host)) return {kOtherScope, {}};
     const auto name = Utf8(domain, function);
-    if (!name) return "the domain cannot be encoded in UTF-8";
+    if (!name) return {"the domain cannot be encoded in UTF-8", {}};
     const auto waiting = pendingChanges().find(*name);
     if (waiting == pendingChanges().end()) return {};
-    std::string failure = StorePreferences(*name, waiting->second);
-    if (failure.empty()) pendingChanges().erase(waiting);
-    return failure;
+    StoreResult result = StorePreferences(*name, waiting->second);
+    if (result.failure.empty()) pendingChanges().erase(waiting);
+    return result;
 }
 
 } // namespace
@@ -100,12 +102,12 @@ Boolean CFPreferencesSynchronize(CFStringRef domain, CFStringRef user, CFStringR
     PlatformCall call("CFPreferencesSynchronize");
     RecordArguments(call, domain, user, host);
     if (call.ConsumeFault()) return call.Result(Boolean{false});
-    std::string failure;
+    StoreResult result;
     try {
-        failure = store(domain, user, host, "CFPreferencesSynchronize");
+        result = store(domain, user, host, "CFPreferencesSynchronize");
     } catch (const std::bad_alloc&) {
-        failure = "out of memory";
+        result.failure = "out of memory";
     }
-    call.SetNote(failure);
-    return call.Result(Boolean{failure.empty()});
+    call.SetNote(result.failure.empty() ? result.lost : result.failure);
+    return call.Result(Boolean{result.failure.empty()});
 }

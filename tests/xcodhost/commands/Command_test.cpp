@@ -113,7 +113,7 @@ TEST(Command, ShowsHiddenAndBrokenPreferencesAndFinderFlags) {
     const TemporaryFolder volume;
     volume.Write("Library/Preferences/.GlobalPreferences.plist",
                  "<plist version=\"1.0\"><dict><key>a\nb</key><true/></dict></plist>");
-    volume.Write("Library/Preferences/broken.plist", "nothing");
+    volume.Write("Library/Preferences/broken.plist", "not a list");
     ASSERT_EQ(mkfifo((volume / "Library/Preferences/pipe.plist").c_str(), 0600), 0);
     std::string finderInfo(32, '\0');
     finderInfo.replace(8, 2, "\xFF\xF7"); // all flags, label 3

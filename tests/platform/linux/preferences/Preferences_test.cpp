@@ -123,18 +123,74 @@ TEST_F(Preferences, KeepFilesThatCannotBeRead) {
     EXPECT_TRUE(std::filesystem::is_directory(File()));
 }
 
-TEST_F(Preferences, KeepObjectsThatTheParserCannotRead) {
+TEST_F(Preferences, KeepAllOtherBytesOfXml) {
+    const std::string
+        head = "\xEF\xBB\xBF<?xml version='1.0'?>\n<!-- a --><plist><dict b='c'>\r\n  <!-- d -->",
+        value = "\r\n  <key>v</key> <array><string>\r\n\r</string><real>-0.0</real><date>1904-01-01T00:00:00Z"
+                "</date><data>&#65; AE\n</data><integer>0x10</integer></array>",
+        tail = "<!-- e -->\n</dict></plist> behind";
+    const auto changed = [this](const std::string& before) {
+        volume.Write("Library/Preferences/com.example.app.plist", before);
+        EXPECT_TRUE(Synchronise());
+        return ReadBytes(File());
+    };
+    const std::string lang = "\r\n  <key>Lang</key>\r\n  <string>de</string>";
+    Set("Lang", "ja\r<&>");
+    EXPECT_EQ(changed(head + value + tail),
+              head + value + "\r\n  <key>Lang</key>\r\n  <string>ja&#13;&#60;&#38;&#62;</string>" + tail);
+    EXPECT_EQ(Stored().Find("Lang")->text, "ja\r<&>");
+    Set("Lang", "fr");
+    EXPECT_EQ(changed(head + lang + lang + value + tail),
+              head + lang + "\r\n  <key>Lang</key>\r\n  <string>fr</string>" + value + tail);
+    Set("Lang", nullptr);
+    EXPECT_EQ(changed(head + lang + value + lang + tail), head + value + tail);
+    Set("Lang", "de");
+    EXPECT_EQ(changed("<dict a='b'/>"), "<dict a='b'>\n\t<key>Lang</key>\n\t<string>de</string>\n</dict>");
+}
+
+TEST_F(Preferences, UpdateFilesThatLoseTheirForm) {
+    const std::string oldStyle = "// c\n{ b = (<0a0b0c0d>, 'x & y', {}); a = b; }";
+    std::string utf16 = "\xFF\xFE";
+    for (const char c : std::string("<plist><dict/></plist>")) (utf16 += c) += '\0';
+    std::string note;
+    macplatform::SetCallObserver([&note](const macplatform::RecordedCall& entry) { note = entry.note; });
+    const auto noteOf = [&](const std::string& before) {
+        volume.Write("Library/Preferences/com.example.app.plist", before);
+        Set("Lang", "ja");
+        EXPECT_TRUE(Synchronise());
+        return note;
+    };
+    EXPECT_EQ(noteOf(oldStyle),
+              File().string() + ": lost the comments and the old style; the file is XML now");
+    EXPECT_EQ(Python(), "{'b': [b'\\n\\x0b\\x0c\\r', 'x & y', {}], 'a': 'b', 'Lang': 'ja'}\n");
+    EXPECT_EQ(noteOf(utf16), File().string() + ": lost the encoding UTF-16LE; the file is UTF-8 now");
+    EXPECT_EQ(Python(), "{'Lang': 'ja'}\n");
+    EXPECT_EQ(noteOf("<?xml version='1.0' encoding='latin1'?><dict><key>\xE9</key><true/></dict>"),
+              File().string() + ": lost the encoding latin1; the file is UTF-8 now");
+    EXPECT_EQ(Python(), "{'\xC3\xA9': True, 'Lang': 'ja'}\n");
+    EXPECT_EQ(noteOf("<dict/>"), "");
+    macplatform::SetCallObserver({});
+}
+
+TEST_F(Preferences, KeepUnusualBinaryObjects) {
     const std::string aSet("\xC1\x03"), loneSurrogate("\x61\xD8\x00", 3), nul("\122a\0", 3),
-        notAscii("\x51\xE9");
-    for (const std::string& object : {aSet, loneSurrogate, nul, notAscii}) {
-        const std::string plist = BinaryPlist({"\xD1\x01\x02", "\x51k", object, "\x09"});
+        latin1("\x51\xE9"), null("\0", 1), oldDate("\x33\xC2\x2D\x6B\x4A\xF0\0\0\0", 9),
+        minusZero("\x23\x80\0\0\0\0\0\0\0", 9);
+    for (const std::string& object : {aSet, loneSurrogate, nul, latin1, null, oldDate, minusZero}) {
+        const std::string plist = BinaryPlist({"\xD2\x01\x03\x02\x03", "\x51k", object, "\x10\x07"});
         volume.Write("Library/Preferences/com.example.app.plist", plist);
         Set("Lang", "ja");
         EXPECT_TRUE(Synchronise());
-        EXPECT_EQ(Stored().keys, (std::vector<std::string>{"k", "Lang"}));
+        EXPECT_EQ(Stored().keys, (std::vector<std::string>{"k", "\xFFinteger 7", "Lang"}));
         const bool hasMember = object == aSet; // The number of its member has changed.
         EXPECT_NE(ReadBytes(File()).find(hasMember ? "\xC1" : object), std::string::npos);
     }
+    volume.Write("Library/Preferences/com.example.app.plist",
+                 BinaryPlist({"\xD3\x01\x01\x02\x03\x04\x03", "\124Lang", "\x51k", "\x09", "\x08"}));
+    EXPECT_TRUE(Synchronise());
+    Set("Lang", "ja");
+    EXPECT_TRUE(Synchronise());
+    EXPECT_EQ(Python(), "{'Lang': 'ja', 'k': True}\n") << "the repeated key has one value now";
 }
 
 TEST_F(Preferences, KeepSharedObjectsOnceAndDropUnusedObjects) {
@@ -207,7 +263,7 @@ TEST_F(Preferences, ReportTheReasonOfAFailure) {
     std::vector<macplatform::RecordedCall> calls;
     macplatform::SetCallObserver(
         [&calls](const macplatform::RecordedCall& entry) { calls.push_back(entry); });
-    volume.Write("Library/Preferences/com.example.app.plist", "rubbish");
+    volume.Write("Library/Preferences/com.example.app.plist", "not a list");
     Set("Lang", "ja");
     calls.clear();
     EXPECT_FALSE(Synchronise());
@@ -215,7 +271,7 @@ TEST_F(Preferences, ReportTheReasonOfAFailure) {
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].call, "CFPreferencesSynchronize");
     EXPECT_EQ(calls[0].result, "false");
-    EXPECT_EQ(calls[0].note, File().string() + ": not a property list");
+    EXPECT_EQ(calls[0].note, File().string() + ": not a property list: line 1: ';' is missing");
 
     std::filesystem::remove(File());
     macplatform::InjectFault({"CFPreferencesSynchronize"});
