@@ -10,17 +10,11 @@ set(CMAKE_FIND_ROOT_PATH /)
 # The machine that builds the programs can run them.
 set(CMAKE_CROSSCOMPILING_EMULATOR "")
 
-set(i386_packages "dpkg --add-architecture i386 && apt-get update && apt-get install g++-multilib libplist-dev libplist-dev:i386")
-
 execute_process(
     COMMAND ${CMAKE_COMMAND} -E echo "#include <string>\nint main() { return int(std::string().size()); }"
     COMMAND ${CMAKE_CXX_COMPILER} -m32 -x c++ - -o /dev/null
     RESULT_VARIABLE cannot_compile OUTPUT_QUIET ERROR_QUIET)
 if(cannot_compile)
     message(FATAL_ERROR "The preset i386 needs a compiler for 32-bit programs (package g++-multilib). Install it with:\n"
-        "  ${i386_packages}")
-endif()
-if(NOT EXISTS /usr/lib/i386-linux-gnu/libplist-2.0.so)
-    message(FATAL_ERROR "The preset i386 needs the 32-bit property-list library (package libplist-dev:i386). Install it with:\n"
-        "  ${i386_packages}")
+        "  apt-get install g++-multilib")
 endif()
