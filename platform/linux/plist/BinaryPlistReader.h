@@ -3,8 +3,6 @@
 /// @file
 /// Reads binary property lists. Everything here throws `PropertyListError` for damaged bytes.
 
-#include "BinaryKind.h"
-
 #include <macplatform/PropertyList.h>
 
 #include <cstddef>
@@ -13,6 +11,29 @@
 #include <vector>
 
 namespace macplatform {
+
+/// The marker of an object: the upper four bits of its first byte. The lower four bits are a count, or the
+/// power of two of the number of bytes.
+enum class BinaryKind : unsigned {
+    kSimple = 0,
+    kInteger = 1,
+    kReal = 2,
+    kDate = 3,
+    kData = 4,
+    kLatin1String = 5,
+    kUtf16String = 6,
+    kUid = 8,
+    kArray = 0xA,
+    kSet = 0xC,
+    kDictionary = 0xD
+};
+
+constexpr unsigned kNullMarker = 0x00, kFalseMarker = 0x08, kTrueMarker = 0x09; ///< Of kind `kSimple`.
+constexpr unsigned kCountFollows = 0x0F; ///< The count is an integer object behind the marker.
+
+constexpr bool IsContainer(BinaryKind kind) {
+    return kind == BinaryKind::kArray || kind == BinaryKind::kSet || kind == BinaryKind::kDictionary;
+}
 
 /// Accesses the objects by their numbers, which are less than `Count()`. Never reads outside the bytes.
 class BinaryPlistObjects {

@@ -3,7 +3,7 @@
 /// @file
 /// Writes binary property lists.
 
-#include "BinaryKind.h"
+#include "BinaryPlistReader.h"
 
 #include <macplatform/PropertyList.h>
 

@@ -2,7 +2,7 @@
 
 #include "PropertyListLimits.h"
 #include "PropertyValues.h"
-#include "XmlPlistEdit.h"
+#include "XmlPlist.h"
 #include "corefoundation/TextEncoding.h"
 
 #include <algorithm>

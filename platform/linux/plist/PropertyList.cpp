@@ -5,8 +5,7 @@
 #include "OldStylePlist.h"
 #include "PropertyListBytes.h"
 #include "PropertyListText.h"
-#include "XmlPlistEdit.h"
-#include "XmlPlistReader.h"
+#include "XmlPlist.h"
 #include "posix/WholeFile.h"
 
 #include <cerrno>

@@ -54,8 +54,9 @@ std::string converted(std::string bytes, const std::string& encoding) {
     while (left > 0) {
         char block[4096];
         char* out = block;
-        std::size_t room = sizeof block;
-        const bool isDone = iconv(conversion.get(), &in, &left, &out, &room) != static_cast<std::size_t>(-1);
+        std::size_t capacity = sizeof block;
+        const bool isDone =
+            iconv(conversion.get(), &in, &left, &out, &capacity) != static_cast<std::size_t>(-1);
         if (!isDone && errno != E2BIG) throw PropertyListError("not encoded in " + encoding);
         text.append(block, out);
     }

@@ -5,7 +5,7 @@
 
 namespace macplatform {
 
-/// A property list in UTF-8, whatever the encoding of the file.
+/// A property list in UTF-8. The file may have another encoding.
 struct PropertyListText {
     std::string text;
     std::size_t start = 0;     ///< The offset behind a byte order mark.

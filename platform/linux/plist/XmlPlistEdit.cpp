@@ -1,7 +1,6 @@
-#include "XmlPlistEdit.h"
+#include "XmlPlist.h"
 
 #include "PropertyListLimits.h"
-#include "XmlPlistReader.h"
 
 #include <map>
 

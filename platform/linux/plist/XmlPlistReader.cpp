@@ -1,4 +1,4 @@
-#include "XmlPlistReader.h"
+#include "XmlPlist.h"
 
 #include "PropertyListLimits.h"
 #include "PropertyValues.h"

@@ -20,7 +20,7 @@ std::string_view withoutSpacesBefore(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(" \t\n\r"), text.size()));
 }
 
-/// Returns the value of a word for a real that is no number, whatever its case.
+/// Returns the value of a word for a real that is no number. Ignores the case.
 std::optional<double> realNamed(std::string word) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     for (char& c : word) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c | 0x20 : c);

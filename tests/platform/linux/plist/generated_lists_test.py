@@ -6,11 +6,10 @@ usage: generated_lists_test.py XCODHOST SET_ADDED_KEY
 
 import datetime
 import json
-import os
+import pathlib
 import plistlib
 import random
 import re
-import struct
 import subprocess
 import sys
 import tempfile
@@ -38,35 +37,22 @@ def value(chance, is_xml, depth=0):
     return items if kind < 0.85 else {chance.choice(TEXTS) + str(i): item for i, item in enumerate(items)}
 
 
-def shown(v):
-    """Returns the value as the tool writes it in JSON. A real has its bits, and a date its seconds."""
-    if isinstance(v, dict):
-        return {"type": "dict", "value": {key: shown(item) for key, item in v.items()}}
-    if isinstance(v, list):
-        return {"type": "array", "value": [shown(item) for item in v]}
-    if isinstance(v, datetime.datetime):
-        return {"type": "date", "value": v}
-    if isinstance(v, float):
-        return {"type": "real", "value": "nan" if v != v else struct.pack("d", v)}
-    for kind, name in ((bool, "boolean"), (int, "integer"), (str, "string")):
-        if isinstance(v, kind):
-            return {"type": name, "value": v}
-    return {"type": "data", "value": v.hex()} if isinstance(v, bytes) else {"type": "uid", "value": str(v.data)}
-
-
-def as_shown(entry):
-    """Replaces the texts of reals and dates in the JSON of the tool."""
-    v = entry["value"]
-    if entry["type"] == "date":
+def native(entry):
+    """Returns the value that the tool writes as JSON."""
+    kind, v = entry["type"], entry["value"]
+    if kind == "dict":
+        return {key: native(item) for key, item in v.items()}
+    if kind == "array":
+        return [native(item) for item in v]
+    if kind == "date":
         whole, _, fraction = v.rstrip("Z").partition(".")
-        v = datetime.datetime.fromisoformat(whole) + datetime.timedelta(seconds=float("0." + (fraction or "0")))
-    elif entry["type"] == "real":
-        v = "nan" if v == "nan" else struct.pack("d", float(v))
-    elif entry["type"] == "array":
-        v = [as_shown(item) for item in v]
-    elif entry["type"] == "dict":
-        v = {key: as_shown(item) for key, item in v.items()}
-    return {"type": entry["type"], "value": v}
+        return datetime.datetime.fromisoformat(whole) + datetime.timedelta(seconds=float("0." + (fraction or "0")))
+    return {"real": float, "data": bytes.fromhex, "uid": lambda text: plistlib.UID(int(text))}.get(kind, lambda same: same)(v)
+
+
+def text_of(model):
+    """Returns a text that differs for every two models: those with 0.0 and -0.0, with 1 and True."""
+    return repr(sorted(model.items()))
 
 
 def mutated(chance, xml):
@@ -99,59 +85,51 @@ def only_old_style(v):
     return [only_old_style(item) for item in v] if isinstance(v, list) else v if isinstance(v, bytes) else str(v)
 
 
-def require(is_true, what):
-    if not is_true:
-        sys.exit(f"generated_lists_test: {what}")
+def compare(tool, volume, models):
+    """Requires that the tool reads the models from the files of their domains."""
+    output = json.loads(subprocess.run([tool, "show", "--volume", volume, "--json"], check=True, capture_output=True).stdout)
+    assert not output["problems"], output["problems"][:3]
+    seen = {}
+    for entry in output["preferences"]:
+        seen.setdefault(entry["domain"], {})[entry["key"]] = native(entry["value"])
+    for domain, model in models.items():
+        assert text_of(seen[domain]) == text_of(model), f"{domain}: {seen[domain]} is not {model}"
+
+
+def generated(chance, form):
+    """Returns the bytes of a property list, and the dictionary that the bytes have."""
+    keys = [f"{i} {chance.choice(TEXTS)}" for i in range(chance.randint(0, 9))]
+    model = {"first": 1, **{key: value(chance, form != "binary") for key in keys}}
+    if form == "old":
+        return old_style(only_old_style(model)).encode(), only_old_style(model)
+    if form == "binary":
+        data = plistlib.dumps(model, fmt=plistlib.FMT_BINARY, sort_keys=False)
+        return data, plistlib.loads(data)  # plistlib writes equal numbers once: 0.0 for -0.0
+    return mutated(chance, plistlib.dumps(model, sort_keys=False)), model
 
 
 def main():
     tool, editor = sys.argv[1:]
     with tempfile.TemporaryDirectory() as volume:
-        folder = os.path.join(volume, "Library/Preferences")
-        os.makedirs(folder)
-        path = lambda domain: os.path.join(folder, domain + ".plist")  # noqa: E731
-        read = lambda domain: open(path(domain), "rb").read()  # noqa: E731
+        folder = pathlib.Path(volume, "Library/Preferences")
+        folder.mkdir(parents=True)
+        lists = {f"{form}{i}": generated(random.Random(i), form) for i in range(LISTS) for form in ("xml", "binary", "old")}
+        for domain, (data, _) in lists.items():
+            (folder / f"{domain}.plist").write_bytes(data)
+        compare(tool, volume, {domain: model for domain, (_, model) in lists.items()})
 
-        def compare(expected):
-            output = json.loads(subprocess.run([tool, "show", "--volume", volume, "--json"], check=True, capture_output=True).stdout)
-            require(not output["problems"], output["problems"][:3])
-            seen = {}
-            for entry in output["preferences"]:
-                seen.setdefault(entry["domain"], {})[entry["key"]] = as_shown(entry["value"])
-            for domain, model in expected.items():
-                wanted = {key: shown(item) for key, item in model.items()}
-                wrong = [(seen.get(domain, {}).get(key), entry) for key, entry in wanted.items() if seen.get(domain, {}).get(key) != entry]
-                require(seen.get(domain) == wanted, f"{domain}: {wrong or seen.get(domain)}: {read(domain)!r}")
-
-        models, files = {}, {}
-        for number in range(LISTS):
-            chance = random.Random(number)
-            for form in ("xml", "binary", "old"):
-                model = {"first": 1, **{f"{i} {chance.choice(TEXTS)}": value(chance, form != "binary") for i in range(chance.randint(0, 9))}}
-                domain = f"{form}{number}"
-                if form == "old":
-                    model, files[domain] = only_old_style(model), old_style(model).encode()
-                elif form == "binary":
-                    files[domain] = plistlib.dumps(model, fmt=plistlib.FMT_BINARY, sort_keys=False)
-                    model = plistlib.loads(files[domain])  # plistlib writes equal numbers once: 0.0 for -0.0
-                else:
-                    files[domain] = mutated(chance, plistlib.dumps(model, sort_keys=False))
-                models[domain] = model
-                with open(path(domain), "wb") as file:
-                    file.write(files[domain])
-        compare(models)
-
-        edited = [f"{form}{number}" for form in ("xml", "binary", "old") for number in range(EDITED)]
+        edited = [f"{form}{i}" for i in range(EDITED) for form in ("xml", "binary", "old")]
         for action, extra in (("set", {"added": "value"}), ("remove", {})):
             refused = subprocess.run([editor, volume, action, *edited], check=True, capture_output=True, text=True).stdout
-            require(not refused, f"{action}: not stored: {refused}")
-            expected = {domain: {**models[domain], **extra} for domain in edited}
-            compare(expected)
-            for domain, model in expected.items():
-                require(shown(plistlib.loads(read(domain))) == shown(model), f"{domain}: plistlib reads another value after {action}")
+            assert not refused, f"{action}: not stored: {refused}"
+            models = {domain: {**lists[domain][1], **extra} for domain in edited}
+            compare(tool, volume, models)
+            for domain, model in models.items():
+                seen = plistlib.loads((folder / f"{domain}.plist").read_bytes())
+                assert text_of(seen) == text_of(model), f"{domain}: plistlib reads {seen} after {action}"
         for domain in edited:
-            is_kept = domain.startswith("xml") and files[domain][:2] != b"\xff\xfe"
-            require(not is_kept or read(domain) == files[domain], f"{domain}: bytes have changed")
+            is_utf8 = domain.startswith("xml") and lists[domain][0][:2] != b"\xff\xfe"
+            assert not is_utf8 or (folder / f"{domain}.plist").read_bytes() == lists[domain][0], f"{domain}: bytes have changed"
 
 
 main()
