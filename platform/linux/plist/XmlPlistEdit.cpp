@@ -31,7 +31,10 @@ public:
     }
 
     std::string With(const PropertyListChanges& changes) {
-        for (std::size_t i = 0; i < plist.entries.size(); ++i) lastEntries[plist.entries[i].key] = i;
+        for (std::size_t i = 0; i < plist.entries.size(); ++i) {
+            const std::string& key = plist.entries[i].key;
+            if (changes.count(key) > 0) lastEntries[key] = i;
+        }
         for (std::size_t i = 0; i < plist.entries.size(); ++i) {
             const auto change = changes.find(plist.entries[i].key);
             if (change != changes.end()) Change(i, change->second);
@@ -84,7 +87,7 @@ private:
 
     std::string_view text;
     XmlPlist plist;
-    std::map<std::string_view, std::size_t> lastEntries; ///< The last entry of each key.
+    std::map<std::string_view, std::size_t> lastEntries; ///< The last entry of each key that changes.
     std::string edited;
     std::size_t copied = 0; ///< The bytes of `text` that are copied or dropped.
 };
