@@ -32,7 +32,8 @@ void checkEdits(const std::string& bytes, const ParsedPropertyList& before) {
         added = withKey(bytes, before);
     } catch (const PropertyListError&) {
         // XML cannot represent the lone surrogates of an old-style list.
-        Require(before.format == PropertyListFormat::kOldStyle, "XML and binary property lists can be edited");
+        Require(before.format == PropertyListFormat::kOldStyle,
+                "XML and binary property lists can be edited");
         return;
     }
     const EditedPropertyList back = EditPropertyList(added.bytes, {{"added", std::nullopt}});

@@ -41,10 +41,11 @@ std::string binary(const std::string& hexadecimal) {
     return BinaryPlist(objects);
 }
 
-const struct {
+struct Row {
     std::string bytes;
     const char* read;
-} kRows[] = {
+};
+const Row kRows[] = {
 #include "PropertyLists.inc"
 };
 
