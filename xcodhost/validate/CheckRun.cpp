@@ -195,6 +195,7 @@ std::string Describe(const Changes& changes) {
 
 std::string Describe(const std::vector<macplatform::Alert>& alerts) {
     std::vector<std::string> texts;
+    texts.reserve(alerts.size());
     for (const macplatform::Alert& alert : alerts) texts.push_back(Describe(alert));
     return texts.empty() ? "no alert" : Join(texts, ", ");
 }

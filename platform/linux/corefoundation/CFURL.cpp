@@ -57,7 +57,7 @@ std::string toAbsolutePath(const std::string& path) {
     return withoutDots(std::string(folder) + '/' + path);
 }
 
-CFURLRef newUrl(CFStringRef text, CFURLPathStyle style, bool isDirectory) {
+CFURLRef createUrl(CFStringRef text, CFURLPathStyle style, bool isDirectory) {
     const auto utf8 = Utf8(text, "CFURLCreateWithFileSystemPath");
     std::string path = utf8 && style == kCFURLPOSIXPathStyle ? toAbsolutePath(*utf8) : std::string();
     if (path.empty()) return nullptr;
@@ -94,7 +94,7 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef pat
     if (call.IsRecorded()) {
         RecordArguments(call, allocator, path, styleName(style), std::string(isDirectory ? "true" : "false"));
     }
-    return ObjectResult(call, call.ConsumeFault() ? nullptr : newUrl(path, style, isDirectory));
+    return ObjectResult(call, call.ConsumeFault() ? nullptr : createUrl(path, style, isDirectory));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
