@@ -3,6 +3,7 @@
 #include "PropertyListLimits.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <iconv.h>
 #include <memory>
 #include <string_view>
@@ -46,7 +47,7 @@ std::string converted(std::string bytes, const std::string& encoding) {
     const bool isAscii = areSameName(encoding, "US-ASCII") || areSameName(encoding, "ASCII");
     const char* const name = isAscii ? "ISO-8859-1" : encoding.c_str();
     const iconv_t opened = iconv_open("UTF-8", encoding.find('/') == encoding.npos ? name : "/");
-    if (opened == iconv_t(-1)) throw PropertyListError("the encoding is unknown");
+    if (reinterpret_cast<std::intptr_t>(opened) == -1) throw PropertyListError("the encoding is unknown");
     const std::unique_ptr<void, CloseConversion> conversion(opened);
     std::string text;
     char* in = bytes.data();

@@ -128,7 +128,8 @@ std::string EscapeSurrogates(const std::string& text) {
             continue;
         }
         char unit[8];
-        std::snprintf(unit, sizeof unit, "\\u%04X", 0xD000U | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU));
+        const unsigned surrogate = 0xD000U | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU);
+        static_cast<void>(std::snprintf(unit, sizeof unit, "\\u%04X", surrogate));
         escaped += unit;
         i += 2;
     }

@@ -76,7 +76,8 @@ private:
         std::string added;
         for (const auto& [key, value] : changes) {
             if (!value || lastEntries.count(key) > 0) continue;
-            added += space + XmlKeyElement(key) + space + XmlElement(*value);
+            added.append(space).append(XmlKeyElement(key));
+            added.append(space).append(XmlElement(*value));
         }
         if (plist.isEmptyTag && !added.empty()) {
             edited.replace(edited.size() - 2, 2, ">"); // <dict/> becomes <dict>.
