@@ -69,7 +69,7 @@ public:
             Target* const target = reinterpret_cast<Target*>(kTargetBlock) + size.misaligned;
             comparison.Add(
                 implementation, [run, size, source, target] { run(size.count, source, target); },
-                [this_scale = scale, size, source] { fillSource(source, size.count, this_scale); },
+                [thisScale = scale, size, source] { fillSource(source, size.count, thisScale); },
                 [size, target] {
                     return std::string(reinterpret_cast<const char*>(target),
                                        std::min(size.count, 1000u) * sizeof(Target));
