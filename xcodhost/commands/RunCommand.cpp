@@ -108,11 +108,9 @@ private:
     void Add(macplatform::RecordedCall&& entry) {
         if (result.calls.empty()) return;
         CallRecord& call = result.calls.back();
-        const bool isStored = entry.result != "false";
-        const bool isLostWrite =
-            entry.call == "CFPreferencesSynchronize" && (!isStored || !entry.note.empty());
-        if (isLostWrite && !entry.arguments.empty()) {
-            call.lostWrites.push_back({Unquoted(entry.arguments.front()), entry.note, isStored});
+        if (IsSynchronisationProblem(entry) && !entry.arguments.empty()) {
+            const bool isStored = entry.result != "false";
+            call.synchronisationProblems.push_back({Unquoted(entry.arguments.front()), entry.note, isStored});
         }
         if (result.hasTrace) call.platformCalls.push_back(std::move(entry));
     }
@@ -140,10 +138,10 @@ private:
 
 /// Returns the line for a preferences file that cannot be read after the run.
 std::string fileProblem(const std::string& domain, const PreferencesFile& file, const VolumeState& before,
-                        const VolumeState& after, bool hasLostWrite) {
+                        const VolumeState& after, bool isNothingStored) {
     std::string text = Printable(domain) + ": " + Printable(file.path) + ' ' + file.problem;
     if (!IsUntouched(before, after, file.path)) return text + "; the run caused this";
-    return text + "; the run left it unchanged" + (hasLostWrite ? " and stored nothing" : "");
+    return text + "; the run left it unchanged" + (isNothingStored ? " and stored nothing" : "");
 }
 
 std::vector<std::string> findProblems(const RunResult& result, const VolumeState& before,
@@ -151,15 +149,18 @@ std::vector<std::string> findProblems(const RunResult& result, const VolumeState
     std::map<std::string, std::string> lost; // for each domain, the first reason
     std::vector<std::string> problems = after.problems;
     for (const CallRecord& call : result.calls) {
-        for (const SynchronisationProblem& write : call.lostWrites) {
-            if (write.isStored) problems.push_back(Printable(write.domain + ": " + write.reason));
-            if (!write.isStored) lost.emplace(write.domain, write.reason);
+        for (const SynchronisationProblem& problem : call.synchronisationProblems) {
+            if (problem.isStored) {
+                problems.push_back(Printable(problem.domain + ": " + problem.reason));
+            } else {
+                lost.emplace(problem.domain, problem.reason);
+            }
         }
     }
     for (const auto& [domain, file] : after.preferences) {
         if (file.problem.empty()) continue;
-        const bool hasLostWrite = lost.erase(domain) > 0;
-        problems.push_back(fileProblem(domain, file, before, after, hasLostWrite));
+        const bool isNothingStored = lost.erase(domain) > 0;
+        problems.push_back(fileProblem(domain, file, before, after, isNothingStored));
     }
     for (const auto& [domain, reason] : lost) {
         problems.push_back(

@@ -47,9 +47,7 @@ private:
     void Record(const macplatform::RecordedCall& entry) const {
         // CFPlugInInstanceCreate is a call of the host. It calls the factory function of the bundle.
         if (!bundle.IsRunning() || entry.call == "CFPlugInInstanceCreate") return;
-        const bool isLostWrite =
-            entry.call == "CFPreferencesSynchronize" && (entry.result == "false" || !entry.note.empty());
-        if (plan.recordsAll || isLostWrite) channel.Send(entry);
+        if (plan.recordsAll || IsSynchronisationProblem(entry)) channel.Send(entry);
     }
 
     void DeliverThroughInterface() {
@@ -86,6 +84,10 @@ private:
 };
 
 } // namespace
+
+bool IsSynchronisationProblem(const macplatform::RecordedCall& call) {
+    return call.call == "CFPreferencesSynchronize" && (call.result == "false" || !call.note.empty());
+}
 
 void Deliver(const DeliveryPlan& plan, const Channel& channel) {
     try {

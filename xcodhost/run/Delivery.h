@@ -1,7 +1,7 @@
 #pragma once
 
 /// Declares a function that loads a bundle and delivers events to it. The function is called in the child
-/// process.
+/// process. Also declares which platform calls the child process always reports.
 
 #include "contract/PluginContract.h"
 #include "process/Child.h"
@@ -17,8 +17,12 @@ struct DeliveryPlan {
     std::string volume;                 ///< The directory of the startup volume.
     std::vector<ParameterBlock> blocks; ///< One delivery for each block, in this order.
     bool isDirect = false;   ///< Call the exported PreInstall and PostInstall instead of the main entry.
-    bool recordsAll = false; ///< Report every platform call. False: report only failed synchronisations.
+    bool recordsAll = false; ///< Report every platform call. False: only `IsSynchronisationProblem`.
 };
+
+/// Returns whether the call is a CFPreferencesSynchronize that stored nothing, or that could not keep
+/// everything in the file.
+bool IsSynchronisationProblem(const macplatform::RecordedCall& call);
 
 /// Makes the calls of the installer: creates an instance, queries the interface, calls the main entry once
 /// for each block, and releases the instance and the interface. With `isDirect`, calls only the exported

@@ -36,7 +36,7 @@ struct CallRecord {
     std::optional<CallReturned> returned; ///< No value: the call did not return.
     std::vector<AlertRecord> alerts;
     std::vector<macplatform::RecordedCall> platformCalls; ///< Filled only for `--trace`.
-    std::vector<SynchronisationProblem> lostWrites;
+    std::vector<SynchronisationProblem> synchronisationProblems;
 
     /// Returns the function and its arguments: "XCodMain(selector 1000, ...)".
     std::string Describe() const;
