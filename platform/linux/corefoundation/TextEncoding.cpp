@@ -1,9 +1,11 @@
 #include "TextEncoding.h"
 
+#include <macplatform/PropertyList.h> // EscapeSurrogates
 #include <macplatform/Utf8.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <iterator>
 
 namespace macplatform {
@@ -179,6 +181,34 @@ std::optional<std::string> EncodeUtf8(std::u16string_view units) {
         appendUtf8(bytes, *character);
     }
     return bytes;
+}
+
+std::string Utf8WithSurrogates(std::u16string_view units) {
+    std::string bytes;
+    bytes.reserve(units.size());
+    while (!units.empty()) {
+        const char16_t first = units.front();
+        appendUtf8(bytes, decodeCharacter(units).value_or(first));
+    }
+    return bytes;
+}
+
+std::string EscapeSurrogates(const std::string& text) {
+    std::string escaped;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = [&text, i](std::size_t at) { return static_cast<unsigned char>(text[i + at]); };
+        const bool isSurrogate = byte(0) == 0xED && i + 2 < text.size() && byte(1) >= 0xA0;
+        if (!isSurrogate) {
+            escaped += text[i];
+            continue;
+        }
+        char unit[8];
+        const unsigned surrogate = 0xD000U | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU);
+        static_cast<void>(std::snprintf(unit, sizeof unit, "\\u%04X", surrogate));
+        escaped += unit;
+        i += 2;
+    }
+    return escaped;
 }
 
 std::string ReadableUtf8(std::u16string_view units) {

@@ -30,6 +30,8 @@ std::optional<std::string> EncodeMacRoman(std::u16string_view units);
 /// Encodes ASCII. Returns no value if a character is not ASCII.
 std::optional<std::string> EncodeAscii(std::u16string_view units);
 
+/// Encodes UTF-8, and an unpaired surrogate like any other character of three bytes.
+std::string Utf8WithSurrogates(std::u16string_view units);
 /// Encodes UTF-8 for display. An unpaired surrogate becomes U+FFFD.
 std::string ReadableUtf8(std::u16string_view units);
 

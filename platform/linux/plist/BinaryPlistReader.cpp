@@ -1,7 +1,5 @@
-#include "BinaryPlistReader.h"
+#include "BinaryPlist.h"
 
-#include "PropertyListLimits.h"
-#include "PropertyValues.h"
 #include "corefoundation/TextEncoding.h"
 
 #include <cstdint>
@@ -13,10 +11,8 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 8, kTrailerBytes = 32, kWidestNumber = 16;
 
-[[noreturn]] void refuse() { throw PropertyListError("the binary property list is damaged"); }
-
 void require(bool isIntact) {
-    if (!isIntact) refuse();
+    if (!isIntact) throw PropertyListError("the binary property list is damaged");
 }
 
 /// Returns the lowest 64 bits of a big-endian number.
@@ -63,36 +59,35 @@ public:
     PropertyValue Root() { return ValueOf(objects.Root()); }
 
 private:
-    PropertyValue ValueOf(std::size_t object) {
+    PropertyValue ValueOf(std::size_t number) {
         if (++valueCount > kMaxPropertyListValues) throw PropertyListError(kTooManyValues);
-        const BinaryKind kind = objects.KindOf(object);
-        if (!IsContainer(kind)) return Charged(objects.ScalarValue(object));
-        if (isOpen[object]) throw PropertyListError("an object contains itself");
+        const BinaryObject object = objects.At(number);
+        if (!object.IsContainer()) return Charged(object.ScalarValue());
+        if (isOpen[number]) throw PropertyListError("an object contains itself");
         if (++depth > kMaxPropertyListDepth) throw PropertyListError(kTooDeep);
-        if (objects.MemberCount(object) > kMaxPropertyListValues) throw PropertyListError(kTooManyValues);
-        isOpen[object] = true;
-        PropertyValue container = ContainerOf(kind, objects.Members(object));
-        isOpen[object] = false;
+        isOpen[number] = true;
+        PropertyValue container = ContainerOf(object);
+        isOpen[number] = false;
         --depth;
         return container;
     }
 
-    PropertyValue ContainerOf(BinaryKind kind, const std::vector<std::size_t>& members) {
+    PropertyValue ContainerOf(const BinaryObject& object) {
         using Kind = PropertyValue::Kind;
-        const bool isDictionary = kind == BinaryKind::kDictionary;
-        PropertyValue container = ContainerValue(isDictionary               ? Kind::kDictionary
-                                                 : kind == BinaryKind::kSet ? Kind::kSet
-                                                                            : Kind::kArray);
-        const std::size_t keyCount = isDictionary ? members.size() / 2 : 0;
-        for (std::size_t i = 0; i < keyCount; ++i) container.keys.push_back(KeyOf(members[i]));
+        const bool isDictionary = object.kind == BinaryKind::kDictionary;
+        const Kind kind = object.kind == BinaryKind::kSet ? Kind::kSet : Kind::kArray;
+        PropertyValue container = ContainerValue(isDictionary ? Kind::kDictionary : kind);
+        const std::size_t keyCount = isDictionary ? object.members.size() / 2 : 0;
+        for (std::size_t i = 0; i < keyCount; ++i) container.keys.push_back(KeyOf(object.members[i]));
         auto& values = isDictionary ? container.values : container.items;
-        for (std::size_t i = keyCount; i < members.size(); ++i) values.push_back(ValueOf(members[i]));
-        RemoveRepeatedKeys(container, RepeatedKeys::kFirstCounts);
+        for (std::size_t i = keyCount; i < object.members.size(); ++i)
+            values.push_back(ValueOf(object.members[i]));
+        if (isDictionary) RemoveRepeatedKeys(container, RepeatedKeys::kFirstCounts);
         return container;
     }
 
-    std::string KeyOf(std::size_t object) {
-        const PropertyValue key = ValueOf(object);
+    std::string KeyOf(std::size_t number) {
+        const PropertyValue key = ValueOf(number);
         if (key.kind == PropertyValue::Kind::kString) return key.text;
         const std::string other = PropertyValue::kOtherKeyMark + std::string(key.KindName()) + ' ';
         return Charged(StringValue(other + key.Describe())).text;
@@ -114,7 +109,28 @@ private:
 
 } // namespace
 
-BinaryPlistObjects::BinaryPlistObjects(const std::string& source) : bytes(source) {
+PropertyValue BinaryObject::ScalarValue() const {
+    switch (kind) {
+    case BinaryKind::kInteger:
+        return integerValue(contents);
+    case BinaryKind::kReal:
+        return RealValue(realFrom(contents));
+    case BinaryKind::kDate:
+        return DateValue(realFrom(contents));
+    case BinaryKind::kData:
+        return DataValue(contents);
+    case BinaryKind::kLatin1String:
+        return StringValue(DecodeAscii(contents));
+    case BinaryKind::kUtf16String:
+        return StringValue(utf16From(contents));
+    case BinaryKind::kUid:
+        return UidValue(bigEndian(contents));
+    default:
+        return low == kNullMarker ? NullValue() : BooleanValue(low == kTrueMarker);
+    }
+}
+
+BinaryPlistObjects::BinaryPlistObjects(std::string_view source) : bytes(source) {
     require(bytes.size() >= kHeaderBytes + kTrailerBytes);
     const std::size_t trailer = bytes.size() - kTrailerBytes;
     offsetWidth = Number(trailer + 6, 1);
@@ -128,54 +144,50 @@ BinaryPlistObjects::BinaryPlistObjects(const std::string& source) : bytes(source
     if (objectCount > kMaxPropertyListValues) throw PropertyListError(kTooManyValues);
 }
 
+BinaryObject BinaryPlistObjects::At(std::size_t number) const {
+    const std::size_t at = Number(table + number * offsetWidth, offsetWidth);
+    require(at >= kHeaderBytes && at < table);
+    const auto marker = static_cast<unsigned char>(bytes[at]);
+    BinaryObject object = {static_cast<BinaryKind>(marker >> 4), marker & 0x0FU, {}, {}, {}};
+    std::size_t first = at + 1;
+    const bool hasCount = object.kind >= BinaryKind::kData && object.kind != BinaryKind::kUid;
+    const std::size_t count = hasCount && object.low == kCountFollows ? LongCount(first) : object.low;
+    if (object.IsContainer()) {
+        require(count <= table); // so that its double is right
+        object.members = Members(first, object.kind == BinaryKind::kDictionary ? 2 * count : count);
+        return object;
+    }
+    const std::size_t size = SizeOf(object, count);
+    require(size <= table - first);
+    object.bytes = bytes.substr(at, first - at + size);
+    object.contents = bytes.substr(first, size);
+    return object;
+}
+
 /// Returns the big-endian number at an offset, which must be inside the bytes. Returns SIZE_MAX if the number
 /// does not fit into `std::size_t`.
 std::size_t BinaryPlistObjects::Number(std::size_t at, std::size_t width) const {
     std::size_t number = 0;
-    for (std::size_t i = at; i < at + width; ++i) {
+    for (const char c : bytes.substr(at, width)) {
         if (number > SIZE_MAX >> 8) return SIZE_MAX;
-        number = number << 8 | static_cast<unsigned char>(bytes[i]);
+        number = number << 8 | static_cast<unsigned char>(c);
     }
     return number;
 }
 
-BinaryPlistObjects::Extent BinaryPlistObjects::ExtentOf(std::size_t object) const {
-    const std::size_t at = Number(table + object * offsetWidth, offsetWidth);
-    require(at >= kHeaderBytes && at < table);
+/// Reads a count that is an integer object, and moves the offset behind this object.
+std::size_t BinaryPlistObjects::LongCount(std::size_t& at) const {
+    require(at < table);
     const auto marker = static_cast<unsigned char>(bytes[at]);
-    const unsigned low = marker & 0x0FU;
-    Extent extent = {static_cast<BinaryKind>(marker >> 4), low, at, at + 1, low};
-    const bool hasCount = extent.kind >= BinaryKind::kData && extent.kind != BinaryKind::kUid;
-    if (!hasCount || low != kCountFollows) return extent;
-    require(extent.first < table);
-    const auto countMarker = static_cast<unsigned char>(bytes[extent.first]);
-    const std::size_t width = std::size_t{1} << (countMarker & 0x0F);
-    require(static_cast<BinaryKind>(countMarker >> 4) == BinaryKind::kInteger && width <= kWidestNumber);
-    require(width < table - extent.first);
-    extent.count = Number(extent.first + 1, width);
-    extent.first += 1 + width;
-    return extent;
-}
-
-std::size_t BinaryPlistObjects::MemberCount(std::size_t object) const {
-    const Extent extent = ExtentOf(object);
-    const std::size_t references = extent.kind == BinaryKind::kDictionary ? 2 : 1;
-    require(extent.count <= (table - extent.first) / referenceWidth / references);
-    return extent.count * references;
-}
-
-std::vector<std::size_t> BinaryPlistObjects::Members(std::size_t object) const {
-    const std::size_t first = ExtentOf(object).first;
-    std::vector<std::size_t> members(MemberCount(object));
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        members[i] = Number(first + i * referenceWidth, referenceWidth);
-        require(members[i] < objectCount);
-    }
-    return members;
+    const std::size_t width = std::size_t{1} << (marker & 0x0F);
+    require(static_cast<BinaryKind>(marker >> 4) == BinaryKind::kInteger && width <= kWidestNumber);
+    require(width < table - at);
+    at += 1 + width;
+    return Number(at - width, width);
 }
 
 /// Returns the number of bytes of a scalar, without its marker and count.
-std::size_t BinaryPlistObjects::SizeOf(const Extent& scalar) const {
+std::size_t BinaryPlistObjects::SizeOf(const BinaryObject& scalar, std::size_t count) const {
     const unsigned low = scalar.low;
     switch (scalar.kind) {
     case BinaryKind::kSimple:
@@ -185,53 +197,31 @@ std::size_t BinaryPlistObjects::SizeOf(const Extent& scalar) const {
         require(low <= 4);
         return std::size_t{1} << low;
     case BinaryKind::kReal:
-        require(low == 2 || low == 3);
-        return std::size_t{1} << low;
     case BinaryKind::kDate:
-        require(low == 3);
-        return sizeof(double);
+        require(low == 3 || (low == 2 && scalar.kind == BinaryKind::kReal));
+        return std::size_t{1} << low;
     case BinaryKind::kUid:
         require(low < 8);
         return low + 1;
     case BinaryKind::kData:
     case BinaryKind::kLatin1String:
-        return scalar.count;
-    case BinaryKind::kUtf16String:
-        require(scalar.count <= table / 2);
-        return scalar.count * 2;
+        return count;
     default:
-        refuse();
+        require(scalar.kind == BinaryKind::kUtf16String && count <= table / 2);
+        return count * 2;
     }
 }
 
-std::string_view BinaryPlistObjects::ScalarBytes(std::size_t object) const {
-    const Extent extent = ExtentOf(object);
-    const std::size_t size = SizeOf(extent);
-    require(size <= table - extent.first);
-    return std::string_view(bytes).substr(extent.at, extent.first - extent.at + size);
-}
-
-PropertyValue BinaryPlistObjects::ScalarValue(std::size_t object) const {
-    const Extent extent = ExtentOf(object);
-    const std::string_view value = ScalarBytes(object).substr(extent.first - extent.at);
-    switch (extent.kind) {
-    case BinaryKind::kInteger:
-        return integerValue(value);
-    case BinaryKind::kReal:
-        return RealValue(realFrom(value));
-    case BinaryKind::kDate:
-        return DateValue(realFrom(value));
-    case BinaryKind::kData:
-        return DataValue(value);
-    case BinaryKind::kLatin1String:
-        return StringValue(DecodeAscii(value));
-    case BinaryKind::kUtf16String:
-        return StringValue(utf16From(value));
-    case BinaryKind::kUid:
-        return UidValue(bigEndian(value));
-    default:
-        return extent.low == kNullMarker ? NullValue() : BooleanValue(extent.low == kTrueMarker);
+std::vector<std::size_t> BinaryPlistObjects::Members(std::size_t first, std::size_t count) const {
+    require(count <= (table - first) / referenceWidth);
+    if (count > kMaxPropertyListValues) throw PropertyListError(kTooManyValues);
+    std::vector<std::size_t> members(count);
+    for (std::size_t& member : members) {
+        member = Number(first, referenceWidth);
+        require(member < objectCount);
+        first += referenceWidth;
     }
+    return members;
 }
 
 PropertyValue ReadBinaryPlist(const std::string& bytes) { return BinaryReader(bytes).Root(); }

@@ -1,6 +1,5 @@
 #include "OldStylePlist.h"
 
-#include "PropertyListLimits.h"
 #include "PropertyValues.h"
 #include "XmlPlist.h"
 #include "corefoundation/TextEncoding.h"

@@ -1,10 +1,8 @@
 #include <macplatform/PropertyList.h>
 
-#include "BinaryPlistEdit.h"
-#include "BinaryPlistReader.h"
+#include "BinaryPlist.h"
 #include "OldStylePlist.h"
 #include "PropertyListBytes.h"
-#include "PropertyListText.h"
 #include "XmlPlist.h"
 #include "posix/WholeFile.h"
 
@@ -38,34 +36,29 @@ ParsedPropertyList parseText(const PropertyListText& text) {
 /// in the order of their keys.
 PropertyValue withChanges(const PropertyValue& before, PropertyListChanges changes) {
     PropertyValue after = ContainerValue(PropertyValue::Kind::kDictionary);
-    for (std::size_t i = 0; i < before.keys.size(); ++i) {
-        const auto change = changes.find(before.keys[i]);
-        const bool isChanged = change != changes.end();
-        if (!isChanged || change->second) {
-            after.keys.push_back(before.keys[i]);
-            after.values.push_back(isChanged ? *change->second : before.values[i]);
-        }
-        if (isChanged) changes.erase(change);
-    }
-    for (const auto& [key, value] : changes) {
-        if (!value) continue;
+    const auto add = [&after](const std::string& key, std::optional<PropertyValue> value) {
+        if (!value) return;
         after.keys.push_back(key);
-        after.values.push_back(*value);
+        after.values.push_back(std::move(*value));
+    };
+    for (std::size_t i = 0; i < before.keys.size(); ++i) {
+        const auto change = changes.extract(before.keys[i]);
+        add(before.keys[i], change ? change.mapped() : before.values[i]);
     }
+    for (const auto& [key, value] : changes) add(key, value);
     return after;
 }
 
-EditedPropertyList editText(const std::string& bytes, const ParsedPropertyList& before,
-                            const PropertyListChanges& changes) {
-    if (before.format == PropertyListFormat::kOldStyle)
-        return {EditXmlPlist(XmlFromOldStyle(before.root), 0, changes),
-                {},
-                "the comments and the old style; the file is XML now"};
-    const PropertyListText text = DecodePropertyListText(bytes);
-    EditedPropertyList edited = {EditXmlPlist(text.text, text.start, changes), {}, {}};
-    if (!text.convertedFrom.empty())
-        edited.lost = "the encoding " + text.convertedFrom + "; the file is UTF-8 now";
-    return edited;
+EditedPropertyList edit(const std::string& bytes, const ParsedPropertyList& before,
+                        const PropertyListChanges& changes) {
+    if (before.format == PropertyListFormat::kBinary) return {EditBinaryPlist(bytes, changes), {}, {}};
+    if (before.format == PropertyListFormat::kOldStyle) {
+        const std::string xml = XmlFromOldStyle(before.root);
+        return {EditXmlPlist(xml, 0, changes), {}, "the comments and the old style; the file is XML now"};
+    }
+    const auto [text, start, encoding] = DecodePropertyListText(bytes);
+    const std::string lost = encoding.empty() ? "" : "the encoding " + encoding + "; the file is UTF-8 now";
+    return {EditXmlPlist(text, start, changes), {}, lost};
 }
 
 } // namespace
@@ -79,12 +72,7 @@ ParsedPropertyList ParsePropertyList(const std::string& bytes) {
 
 EditedPropertyList EditPropertyList(const std::string& bytes, const PropertyListChanges& changes) {
     const ParsedPropertyList before = ParsePropertyList(bytes);
-    EditedPropertyList edited;
-    if (before.format == PropertyListFormat::kBinary) {
-        edited.bytes = EditBinaryPlist(bytes, changes);
-    } else {
-        edited = editText(bytes, before, changes);
-    }
+    EditedPropertyList edited = edit(bytes, before, changes);
     edited.root = ParsePropertyList(edited.bytes).root;
     if (edited.root != withChanges(before.root, changes))
         throw PropertyListError("the file cannot be rewritten without loss");

@@ -1,6 +1,4 @@
-#include "PropertyListText.h"
-
-#include "PropertyListLimits.h"
+#include "PropertyListBytes.h"
 
 #include <cerrno>
 #include <cstdint>

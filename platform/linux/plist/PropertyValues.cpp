@@ -7,8 +7,8 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 #include <unordered_map>
-#include <vector>
 
 namespace macplatform {
 
@@ -30,19 +30,6 @@ PropertyValue wholeNumber(Kind kind, Number number) {
     return value;
 }
 
-std::int64_t floorDivided(std::int64_t number, std::int64_t divisor) {
-    return number / divisor - (number % divisor < 0 ? 1 : 0);
-}
-
-std::int64_t daysFrom2001(std::int64_t year, std::int64_t month, std::int64_t day) {
-    // The year begins in March here, so that a leap day is the last day of a year.
-    const std::int64_t months = year * 12 + month - 3;
-    const std::int64_t y = floorDivided(months, 12);
-    const std::int64_t leapDays = floorDivided(y, 4) - floorDivided(y, 100) + floorDivided(y, 400);
-    constexpr std::int64_t daysUntil2001 = 730791;
-    return 365 * y + leapDays + (153 * (months - 12 * y) + 2) / 5 + day - 1 - daysUntil2001;
-}
-
 /// Returns a fraction from 0 to 1 as ".25", or an empty string for 0.
 std::string fractionText(double fraction) {
     char text[512]; // The smallest fraction has more than 300 zeros.
@@ -53,28 +40,15 @@ std::string fractionText(double fraction) {
 std::string dateText(double seconds) {
     constexpr double farthest = 1e14; // More than three million years.
     if (!(std::fabs(seconds) < farthest)) return Digits(seconds) + " seconds from 2001";
-    const double fraction = seconds - std::floor(seconds);
-    const auto whole = static_cast<std::int64_t>(std::floor(seconds));
-    const std::int64_t days = floorDivided(whole, 86400);
-    const int time = static_cast<int>(whole - days * 86400);
-
-    auto year = static_cast<std::int64_t>(2001 + std::floor(static_cast<double>(days) / 365.2425));
-    while (daysFrom2001(year + 1, 1, 1) <= days) ++year;
-    while (daysFrom2001(year, 1, 1) > days) --year;
-    int month = 12;
-    while (daysFrom2001(year, month, 1) > days) --month;
-    const int day = static_cast<int>(days - daysFrom2001(year, month, 1)) + 1;
-
+    const double whole = std::floor(seconds);
+    static_assert(sizeof(std::time_t) == 8, "dates can be before 1901 and after 2038");
+    const std::time_t since1970 = static_cast<std::time_t>(whole) + kSecondsUntil2001;
+    std::tm time = {};
+    gmtime_r(&since1970, &time);
     char text[64];
-    const int length =
-        std::snprintf(text, sizeof text, "%04lld-%02d-%02dT%02d:%02d:%02d", static_cast<long long>(year),
-                      month, day, time / 3600, time / 60 % 60, time % 60);
-    return std::string(text, static_cast<std::size_t>(length)) + fractionText(fraction) + 'Z';
-}
-
-std::string loneSurrogate(char16_t unit) {
-    return {static_cast<char>(0xE0 | unit >> 12), static_cast<char>(0x80 | (unit >> 6 & 0x3F)),
-            static_cast<char>(0x80 | (unit & 0x3F))};
+    const int length = std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", time.tm_year + 1900,
+                                     time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec);
+    return std::string(text, static_cast<std::size_t>(length)) + fractionText(seconds - whole) + 'Z';
 }
 
 std::string describeKey(const std::string& key) {
@@ -118,24 +92,6 @@ bool operator==(const PropertyValue& left, const PropertyValue& right) {
            left.values == right.values;
 }
 
-std::string EscapeSurrogates(const std::string& text) {
-    std::string escaped;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = [&text, i](std::size_t at) { return static_cast<unsigned char>(text[i + at]); };
-        const bool isSurrogate = byte(0) == 0xED && i + 2 < text.size() && byte(1) >= 0xA0;
-        if (!isSurrogate) {
-            escaped += text[i];
-            continue;
-        }
-        char unit[8];
-        const unsigned surrogate = 0xD000U | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU);
-        static_cast<void>(std::snprintf(unit, sizeof unit, "\\u%04X", surrogate));
-        escaped += unit;
-        i += 2;
-    }
-    return escaped;
-}
-
 PropertyValue NullValue() { return scalar(Kind::kNull, "null"); }
 
 PropertyValue BooleanValue(bool value) {
@@ -173,41 +129,23 @@ PropertyValue DataValue(std::string_view bytes) {
 
 PropertyValue StringValue(std::string text) { return scalar(Kind::kString, std::move(text)); }
 
-PropertyValue StringValue(std::u16string_view units) {
-    if (auto text = EncodeUtf8(units)) return StringValue(std::move(*text));
-    std::string text;
-    for (std::size_t i = 0; i < units.size();) {
-        const bool isHigh = (units[i] & 0xFC00) == 0xD800;
-        const auto character = EncodeUtf8(units.substr(i, isHigh ? 2 : 1));
-        text += character ? *character : loneSurrogate(units[i]);
-        i += character && isHigh ? 2 : 1;
-    }
-    return StringValue(std::move(text));
-}
+PropertyValue StringValue(std::u16string_view units) { return StringValue(Utf8WithSurrogates(units)); }
 
 PropertyValue ContainerValue(Kind kind) { return scalar(kind, {}); }
 
-double SecondsFrom2001(std::int64_t year, int month, int day, int hour, int minute, int second) {
-    const auto days = static_cast<double>(daysFrom2001(year, month, day));
-    return days * 86400 + hour * 3600 + minute * 60 + second;
-}
-
 void RemoveRepeatedKeys(PropertyValue& dictionary, RepeatedKeys rule) {
-    auto& keys = dictionary.keys;
-    auto& values = dictionary.values;
-    std::unordered_map<std::string_view, std::size_t> positions;
-    std::vector<bool> isRepeated(keys.size());
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        const auto [first, isNew] = positions.emplace(keys[i], i);
-        isRepeated[i] = !isNew;
-        if (!isNew && rule == RepeatedKeys::kLastCounts) values[first->second] = std::move(values[i]);
-    }
-    if (positions.size() == keys.size()) return;
     PropertyValue unique = ContainerValue(Kind::kDictionary);
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        if (isRepeated[i]) continue;
-        unique.keys.push_back(std::move(keys[i]));
-        unique.values.push_back(std::move(values[i]));
+    unique.keys.reserve(dictionary.keys.size()); // so that the keys stay where they are
+    std::unordered_map<std::string_view, std::size_t> positions;
+    for (std::size_t i = 0; i < dictionary.keys.size(); ++i) {
+        const auto earlier = positions.find(dictionary.keys[i]);
+        if (earlier == positions.end()) {
+            unique.keys.push_back(std::move(dictionary.keys[i]));
+            unique.values.push_back(std::move(dictionary.values[i]));
+            positions.emplace(unique.keys.back(), positions.size());
+        } else if (rule == RepeatedKeys::kLastCounts) {
+            unique.values[earlier->second] = std::move(dictionary.values[i]);
+        }
     }
     dictionary = std::move(unique);
 }

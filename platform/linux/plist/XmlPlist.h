@@ -6,6 +6,7 @@
 #include "PropertyValues.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,5 +38,17 @@ std::string XmlKeyElement(const std::string& key);
 /// If a key is repeated, the last entry is changed; a removed key loses all entries. New entries follow the
 /// last entry. Throws `PropertyListError` if the text cannot be read or has no root dictionary.
 std::string EditXmlPlist(std::string_view text, std::size_t start, const PropertyListChanges& changes);
+
+/// Returns the value of the contents of a scalar element, or no value if the element cannot have this text.
+///@{
+/// White space before the sign and before the digits is accepted, but not behind the digits.
+std::optional<PropertyValue> IntegerFrom(std::string_view text);
+/// A number that is too large is infinite.
+std::optional<PropertyValue> RealFrom(const std::string& text);
+/// Numbers outside their range count on: month 13 is January of the next year.
+std::optional<PropertyValue> DateFrom(std::string_view text);
+/// Ignores characters that are not base-64 digits, and digits that do not form a whole group of four.
+PropertyValue DataFrom(std::string_view text);
+///@}
 
 } // namespace macplatform

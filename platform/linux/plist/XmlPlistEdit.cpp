@@ -1,14 +1,10 @@
 #include "XmlPlist.h"
 
-#include "PropertyListLimits.h"
-
 #include <map>
 
 namespace macplatform {
 
 namespace {
-
-using Kind = PropertyValue::Kind;
 
 /// Escapes the characters that would be markup, and the characters that other readers would change.
 std::string escaped(const std::string& text) {
@@ -24,79 +20,55 @@ std::string escaped(const std::string& text) {
     return escaped;
 }
 
-class XmlEditor {
+/// Copies a text and replaces parts of it, which must be given in their order.
+class PartlyReplaced {
 public:
-    XmlEditor(std::string_view source, std::size_t start) : text(source), plist(ReadXmlPlist(source, start)) {
-        if (plist.root.kind != Kind::kDictionary) throw PropertyListError("the root is not a dictionary");
-    }
+    explicit PartlyReplaced(std::string_view source) : text(source) {}
 
-    std::string With(const PropertyListChanges& changes) {
-        for (std::size_t i = 0; i < plist.entries.size(); ++i) {
-            const std::string& key = plist.entries[i].key;
-            if (changes.count(key) > 0) lastEntries[key] = i;
-        }
-        for (std::size_t i = 0; i < plist.entries.size(); ++i) {
-            const auto change = changes.find(plist.entries[i].key);
-            if (change != changes.end()) Change(i, change->second);
-        }
-        CopyUntil(plist.entries.empty() ? plist.startTagEnd : plist.entries.back().end);
-        Add(changes);
-        CopyUntil(text.size());
-        return std::move(edited);
-    }
-
-private:
-    void CopyUntil(std::size_t end) {
-        if (end <= copied) return;
-        edited += text.substr(copied, end - copied);
+    void Replace(std::size_t begin, std::size_t end, std::string_view with) {
+        copy.append(text.substr(copied, begin - copied)).append(with);
         copied = end;
     }
+    std::string Text() const { return copy + std::string(text.substr(copied)); }
 
-    /// Returns the white space before an entry.
-    std::string_view SpaceBefore(const XmlPlist::Entry& entry) const {
-        const std::size_t end = text.find_last_not_of(" \t\r\n", entry.begin - 1) + 1;
-        return text.substr(end, entry.begin - end);
-    }
-
-    void Change(std::size_t index, const std::optional<PropertyValue>& value) {
-        const XmlPlist::Entry& entry = plist.entries[index];
-        if (!value) {
-            CopyUntil(entry.begin - SpaceBefore(entry).size());
-            copied = entry.end;
-        } else if (lastEntries[entry.key] == index) {
-            CopyUntil(entry.value);
-            edited += XmlElement(*value);
-            copied = entry.end;
-        }
-    }
-
-    /// Adds the new keys behind what was copied.
-    void Add(const PropertyListChanges& changes) {
-        const std::string space(plist.entries.empty() ? "\n\t" : SpaceBefore(plist.entries.front()));
-        std::string added;
-        for (const auto& [key, value] : changes) {
-            if (!value || lastEntries.count(key) > 0) continue;
-            added.append(space).append(XmlKeyElement(key));
-            added.append(space).append(XmlElement(*value));
-        }
-        if (plist.isEmptyTag && !added.empty()) {
-            edited.replace(edited.size() - 2, 2, ">"); // <dict/> becomes <dict>.
-            added += "\n</dict>";
-        }
-        edited += added;
-    }
-
+private:
     std::string_view text;
-    XmlPlist plist;
-    std::map<std::string_view, std::size_t> lastEntries; ///< The last entry of each key that changes.
-    std::string edited;
-    std::size_t copied = 0; ///< The bytes of `text` that are copied or dropped.
+    std::string copy;
+    std::size_t copied = 0; ///< The bytes of `text` that are copied or replaced.
 };
+
+/// Returns the white space before an entry.
+std::string_view spaceBefore(std::string_view text, const XmlPlist::Entry& entry) {
+    const std::size_t end = text.find_last_not_of(" \t\r\n", entry.begin - 1) + 1;
+    return text.substr(end, entry.begin - end);
+}
+
+using LastEntries = std::map<std::string_view, std::size_t>; ///< The last entry of each key that changes.
+
+LastEntries changeEntries(PartlyReplaced& copy, std::string_view text, const XmlPlist& plist,
+                          const PropertyListChanges& changes) {
+    LastEntries last;
+    for (std::size_t i = 0; i < plist.entries.size(); ++i) {
+        const std::string& key = plist.entries[i].key;
+        if (changes.count(key) > 0) last[key] = i;
+    }
+    for (std::size_t i = 0; i < plist.entries.size(); ++i) {
+        const XmlPlist::Entry& entry = plist.entries[i];
+        const auto change = changes.find(entry.key);
+        if (change == changes.end()) continue;
+        if (!change->second) {
+            copy.Replace(entry.begin - spaceBefore(text, entry).size(), entry.end, {});
+        } else if (last[entry.key] == i) {
+            copy.Replace(entry.value, entry.end, XmlElement(*change->second));
+        }
+    }
+    return last;
+}
 
 } // namespace
 
 std::string XmlElement(const PropertyValue& value) {
-    if (value.kind == Kind::kBoolean) return '<' + value.text + "/>";
+    if (value.kind == PropertyValue::Kind::kBoolean) return '<' + value.text + "/>";
     const std::string name = value.KindName();
     return '<' + name + '>' + escaped(value.text) + "</" + name + '>';
 }
@@ -104,7 +76,24 @@ std::string XmlElement(const PropertyValue& value) {
 std::string XmlKeyElement(const std::string& key) { return "<key>" + escaped(key) + "</key>"; }
 
 std::string EditXmlPlist(std::string_view text, std::size_t start, const PropertyListChanges& changes) {
-    return XmlEditor(text, start).With(changes);
+    const XmlPlist plist = ReadXmlPlist(text, start);
+    if (plist.root.kind != PropertyValue::Kind::kDictionary)
+        throw PropertyListError("the root is not a dictionary");
+    PartlyReplaced copy(text);
+    const LastEntries last = changeEntries(copy, text, plist, changes);
+    const bool isEmpty = plist.entries.empty();
+    const std::string space(isEmpty ? "\n\t" : spaceBefore(text, plist.entries.front()));
+    std::string added;
+    for (const auto& [key, value] : changes) {
+        if (value && last.count(key) == 0) added += space + XmlKeyElement(key) + space + XmlElement(*value);
+    }
+    const std::size_t end = isEmpty ? plist.startTagEnd : plist.entries.back().end;
+    if (plist.isEmptyTag && !added.empty()) {
+        copy.Replace(end - 2, end, '>' + added + "\n</dict>"); // <dict/> becomes <dict>.
+    } else {
+        copy.Replace(end, end, added);
+    }
+    return copy.Text();
 }
 
 } // namespace macplatform

@@ -1,9 +1,6 @@
 #include "XmlPlist.h"
 
-#include "PropertyListLimits.h"
-#include "PropertyValues.h"
 #include "XmlPlistTokenizer.h"
-#include "XmlScalars.h"
 
 #include <algorithm>
 #include <iterator>
@@ -71,16 +68,15 @@ private:
         if (depth == 1) plist.startTagEnd = tokens.Position();
         if (depth == 1) plist.isEmptyTag = tag.isEmpty;
         PropertyValue value = ContainerValue(element.kind);
-        if (!tag.isEmpty) ReadMembers(value);
-        if (!tag.isEmpty) tokens.ReadEndTag(element.name);
+        if (!tag.isEmpty) ReadMembers(value, element.name);
         --depth;
-        RemoveRepeatedKeys(value, RepeatedKeys::kLastCounts);
+        if (value.kind == Kind::kDictionary) RemoveRepeatedKeys(value, RepeatedKeys::kLastCounts);
         const bool isUid = value.keys.size() == 1 && value.keys.front() == "CF$UID" &&
                            value.values.front().kind == Kind::kInteger;
         return isUid ? UidValue(static_cast<std::uint64_t>(value.values.front().integer)) : value;
     }
 
-    void ReadMembers(PropertyValue& container) {
+    void ReadMembers(PropertyValue& container, std::string_view name) {
         for (tokens.SkipBetweenElements(); !tokens.IsAtEndTag(); tokens.SkipBetweenElements()) {
             if (container.kind == Kind::kDictionary) {
                 ReadEntry(container);
@@ -88,6 +84,7 @@ private:
                 container.items.push_back(ReadElement(tokens.ReadStartTag()));
             }
         }
+        tokens.ReadEndTag(name);
     }
 
     void ReadEntry(PropertyValue& dictionary) {

@@ -1,6 +1,6 @@
 #include "XmlPlistTokenizer.h"
 
-#include "PropertyListLimits.h"
+#include "PropertyValues.h"
 #include "corefoundation/TextEncoding.h"
 
 #include <algorithm>
@@ -40,24 +40,21 @@ std::optional<char32_t> characterNamed(std::string_view name) {
 } // namespace
 
 void XmlPlistTokenizer::SkipProlog() {
-    SkipBetweenElements();
-    while (StartsWith("<!DOCTYPE")) {
-        SkipDocumentType();
-        SkipBetweenElements();
+    for (SkipBetweenElements(); StartsWith("<!DOCTYPE"); SkipBetweenElements()) {
+        const std::size_t end = text.find_first_of("[>", position);
+        if (end == text.npos || text[end] == '[')
+            Refuse("a document type with declarations is not supported");
+        position = end + 1;
     }
 }
 
 void XmlPlistTokenizer::SkipBetweenElements() {
-    SkipSpace();
-    for (;;) {
-        if (StartsWith("<!--")) {
-            SkipConstruct(4, "-->", "comment");
-        } else if (StartsWith("<?")) {
+    for (SkipSpace(); StartsWith("<!--") || StartsWith("<?"); SkipSpace()) {
+        if (StartsWith("<?")) {
             SkipConstruct(2, "?>", "processing instruction");
         } else {
-            return;
+            SkipConstruct(4, "-->", "comment");
         }
-        SkipSpace();
     }
 }
 
@@ -74,10 +71,10 @@ XmlTag XmlPlistTokenizer::ReadStartTag() {
 
 void XmlPlistTokenizer::ReadEndTag(std::string_view name) {
     const std::string expected = "</" + std::string(name);
-    if (!StartsWith(expected)) Refuse("the tag " + expected + "> is missing");
-    position += expected.size();
-    SkipSpace();
-    if (!StartsWith(">")) Refuse("the tag " + expected + "> is missing");
+    const bool isTag = StartsWith(expected);
+    if (isTag) position += expected.size();
+    if (isTag) SkipSpace();
+    if (!isTag || !StartsWith(">")) Refuse("the tag " + expected + "> is missing");
     ++position;
 }
 
@@ -121,12 +118,6 @@ std::string_view XmlPlistTokenizer::SkipConstruct(std::size_t open, std::string_
     if (end == text.npos) Refuse(std::string("a ") + name + " is not closed");
     position = end + mark.size();
     return text.substr(begin, end - begin);
-}
-
-void XmlPlistTokenizer::SkipDocumentType() {
-    const std::size_t end = text.find_first_of("[>", position);
-    if (end == text.npos || text[end] == '[') Refuse("a document type with declarations is not supported");
-    position = end + 1;
 }
 
 std::string XmlPlistTokenizer::ReadReference() {

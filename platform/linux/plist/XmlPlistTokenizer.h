@@ -43,7 +43,6 @@ private:
     void SkipSpace();
     /// Skips a construct that is `open` characters long before its contents and ends with the mark.
     std::string_view SkipConstruct(std::size_t open, std::string_view mark, const char* name);
-    void SkipDocumentType();
     std::string ReadReference();
 
     std::string_view text;

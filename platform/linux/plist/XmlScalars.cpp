@@ -1,12 +1,10 @@
-#include "XmlScalars.h"
-
-#include "PropertyValues.h"
+#include "XmlPlist.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <limits>
+#include <ctime>
 #include <locale.h>
 #include <stdlib.h>
 
@@ -14,31 +12,8 @@ namespace macplatform {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 std::string_view withoutSpacesBefore(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(" \t\n\r"), text.size()));
-}
-
-/// Returns the value of a word for a real that is no number. Ignores the case.
-std::optional<double> realNamed(std::string word) {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    for (char& c : word) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c | 0x20 : c);
-    if (word == "nan") return std::numeric_limits<double>::quiet_NaN();
-    if (word == "inf" || word == "+inf" || word == "infinity" || word == "+infinity") return infinity;
-    if (word == "-inf" || word == "-infinity") return -infinity;
-    return std::nullopt;
-}
-
-/// Returns the value of a base-64 digit. The padding counts as a digit with the value 0.
-/// Returns -1 for every other character.
-int base64Value(char c) {
-    if (c >= 'A' && c <= 'Z') return c - 'A';
-    if (c >= 'a' && c <= 'z') return c - 'a' + 26;
-    if (isDigit(c)) return c - '0' + 52;
-    if (c == '+') return 62;
-    if (c == '/') return 63;
-    return c == '=' ? 0 : -1;
 }
 
 } // namespace
@@ -58,46 +33,50 @@ std::optional<PropertyValue> IntegerFrom(std::string_view text) {
 }
 
 std::optional<PropertyValue> RealFrom(const std::string& text) {
-    if (const auto named = realNamed(text)) return RealValue(*named);
-    const bool isPlain = !text.empty() && text.find_first_not_of("0123456789.eE+-") == text.npos;
-    if (!isPlain) return std::nullopt;
+    // strtod_l also accepts white space, hexadecimal digits, "nan(1)" and a NaN with a sign.
+    if (text.empty() || text.find_first_of(" \t\n\v\f\rxX(") != text.npos) return std::nullopt;
     static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr); // Has a decimal point.
     char* end = nullptr;
     const double number = strtod_l(text.c_str(), &end, cLocale);
-    return end == text.c_str() + text.size() ? std::optional(RealValue(number)) : std::nullopt;
+    const bool isSignedNaN = std::isnan(number) && text.size() > 3;
+    if (end != text.c_str() + text.size() || isSignedNaN) return std::nullopt;
+    return RealValue(number);
 }
 
 std::optional<PropertyValue> DateFrom(std::string_view text) {
-    constexpr std::string_view pattern = "-00-00T00:00:00Z"; // Behind the year.
-    constexpr std::size_t longestYear = 9;
-    const bool isNegative = text.substr(0, 1) == "-";
-    if (isNegative) text.remove_prefix(1);
-    if (text.size() <= pattern.size() || text.size() > pattern.size() + longestYear) return std::nullopt;
-    const std::size_t yearLength = text.size() - pattern.size();
-    std::int64_t year = 0;
-    for (const char c : text.substr(0, yearLength)) {
-        if (!isDigit(c)) return std::nullopt;
-        year = year * 10 + (c - '0');
-    }
-    text.remove_prefix(yearLength);
+    constexpr std::string_view pattern = "-00-00T00:00:00Z";                          // Behind the year.
+    const std::size_t longest = pattern.size() + (text.substr(0, 1) == "-" ? 10 : 9); // Nine digits.
+    if (text.size() <= pattern.size() || text.size() > longest) return std::nullopt;
+    int year = 0;
+    const char* const yearEnd = text.data() + text.size() - pattern.size();
+    const auto read = std::from_chars(text.data(), yearEnd, year);
+    if (read.ec != std::errc() || read.ptr != yearEnd) return std::nullopt;
+    text.remove_prefix(text.size() - pattern.size());
     for (std::size_t i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] == '0' ? !isDigit(text[i]) : text[i] != pattern[i]) return std::nullopt;
+        const bool isDigit = text[i] >= '0' && text[i] <= '9';
+        if (pattern[i] == '0' ? !isDigit : text[i] != pattern[i]) return std::nullopt;
     }
     const auto number = [text](std::size_t at) { return (text[at] - '0') * 10 + (text[at + 1] - '0'); };
-    return DateValue(
-        SecondsFrom2001(isNegative ? -year : year, number(1), number(4), number(7), number(10), number(13)));
+    std::tm day = {};
+    day.tm_year = year - 1900;
+    day.tm_mon = number(1) - 1;
+    day.tm_mday = number(4);
+    const auto midnight = static_cast<double>(timegm(&day) - kSecondsUntil2001);
+    return DateValue(midnight + (number(7) * 3600 + number(10) * 60 + number(13)));
 }
 
 PropertyValue DataFrom(std::string_view text) {
+    // The padding counts as a digit. Its bits are dropped.
+    constexpr std::string_view base64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
     std::string bytes;
     std::uint32_t bits = 0;
     unsigned digits = 0, padding = 0;
     for (const char c : text) {
-        const int value = base64Value(c);
+        const std::size_t value = base64.find(c);
         const bool isSpace = c == ' ' || (c >= '\t' && c <= '\r');
         if (!isSpace) padding = c == '=' ? padding + 1 : 0;
-        if (value < 0) continue;
-        bits = bits << 6 | static_cast<unsigned>(value);
+        if (value == base64.npos) continue;
+        bits = bits << 6 | (value & 0x3F);
         if (++digits % 4 != 0) continue;
         bytes += static_cast<char>(bits >> 16 & 0xFF);
         if (padding < 2) bytes += static_cast<char>(bits >> 8 & 0xFF);

@@ -1,6 +1,6 @@
 #include "PreferencesFile.h"
 
-#include "plist/BinaryPlistEdit.h"
+#include "plist/BinaryPlist.h"
 #include "plist/PropertyListBytes.h"
 #include "posix/AtomicFile.h"
 #include "posix/WholeFile.h"
