@@ -196,6 +196,7 @@ void describeValidate(CLI::App& validate, ValidateOptions& options) {
         ->type_name("ID");
     validate.add_option("--exclude", options.exclude, "Do not run these checks")->type_name("ID");
     addMacFlag(validate);
+    validate.add_flag("--trace", options.hasTrace, "Print every step and expectation of the checks in order");
     validate.add_flag("--json", options.isJson, "Print one JSON document");
     validate.add_option("--junit", options.junitFile, "Write the results for a build server to this file")
         ->type_name("FILE");

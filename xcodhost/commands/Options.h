@@ -56,6 +56,7 @@ struct ValidateOptions {
     std::vector<std::string> exclude;
     std::string junitFile; ///< Empty: no file.
     std::string htmlFile;  ///< Empty: no file.
+    bool hasTrace = false;
     bool isJson = false;
     double secondsPerCall = 10;
     unsigned atOnce = 0; ///< The number of checks that run at the same time. 0: one for each processor.

@@ -119,6 +119,7 @@ private:
     void Add(ObjectsLeft&& left) { result.objectsLeft = std::move(left.objects); }
     // Only the children of `validate` send these three messages.
     void Add(Finding&&) {}
+    void Add(CheckStep&&) {}
     void Add(Skipped&&) {}
     void Add(TableCell&&) {}
     // `Children` handles these three messages.

@@ -88,6 +88,7 @@ ExitStatus ValidateCommand(const ValidateOptions& options) {
     ValidationPlan plan;
     plan.checks = selectedChecks(options);
     plan.secondsPerCall = options.secondsPerCall;
+    plan.isTraced = options.hasTrace;
     plan.atOnce = options.atOnce == 0 ? processors() : options.atOnce;
     std::vector<BundleResult> results;
     for (const std::string& bundle : options.bundles) {

@@ -53,6 +53,8 @@ json toJson(const Finding& finding) {
     return {{"is", "finding"}, {"expected", finding.expected}, {"seen", finding.seen}};
 }
 
+json toJson(const CheckStep& step) { return {{"is", "step"}, {"kind", step.kind}, {"text", step.text}}; }
+
 json toJson(const Skipped& skipped) { return {{"is", "skipped"}, {"reason", skipped.reason}}; }
 
 json toJson(const TableCell& cell) {
@@ -104,6 +106,7 @@ std::optional<Message> messageFrom(const json& value) {
     if (is == "notLoaded") return LoadFailed{textAt(value, "reason"), textAt(value, "text")};
     if (is == "left") return ObjectsLeft{value.at("objects").get<std::vector<std::string>>()};
     if (is == "finding") return Finding{textAt(value, "expected"), textAt(value, "seen")};
+    if (is == "step") return CheckStep{textAt(value, "kind"), textAt(value, "text")};
     if (is == "skipped") return Skipped{textAt(value, "reason")};
     if (is == "cell") {
         return TableCell{value.at("product").get<std::int32_t>(), value.at("language").get<std::int32_t>(),

@@ -60,6 +60,12 @@ struct Finding {
     std::string seen;
 };
 
+/// A check has done something, or an expectation of it holds. Sent only if the steps are traced.
+struct CheckStep {
+    std::string kind; ///< A word: "volume", "fault", "expect", ...
+    std::string text;
+};
+
 /// A check cannot be run on this machine.
 struct Skipped {
     std::string reason;
@@ -83,7 +89,7 @@ struct Done {};
 
 using Message =
     std::variant<CallBegan, CallReturned, macplatform::RecordedCall, macplatform::Alert, ExceptionEscaped,
-                 LoadFailed, ObjectsLeft, Finding, Skipped, TableCell, ChildFault, Done>;
+                 LoadFailed, ObjectsLeft, Finding, CheckStep, Skipped, TableCell, ChildFault, Done>;
 
 /// Returns the line of the message with its line feed. Replaces bytes that are not UTF-8 with U+FFFD.
 std::string Encode(const Message& message);

@@ -21,6 +21,19 @@ namespace {
 constexpr std::size_t kGuard = 64;
 constexpr char kGuardByte = '\x5A';
 
+/// Returns the start of the bytes, with the number of bytes if there are more.
+std::string startOf(const std::string& bytes) {
+    constexpr std::size_t kept = 200;
+    const std::string start = PrintableQuoted(bytes.substr(0, kept));
+    return bytes.size() <= kept ? start : start + "... of " + Counted(bytes.size(), "byte");
+}
+
+std::string describe(const SampleVolume& sample) {
+    std::string text = sample.status ? "status file " + startOf(*sample.status) : "no status file";
+    if (!sample.hasFolder) return text + ", no vendor's folder";
+    return text + (sample.hasIcon ? "" : ", no icon file");
+}
+
 std::string stepName(std::uint16_t message) { return message == kPreInstall ? "PreInstall" : "PostInstall"; }
 
 } // namespace
@@ -29,15 +42,14 @@ ParameterBlock Event(std::uint16_t message, std::int32_t product, std::int32_t l
     return {kInstallerSelector, message, product, language};
 }
 
-CheckRun::CheckRun(std::string path, std::string folder, const Channel& parentChannel)
-    : bundlePath(std::move(path)), scratch(std::move(folder)), channel(parentChannel) {
+CheckRun::CheckRun(CheckPlace checkPlace, const Channel& parentChannel)
+    : place(std::move(checkPlace)), channel(parentChannel) {
     macplatform::SetAlertResponder([this](const macplatform::Alert& alert) {
         if (current) current->alerts.push_back(alert);
         return chosenButton;
     });
     macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) { RecordCall(entry); });
     UseFreshVolume();
-    ForgetObjects();
 }
 
 CheckRun::~CheckRun() {
@@ -46,7 +58,8 @@ CheckRun::~CheckRun() {
 }
 
 void CheckRun::UseFreshVolume(const SampleVolume& sample) {
-    volume = scratch + "/volume " + std::to_string(++volumes);
+    Trace("volume", describe(sample));
+    volume = place.scratch + "/volume " + std::to_string(++volumes);
     MakeSampleVolume(volume, sample);
     if (bundle) ActivateVolume();
 }
@@ -62,12 +75,13 @@ VolumeState CheckRun::CurrentVolume() const {
 }
 
 void CheckRun::Write(const std::string& macPath, const std::string& bytes) const {
+    Trace("write", macPath + ": " + startOf(bytes));
     std::ofstream(OnVolume(macPath), std::ios::binary | std::ios::trunc) << bytes;
 }
 
 LoadedBundle& CheckRun::Bundle() {
     if (bundle) return *bundle;
-    bundle.emplace(bundlePath, channel);
+    bundle.emplace(place.bundle, channel);
     bundle->FindFactories();
     ForgetObjects();
     ActivateVolume();
@@ -96,6 +110,7 @@ Outcome CheckRun::Deliver(const ParameterBlock& block, Entry entry, std::size_t 
     const auto deliver = isMain ? Bundle().MainEntry(Interface())
                                 : reinterpret_cast<DeliverFunction>(Bundle().Symbol(function));
     const CallBegan call{function, block.Describe(), EventName(block.Message())};
+    if (misalignment != 0) Trace("address", "a multiple of 16 plus " + std::to_string(misalignment));
     return Recorded([&](Outcome& outcome) {
         const std::size_t start = kGuard + misalignment; // vectors begin at a multiple of 16
         std::vector<char> bytes(start, kGuardByte);
@@ -143,8 +158,27 @@ void CheckRun::RecordCall(const macplatform::RecordedCall& entry) {
     if (atEachCall) atEachCall(entry);
 }
 
+void CheckRun::InjectFault(const macplatform::InjectedFault& fault) const {
+    Trace("fault", fault.call + ": " + std::to_string(fault.code) + " after " + Counted(fault.skip, "call"));
+    macplatform::InjectFault(fault);
+}
+
+void CheckRun::SetChosenButton(int button) {
+    Trace("button", std::to_string(button));
+    chosenButton = button;
+}
+
+void CheckRun::Trace(const char* kind, const std::string& text) const {
+    if (place.isTraced) channel.Send(CheckStep{kind, text});
+}
+
 void CheckRun::Fail(const std::string& expected, const std::string& seen) {
     channel.Send(Finding{expected, seen});
+}
+
+void CheckRun::Expect(bool holds, const std::string& expected, const std::string& seen) {
+    if (!holds) return Fail(expected, seen);
+    Trace("expect", expected);
 }
 
 void CheckRun::ExpectPreference(const std::string& domain, const std::string& key, const std::string& value) {
@@ -171,7 +205,10 @@ std::vector<std::string> CheckRun::ObjectsLeft() const {
     return left;
 }
 
-void CheckRun::ForgetObjects() { objectsBefore = macplatform::LiveObjectCount(); }
+void CheckRun::ForgetObjects() {
+    Trace("objects", "counted from here");
+    objectsBefore = macplatform::LiveObjectCount();
+}
 
 void CheckRun::Skip(const std::string& reason) {
     channel.Send(Skipped{reason});

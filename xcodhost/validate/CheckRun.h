@@ -40,16 +40,23 @@ struct Outcome {
 /// Returns the block of an installer event for a product, with selector 1000.
 ParameterBlock Event(std::uint16_t message, std::int32_t product, std::int32_t language = 0);
 
+/// Where a check runs.
+struct CheckPlace {
+    std::string bundle;    ///< The absolute path of the bundle.
+    std::string scratch;   ///< An empty directory that no other check uses.
+    bool isTraced = false; ///< Whether the steps of the check are sent to the parent process.
+};
+
 /// The environment of one check. Sets the alert responder and the call observer of the process.
 class CheckRun {
 public:
-    /// `scratch` is an empty directory that no other check uses.
-    CheckRun(std::string bundlePath, std::string scratch, const Channel& parentChannel);
+    CheckRun(CheckPlace checkPlace, const Channel& parentChannel);
     ~CheckRun();
     CheckRun(const CheckRun&) = delete;
     CheckRun& operator=(const CheckRun&) = delete;
 
-    const std::string& BundlePath() const { return bundlePath; }
+    const CheckPlace& Place() const { return place; }
+    const std::string& BundlePath() const { return place.bundle; }
     const Channel& Parent() const { return channel; }
 
     /// Replaces the startup volume by a new sample volume. The constructor creates the first sample volume.
@@ -78,28 +85,30 @@ public:
     /// Sets whether deliveries record the changes of the volume. The default is true. The comparison of the
     /// volume takes most of the time of a delivery.
     void WatchVolume(bool watched) { isVolumeWatched = watched; }
+    /// Makes a platform call of the bundle fail, see `macplatform::InjectFault`.
+    void InjectFault(const macplatform::InjectedFault& fault) const;
     /// Sets the index of the button that answers the following alerts. The default is 0. With -1, the alerts
     /// are not shown.
-    void SetChosenButton(int button) { chosenButton = button; }
+    void SetChosenButton(int button);
     /// Sets the function that is called after each platform call of the bundle. An empty function means that
     /// none is called.
     void SetCallListener(std::function<void(const macplatform::RecordedCall&)> call) {
         atEachCall = std::move(call);
     }
 
+    /// Reports a step of the check if the steps are traced. `kind` is a word.
+    void Trace(const char* kind, const std::string& text) const;
     /// Reports a finding.
     void Fail(const std::string& expected, const std::string& seen);
     /// Reports a finding if the condition is false.
-    void Expect(bool holds, const std::string& expected, const std::string& seen) {
-        if (!holds) Fail(expected, seen);
-    }
+    void Expect(bool holds, const std::string& expected, const std::string& seen);
     /// Expects a value in the preferences file on the volume. `value` is the value as `Describe` prints it,
     /// for example `(string) "en"`.
     void ExpectPreference(const std::string& domain, const std::string& key, const std::string& value);
     /// Expects that the delivery changed nothing on the volume.
     void ExpectNoEffect(const Outcome& outcome);
-    /// Returns the live platform objects that were created after the start of the check, the first call of
-    /// `Bundle` and the last call of `ForgetObjects`.
+    /// Returns the live platform objects that were created after the first call of `Bundle` and the last call
+    /// of `ForgetObjects`.
     std::vector<std::string> ObjectsLeft() const;
     /// Excludes the present platform objects from `ObjectsLeft`.
     void ForgetObjects();
@@ -114,8 +123,7 @@ private:
     Outcome Recorded(const std::function<void(Outcome&)>& deliver);
     void RecordCall(const macplatform::RecordedCall& entry);
 
-    std::string bundlePath;
-    std::string scratch;
+    CheckPlace place;
     const Channel& channel;
     std::string volume;
     int volumes = 0;

@@ -41,12 +41,17 @@ std::string describeEnd(const ChildEnd& end) {
 /// Collects the result of one check while its child process runs.
 class RunningCheck {
 public:
-    explicit RunningCheck(CheckResult& checkResult, std::vector<TableCell>& bundleTable)
-        : result(checkResult), table(bundleTable) {}
+    RunningCheck(CheckResult& checkResult, std::vector<TableCell>& bundleTable, bool isCheckTraced)
+        : result(checkResult), table(bundleTable), isTraced(isCheckTraced) {}
 
     void Take(Message&& message) {
         if (auto* call = std::get_if<CallBegan>(&message)) {
             lastCall = Printable(call->function) + '(' + Printable(call->arguments) + ')';
+            Trace("call", lastCall);
+        } else if (auto* returned = std::get_if<CallReturned>(&message)) {
+            if (returned->block) TraceEffect(*returned->block);
+        } else if (auto* step = std::get_if<CheckStep>(&message)) {
+            Trace(std::move(step->kind), std::move(step->text));
         } else if (auto* finding = std::get_if<Finding>(&message)) {
             Add(std::move(finding->expected), std::move(finding->seen), result.check->failure);
         } else if (auto* exception = std::get_if<ExceptionEscaped>(&message)) {
@@ -81,11 +86,25 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void Trace(std::string kind, std::string text) {
+        if (isTraced) result.trace.push_back({std::move(kind), std::move(text)});
+    }
+
+    /// Omits error flags that were 0 and stayed so.
+    void TraceEffect(const BlockEffect& effect) {
+        if (effect.errorFlagsBefore != 0 || effect.errorFlagsAfter != 0) {
+            Trace("returned",
+                  "error flags " + Hex(effect.errorFlagsBefore, 8) + " -> " + Hex(effect.errorFlagsAfter, 8));
+        }
+        if (!effect.otherBytes.empty()) Trace("returned", "changed bytes " + effect.otherBytes);
+    }
+
     /// Adds a finding. The status of a crash, a time limit or a failed load replaces the status `kFailed` of
     /// earlier findings.
     void Add(std::string expected, std::string seen, ExitStatus status) {
         if (result.status == ExitStatus::kDone || result.status == ExitStatus::kFailed)
             result.status = status;
+        Trace("FAIL", expected);
         if (result.findings.size() == kFindingsKept) {
             ++result.moreFindings;
         } else {
@@ -95,15 +114,15 @@ private:
 
     CheckResult& result;
     std::vector<TableCell>& table;
+    bool isTraced;
     std::string lastCall;
     Clock::time_point start = Clock::now();
 };
 
 /// Runs the check in the child process.
-void runCheck(const Check& check, const std::string& bundle, const std::string& scratch,
-              const Channel& channel) {
+void runCheck(const Check& check, const CheckPlace& place, const Channel& channel) {
     try {
-        CheckRun run(bundle, scratch, channel);
+        CheckRun run(place, channel);
         check.body(run);
     } catch (const RunStopped&) { // the failure is already reported
     } catch (const std::exception& fault) {
@@ -187,20 +206,23 @@ private:
         ChildLimits limits;
         limits.secondsPerCall = plan.secondsPerCall;
         limits.secondsPerRun = plan.secondsPerCall * kCallsPerCheck;
-        const auto record = std::make_shared<RunningCheck>(one, result.table);
+        const auto record = std::make_shared<RunningCheck>(one, result.table, plan.isTraced);
         ChildListener listener{
             [record](Message&& message) { record->Take(std::move(message)); },
             [](macplatform::Alert&&) { return -1; }, // the child process answers the alerts
             [record](std::string_view printed) { record->Receive(printed); }};
         running.push_back(place);
-        children.Start([&](const Channel& channel) { runCheck(*one.check, path, folder, channel); }, limits,
-                       std::move(listener),
-                       [this, record, place, folder](const ChildEnd& end) {
-                           record->End(end);
-                           running.erase(std::find(running.begin(), running.end(), place));
-                           std::error_code ignored;
-                           std::filesystem::remove_all(folder, ignored);
-                       });
+        children.Start(
+            [&](const Channel& channel) {
+                runCheck(*one.check, {path, folder, plan.isTraced}, channel);
+            },
+            limits, std::move(listener),
+            [this, record, place, folder](const ChildEnd& end) {
+                record->End(end);
+                running.erase(std::find(running.begin(), running.end(), place));
+                std::error_code ignored;
+                std::filesystem::remove_all(folder, ignored);
+            });
     }
 
     const ValidationPlan& plan;

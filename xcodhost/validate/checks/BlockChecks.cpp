@@ -82,6 +82,8 @@ void hostFieldsAreNotRead(CheckRun& run) {
         for (const char byte : {'\x01', '\x7F', '\xFF'}) {
             ParameterBlock filled = Event(message, 4900, 11);
             filled.FillHostFields(byte);
+            run.Trace("block",
+                      "the host's fields of the second block: " + Hex(static_cast<unsigned char>(byte), 2));
             expectSameEffects(run, Event(message, 4900, 11), filled, 0,
                               "the same effects for any content of the host's fields");
         }

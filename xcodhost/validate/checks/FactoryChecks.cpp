@@ -57,7 +57,7 @@ void instanceLiesInPointerBlock(CheckRun& run) {
 void noMemoryGivesNothing(CheckRun& run) {
     const FactoryFunction make = run.Factory();
     run.ForgetObjects();
-    macplatform::InjectFault({"NewPtr", 0, 0});
+    run.InjectFault({"NewPtr", 0, 0});
     void* const instance = run.Bundle().RunCode({kFactoryFunction, "NewPtr returns null", {}}, [&] {
         return make(kCFAllocatorDefault, ConstantIdentifier(kPluginType));
     });

@@ -49,7 +49,7 @@ void expectHarmless(CheckRun& run, const std::vector<std::string>& names, long c
                           "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>UpdateInterval</key>"
                           "<integer>7</integer></dict></plist>");
                 run.ForgetObjects();
-                macplatform::InjectFault({name, code, static_cast<unsigned>(skip)});
+                run.InjectFault({name, code, static_cast<unsigned>(skip)});
                 const Outcome outcome = run.Deliver(Event(message, 4900));
                 macplatform::CancelInjectedFaults();
                 const std::string fault = "call " + std::to_string(skip + 1) + " of " + name + " fails";
@@ -84,7 +84,7 @@ void finderFaultLeavesOther(CheckRun& run) {
     for (unsigned skip = 0; skip < 2; ++skip) {
         run.UseFreshVolume();
         run.Interface();
-        macplatform::InjectFault({"FSGetCatalogInfo", -5000, skip});
+        run.InjectFault({"FSGetCatalogInfo", -5000, skip});
         const Outcome outcome = run.Deliver(Event(kPostInstall, 4900));
         if (macplatform::CancelInjectedFaults() > 0) continue; // the plug-in does not make this call
         run.Expect(outcome.changes.finderFlags.size() == 1, "the other item gets its flags",
@@ -106,7 +106,7 @@ void brokenFileIsLeft(CheckRun& run) {
 void queryWithoutMemoryIsHarmless(CheckRun& run) {
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     run.ForgetObjects();
-    macplatform::InjectFault({"CFUUIDCreateFromUUIDBytes", 0, 0});
+    run.InjectFault({"CFUUIDCreateFromUUIDBytes", 0, 0});
     void* found = nullptr;
     const auto result = run.Bundle().RunCode({"QueryInterface", "no memory for the identifier", {}}, [&] {
         return static_cast<std::uint32_t>((*instance)->QueryInterface(instance, kHostInterface, &found));

@@ -15,6 +15,7 @@ namespace {
 
 /// Sets the item's Finder flags through the platform, as the Finder does.
 void setFinderFlags(const CheckRun& run, const char* macPath, std::uint16_t flags) {
+    run.Trace("flags", macPath + (": " + Hex(flags, 4)));
     FSRef item;
     FSCatalogInfo catalog = {};
     const std::string path = run.OnVolume(macPath);

@@ -168,7 +168,7 @@ void nothingIsWrittenOutside(CheckRun& run) {
     fs::create_directory(folder);
     const auto runWatched = [&](const Channel& channel, const std::function<void()>& watch) {
         try {
-            CheckRun inner(run.BundlePath(), folder, channel);
+            CheckRun inner({run.BundlePath(), folder, run.Place().isTraced}, channel);
             watch();
             liveOnce(inner);
         } catch (const RunStopped&) { // the finding is already reported

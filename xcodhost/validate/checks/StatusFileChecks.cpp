@@ -80,7 +80,7 @@ void noFailureNoText(CheckRun& run) {
 Outcome deliverUnreadable(CheckRun& run, std::uint32_t errorFlags) {
     run.UseFreshVolume(withStatus("UpdatesDisabled"));
     run.Interface();
-    for (const char* const call : {"fopen", "open", "openat"}) macplatform::InjectFault({call, EACCES, 0});
+    for (const char* const call : {"fopen", "open", "openat"}) run.InjectFault({call, EACCES, 0});
     ParameterBlock block = Event(kPostInstall, 4900);
     block.SetErrorFlags(errorFlags);
     Outcome outcome = run.Deliver(block);

@@ -26,12 +26,21 @@ std::string padded(const std::string& text, std::size_t width) {
     return text + std::string(text.size() < width ? width - text.size() : 1, ' ');
 }
 
+std::string traceText(const CheckResult& result) {
+    std::string text;
+    for (const TracedStep& step : result.trace) {
+        text += "           " + padded(step.kind, 9) + ' ' + Printable(step.text) + '\n';
+    }
+    return text;
+}
+
 std::string checkText(const BundleResult& bundle, const CheckResult& result, const Style& style) {
     const std::string line = padded(result.check->id, 30) + ' ' + result.check->sentence + '\n';
-    if (result.state == State::kPassed) return style.Good("pass     ") + line;
+    if (result.state == State::kPassed) return style.Good("pass     ") + line + traceText(result);
     if (result.state == State::kNotRun)
-        return "not run  " + padded(result.check->id, 30) + ' ' + Printable(result.reason) + '\n';
-    std::string text = style.Bad("FAIL     ") + line;
+        return "not run  " + padded(result.check->id, 30) + ' ' + Printable(result.reason) + '\n' +
+               traceText(result);
+    std::string text = style.Bad("FAIL     ") + line + traceText(result);
     for (const std::string& detail : FindingLines(result)) text += "           " + detail + '\n';
     return text + "           repeat    " + RepeatCommand(bundle.bundle, result) + '\n';
 }
@@ -56,6 +65,9 @@ Json toJson(const BundleResult& bundle, const CheckResult& result) {
                                      {"seen", finding.seen}});
     }
     value["moreFindings"] = result.moreFindings;
+    for (const TracedStep& step : result.trace) {
+        value["trace"].push_back({{"step", step.kind}, {"text", step.text}});
+    }
     value["reason"] = result.reason.empty() ? Json() : Json(result.reason);
     value["output"] = result.output;
     value["seconds"] = result.seconds;
