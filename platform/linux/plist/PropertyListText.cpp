@@ -35,18 +35,16 @@ std::string_view declaredEncoding(std::string_view text) {
 
 bool areSameName(const std::string& left, const char* right) { return strcasecmp(left.c_str(), right) == 0; }
 
-struct CloseConversion {
-    void operator()(void* conversion) const { iconv_close(conversion); }
-};
-
 /// Converts bytes to UTF-8 with the C library.
 std::string converted(std::string bytes, const std::string& encoding) {
-    // The Mac reads bytes from 80 in ASCII as Latin-1. A slash would add options to the name.
+    constexpr char allowed[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_.:";
+    const bool isName = encoding.find_first_not_of(allowed) == encoding.npos;
+    // The Mac reads bytes from 80 in ASCII as Latin-1.
     const bool isAscii = areSameName(encoding, "US-ASCII") || areSameName(encoding, "ASCII");
     const char* const name = isAscii ? "ISO-8859-1" : encoding.c_str();
-    const iconv_t opened = iconv_open("UTF-8", encoding.find('/') == encoding.npos ? name : "/");
+    const iconv_t opened = iconv_open("UTF-8", isName ? name : "none");
     if (reinterpret_cast<std::intptr_t>(opened) == -1) throw PropertyListError("the encoding is unknown");
-    const std::unique_ptr<void, CloseConversion> conversion(opened);
+    const std::unique_ptr<void, int (*)(iconv_t)> conversion(opened, &iconv_close);
     std::string text;
     char* in = bytes.data();
     std::size_t left = bytes.size();
