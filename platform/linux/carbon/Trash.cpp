@@ -94,11 +94,10 @@ TrashFolder trashFor(const std::string& path) {
     const std::string& volume = StartupVolume();
     if (!volume.empty() && isInside(path, volume)) return trashAtTop(volume);
     dev_t own = 0, homes = 0;
+    deviceOf(folderOf(path), own);
     const std::string home = homeTrash();
-    if (!home.empty() && makeFolders(home) && deviceOf(folderOf(path), own) && deviceOf(home, homes) &&
-        own == homes) {
-        return {home, ""};
-    }
+    const bool isHomeUsable = !home.empty() && makeFolders(home) && deviceOf(home, homes);
+    if (isHomeUsable && own == homes) return {home, ""};
     return trashAtTop(fileSystemTop(path, own));
 }
 

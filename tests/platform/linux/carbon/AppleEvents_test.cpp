@@ -4,7 +4,10 @@
 #include "support/FinderItem.h"
 #include "support/VolumeTest.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <optional>
 #include <unistd.h>
 
 namespace {
@@ -29,12 +32,29 @@ OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trs
     return result;
 }
 
+/// Changes an environment variable. The destructor restores it.
+class Environment {
+public:
+    Environment(const char* variable, const char* value) : name(variable) {
+        if (const char* const earlier = std::getenv(name)) before = earlier;
+        Set(value);
+    }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+    ~Environment() { Set(before ? before->c_str() : nullptr); }
+
+private:
+    void Set(const char* value) const { value ? setenv(name, value, 1) : unsetenv(name); }
+
+    const char* name;
+    std::optional<std::string> before;
+};
+
 class AppleEvents : public VolumeTest {
 protected:
     void SetUp() override {
         macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) {
             if (entry.call == "AESend") note = entry.note;
-            if (entry.call == "AECreateAppleEvent") arguments = entry.arguments;
         });
     }
     void TearDown() override {
@@ -45,7 +65,6 @@ protected:
 
     std::size_t liveBefore = macplatform::LiveObjectCount();
     std::string note;
-    std::vector<std::string> arguments;
 };
 
 } // namespace
@@ -55,7 +74,6 @@ TEST_F(AppleEvents, MoveAnItemToTheTrashWithARecord) {
     volume.Write("Users/a b/._\xC3\xA9.txt", "sidecar");
     EXPECT_EQ(ask("/Users/a b/\xC3\xA9.txt"), noErr);
     EXPECT_EQ(note, "");
-    EXPECT_EQ(arguments, (std::vector<std::string>{"'core'", "'move'", "'sign'"}));
     EXPECT_FALSE(std::filesystem::exists(volume / "Users/a b/\xC3\xA9.txt"));
     EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one");
     EXPECT_EQ(ReadBytes(Trash() / "files/._\xC3\xA9.txt"), "sidecar");
@@ -88,16 +106,50 @@ TEST_F(AppleEvents, StayOnTheVolumeAndShortenLongNames) {
 
 TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
     const TemporaryFolder home;
-    const char* const before = std::getenv("XDG_DATA_HOME");
-    const std::string kept = before ? before : "";
-    setenv("XDG_DATA_HOME", home.Path().c_str(), 1);
+    const Environment data("XDG_DATA_HOME", home.Path().c_str());
     const std::string file = home.Write("x.txt");
     EXPECT_EQ(ask(file), noErr);
     EXPECT_TRUE(std::filesystem::exists(home / "Trash/files/x.txt"));
     EXPECT_NE(ReadBytes(home / "Trash/info/x.txt.trashinfo").find("Path=" + file + "\n"), std::string::npos);
     EXPECT_EQ(ask((home / "Trash").string()), noErr);
     EXPECT_EQ(note, "the Finder returned -47") << "the Trash itself cannot be moved";
-    before ? setenv("XDG_DATA_HOME", kept.c_str(), 1) : unsetenv("XDG_DATA_HOME");
+
+    const Environment noData("XDG_DATA_HOME", "relative"), user("HOME", home.Path().c_str());
+    EXPECT_EQ(ask(home.Write("y.txt")), noErr);
+    EXPECT_TRUE(std::filesystem::exists(home / ".local/share/Trash/files/y.txt"));
+    EXPECT_EQ(std::filesystem::status(home / ".local/share/Trash").permissions(),
+              std::filesystem::perms(0700));
+    EXPECT_EQ(ask(home.Path().string()), noErr);
+    EXPECT_EQ(note, "the Finder returned -47") << "the home directory";
+}
+
+TEST_F(AppleEvents, UseTheTrashOfAnotherFileSystem) {
+    std::string folder = "/dev/shm/trash-XXXXXX";
+    if (!mkdtemp(folder.data())) GTEST_SKIP() << "/dev/shm: " << std::strerror(errno);
+    const std::string name = folder.substr(9), trash = "/dev/shm/.Trash-" + std::to_string(getuid());
+    for (const char* const home : {volume.Path().c_str(), static_cast<const char*>(nullptr)}) {
+        const Environment data("XDG_DATA_HOME", home), user("HOME", home);
+        std::filesystem::create_directory(folder + "/x");
+        EXPECT_EQ(ask(folder + "/x"), noErr);
+        EXPECT_EQ(note, "");
+        EXPECT_TRUE(std::filesystem::remove(trash + "/files/x"));
+        const std::string record = ReadBytes(trash + "/info/x.trashinfo");
+        EXPECT_EQ(record.find("[Trash Info]\nPath=" + name + "/x\n"), 0u) << record;
+        std::filesystem::remove(trash + "/info/x.trashinfo");
+    }
+    std::filesystem::remove(folder);
+    for (const char* const part : {"/files", "/info", ""}) rmdir((trash + part).c_str()); // unless in use
+}
+
+TEST_F(AppleEvents, UseTheCommonTrashOfTheVolumeIfItIsSticky) {
+    volume.Write(".Trash/" + std::to_string(getuid()) + "/files/x", "an item without a record");
+    for (const unsigned mode : {01777u, 0777u}) {
+        std::filesystem::permissions(volume / ".Trash", std::filesystem::perms(mode));
+        volume.Write("Users/x");
+        EXPECT_EQ(ask("/Users/x"), noErr);
+    }
+    EXPECT_TRUE(std::filesystem::exists(volume / ".Trash" / std::to_string(getuid()) / "files/x.2"));
+    EXPECT_TRUE(std::filesystem::exists(Trash() / "files/x"));
 }
 
 TEST_F(AppleEvents, RejectOtherTargetsAndPlaces) {
