@@ -74,7 +74,7 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) try 
 
 Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) try {
     PlatformCall call("CFURLGetFSRef");
-    const std::string& path = UrlPath(url);
+    const std::string& path = UrlPath(url, "CFURLGetFSRef");
     if (call.IsRecorded()) call.SetArguments({Quoted(path)});
     if (call.ConsumeFault() || !ref) return call.Result(Boolean{0});
     const Item item = FindItem(path);

@@ -85,8 +85,8 @@ Object& CheckedObject(CFTypeRef reference, const char* function) {
 Object& CheckedObject(CFTypeRef reference, const char* function, const ObjectClass& kind) {
     Object& object = CheckedObject(reference, function);
     if (object.type != &kind) {
-        Misuse(function, std::string("a ") + kind.kind + " is expected, not the " + object.type->kind + ' ' +
-                             Describe(reference));
+        Misuse(function, std::string("an object of the type ") + kind.kind + " is expected, not the " +
+                             object.type->kind + ' ' + Describe(reference));
     }
     return object;
 }

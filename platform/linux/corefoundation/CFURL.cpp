@@ -83,8 +83,8 @@ std::string styleName(CFURLPathStyle style) {
 
 const ObjectClass macplatform::kUrlClass = {16, "URL", &describeUrl, &equalUrls, &finaliseUrl};
 
-const std::string& macplatform::UrlPath(CFURLRef url) {
-    return toUrl(CheckedObject(url, "CFURL", kUrlClass)).path;
+const std::string& macplatform::UrlPath(CFURLRef url, const char* function) {
+    return toUrl(CheckedObject(url, function, kUrlClass)).path;
 }
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path, CFURLPathStyle style,

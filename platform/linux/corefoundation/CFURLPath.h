@@ -9,7 +9,7 @@
 namespace macplatform {
 
 /// Returns the absolute POSIX path in UTF-8. Only the path "/" has a trailing "/". The result is valid as
-/// long as the URL exists. Calls `Misuse` if the object is not a URL.
-const std::string& UrlPath(CFURLRef url);
+/// long as the URL exists. Calls `Misuse` with the name of the calling function if the object is not a URL.
+const std::string& UrlPath(CFURLRef url, const char* function);
 
 } // namespace macplatform

@@ -225,7 +225,7 @@ CFPlugInRef CFPlugInCreate(CFAllocatorRef allocator, CFURLRef url) {
     RecordArguments(call, allocator, url);
     if (call.ConsumeFault()) return ObjectResult(call, CFPlugInRef{nullptr});
     try {
-        return ObjectResult(call, CFPlugInRef{openBundle(UrlPath(url))});
+        return ObjectResult(call, CFPlugInRef{openBundle(UrlPath(url, "CFPlugInCreate"))});
     } catch (const std::bad_alloc&) {
         return ObjectResult(call, CFPlugInRef{nullptr});
     }

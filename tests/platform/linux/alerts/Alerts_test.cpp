@@ -2,7 +2,6 @@
 #include <macplatform/Alerts.h>
 #include <macplatform/LiveObjects.h>
 
-#include "support/CallRecorder.h"
 #include "support/SendMessage.h"
 
 #include <gmock/gmock.h>
@@ -59,23 +58,11 @@ TEST_F(Alerts, StopAlertNeedsAResponder) {
     EXPECT_EQ(resource, 5000);
 }
 
-TEST_F(Alerts, CallsAreRecordedAndAlertsAreCounted) {
-    const CallRecorder calls;
+TEST_F(Alerts, AreCounted) {
     const id alert = NewAlert();
     EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1);
-    Send(alert, "setMessageText:", CFSTR("a\nb"));
-    Send(alert, "setIcon:", CFSTR("x"));
-    Send(nullptr, "release");
     Send(alert, "retain");
     Send(alert, "release");
     Send(alert, "release");
-    EXPECT_THAT(calls.lines,
-                testing::IsSupersetOf(
-                    {"objc_msgSend(NSAlert, alloc) = NSAlert", "objc_msgSend(NSAlert, init) = NSAlert",
-                     "objc_msgSend(NSAlert, setMessageText:, \"a\\nb\") = 0",
-                     "objc_msgSend(NSAlert, setIcon:, \"x\") = 0", "objc_msgSend(nil, release) = nil",
-                     "objc_msgSend(NSAlert, retain) = NSAlert", "objc_msgSend(NSAlert, release) = 0",
-                     "objc_msgSend(NSAlert, release) = 0"}));
-    EXPECT_EQ(objc_getClass("NSWindow"), nullptr);
     EXPECT_EQ(sel_registerName("runModal"), sel_registerName("runModal"));
 }

@@ -59,8 +59,10 @@ protected:
 TEST_F(PlugIn, ReturnsAnInstance) {
     WriteInfo(InfoPlist("MakeSample"));
     CopyCode();
+    EXPECT_FALSE(create(folder / "Other.bundle"));
     const CFPlugInRef plugIn = create(bundle);
     ASSERT_TRUE(plugIn);
+    EXPECT_EQ(LastBundleFailure().text, "");
     EXPECT_TRUE(makeInstance(plugIn)) << LastBundleFailure().text;
     EXPECT_FALSE(macplatform::BundleSymbol(plugIn, "Missing"));
     EXPECT_NE(LastBundleFailure().text, "");
@@ -133,10 +135,11 @@ TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
 
 TEST_F(PlugIn, ReadsItsTablesAsTheMac) {
     std::string list = InfoPlist("7", std::string(" {") + kPluginType + "} ");
-    list.replace(list.find("<string>7</string>"), 18, "<integer>7</integer>");
+    list.replace(list.find("<string>7</string>"), 18,
+                 "<integer>7</integer><key>no UUID</key><string>x</string>");
     WriteInfo(list);
     folder.Write("Short.bundle/Contents/Info.plist", InfoPlist("MakeSample", "5cd9484b-4a86"));
-    std::string unregistered = InfoPlist("MakeSample", "FFFFFFFF-4A86-4CA2-A79A-1525A3B5F6E8");
+    std::string unregistered = InfoPlist("MakeSample", "ffffffff-4a86-4ca2-a79a-1525a3b5f6e8");
     unregistered.replace(unregistered.rfind(kPluginFactory), 8, "FFFFFFFF");
     folder.Write("Unregistered.bundle/Contents/Info.plist", unregistered);
     const CFPlugInRef plugIns[] = {create(bundle), create(folder / "Short.bundle"),

@@ -41,11 +41,37 @@ TEST_F(Preferences, AreStoredBySynchronise) {
     EXPECT_TRUE(Synchronise());
     EXPECT_EQ(Python(), "{'Lang': 'ja', 'UpdateInterval': 2}\n");
     EXPECT_EQ(ReadBytes(File()).substr(0, 8), "bplist00");
+    EXPECT_EQ(ReadBytes(File()).size(), 8 + 5 + 3 + 15 + 2 + 5 + 5 + 32u);
     struct stat status {};
     ASSERT_EQ(stat(File().c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0644u);
     ASSERT_EQ(stat((volume / "Library/Preferences").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0775u);
+}
+
+TEST_F(Preferences, StoreEveryNumberAndString) {
+    const auto add = [](const std::string& value, CFTypeRef object) {
+        const CFStringRef key = NewText(value.c_str());
+        CFPreferencesSetValue(key, object, CFSTR("com.example.app"), kCFPreferencesAnyUser,
+                              kCFPreferencesCurrentHost);
+        CFRelease(key);
+        CFRelease(object);
+    };
+    for (const std::int64_t number :
+         {std::int64_t{0}, std::int64_t{-1}, std::int64_t{255}, std::int64_t{256}, std::int64_t{65535},
+          std::int64_t{65536}, std::int64_t{1} << 32, INT64_MAX, INT64_MIN})
+        add(std::to_string(number), CFNumberCreate(nullptr, kCFNumberSInt64Type, &number));
+    for (const double number : {-0.0, 0.5, 1e300})
+        add(std::to_string(number), CFNumberCreate(nullptr, kCFNumberDoubleType, &number));
+    for (const std::size_t length : {14U, 15U, 300U})
+        add(std::string(length, 's'), NewText(std::string(length, 's').c_str()));
+    EXPECT_TRUE(Synchronise());
+    EXPECT_EQ(Printed("/usr/bin/python3 -c 'import plistlib,sys\nfor k, v in "
+                      "plistlib.load(open(sys.argv[1],\"rb\")).items(): assert (\"%f\" % v if type(v) is "
+                      "float else str(v)) == k, k' '" +
+                      File().string() + "'"),
+              "");
+    EXPECT_EQ(Stored().keys.size(), 15u);
 }
 
 TEST_F(Preferences, AreStoredOnTheVolumeThatTheyWereSetOn) {
