@@ -6,9 +6,6 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <sys/stat.h>
-#include <sys/xattr.h>
-
 using testing::HasSubstr;
 
 namespace {
@@ -107,39 +104,6 @@ TEST(Command, RejectsADirectoryWithOtherFilesForASampleVolume) {
     EXPECT_EQ(run.ExitStatus(), 2);
     EXPECT_THAT(run.err, HasSubstr("not empty"));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
-}
-
-TEST(Command, ShowsHiddenAndBrokenPreferencesAndFinderFlags) {
-    const TemporaryFolder volume;
-    volume.Write("Library/Preferences/.GlobalPreferences.plist",
-                 "<plist version=\"1.0\"><dict><key>a\nb</key><true/></dict></plist>");
-    volume.Write("Library/Preferences/broken.plist", "not a list");
-    ASSERT_EQ(mkfifo((volume / "Library/Preferences/pipe.plist").c_str(), 0600), 0);
-    std::string finderInfo(32, '\0');
-    finderInfo.replace(8, 2, "\xFF\xF7"); // all flags, label 3
-    const std::string item = volume.Write("item");
-    if (setxattr(item.c_str(), "user.com.apple.FinderInfo", finderInfo.data(), finderInfo.size(), 0) != 0) {
-        GTEST_FAIL() << "the directory for temporary files does not support extended attributes; set TMPDIR";
-    }
-    const HostTool show = RunHost({"show", "--volume", volume.Path()});
-    EXPECT_EQ(show.ExitStatus(), 0);
-    EXPECT_EQ(show.out, ".GlobalPreferences a\\nb: (boolean) true\n"
-                        "/item: A alias (0x8000) on\n"
-                        "/item: V invisible (0x4000) on\n"
-                        "/item: B bundle (0x2000) on\n"
-                        "/item: S name locked (0x1000) on\n"
-                        "/item: T stationery (0x0800) on\n"
-                        "/item: C custom icon (0x0400) on\n"
-                        "/item: - reserved (0x0200) on\n"
-                        "/item: I inited (0x0100) on\n"
-                        "/item: N no INITs (0x0080) on\n"
-                        "/item: M shared (0x0040) on\n"
-                        "/item: - reserved (0x0020) on\n"
-                        "/item: E hidden extension (0x0010) on\n"
-                        "/item: L label colour (0x000E) 3\n"
-                        "/item: D on desk (0x0001) on\n"
-                        "broken: /Library/Preferences/broken.plist is not a property list\n"
-                        "pipe: /Library/Preferences/pipe.plist is not a file\n");
 }
 
 TEST(Command, ReportsAnOutputThatCannotBeWritten) {

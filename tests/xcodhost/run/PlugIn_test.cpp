@@ -29,22 +29,6 @@ protected:
     std::string volume = (folder / "vol").string();
 };
 
-TEST_F(InstalledProduct, ReportsEachEffectAndNoChangeTheSecondTime) {
-    const HostTool first = Install();
-    EXPECT_THAT(
-        first.out,
-        HasSubstr(
-            "\ncom.korvane.audioplugins.Fusewright Lang: (none) -> (string) \"ja\"\n"
-            "com.korvane.updater InstalledProducts/Fusewright/CurrentVersion: (none) -> (string) \"1.73\"\n"
-            "com.korvane.updater UpdateInterval: (none) -> (integer) 2\n"
-            "/Applications/Korvane: C custom icon (0x0400) off -> on\n"
-            "/Applications/Korvane/Icon\\r: V invisible (0x4000) off -> on\n"
-            "DONE 5 changes\n"));
-    EXPECT_EQ(first.ExitStatus(), 0);
-    EXPECT_EQ(first.err, "");
-    EXPECT_THAT(Install().out, HasSubstr("\nnothing changed\nDONE 0 changes\n"));
-}
-
 TEST_F(InstalledProduct, HasFilesThatOtherToolsRead) {
     Install();
     const std::string read = "/usr/bin/python3 -c 'import plistlib, sys\n"

@@ -119,30 +119,6 @@ TEST(Validate, HasABrokenBundleForEachCheck) {
     }
 }
 
-TEST(Validate, RunsTheSelectedChecks) {
-    const CorpusBundle bundle("AlertMissing");
-    const struct {
-        const char* options;
-        int status;
-        const char* verdict;
-    } rows[] = {
-        {"--include steps.alert", 1, "FAIL 1 of 1 (first: steps.alert)"},
-        {"--include steps.stop-alert references.zero", 0, "PASS 2 checks"},
-        {"--include references", 0, "PASS 5 checks"},
-        {"--include steps.* --exclude steps.a*", 0, "PASS 8 checks"},
-        {"--include steps.alert --exclude steps", 1, "FAIL 0 of 0 (no check was run)"},
-    };
-    for (const auto& row : rows) {
-        const HostTool run = RunHostWith({"validate", bundle.Path()}, row.options);
-        EXPECT_EQ(run.Verdict(), row.verdict) << run.out;
-        EXPECT_EQ(run.ExitStatus(), row.status);
-    }
-    const HostTool wrong = RunHost({"validate", bundle.Path(), "--include", "steps.nothing"});
-    EXPECT_EQ(wrong.ExitStatus(), 2);
-    EXPECT_THAT(wrong.err, HasSubstr("\"steps.nothing\" matches no check"));
-    EXPECT_EQ(RunHost({"validate", bundle.Path(), "--junit", "/not/there/file"}).ExitStatus(), 2);
-}
-
 TEST(Validate, ExplainSuggestsSimilarChecks) {
     const HostTool wrong = RunHost({"explain", "stop"});
     EXPECT_EQ(wrong.ExitStatus(), 2);
