@@ -119,12 +119,6 @@ TEST(Validate, HasABrokenBundleForEachCheck) {
     }
 }
 
-TEST(Validate, ExplainSuggestsSimilarChecks) {
-    const HostTool wrong = RunHost({"explain", "stop"});
-    EXPECT_EQ(wrong.ExitStatus(), 2);
-    EXPECT_THAT(wrong.err, HasSubstr("steps.stop-alert"));
-}
-
 /// Runs a Python program with the file as its argument. Returns the status, which is 0 if its assertions
 /// hold. Uses the system's Python, which has the packaged modules.
 int python(const std::string& program, const std::string& file) {

@@ -7,11 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <fstream>
 #include <sstream>
 #include <sys/stat.h>
 #include <vector>
 
-using namespace std::string_literals;
 using macplatform::ReadPropertyList;
 
 namespace {
@@ -41,13 +41,16 @@ std::string binary(const std::string& hexadecimal) {
     return BinaryPlist(objects);
 }
 
-struct Row {
+/// Returns the bytes of a line of PropertyLists.txt, in which \xNN is a byte.
+std::string unescaped(const std::string& line) {
     std::string bytes;
-    const char* read;
-};
-const Row kRows[] = {
-#include "PropertyLists.inc"
-};
+    for (std::size_t at = 0; at < line.size(); ++at) {
+        const bool isByte = line.compare(at, 2, "\\x") == 0;
+        bytes += isByte ? static_cast<char>(std::stoi(line.substr(at + 2, 2), nullptr, 16)) : line[at];
+        if (isByte) at += 3;
+    }
+    return bytes;
+}
 
 } // namespace
 
@@ -127,11 +130,17 @@ TEST(PropertyList, RejectsInputThatWouldHarmTheParser) {
 }
 
 TEST(PropertyList, IsReadAsTheMacReadsIt) {
-    for (const auto& row : kRows) {
-        const auto plist = parse(row.bytes);
+    std::ifstream file(PROPERTY_LISTS);
+    for (std::string line; std::getline(file, line);) {
+        const std::size_t arrow = line.find(" => ");
+        if (arrow == std::string::npos) continue; // a comment
+        const bool isBinary = line.compare(0, 7, "binary ") == 0;
+        const auto plist =
+            parse(isBinary ? binary(line.substr(7, arrow - 7)) : unescaped(line.substr(0, arrow)));
         const std::string seen = plist.error.empty() ? plist.root.Describe() : "error: " + plist.error;
-        EXPECT_EQ(seen, row.read) << row.bytes;
+        EXPECT_EQ(seen, line.substr(arrow + 4)) << line;
     }
+    EXPECT_TRUE(file.eof());
 }
 
 TEST(PropertyList, ComparesNumbersExactly) {
