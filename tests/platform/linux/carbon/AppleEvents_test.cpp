@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -126,15 +127,22 @@ TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
 TEST_F(AppleEvents, UseTheTrashOfAnotherFileSystem) {
     std::string folder = "/dev/shm/trash-XXXXXX";
     if (!mkdtemp(folder.data())) GTEST_SKIP() << "/dev/shm: " << std::strerror(errno);
-    const std::string name = folder.substr(9), trash = "/dev/shm/.Trash-" + std::to_string(getuid());
+    const auto deviceOf = [](const std::string& path) {
+        struct stat status {};
+        stat(path.c_str(), &status);
+        return status.st_dev;
+    };
+    const std::string top = deviceOf("/dev") == deviceOf(folder) ? "/dev" : "/dev/shm";
+    const std::string trash = top + "/.Trash-" + std::to_string(getuid());
     for (const char* const home : {volume.Path().c_str(), static_cast<const char*>(nullptr)}) {
+        if (home && deviceOf(home) == deviceOf(folder)) continue;
         const Environment data("XDG_DATA_HOME", home), user("HOME", home);
         std::filesystem::create_directory(folder + "/x");
         EXPECT_EQ(ask(folder + "/x"), noErr);
         EXPECT_EQ(note, "");
         EXPECT_TRUE(std::filesystem::remove(trash + "/files/x"));
         const std::string record = ReadBytes(trash + "/info/x.trashinfo");
-        EXPECT_EQ(record.find("[Trash Info]\nPath=" + name + "/x\n"), 0u) << record;
+        EXPECT_EQ(record.find("[Trash Info]\nPath=" + folder.substr(top.size() + 1) + "/x\n"), 0u) << record;
         std::filesystem::remove(trash + "/info/x.trashinfo");
     }
     std::filesystem::remove(folder);
