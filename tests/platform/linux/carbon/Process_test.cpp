@@ -9,11 +9,16 @@
 #include <macplatform/ProcessIdentity.h>
 #include <sys/sysctl.h>
 
+#include "support/InChild.h"
+#include "support/TemporaryFolder.h"
+
 #include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <gtest/gtest.h>
 #include <limits>
+#include <sched.h>
+#include <sys/mount.h>
 
 using namespace macplatform;
 
@@ -74,6 +79,40 @@ TEST(Sysctl, ReturnsTheFrequencyAsEightBytes) {
     SetCpuFrequency({});
     EXPECT_EQ(sysctlnametomib("hw.unknown", mib, &count), -1);
     EXPECT_EQ(errno, ENOENT);
+}
+
+/// Returns the frequency that the system call reports for a text of the kernel. Must run in a mount
+/// namespace.
+std::uint64_t frequencyIn(const std::string& cpuInfo) {
+    const TemporaryFolder folder;
+    const std::string file = folder.Write("cpuinfo", cpuInfo);
+    mount("none", "/sys/devices/system/cpu", "tmpfs", 0, nullptr); // hides the governor
+    mount(file.c_str(), "/proc/cpuinfo", nullptr, MS_BIND, nullptr);
+    int mib[2] = {6, 100};
+    std::uint64_t hertz = 0;
+    std::size_t size = sizeof hertz;
+    sysctl(mib, 2, &hertz, &size, nullptr, 0);
+    umount("/proc/cpuinfo");
+    return hertz;
+}
+
+TEST(Sysctl, FindsTheFrequencyInTheTextOfTheKernel) {
+    const std::pair<const char*, std::uint64_t> rows[] = {
+        {"model name\t: x @ 2.50GHz\ncpu MHz\t: 800\n", 2'500'000'000},
+        {"cpu MHz\t: 800.5\ncpu MHz\t: 900\nmodel name\t: x @ 900MHz\n", 900'000'000},
+        {"no model name @ 3GHz\nmodel name\t: x\ncpu MHz\t: 800.5\ncpu MHz\t: 900\n", 800'500'000},
+        {"cpu MHz\nmodel name\t: x @ nanGHz\n", 0}};
+    const int wrongRow = InChild([&rows] {
+        if (unshare(CLONE_NEWNS) || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr)) return 77;
+        int row = 0;
+        for (const auto& [text, hertz] : rows) {
+            ++row;
+            if (frequencyIn(text) != hertz) return row;
+        }
+        return 0;
+    });
+    if (wrongRow == 77) GTEST_SKIP() << "only root can replace the text";
+    EXPECT_EQ(wrongRow, 0);
 }
 
 TEST(Sysctl, KeepsErrnoWhenTheObserverChangesIt) {
