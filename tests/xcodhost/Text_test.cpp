@@ -13,4 +13,5 @@ TEST(DisplayText, EscapesControlCharactersAndInvalidUtf8) {
     EXPECT_EQ(Printable("\xED\xA0\x80"), "\\xED\\xA0\\x80") << "surrogate";
     EXPECT_EQ(Printable("\xF4\x90\x80\x80"), "\\xF4\\x90\\x80\\x80") << "above U+10FFFF";
     EXPECT_EQ(Printable("a\xE6\x97"), "a\\xE6\\x97") << "cut off";
+    EXPECT_EQ(Printable(std::string_view("\xC3\xA9", 1)), "\\xC3") << "cut off inside a text";
 }

@@ -92,14 +92,6 @@ TEST(Run, RemovesTheScratchVolumeAfterASignal) {
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
 }
 
-TEST(Run, ReportsObjectsThatWereNotReleased) {
-    const TestBundle bundle;
-    const HostTool run = RunHost({"run", bundle.Path(), "--product", "14", "--event", "pre"});
-    EXPECT_THAT(run.out, HasSubstr("warning: 1 platform object never released:\n"));
-    EXPECT_THAT(run.out, HasSubstr("left behind"));
-    EXPECT_EQ(run.ExitStatus(), 0);
-}
-
 struct AlertCase {
     const char* name;
     std::string answers; ///< The value of `--answers`. Empty: the option is not given.
@@ -175,21 +167,6 @@ TEST(Run, ReportsAPreferencesFileThatTheRunBroke) {
     const HostTool run = RunHost({"run", bundle.Path(), "--product", "16"});
     EXPECT_THAT(run.out, HasSubstr("com.example.broken: /Library/Preferences/com.example.broken.plist "
                                    "is not a property list; the run caused this\n"));
-}
-
-TEST(Run, DescribesEachEndInJson) {
-    const TestBundle bundle;
-    const auto end = [&](const char* product) {
-        const HostTool run =
-            RunHost({"run", bundle.Path(), "--product", product, "--json", "--timeout", "0.2"});
-        return nlohmann::json::parse(run.out)["end"];
-    };
-    using nlohmann::json;
-    EXPECT_EQ(end("0"), json({{"kind", "finished"}}));
-    EXPECT_EQ(end("1"), json({{"kind", "signal"}, {"signal", "SIGSEGV"}}));
-    EXPECT_EQ(end("2"), json({{"kind", "time-limit"}, {"seconds", 0.2}}));
-    EXPECT_EQ(end("3"), json({{"kind", "exception"}, {"type", "std::runtime_error"}, {"what", "no good"}}));
-    EXPECT_EQ(end("5"), json({{"kind", "exit"}, {"code", 7}}));
 }
 
 TEST(Run, ReportsACrashInTheFactory) {
