@@ -269,6 +269,11 @@ TEST_F(Preferences, ReportTheReasonOfAFailure) {
     EXPECT_EQ(calls[0].call, "CFPreferencesSynchronize");
     EXPECT_EQ(calls[0].result, "false");
     EXPECT_EQ(calls[0].note, File().string() + ": not a property list: line 1: ';' is missing");
+    volume.Write("Library/Preferences/com.example.app.plist", "()");
+    macplatform::SetCallObserver([&calls](const macplatform::RecordedCall& entry) { calls = {entry}; });
+    EXPECT_FALSE(Synchronise());
+    EXPECT_EQ(calls[0].note, File().string() + ": the root of the property list is not a dictionary");
+    macplatform::SetCallObserver({});
 
     std::filesystem::remove(File());
     macplatform::InjectFault({"CFPreferencesSynchronize"});
