@@ -2,6 +2,7 @@
 
 #include "support/HostTool.h"
 #include "support/TestBundle.h"
+#include "support/Variable.h"
 
 #include <gmock/gmock.h>
 
@@ -10,22 +11,6 @@
 using testing::HasSubstr;
 
 namespace {
-
-/// Sets an environment variable, or removes it if the value is null. The destructor restores it.
-class Variable {
-public:
-    Variable(const char* variable, const char* value) : name(variable) {
-        if (const char* old = std::getenv(variable)) before = old;
-        value ? setenv(variable, value, 1) : unsetenv(variable);
-    }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-    ~Variable() { before.empty() ? unsetenv(name) : setenv(name, before.c_str(), 1); }
-
-private:
-    const char* name;
-    std::string before;
-};
 
 /// A program in a process group of its own. The destructor kills the group.
 class Background {
@@ -208,24 +193,6 @@ TEST(Desktop, PassesLiteralTextsToKdialog) {
         ReadBytes(folder / "arguments"),
         "--title\nxcodhost\n--menu\n<qt>--version &lt;b>&amp;amp;&lt;/b><br>&#92;x5F $(false) &#92;x1B</qt>\n"
         "--\n0\ngtk-ok\n1\nA_B:7\n2\nx!y!z\n3\n--help\n");
-    EXPECT_THAT(runWithScript("exit 1\n").out, HasSubstr(": not shown, its window was closed\n"));
-    EXPECT_THAT(runWithScript("exit 0\n").err, HasSubstr("was not shown: kdialog ended with exit status 0"));
-    EXPECT_THAT(runWithScript("printf 4\n").err, HasSubstr("kdialog ended with exit status 0"));
-}
-
-TEST(Desktop, RejectsAMissingProgramOrDisplayBeforeTheRun) {
-    const Variable noWayland("WAYLAND_DISPLAY", nullptr);
-    const TemporaryFolder empty;
-    const std::vector<std::string> order{"run", "Absent.bundle", "--product", "1", "--answers", "desktop"};
-    const Variable noPrograms("PATH", empty.Path().c_str());
-    const Variable display("DISPLAY", ":0");
-    const HostTool withoutProgram = RunHost(order);
-    EXPECT_THAT(withoutProgram.err, HasSubstr("PATH has none of yad, zenity, kdialog"));
-    EXPECT_EQ(withoutProgram.ExitStatus(), 2);
-    const Variable noDisplay("DISPLAY", nullptr);
-    const HostTool withoutDisplay = RunHost(order);
-    EXPECT_THAT(withoutDisplay.err, HasSubstr("neither DISPLAY nor WAYLAND_DISPLAY is set"));
-    EXPECT_EQ(withoutDisplay.ExitStatus(), 2);
 }
 
 } // namespace

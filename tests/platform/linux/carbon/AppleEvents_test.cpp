@@ -2,12 +2,12 @@
 #include <macplatform/LiveObjects.h>
 
 #include "support/FinderItem.h"
+#include "support/Variable.h"
 #include "support/VolumeTest.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -32,24 +32,6 @@ OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trs
         AEDisposeDesc(desc);
     return result;
 }
-
-/// Changes an environment variable. The destructor restores it.
-class Environment {
-public:
-    Environment(const char* variable, const char* value) : name(variable) {
-        if (const char* const earlier = std::getenv(name)) before = earlier;
-        Set(value);
-    }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-    ~Environment() { Set(before ? before->c_str() : nullptr); }
-
-private:
-    void Set(const char* value) const { value ? setenv(name, value, 1) : unsetenv(name); }
-
-    const char* name;
-    std::optional<std::string> before;
-};
 
 class AppleEvents : public VolumeTest {
 protected:
@@ -107,7 +89,7 @@ TEST_F(AppleEvents, StayOnTheVolumeAndShortenLongNames) {
 
 TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
     const TemporaryFolder home;
-    const Environment data("XDG_DATA_HOME", home.Path().c_str());
+    const Variable data("XDG_DATA_HOME", home.Path().c_str());
     const std::string file = home.Write("x.txt");
     EXPECT_EQ(ask(file), noErr);
     EXPECT_TRUE(std::filesystem::exists(home / "Trash/files/x.txt"));
@@ -115,7 +97,7 @@ TEST_F(AppleEvents, UseTheHomeTrashOutsideTheVolume) {
     EXPECT_EQ(ask((home / "Trash").string()), noErr);
     EXPECT_EQ(note, "the Finder returned -47") << "the Trash itself cannot be moved";
 
-    const Environment noData("XDG_DATA_HOME", "relative"), user("HOME", home.Path().c_str());
+    const Variable noData("XDG_DATA_HOME", "relative"), user("HOME", home.Path().c_str());
     EXPECT_EQ(ask(home.Write("y.txt")), noErr);
     EXPECT_TRUE(std::filesystem::exists(home / ".local/share/Trash/files/y.txt"));
     EXPECT_EQ(std::filesystem::status(home / ".local/share/Trash").permissions(),
@@ -136,7 +118,7 @@ TEST_F(AppleEvents, UseTheTrashOfAnotherFileSystem) {
     const std::string trash = top + "/.Trash-" + std::to_string(getuid());
     for (const char* const home : {volume.Path().c_str(), static_cast<const char*>(nullptr)}) {
         if (home && deviceOf(home) == deviceOf(folder)) continue;
-        const Environment data("XDG_DATA_HOME", home), user("HOME", home);
+        const Variable data("XDG_DATA_HOME", home), user("HOME", home);
         std::filesystem::create_directory(folder + "/x");
         EXPECT_EQ(ask(folder + "/x"), noErr);
         EXPECT_EQ(note, "");
