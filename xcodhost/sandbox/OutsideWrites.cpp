@@ -110,7 +110,8 @@ private:
     static bool CanChange(const WritingCall& call, const std::string& path) {
         struct stat status {};
         const bool exists = lstat(path.c_str(), &status) == 0;
-        return call.flags >= 0 || exists != call.makes;
+        using Effect = WritingCall::Effect;
+        return call.effect == Effect::kAlways || exists == (call.effect == Effect::kOnItem);
     }
 
     /// Returns the absolute path of a target. Returns an empty string if the call has no such target.

@@ -10,7 +10,7 @@ const std::vector<WritingCall>& WritingCalls() {
     static const std::vector<WritingCall> calls = {
 #ifdef SYS_open
         Call(SYS_open, "open").Path(0).OpenFlags(1),
-        Call(SYS_creat, "creat").Path(0),
+        Call(SYS_creat, "creat").Path(0).CreatesOrChanges(),
         Call(SYS_mkdir, "mkdir").Path(0).Creates(),
         Call(SYS_mknod, "mknod").Path(0).Creates(),
         Call(SYS_rmdir, "rmdir").Path(0),

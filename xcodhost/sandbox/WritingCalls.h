@@ -35,12 +35,15 @@ struct WritingCall {
     /// Sets the argument with the flags of open. A call that opens an item only for reading changes nothing.
     WritingCall& OpenFlags(int argument) {
         flags = argument;
+        return CreatesOrChanges();
+    }
+    /// Marks a call that creates an item and changes nothing if the item exists.
+    WritingCall& Creates() {
+        effect = Effect::kOnMissingItem;
         return *this;
     }
-    /// Marks a call that creates an item and changes nothing if the item exists. A call without this mark and
-    /// without `OpenFlags` changes nothing if the item does not exist.
-    WritingCall& Creates() {
-        makes = true;
+    WritingCall& CreatesOrChanges() {
+        effect = Effect::kAlways;
         return *this;
     }
 
@@ -49,7 +52,7 @@ struct WritingCall {
     Target first;
     Target second; ///< The new path of a renamed item.
     int flags = -1;
-    bool makes = false;
+    enum class Effect { kOnItem, kOnMissingItem, kAlways } effect = Effect::kOnItem;
 };
 
 /// Returns the calls of the machine's own calling convention.

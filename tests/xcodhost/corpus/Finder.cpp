@@ -76,6 +76,7 @@ void LeaveTraces() {
     if (Is("ThreadLeft")) std::thread(&waitForEver).detach();
     if (Is("WriteOutside")) std::fclose(std::fopen("/tmp/xcodhost-corpus.log", "a"));
     if (Is("WriteOutside")) std::remove("/tmp/xcodhost-corpus.log");
+    MakeRawCalls();
     // The host must also end a process of another session.
     const bool isChild = (Is("ProcessLeft") || Is("Hang")) && fork() == 0;
     if (isChild) setsid();

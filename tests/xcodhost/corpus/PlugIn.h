@@ -50,6 +50,7 @@ const Product* Find(std::int32_t code); ///< Null for an unknown product.
 
 void Main(char* block);
 void ShowAlert();
+void MakeRawCalls();
 
 void StoreVersion(const Product& product);
 void SetInterval(const Product& product);
