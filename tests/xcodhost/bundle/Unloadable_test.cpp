@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
          Run{"missing-key", "Test.bundle"}, Validate{"bundle.property-list"}, Info{"CFPlugInFactories"}},
         {"OtherType", Plist{InfoPlist("Make", "A0A0A0A0-0000-4000-8000-00000000000F")}, Code{},
          Run{"missing-key", kPluginType}, Validate{"bundle.factory"}},
-        {"NameLeavesTheBundle", Plist{InfoPlist("MyFactory", kPluginType, "../../x")}, Code{},
+        {"NameLeavesTheBundle", Plist{InfoPlist("MyFactory", kPluginType, "../../y")}, Code{},
          Run{"missing-key", "CFBundleExecutable"}, Validate{"bundle.executable"},
          Info{"CFBundleExecutable is not a file name"}},
         {"NoExecutable", Plist{InfoPlist("MyFactory")}, Code{""}, Run{"no-executable", "Linux/Test"},

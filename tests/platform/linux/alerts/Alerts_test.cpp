@@ -41,6 +41,7 @@ TEST_F(Alerts, RunModalReturnsTheNumberOfTheButton) {
     }
     EXPECT_EQ(shown.at(0).message, "Really?");
     EXPECT_EQ(shown.at(0).buttons, (std::vector<std::string>{"Yes", "Cancel", "No"}));
+    EXPECT_EQ(show({CFSTR("Yes"), CFSTR("No")}), -1001) << "the responder chooses the third button";
     EXPECT_EQ(show({}), -1001) << "the responder chooses the third button, but the alert has one";
     EXPECT_EQ(shown.back().buttons, std::vector<std::string>{"OK"}) << "the default button";
     macplatform::SetAlertResponder({});

@@ -65,6 +65,8 @@ TEST_F(CallLog, OfCoreFoundation) {
     CFStringGetLength(text);
     char buffer[8];
     CFStringGetCString(text, buffer, sizeof buffer, kCFStringEncodingUTF8);
+    CFStringGetCString(CFSTR(""), buffer, 1, kCFStringEncodingASCII);
+    CFStringCreateWithCharacters(nullptr, nullptr, 0);
     UniChar part[2];
     CFStringGetCharacters(text, CFRangeMake(1, 2), part);
     CFEqual(text, CFRetain(text));
