@@ -204,10 +204,10 @@ TEST_F(FinderInfoTest, FSRefReportsAMissingItem) {
         ASSERT_EQ(MakeRef(folder / (i % 2 ? "file" : "moved"), again), noErr);
     }
     EXPECT_EQ(get(), noErr);
-    for (int i = 0; i < 4096; ++i) {
-        FSRef other;
-        ASSERT_EQ(MakeRef(folder.Write(std::to_string(i)), other), noErr);
-    }
+    FSRef others[4096];
+    for (FSRef& other : others)
+        ASSERT_EQ(MakeRef(folder.Write(std::to_string(&other - others)), other), noErr);
+    EXPECT_EQ(FSGetCatalogInfo(&others[4000], kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), noErr);
     EXPECT_EQ(get(), errFSBadFSRef);
     std::memset(ref.hidden, 0x5A, sizeof ref.hidden);
     EXPECT_EQ(get(), errFSBadFSRef);
