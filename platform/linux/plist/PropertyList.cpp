@@ -32,21 +32,23 @@ ParsedPropertyList parseText(const PropertyListText& text) {
     }
 }
 
-/// Returns a dictionary after the changes. The entries that remain keep their order, and new entries follow
-/// in the order of their keys.
-PropertyValue withChanges(const PropertyValue& before, PropertyListChanges changes) {
-    PropertyValue after = ContainerValue(PropertyValue::Kind::kDictionary);
-    const auto add = [&after](const std::string& key, std::optional<PropertyValue> value) {
-        if (!value) return;
-        after.keys.push_back(key);
-        after.values.push_back(std::move(*value));
+/// Returns whether the changes make `after` of `before`: the entries that remain keep their order, and new
+/// entries follow in the order of their keys.
+bool isResult(const PropertyValue& after, const PropertyValue& before, PropertyListChanges changes) {
+    std::size_t count = 0;
+    const auto isNext = [&](const std::string& key, const PropertyValue& value) {
+        const std::size_t i = count++;
+        return i < after.keys.size() && after.keys[i] == key && after.values[i] == value;
     };
     for (std::size_t i = 0; i < before.keys.size(); ++i) {
         const auto change = changes.extract(before.keys[i]);
-        add(before.keys[i], change ? change.mapped() : before.values[i]);
+        if (change && !change.mapped()) continue;
+        if (!isNext(before.keys[i], change ? *change.mapped() : before.values[i])) return false;
     }
-    for (const auto& [key, value] : changes) add(key, value);
-    return after;
+    for (const auto& [key, value] : changes) {
+        if (value && !isNext(key, *value)) return false;
+    }
+    return count == after.keys.size();
 }
 
 EditedPropertyList edit(const std::string& bytes, const ParsedPropertyList& before,
@@ -74,7 +76,7 @@ EditedPropertyList EditPropertyList(const std::string& bytes, const PropertyList
     const ParsedPropertyList before = ParsePropertyList(bytes);
     EditedPropertyList edited = edit(bytes, before, changes);
     edited.root = ParsePropertyList(edited.bytes).root;
-    if (edited.root != withChanges(before.root, changes))
+    if (!isResult(edited.root, before.root, changes))
         throw PropertyListError("the file cannot be rewritten without loss");
     return edited;
 }

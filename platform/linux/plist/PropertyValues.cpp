@@ -134,18 +134,20 @@ PropertyValue StringValue(std::u16string_view units) { return StringValue(Utf8Wi
 PropertyValue ContainerValue(Kind kind) { return scalar(kind, {}); }
 
 void RemoveRepeatedKeys(PropertyValue& dictionary, RepeatedKeys rule) {
-    PropertyValue unique = ContainerValue(Kind::kDictionary);
-    unique.keys.reserve(dictionary.keys.size()); // so that the keys stay where they are
+    const auto& keys = dictionary.keys;
     std::unordered_map<std::string_view, std::size_t> positions;
-    for (std::size_t i = 0; i < dictionary.keys.size(); ++i) {
-        const auto earlier = positions.find(dictionary.keys[i]);
-        if (earlier == positions.end()) {
-            unique.keys.push_back(std::move(dictionary.keys[i]));
-            unique.values.push_back(std::move(dictionary.values[i]));
-            positions.emplace(unique.keys.back(), positions.size());
-        } else if (rule == RepeatedKeys::kLastCounts) {
-            unique.values[earlier->second] = std::move(dictionary.values[i]);
-        }
+    positions.reserve(keys.size());
+    for (const std::string& key : keys) positions.emplace(key, positions.size());
+    if (positions.size() == keys.size()) return;
+    PropertyValue unique = ContainerValue(Kind::kDictionary);
+    unique.keys.resize(positions.size());
+    unique.values.resize(positions.size());
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const std::size_t position = positions[keys[i]];
+        PropertyValue& value = unique.values[position];
+        unique.keys[position] = keys[i];
+        if (value.kind == Kind::kNone || rule == RepeatedKeys::kLastCounts)
+            value = std::move(dictionary.values[i]);
     }
     dictionary = std::move(unique);
 }

@@ -10,18 +10,13 @@
 
 namespace macplatform {
 
-namespace {
-
-std::string_view withoutSpacesBefore(std::string_view text) {
-    return text.substr(std::min(text.find_first_not_of(" \t\n\r"), text.size()));
-}
-
-} // namespace
-
 std::optional<PropertyValue> IntegerFrom(std::string_view text) {
-    text = withoutSpacesBefore(text);
+    const auto skip = [&text](std::size_t count) {
+        text.remove_prefix(std::min(text.find_first_not_of(" \t\n\r", count), text.size()));
+    };
+    skip(0);
     const bool isMinus = text.substr(0, 1) == "-";
-    if (isMinus || text.substr(0, 1) == "+") text = withoutSpacesBefore(text.substr(1));
+    if (isMinus || text.substr(0, 1) == "+") skip(1);
     const bool isHexadecimal = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
     if (isHexadecimal) text.remove_prefix(2);
     std::uint64_t number = 0;
