@@ -38,6 +38,7 @@ void MakeRawCalls() {
              {SYS_openat, SYS_unlinkat, SYS_fchmodat, SYS_fchownat, SYS_utimensat, SYS_mkdirat})
             syscall(call, here, old, number, number, 0);
         const int opened = open(old, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        for (const int from : {here, opened}) syscall(SYS_mkdirat, from, "missing/x", number);
         for (const long call : {SYS_fchmod, SYS_fchown, SYS_fsetxattr, SYS_fremovexattr})
             syscall(call, opened, number, number, 0, 0);
         close(opened);
