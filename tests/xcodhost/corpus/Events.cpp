@@ -48,6 +48,8 @@ void beginEvent(Block& block) {
     if (Is("Crash") && block.Message() == 2 && block.Product() == 3500) std::raise(SIGSEGV);
     if (Is("FunctionBlockChanged")) ChangeFunctionBlock();
     if (Is("ScratchInBlock")) block.Bytes()[20] = 1;
+    if (Is("ScratchBehindBlock")) block.Bytes()[614] = 1;
+    if (Is("ScratchBeforeBlock")) block.Bytes()[-1] = 1;
     if (Is("HostFieldRead") && block.Bytes()[100] != 0) setErrorBit(block);
     if (Is("ErrorBitOnSuccess") && block.Product() == 5000) setErrorBit(block);
     if (Is("AlignmentAssumed") && reinterpret_cast<std::uintptr_t>(block.Bytes()) % 2 != 0)

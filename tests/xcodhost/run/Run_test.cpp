@@ -92,43 +92,6 @@ TEST(Run, RemovesTheScratchVolumeAfterASignal) {
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
 }
 
-struct AlertCase {
-    const char* name;
-    std::string answers; ///< The value of `--answers`. Empty: the option is not given.
-    std::string input;
-    std::string report; ///< How the report ends the line of the alert.
-    std::string noted;  ///< A part of standard error.
-};
-
-class AnAlert : public testing::TestWithParam<AlertCase> {};
-
-TEST_P(AnAlert, GetsTheChosenAnswer) {
-    const TestBundle bundle;
-    std::vector<std::string> arguments{"run", bundle.Path(), "--product", "12", "--event", "pre"};
-    if (!GetParam().answers.empty()) arguments.insert(arguments.end(), {"--answers", GetParam().answers});
-    const HostTool run = RunHost(arguments, GetParam().input);
-    EXPECT_THAT(run.out, HasSubstr("Alert \"Go on?\" [Yes] [No]: " + GetParam().report + '\n'));
-    // The plug-in sets bit 16 for "No".
-    EXPECT_THAT(run.out, HasSubstr(GetParam().report == "No" ? "0x00000000 -> 0x00010000" : "(unchanged)"));
-    EXPECT_THAT(run.err, HasSubstr(GetParam().noted));
-}
-
-const AlertCase kAnswers[] = {
-    // name, --answers, standard input, alert in the report, part of standard error
-    {"DefaultWithoutATerminal", "", "2\n", "Yes", ""},
-    {"First", "first", "", "Yes", ""},
-    {"Title", "No,Yes", "", "No", ""},
-    {"UnknownTitle", "Maybe", "", "not shown, it has no button \"Maybe\"", "Go on?\" was not shown: "},
-    {"TypedNumber", "ask", "2\n", "No", "  2  No\n"},
-    {"UnknownNumberThenTitle", "ask", "3\nNo\n", "No", "no button \"3\"; enter a number or a title\n"},
-    {"TypedFirstNumber", "ask", "1\n", "Yes", "  1  Yes\n"},
-    {"EmptyLine", "ask", "\n", "Yes", "  1  Yes\n"},
-    {"NothingTyped", "ask", "", "not shown, no button was chosen", "  1  Yes\n"},
-};
-
-INSTANTIATE_TEST_SUITE_P(Run, AnAlert, testing::ValuesIn(kAnswers),
-                         [](const auto& row) { return row.param.name; });
-
 TEST(Run, ListsChangedFilesWithEscapedNames) {
     const TestBundle bundle;
     const TemporaryFolder volume;
