@@ -89,7 +89,8 @@ std::string EditXmlPlist(std::string_view text, std::size_t start, const Propert
     }
     const std::size_t end = isEmpty ? plist.startTagEnd : plist.entries.back().end;
     if (plist.isEmptyTag && !added.empty()) {
-        copy.Replace(end - 2, end, '>' + added + "\n</dict>"); // <dict/> becomes <dict>.
+        const char* const close = text[end - 3] == '/' ? " >" : ">"; // An attribute may end with a slash.
+        copy.Replace(end - 2, end, close + added + "\n</dict>");     // <dict/> becomes <dict>.
     } else {
         copy.Replace(end, end, added);
     }

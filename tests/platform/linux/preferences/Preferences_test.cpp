@@ -146,6 +146,8 @@ TEST_F(Preferences, KeepAllOtherBytesOfXml) {
     EXPECT_EQ(changed(head + lang + value + lang + tail), head + value + tail);
     Set("Lang", "de");
     EXPECT_EQ(changed("<dict a='b'/>"), "<dict a='b'>\n\t<key>Lang</key>\n\t<string>de</string>\n</dict>");
+    Set("Lang", "de");
+    EXPECT_EQ(changed("<dict a=//>"), "<dict a=/ >\n\t<key>Lang</key>\n\t<string>de</string>\n</dict>");
 }
 
 TEST_F(Preferences, UpdateFilesThatLoseTheirForm) {
