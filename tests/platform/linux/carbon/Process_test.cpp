@@ -172,10 +172,4 @@ TEST(Memory, ReportsTheFailureOfTheLastCall) {
     EXPECT_EQ(MemError(), noErr);
 }
 
-TEST(MemoryDeathTest, EndsTheProcessForAnUnknownPointer) {
-    alignas(16) char strange[64] = {};
-    EXPECT_DEATH(DisposePtr(strange + 48),
-                 "DisposePtr: the pointer was not returned by NewPtr, or it was disposed of before");
-}
-
 } // namespace

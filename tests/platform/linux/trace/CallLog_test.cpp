@@ -75,10 +75,10 @@ TEST_F(CallLog, OfCoreFoundation) {
     CFGetTypeID(kCFAllocatorSystemDefault);
     CFStringGetTypeID();
     CFNumberGetTypeID();
-    const std::uint64_t value = 0;
+    std::uint64_t value = 0;
     for (int type = 0; type <= kCFNumberCFIndexType + 1; ++type) {
         const CFNumberRef number = CFNumberCreate(nullptr, static_cast<CFNumberType>(type), &value);
-        if (number) CFNumberGetValue(number, static_cast<CFNumberType>(type), part);
+        if (number) CFNumberGetValue(number, static_cast<CFNumberType>(type), &value);
     }
     const CFUUIDRef uuid = CFUUIDCreateFromUUIDBytes(nullptr, CFUUIDBytes{});
     CFUUIDGetUUIDBytes(uuid);
@@ -165,7 +165,8 @@ TEST_F(CallLog, OfMisuse) {
     const auto array = reinterpret_cast<CFArrayRef>(text);
     const auto uuid = reinterpret_cast<CFUUIDRef>(text);
     const auto plugIn = reinterpret_cast<CFPlugInRef>(text);
-    FSRef ref;
+    FSRef ref = {};
+    alignas(16) char strange[64] = {};
     const std::function<void()> misuses[] = {
         [] { CFRetain(nullptr); },
         [] { CFStringGetLength(reinterpret_cast<CFStringRef>(kCFAllocatorSystemDefault)); },
@@ -191,7 +192,7 @@ TEST_F(CallLog, OfMisuse) {
                                      kCFPreferencesAnyUser, kCFPreferencesCurrentHost);
         },
         [&] { Send(reinterpret_cast<id>(&ref), "retain"); },
-        [&] { DisposePtr(reinterpret_cast<Ptr>(&ref)); },
+        [&] { DisposePtr(strange + 48); },
     };
     for (const auto& misuse : misuses) ExpectDeath(misuse);
 }
