@@ -85,7 +85,8 @@ std::string EditXmlPlist(std::string_view text, std::size_t start, const Propert
     const std::string space(isEmpty ? "\n\t" : spaceBefore(text, plist.entries.front()));
     std::string added;
     for (const auto& [key, value] : changes) {
-        if (value && last.count(key) == 0) added += space + XmlKeyElement(key) + space + XmlElement(*value);
+        if (!value || last.count(key) > 0) continue;
+        added.append(space).append(XmlKeyElement(key)).append(space).append(XmlElement(*value));
     }
     const std::size_t end = isEmpty ? plist.startTagEnd : plist.entries.back().end;
     if (plist.isEmptyTag && !added.empty()) {
