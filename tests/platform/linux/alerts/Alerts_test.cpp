@@ -62,6 +62,7 @@ TEST_F(Alerts, StopAlertNeedsAResponder) {
 TEST_F(Alerts, AreCounted) {
     const id alert = NewAlert();
     EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1);
+    EXPECT_EQ(macplatform::DescribeLiveObjects().back(), "NSAlert \"\"");
     Send(alert, "retain");
     Send(alert, "release");
     Send(alert, "release");

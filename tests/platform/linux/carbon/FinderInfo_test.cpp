@@ -151,6 +151,9 @@ TEST_F(FinderInfoTest, ChangesOnly32BytesOfASidecarOfAnotherProgram) {
     expected[68] = '\x80';
     expected[69] = 0;
     EXPECT_EQ(ReadBytes(folder / "._file"), expected);
+    folder.Write("._file", foreignSidecar().replace(5, 1, "\1"));
+    ASSERT_EQ(readInfo(file, info), noErr);
+    EXPECT_EQ(info.fileType, kSampleFile.fileType) << "the version before";
 }
 
 TEST_F(FinderInfoTest, IgnoresAndKeepsADamagedSidecar) {

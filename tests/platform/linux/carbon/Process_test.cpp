@@ -72,6 +72,7 @@ TEST(Sysctl, ReturnsTheFrequencyAsEightBytes) {
     EXPECT_EQ(sysctl(mib, static_cast<unsigned>(count), &hertz, &size, nullptr, 0), 0);
     EXPECT_EQ(hertz, 2'400'000'000U);
     EXPECT_EQ(size, 8U);
+    EXPECT_EQ(sysctl(mib, 2, nullptr, nullptr, &hertz, size), -1);
 
     SetCpuFrequency(0);
     EXPECT_EQ(sysctlnametomib("hw.cpufrequency", mib, &count), -1);
@@ -101,7 +102,8 @@ TEST(Sysctl, FindsTheFrequencyInTheTextOfTheKernel) {
         {"model name\t: x @ 2.50GHz\ncpu MHz\t: 800\n", 2'500'000'000},
         {"cpu MHz\t: 800.5\ncpu MHz\t: 900\nmodel name\t: x @ 900MHz\n", 900'000'000},
         {"no model name @ 3GHz\nmodel name\t: x\ncpu MHz\t: 800.5\ncpu MHz\t: 900\n", 800'500'000},
-        {"cpu MHz\nmodel name\t: x @ nanGHz\n", 0}};
+        {"cpu MHz\nmodel name\t: x @ nanGHz\n", 0},
+        {"model name\t: x @ 1000000GHz\n", 0}};
     const int wrongRow = InChild([&rows] {
         if (unshare(CLONE_NEWNS) || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr)) return 77;
         int row = 0;

@@ -69,6 +69,7 @@ TEST(PropertyList, ReadsBothFormatsAlike) {
         "\"date\": 2011-02-03T04:05:06Z, \"array\": [\"\", {}, 2040-02-29T23:59:58Z]}");
     EXPECT_EQ(fromXml.root.Find("integer")->integer, -5);
     EXPECT_EQ(fromXml.root.Find("yes")->integer, 1);
+    EXPECT_EQ(fromXml.root.Find("date")->real, 318398706);
     EXPECT_EQ(fromXml.root.Find("none"), nullptr);
 }
 

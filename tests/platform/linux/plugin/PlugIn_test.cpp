@@ -103,7 +103,10 @@ TEST_F(PlugIn, IsKeptAliveByItsInstances) {
     const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, kFactoryBytes);
     CFPlugInRemoveInstanceForFactory(factory);
     EXPECT_EQ(CFGetRetainCount(plugIn), 1) << "the plug-in had no instance";
-    CFPlugInAddInstanceForFactory(factory);
+    for (const auto change : {&CFPlugInAddInstanceForFactory, &CFPlugInRemoveInstanceForFactory,
+                              &CFPlugInRemoveInstanceForFactory, &CFPlugInAddInstanceForFactory})
+        change(factory);
+    EXPECT_EQ(CFGetRetainCount(plugIn), 2);
     CFRelease(plugIn);
     EXPECT_EQ(CFGetRetainCount(plugIn), 1);
     CFPlugInRemoveInstanceForFactory(factory);
