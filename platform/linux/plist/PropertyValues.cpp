@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <ctime>
 #include <unordered_map>
+#include <vector>
 
 namespace macplatform {
 
@@ -135,19 +136,18 @@ PropertyValue ContainerValue(Kind kind) { return scalar(kind, {}); }
 
 void RemoveRepeatedKeys(PropertyValue& dictionary, RepeatedKeys rule) {
     const auto& keys = dictionary.keys;
+    std::vector<std::size_t> hashes(keys.size()); // Sorting them is faster than a table of all keys.
+    std::transform(keys.begin(), keys.end(), hashes.begin(), std::hash<std::string>());
+    std::sort(hashes.begin(), hashes.end());
+    if (std::adjacent_find(hashes.begin(), hashes.end()) == hashes.end()) return;
     std::unordered_map<std::string_view, std::size_t> positions;
-    positions.reserve(keys.size());
-    for (const std::string& key : keys) positions.emplace(key, positions.size());
-    if (positions.size() == keys.size()) return;
     PropertyValue unique = ContainerValue(Kind::kDictionary);
-    unique.keys.resize(positions.size());
-    unique.values.resize(positions.size());
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        const std::size_t position = positions[keys[i]];
-        PropertyValue& value = unique.values[position];
-        unique.keys[position] = keys[i];
-        if (value.kind == Kind::kNone || rule == RepeatedKeys::kLastCounts)
-            value = std::move(dictionary.values[i]);
+        const auto [place, isNew] = positions.emplace(keys[i], positions.size());
+        if (isNew) unique.keys.push_back(keys[i]);
+        if (isNew) unique.values.emplace_back();
+        if (isNew || rule == RepeatedKeys::kLastCounts)
+            unique.values[place->second] = std::move(dictionary.values[i]);
     }
     dictionary = std::move(unique);
 }
