@@ -117,7 +117,7 @@ private:
     void Add(LoadFailed&& failure) { result.loadFailure = std::move(failure); }
     void Add(ExceptionEscaped&& exception) { result.exception = std::move(exception); }
     void Add(ObjectsLeft&& left) { result.objectsLeft = std::move(left.objects); }
-    // Only the children of `validate` send these three messages.
+    // Only the children of `validate` send these messages.
     void Add(Finding&&) {}
     void Add(CheckStep&&) {}
     void Add(Skipped&&) {}

@@ -62,7 +62,7 @@ struct Finding {
 
 /// A check has done something, or an expectation of it holds. Sent only if the steps are traced.
 struct CheckStep {
-    std::string kind; ///< A word: "volume", "fault", "expect", ...
+    std::string kind; ///< "expect", or a word for what was done: "volume", "fault", "call", ...
     std::string text;
 };
 

@@ -47,11 +47,11 @@ public:
     void Take(Message&& message) {
         if (auto* call = std::get_if<CallBegan>(&message)) {
             lastCall = Printable(call->function) + '(' + Printable(call->arguments) + ')';
-            Trace("call", lastCall);
+            Trace({"call", lastCall});
         } else if (auto* returned = std::get_if<CallReturned>(&message)) {
             if (returned->block) TraceEffect(*returned->block);
         } else if (auto* step = std::get_if<CheckStep>(&message)) {
-            Trace(std::move(step->kind), std::move(step->text));
+            Trace(std::move(*step));
         } else if (auto* finding = std::get_if<Finding>(&message)) {
             Add(std::move(finding->expected), std::move(finding->seen), result.check->failure);
         } else if (auto* exception = std::get_if<ExceptionEscaped>(&message)) {
@@ -86,17 +86,17 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void Trace(std::string kind, std::string text) {
-        if (isTraced) result.trace.push_back({std::move(kind), std::move(text)});
+    void Trace(CheckStep step) {
+        if (isTraced) result.trace.push_back(std::move(step));
     }
 
     /// Omits error flags that were 0 and stayed so.
     void TraceEffect(const BlockEffect& effect) {
         if (effect.errorFlagsBefore != 0 || effect.errorFlagsAfter != 0) {
-            Trace("returned",
-                  "error flags " + Hex(effect.errorFlagsBefore, 8) + " -> " + Hex(effect.errorFlagsAfter, 8));
+            Trace({"returned", "error flags " + Hex(effect.errorFlagsBefore, 8) + " -> " +
+                                   Hex(effect.errorFlagsAfter, 8)});
         }
-        if (!effect.otherBytes.empty()) Trace("returned", "changed bytes " + effect.otherBytes);
+        if (!effect.otherBytes.empty()) Trace({"returned", "changed bytes " + effect.otherBytes});
     }
 
     /// Adds a finding. The status of a crash, a time limit or a failed load replaces the status `kFailed` of
@@ -104,7 +104,7 @@ private:
     void Add(std::string expected, std::string seen, ExitStatus status) {
         if (result.status == ExitStatus::kDone || result.status == ExitStatus::kFailed)
             result.status = status;
-        Trace("FAIL", expected);
+        Trace({"FAIL", expected});
         if (result.findings.size() == kFindingsKept) {
             ++result.moreFindings;
         } else {

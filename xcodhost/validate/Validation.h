@@ -22,12 +22,6 @@ struct LocatedFinding {
     std::string seen;
 };
 
-/// What a check did, or an expectation of it that holds.
-struct TracedStep {
-    std::string kind; ///< "call", "returned", "expect", "FAIL", or a word of the check, for example "volume".
-    std::string text;
-};
-
 /// The result of one check.
 struct CheckResult {
     enum class State { kPassed, kFailed, kNotRun };
@@ -36,7 +30,7 @@ struct CheckResult {
     State state = State::kNotRun;
     std::vector<LocatedFinding> findings;  ///< The first 20 findings.
     std::size_t moreFindings = 0;          ///< The number of further findings.
-    std::vector<TracedStep> trace;         ///< In order. Empty unless the plan traces the checks.
+    std::vector<CheckStep> trace;          ///< In order. Empty unless the plan traces the checks.
     std::string reason;                    ///< Why the check was not run.
     ExitStatus status = ExitStatus::kDone; ///< The exit status for this result alone.
     std::string output;                    ///< The first 2000 bytes that the bundle printed.

@@ -28,7 +28,7 @@ std::string padded(const std::string& text, std::size_t width) {
 
 std::string traceText(const CheckResult& result) {
     std::string text;
-    for (const TracedStep& step : result.trace) {
+    for (const CheckStep& step : result.trace) {
         text += "           " + padded(step.kind, 9) + ' ' + Printable(step.text) + '\n';
     }
     return text;
@@ -65,7 +65,7 @@ Json toJson(const BundleResult& bundle, const CheckResult& result) {
                                      {"seen", finding.seen}});
     }
     value["moreFindings"] = result.moreFindings;
-    for (const TracedStep& step : result.trace) {
+    for (const CheckStep& step : result.trace) {
         value["trace"].push_back({{"step", step.kind}, {"text", step.text}});
     }
     value["reason"] = result.reason.empty() ? Json() : Json(result.reason);
