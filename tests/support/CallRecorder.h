@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// Records each platform call as an element of `lines`: "CALL(ARGUMENT, ARGUMENT) = RESULT". The destructor
-/// ends the recording.
+/// Records each platform call as an element of `lines`: "CALL(ARGUMENT, ARGUMENT) = RESULT [NOTE]". The
+/// destructor ends the recording.
 class CallRecorder {
 public:
     CallRecorder() {
@@ -15,7 +15,9 @@ public:
             std::string arguments;
             for (const auto& argument : entry.arguments)
                 arguments += (arguments.empty() ? "" : ", ") + argument;
-            lines.push_back(entry.call + '(' + arguments + ") = " + entry.result);
+            lines.push_back(entry.call + '(' + arguments + ')' +
+                            (entry.result.empty() ? "" : " = " + entry.result) +
+                            (entry.note.empty() ? "" : " [" + entry.note + ']'));
             errno = 0; // tests that the errno of an observer does not change the errno of the call
         });
     }

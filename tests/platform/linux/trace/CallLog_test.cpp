@@ -5,9 +5,9 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <mach/mach_time.h>
 #include <macplatform/Alerts.h>
-#include <macplatform/CallLog.h>
 #include <sys/sysctl.h>
 
+#include "support/CallRecorder.h"
 #include "support/FinderItem.h"
 #include "support/InChild.h"
 #include "support/InfoPlist.h"
@@ -20,21 +20,11 @@
 
 namespace {
 
-/// Records each call as a line "CALL(ARGUMENT, ARGUMENT) = RESULT [NOTE]".
 class CallLog : public VolumeTest {
 protected:
-    void SetUp() override {
-        macplatform::SetCallObserver([this](const macplatform::RecordedCall& entry) {
-            std::string line = entry.call + '(';
-            for (const auto& argument : entry.arguments)
-                line += (&argument == entry.arguments.data() ? "" : ", ") + argument;
-            line += ')' + (entry.result.empty() ? "" : " = " + entry.result);
-            lines += line + (entry.note.empty() ? "" : " [" + entry.note + ']') + '\n';
-        });
-    }
     /// Compares the lines with a file. Directories and changing numbers are replaced by words.
     void TearDown() override {
-        macplatform::SetCallObserver({});
+        for (const std::string& call : calls.lines) lines += call + '\n';
         lines = std::regex_replace(lines, std::regex(volume.Path().string()), "VOLUME");
         lines = std::regex_replace(lines, std::regex("(Time|time|MPProcessors)(GetCurrent)?\\(\\) = .*"),
                                    "$1$2() = NUMBER");
@@ -51,7 +41,8 @@ protected:
         lines += testing::internal::GetCapturedStderr();
     }
 
-    std::string lines;
+    const CallRecorder calls;
+    std::string lines; ///< Beside the calls.
 };
 
 TEST_F(CallLog, OfCoreFoundation) {
@@ -159,7 +150,6 @@ TEST_F(CallLog, OfCarbonAndTheKernel) {
 }
 
 TEST_F(CallLog, OfMisuse) {
-    macplatform::SetCallObserver({});
     const CFStringRef text = CFSTR("text");
     const auto number = reinterpret_cast<CFNumberRef>(text);
     const auto array = reinterpret_cast<CFArrayRef>(text);
