@@ -92,6 +92,17 @@ TEST(Run, RemovesTheScratchVolumeAfterASignal) {
     EXPECT_TRUE(std::filesystem::is_empty(scratch.Path()));
 }
 
+TEST(Run, GivesThePlugInTheChosenButton) {
+    const TestBundle bundle; // sets bit 16 for "No"
+    const auto run = [&bundle](const char* who, const std::string& input) {
+        return RunHost({"run", bundle.Path(), "--product", "12", "--event", "pre", "--answers", who}, input)
+            .out;
+    };
+    EXPECT_THAT(run("No", ""), HasSubstr("0x00000000 -> 0x00010000"));
+    EXPECT_THAT(run("ask", "2\n"), HasSubstr("0x00000000 -> 0x00010000"));
+    EXPECT_THAT(run("first", "2\n"), HasSubstr("(unchanged)"));
+}
+
 TEST(Run, ListsChangedFilesWithEscapedNames) {
     const TestBundle bundle;
     const TemporaryFolder volume;
