@@ -42,6 +42,7 @@ bool readAttribute(const char* path, const char* name, std::vector<char>& value)
 
 void copyAttributes(const std::string& from, const std::string& to) {
     const ssize_t size = llistxattr(from.c_str(), nullptr, 0);
+    if (size < 0 && errno != ENOTSUP) throw cannotCopy(from);
     if (size <= 0) return;
     std::vector<char> names(static_cast<std::size_t>(size));
     const ssize_t got = llistxattr(from.c_str(), names.data(), names.size());
