@@ -149,6 +149,11 @@ std::vector<std::string> findProblems(const RunResult& result, const VolumeState
                                       const VolumeState& after) {
     std::map<std::string, std::string> lost; // for each domain, the first reason
     std::vector<std::string> problems = after.problems;
+    for (const std::string& problem : before.problems) {
+        const bool isOver =
+            std::find(after.problems.begin(), after.problems.end(), problem) == after.problems.end();
+        if (isOver) problems.push_back("before the run, " + problem);
+    }
     for (const CallRecord& call : result.calls) {
         for (const SynchronisationProblem& problem : call.synchronisationProblems) {
             if (problem.isStored) {
