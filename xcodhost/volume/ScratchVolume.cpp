@@ -1,5 +1,6 @@
 #include "ScratchVolume.h"
 
+#include "Console.h"
 #include "DisplayText.h"
 #include "ExitStatus.h"
 #include "process/Interruption.h"
@@ -115,8 +116,9 @@ ScratchFolder::ScratchFolder(Use use) {
 }
 
 ScratchFolder::~ScratchFolder() {
-    std::error_code ignored;
-    fs::remove_all(path, ignored);
+    std::error_code error;
+    fs::remove_all(path, error);
+    if (error) Note("cannot remove the temporary directory " + path + ": " + error.message());
 }
 
 void CopyVolume(const std::string& from, const std::string& to, const Interruption& interruption) {

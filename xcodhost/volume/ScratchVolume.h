@@ -8,7 +8,8 @@ namespace xcodhost {
 
 class Interruption;
 
-/// A temporary directory. The destructor removes the directory and its contents.
+/// A temporary directory. The destructor removes the directory and its contents, and prints a line if that
+/// fails.
 class ScratchFolder {
 public:
     enum class Use {
