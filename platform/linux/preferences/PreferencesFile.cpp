@@ -49,16 +49,16 @@ int openOrMakeFolder(std::string& path) {
 }
 
 /// Locks the directory against other writers. Waits at most five seconds, which is well within the time limit
-/// of a call to a bundle. Closing the descriptor releases the lock.
-bool lock(int folder) {
+/// of a call to a bundle. Closing the descriptor releases the lock. Returns an empty string, or the reason.
+std::string lock(int folder) {
     constexpr int attempts = 2500;
     for (int i = 0; i < attempts; ++i) {
-        if (flock(folder, LOCK_EX | LOCK_NB) == 0) return true;
-        if (errno != EWOULDBLOCK && errno != EINTR) return false;
+        if (flock(folder, LOCK_EX | LOCK_NB) == 0) return "";
+        if (errno != EWOULDBLOCK && errno != EINTR) return std::strerror(errno);
         const timespec pause = {0, 2000000};
         nanosleep(&pause, nullptr);
     }
-    return false;
+    return "the directory is locked by another program";
 }
 
 bool isFileName(const std::string& domain) {
@@ -154,10 +154,11 @@ StoreResult StorePreferences(const std::string& domain, const PropertyListChange
     std::string folderPath;
     const FileDescriptor folder(openOrMakeFolder(folderPath));
     if (!folder) return {why(folderPath.empty() ? kPreferencesFolder : folderPath, errno), {}};
-    if (!lock(folder.Get())) return {folderPath + ": the directory is locked by another program", {}};
+    std::string failure = lock(folder.Get());
+    if (!failure.empty()) return {folderPath + ": " + failure, {}};
 
     DomainFile file(folder, folderPath, domain);
-    std::string failure = update(file, changes);
+    failure = update(file, changes);
     return {std::move(failure), file.Lost()};
 }
 
