@@ -77,22 +77,29 @@ private:
 };
 
 /// Returns a shell command that waits for the window and then runs `action`. In `action`, $window is the
-/// window, and $X $Y $WIDTH $HEIGHT are its position and size.
+/// window.
 std::string onceShown(const std::string& action) {
     return "export PATH=/usr/bin:/bin; "
-           "window=$(xdotool search --sync --onlyvisible --name '^xcodhost$' | tail -n 1); "
-           "eval \"$(xdotool getwindowgeometry --shell $window)\"; " +
+           "window=$(xdotool search --sync --onlyvisible --name '^xcodhost$' | tail -n 1); " +
            action;
+}
+
+/// Returns a shell command that does `action` until the window has gone: a window that was shown a moment ago
+/// can miss it.
+std::string untilClosed(const std::string& action) {
+    return onceShown("while xdotool getwindowname $window; do " + action + "; done >/dev/null 2>&1");
 }
 
 /// Returns a shell command that clicks one of `count` buttons. The buttons have equal widths and fill the
 /// lower edge of the window.
 std::string click(int button, int count) {
-    return onceShown("xdotool mousemove $((X + WIDTH * (2 * " + std::to_string(button) + " + 1) / " +
-                     std::to_string(2 * count) + ")) $((Y + HEIGHT - 25)) click 1");
+    return untilClosed("eval \"$(xdotool getwindowgeometry --shell $window)\"; "
+                       "xdotool mousemove $((X + WIDTH * (2 * " +
+                       std::to_string(button) + " + 1) / " + std::to_string(2 * count) +
+                       ")) $((Y + HEIGHT - 25)) click 1");
 }
 
-const std::string kPressEscape = onceShown("xdotool windowfocus --sync $window key Escape");
+const std::string kPressEscape = untilClosed("xdotool windowfocus --sync $window key Escape");
 
 HostTool runWith(const std::string& person, std::vector<std::string> arguments,
                  const std::string& scratch = {}) {
