@@ -14,14 +14,15 @@
 namespace {
 
 /// Sends the Finder an event that moves the item to a place. Returns the result of AESend.
-OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh', AEEventID id = kAEMove) {
+OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trsh', AEEventID id = kAEMove,
+          DescType kind = typeFSRef) {
     FSRef ref{};
     MakeRef(path, ref);
     AEDesc address, object, nowhere = {typeNull, nullptr}, property, specifier;
     AppleEvent event, reply;
     AECreateDesc(typeApplSignature, &target, sizeof target, &address);
     AECreateAppleEvent(kAECoreSuite, id, &address, kAutoGenerateReturnID, kAnyTransactionID, &event);
-    AECreateDesc(typeFSRef, &ref, sizeof ref, &object);
+    AECreateDesc(kind, &ref, sizeof ref, &object);
     AEPutParamDesc(&event, keyDirectObject, &object);
     AECreateDesc(typeType, &place, sizeof place, &property);
     CreateObjSpecifier(cObject, &nowhere, formPropertyID, &property, true, &specifier);
@@ -150,6 +151,8 @@ TEST_F(AppleEvents, RejectOtherTargetsAndPlaces) {
     EXPECT_EQ(ask("/Users/missing"), noErr);
     EXPECT_EQ(note, "the Finder returned -1401") << "the reference was never created";
     EXPECT_EQ(ask("/Users/x", 'MACS', 'trsh', 'delo'), errAEEventNotHandled);
+    EXPECT_EQ(ask("/Users/x", 'MACS', 'trsh', kAEMove, 'alis'), noErr);
+    EXPECT_EQ(note, "the Finder returned -1700");
     AEDesc nothing = {typeNull, nullptr}, empty;
     EXPECT_EQ(AESend(&nothing, &empty, kAEWaitReply, 0, 0, nullptr, nullptr), errAENotAEDesc);
     EXPECT_EQ(AECreateDesc('TEXT', nullptr, 0, &empty), noErr);
