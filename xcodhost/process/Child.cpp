@@ -51,8 +51,6 @@ void runBody(const std::function<void(const Channel&)>& body, int socket) {
     }
 }
 
-bool isReadError(ssize_t count) { return count < 0 && errno != EAGAIN && errno != EINTR; }
-
 } // namespace
 
 /// Reads the messages and the output of one child until the child has ended.
@@ -86,10 +84,10 @@ public:
         // If the child has already ended, the loop reads everything that the child has sent.
         const bool hasEnded = ready[2].revents != 0;
         do {
-            hasReadBytes = false;
+            mayHaveMore = false;
             if (!ReadOutput()) return Ended(ChildEnd::Kind::kOutputLimitExceeded, 0, 0);
             if (!ReadReport()) return Ended(ChildEnd::Kind::kReportLimitExceeded, 0, 0);
-        } while (hasEnded && hasReadBytes);
+        } while (hasEnded && mayHaveMore);
         return hasEnded ? std::optional(EndOf(child.Reap())) : std::nullopt;
     }
 
@@ -107,13 +105,19 @@ private:
         return {ChildEnd::Kind::kExited, WEXITSTATUS(status), 0};
     }
 
+    /// Takes the result of a read. Closes the descriptor at its end and after an error.
+    bool HasBytes(ssize_t count, macplatform::FileDescriptor& descriptor) {
+        const bool isInterrupted = count < 0 && errno == EINTR;
+        if (count == 0 || (count < 0 && errno != EAGAIN && !isInterrupted)) descriptor.Close();
+        if (count > 0 || isInterrupted) mayHaveMore = true;
+        return count > 0;
+    }
+
     /// Returns false if the child has printed too much.
     bool ReadOutput() {
         if (!output) return true;
         const ssize_t count = read(output.Get(), buffer.data(), buffer.size());
-        if (count == 0 || isReadError(count)) output.Close();
-        if (count <= 0) return true;
-        hasReadBytes = true;
+        if (!HasBytes(count, output)) return true;
         printed += static_cast<std::size_t>(count);
         listener.onOutput(std::string_view(buffer.data(), static_cast<std::size_t>(count)));
         return printed <= limits.outputBytes;
@@ -123,9 +127,7 @@ private:
     bool ReadReport() {
         if (!socket) return true;
         const ssize_t count = recv(socket.Get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
-        if (count == 0 || isReadError(count)) socket.Close();
-        if (count <= 0) return true;
-        hasReadBytes = true;
+        if (!HasBytes(count, socket)) return true;
         received += static_cast<std::size_t>(count);
         pending.append(buffer.data(), static_cast<std::size_t>(count));
         return received <= limits.reportBytes && HandleLines();
@@ -172,7 +174,7 @@ private:
     std::size_t searched = 0; ///< The bytes at the start of `pending` that contain no line feed.
     std::size_t received = 0;
     std::size_t printed = 0;
-    bool hasReadBytes = false;
+    bool mayHaveMore = false;
     bool isDone = false;
 };
 
