@@ -42,8 +42,7 @@ public:
         SkipSpace();
         if (IsAtEnd()) return root;
         if (root.kind != Kind::kString) Refuse("text behind the value");
-        position = start;
-        count = 0;
+        position = start; // the dictionary counts instead of the string
         root = ReadEntries();
         if (!IsAtEnd()) Refuse("text behind the last entry");
         return root;

@@ -39,8 +39,8 @@ private:
     /// Reads the contents and the end of an element.
     PropertyValue ReadElement(const XmlTag& tag) {
         const Element& element = ElementOf(tag);
-        if (++count > kMaxPropertyListValues) throw PropertyListError(kTooManyValues);
         if (element.kind == Kind::kNone) return ReadWrapped(tag);
+        if (++count > kMaxPropertyListValues) throw PropertyListError(kTooManyValues);
         const bool isContainer = element.kind == Kind::kArray || element.kind == Kind::kDictionary;
         return isContainer ? ReadContainer(element, tag) : ReadScalar(element, tag);
     }
