@@ -32,16 +32,11 @@ public:
     /// Returns the object with these bytes, with one reference for the caller. Throws std::bad_alloc.
     __CFUUID& Read(const UuidBytes& bytes) {
         const std::lock_guard lock(mutex);
-        const auto place = uuids.emplace(bytes, nullptr).first;
+        __CFUUID*& place = uuids[bytes];
         // TryRetain fails if another thread frees the object at this moment. A new object then takes its
         // place, and Forget does not remove the new object.
-        if (place->second && TryRetain(*place->second)) return *place->second;
-        try {
-            return *(place->second = MakeObject<__CFUUID>(0, bytes));
-        } catch (...) {
-            if (!place->second) uuids.erase(place);
-            throw;
-        }
+        if (place && TryRetain(*place)) return *place;
+        return *(place = MakeObject<__CFUUID>(0, bytes));
     }
 
     void Forget(const __CFUUID& uuid) {
