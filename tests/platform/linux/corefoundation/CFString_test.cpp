@@ -96,7 +96,8 @@ TEST(String, EncodesOnlyCharactersOfTheEncoding) {
         {"RomanMissingCharacter", {0x0394}, roman, kRefused},
         {"RomanOldCurrencySign", {0xA4}, roman, kRefused},
         {"RomanOmegaAndOhm", {0x03A9, 0x2126}, roman, "\xBD\xBD"},
-        {"RomanComposed", {'e', 0x301, 'C', 0x327, 'y', 0x308}, roman, "\x8E\x82\xD8"},
+        {"RomanComposed", {'e', 0x301, 'C', 0x327, 'y', 0x308, 'o', 0x302, 'N', 0x303}, roman,
+         "\x8E\x82\xD8\x99\x84"},
         {"RomanMarkOfNoLetter", {'=', 0x338}, roman, kRefused},
         {"RomanMarkOnWrongLetter", {'x', 0x301}, roman, kRefused},
         {"RomanSecondMark", {'e', 0x301, 0x301}, roman, kRefused},
@@ -170,7 +171,7 @@ TEST(String, ComparesUnits) {
 }
 
 TEST(String, RejectsLiteralsThatAreNotAscii) {
-    EXPECT_DEATH(CFSTR("\xC3\xA9"), "CFSTR: the string is not ASCII");
+    EXPECT_DEATH(CFSTR("\x80"), "CFSTR: the string is not ASCII");
 }
 
 } // namespace

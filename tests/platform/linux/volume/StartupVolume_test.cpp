@@ -78,8 +78,10 @@ TEST_F(StartupVolumeTest, ReportsWhyAPathCannotBeResolved) {
         std::string path;
         int error;
     };
+    fs::create_symlink(std::string(4090, '/'), folder / "Mac/Library/long");
     const Row rows[] = {
         {"loop", "/Library/loop/x", ELOOP},
+        {"link and rest too long", "/Library/long/Library", ENAMETOOLONG},
         {"dot-dot after a missing name", "/Library/missing/../../../../outside/secret", ENOENT},
         {"dot-dot after a file", "/Users/ann/notes/../x", ENOTDIR},
         {"dot-dot after a dangling link", "/Library/dangling/../x", ENOENT},
