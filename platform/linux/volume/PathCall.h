@@ -1,7 +1,7 @@
 #pragma once
 
 /// Declares how an interposed path call of the C library is redirected, recorded and made to fail.
-/// PathCalls.cpp defines the calls.
+/// PathCallKinds.h declares the kinds of calls, and PathCalls.cpp defines the calls.
 
 #include "VolumePath.h"
 #include "trace/PlatformCall.h"
@@ -90,16 +90,16 @@ Result MakeCall(PlatformCall& call, SavedErrno& savedErrno, Result failure, cons
 }
 
 /// Makes a path call on the startup volume. Converts `path` to a path of this machine, records the call with
-/// `arguments`, and calls `make` with the converted path. A pending fault makes the call fail before `make`
-/// is called. Returns `failure` and sets errno if the call fails.
-template <typename Result, typename Make, typename... Arguments>
+/// the texts that `show` returns, and calls `make` with the converted path. A pending fault makes the call
+/// fail before `make` is called. Returns `failure` and sets errno if the call fails.
+template <typename Result, typename Make, typename Show>
 Result CallOnVolume(const char* name, Result failure, LastLink link, const char* path, Make make,
-                    const Arguments&... arguments) try {
+                    Show show) try {
     SavedErrno savedErrno;
     const std::string hostPath = HostPathOf(path, link);
     const int unresolved = errno;
     PlatformCall call(name);
-    if (call.IsRecorded()) call.SetArguments({ShownArgument(arguments)...});
+    if (call.IsRecorded()) call.SetArguments(show());
     if (const auto fault = call.ConsumeFault()) {
         savedErrno.Set(static_cast<int>(*fault));
         errno = static_cast<int>(*fault);
