@@ -185,21 +185,4 @@ TEST(Desktop, TriesTheNextProgramAfterAFailure) {
                 HasSubstr("the buttons are too wide for one row"));
 }
 
-/// kdialog itself needs the libraries of a whole desktop. A script stands for it.
-TEST(Desktop, PassesLiteralTextsToKdialog) {
-    const TemporaryFolder folder;
-    const Variable path("PATH", folder.Path().c_str()), display("DISPLAY", ":0");
-    const auto runWithScript = [&](const std::string& lines) {
-        const std::string record = "printf '%s\\n' \"$@\" > '" + (folder / "arguments").string() + "'\n";
-        std::filesystem::permissions(folder.Write("kdialog", "#!/bin/sh\n" + record + lines),
-                                     std::filesystem::perms::owner_all);
-        return runWith("", {"19"});
-    };
-    EXPECT_THAT(runWithScript("printf 3\n").out, HasSubstr("0x00000000 -> 0x00040000"));
-    EXPECT_EQ(
-        ReadBytes(folder / "arguments"),
-        "--title\nxcodhost\n--menu\n<qt>--version &lt;b>&amp;amp;&lt;/b><br>&#92;x5F $(false) &#92;x1B</qt>\n"
-        "--\n0\ngtk-ok\n1\nA_B:7\n2\nx!y!z\n3\n--help\n");
-}
-
 } // namespace

@@ -85,6 +85,7 @@ void doToTheHost(Fault fault) {
         writeFile("/Users/new \x1B.txt", "new");
         chmod("/Library/old.txt", 0600);
         std::remove("/Library/gone.txt");
+        if (std::remove("/Users/link") == 0) symlink("/elsewhere", "/Users/link");
     }
 }
 
