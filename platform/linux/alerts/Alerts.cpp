@@ -3,10 +3,9 @@
 #include <Carbon/Dialogs.h>
 
 #include "AlertResponder.h"
-#include "trace/PlatformCall.h"
+#include "trace/PlatformFunction.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace macplatform {
@@ -33,19 +32,27 @@ int Present(Alert alert) {
 
 } // namespace macplatform
 
-DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) try {
-    using namespace macplatform;
-    PlatformCall call("StopAlert");
-    if (call.IsRecorded()) call.SetArguments({std::to_string(alertID)});
-    constexpr DialogItemIndex notShown = -1;
-    if (call.ConsumeFault()) return call.Result(notShown);
-    Alert alert;
-    alert.kind = Alert::Kind::kStop;
-    alert.resource = alertID;
-    const int answer = Present(std::move(alert));
-    if (answer < 0) call.SetNote("not shown: no open resource file has this alert");
-    return call.Result(
-        static_cast<DialogItemIndex>(answer < 0 ? notShown : answer + 1)); // item numbers begin at 1
-} catch (const std::bad_alloc&) {
-    return -1;
+using namespace macplatform;
+
+namespace {
+
+constexpr DialogItemIndex kNotShown = -1;
+
+template <typename Result>
+struct NotShown : Failure<Result> {
+    Result operator()(long) const { return kNotShown; }
+};
+
+} // namespace
+
+DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP) {
+    const auto show = [alertID] { return Texts{std::to_string(alertID)}; };
+    return MakePlatformCall<NotShown>("StopAlert", show, [&](PlatformCall& call) {
+        Alert alert;
+        alert.kind = Alert::Kind::kStop;
+        alert.resource = alertID;
+        const int answer = Present(std::move(alert));
+        if (answer < 0) call.SetNote("not shown: no open resource file has this alert");
+        return static_cast<DialogItemIndex>(answer < 0 ? kNotShown : answer + 1); // the first item is 1
+    });
 }

@@ -9,7 +9,7 @@
 #include "AlertResponder.h"
 #include "corefoundation/CFStringObject.h"
 #include "corefoundation/TextEncoding.h"
-#include "trace/PlatformCall.h"
+#include "trace/PlatformFunction.h"
 #include "trace/TrackedObject.h"
 
 #include <cstdint>
@@ -98,51 +98,56 @@ std::intptr_t sendToAlert(objc_object& alert, const std::string& message, const 
 
 bool hasArgument(const std::string& message) { return !message.empty() && message.back() == ':'; }
 
-void recordMessage(PlatformCall& call, const objc_object* receiver, const std::string& message,
-                   const void* argument) {
-    if (!call.IsRecorded()) return;
-    std::vector<std::string> texts = {receiver ? "NSAlert" : "nil", message};
+Texts shownMessage(const objc_object* receiver, const std::string& message, const void* argument) {
+    Texts texts = {receiver ? "NSAlert" : "nil", message};
     if (hasArgument(message)) texts.push_back(argument ? Quoted(textOf(argument, "objc_msgSend")) : "nil");
-    call.SetArguments(std::move(texts));
+    return texts;
 }
+
+std::intptr_t sendMessage(objc_object& receiver, const std::string& message, const void* argument,
+                          PlatformCall& call) {
+    if (receiver.magic != objc_object::kLiveMagic)
+        Misuse("objc_msgSend", message + " was sent to an invalid object");
+    const std::intptr_t result =
+        receiver.isClass ? sendToClass(message, call) : sendToAlert(receiver, message, argument, call);
+    const bool isObject =
+        message == "alloc" || message == "init" || message == "retain" || message == "autorelease";
+    return call.Result(result, isObject ? "NSAlert" : std::to_string(result));
+}
+
+template <typename Result>
+struct Nil : Failure<Result> {
+    static constexpr const char* kText = "nil";
+};
 
 } // namespace
 
 MACPLATFORM_C_BEGIN
 
-id objc_getClass(const char* name) try {
-    PlatformCall call("objc_getClass");
-    if (call.IsRecorded()) call.SetArguments({Quoted(name)});
-    const bool known = name && std::strcmp(name, "NSAlert") == 0 && !call.ConsumeFault();
-    return call.Result(known ? &classObject() : id{nullptr}, known ? "NSAlert" : "nil");
-} catch (const std::bad_alloc&) {
-    return nullptr;
+id objc_getClass(const char* name) {
+    const auto show = [name] { return Texts{Quoted(name)}; };
+    return MakePlatformCall<Nil>("objc_getClass", show, [name](PlatformCall& call) {
+        const bool isKnown = name && std::strcmp(name, "NSAlert") == 0;
+        return call.Result(isKnown ? &classObject() : id{nullptr}, isKnown ? "NSAlert" : "nil");
+    });
 }
 
-SEL sel_registerName(const char* name) try {
+SEL sel_registerName(const char* name) {
     static auto& gNames = *new std::set<std::string>;
-    PlatformCall call("sel_registerName");
-    if (call.IsRecorded()) call.SetArguments({Quoted(name)});
-    const std::string& kept = *gNames.emplace(name ? name : "").first;
-    return call.Result(reinterpret_cast<SEL>(kept.c_str()), kept);
-} catch (const std::bad_alloc&) {
-    return nullptr;
+    const auto show = [name] { return Texts{Quoted(name)}; };
+    return MakePlatformCall<NoFailure>("sel_registerName", show, [name](PlatformCall& call) {
+        const std::string& kept = *gNames.emplace(name ? name : "").first;
+        return call.Result(reinterpret_cast<SEL>(kept.c_str()), kept);
+    });
 }
 
-std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) try {
-    PlatformCall call("objc_msgSend");
-    const std::string message = selector ? reinterpret_cast<const char*>(selector) : "";
-    recordMessage(call, receiver, message, argument);
-    if (!receiver || call.ConsumeFault()) return call.Result(std::intptr_t{0}, "nil");
-    if (receiver->magic != objc_object::kLiveMagic)
-        Misuse("objc_msgSend", message + " was sent to an invalid object");
-    const std::intptr_t answer =
-        receiver->isClass ? sendToClass(message, call) : sendToAlert(*receiver, message, argument, call);
-    const bool isObject =
-        message == "alloc" || message == "init" || message == "retain" || message == "autorelease";
-    return call.Result(answer, isObject ? "NSAlert" : std::to_string(answer));
-} catch (const std::bad_alloc&) {
-    return 0;
+std::intptr_t objc_msgSend(id receiver, SEL selector, const void* argument) {
+    const char* const message = selector ? reinterpret_cast<const char*>(selector) : "";
+    const auto show = [&] { return shownMessage(receiver, message, argument); };
+    return MakePlatformCall<Nil>("objc_msgSend", show, [&](PlatformCall& call) {
+        return receiver ? sendMessage(*receiver, message, argument, call)
+                        : call.Result(std::intptr_t{0}, Nil<id>::kText);
+    });
 }
 
 MACPLATFORM_C_END

@@ -6,7 +6,7 @@
 #include "FileReference.h"
 #include "ResultCodes.h"
 #include "Trash.h"
-#include "trace/PlatformCall.h"
+#include "trace/PlatformFunction.h"
 #include "trace/TrackedObject.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ struct OpaqueAEDataStorageType : TrackedObject {
     struct Parameter {
         AEKeyword keyword;
         DescType type;
-        OpaqueAEDataStorageType* data; ///< Owned. Null for a null descriptor.
+        std::unique_ptr<const OpaqueAEDataStorageType> data; ///< Null for a null descriptor.
     };
 
     explicit OpaqueAEDataStorageType(DescType ofType) : type(ofType) {
@@ -36,13 +36,10 @@ struct OpaqueAEDataStorageType : TrackedObject {
     OpaqueAEDataStorageType(const OpaqueAEDataStorageType& other) : OpaqueAEDataStorageType(other.type) {
         bytes = other.bytes;
         for (const Parameter& parameter : other.parameters)
-            Put(parameter.keyword, parameter.type, parameter.data);
+            Put(parameter.keyword, parameter.type, parameter.data.get());
     }
     OpaqueAEDataStorageType& operator=(const OpaqueAEDataStorageType&) = delete;
-    ~OpaqueAEDataStorageType() {
-        for (const Parameter& parameter : parameters) delete parameter.data;
-        Unregister();
-    }
+    ~OpaqueAEDataStorageType() { Unregister(); }
 
     static std::string CodeText(FourCharCode code) {
         std::string text = "'....'";
@@ -51,29 +48,26 @@ struct OpaqueAEDataStorageType : TrackedObject {
         return text;
     }
 
+    /// Returns a predicate for the parameters with the keyword.
+    static auto Has(AEKeyword keyword) {
+        return [keyword](const Parameter& parameter) { return parameter.keyword == keyword; };
+    }
+
     /// Adds a parameter with a copy of the data. Replaces the existing parameter with the same keyword.
     /// Throws std::bad_alloc.
     void Put(AEKeyword keyword, DescType ofType, const OpaqueAEDataStorageType* data) {
-        Parameter fresh{keyword, ofType, data ? new OpaqueAEDataStorageType(*data) : nullptr};
-        for (Parameter& parameter : parameters) {
-            if (parameter.keyword != keyword) continue;
-            std::swap(parameter, fresh);
-            delete fresh.data;
-            return;
-        }
-        try {
-            parameters.push_back(fresh);
-        } catch (...) {
-            delete fresh.data;
-            throw;
+        Parameter fresh{keyword, ofType, data ? std::make_unique<OpaqueAEDataStorageType>(*data) : nullptr};
+        const auto place = std::find_if(parameters.begin(), parameters.end(), Has(keyword));
+        if (place == parameters.end()) {
+            parameters.push_back(std::move(fresh));
+        } else {
+            *place = std::move(fresh);
         }
     }
 
     const Parameter* Find(AEKeyword keyword) const {
-        const auto found =
-            std::find_if(parameters.begin(), parameters.end(),
-                         [keyword](const Parameter& parameter) { return parameter.keyword == keyword; });
-        return found == parameters.end() ? nullptr : &*found;
+        const auto place = std::find_if(parameters.begin(), parameters.end(), Has(keyword));
+        return place == parameters.end() ? nullptr : &*place;
     }
 
     DescType type;
@@ -106,7 +100,7 @@ FourCharCode codeOf(const Storage* data) {
 }
 FourCharCode codeOf(const Storage& record, AEKeyword keyword) {
     const auto* const parameter = record.Find(keyword);
-    return parameter ? codeOf(parameter->data) : 0;
+    return parameter ? codeOf(parameter->data.get()) : 0;
 }
 
 /// Transfers the ownership of the storage to the descriptor, which must be empty.
@@ -115,19 +109,13 @@ void giveTo(AEDesc* result, DescType type, std::unique_ptr<Storage> storage) {
     result->dataHandle = storage.release();
 }
 
-/// Sets `result` to the null descriptor and calls `work`, which creates a descriptor. Returns and records the
-/// result code of `work`. Returns `paramErr` if `result` is null, and `memFullErr` if memory runs out. A
-/// pending fault makes the call fail before `work` is called.
-template <typename Work>
-OSErr made(PlatformCall& call, AEDesc* result, Work work) {
-    if (!result) return call.Result(OSErr{paramErr});
-    *result = {typeNull, nullptr};
-    if (const auto fault = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*fault));
-    try {
-        return call.Result(OSErr{work()});
-    } catch (const std::bad_alloc&) {
-        return call.Result(OSErr{memFullErr});
-    }
+/// Makes a platform call whose body creates a descriptor in `result`, which is the null descriptor before.
+/// Fails with `paramErr` if `result` is null.
+template <typename Show, typename Body>
+OSErr makeDescriptor(const char* name, AEDesc* result, Show show, Body body) {
+    if (result) *result = {typeNull, nullptr};
+    return MakePlatformCall(name, show,
+                            [&](PlatformCall& call) { return result ? body(call) : OSErr{paramErr}; });
 }
 
 std::string shown(const AEDesc* desc) { return desc ? Storage::CodeText(desc->descriptorType) : "NULL"; }
@@ -157,7 +145,7 @@ OSErr sendEvent(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) 
     if (!event || !event->dataHandle || event->dataHandle->type != kTypeAppleEvent) return errAENotAEDesc;
     const Storage& record = *event->dataHandle;
     const auto* const target = record.Find(kKeyAddress);
-    if (!target || target->type != typeApplSignature || codeOf(target->data) != kFinderSignature)
+    if (!target || target->type != typeApplSignature || codeOf(target->data.get()) != kFinderSignature)
         return procNotFound;
     if (codeOf(record, kKeyEventClass) != kAECoreSuite || codeOf(record, kKeyEventID) != kAEMove)
         return errAEEventNotHandled;
@@ -173,10 +161,9 @@ OSErr sendEvent(const AppleEvent* event, AppleEvent* reply, PlatformCall& call) 
 
 } // namespace
 
-OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) try {
-    PlatformCall call("AECreateDesc");
-    if (call.IsRecorded()) call.SetArguments({Storage::CodeText(type), std::to_string(size) + " bytes"});
-    return made(call, result, [=]() -> OSErr {
+OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) {
+    const auto show = [&] { return Texts{Storage::CodeText(type), std::to_string(size) + " bytes"}; };
+    return makeDescriptor("AECreateDesc", result, show, [&](PlatformCall&) -> OSErr {
         if (size < 0 || (size > 0 && !data)) return paramErr;
         if (type == typeNull) return noErr;
         auto storage = std::make_unique<Storage>(type);
@@ -184,16 +171,14 @@ OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result) t
         giveTo(result, type, std::move(storage));
         return noErr;
     });
-} catch (const std::bad_alloc&) {
-    return memFullErr;
 }
 
 OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAddressDesc* target, AEReturnID,
-                         AETransactionID, AppleEvent* result) try {
-    PlatformCall call("AECreateAppleEvent");
-    if (call.IsRecorded())
-        call.SetArguments({Storage::CodeText(eventClass), Storage::CodeText(eventID), shown(target)});
-    return made(call, result, [=]() -> OSErr {
+                         AETransactionID, AppleEvent* result) {
+    const auto show = [&] {
+        return Texts{Storage::CodeText(eventClass), Storage::CodeText(eventID), shown(target)};
+    };
+    return makeDescriptor("AECreateAppleEvent", result, show, [&](PlatformCall&) -> OSErr {
         if (!target) return paramErr;
         auto event = std::make_unique<Storage>(kTypeAppleEvent);
         putCode(*event, kKeyEventClass, typeType, eventClass);
@@ -202,29 +187,24 @@ OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAdd
         giveTo(result, kTypeAppleEvent, std::move(event));
         return noErr;
     });
-} catch (const std::bad_alloc&) {
-    return memFullErr;
 }
 
-OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* value) try {
-    PlatformCall call("AEPutParamDesc");
-    if (call.IsRecorded()) call.SetArguments({shown(event), Storage::CodeText(keyword), shown(value)});
-    if (const auto fault = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*fault));
-    if (!event || !value) return call.Result(OSErr{paramErr});
-    if (!event->dataHandle || event->dataHandle->type != kTypeAppleEvent)
-        return call.Result(OSErr{errAENotAEDesc});
-    event->dataHandle->Put(keyword, value->descriptorType, value->dataHandle);
-    return call.Result(OSErr{noErr});
-} catch (const std::bad_alloc&) {
-    return memFullErr;
+OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* value) {
+    const auto show = [&] { return Texts{shown(event), Storage::CodeText(keyword), shown(value)}; };
+    return MakePlatformCall("AEPutParamDesc", show, [&]() -> OSErr {
+        if (!event || !value) return paramErr;
+        if (!event->dataHandle || event->dataHandle->type != kTypeAppleEvent) return errAENotAEDesc;
+        event->dataHandle->Put(keyword, value->descriptorType, value->dataHandle);
+        return noErr;
+    });
 }
 
 OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType form, AEDesc* key,
-                         Boolean disposeInputs, AEDesc* specifier) try {
-    PlatformCall call("CreateObjSpecifier");
-    if (call.IsRecorded())
-        call.SetArguments({Storage::CodeText(desiredClass), Storage::CodeText(form), shown(key)});
-    return made(call, specifier, [=]() -> OSErr {
+                         Boolean disposeInputs, AEDesc* specifier) {
+    const auto show = [&] {
+        return Texts{Storage::CodeText(desiredClass), Storage::CodeText(form), shown(key)};
+    };
+    return makeDescriptor("CreateObjSpecifier", specifier, show, [&](PlatformCall&) -> OSErr {
         if (!container || !key) return paramErr;
         auto record = std::make_unique<Storage>(typeObjectSpecifier);
         putCode(*record, kKeyClass, typeType, desiredClass);
@@ -238,27 +218,22 @@ OSErr CreateObjSpecifier(DescType desiredClass, AEDesc* container, DescType form
         giveTo(specifier, typeObjectSpecifier, std::move(record));
         return noErr;
     });
-} catch (const std::bad_alloc&) {
-    return memFullErr;
 }
 
 OSErr AESend(const AppleEvent* event, AppleEvent* reply, AESendMode mode, AESendPriority, long, AEIdleUPP,
-             AEFilterUPP) try {
-    PlatformCall call("AESend");
-    if (call.IsRecorded()) call.SetArguments({shown(event), "mode " + std::to_string(mode)});
-    return made(call, reply, [&]() -> OSErr { return sendEvent(event, reply, call); });
-} catch (const std::bad_alloc&) {
-    return memFullErr;
+             AEFilterUPP) {
+    const auto show = [&] { return Texts{shown(event), "mode " + std::to_string(mode)}; };
+    return makeDescriptor("AESend", reply, show,
+                          [&](PlatformCall& call) { return sendEvent(event, reply, call); });
 }
 
-OSErr AEDisposeDesc(AEDesc* desc) try {
-    PlatformCall call("AEDisposeDesc");
-    if (!desc) return call.Result(OSErr{paramErr});
-    const DescType type = desc->descriptorType;
-    delete desc->dataHandle;
-    *desc = {typeNull, nullptr};
-    if (call.IsRecorded()) call.SetArguments({Storage::CodeText(type)});
-    return call.Result(OSErr{noErr});
-} catch (const std::bad_alloc&) {
-    return memFullErr;
+OSErr AEDisposeDesc(AEDesc* desc) {
+    return MakePlatformCall<NoFailure>(
+        "AEDisposeDesc", [desc] { return Texts{shown(desc)}; },
+        [&]() -> OSErr {
+            if (!desc) return paramErr;
+            const std::unique_ptr<Storage> owned(desc->dataHandle);
+            *desc = {typeNull, nullptr};
+            return noErr;
+        });
 }

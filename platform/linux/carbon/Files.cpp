@@ -6,11 +6,10 @@
 #include "FinderInfo.h"
 #include "ResultCodes.h"
 #include "corefoundation/CFURLPath.h"
-#include "trace/PlatformCall.h"
+#include "trace/PlatformFunction.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <new>
 
 using namespace macplatform;
 
@@ -57,74 +56,64 @@ OSErr setInfo(const FSRef& ref, const FSCatalogInfo& info) {
 
 } // namespace
 
-OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) try {
+OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
     const char* const text = reinterpret_cast<const char*>(path);
-    PlatformCall call("FSPathMakeRef");
-    if (call.IsRecorded()) call.SetArguments({Quoted(text)});
-    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSStatus>(*code));
-    if (!path || !ref) return call.Result(OSStatus{paramErr});
-    const Item item = FindItem(std::string(text));
-    if (item.result != noErr) return call.Result(OSStatus{item.result});
-    *ref = MakeReference(item);
-    if (isDirectory) *isDirectory = item.isFolder ? 1 : 0;
-    return call.Result(OSStatus{noErr});
-} catch (const std::bad_alloc&) {
-    return memFullErr;
+    const auto show = [text] { return Texts{Quoted(text)}; };
+    return MakePlatformCall("FSPathMakeRef", show, [&]() -> OSStatus {
+        if (!path || !ref) return paramErr;
+        const Item item = FindItem(std::string(text));
+        if (item.result != noErr) return item.result;
+        *ref = MakeReference(item);
+        if (isDirectory) *isDirectory = item.isFolder ? 1 : 0;
+        return noErr;
+    });
 }
 
-Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) try {
-    PlatformCall call("CFURLGetFSRef");
+Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) {
     const std::string& path = UrlPath(url, "CFURLGetFSRef");
-    if (call.IsRecorded()) call.SetArguments({Quoted(path)});
-    if (call.ConsumeFault() || !ref) return call.Result(Boolean{0});
-    const Item item = FindItem(path);
-    if (item.result != noErr) {
-        call.SetNote("result code " + std::to_string(item.result));
-        return call.Result(Boolean{0});
-    }
-    *ref = MakeReference(item);
-    return call.Result(Boolean{1});
-} catch (const std::bad_alloc&) {
-    return 0;
+    const auto show = [&path] { return Texts{Quoted(path)}; };
+    return MakePlatformCall("CFURLGetFSRef", show, [&](PlatformCall& call) -> Boolean {
+        if (!ref) return 0;
+        const Item item = FindItem(path);
+        if (item.result != noErr) {
+            call.SetNote("result code " + std::to_string(item.result));
+            return 0;
+        }
+        *ref = MakeReference(item);
+        return 1;
+    });
 }
 
 OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, FSCatalogInfo* info, HFSUniStr255* name,
-                       FSSpec* spec, FSRef* parent) try {
-    PlatformCall call("FSGetCatalogInfo");
-    if (call.IsRecorded()) call.SetArguments({DescribeReference(ref), describeBitmap(bitmap)});
-    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*code));
-    if (!ref || name || spec || parent || (!info && bitmap != kFSCatInfoNone))
-        return call.Result(OSErr{paramErr});
-    if ((bitmap & ~(kFSCatInfoFinderInfo | kFSCatInfoNodeFlags)) != 0)
-        return call.Result(OSErr{errFSBadInfoBitmap});
-    const OSErr result = getInfo(*ref, bitmap, info);
-    if (result != noErr || !call.IsRecorded()) return call.Result(result);
-    return call.Result(result, "0, " + describeFlags(info, bitmap));
-} catch (const std::bad_alloc&) {
-    return memFullErr;
+                       FSSpec* spec, FSRef* parent) {
+    const auto show = [&] { return Texts{DescribeReference(ref), describeBitmap(bitmap)}; };
+    return MakePlatformCall("FSGetCatalogInfo", show, [&](PlatformCall& call) -> OSErr {
+        if (!ref || name || spec || parent || (!info && bitmap != kFSCatInfoNone)) return paramErr;
+        if ((bitmap & ~(kFSCatInfoFinderInfo | kFSCatInfoNodeFlags)) != 0) return errFSBadInfoBitmap;
+        const OSErr result = getInfo(*ref, bitmap, info);
+        if (result != noErr || !call.IsRecorded()) return result;
+        return call.Result(result, "0, " + describeFlags(info, bitmap));
+    });
 }
 
-OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, const FSCatalogInfo* info) try {
-    PlatformCall call("FSSetCatalogInfo");
-    if (call.IsRecorded())
-        call.SetArguments({DescribeReference(ref), describeBitmap(bitmap), describeFlags(info, bitmap)});
-    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*code));
-    if (!ref || (!info && bitmap != kFSCatInfoNone)) return call.Result(OSErr{paramErr});
-    if ((bitmap & ~kFSCatInfoFinderInfo) != 0) return call.Result(OSErr{errFSBadInfoBitmap});
-    return call.Result(bitmap == kFSCatInfoNone ? FindItem(*ref).result : setInfo(*ref, *info));
-} catch (const std::bad_alloc&) {
-    return memFullErr;
+OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap bitmap, const FSCatalogInfo* info) {
+    const auto show = [&] {
+        return Texts{DescribeReference(ref), describeBitmap(bitmap), describeFlags(info, bitmap)};
+    };
+    return MakePlatformCall("FSSetCatalogInfo", show, [&]() -> OSErr {
+        if (!ref || (!info && bitmap != kFSCatInfoNone)) return paramErr;
+        if ((bitmap & ~kFSCatInfoFinderInfo) != 0) return errFSBadInfoBitmap;
+        return bitmap == kFSCatInfoNone ? FindItem(*ref).result : setInfo(*ref, *info);
+    });
 }
 
-OSErr FSExchangeObjects(const FSRef* ref, const FSRef* other) try {
-    PlatformCall call("FSExchangeObjects");
-    if (call.IsRecorded()) call.SetArguments({DescribeReference(ref), DescribeReference(other)});
-    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*code));
-    if (!ref || !other) return call.Result(OSErr{paramErr});
-    for (const FSRef* each : {ref, other}) {
-        if (const OSErr result = FindItem(*each).result; result != noErr) return call.Result(result);
-    }
-    return call.Result(OSErr{errFSOperationNotSupported});
-} catch (const std::bad_alloc&) {
-    return memFullErr;
+OSErr FSExchangeObjects(const FSRef* ref, const FSRef* other) {
+    const auto show = [&] { return Texts{DescribeReference(ref), DescribeReference(other)}; };
+    return MakePlatformCall("FSExchangeObjects", show, [&]() -> OSErr {
+        if (!ref || !other) return paramErr;
+        for (const FSRef* each : {ref, other}) {
+            if (const OSErr result = FindItem(*each).result; result != noErr) return result;
+        }
+        return errFSOperationNotSupported;
+    });
 }

@@ -2,7 +2,7 @@
 #include <Carbon/MacMemory.h>
 
 #include "corefoundation/CFObject.h"
-#include "trace/PlatformCall.h"
+#include "trace/PlatformFunction.h"
 #include "trace/TrackedObject.h"
 
 #include <cstddef>
@@ -52,27 +52,24 @@ void freeBlock(Ptr pointer) {
 
 } // namespace
 
-Ptr NewPtr(Size size) try {
-    PlatformCall call("NewPtr");
-    if (call.IsRecorded()) call.SetArguments({std::to_string(size)});
-    const Ptr block = call.ConsumeFault() ? nullptr : makeBlock(size);
-    gLastResult = block ? OSErr{noErr} : OSErr{memFullErr};
-    return call.Result(block, block ? "a block" : "NULL");
-} catch (const std::bad_alloc&) {
-    gLastResult = memFullErr;
-    return nullptr;
+Ptr NewPtr(Size size) {
+    const auto show = [size] { return Texts{std::to_string(size)}; };
+    const Ptr made = MakePlatformCall("NewPtr", show, [size](PlatformCall& call) {
+        const Ptr block = makeBlock(size);
+        return call.Result(block, block ? "a block" : "NULL");
+    });
+    gLastResult = made ? OSErr{noErr} : OSErr{memFullErr};
+    return made;
 }
 
-void DisposePtr(Ptr pointer) try {
-    PlatformCall call("DisposePtr");
+void DisposePtr(Ptr pointer) {
     gLastResult = noErr;
-    if (pointer) freeBlock(pointer);
-    if (call.IsRecorded()) call.SetArguments({pointer ? "a block" : "NULL"});
-} catch (const std::bad_alloc&) {
-    // The block is freed. Only the recording of the call failed.
+    const auto show = [pointer] { return Texts{pointer ? "a block" : "NULL"}; };
+    MakePlatformCall<NoFailure>("DisposePtr", show, [pointer] {
+        if (pointer) freeBlock(pointer);
+    });
 }
 
 OSErr MemError() {
-    PlatformCall call("MemError");
-    return call.Result(gLastResult);
+    return MakePlatformCall("MemError", [] { return gLastResult; });
 }

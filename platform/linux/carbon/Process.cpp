@@ -3,16 +3,15 @@
 #include <Carbon/Processes.h>
 #include <macplatform/ProcessIdentity.h>
 
-#include "trace/PlatformCall.h"
+#include "trace/PlatformFunction.h"
 
 #include <algorithm>
 #include <array>
 #include <climits>
 #include <cstring>
-#include <new>
 #include <unistd.h>
 
-using macplatform::PlatformCall;
+using namespace macplatform;
 
 namespace {
 
@@ -68,23 +67,22 @@ void describe(ProcessInfoRec& callers) {
 void macplatform::SetProcessName(const std::string& name) { givenName() = name; }
 void macplatform::SetProcessorCount(std::optional<unsigned> count) { givenProcessorCount() = count; }
 
-OSErr GetProcessInformation(const ProcessSerialNumber* process, ProcessInfoRec* info) try {
-    PlatformCall call("GetProcessInformation");
-    if (const auto code = call.ConsumeFault()) return call.Result(static_cast<OSErr>(*code));
-    if (!process || !info || info->processInfoLength < sizeof info->processInfoLength)
-        return call.Result(paramErr);
-    if (call.IsRecorded()) call.SetArguments({std::to_string(process->lowLongOfPSN)});
-    if (process->highLongOfPSN != 0 || process->lowLongOfPSN != kCurrentProcess)
-        return call.Result(procNotFound);
-    describe(*info);
-    return call.Result(OSErr{noErr});
-} catch (const std::bad_alloc&) {
-    return memFullErr;
+OSErr GetProcessInformation(const ProcessSerialNumber* process, ProcessInfoRec* info) {
+    const auto show = [process] {
+        return Texts{process ? std::to_string(process->lowLongOfPSN) : std::string("NULL")};
+    };
+    return MakePlatformCall("GetProcessInformation", show, [&]() -> OSErr {
+        if (!process || !info || info->processInfoLength < sizeof info->processInfoLength) return paramErr;
+        if (process->highLongOfPSN != 0 || process->lowLongOfPSN != kCurrentProcess) return procNotFound;
+        describe(*info);
+        return noErr;
+    });
 }
 
 ItemCount MPProcessors() {
-    PlatformCall call("MPProcessors");
-    const long count =
-        givenProcessorCount() ? static_cast<long>(*givenProcessorCount()) : sysconf(_SC_NPROCESSORS_CONF);
-    return call.Result(static_cast<ItemCount>(std::max(count, 1L)));
+    return MakePlatformCall("MPProcessors", [] {
+        const long count =
+            givenProcessorCount() ? static_cast<long>(*givenProcessorCount()) : sysconf(_SC_NPROCESSORS_CONF);
+        return static_cast<ItemCount>(std::max(count, 1L));
+    });
 }

@@ -52,19 +52,17 @@ CFArrayRef macplatform::NewArray(std::vector<CFTypeRef> items) {
 }
 
 CFIndex CFArrayGetCount(CFArrayRef array) {
-    PlatformCall call("CFArrayGetCount");
     const auto& items = checkedItems(array, "CFArrayGetCount");
-    RecordArguments(call, array);
-    return call.Result(static_cast<CFIndex>(items.size()));
+    return MakePlatformCall<NoFailure>("CFArrayGetCount", Shown(array),
+                                       [&] { return static_cast<CFIndex>(items.size()); });
 }
 
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
-    PlatformCall call("CFArrayGetValueAtIndex");
     const auto& items = checkedItems(array, "CFArrayGetValueAtIndex");
-    RecordArguments(call, array, index);
     if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
         Misuse("CFArrayGetValueAtIndex", "index " + std::to_string(index) + " is outside an array of " +
                                              std::to_string(items.size()) + " items");
     }
-    return ObjectResult(call, items[static_cast<std::size_t>(index)]);
+    return MakeObjectCall<NoFailure>("CFArrayGetValueAtIndex", Shown(array, index),
+                                     [&] { return items[static_cast<std::size_t>(index)]; });
 }

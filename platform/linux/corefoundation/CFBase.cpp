@@ -152,36 +152,30 @@ const CFAllocatorRef kCFAllocatorDefault = nullptr;
 const CFAllocatorRef kCFAllocatorSystemDefault = &kSystemDefault;
 
 CFTypeRef CFRetain(CFTypeRef object) {
-    PlatformCall call("CFRetain");
-    Retain(CheckedObject(object, "CFRetain"));
-    RecordArguments(call, object);
-    return ObjectResult(call, object);
+    Object& checked = CheckedObject(object, "CFRetain");
+    return MakeObjectCall<NoFailure>("CFRetain", Shown(object), [&] {
+        Retain(checked);
+        return object;
+    });
 }
 
 void CFRelease(CFTypeRef object) {
-    PlatformCall call("CFRelease");
     Object& checked = CheckedObject(object, "CFRelease");
-    RecordArguments(call, object);
-    Release(checked);
+    MakePlatformCall<NoFailure>("CFRelease", Shown(object), [&] { Release(checked); });
 }
 
 CFIndex CFGetRetainCount(CFTypeRef object) {
-    PlatformCall call("CFGetRetainCount");
     const Object& checked = CheckedObject(object, "CFGetRetainCount");
-    RecordArguments(call, object);
-    return call.Result(static_cast<CFIndex>(checked.references));
+    return MakePlatformCall<NoFailure>("CFGetRetainCount", Shown(object),
+                                       [&] { return static_cast<CFIndex>(checked.references); });
 }
 
 CFTypeID CFGetTypeID(CFTypeRef object) {
-    PlatformCall call("CFGetTypeID");
     const Object& checked = CheckedObject(object, "CFGetTypeID");
-    RecordArguments(call, object);
-    return call.Result(checked.type->id);
+    return MakePlatformCall<NoFailure>("CFGetTypeID", Shown(object), [&] { return checked.type->id; });
 }
 
 Boolean CFEqual(CFTypeRef left, CFTypeRef right) {
-    PlatformCall call("CFEqual");
-    const bool equal = Equal(left, right);
-    RecordArguments(call, left, right);
-    return call.Result(Boolean{equal && !call.ConsumeFault()});
+    const bool equal = Equal(left, right); // terminates for a wrong object, before the call is recorded
+    return MakePlatformCall("CFEqual", Shown(left, right), [equal] { return Boolean{equal}; });
 }

@@ -164,27 +164,22 @@ const ObjectClass kNumberClass = {10, "number", &describeNumber, &equalNumbers, 
 using namespace macplatform;
 
 CFTypeID CFNumberGetTypeID() {
-    PlatformCall call("CFNumberGetTypeID");
-    return call.Result(kNumberClass.id);
+    return MakePlatformCall("CFNumberGetTypeID", [] { return kNumberClass.id; });
 }
 
-CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* from) try {
-    PlatformCall call("CFNumberCreate");
+CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* from) {
     if (!from) Misuse("CFNumberCreate", "the value is NULL");
     const NumberValue value = readValue(type, from);
-    const CFNumberRef number = call.ConsumeFault() ? nullptr : MakeObject<__CFNumber>(0, value);
-    if (call.IsRecorded())
-        RecordArguments(call, allocator, typeName(type), describeNumber(__CFNumber(value)));
-    return ObjectResult(call, number);
-} catch (const std::bad_alloc&) {
-    return nullptr;
+    const auto show = [&] {
+        return ArgumentTexts(allocator, typeName(type), describeNumber(__CFNumber(value)));
+    };
+    return MakeObjectCall("CFNumberCreate", show,
+                          [&] { return CFNumberRef{MakeObject<__CFNumber>(0, value)}; });
 }
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* to) {
-    PlatformCall call("CFNumberGetValue");
     const NumberValue& value = toValue(CheckedObject(number, "CFNumberGetValue", kNumberClass));
-    if (call.IsRecorded()) RecordArguments(call, number, typeName(type), std::string("buffer"));
     if (!to) Misuse("CFNumberGetValue", "the buffer is NULL");
-    if (call.ConsumeFault()) return call.Result(Boolean{false});
-    return call.Result(Boolean{writeValue(value, type, to)});
+    const auto show = [&] { return ArgumentTexts(number, typeName(type), std::string("buffer")); };
+    return MakePlatformCall("CFNumberGetValue", show, [&] { return Boolean{writeValue(value, type, to)}; });
 }

@@ -11,7 +11,7 @@
 
 #include <CoreFoundation/CFBase.h>
 
-#include "trace/PlatformCall.h"
+#include "trace/PlatformFunction.h"
 #include "trace/TrackedObject.h"
 
 #include <atomic>
@@ -110,16 +110,24 @@ inline std::string ArgumentText(CFTypeRef object) { return Describe(object); }
 inline std::string ArgumentText(long long number) { return std::to_string(number); }
 ///@}
 
-/// Records the arguments of the call if the call is recorded. Terminates the process if memory runs out.
+/// Returns the arguments as the call log shows them.
 template <typename... Arguments>
-void RecordArguments(PlatformCall& call, const Arguments&... arguments) noexcept {
-    if (call.IsRecorded()) call.SetArguments({ArgumentText(arguments)...});
+Texts ArgumentTexts(const Arguments&... arguments) {
+    return {ArgumentText(arguments)...};
+}
+/// Returns a function that returns the texts of the arguments.
+template <typename... Arguments>
+auto Shown(Arguments... arguments) {
+    return [=] { return ArgumentTexts(arguments...); };
 }
 
-/// Records the object as the result of the call and returns the object.
-template <typename T>
-T ObjectResult(PlatformCall& call, T object) noexcept {
-    return call.IsRecorded() ? call.Result(object, Describe(object)) : object;
+/// Makes a platform call whose result is an object.
+template <template <typename> class IfFailed = Failure, typename Show, typename Body>
+auto MakeObjectCall(const char* name, Show show, Body body) {
+    return MakePlatformCall<IfFailed>(name, show, [&body](PlatformCall& call) {
+        const auto object = body();
+        return call.IsRecorded() ? call.Result(object, Describe(object)) : object;
+    });
 }
 
 } // namespace macplatform

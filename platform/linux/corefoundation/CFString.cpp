@@ -118,80 +118,69 @@ CFStringRef __CFStringMakeConstantString(const char* text) try {
 }
 
 CFTypeID CFStringGetTypeID() {
-    PlatformCall call("CFStringGetTypeID");
-    return call.Result(kStringClass.id);
+    return MakePlatformCall("CFStringGetTypeID", [] { return kStringClass.id; });
 }
 
-CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
-                                      CFStringEncoding encoding) try {
-    PlatformCall call("CFStringCreateWithCString");
+CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding) {
     if (!text) Misuse("CFStringCreateWithCString", "the C string is NULL");
-    if (call.IsRecorded()) RecordArguments(call, allocator, text, encodingName(encoding));
-    return ObjectResult(call, call.ConsumeFault() ? nullptr : newDecodedString(text, encoding));
-} catch (const std::bad_alloc&) {
-    return nullptr;
+    const auto show = [&] { return ArgumentTexts(allocator, text, encodingName(encoding)); };
+    return MakeObjectCall("CFStringCreateWithCString", show,
+                          [&] { return newDecodedString(text, encoding); });
 }
 
-CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* units, CFIndex count) try {
-    PlatformCall call("CFStringCreateWithCharacters");
+CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* units, CFIndex count) {
     if (!units && count > 0) Misuse("CFStringCreateWithCharacters", "the array of units is NULL");
-    if (count < 0) return ObjectResult(call, CFStringRef{});
-    const std::u16string text(units, units + count);
-    if (call.IsRecorded()) RecordArguments(call, allocator, Quoted(ReadableUtf8(text)), count);
-    return ObjectResult(call, call.ConsumeFault() ? nullptr : NewString(text));
-} catch (const std::exception&) {
-    return nullptr;
+    const auto length = static_cast<std::size_t>(count);
+    const bool isPossible = count >= 0 && length <= std::u16string().max_size();
+    const auto text = [&] { return std::u16string(units, units + (isPossible ? length : 0)); };
+    const auto show = [&] { return ArgumentTexts(allocator, Quoted(ReadableUtf8(text())), count); };
+    return MakeObjectCall("CFStringCreateWithCharacters", show,
+                          [&]() -> CFStringRef { return isPossible ? NewString(text()) : nullptr; });
 }
 
 CFStringRef CFStringCreateWithPascalString(CFAllocatorRef allocator, ConstStr255Param text,
-                                           CFStringEncoding encoding) try {
-    PlatformCall call("CFStringCreateWithPascalString");
+                                           CFStringEncoding encoding) {
     if (!text) Misuse("CFStringCreateWithPascalString", "the Pascal string is NULL");
-    const std::string bytes(text + 1, text + 1 + text[0]);
-    if (call.IsRecorded()) RecordArguments(call, allocator, Quoted(bytes), encodingName(encoding));
-    return ObjectResult(call, call.ConsumeFault() ? nullptr : newDecodedString(bytes, encoding));
-} catch (const std::bad_alloc&) {
-    return nullptr;
+    const auto bytes = [text] { return std::string(text + 1, text + 1 + text[0]); };
+    const auto show = [&] { return ArgumentTexts(allocator, Quoted(bytes()), encodingName(encoding)); };
+    return MakeObjectCall("CFStringCreateWithPascalString", show,
+                          [&] { return newDecodedString(bytes(), encoding); });
 }
 
 CFIndex CFStringGetLength(CFStringRef string) {
-    PlatformCall call("CFStringGetLength");
     const StringObject& checked = checkedString(string, "CFStringGetLength");
-    RecordArguments(call, string);
-    return call.Result(static_cast<CFIndex>(checked.units.size()));
+    return MakePlatformCall<NoFailure>("CFStringGetLength", Shown(string),
+                                       [&] { return static_cast<CFIndex>(checked.units.size()); });
 }
 
-Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding) try {
-    PlatformCall call("CFStringGetCString");
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding) {
     const StringObject& checked = checkedString(string, "CFStringGetCString");
-    if (call.IsRecorded()) RecordArguments(call, string, std::string("buffer"), size, encodingName(encoding));
-    if (size < 1) return call.Result(Boolean{false});
-    if (!buffer) Misuse("CFStringGetCString", "the buffer is NULL");
-    buffer[0] = '\0';
-    if (call.ConsumeFault()) return call.Result(Boolean{false});
-    const auto bytes = encode(checked.units, encoding);
-    if (!bytes || bytes->size() >= static_cast<std::size_t>(size)) return call.Result(Boolean{false});
-    std::memcpy(buffer, bytes->c_str(), bytes->size() + 1);
-    return call.Result(Boolean{true});
-} catch (const std::bad_alloc&) {
-    return false;
+    if (size >= 1 && !buffer) Misuse("CFStringGetCString", "the buffer is NULL");
+    if (size >= 1) buffer[0] = '\0';
+    const auto show = [&] {
+        return ArgumentTexts(string, std::string("buffer"), size, encodingName(encoding));
+    };
+    return MakePlatformCall("CFStringGetCString", show, [&]() -> Boolean {
+        const auto bytes = encode(checked.units, encoding);
+        if (!bytes || size < 1 || bytes->size() >= static_cast<std::size_t>(size)) return false;
+        std::memcpy(buffer, bytes->c_str(), bytes->size() + 1);
+        return true;
+    });
 }
 
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
-    PlatformCall call("CFStringGetCharacters");
     const std::u16string_view units = checkedString(string, "CFStringGetCharacters").units;
     const auto length = static_cast<CFIndex>(units.size());
-    if (call.IsRecorded()) {
-        RecordArguments(call, string,
-                        '{' + std::to_string(range.location) + ", " + std::to_string(range.length) + '}',
-                        std::string("buffer"));
-    }
+    const std::string shownRange =
+        '{' + std::to_string(range.location) + ", " + std::to_string(range.length) + '}';
     if (range.location < 0 || range.length < 0 || range.location > length ||
         range.length > length - range.location) {
-        Misuse("CFStringGetCharacters", "the range {" + std::to_string(range.location) + ", " +
-                                            std::to_string(range.length) + "} is outside a string of " +
-                                            std::to_string(length) + " units");
+        Misuse("CFStringGetCharacters",
+               "the range " + shownRange + " is outside a string of " + std::to_string(length) + " units");
     }
-    const auto* first = units.data() + range.location;
-    std::copy(first, first + range.length, buffer);
+    const auto show = [&] { return ArgumentTexts(string, shownRange, std::string("buffer")); };
+    MakePlatformCall<NoFailure>("CFStringGetCharacters", show, [&] {
+        const auto* first = units.data() + range.location;
+        std::copy(first, first + range.length, buffer);
+    });
 }

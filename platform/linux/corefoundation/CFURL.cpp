@@ -88,13 +88,11 @@ const std::string& macplatform::UrlPath(CFURLRef url, const char* function) {
 }
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path, CFURLPathStyle style,
-                                       Boolean isDirectory) try {
-    PlatformCall call("CFURLCreateWithFileSystemPath");
+                                       Boolean isDirectory) {
     CheckedObject(path, "CFURLCreateWithFileSystemPath", kStringClass);
-    if (call.IsRecorded()) {
-        RecordArguments(call, allocator, path, styleName(style), std::string(isDirectory ? "true" : "false"));
-    }
-    return ObjectResult(call, call.ConsumeFault() ? nullptr : createUrl(path, style, isDirectory));
-} catch (const std::bad_alloc&) {
-    return nullptr;
+    const auto show = [&] {
+        return ArgumentTexts(allocator, path, styleName(style), std::string(isDirectory ? "true" : "false"));
+    };
+    return MakeObjectCall("CFURLCreateWithFileSystemPath", show,
+                          [&] { return createUrl(path, style, isDirectory); });
 }

@@ -115,23 +115,20 @@ const UuidBytes& macplatform::BytesOf(CFUUIDRef uuid, const char* function) {
 
 CFUUIDRef macplatform::NewUuid(const UuidBytes& bytes) { return &UuidTable::Get().Read(bytes); }
 
-CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef allocator, CFUUIDBytes given) try {
-    PlatformCall call("CFUUIDCreateFromUUIDBytes");
+CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef allocator, CFUUIDBytes given) {
     UuidBytes bytes;
     static_assert(sizeof given == sizeof bytes);
     std::memcpy(bytes.data(), &given, sizeof given);
-    if (call.IsRecorded()) RecordArguments(call, allocator, UuidText(bytes));
-    return ObjectResult(call, call.ConsumeFault() ? nullptr : NewUuid(bytes));
-} catch (const std::bad_alloc&) {
-    return nullptr;
+    const auto show = [&] { return ArgumentTexts(allocator, UuidText(bytes)); };
+    return MakeObjectCall("CFUUIDCreateFromUUIDBytes", show, [&] { return NewUuid(bytes); });
 }
 
 CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid) {
-    PlatformCall call("CFUUIDGetUUIDBytes");
     const UuidBytes& bytes = BytesOf(uuid, "CFUUIDGetUUIDBytes");
-    RecordArguments(call, uuid);
     CFUUIDBytes result;
     std::memcpy(&result, bytes.data(), sizeof result);
+    PlatformCall call("CFUUIDGetUUIDBytes"); // the frame of other functions has no such result
+    call.Record(Shown(uuid));
     if (call.IsRecorded()) call.Result(0, UuidText(bytes));
     return result;
 }
@@ -139,15 +136,13 @@ CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid) {
 CFUUIDRef CFUUIDGetConstantUUIDWithBytes(CFAllocatorRef allocator, UInt8 byte0, UInt8 byte1, UInt8 byte2,
                                          UInt8 byte3, UInt8 byte4, UInt8 byte5, UInt8 byte6, UInt8 byte7,
                                          UInt8 byte8, UInt8 byte9, UInt8 byte10, UInt8 byte11, UInt8 byte12,
-                                         UInt8 byte13, UInt8 byte14, UInt8 byte15) try {
-    PlatformCall call("CFUUIDGetConstantUUIDWithBytes");
+                                         UInt8 byte13, UInt8 byte14, UInt8 byte15) {
     const UuidBytes bytes = {byte0, byte1, byte2,  byte3,  byte4,  byte5,  byte6,  byte7,
                              byte8, byte9, byte10, byte11, byte12, byte13, byte14, byte15};
-    if (call.IsRecorded()) RecordArguments(call, allocator, UuidText(bytes));
-    if (call.ConsumeFault()) return ObjectResult(call, CFUUIDRef{});
-    __CFUUID& uuid = UuidTable::Get().Read(bytes);
-    MakeImmortal(uuid);
-    return ObjectResult(call, CFUUIDRef{&uuid});
-} catch (const std::bad_alloc&) {
-    return nullptr;
+    const auto show = [&] { return ArgumentTexts(allocator, UuidText(bytes)); };
+    return MakeObjectCall("CFUUIDGetConstantUUIDWithBytes", show, [&]() -> CFUUIDRef {
+        __CFUUID& uuid = UuidTable::Get().Read(bytes);
+        MakeImmortal(uuid);
+        return &uuid;
+    });
 }

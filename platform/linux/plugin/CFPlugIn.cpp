@@ -221,32 +221,22 @@ void* BundleSymbol(const void* plugIn, const std::string& name) {
 } // namespace macplatform
 
 CFPlugInRef CFPlugInCreate(CFAllocatorRef allocator, CFURLRef url) {
-    PlatformCall call("CFPlugInCreate");
-    RecordArguments(call, allocator, url);
-    if (call.ConsumeFault()) return ObjectResult(call, CFPlugInRef{nullptr});
-    try {
-        return ObjectResult(call, CFPlugInRef{openBundle(UrlPath(url, "CFPlugInCreate"))});
-    } catch (const std::bad_alloc&) {
-        return ObjectResult(call, CFPlugInRef{nullptr});
-    }
+    const std::string& path = UrlPath(url, "CFPlugInCreate");
+    return MakeObjectCall("CFPlugInCreate", Shown(allocator, url),
+                          [&] { return CFPlugInRef{openBundle(path)}; });
 }
 
 CFArrayRef CFPlugInFindFactoriesForPlugInTypeInPlugIn(CFUUIDRef type, CFPlugInRef plugIn) {
     constexpr char name[] = "CFPlugInFindFactoriesForPlugInTypeInPlugIn";
-    PlatformCall call(name);
-    RecordArguments(call, type, plugIn);
-    if (call.ConsumeFault()) return ObjectResult(call, CFArrayRef{nullptr});
-    try {
-        return ObjectResult(call, factoriesInPlugIn(BytesOf(type, name), checkedBundle(plugIn, name)));
-    } catch (const std::bad_alloc&) {
-        return ObjectResult(call, CFArrayRef{nullptr});
-    }
+    auto& bundle = checkedBundle(plugIn, name);
+    const UuidBytes& bytes = BytesOf(type, name);
+    return MakeObjectCall(name, Shown(type, plugIn), [&] { return factoriesInPlugIn(bytes, bundle); });
 }
 
 void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUIDRef type) {
     constexpr char name[] = "CFPlugInInstanceCreate";
-    PlatformCall call(name);
-    RecordArguments(call, allocator, factory, type);
+    PlatformCall call(name); // without the frame of other functions, which catches std::bad_alloc of a bundle
+    call.Record(Shown(allocator, factory, type));
     if (call.ConsumeFault()) return call.Result(static_cast<void*>(nullptr));
     CFPlugInFactoryFunction make = nullptr;
     try {
@@ -268,22 +258,24 @@ void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUID
 
 void CFPlugInAddInstanceForFactory(CFUUIDRef factory) {
     constexpr char name[] = "CFPlugInAddInstanceForFactory";
-    PlatformCall call(name);
-    RecordArguments(call, factory);
-    if (Bundle* const bundle = bundleOfFactory(BytesOf(factory, name))) {
-        ++bundle->instances;
-        Retain(*bundle);
-    }
+    const UuidBytes& bytes = BytesOf(factory, name);
+    MakePlatformCall<NoFailure>(name, Shown(factory), [&] {
+        if (Bundle* const bundle = bundleOfFactory(bytes)) {
+            ++bundle->instances;
+            Retain(*bundle);
+        }
+    });
 }
 
 void CFPlugInRemoveInstanceForFactory(CFUUIDRef factory) {
     constexpr char name[] = "CFPlugInRemoveInstanceForFactory";
-    PlatformCall call(name);
-    RecordArguments(call, factory);
-    Bundle* const bundle = bundleOfFactory(BytesOf(factory, name));
-    // Without this check, a call without a preceding call of CFPlugInAddInstanceForFactory would release the
-    // reference of another owner.
-    if (!bundle || bundle->instances == 0) return;
-    --bundle->instances;
-    Release(*bundle);
+    const UuidBytes& bytes = BytesOf(factory, name);
+    MakePlatformCall<NoFailure>(name, Shown(factory), [&] {
+        Bundle* const bundle = bundleOfFactory(bytes);
+        // Without this check, a call without a preceding call of CFPlugInAddInstanceForFactory would
+        // release the reference of another owner.
+        if (!bundle || bundle->instances == 0) return;
+        --bundle->instances;
+        Release(*bundle);
+    });
 }

@@ -2,17 +2,16 @@
 #include <sys/sysctl.h>
 
 #include "WholeFile.h"
-#include "trace/PlatformCall.h"
+#include "trace/PlatformFunction.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <string>
 
-using macplatform::PlatformCall;
+using namespace macplatform;
 
 namespace {
 
@@ -75,48 +74,49 @@ std::uint64_t frequency() {
     return hertz != 0 ? hertz : frequencyOfCpuInfo();
 }
 
-int refuse(PlatformCall& call, long errorNumber) {
+int refuse(long errorNumber) {
     errno = static_cast<int>(errorNumber);
-    return call.Result(-1);
+    return -1;
 }
+
+/// A failed call sets errno and returns -1.
+template <typename Result>
+struct Errno : Failure<Result> {
+    static constexpr long kNoMemory = ENOMEM;
+    int operator()(long errorNumber) const { return refuse(errorNumber); }
+};
 
 } // namespace
 
 void macplatform::SetCpuFrequency(std::optional<std::uint64_t> hertz) { frequencyOverride() = hertz; }
 
-int sysctlnametomib(const char* name, int* mib, std::size_t* count) try {
-    PlatformCall call("sysctlnametomib");
-    if (call.IsRecorded()) call.SetArguments({macplatform::Quoted(name)});
-    if (const auto code = call.ConsumeFault()) return refuse(call, *code);
-    if (!name || !mib || !count) return refuse(call, EFAULT);
-    if (std::strcmp(name, "hw.cpufrequency") != 0 || frequency() == 0) return refuse(call, ENOENT);
-    if (*count < 2) return refuse(call, ENOMEM);
-    mib[0] = kHardware;
-    mib[1] = kCpuFrequency;
-    *count = 2;
-    return call.Result(0);
-} catch (const std::bad_alloc&) {
-    errno = ENOMEM;
-    return -1;
+int sysctlnametomib(const char* name, int* mib, std::size_t* count) {
+    const auto show = [name] { return Texts{Quoted(name)}; };
+    return MakePlatformCall<Errno>("sysctlnametomib", show, [&] {
+        if (!name || !mib || !count) return refuse(EFAULT);
+        if (std::strcmp(name, "hw.cpufrequency") != 0 || frequency() == 0) return refuse(ENOENT);
+        if (*count < 2) return refuse(ENOMEM);
+        mib[0] = kHardware;
+        mib[1] = kCpuFrequency;
+        *count = 2;
+        return 0;
+    });
 }
 
 int sysctl(int* mib, unsigned int mibCount, void* oldValue, std::size_t* oldSize, void* newValue,
-           std::size_t) try {
-    PlatformCall call("sysctl");
-    if (const auto code = call.ConsumeFault()) return refuse(call, *code);
-    if (!mib || (oldValue && !oldSize)) return refuse(call, EFAULT);
-    const std::uint64_t hertz = frequency();
-    if (mibCount != 2 || mib[0] != kHardware || mib[1] != kCpuFrequency || hertz == 0)
-        return refuse(call, ENOENT);
-    if (call.IsRecorded()) call.SetArguments({"hw.cpufrequency"});
-    if (newValue) return refuse(call, EPERM);
-    if (oldValue) {
-        if (*oldSize < sizeof hertz) return refuse(call, ENOMEM);
-        std::memcpy(oldValue, &hertz, sizeof hertz);
-    }
-    if (oldSize) *oldSize = sizeof hertz;
-    return call.Result(0, std::to_string(hertz));
-} catch (const std::bad_alloc&) {
-    errno = ENOMEM;
-    return -1;
+           std::size_t) {
+    const bool isFrequency = mib && mibCount == 2 && mib[0] == kHardware && mib[1] == kCpuFrequency;
+    const auto show = [isFrequency] { return isFrequency ? Texts{"hw.cpufrequency"} : Texts(); };
+    return MakePlatformCall<Errno>("sysctl", show, [&](PlatformCall& call) {
+        if (!mib || (oldValue && !oldSize)) return refuse(EFAULT);
+        const std::uint64_t hertz = isFrequency ? frequency() : 0;
+        if (hertz == 0) return refuse(ENOENT);
+        if (newValue) return refuse(EPERM);
+        if (oldValue) {
+            if (*oldSize < sizeof hertz) return refuse(ENOMEM);
+            std::memcpy(oldValue, &hertz, sizeof hertz);
+        }
+        if (oldSize) *oldSize = sizeof hertz;
+        return call.Result(0, std::to_string(hertz));
+    });
 }

@@ -7,7 +7,6 @@
 #include <macplatform/StartupVolume.h>
 
 #include <map>
-#include <new>
 #include <utility>
 
 namespace macplatform {
@@ -85,29 +84,18 @@ const CFStringRef kCFPreferencesCurrentHost = &kCurrentHost;
 
 void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef domain, CFStringRef user,
                            CFStringRef host) {
-    PlatformCall call("CFPreferencesSetValue");
-    RecordArguments(call, key, value, domain, user, host);
-    if (call.ConsumeFault()) return;
-    // A value of another user or host is not recorded. CFPreferencesSynchronize returns false for this user
-    // and host.
-    try {
+    MakePlatformCall("CFPreferencesSetValue", Shown(key, value, domain, user, host), [&](PlatformCall& call) {
+        // A value of another user or host is not recorded. CFPreferencesSynchronize returns false for this
+        // user and host.
         call.SetNote(isStored(user, host) ? keepWaiting(key, value, domain, "CFPreferencesSetValue")
                                           : kOtherScope);
-    } catch (const std::bad_alloc&) {
-        call.SetNote("not stored: out of memory");
-    }
+    });
 }
 
 Boolean CFPreferencesSynchronize(CFStringRef domain, CFStringRef user, CFStringRef host) {
-    PlatformCall call("CFPreferencesSynchronize");
-    RecordArguments(call, domain, user, host);
-    if (call.ConsumeFault()) return call.Result(Boolean{false});
-    StoreResult result;
-    try {
-        result = store(domain, user, host, "CFPreferencesSynchronize");
-    } catch (const std::bad_alloc&) {
-        result.failure = "out of memory";
-    }
-    call.SetNote(result.failure.empty() ? result.lost : result.failure);
-    return call.Result(Boolean{result.failure.empty()});
+    return MakePlatformCall("CFPreferencesSynchronize", Shown(domain, user, host), [&](PlatformCall& call) {
+        const StoreResult result = store(domain, user, host, "CFPreferencesSynchronize");
+        call.SetNote(result.failure.empty() ? result.lost : result.failure);
+        return Boolean{result.failure.empty()};
+    });
 }

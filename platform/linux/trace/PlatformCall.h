@@ -3,6 +3,7 @@
 /// Records platform calls and injects faults into them. macplatform/CallLog.h defines which calls are
 /// platform calls.
 
+#include <new>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -20,14 +21,6 @@ std::string Digits(double number);
 /// A platform call in progress. The destructor passes the call to the observer. Nested calls, which the
 /// platform itself makes during the call, are not recorded, and no fault is injected into them. The
 /// destructor does not change errno.
-///
-///     OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
-///         PlatformCall call("FSPathMakeRef");
-///         if (call.IsRecorded()) call.SetArguments({Quoted(path)});
-///         if (auto code = call.ConsumeFault()) return call.Result(static_cast<OSStatus>(*code));
-///         ...
-///         return call.Result(status);
-///     }
 class PlatformCall {
 public:
     /// `name` is the name of the function in the call log. The string must outlive the object.
@@ -38,8 +31,13 @@ public:
 
     /// Returns whether an observer receives this call. If not, the caller need not format the arguments.
     bool IsRecorded() const { return isRecorded; }
-    /// Records the arguments. Each element is one argument in readable notation.
-    void SetArguments(std::vector<std::string> texts) { arguments = std::move(texts); }
+    /// Records the arguments that `show` returns, each in readable notation. Records none if memory runs out.
+    template <typename Show>
+    void Record(Show show) noexcept try {
+        if (isRecorded) arguments = show();
+    } catch (const std::bad_alloc&) {
+        arguments.clear();
+    }
 
     /// Returns the code of the pending fault for this call and removes the fault. Returns no value if there
     /// is no such fault. A fault that must still skip calls is not returned: this call counts as one of them.
@@ -51,10 +49,10 @@ public:
     }
 
     /// Records the result and returns `value`. The call log shows `text` instead of the value if there is a
-    /// `text`.
+    /// `text`. A recorded result is kept.
     template <typename T>
     T Result(T value) {
-        if (isRecorded) result = ToText(value);
+        if (isRecorded && result.empty()) result = ToText(value);
         return value;
     }
     template <typename T>

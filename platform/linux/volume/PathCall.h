@@ -99,7 +99,7 @@ Result CallOnVolume(const char* name, Result failure, LastLink link, const char*
     const std::string hostPath = HostPathOf(path, link);
     const int unresolved = errno;
     PlatformCall call(name);
-    if (call.IsRecorded()) call.SetArguments(show());
+    call.Record(show);
     if (const auto fault = call.ConsumeFault()) {
         savedErrno.Set(static_cast<int>(*fault));
         errno = static_cast<int>(*fault);
