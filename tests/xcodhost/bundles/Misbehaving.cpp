@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -25,6 +26,7 @@ enum Fault : std::int32_t {
     kWriteBesideErrorFlags = 7, kPrint = 8, kLeaveProcessBehind = 9, kCloseEverything = 10, kSignalHost = 11,
     kAskYesNo = 12, kAskForEver = 13, kLeakString = 14, kChangeFiles = 15, kWriteBrokenPropertyList = 16,
     kReadStandardInput = 17, kAskButtons = 18, kAskOddTitles = 19, kShowStopAlert = 20,
+    kAskLongText = 21,
 };
 // clang-format on
 
@@ -42,6 +44,15 @@ std::uint32_t ask(const char* message, const std::vector<const char*>& titles) {
     const long result = Send<long>(alert, "runModal");
     Send<void>(alert, "release");
     return static_cast<std::uint32_t>(result - 999);
+}
+
+/// Returns a text with a line of many words, one without spaces, and 30 short lines.
+std::string longText() {
+    std::string text(1, 'x');
+    for (int i = 0; i < 150; ++i) text += "\xC3\xA9";
+    for (int i = 0; i < 50; ++i) text.insert(0, i == 0 ? "words.\n" : "a word, ");
+    for (int i = 0; i < 30; ++i) text += "\nline";
+    return text;
 }
 
 void setErrorFlags(char* block, std::uint32_t flags) { std::memcpy(block + 8, &flags, sizeof flags); }
@@ -98,6 +109,7 @@ void doToTheBlock(Fault fault, char* block) {
     if (fault == kAskYesNo) setErrorFlags(block, ask("Go on?", {"Yes", "No"}) == 2 ? 0x10000 : 0);
     if (fault == kAskButtons) setErrorFlags(block, ask("Go?", titles) << 16);
     if (fault == kAskOddTitles) setErrorFlags(block, ask(odd, {"gtk-ok", "A_B:7", "x!y!z", "--help"}) << 16);
+    if (fault == kAskLongText) ask(longText().c_str(), {"OK"});
     if (fault == kReadStandardInput) setErrorFlags(block, std::getchar() == EOF ? 0 : 1);
     if (fault == kShowStopAlert)
         setErrorFlags(block, static_cast<std::uint32_t>(StopAlert(5000, nullptr)) << 16);

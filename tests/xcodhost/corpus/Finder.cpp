@@ -65,6 +65,7 @@ void SetIconFlags() {
 
 void LeaveTraces() {
     if (Is("TextPrinted")) std::puts("icon hidden");
+    if (Is("ErrorPrinted")) std::fputs("no icon\n", stderr);
     if (Is("CurrentUser"))
         CFPreferencesSynchronize(CFSTR("com.korvane.updater"), kCFPreferencesCurrentUser,
                                  kCFPreferencesAnyHost);

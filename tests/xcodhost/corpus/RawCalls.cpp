@@ -37,6 +37,7 @@ void MakeRawCalls() {
         for (const long call :
              {SYS_openat, SYS_unlinkat, SYS_fchmodat, SYS_fchownat, SYS_utimensat, SYS_mkdirat})
             syscall(call, here, old, number, number, 0);
+        for (const long call : {SYS_rename, SYS_link, SYS_symlink}) syscall(call, old, "missing/y");
         const int opened = open(old, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         for (const int from : {here, opened}) syscall(SYS_mkdirat, from, "missing/x", number);
         for (const long call : {SYS_fchmod, SYS_fchown, SYS_fsetxattr, SYS_fremovexattr})
