@@ -76,7 +76,10 @@ VolumeState CheckRun::CurrentVolume() const {
 
 void CheckRun::Write(const std::string& macPath, const std::string& bytes) const {
     Trace("write", macPath + ": " + startOf(bytes));
-    std::ofstream(OnVolume(macPath), std::ios::binary | std::ios::trunc) << bytes;
+    std::ofstream file(OnVolume(macPath), std::ios::binary | std::ios::trunc);
+    file << bytes;
+    file.close();
+    if (!file) throw ToolFault::FromErrno(macPath);
 }
 
 LoadedBundle& CheckRun::Bundle() {

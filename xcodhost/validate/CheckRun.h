@@ -65,7 +65,7 @@ public:
     std::string OnVolume(const std::string& macPath) const { return volume + macPath; }
     /// Returns the current state of the startup volume.
     VolumeState CurrentVolume() const;
-    /// Writes a file of the volume. Replaces the file if it exists. Ignores errors.
+    /// Writes a file of the volume. Replaces the file if it exists. Throws ToolFault on an error.
     void Write(const std::string& macPath, const std::string& bytes) const;
 
     /// Returns the bundle. The first call loads the bundle.
