@@ -15,34 +15,34 @@ struct WritingCall {
         int path = -1;
     };
 
-    WritingCall(long callNumber, const char* callName) : number(callNumber), name(callName) {}
+    constexpr WritingCall(long callNumber, const char* callName) : number(callNumber), name(callName) {}
     /// Sets the argument with the path of the item.
-    WritingCall& Path(int path) { return PathIn(-1, path); }
+    constexpr WritingCall& Path(int path) { return PathIn(-1, path); }
     /// Sets the arguments with the directory descriptor and the path of the item.
-    WritingCall& PathIn(int folder, int path) {
+    constexpr WritingCall& PathIn(int folder, int path) {
         first = {folder, path};
         return *this;
     }
     /// Sets the argument with the descriptor of the item.
-    WritingCall& Descriptor(int descriptor) { return PathIn(descriptor, -1); }
+    constexpr WritingCall& Descriptor(int descriptor) { return PathIn(descriptor, -1); }
     /// Sets the argument with the new path of a renamed item.
-    WritingCall& NewPath(int path) { return NewPathIn(-1, path); }
+    constexpr WritingCall& NewPath(int path) { return NewPathIn(-1, path); }
     /// Sets the arguments with the directory descriptor and the new path of a renamed item.
-    WritingCall& NewPathIn(int folder, int path) {
+    constexpr WritingCall& NewPathIn(int folder, int path) {
         second = {folder, path};
         return *this;
     }
     /// Sets the argument with the flags of open. A call that opens an item only for reading changes nothing.
-    WritingCall& OpenFlags(int argument) {
+    constexpr WritingCall& OpenFlags(int argument) {
         flags = argument;
         return CreatesOrChanges();
     }
     /// Marks a call that creates an item and changes nothing if the item exists.
-    WritingCall& Creates() {
+    constexpr WritingCall& Creates() {
         effect = Effect::kOnMissingItem;
         return *this;
     }
-    WritingCall& CreatesOrChanges() {
+    constexpr WritingCall& CreatesOrChanges() {
         effect = Effect::kAlways;
         return *this;
     }

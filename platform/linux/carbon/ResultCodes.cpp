@@ -2,51 +2,49 @@
 
 #include <Carbon/MacErrors.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 
 namespace macplatform {
 
+namespace {
+
+struct Row {
+    int error;
+    OSErr code;
+};
+// clang-format off
+constexpr Row kRows[] = {
+    {0, noErr},
+    {ENOSPC, dskFulErr},
+    {EILSEQ, bdNamErr},
+    {EMFILE, tmfoErr},
+    {ENFILE, tmfoErr},
+    {ENOENT, fnfErr},
+    {ELOOP, fnfErr},
+    {EROFS, wPrErr},
+    {EBUSY, fBsyErr},
+    {ENOTEMPTY, fBsyErr},
+    {EEXIST, dupFNErr},
+    {EINVAL, paramErr},
+    {EPERM, permErr},
+    {EACCES, permErr},
+    {ENOMEM, memFullErr},
+    {EXDEV, diffVolErr},
+    {ENOTDIR, errFSNotAFolder},
+    {ENAMETOOLONG, errFSNameTooLong},
+    {EDQUOT, errFSQuotaExceeded},
+    {ENOTSUP, errFSOperationNotSupported},
+};
+// clang-format on
+
+} // namespace
+
 OSErr ResultCode(int error) {
-    switch (error) {
-    case 0:
-        return noErr;
-    case ENOSPC:
-        return dskFulErr;
-    case EILSEQ:
-        return bdNamErr;
-    case EMFILE:
-    case ENFILE:
-        return tmfoErr;
-    case ENOENT:
-    case ELOOP:
-        return fnfErr;
-    case EROFS:
-        return wPrErr;
-    case EBUSY:
-    case ENOTEMPTY:
-        return fBsyErr;
-    case EEXIST:
-        return dupFNErr;
-    case EINVAL:
-        return paramErr;
-    case EPERM:
-    case EACCES:
-        return permErr;
-    case ENOMEM:
-        return memFullErr;
-    case EXDEV:
-        return diffVolErr;
-    case ENOTDIR:
-        return errFSNotAFolder;
-    case ENAMETOOLONG:
-        return errFSNameTooLong;
-    case EDQUOT:
-        return errFSQuotaExceeded;
-    case ENOTSUP:
-        return errFSOperationNotSupported;
-    default:
-        return ioErr;
-    }
+    const auto* const row = std::find_if(std::begin(kRows), std::end(kRows),
+                                         [error](const Row& one) { return one.error == error; });
+    return row == std::end(kRows) ? OSErr{ioErr} : row->code;
 }
 
 } // namespace macplatform
