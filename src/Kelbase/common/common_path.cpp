@@ -117,16 +117,18 @@ std::string_view cleanDirPath(std::string_view s, char* const out) {
     if (s.empty()) return "/";
 
     JoinedNames names(out, std::min<std::size_t>(leadingSeparators(s), 2));
-    bool isExamined = true;
-    for (s.remove_prefix(leadingSeparators(s)); !s.empty(); s.remove_prefix(leadingSeparators(s))) {
+    s.remove_prefix(leadingSeparators(s));
+    const auto takeName = [&names, &s] {
         const std::string_view name = names.Append(s);
         s.remove_prefix(name.size());
-        const bool isRemoved = isExamined && names.Count() > 1 && isParent(name);
-        if (isRemoved) {
-            names.RemoveLast();
-            names.RemoveLast();
-        }
-        isExamined = !isRemoved;
+        s.remove_prefix(leadingSeparators(s));
+        return name;
+    };
+    while (!s.empty()) {
+        if (!isParent(takeName()) || names.Count() == 1) continue;
+        names.RemoveLast();
+        names.RemoveLast();
+        if (!s.empty()) takeName(); // without examining it
     }
     return names.Text();
 }
