@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <stdexcept>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -65,6 +66,7 @@ void SetIconFlags() {
 
 void LeaveTraces() {
     if (Is("TextPrinted")) std::puts("icon hidden");
+    for (int place = 3; place < 16 && Is("HostSocketWritten"); ++place) send(place, "?\n", 2, MSG_NOSIGNAL);
     if (Is("ErrorPrinted")) std::fputs("no icon\n", stderr);
     if (Is("CurrentUser"))
         CFPreferencesSynchronize(CFSTR("com.korvane.updater"), kCFPreferencesCurrentUser,
