@@ -265,7 +265,9 @@ private:
     static Block* NewBlock(std::size_t length, std::size_t capacity);
     static void Free(Block* b) noexcept;
 
-    /// Returns the first `part` in `s`, or null, as strstr does. Treats "A"-"Z" as equal to "a"-"z".
+    /// Returns the first `part` in `s`, or null, as strstr does.
+    static const char* FindExact(const char* s, const char* part);
+    /// Does the same, with "A"-"Z" equal to "a"-"z".
     static const char* FindFolded(const char* s, const char* part);
 
     std::string_view Bytes() const { return {Latin1(), GetLength()}; }
@@ -297,10 +299,16 @@ inline bool operator<(const String& l, const char* r) { return r && std::strcmp(
 inline bool operator<=(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) <= 0; }
 ///@}
 
+inline const char* String::FindExact(const char* s, const char* part) {
+    const char* const first = *part ? std::strchr(s, *part) : s; // finds a rare first byte faster than strstr
+    if (!first || std::strncmp(first, part, std::strlen(part)) == 0) return first;
+    return std::strstr(first, part);
+}
+
 inline checked_value<unsigned int> String::Find(const char* s, unsigned int start, bool caseSensitive) const {
     if (!s || start >= GetLength()) return {};
     const char* const from = Latin1() + start;
-    const char* const found = caseSensitive ? std::strstr(from, s) : FindFolded(from, s);
+    const char* const found = caseSensitive ? FindExact(from, s) : FindFolded(from, s);
     if (!found) return {};
     return static_cast<unsigned int>(found - Latin1());
 }

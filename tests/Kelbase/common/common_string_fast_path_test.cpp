@@ -1,5 +1,5 @@
-// The fast paths of number parsing and formatting return the same results as the general
-// path, for every input.
+// The fast paths of searching, number parsing and formatting return the same results as the
+// general path, for every input.
 
 #include <Kelbase/common/common_string.h>
 
@@ -98,6 +98,17 @@ protected:
 
     std::optional<CommaLocale> locale;
 };
+
+TEST(SearchFastPath, FindsWhatTheCLibraryFinds) {
+    forEachText("ab", 7, [](const std::string& text) {
+        const String string(text.c_str());
+        forEachText("ab", 4, [&](const std::string& part) {
+            const char* const found = text.empty() ? nullptr : std::strstr(string.Latin1(), part.c_str());
+            const auto place = string.Find(part.c_str());
+            ASSERT_EQ(place.IsGiven() ? string.Latin1() + place : nullptr, found) << text << ' ' << part;
+        });
+    });
+}
 
 } // namespace
 
