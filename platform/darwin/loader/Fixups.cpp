@@ -21,7 +21,7 @@ public:
 
     void SetSegment(std::uint8_t number, std::uint32_t offset) {
         if (number >= file.segments.size()) throw UnsupportedMachO("a fix-up refers to a missing segment");
-        address = file.segments[number].address + offset;
+        address = file.segments[number].memory.start + offset;
         isSet = true;
     }
     void Skip(std::uint32_t bytes) { address += bytes; }
@@ -129,7 +129,6 @@ private:
             break;
         case 0x40: // set the name
             name = table.Text(place);
-            place += static_cast<std::uint32_t>(name.size()) + 1;
             break;
         case 0x50: // set the type
             if (operand != kPointerType) refuseOperation("binds", byte);
@@ -197,7 +196,6 @@ std::optional<std::uint32_t> nextNode(const ByteView& trie, std::uint32_t branch
     std::uint32_t place = branches;
     for (unsigned count = trie.U8(place++); count > 0; --count) {
         const std::string_view text = trie.Text(place);
-        place += static_cast<std::uint32_t>(text.size()) + 1;
         const std::uint32_t node = trie.Uleb(place);
         if (text.empty() || left.substr(0, text.size()) != text) continue;
         left.remove_prefix(text.size());
@@ -230,7 +228,7 @@ std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string
         } else if (trie.Uleb(place) != 0) {
             throw UnsupportedMachO("unsupported kind of the export " + name);
         } else {
-            return file.start + trie.Uleb(place);
+            return file.memory.start + trie.Uleb(place);
         }
     }
     return std::nullopt;

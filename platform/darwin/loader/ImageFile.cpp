@@ -1,7 +1,10 @@
 #include "ImageFile.h"
 
 #include <algorithm>
-#include <cstring>
+#include <endian.h>
+#include <mach-o/fat.h>
+#include <mach-o/loader.h>
+#include <utility>
 
 namespace macplatform {
 
@@ -9,48 +12,41 @@ namespace {
 
 constexpr std::uint32_t kPageSize = 4096;
 constexpr std::uint32_t kLargestImage = 256u << 20;
-constexpr std::uint32_t kIntel32 = 7, kBundleFile = 8, kMagic32 = 0xFEEDFACE;
-
-// Load commands. A reader must reject an unknown command with the top bit,
-// and may skip any other unknown command.
-constexpr std::uint32_t kSegmentCommand = 1, kLoadLibrary = 12, kLoadWeakLibrary = 0x80000018,
-                        kReexportLibrary = 0x8000001F, kDyldInfo = 0x22, kDyldInfoOnly = 0x80000022,
-                        kMustBeUnderstood = 0x80000000;
-
-std::uint32_t bigEndian(const ByteView& bytes, std::uint32_t place) {
-    return __builtin_bswap32(bytes.U32(place));
-}
+constexpr std::uint32_t kMostImages = 30; ///< In a universal file.
 
 /// Returns the 32-bit Intel part of a universal file, or all bytes of any other file.
 std::string_view thinPart(std::string_view bytes) {
     const ByteView file(bytes);
-    if (bytes.size() < 8 || bigEndian(file, 0) != 0xCAFEBABE) return bytes;
-    for (std::uint32_t i = 0; i < std::min(bigEndian(file, 4), 30u); ++i) {
-        if (bigEndian(file, 8 + 20 * i) != kIntel32) continue;
-        return file.Part(bigEndian(file, 16 + 20 * i), bigEndian(file, 20 + 20 * i));
+    if (bytes.size() < sizeof(fat_header)) return bytes;
+    const auto header = file.Get<fat_header>(0);
+    if (be32toh(header.magic) != FAT_MAGIC) return bytes;
+    std::uint32_t place = sizeof header;
+    for (std::uint32_t left = std::min(be32toh(header.nfat_arch), kMostImages); left > 0; --left) {
+        const auto image = file.Get<fat_arch>(place);
+        if (be32toh(image.cputype) == CPU_TYPE_I386)
+            return file.Part(be32toh(image.offset), be32toh(image.size));
+        place += sizeof image;
     }
     throw WrongMachOArchitecture("the file has no code for 32-bit Intel");
 }
 
-std::string nameAt(const ByteView& bytes, std::uint32_t place) {
-    const std::string_view name = bytes.Part(place, 16);
-    return std::string(name.substr(0, name.find('\0')));
-}
+std::string nameOf(const char (&field)[16]) { return std::string(field, strnlen(field, sizeof field)); }
 
 class Reader {
 public:
     explicit Reader(std::string_view bytes) : file(bytes) {}
 
     ImageFile Read() {
-        if (file.Size() < 28 || file.U32(0) != kMagic32 || file.U32(4) != kIntel32)
+        const auto header = file.Size() < sizeof(mach_header) ? mach_header{} : file.Get<mach_header>(0);
+        if (header.magic != MH_MAGIC || header.cputype != CPU_TYPE_I386)
             throw WrongMachOArchitecture("not a Mach-O file for 32-bit Intel");
-        if (file.U32(12) != kBundleFile) throw UnsupportedMachO("not a loadable bundle");
-        std::uint32_t place = 28;
-        for (std::uint32_t left = file.U32(16); left > 0; --left) {
-            const std::uint32_t size = file.U32(place + 4);
-            if (size < 8) throw UnsupportedMachO("a load command has no valid size");
-            ReadCommand(place, ByteView(file.Part(place, size)));
-            place += size;
+        if (header.filetype != MH_BUNDLE) throw UnsupportedMachO("not a loadable bundle");
+        std::uint32_t place = sizeof header;
+        for (std::uint32_t left = header.ncmds; left > 0; --left) {
+            const auto command = file.Get<load_command>(place);
+            if (command.cmdsize < sizeof command) throw UnsupportedMachO("a load command has no valid size");
+            ReadCommand(command.cmd, ByteView(file.Part(place, command.cmdsize)), place);
+            place += command.cmdsize;
         }
         if (!hasTables) throw UnsupportedMachO("the file was linked for a system before 10.6");
         CheckSegments();
@@ -58,65 +54,71 @@ public:
     }
 
 private:
-    void ReadCommand(std::uint32_t place, const ByteView& command) {
-        const std::uint32_t kind = command.U32(0);
-        if (kind == kSegmentCommand) {
+    void ReadCommand(std::uint32_t kind, const ByteView& command, std::uint32_t place) {
+        switch (kind) {
+        case LC_SEGMENT:
             ReadSegment(command);
-        } else if (kind == kLoadLibrary || kind == kLoadWeakLibrary || kind == kReexportLibrary) {
+            break;
+        case LC_LOAD_DYLIB:
+        case LC_LOAD_WEAK_DYLIB:
+        case LC_REEXPORT_DYLIB:
             ++image.libraries;
-        } else if (kind == kDyldInfo || kind == kDyldInfoOnly) {
-            ReadTables(command);
-        } else if (kind & kMustBeUnderstood) {
-            throw UnsupportedMachO("unsupported load command " + std::to_string(kind & ~kMustBeUnderstood) +
-                                   " at offset " + std::to_string(place));
+            break;
+        case LC_DYLD_INFO:
+        case LC_DYLD_INFO_ONLY:
+            ReadTables(command.Get<dyld_info_command>(0));
+            break;
+        default:
+            if ((kind & LC_REQ_DYLD) != 0)
+                throw UnsupportedMachO("unsupported load command " + std::to_string(kind & ~LC_REQ_DYLD) +
+                                       " at offset " + std::to_string(place));
         }
     }
 
     void ReadSegment(const ByteView& command) {
-        Segment segment{nameAt(command, 8), command.U32(24), command.U32(28),
-                        file.Part(command.U32(32), command.U32(36)), command.U32(44)};
-        if (segment.contents.size() > segment.size || segment.size > kLargestImage ||
-            segment.address % kPageSize != 0 || segment.size % kPageSize != 0) {
+        const auto header = command.Get<segment_command>(0);
+        const Segment segment{nameOf(header.segname),
+                              {header.vmaddr, header.vmsize},
+                              file.Part(header.fileoff, header.filesize),
+                              header.initprot};
+        if (segment.contents.size() > header.vmsize || header.vmsize > kLargestImage ||
+            header.vmaddr % kPageSize != 0 || header.vmsize % kPageSize != 0)
             throw UnsupportedMachO("the segment " + segment.name + " has an invalid size or address");
+        for (std::uint32_t i = 0; i < header.nsects; ++i) {
+            const auto part = command.Get<section>(sizeof header + i * sizeof(section));
+            image.sections.push_back(
+                {nameOf(part.sectname), {part.addr, part.size}, part.flags & SECTION_TYPE});
+            if (!segment.memory.Contains(image.sections.back().memory))
+                throw UnsupportedMachO("the section " + image.sections.back().name +
+                                       " is outside its segment");
         }
-        for (std::uint32_t i = 0; i < command.U32(48); ++i) {
-            const std::uint32_t at = 56 + 68 * i;
-            ImageSection section{segment.name, nameAt(command, at), command.U32(at + 32),
-                                 command.U32(at + 36), command.U32(at + 56) & 0xFF};
-            if (section.address < segment.address || section.size > segment.size ||
-                section.address - segment.address > segment.size - section.size) {
-                throw UnsupportedMachO("the section " + section.name + " is outside its segment");
-            }
-            image.sections.push_back(std::move(section));
-        }
-        image.segments.push_back(std::move(segment));
+        image.segments.push_back(segment);
     }
 
-    void ReadTables(const ByteView& command) {
-        const auto table = [&](std::uint32_t at) { return file.Part(command.U32(at), command.U32(at + 4)); };
-        image.rebases = table(8);
-        image.binds = table(16);
-        if (command.U32(28) != 0)
+    void ReadTables(const dyld_info_command& tables) {
+        if (tables.weak_bind_size != 0)
             throw UnsupportedMachO("unsupported weak binds: the file shares definitions with other images");
-        image.lazyBinds = table(32);
-        image.exports = table(40);
+        image.rebases = file.Part(tables.rebase_off, tables.rebase_size);
+        image.binds = file.Part(tables.bind_off, tables.bind_size);
+        image.lazyBinds = file.Part(tables.lazy_bind_off, tables.lazy_bind_size);
+        image.exports = file.Part(tables.export_off, tables.export_size);
         hasTables = true;
     }
 
     void CheckSegments() {
         if (image.segments.empty()) throw UnsupportedMachO("the file has no segments");
-        std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges;
-        for (const Segment& segment : image.segments) {
-            ranges.emplace_back(segment.address, std::uint64_t{segment.address} + segment.size);
-        }
-        std::sort(ranges.begin(), ranges.end());
+        std::vector<Range> ranges;
+        for (const Segment& segment : image.segments) ranges.push_back(segment.memory);
+        std::sort(ranges.begin(), ranges.end(), [](const Range& left, const Range& right) {
+            return std::pair(left.start, left.size) < std::pair(right.start, right.size);
+        });
         for (std::size_t i = 1; i < ranges.size(); ++i) {
-            if (ranges[i].first < ranges[i - 1].second) throw UnsupportedMachO("the segments overlap");
+            if (ranges[i].start < ranges[i - 1].End()) throw UnsupportedMachO("the segments overlap");
         }
-        if (ranges.back().second - ranges.front().first > kLargestImage)
-            throw UnsupportedMachO("the segments need more than 256 MiB of memory");
-        image.start = static_cast<std::uint32_t>(ranges.front().first);
-        image.end = static_cast<std::uint32_t>(ranges.back().second);
+        const std::uint32_t start = ranges.front().start;
+        const std::uint64_t size = ranges.back().End() - start;
+        if (size > kLargestImage) throw UnsupportedMachO("the segments need more than 256 MiB of memory");
+        image.memory = {start, static_cast<std::uint32_t>(size)};
     }
 
     ByteView file;
@@ -127,21 +129,15 @@ private:
 } // namespace
 
 std::string_view ByteView::Part(std::uint32_t place, std::uint32_t size) const {
-    if (place > bytes.size() || bytes.size() - place < size)
-        throw UnsupportedMachO("the file is truncated or damaged");
+    if (!Range{0, Size()}.Contains({place, size})) throw UnsupportedMachO("the file is truncated or damaged");
     return bytes.substr(place, size);
 }
 
-std::uint32_t ByteView::U32(std::uint32_t place) const {
-    std::uint32_t value = 0;
-    std::memcpy(&value, Part(place, sizeof value).data(), sizeof value);
-    return value;
-}
-
-std::string_view ByteView::Text(std::uint32_t place) const {
+std::string_view ByteView::Text(std::uint32_t& place) const {
     const std::string_view rest = Part(place, Size() - std::min(place, Size()));
     const std::size_t end = rest.find('\0');
     if (end == std::string_view::npos) throw UnsupportedMachO("a name has no end");
+    place += static_cast<std::uint32_t>(end) + 1;
     return rest.substr(0, end);
 }
 

@@ -20,7 +20,7 @@ public:
     /// Returns the bytes of a section.
     std::string_view Bytes(const ImageSection& section) const;
     /// Returns the address in memory of an address of the file. Does not check the address.
-    char* At(std::uint32_t address) const { return capacity + (address - image.start); }
+    char* At(std::uint32_t address) const { return capacity + (address - image.memory.start); }
     /// Gives each segment the protection that the file requests.
     void Protect() const;
 

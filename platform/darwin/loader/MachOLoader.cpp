@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <mach-o/loader.h>
 #include <memory>
 #include <unistd.h>
 #include <utility>
@@ -21,7 +22,6 @@ namespace macplatform {
 namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{64} << 20;
-constexpr std::uint32_t kInitialisers = 9;
 
 class LoadedCode final : public MachOCode {
 public:
@@ -39,10 +39,10 @@ public:
     void Start() {
         memory.Protect();
         for (const ImageSection& section : file.sections) {
-            if (section.name == "__eh_frame" && section.size != 0) RegisterUnwinding(section);
+            if (section.name == "__eh_frame" && section.memory.size != 0) RegisterUnwinding(section);
         }
         for (const ImageSection& section : file.sections) {
-            if (section.type == kInitialisers) RunInitialisers(section);
+            if (section.type == S_MOD_INIT_FUNC_POINTERS) RunInitialisers(section);
         }
     }
 
@@ -70,8 +70,8 @@ private:
     void RunInitialisers(const ImageSection& section) {
         using Initialiser = void (*)(int, const char* const*, char**, const char* const*, void*);
         const char* const none[] = {nullptr};
-        for (std::uint32_t place = 0; place + 4 <= section.size; place += 4) {
-            char* const function = memory.At(memory.Word(section.address + place) - memory.Slide());
+        for (std::uint32_t place = 0; place + 4 <= section.memory.size; place += 4) {
+            char* const function = memory.At(memory.Word(section.memory.start + place) - memory.Slide());
             reinterpret_cast<Initialiser>(function)(0, none, environ, none, nullptr);
         }
     }

@@ -66,7 +66,6 @@ private:
         CommonEntry common;
         if (View().U8(place++) != 1) throw UnsupportedMachO("unsupported version of an unwind entry");
         const std::string letters(View().Text(place));
-        place += static_cast<std::uint32_t>(letters.size()) + 1;
         View().Uleb(place); // code alignment
         View().Sleb(place); // data alignment
         View().U8(place++); // return address register
