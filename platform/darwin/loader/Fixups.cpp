@@ -1,20 +1,14 @@
 #include "Fixups.h"
 
-#include <algorithm>
+#include <mach-o/loader.h>
 
 namespace macplatform {
 
 namespace {
 
-constexpr std::uint8_t kOperationBits = 0xF0, kOperandBits = 0x0F;
-constexpr std::uint8_t kPointerType = 1;
+constexpr std::uint32_t kPointerSize = 4;
 
-[[noreturn]] void refuseOperation(const char* table, std::uint8_t byte) {
-    throw UnsupportedMachO("unsupported operation in the table of " + std::string(table) + ": " +
-                           std::to_string(byte));
-}
-
-/// The address of the next pointer. The operations of the tables change this address.
+/// Reads the pointers that a table of fix-ups lists. The operations of the table set the next pointer.
 class Cursor {
 public:
     explicit Cursor(const ImageFile& imageFile) : file(imageFile) {}
@@ -25,10 +19,14 @@ public:
         isSet = true;
     }
     void Skip(std::uint32_t bytes) { address += bytes; }
-    std::uint32_t Next() {
-        if (!isSet) throw UnsupportedMachO("a fix-up has no address");
-        address += 4;
-        return address - 4;
+    /// Calls `fixUp` with the addresses of `count` pointers. Skips `gap` bytes after each pointer.
+    template <typename FixUp>
+    void Visit(std::uint32_t count, std::uint32_t gap, const FixUp& fixUp) {
+        for (; count > 0; --count) {
+            if (!isSet) throw UnsupportedMachO("a fix-up has no address");
+            fixUp(address);
+            address += kPointerSize + gap;
+        }
     }
 
 private:
@@ -37,157 +35,10 @@ private:
     bool isSet = false;
 };
 
-/// Executes the operations of the table of rebases.
-class Rebaser {
-public:
-    Rebaser(const ImageFile& file, ImageMemory& imageMemory)
-        : table(file.rebases), memory(imageMemory), cursor(file) {}
-
-    void Run() {
-        while (place < table.Size()) {
-            const std::uint8_t byte = table.U8(place++);
-            if (!Do(byte, byte & kOperandBits)) return;
-        }
-    }
-
-private:
-    /// Executes one operation. Returns false at the end of the table.
-    bool Do(std::uint8_t byte, std::uint8_t operand) {
-        switch (byte & kOperationBits) {
-        case 0x00:
-            return false;
-        case 0x10: // set the type
-            if (operand != kPointerType) refuseOperation("rebases", byte);
-            break;
-        case 0x20: // set the segment and the offset
-            cursor.SetSegment(operand, table.Uleb(place));
-            break;
-        case 0x30: // add to the address
-            cursor.Skip(table.Uleb(place));
-            break;
-        case 0x40: // add a small number of pointers to the address
-            cursor.Skip(operand * 4u);
-            break;
-        case 0x50: // rebase a small number of pointers
-            Move(operand, 0);
-            break;
-        case 0x60: // rebase a number of pointers
-            Move(table.Uleb(place), 0);
-            break;
-        case 0x70: // rebase a pointer, then add to the address
-            Move(1, table.Uleb(place));
-            break;
-        case 0x80: { // rebase a number of pointers, each followed by a gap
-            const std::uint32_t count = table.Uleb(place);
-            Move(count, table.Uleb(place));
-            break;
-        }
-        default:
-            refuseOperation("rebases", byte);
-        }
-        return true;
-    }
-
-    void Move(std::uint32_t count, std::uint32_t skip) {
-        for (; count > 0; --count) {
-            const std::uint32_t address = cursor.Next();
-            memory.SetWord(address, memory.Word(address) + memory.Slide());
-            cursor.Skip(skip);
-        }
-    }
-
-    ByteView table;
-    ImageMemory& memory;
-    Cursor cursor;
-    std::uint32_t place = 0;
-};
-
-/// Executes the operations of one table of binds.
-class Binder {
-public:
-    Binder(const ImageFile& imageFile, std::string_view bindTable, ImageMemory& imageMemory,
-           const std::function<std::uint32_t(const std::string&)>& findImport)
-        : file(imageFile), table(bindTable), memory(imageMemory), find(findImport), cursor(imageFile) {}
-
-    void Run() {
-        while (place < table.Size()) {
-            const std::uint8_t byte = table.U8(place++);
-            Do(byte, byte & kOperandBits);
-        }
-    }
-
-private:
-    void Do(std::uint8_t byte, std::uint8_t operand) {
-        switch (byte & kOperationBits) {
-        case 0x00: // the end of a lazy bind, or padding at the end of the table
-            break;
-        case 0x10: // set the library, a small number
-            library = operand;
-            break;
-        case 0x20: // set the library
-            library = table.Uleb(place);
-            break;
-        case 0x40: // set the name
-            name = table.Text(place);
-            break;
-        case 0x50: // set the type
-            if (operand != kPointerType) refuseOperation("binds", byte);
-            break;
-        case 0x60: // set the addend
-            addend = static_cast<std::uint32_t>(table.Sleb(place));
-            break;
-        case 0x70: // set the segment and the offset
-            cursor.SetSegment(operand, table.Uleb(place));
-            break;
-        case 0x80: // add to the address
-            cursor.Skip(table.Uleb(place));
-            break;
-        default:
-            DoBind(byte, operand);
-        }
-    }
-
-    void DoBind(std::uint8_t byte, std::uint8_t operand) {
-        switch (byte & kOperationBits) {
-        case 0x90: // bind a pointer
-            Set(1, 0);
-            break;
-        case 0xA0: // bind a pointer, then add to the address
-            Set(1, table.Uleb(place));
-            break;
-        case 0xB0: // bind a pointer, then add a small number of pointers to the address
-            Set(1, operand * 4u);
-            break;
-        case 0xC0: { // bind a number of pointers, each followed by a gap
-            const std::uint32_t count = table.Uleb(place);
-            Set(count, table.Uleb(place));
-            break;
-        }
-        default:
-            refuseOperation("binds", byte);
-        }
-    }
-
-    void Set(std::uint32_t count, std::uint32_t skip) {
-        if (library == 0 || library > file.libraries)
-            throw UnsupportedMachO("the import " + std::string(name) + " names no library of the file");
-        const std::uint32_t value = find(std::string(name)) + addend;
-        for (; count > 0; --count) {
-            memory.SetWord(cursor.Next(), value);
-            cursor.Skip(skip);
-        }
-    }
-
-    const ImageFile& file;
-    ByteView table;
-    ImageMemory& memory;
-    const std::function<std::uint32_t(const std::string&)>& find;
-    Cursor cursor;
-    std::uint32_t place = 0;
-    std::uint32_t library = 0;
-    std::string_view name;
-    std::uint32_t addend = 0;
-};
+[[noreturn]] void refuseOperation(const char* table, std::uint8_t operation) {
+    throw UnsupportedMachO("unsupported operation in the table of " + std::string(table) + ": " +
+                           std::to_string(operation));
+}
 
 /// Finds the branch of a node of the export trie whose text is a prefix of `left`, and removes this prefix
 /// from `left`. `branches` is the offset of the branches of the node. Returns the offset of the node at the
@@ -206,11 +57,110 @@ std::optional<std::uint32_t> nextNode(const ByteView& trie, std::uint32_t branch
 
 } // namespace
 
-void Rebase(const ImageFile& file, ImageMemory& memory) { Rebaser(file, memory).Run(); }
+void Rebase(const ImageFile& file, ImageMemory& memory) {
+    const ByteView table(file.rebases);
+    Cursor cursor(file);
+    const auto rebase = [&](std::uint32_t count, std::uint32_t gap) {
+        cursor.Visit(count, gap, [&](std::uint32_t address) {
+            memory.SetWord(address, memory.Word(address) + memory.Slide());
+        });
+    };
+    for (std::uint32_t place = 0; place < table.Size();) {
+        const std::uint8_t operation = table.U8(place++);
+        const std::uint8_t operand = operation & REBASE_IMMEDIATE_MASK;
+        switch (operation & REBASE_OPCODE_MASK) {
+        case REBASE_OPCODE_DONE:
+            return;
+        case REBASE_OPCODE_SET_TYPE_IMM:
+            if (operand != REBASE_TYPE_POINTER) refuseOperation("rebases", operation);
+            break;
+        case REBASE_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB:
+            cursor.SetSegment(operand, table.Uleb(place));
+            break;
+        case REBASE_OPCODE_ADD_ADDR_ULEB:
+            cursor.Skip(table.Uleb(place));
+            break;
+        case REBASE_OPCODE_ADD_ADDR_IMM_SCALED:
+            cursor.Skip(operand * kPointerSize);
+            break;
+        case REBASE_OPCODE_DO_REBASE_IMM_TIMES:
+            rebase(operand, 0);
+            break;
+        case REBASE_OPCODE_DO_REBASE_ULEB_TIMES:
+            rebase(table.Uleb(place), 0);
+            break;
+        case REBASE_OPCODE_DO_REBASE_ADD_ADDR_ULEB:
+            rebase(1, table.Uleb(place));
+            break;
+        case REBASE_OPCODE_DO_REBASE_ULEB_TIMES_SKIPPING_ULEB: {
+            const std::uint32_t count = table.Uleb(place);
+            rebase(count, table.Uleb(place));
+            break;
+        }
+        default:
+            refuseOperation("rebases", operation);
+        }
+    }
+}
 
-void Bind(const ImageFile& file, std::string_view table, ImageMemory& memory,
+void Bind(const ImageFile& file, std::string_view bytes, ImageMemory& memory,
           const std::function<std::uint32_t(const std::string& name)>& find) {
-    Binder(file, table, memory, find).Run();
+    const ByteView table(bytes);
+    Cursor cursor(file);
+    std::uint32_t library = 0;
+    std::string name;
+    std::uint32_t addend = 0;
+    const auto bind = [&](std::uint32_t count, std::uint32_t gap) {
+        if (library == 0 || library > file.libraries)
+            throw UnsupportedMachO("the import " + name + " names no library of the file");
+        const std::uint32_t value = find(name) + addend;
+        cursor.Visit(count, gap, [&](std::uint32_t address) { memory.SetWord(address, value); });
+    };
+    for (std::uint32_t place = 0; place < table.Size();) {
+        const std::uint8_t operation = table.U8(place++);
+        const std::uint8_t operand = operation & BIND_IMMEDIATE_MASK;
+        switch (operation & BIND_OPCODE_MASK) {
+        case BIND_OPCODE_DONE: // ends one lazy bind, or fills the end of the table
+            break;
+        case BIND_OPCODE_SET_DYLIB_ORDINAL_IMM:
+            library = operand;
+            break;
+        case BIND_OPCODE_SET_DYLIB_ORDINAL_ULEB:
+            library = table.Uleb(place);
+            break;
+        case BIND_OPCODE_SET_SYMBOL_TRAILING_FLAGS_IMM:
+            name = table.Text(place);
+            break;
+        case BIND_OPCODE_SET_TYPE_IMM:
+            if (operand != BIND_TYPE_POINTER) refuseOperation("binds", operation);
+            break;
+        case BIND_OPCODE_SET_ADDEND_SLEB:
+            addend = static_cast<std::uint32_t>(table.Sleb(place));
+            break;
+        case BIND_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB:
+            cursor.SetSegment(operand, table.Uleb(place));
+            break;
+        case BIND_OPCODE_ADD_ADDR_ULEB:
+            cursor.Skip(table.Uleb(place));
+            break;
+        case BIND_OPCODE_DO_BIND:
+            bind(1, 0);
+            break;
+        case BIND_OPCODE_DO_BIND_ADD_ADDR_ULEB:
+            bind(1, table.Uleb(place));
+            break;
+        case BIND_OPCODE_DO_BIND_ADD_ADDR_IMM_SCALED:
+            bind(1, operand * kPointerSize);
+            break;
+        case BIND_OPCODE_DO_BIND_ULEB_TIMES_SKIPPING_ULEB: {
+            const std::uint32_t count = table.Uleb(place);
+            bind(count, table.Uleb(place));
+            break;
+        }
+        default:
+            refuseOperation("binds", operation);
+        }
+    }
 }
 
 std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string& name) {
@@ -225,7 +175,7 @@ std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string
             node = nextNode(trie, place + size, left);
         } else if (size == 0) {
             break;
-        } else if (trie.Uleb(place) != 0) {
+        } else if (trie.Uleb(place) != EXPORT_SYMBOL_FLAGS_KIND_REGULAR) {
             throw UnsupportedMachO("unsupported kind of the export " + name);
         } else {
             return file.memory.start + trie.Uleb(place);
