@@ -9,7 +9,39 @@ namespace macplatform {
 
 namespace {
 
-constexpr std::uint8_t kRelativeAddress = 0x10, kRelativeIndirect = 0x9B;
+// The encodings of pointers, from their names in DWARF: DW_EH_PE_pcrel, and DW_EH_PE_indirect |
+// DW_EH_PE_pcrel | DW_EH_PE_sdata4.
+constexpr std::uint8_t kRelativeAddress = 0x10, kRelativeIndirect = 0x80 | 0x10 | 0x0B;
+
+/// The Mac numbers these registers in the opposite order.
+constexpr std::uint8_t kLinuxEsp = 4, kLinuxEbp = 5;
+
+/// The call frame instructions. kDefCfa has the name DW_CFA_def_cfa in DWARF. The last three have an operand
+/// in their lower six bits.
+enum Instruction : std::uint8_t {
+    kNop = 0x00,
+    kAdvanceLoc1 = 0x02,
+    kAdvanceLoc2 = 0x03,
+    kAdvanceLoc4 = 0x04,
+    kOffsetExtended = 0x05,
+    kRestoreExtended = 0x06,
+    kUndefined = 0x07,
+    kSameValue = 0x08,
+    kRegister = 0x09,
+    kRememberState = 0x0A,
+    kRestoreState = 0x0B,
+    kDefCfa = 0x0C,
+    kDefCfaRegister = 0x0D,
+    kDefCfaOffset = 0x0E,
+    kOffsetExtendedSf = 0x11,
+    kDefCfaSf = 0x12,
+    kDefCfaOffsetSf = 0x13,
+    kGnuArgsSize = 0x2E,
+    kAdvanceLoc = 0x40,
+    kOffset = 0x80,
+    kRestore = 0xC0,
+};
+constexpr std::uint8_t kOperandBits = 0x3F;
 
 /// The properties of the function entries that refer to one common entry.
 struct CommonEntry {
@@ -42,26 +74,19 @@ private:
     ByteView View() const { return ByteView(bytes); }
 
     void TranslateEntry(std::uint32_t start, std::uint32_t end) {
-        const std::uint32_t common = View().U32(start + 4);
-        if (common == 0) {
-            std::uint32_t place = start + 8;
+        std::uint32_t place = start + 8;
+        const std::uint32_t distance = View().U32(start + 4); // to the common entry; 0 in a common entry
+        if (distance == 0) {
             commons[start] = TranslateCommon(place);
-            TranslateInstructions(place, end);
-            return;
-        }
-        const auto found = commons.find(start + 4 - common);
-        if (found == commons.end()) throw UnsupportedMachO("an unwind entry has no common entry");
-        ShiftPointer(start + 8);
-        std::uint32_t place = start + 16;
-        if (found->second.hasData) {
-            const std::uint32_t size = View().Uleb(place);
-            if (found->second.hasLanguageData && View().U32(place) != 0) ShiftPointer(place);
-            place += size;
+        } else {
+            const auto common = commons.find(start + 4 - distance);
+            if (common == commons.end()) throw UnsupportedMachO("an unwind entry has no common entry");
+            TranslateFunction(place, common->second);
         }
         TranslateInstructions(place, end);
     }
 
-    /// Translates a common entry up to its instructions, and moves `place` to the instructions.
+    /// Translates the fields of a common entry, and moves `place` to its instructions.
     CommonEntry TranslateCommon(std::uint32_t& place) {
         CommonEntry common;
         if (View().U8(place++) != 1) throw UnsupportedMachO("unsupported version of an unwind entry");
@@ -77,17 +102,27 @@ private:
         const std::uint32_t instructions = place + size;
         for (const char letter : letters.substr(1)) {
             const std::uint8_t encoding = View().U8(place++);
-            const bool isKnown = letter == 'P'
-                                     ? encoding == kRelativeIndirect
-                                     : (letter == 'L' || letter == 'R') && encoding == kRelativeAddress;
-            if (!isKnown) throw UnsupportedMachO("unsupported pointers in an unwind entry");
-            if (letter == 'L') common.hasLanguageData = true;
-            if (letter != 'P') continue;
-            ShiftPointer(place);
-            place += 4;
+            if (letter == 'P' && encoding == kRelativeIndirect) { // the personality routine
+                ShiftPointer(place);
+                place += 4;
+            } else if (letter == 'L' && encoding == kRelativeAddress) {
+                common.hasLanguageData = true;
+            } else if (letter != 'R' || encoding != kRelativeAddress) { // the functions
+                throw UnsupportedMachO("unsupported pointers in an unwind entry");
+            }
         }
         place = instructions;
         return common;
+    }
+
+    /// Translates the fields of the entry of a function, and moves `place` to its instructions.
+    void TranslateFunction(std::uint32_t& place, const CommonEntry& common) {
+        ShiftPointer(place);
+        place += 8; // the function and its length
+        if (!common.hasData) return;
+        const std::uint32_t size = View().Uleb(place);
+        if (common.hasLanguageData && View().U32(place) != 0) ShiftPointer(place);
+        place += size;
     }
 
     void ShiftPointer(std::uint32_t place) {
@@ -95,65 +130,66 @@ private:
         std::memcpy(bytes.data() + place, &value, sizeof value);
     }
 
-    void ExchangeRegister(std::uint32_t& place) {
-        const std::uint8_t number = View().U8(place);
-        if (number == 4 || number == 5) bytes[place] = static_cast<char>(number ^ 1);
+    /// Exchanges the registers 4 and 5 in the lower bits of a byte.
+    void ExchangeRegister(std::uint32_t place, std::uint8_t bits) {
+        const std::uint8_t byte = View().U8(place);
+        const std::uint8_t number = byte & bits;
+        if (number == kLinuxEsp || number == kLinuxEbp)
+            bytes[place] = static_cast<char>(byte ^ kLinuxEsp ^ kLinuxEbp);
+    }
+
+    void TranslateRegister(std::uint32_t& place) {
+        ExchangeRegister(place, 0xFF);
         View().Uleb(place);
     }
 
     void TranslateInstructions(std::uint32_t place, std::uint32_t end) {
         while (place < end) {
+            const std::uint32_t start = place;
             const std::uint8_t byte = View().U8(place++);
-            const std::uint8_t operand = byte & 0x3F;
-            switch (byte >> 6) {
-            case 1: // advance the location
+            switch (byte < kAdvanceLoc ? byte : byte & ~kOperandBits) {
+            case kNop:
+            case kAdvanceLoc:
+            case kRememberState:
+            case kRestoreState:
                 break;
-            case 2: // a register is saved at an offset
-            case 3: // a register is restored to its initial rule
-                if (operand == 4 || operand == 5) bytes[place - 1] = static_cast<char>(byte ^ 1);
-                if (byte >> 6 == 2) View().Uleb(place);
+            case kAdvanceLoc1:
+            case kAdvanceLoc2:
+            case kAdvanceLoc4:
+                place += 1u << (byte - kAdvanceLoc1); // 1, 2 or 4 bytes
+                break;
+            case kRestore:
+                ExchangeRegister(start, kOperandBits);
+                break;
+            case kOffset:
+                ExchangeRegister(start, kOperandBits);
+                View().Uleb(place);
+                break;
+            case kRestoreExtended:
+            case kUndefined:
+            case kSameValue:
+            case kDefCfaRegister:
+                TranslateRegister(place);
+                break;
+            case kRegister:
+                TranslateRegister(place);
+                TranslateRegister(place);
+                break;
+            case kOffsetExtended:
+            case kDefCfa:
+            case kOffsetExtendedSf:
+            case kDefCfaSf:
+                TranslateRegister(place);
+                View().Uleb(place);
+                break;
+            case kDefCfaOffset:
+            case kDefCfaOffsetSf:
+            case kGnuArgsSize:
+                View().Uleb(place);
                 break;
             default:
-                TranslateExtended(byte, place);
+                throw UnsupportedMachO("unsupported unwind instruction: " + std::to_string(byte));
             }
-        }
-    }
-
-    void TranslateExtended(std::uint8_t byte, std::uint32_t& place) {
-        switch (byte) {
-        case 0x00: // padding
-        case 0x0A: // remember the state
-        case 0x0B: // restore the state
-            break;
-        case 0x02: // advance the location by a number of 1, 2 or 4 bytes
-        case 0x03:
-        case 0x04:
-            place += 1u << (byte - 2);
-            break;
-        case 0x05: // a register and an offset
-        case 0x0C:
-        case 0x11:
-        case 0x12:
-            ExchangeRegister(place);
-            View().Uleb(place);
-            break;
-        case 0x06: // a register
-        case 0x07:
-        case 0x08:
-        case 0x0D:
-            ExchangeRegister(place);
-            break;
-        case 0x09: // two registers
-            ExchangeRegister(place);
-            ExchangeRegister(place);
-            break;
-        case 0x0E: // an offset
-        case 0x13:
-        case 0x2E:
-            View().Uleb(place);
-            break;
-        default:
-            throw UnsupportedMachO("unsupported unwind instruction: " + std::to_string(byte));
         }
     }
 
