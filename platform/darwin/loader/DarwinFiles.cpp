@@ -71,8 +71,11 @@ MacTime macTime(const timespec& time) {
     return {static_cast<std::int32_t>(time.tv_sec), static_cast<std::int32_t>(time.tv_nsec)};
 }
 
-int converted(int result, const struct stat& status, MacStatus* out) {
-    if (result != 0) return result;
+/// Calls a function of Linux that returns the status of an item, and converts the status for the Mac.
+template <typename Item, int (*statusOf)(Item, struct stat*)>
+int macStatus(Item item, MacStatus* out) {
+    struct stat status {};
+    if (const int result = statusOf(item, &status)) return result;
     *out = {};
     out->device = static_cast<std::int32_t>(status.st_dev);
     out->mode = static_cast<std::uint16_t>(status.st_mode);
@@ -88,20 +91,7 @@ int converted(int result, const struct stat& status, MacStatus* out) {
     out->size = status.st_size;
     out->blocks = status.st_blocks;
     out->blockSize = static_cast<std::int32_t>(status.st_blksize);
-    return result;
-}
-
-int pathStatus(const char* path, MacStatus* out) {
-    struct stat status {};
-    return converted(stat(path, &status), status, out);
-}
-int linkStatus(const char* path, MacStatus* out) {
-    struct stat status {};
-    return converted(lstat(path, &status), status, out);
-}
-int openStatus(int descriptor, MacStatus* out) {
-    struct stat status {};
-    return converted(fstat(descriptor, &status), status, out);
+    return 0;
 }
 
 /// The structure `statfs` of the Mac with 64-bit inode numbers.
@@ -115,8 +105,7 @@ static_assert(sizeof(MacVolume) == 2168);
 
 int volumeStatus(const char* path, MacVolume* out) {
     struct statfs status {};
-    const int result = statfs(path, &status);
-    if (result != 0) return result;
+    if (const int result = statfs(path, &status)) return result;
     *out = {};
     out->blockSize = static_cast<std::uint32_t>(status.f_bsize);
     out->transferSize = static_cast<std::int32_t>(status.f_bsize);
@@ -125,7 +114,7 @@ int volumeStatus(const char* path, MacVolume* out) {
     out->available = status.f_bavail;
     out->files = status.f_files;
     out->freeFiles = status.f_ffree;
-    return result;
+    return 0;
 }
 
 /// The structure `dirent` of the Mac with 64-bit inode numbers.
@@ -151,7 +140,6 @@ MacEntry* nextEntry(DIR* folder) {
     return &gEntry;
 }
 
-std::FILE* openFile(const char* path, const char* mode) { return DarwinOpen(path, mode); }
 int seek(std::FILE* file, std::int64_t place, int whence) { return fseeko(file, place, whence); }
 std::int64_t filePosition(std::FILE* file) { return ftello(file); }
 void zero(void* bytes, std::size_t size) { std::memset(bytes, 0, size); }
@@ -173,14 +161,14 @@ const std::vector<DarwinCall>& DarwinFileCalls() {
     static const std::vector<DarwinCall> calls = {
         {"___error", address(&errorAddress)},
         {"___stderrp", &gStandardError},
-        {"_stat$INODE64", address(&pathStatus)},
-        {"_lstat$INODE64", address(&linkStatus)},
-        {"_fstat$INODE64", address(&openStatus)},
+        {"_stat$INODE64", address(&macStatus<const char*, &stat>)},
+        {"_lstat$INODE64", address(&macStatus<const char*, &lstat>)},
+        {"_fstat$INODE64", address(&macStatus<int, &fstat>)},
         {"_statfs$INODE64", address(&volumeStatus)},
         {"_opendir$INODE64$UNIX2003", address(static_cast<DIR* (*)(const char*)>(&opendir))},
         {"_readdir$INODE64", address(&nextEntry)},
         {"_closedir$UNIX2003", address(&closedir)},
-        {"_fopen$UNIX2003", address(&openFile)},
+        {"_fopen$UNIX2003", address(&DarwinOpen)},
         {"_fwrite$UNIX2003", address(&fwrite)},
         {"_fseeko", address(&seek)},
         {"_ftello", address(&filePosition)},
