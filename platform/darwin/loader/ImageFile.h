@@ -48,6 +48,10 @@ public:
     }
     std::uint32_t U32(std::uint32_t place) const { return Get<std::uint32_t>(place); } ///< Little-endian.
     std::string_view Part(std::uint32_t place, std::uint32_t size) const;
+    /// Returns the offset of the byte after a part.
+    std::uint32_t End(std::uint32_t place, std::uint32_t size) const {
+        return place + static_cast<std::uint32_t>(Part(place, size).size());
+    }
     /// These functions read a string up to the next NUL, or a number in ULEB128 or SLEB128, and move `place`
     /// past it.
     std::string_view Text(std::uint32_t& place) const;

@@ -61,10 +61,9 @@ public:
         while (place < bytes.size()) {
             const std::uint32_t length = View().U32(place);
             if (length == 0) break;
-            View().Part(place,
-                        length + 4); // Throws if the entry exceeds the section, so the sum cannot overflow.
-            TranslateEntry(place, place + 4 + length);
-            place += 4 + length;
+            const std::uint32_t end = View().End(place + 4, length);
+            TranslateEntry(place, end);
+            place = end;
         }
         bytes.resize(place);
         return std::move(bytes) + std::string(4, '\0');
@@ -99,7 +98,7 @@ private:
             throw UnsupportedMachO("unsupported augmentation of an unwind entry: " + letters);
         common.hasData = true;
         const std::uint32_t size = View().Uleb(place);
-        const std::uint32_t instructions = place + size;
+        const std::uint32_t instructions = View().End(place, size);
         for (const char letter : letters.substr(1)) {
             const std::uint8_t encoding = View().U8(place++);
             if (letter == 'P' && encoding == kRelativeIndirect) { // the personality routine
@@ -122,7 +121,7 @@ private:
         if (!common.hasData) return;
         const std::uint32_t size = View().Uleb(place);
         if (common.hasLanguageData && View().U32(place) != 0) ShiftPointer(place);
-        place += size;
+        place = View().End(place, size);
     }
 
     void ShiftPointer(std::uint32_t place) {

@@ -199,6 +199,8 @@ TEST(MacExecutable, IsRejectedWithTheReasonIfDamaged) {
          "a fix-up refers to a missing segment"},
         {[](auto& bytes) { replace(bytes, std::string("zPLR\0", 5), "zQLR"); },
          "unsupported pointers in an unwind entry"},
+        {[&](auto& bytes) { replace(bytes, word(28) + std::string("\0\0\0\0\1z", 6), word(0xFFFFFFFC)); },
+         "the file is truncated or damaged"},
     };
     for (const Refused& row : rows) {
         SCOPED_TRACE(row.report);
