@@ -18,106 +18,56 @@
 #define MATH_ERREXCEPT 2
 #define math_errhandling 2
 
-#define isfinite(x) __builtin_isfinite(x)
-#define isinf(x) __builtin_isinf(x)
-#define isnan(x) __builtin_isnan(x)
-#define isnormal(x) __builtin_isnormal(x)
-#define signbit(x) __builtin_signbit(x)
-#define fpclassify(x) __builtin_fpclassify(FP_NAN, FP_INFINITE, FP_NORMAL, FP_SUBNORMAL, FP_ZERO, x)
-#define isgreater(x, y) __builtin_isgreater(x, y)
-#define isgreaterequal(x, y) __builtin_isgreaterequal(x, y)
-#define isless(x, y) __builtin_isless(x, y)
-#define islessequal(x, y) __builtin_islessequal(x, y)
-#define islessgreater(x, y) __builtin_islessgreater(x, y)
-#define isunordered(x, y) __builtin_isunordered(x, y)
+// The C++ library defines a function for each of these names if the name is a macro. It undefines the macro.
+#define isfinite __builtin_isfinite
+#define isinf __builtin_isinf
+#define isnan __builtin_isnan
+#define isnormal __builtin_isnormal
+#define signbit __builtin_signbit
+#define isgreater __builtin_isgreater
+#define isgreaterequal __builtin_isgreaterequal
+#define isless __builtin_isless
+#define islessequal __builtin_islessequal
+#define islessgreater __builtin_islessgreater
+#define isunordered __builtin_isunordered
+#define fpclassify __builtin_fpclassify // The C++ library passes the classes itself.
 
 typedef float float_t;
 typedef double double_t;
 
-// Each macro declares a function for double, float and long double.
-#define __MATH_1(name)                                                                                       \
-    double name(double);                                                                                     \
-    float name##f(float);                                                                                    \
-    long double name##l(long double);
-#define __MATH_2(name)                                                                                       \
-    double name(double, double);                                                                             \
-    float name##f(float, float);                                                                             \
-    long double name##l(long double, long double);
-#define __MATH_TO(type, name)                                                                                \
-    type name(double);                                                                                       \
-    type name##f(float);                                                                                     \
-    type name##l(long double);
-#define __MATH_WITH(type, name)                                                                              \
-    double name(double, type);                                                                               \
-    float name##f(float, type);                                                                              \
-    long double name##l(long double, type);
+// The types of the functions that are declared for double, float and long double.
+typedef double __unary(double);
+typedef float __unaryf(float);
+typedef long double __unaryl(long double);
+typedef double __binary(double, double);
+typedef float __binaryf(float, float);
+typedef long double __binaryl(long double, long double);
 
 __BEGIN_DECLS
-__MATH_1(acos)
-__MATH_1(acosh)
-__MATH_1(asin)
-__MATH_1(asinh)
-__MATH_1(atan)
-__MATH_1(atanh)
-__MATH_1(cbrt)
-__MATH_1(ceil)
-__MATH_1(cos)
-__MATH_1(cosh)
-__MATH_1(erf)
-__MATH_1(erfc)
-__MATH_1(exp)
-__MATH_1(exp2)
-__MATH_1(expm1)
-__MATH_1(fabs)
-__MATH_1(floor)
-__MATH_1(lgamma)
-__MATH_1(log)
-__MATH_1(log10)
-__MATH_1(log1p)
-__MATH_1(log2)
-__MATH_1(logb)
-__MATH_1(nearbyint)
-__MATH_1(rint)
-__MATH_1(round)
-__MATH_1(sin)
-__MATH_1(sinh)
-__MATH_1(sqrt)
-__MATH_1(tan)
-__MATH_1(tanh)
-__MATH_1(tgamma)
-__MATH_1(trunc)
-__MATH_2(atan2)
-__MATH_2(copysign)
-__MATH_2(fdim)
-__MATH_2(fmax)
-__MATH_2(fmin)
-__MATH_2(fmod)
-__MATH_2(hypot)
-__MATH_2(nextafter)
-__MATH_2(pow)
-__MATH_2(remainder)
-__MATH_TO(int, ilogb)
-__MATH_TO(long, lrint)
-__MATH_TO(long, lround)
-__MATH_TO(long long, llrint)
-__MATH_TO(long long, llround)
-__MATH_WITH(int, ldexp)
-__MATH_WITH(int, scalbn)
-__MATH_WITH(long, scalbln)
-__MATH_WITH(int*, frexp)
-double modf(double, double*);
-float modff(float, float*);
-long double modfl(long double, long double*);
-double fma(double, double, double);
-float fmaf(float, float, float);
-long double fmal(long double, long double, long double);
-double remquo(double, double, int*);
-float remquof(float, float, int*);
-long double remquol(long double, long double, int*);
-double nexttoward(double, long double);
-float nexttowardf(float, long double);
-long double nexttowardl(long double, long double);
-double nan(const char*);
-float nanf(const char*);
-long double nanl(const char*);
+__unary acos, acosh, asin, asinh, atan, atanh, cbrt, ceil, cos, cosh, erf, erfc, exp, exp2, expm1, fabs,
+    floor, lgamma, log, log10, log1p, log2, logb, nearbyint, rint, round, sin, sinh, sqrt, tan, tanh, tgamma,
+    trunc;
+__unaryf acosf, acoshf, asinf, asinhf, atanf, atanhf, cbrtf, ceilf, cosf, coshf, erff, erfcf, expf, exp2f,
+    expm1f, fabsf, floorf, lgammaf, logf, log10f, log1pf, log2f, logbf, nearbyintf, rintf, roundf, sinf,
+    sinhf, sqrtf, tanf, tanhf, tgammaf, truncf;
+__unaryl acosl, acoshl, asinl, asinhl, atanl, atanhl, cbrtl, ceill, cosl, coshl, erfl, erfcl, expl, exp2l,
+    expm1l, fabsl, floorl, lgammal, logl, log10l, log1pl, log2l, logbl, nearbyintl, rintl, roundl, sinl,
+    sinhl, sqrtl, tanl, tanhl, tgammal, truncl;
+__binary atan2, copysign, fdim, fmax, fmin, fmod, hypot, nextafter, pow, remainder;
+__binaryf atan2f, copysignf, fdimf, fmaxf, fminf, fmodf, hypotf, nextafterf, powf, remainderf;
+__binaryl atan2l, copysignl, fdiml, fmaxl, fminl, fmodl, hypotl, nextafterl, powl, remainderl;
+int ilogb(double), ilogbf(float), ilogbl(long double);
+long lrint(double), lrintf(float), lrintl(long double);
+long lround(double), lroundf(float), lroundl(long double);
+long long llrint(double), llrintf(float), llrintl(long double);
+long long llround(double), llroundf(float), llroundl(long double);
+double ldexp(double, int), scalbn(double, int), scalbln(double, long), frexp(double, int*),
+    modf(double, double*), remquo(double, double, int*), fma(double, double, double),
+    nexttoward(double, long double), nan(const char*);
+float ldexpf(float, int), scalbnf(float, int), scalblnf(float, long), frexpf(float, int*),
+    modff(float, float*), remquof(float, float, int*), fmaf(float, float, float),
+    nexttowardf(float, long double), nanf(const char*);
+long double ldexpl(long double, int), scalbnl(long double, int), scalblnl(long double, long),
+    frexpl(long double, int*), modfl(long double, long double*), remquol(long double, long double, int*),
+    fmal(long double, long double, long double), nexttowardl(long double, long double), nanl(const char*);
 __END_DECLS
