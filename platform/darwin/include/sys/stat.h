@@ -28,8 +28,6 @@ struct stat {
 #define S_IFMT 0170000
 #define S_IFDIR 0040000
 #define S_IFREG 0100000
-#define S_ISDIR(mode) (((mode)&S_IFMT) == S_IFDIR)
-#define S_ISREG(mode) (((mode)&S_IFMT) == S_IFREG)
 #define S_IRWXU 0000700
 #define S_IRUSR 0000400
 #define S_IWUSR 0000200
@@ -43,10 +41,13 @@ struct stat {
 #define S_IWOTH 0000002
 #define S_IXOTH 0000001
 
+inline bool S_ISDIR(mode_t mode) { return (mode & S_IFMT) == S_IFDIR; }
+inline bool S_ISREG(mode_t mode) { return (mode & S_IFMT) == S_IFREG; }
+
 __BEGIN_DECLS
-int stat(const char* path, struct stat* status) __DARWIN_NAME("stat$INODE64");
-int lstat(const char* path, struct stat* status) __DARWIN_NAME("lstat$INODE64");
-int fstat(int descriptor, struct stat* status) __DARWIN_NAME("fstat$INODE64");
-int chmod(const char* path, mode_t mode) __DARWIN_NAME("chmod$UNIX2003");
+int stat(const char* path, struct stat* status) __asm("_stat$INODE64");
+int lstat(const char* path, struct stat* status) __asm("_lstat$INODE64");
+int fstat(int descriptor, struct stat* status) __asm("_fstat$INODE64");
+int chmod(const char* path, mode_t mode) __asm("_chmod$UNIX2003");
 int mkdir(const char* path, mode_t mode);
 __END_DECLS
