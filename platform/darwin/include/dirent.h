@@ -22,7 +22,7 @@ struct dirent {
 #define DT_SOCK 12
 
 __BEGIN_DECLS
-DIR* opendir(const char* path) __DARWIN_NAME("opendir$INODE64$UNIX2003");
-struct dirent* readdir(DIR* folder) __DARWIN_NAME("readdir$INODE64");
-int closedir(DIR* folder) __DARWIN_NAME("closedir$UNIX2003");
+DIR* opendir(const char* path) __asm("_opendir$INODE64$UNIX2003");
+struct dirent* readdir(DIR* folder) __asm("_readdir$INODE64");
+int closedir(DIR* folder) __asm("_closedir$UNIX2003");
 __END_DECLS

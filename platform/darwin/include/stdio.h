@@ -16,14 +16,14 @@ typedef int64_t fpos_t;
 __BEGIN_DECLS
 extern FILE* __stderrp;
 
-FILE* fopen(const char* path, const char* mode) __DARWIN_NAME("fopen$UNIX2003");
+FILE* fopen(const char* path, const char* mode) __asm("_fopen$UNIX2003");
 int fclose(FILE* file);
 int fflush(FILE* file);
 int feof(FILE* file);
 int ferror(FILE* file);
 int fileno(FILE* file);
 size_t fread(void* bytes, size_t size, size_t count, FILE* file);
-size_t fwrite(const void* bytes, size_t size, size_t count, FILE* file) __DARWIN_NAME("fwrite$UNIX2003");
+size_t fwrite(const void* bytes, size_t size, size_t count, FILE* file) __asm("_fwrite$UNIX2003");
 int fseeko(FILE* file, off_t offset, int whence);
 off_t ftello(FILE* file);
 int remove(const char* path);

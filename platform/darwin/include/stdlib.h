@@ -33,7 +33,7 @@ long strtol(const char* text, char** end, int base);
 unsigned long strtoul(const char* text, char** end, int base);
 long long strtoll(const char* text, char** end, int base);
 unsigned long long strtoull(const char* text, char** end, int base);
-float strtof(const char* text, char** end) __DARWIN_NAME("strtof$UNIX2003");
-double strtod(const char* text, char** end) __DARWIN_NAME("strtod$UNIX2003");
+float strtof(const char* text, char** end) __asm("_strtof$UNIX2003");
+double strtod(const char* text, char** end) __asm("_strtod$UNIX2003");
 long double strtold(const char* text, char** end);
 __END_DECLS

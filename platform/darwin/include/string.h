@@ -25,6 +25,6 @@ char* strncpy(char* to, const char* from, size_t size);
 char* strcat(char* to, const char* from);
 char* strncat(char* to, const char* from, size_t size);
 char* strtok(char* text, const char* separators);
-char* strerror(int number) __DARWIN_NAME("strerror$UNIX2003");
+char* strerror(int number) __asm("_strerror$UNIX2003");
 int strerror_r(int number, char* text, size_t size);
 __END_DECLS

@@ -15,14 +15,14 @@ struct tm {
 #define CLOCKS_PER_SEC 1000000
 
 __BEGIN_DECLS
-clock_t clock(void) __DARWIN_NAME("clock$UNIX2003");
+clock_t clock(void) __asm("_clock$UNIX2003");
 double difftime(time_t later, time_t earlier);
-time_t mktime(struct tm* parts) __DARWIN_NAME("mktime$UNIX2003");
+time_t mktime(struct tm* parts) __asm("_mktime$UNIX2003");
 time_t time(time_t* result);
 char* asctime(const struct tm* parts);
 char* ctime(const time_t* when);
 struct tm* gmtime(const time_t* when);
 struct tm* localtime(const time_t* when);
-size_t strftime(char* text, size_t size, const char* format, const struct tm* parts)
-    __DARWIN_NAME("strftime$UNIX2003");
+size_t strftime(char* text, size_t size, const char* format,
+                const struct tm* parts) __asm("_strftime$UNIX2003");
 __END_DECLS

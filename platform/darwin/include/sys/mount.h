@@ -18,5 +18,5 @@ struct statfs {
 };
 
 __BEGIN_DECLS
-int statfs(const char* path, struct statfs* status) __DARWIN_NAME("statfs$INODE64");
+int statfs(const char* path, struct statfs* status) __asm("_statfs$INODE64");
 __END_DECLS
