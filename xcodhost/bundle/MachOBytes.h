@@ -3,7 +3,9 @@
 /// Declares the class that reads numbers and strings from a Mach-O file and checks every access.
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace xcodhost {
@@ -24,10 +26,22 @@ public:
     std::uint32_t U32(std::uint64_t offset) const { return static_cast<std::uint32_t>(Number(offset, 4)); }
     std::uint64_t U64(std::uint64_t offset) const { return Number(offset, 8); }
 
+    /// Returns a structure that consists of 32-bit numbers.
+    template <typename T>
+    T Words(std::uint64_t offset) const {
+        std::array<std::uint32_t, sizeof(T) / sizeof(std::uint32_t)> words{};
+        for (std::size_t i = 0; i < words.size(); ++i) words[i] = U32(offset + i * sizeof(std::uint32_t));
+        T value;
+        static_assert(sizeof value == sizeof words);
+        std::memcpy(&value, words.data(), sizeof value);
+        return value;
+    }
+
+    bool Contains(std::uint64_t offset, std::uint64_t size) const {
+        return offset <= bytes.size() && size <= bytes.size() - offset;
+    }
     std::string_view Part(std::uint64_t offset, std::uint64_t size) const {
-        if (offset > bytes.size() || bytes.size() - offset < size) {
-            throw BrokenMachO{"a table is outside the file"};
-        }
+        if (!Contains(offset, size)) throw BrokenMachO{"a table is outside the file"};
         return bytes.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
     }
     /// Returns the bytes up to the next NUL. Throws BrokenMachO if there is no NUL.

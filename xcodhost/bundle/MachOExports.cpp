@@ -1,22 +1,15 @@
 #include "MachOExports.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <mach-o/loader.h>
+#include <mach-o/nlist.h>
 #include <unordered_set>
 #include <utility>
 
 namespace xcodhost {
 
 namespace {
-
-// The numbers of the load commands, and the bits of a symbol's type, in the Mach-O format.
-constexpr std::uint32_t kSymbolTable = 2;
-constexpr std::uint32_t kDyldInfo = 0x22;
-constexpr std::uint32_t kDyldInfoOnly = 0x80000022;
-constexpr std::uint32_t kExportsTrie = 0x80000033;
-constexpr unsigned int kDebugging = 0xE0;
-constexpr unsigned int kPrivateExternal = 0x10;
-constexpr unsigned int kDefinedIn = 0x0E;
-constexpr unsigned int kExternal = 0x01;
 
 /// Limit of all names together. In a malicious file many names can share the same bytes, so that the size of
 /// the file does not limit the names.
@@ -46,16 +39,15 @@ private:
     std::size_t size = 0;
 };
 
-void addSymbols(Names& names, const MachOBytes& image, std::uint64_t command, bool is64Bit) {
-    const std::uint64_t entrySize = is64Bit ? 16 : 12;
-    const std::uint64_t count = image.U32(command + 12);
-    const MachOBytes symbols = image.Inner(image.U32(command + 8), count * entrySize);
-    const MachOBytes texts = image.Inner(image.U32(command + 16), image.U32(command + 20));
-    for (std::uint64_t i = 0; i < count; ++i) {
-        const unsigned int type = symbols.Byte(i * entrySize + 4);
-        const bool isExport = (type & (kDebugging | kPrivateExternal)) == 0 && (type & kExternal) != 0 &&
-                              (type & kDefinedIn) != 0;
-        if (isExport) names.Add(texts.Text(symbols.U32(i * entrySize)));
+void addSymbols(Names& names, const MachOBytes& image, const symtab_command& table, bool is64Bit) {
+    const std::uint64_t entrySize = is64Bit ? sizeof(nlist_64) : sizeof(nlist);
+    const MachOBytes symbols = image.Inner(table.symoff, table.nsyms * entrySize);
+    const MachOBytes texts = image.Inner(table.stroff, table.strsize);
+    for (std::uint64_t entry = 0; entry < symbols.Size(); entry += entrySize) {
+        const unsigned int type = symbols.Byte(entry + offsetof(nlist, n_type));
+        const bool isExport =
+            (type & (N_STAB | N_PEXT)) == 0 && (type & N_EXT) != 0 && (type & N_TYPE) != N_UNDF;
+        if (isExport) names.Add(texts.Text(symbols.U32(entry + offsetof(nlist, n_strx))));
     }
 }
 
@@ -87,18 +79,21 @@ void addTrie(Names& names, const MachOBytes& trie) {
 
 std::vector<std::string> MachOExports(const MachOBytes& image, bool is64Bit) {
     Names names;
-    std::uint64_t place = is64Bit ? 32 : 28;
-    for (std::uint32_t left = image.U32(16); left > 0; --left) {
-        const std::uint32_t kind = image.U32(place);
-        const std::uint32_t size = image.U32(place + 4);
-        if (size < 8) throw BrokenMachO{"a load command has no size"};
-        image.Part(place, size);
-        if (kind == kSymbolTable) addSymbols(names, image, place, is64Bit);
-        if (kind == kDyldInfo || kind == kDyldInfoOnly) {
-            addTrie(names, image.Inner(image.U32(place + 40), image.U32(place + 44)));
+    std::uint64_t place = is64Bit ? sizeof(mach_header_64) : sizeof(mach_header);
+    for (std::uint32_t left = image.Words<mach_header>(0).ncmds; left > 0; --left) {
+        const auto command = image.Words<load_command>(place);
+        if (command.cmdsize < sizeof command) throw BrokenMachO{"a load command has no size"};
+        image.Part(place, command.cmdsize);
+        if (command.cmd == LC_SYMTAB) {
+            addSymbols(names, image, image.Words<symtab_command>(place), is64Bit);
+        } else if (command.cmd == LC_DYLD_INFO || command.cmd == LC_DYLD_INFO_ONLY) {
+            const auto tables = image.Words<dyld_info_command>(place);
+            addTrie(names, image.Inner(tables.export_off, tables.export_size));
+        } else if (command.cmd == LC_DYLD_EXPORTS_TRIE) {
+            const auto table = image.Words<linkedit_data_command>(place);
+            addTrie(names, image.Inner(table.dataoff, table.datasize));
         }
-        if (kind == kExportsTrie) addTrie(names, image.Inner(image.U32(place + 8), image.U32(place + 12)));
-        place += size;
+        place += command.cmdsize;
     }
     return std::move(names).Sorted();
 }
