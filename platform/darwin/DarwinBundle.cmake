@@ -23,7 +23,7 @@ set(DARWIN_FOLDER ${CMAKE_CURRENT_LIST_DIR} CACHE INTERNAL "")
 set(DARWIN_FLAGS -target i386-apple-macosx10.6 -O2 -fPIC -fvisibility=hidden -fvisibility-inlines-hidden
     -fno-stack-protector -nostdinc++ -nostdlibinc -isystem ${DARWIN_RUNTIME}/libcxx/include
     -isystem ${DARWIN_RUNTIME}/libcxxabi/include -isystem ${DARWIN_FOLDER}/include CACHE INTERNAL "")
-set(writer write_bundle bundle_layout load_commands loader_tables macho_object)
+set(writer write_bundle bundle_layout load_commands loader_tables macho_format macho_object)
 list(TRANSFORM writer PREPEND ${DARWIN_FOLDER}/)
 list(TRANSFORM writer APPEND .py)
 set(DARWIN_WRITER ${writer} CACHE INTERNAL "")

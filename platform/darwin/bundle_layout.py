@@ -7,8 +7,14 @@ is in __DATA.
 
 import struct
 
-from load_commands import HEADER_SIZE, PAGE, STUB_SIZE, SYMBOL_STUBS, aligned, commands_size
-from macho_object import POINTERS, UNDEFINED_LOCAL, UNWIND, ZERO_FILL, Refused, Section
+from load_commands import PAGE, STUB_SIZE, STUBS, commands_size
+from macho_format import HEADER, INDIRECT_SYMBOL_LOCAL, S_COALESCED, S_NON_LAZY_SYMBOL_POINTERS, S_ZEROFILL, aligned
+from macho_object import Refused, Section
+
+UNWIND = S_COALESCED  # the type that the compiler gives to __eh_frame alone
+
+# The encodings of pointers in unwind entries: DW_EH_PE_pcrel, and DW_EH_PE_indirect | DW_EH_PE_pcrel | DW_EH_PE_sdata4.
+RELATIVE, RELATIVE_INDIRECT = 0x10, 0x80 | 0x10 | 0x0B
 
 
 def read_imports(path):
@@ -50,16 +56,16 @@ class Layout:
         kept = [s for s in self.program.sections if s.segment != "__LD" and s.size]
         called = {r.symbol for s in kept for r in s.relocations if r.symbol >= 0 and r.relative}
         self.called = sorted(name for name in (self.program.symbols[i].name for i in called) if name in self.imports)
-        self.stubs = self.new_section("__TEXT", "__symbol_stub", STUB_SIZE, SYMBOL_STUBS)
-        self.slots = self.new_section("__DATA", "__stub_ptr", 4, POINTERS)
+        self.stubs = self.new_section("__TEXT", "__symbol_stub", STUB_SIZE, STUBS)
+        self.slots = self.new_section("__DATA", "__stub_ptr", 4, S_NON_LAZY_SYMBOL_POINTERS)
         for section in kept:
-            if section.type == POINTERS:
+            if section.type == S_NON_LAZY_SYMBOL_POINTERS:
                 section.segment, section.name, section.alignment = "__DATA", "__nl_symbol_ptr", 4
             if section.segment not in ("__TEXT", "__DATA"):
                 raise Refused(f"section {section.segment},{section.name}: unsupported segment")
         added = [s for s in (self.stubs, self.slots) if s.size]
         # __TEXT comes first. In each segment, unwind entries follow the other sections, and zero-fill sections are last.
-        order = sorted(kept + added, key=lambda s: (s.segment == "__DATA", s.type == ZERO_FILL, s.type == UNWIND))
+        order = sorted(kept + added, key=lambda s: (s.segment == "__DATA", s.type == S_ZEROFILL, s.type == UNWIND))
         self.text = [s for s in order if s.segment == "__TEXT"]
         self.data = [s for s in order if s.segment == "__DATA"]
 
@@ -68,7 +74,7 @@ class Layout:
         return Section(segment, name, 0, size, 4, flags, 0, bytearray(size))
 
     def place_sections(self):
-        address = HEADER_SIZE + commands_size(len(self.text + self.data), self.libraries)
+        address = HEADER.size + commands_size(len(self.text + self.data), self.libraries)
         for section in self.text:
             address = section.new = aligned(address, max(section.alignment, 4))
             address += section.size
@@ -77,11 +83,11 @@ class Layout:
         for section in self.data:
             address = section.new = aligned(address, max(section.alignment, 4))
             address += section.size
-        in_file = [s.new + s.size for s in self.data if s.type != ZERO_FILL]
+        in_file = [s.new + s.size for s in self.data if s.type != S_ZEROFILL]
         self.data_file_size = aligned(max(in_file, default=self.text_size), PAGE) - self.text_size
         self.data_size = aligned(max(address, self.text_size + self.data_file_size), PAGE) - self.text_size
         for section in self.text + self.data:
-            section.offset = 0 if section.type == ZERO_FILL else section.new
+            section.offset = 0 if section.type == S_ZEROFILL else section.new
 
     def moved(self, address):
         return address + self.program.section_at(address).shift
@@ -89,7 +95,7 @@ class Layout:
     def relocate(self):
         for section in self.text + self.data:
             for relocation in section.relocations:
-                if relocation.kind:
+                if relocation.is_difference:
                     shift = self.moved(relocation.value) - relocation.value
                     shift -= self.moved(relocation.subtracted) - relocation.subtracted
                     section.set_word(relocation.place, section.word(relocation.place) + shift)
@@ -99,7 +105,7 @@ class Layout:
                     self.move_pointer(section, relocation)
             if section.type == UNWIND:
                 self.move_unwind_entries(section)
-            if section.type == POINTERS and section is not self.slots:
+            if section.type == S_NON_LAZY_SYMBOL_POINTERS and section is not self.slots:
                 self.bind_pointers(section)
 
     def move_pointer(self, section, relocation):
@@ -140,7 +146,7 @@ class Layout:
     def bind_pointers(self, section):
         for i in range(section.size // 4):
             entry = self.program.indirect[section.first_pointer + i]
-            if entry & UNDEFINED_LOCAL:
+            if entry & INDIRECT_SYMBOL_LOCAL:
                 if section.new + 4 * i not in self.rebased:
                     raise Refused(f"{section.name}: pointer {i} has no target")
             else:
@@ -183,8 +189,7 @@ class Layout:
         at = end + 1 + 3 + 1
         for letter in letters[1:]:
             encoding = section.data[at]
-            known = {"P": (0x9B,), "L": (0x10,), "R": (0x10,)}.get(letter, ())
-            if encoding not in known:
+            if encoding != {"P": RELATIVE_INDIRECT, "L": RELATIVE, "R": RELATIVE}.get(letter):
                 raise Refused(f"{section.name}: an unwind entry with the unsupported encoding {letter} {encoding:#x}")
             at += 5 if letter == "P" else 1
         return "L" in letters
@@ -204,11 +209,11 @@ class Layout:
         """Returns the table with the symbol number of each stub and each pointer, section by section."""
         numbers = {name: len(self.exports) + i for i, name in enumerate(self.imports)}
         table = []
-        for section in (s for s in self.text + self.data if s.type == POINTERS or s is self.stubs):
+        for section in (s for s in self.text + self.data if s.type == S_NON_LAZY_SYMBOL_POINTERS or s is self.stubs):
             section.first_pointer = len(table)
             if section is self.stubs:
                 table += [numbers[name] for name in self.called]
             else:
                 places = range(section.new, section.new + section.size, 4)
-                table += [numbers[self.bound[p]] if p in self.bound else UNDEFINED_LOCAL for p in places]
+                table += [numbers[self.bound[p]] if p in self.bound else INDIRECT_SYMBOL_LOCAL for p in places]
         return struct.pack(f"<{len(table)}I", *table)

@@ -14,11 +14,12 @@ import subprocess
 import sys
 
 from macholib.MachO import MachO
+from macholib.mach_o import CPU_TYPE_NAMES, MH_BUNDLE, MH_TWOLEVEL, S_NON_LAZY_SYMBOL_POINTERS, SECTION_TYPE
 from bundle_layout import read_imports
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 LARGEST = 200 * 1024
-BUNDLE, I386, POINTERS = 8, 7, 6
+SYSTEM_VERSION = 10 << 16 | 6 << 8
 
 
 class Executable:
@@ -50,12 +51,12 @@ class Executable:
 
 def check_header(file, _imports, _exports):
     header = file.headers[0].header
-    if len(file.headers) != 1 or header.cputype != I386 or header.filetype != BUNDLE:
+    if len(file.headers) != 1 or CPU_TYPE_NAMES.get(header.cputype) != "i386" or header.filetype != MH_BUNDLE:
         yield "not a thin bundle for 32-bit Intel"
-    if header.flags & 0x80 == 0:
+    if header.flags & MH_TWOLEVEL == 0:
         yield "the imports do not name their libraries"
     version = file.commands.get("LC_VERSION_MIN_MACOSX", [(None, None)])[0][0]
-    if not version or version.version != 10 << 16 | 6 << 8:
+    if not version or version.version != SYSTEM_VERSION:
         yield "the minimum system version is not 10.6"
     if os.path.getsize(file.path) >= LARGEST:
         yield f"larger than {LARGEST} bytes"
@@ -98,7 +99,7 @@ def check_pointers(file, _imports, _exports):
         yield "a fix-up is outside __DATA"
     fixed = {int(row[2], 16) for row in rebased + file.table("--bind")}
     for name, section in file.sections.items():
-        if section.flags & 0xFF == POINTERS:
+        if section.flags & SECTION_TYPE == S_NON_LAZY_SYMBOL_POINTERS:
             for address in range(section.addr, section.addr + section.size, 4):
                 if address not in fixed:
                     yield f"the pointer at {address:#x} in {name} has no fix-up"

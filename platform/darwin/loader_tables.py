@@ -1,6 +1,13 @@
 """Builds the tables that the loader of macOS reads: rebases, binds, exports and symbols."""
 
-import struct
+import macho_format as macho
+from macho_format import N_EXT, N_SECT, N_UNDF, NLIST
+
+DATA_SEGMENT = 1  # the number of the segment __DATA, to which all pointers belong
+
+
+def operation(opcode, operand=0):
+    return bytes([opcode | operand])
 
 
 def uleb(value):
@@ -13,29 +20,32 @@ def uleb(value):
 
 
 def rebase_opcodes(addresses, data):
-    """Returns the table of pointers into the image. All are in segment 1, which begins at the address `data`.
+    """Returns the table of pointers into the image. The segment __DATA begins at the address `data`.
 
     One operation covers all pointers of a run of adjacent pointers.
     """
-    opcodes, left = bytearray(b"\x11"), sorted(addresses)
+    opcodes, left = operation(macho.REBASE_OPCODE_SET_TYPE_IMM, macho.REBASE_TYPE_POINTER), sorted(addresses)
     while left:
         run = 1
         while run < len(left) and left[run] == left[0] + 4 * run:
             run += 1
-        opcodes += b"\x21" + uleb(left[0] - data) + b"\x60" + uleb(run)
+        opcodes += operation(macho.REBASE_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB, DATA_SEGMENT) + uleb(left[0] - data)
+        opcodes += operation(macho.REBASE_OPCODE_DO_REBASE_ULEB_TIMES) + uleb(run)
         left = left[run:]
-    return bytes(opcodes) + b"\0"
+    return opcodes + operation(macho.REBASE_OPCODE_DONE)
 
 
 def bind_opcodes(names, ordinals, data):
-    """Returns the table of pointers to imports. `names` maps an address in segment 1 to the name of its import."""
-    opcodes, last = bytearray(b"\x51"), None
+    """Returns the table of pointers to imports. `names` maps an address in __DATA to the name of its import."""
+    opcodes, last = operation(macho.BIND_OPCODE_SET_TYPE_IMM, macho.BIND_TYPE_POINTER), None
     for address, name in sorted(names.items(), key=lambda item: (item[1], item[0])):
         if name != last:
-            opcodes += bytes([0x10 | ordinals[name], 0x40]) + name.encode() + b"\0"
-        opcodes += b"\x71" + uleb(address - data) + b"\x90"
+            opcodes += operation(macho.BIND_OPCODE_SET_DYLIB_ORDINAL_IMM, ordinals[name])
+            opcodes += operation(macho.BIND_OPCODE_SET_SYMBOL_TRAILING_FLAGS_IMM) + name.encode() + b"\0"
+        opcodes += operation(macho.BIND_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB, DATA_SEGMENT) + uleb(address - data)
+        opcodes += operation(macho.BIND_OPCODE_DO_BIND)
         last = name
-    return bytes(opcodes) + b"\0"
+    return opcodes + operation(macho.BIND_OPCODE_DONE)
 
 
 class TrieNode:
@@ -75,9 +85,9 @@ def symbol_table(exports, imports):
     The exports come first as (name, section, address), then the imports as (name, library).
     """
     texts, entries = bytearray(b"\0"), bytearray()
-    for name, kind, section, description, value in [(n, 0x0F, s, 0, a) for n, s, a in exports] + [
-        (n, 0x01, 0, library << 8, 0) for n, library in imports
+    for name, kind, section, description, value in [(n, N_SECT | N_EXT, s, 0, a) for n, s, a in exports] + [
+        (n, N_UNDF | N_EXT, 0, library << 8, 0) for n, library in imports
     ]:
-        entries += struct.pack("<IBBHI", len(texts), kind, section, description, value)
+        entries += NLIST.pack(len(texts), kind, section, description, value)
         texts += name.encode() + b"\0"
     return bytes(entries), bytes(texts)

@@ -3,9 +3,13 @@
 import struct
 from dataclasses import dataclass, field
 
-REGULAR, ZERO_FILL, TEXTS, POINTERS, INITIALISERS, UNWIND = 0, 1, 2, 6, 9, 11
-KNOWN_TYPES = {REGULAR, ZERO_FILL, TEXTS, 3, 4, POINTERS, INITIALISERS, UNWIND, 14}
-UNDEFINED_LOCAL = 0x80000000
+import macho_format as macho
+from macho_format import DYSYMTAB, HEADER, NLIST, SECTION, SEGMENT, SYMTAB, text
+
+KNOWN_TYPES = {
+    macho.S_REGULAR, macho.S_ZEROFILL, macho.S_CSTRING_LITERALS, macho.S_4BYTE_LITERALS, macho.S_8BYTE_LITERALS,
+    macho.S_16BYTE_LITERALS, macho.S_NON_LAZY_SYMBOL_POINTERS, macho.S_MOD_INIT_FUNC_POINTERS, macho.S_COALESCED,
+}
 
 
 class Refused(Exception):
@@ -15,7 +19,7 @@ class Refused(Exception):
 @dataclass
 class Relocation:
     place: int  # the offset of the field in the section
-    kind: int  # 0: a pointer; 2 and 4: a difference of two addresses
+    is_difference: bool  # the value is a difference of two addresses, not a pointer
     relative: bool  # the value is relative to the end of the field
     symbol: int = -1  # the number of the symbol, if the relocation names one
     section: int = -1  # the number of the target's section, from 0
@@ -39,7 +43,7 @@ class Section:
 
     @property
     def type(self):
-        return self.flags & 0xFF
+        return self.flags & macho.SECTION_TYPE
 
     @property
     def shift(self):
@@ -63,71 +67,78 @@ class Symbol:
 class Object:
     def __init__(self, data):
         self.data = data
-        if struct.unpack_from("<IIII", data)[::3] != (0xFEEDFACE, 1) or self.u32(4) != 7:
+        magic, processor, _, kind, count, _, _ = HEADER.unpack_from(data)
+        if (magic, processor, kind) != (macho.MH_MAGIC, macho.CPU_TYPE_I386, macho.MH_OBJECT):
             raise Refused("not an object file for 32-bit Intel macOS")
         self.sections, self.symbols, self.indirect = [], [], []
-        place = 28
-        for _ in range(self.u32(16)):
-            kind, size = self.u32(place), self.u32(place + 4)
-            read = {1: self.read_sections, 2: self.read_symbols, 11: self.read_indirect}.get(kind)
-            if read:
-                read(place)
+        readers = {
+            macho.LC_SEGMENT: self.read_sections,
+            macho.LC_SYMTAB: self.read_symbols,
+            macho.LC_DYSYMTAB: self.read_indirect,
+        }
+        place = HEADER.size
+        for _ in range(count):
+            command, size = struct.unpack_from("<II", data, place)
+            if command in readers:
+                readers[command](place)
             place += size
 
-    def u32(self, place):
-        return struct.unpack_from("<I", self.data, place)[0]
-
-    def read_sections(self, command):
-        for i in range(self.u32(command + 48)):
-            at = command + 56 + 68 * i
-            name, segment = (self.data[p : p + 16].rstrip(b"\0").decode() for p in (at, at + 16))
-            old, size, offset, power, relocations, count, flags, first = struct.unpack_from("<8I", self.data, at + 32)
-            if flags & 0xFF not in KNOWN_TYPES:
-                raise Refused(f"section {segment},{name}: unsupported type {flags & 0xFF}")
-            zero = flags & 0xFF == ZERO_FILL
-            data = bytearray() if zero else bytearray(self.data[offset : offset + size])
-            section = Section(segment, name, old, size, 1 << power, flags, first, data)
-            section.relocations = list(self.read_relocations(relocations, count, f"{segment},{name}"))
+    def read_sections(self, place):
+        count = SEGMENT.unpack_from(self.data, place)[-2]
+        for i in range(count):
+            name, segment, old, size, offset, power, relocations, relocation_count, flags, first, _ = SECTION.unpack_from(
+                self.data, place + SEGMENT.size + i * SECTION.size)
+            section = Section(text(segment), text(name), old, size, 1 << power, flags, first, bytearray())
+            where = f"{section.segment},{section.name}"
+            if section.type not in KNOWN_TYPES:
+                raise Refused(f"section {where}: unsupported type {section.type}")
+            if section.type != macho.S_ZEROFILL:
+                section.data += self.data[offset : offset + size]
+            section.relocations = list(self.read_relocations(relocations, relocation_count, where))
             self.sections.append(section)
 
     def read_relocations(self, place, count, where):
-        end = place + 8 * count
-        while place < end:
-            first, second = self.u32(place), self.u32(place + 4)
-            place += 8
-            scattered = first >> 31 != 0
-            info = first >> 24 if scattered else second >> 24
-            kind, length = (info & 15, info >> 4 & 3) if scattered else (info >> 4, info >> 1 & 3)
-            relative = bool(info >> 6 & 1 if scattered else info & 1)
-            made = Relocation(first & 0xFFFFFF if scattered else first, kind, relative)
-            if length != 2 or kind not in (0, 2, 4) or (kind and (relative or not scattered)):
-                raise Refused(f"{where}+{made.place:#x}: unsupported relocation {first:#x} {second:#x}")
+        """Yields the relocations. The fields of an entry are bits of its two words, which have two arrangements."""
+        words = iter(struct.unpack_from(f"<{2 * count}I", self.data, place))
+        entries = zip(words, words)
+        for first, second in entries:
+            scattered = first & macho.R_SCATTERED
+            if scattered:
+                address, kind, length, relative = first & 0xFFFFFF, first >> 24 & 15, first >> 28 & 3, first >> 30 & 1
+            else:
+                address, kind, length, relative = first, second >> 28, second >> 25 & 3, second >> 24 & 1
+            is_difference = kind in (macho.GENERIC_RELOC_SECTDIFF, macho.GENERIC_RELOC_LOCAL_SECTDIFF)
+            known = (scattered and not relative) if is_difference else kind == macho.GENERIC_RELOC_VANILLA
+            if not known or length != macho.R_LENGTH_4:
+                raise Refused(f"{where}+{address:#x}: unsupported relocation {first:#x} {second:#x}")
+            made = Relocation(address, is_difference, bool(relative))
             if scattered:
                 made.value = second
-            elif info & 8:
+            elif second & macho.R_EXTERN:
                 made.symbol = second & 0xFFFFFF
             else:
                 made.section = (second & 0xFFFFFF) - 1
-            if kind:
-                if place == end or self.u32(place) >> 24 & 0x8F != 0x81:
-                    raise Refused(f"{where}+{made.place:#x}: the second half of a difference is missing")
-                made.subtracted = self.u32(place + 4)
-                place += 8
+            if is_difference:
+                pair, made.subtracted = next(entries, (0, 0))
+                if not pair & macho.R_SCATTERED or pair >> 24 & 15 != macho.GENERIC_RELOC_PAIR:
+                    raise Refused(f"{where}+{address:#x}: the second half of a difference is missing")
             yield made
 
-    def read_symbols(self, command):
-        symbols, count, texts = struct.unpack_from("<III", self.data, command + 8)
+    def read_symbols(self, place):
+        _, _, symbols, count, texts, _ = SYMTAB.unpack_from(self.data, place)
         for i in range(count):
-            name, kind, section, _, address = struct.unpack_from("<IBBHI", self.data, symbols + 12 * i)
+            name, kind, section, _, address = NLIST.unpack_from(self.data, symbols + i * NLIST.size)
             end = self.data.index(b"\0", texts + name)
-            text = self.data[texts + name : end].decode()
-            if kind & 0xE0 == 0 and kind & 0x0E not in (0, 14):
-                raise Refused(f"symbol {text}: unsupported kind {kind:#x}")
-            external = kind & 0x11 == 1
-            self.symbols.append(Symbol(text, section - 1 if kind & 0x0E else -1, address, external))
+            symbol = Symbol(text(self.data[texts + name : end]), -1, address, kind & (macho.N_PEXT | macho.N_EXT) == macho.N_EXT)
+            definition = kind & macho.N_TYPE
+            if not kind & macho.N_STAB and definition not in (macho.N_UNDF, macho.N_SECT):
+                raise Refused(f"symbol {symbol.name}: unsupported kind {kind:#x}")
+            if definition != macho.N_UNDF:
+                symbol.section = section - 1
+            self.symbols.append(symbol)
 
-    def read_indirect(self, command):
-        table, count = struct.unpack_from("<II", self.data, command + 56)
+    def read_indirect(self, place):
+        table, count = DYSYMTAB.unpack_from(self.data, place)[-2:]
         self.indirect = list(struct.unpack_from(f"<{count}I", self.data, table))
 
     def section_at(self, address):

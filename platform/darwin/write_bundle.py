@@ -13,8 +13,9 @@ import struct
 import sys
 
 from bundle_layout import Layout
-from load_commands import HEADER_SIZE, aligned, load_commands
+from load_commands import load_commands
 from loader_tables import bind_opcodes, export_trie, rebase_opcodes, symbol_table
+from macho_format import CPU_SUBTYPE_I386_ALL, CPU_TYPE_I386, HEADER, MH_BUNDLE, MH_DYLDLINK, MH_MAGIC, MH_TWOLEVEL, aligned
 from macho_object import Object, Refused
 
 
@@ -44,10 +45,11 @@ def link_edit(layout):
 def image(layout, uuid=b""):
     tables, end = link_edit(layout)
     commands = load_commands(layout, tables, end, uuid)
-    # The file type 8 is a bundle. The flag 0x80 means that each import names its library.
-    header = struct.pack("<7I", 0xFEEDFACE, 7, 3, 8, 8 + len(layout.libraries), len(commands), 0x84)
+    flags = MH_DYLDLINK | MH_TWOLEVEL
+    header = HEADER.pack(MH_MAGIC, CPU_TYPE_I386, CPU_SUBTYPE_I386_ALL, MH_BUNDLE, len(commands), sum(map(len, commands)), flags)
+    beginning = header + b"".join(commands)
     file = bytearray(end)
-    file[: HEADER_SIZE + len(commands)] = header + commands
+    file[: len(beginning)] = beginning
     for section in layout.text + layout.data:
         file[section.offset : section.offset + len(section.data)] = section.data
     for at, table in tables.values():

@@ -1,0 +1,56 @@
+"""The numbers and the structures of the Mach-O format, under the names of the system's headers."""
+
+from struct import Struct
+
+MH_MAGIC, CPU_TYPE_I386, CPU_SUBTYPE_I386_ALL = 0xFEEDFACE, 7, 3
+MH_OBJECT, MH_BUNDLE = 1, 8
+MH_DYLDLINK, MH_TWOLEVEL = 0x04, 0x80  # the file is for the loader; each import names its library
+VM_PROT_READ, VM_PROT_WRITE, VM_PROT_EXECUTE = 1, 2, 4
+
+LC_SEGMENT, LC_SYMTAB, LC_DYSYMTAB, LC_LOAD_DYLIB, LC_UUID = 0x01, 0x02, 0x0B, 0x0C, 0x1B
+LC_DYLD_INFO_ONLY, LC_VERSION_MIN_MACOSX = 0x80000022, 0x24
+
+SECTION_TYPE = 0xFF
+S_REGULAR, S_ZEROFILL, S_CSTRING_LITERALS, S_4BYTE_LITERALS, S_8BYTE_LITERALS = 0, 1, 2, 3, 4
+S_NON_LAZY_SYMBOL_POINTERS, S_SYMBOL_STUBS, S_MOD_INIT_FUNC_POINTERS, S_COALESCED, S_16BYTE_LITERALS = 6, 8, 9, 11, 14
+S_ATTR_PURE_INSTRUCTIONS, S_ATTR_SOME_INSTRUCTIONS = 0x80000000, 0x400
+INDIRECT_SYMBOL_LOCAL = 0x80000000
+
+N_STAB, N_PEXT, N_TYPE, N_EXT = 0xE0, 0x10, 0x0E, 0x01
+N_UNDF, N_SECT = 0x00, 0x0E
+
+R_SCATTERED, R_EXTERN, R_LENGTH_4 = 1 << 31, 1 << 27, 2
+GENERIC_RELOC_VANILLA, GENERIC_RELOC_PAIR, GENERIC_RELOC_SECTDIFF, GENERIC_RELOC_LOCAL_SECTDIFF = 0, 1, 2, 4
+
+REBASE_TYPE_POINTER = BIND_TYPE_POINTER = 1
+REBASE_OPCODE_DONE = 0x00
+REBASE_OPCODE_SET_TYPE_IMM = 0x10
+REBASE_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB = 0x20
+REBASE_OPCODE_DO_REBASE_ULEB_TIMES = 0x60
+BIND_OPCODE_DONE = 0x00
+BIND_OPCODE_SET_DYLIB_ORDINAL_IMM = 0x10
+BIND_OPCODE_SET_SYMBOL_TRAILING_FLAGS_IMM = 0x40
+BIND_OPCODE_SET_TYPE_IMM = 0x50
+BIND_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB = 0x70
+BIND_OPCODE_DO_BIND = 0x90
+
+# The structures. A load command begins with its number and its size.
+HEADER = Struct("<7I")
+SEGMENT = Struct("<II16s8I")
+SECTION = Struct("<16s16s9I")
+SYMTAB = Struct("<6I")
+DYSYMTAB = Struct("<8I24xII16x")  # without the tables that only old libraries have
+DYLD_INFO = Struct("<12I")
+UUID = Struct("<II16s")
+VERSION_MIN = Struct("<4I")
+DYLIB = Struct("<6I")
+NLIST = Struct("<IBBHI")
+
+
+def aligned(value, alignment):
+    return (value + alignment - 1) // alignment * alignment
+
+
+def text(field):
+    """Returns the string of a field of fixed length."""
+    return field.rstrip(b"\0").decode()
