@@ -73,7 +73,7 @@ private:
     ByteView View() const { return ByteView(bytes); }
 
     void TranslateEntry(std::uint32_t start, std::uint32_t end) {
-        std::uint32_t place = start + 8;
+        std::uint32_t place = start + 8;                      // after the length and the distance
         const std::uint32_t distance = View().U32(start + 4); // to the common entry; 0 in a common entry
         if (distance == 0) {
             commons[start] = TranslateCommon(place);
