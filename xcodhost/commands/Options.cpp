@@ -43,8 +43,8 @@ struct RunArguments {
 };
 
 /// Parses a number that is decimal, or hexadecimal after "0x". Throws UsageError if the text is not a number
-/// or the number does not fit the type.
-template <typename Integer>
+/// or the number is below `lowest` or does not fit the type.
+template <typename Integer, Integer lowest = std::numeric_limits<Integer>::min()>
 Integer parseInteger(const std::string& name, const std::string& text) {
     std::string_view digits = text;
     const bool isNegative = !digits.empty() && digits.front() == '-';
@@ -57,10 +57,9 @@ Integer parseInteger(const std::string& name, const std::string& text) {
     const bool isWhole =
         error == std::errc() && end == digits.data() + digits.size() && digits.front() != '-';
     if (isNegative) value = -value;
-    if (!isWhole || value < std::numeric_limits<Integer>::min() ||
-        value > std::numeric_limits<Integer>::max()) {
+    if (!isWhole || value < lowest || value > std::numeric_limits<Integer>::max()) {
         throw UsageError(name + ": " + PrintableQuoted(text) + " is not a whole number from " +
-                         std::to_string(std::numeric_limits<Integer>::min()) + " to " +
+                         std::to_string(lowest) + " to " +
                          std::to_string(std::numeric_limits<Integer>::max()));
     }
     return static_cast<Integer>(value);
@@ -204,14 +203,8 @@ void describeValidate(CLI::App& validate, ValidateOptions& options) {
         ->type_name("FILE");
     addNumber(validate, "--timeout", options.secondsPerCall, parseSeconds,
               "Time limit of one call in seconds (default 10); a check may take twenty times as long");
-    addNumber(
-        validate, "--jobs", options.atOnce,
-        [](const std::string& name, const std::string& text) {
-            const auto count = parseInteger<std::uint8_t>(name, text);
-            if (count == 0) throw UsageError(name + ": 0 is not a number from 1 to 255");
-            return unsigned{count};
-        },
-        "Number of checks that run at the same time (default: the number of processors)");
+    addNumber(validate, "--jobs", options.atOnce, parseInteger<std::uint8_t, 1>,
+              "Number of checks that run at the same time (default: the number of processors)");
     validate.footer(
         "Examples:\n"
         "  xcodhost validate PostInstall.bundle\n"
