@@ -123,10 +123,10 @@ RunOptions checked(RunArguments& arguments, const CLI::App& run) {
         }
         options.messages = messagesFor(arguments);
     }
-    if (options.isDryRun && options.volume.empty()) {
+    if (options.plan.isDryRun && options.plan.volume.empty()) {
         throw UsageError("--dry-run: --volume is missing; without --volume a run uses a scratch volume");
     }
-    options.answers = policyFor(arguments.answers, run.count("--answers") > 0);
+    options.plan.answers = policyFor(arguments.answers, run.count("--answers") > 0);
     return options;
 }
 
@@ -163,13 +163,13 @@ void addMacFlag(CLI::App& app) {
 
 void describeRun(CLI::App& run, RunArguments& arguments) {
     RunOptions& options = arguments.options;
-    run.add_option("BUNDLE", options.bundle, "The folder of the bundle")->type_name("DIR")->required();
+    run.add_option("BUNDLE", options.plan.bundle, "The folder of the bundle")->type_name("DIR")->required();
     describeBlock(run, arguments);
-    run.add_flag("--direct", options.isDirect, "Call the exported PreInstall and PostInstall by name");
-    run.add_option("--volume", options.volume,
+    run.add_flag("--direct", options.plan.isDirect, "Call the exported PreInstall and PostInstall by name");
+    run.add_option("--volume", options.plan.volume,
                    "Directory that stands for the startup volume (default: a scratch sample volume)")
         ->type_name("DIR");
-    run.add_flag("--dry-run", options.isDryRun, "Work on a scratch copy of the volume");
+    run.add_flag("--dry-run", options.plan.isDryRun, "Work on a scratch copy of the volume");
     run.add_option("--answers", arguments.answers,
                    "Who answers alerts: ask (the user, on the terminal; the default on a terminal), desktop "
                    "(the user, in "
@@ -178,8 +178,8 @@ void describeRun(CLI::App& run, RunArguments& arguments) {
                    "alert, separated by commas")
         ->type_name("WHO");
     addMacFlag(run);
-    run.add_flag("--trace", options.hasTrace, "Print every platform call in order");
-    addNumber(run, "--timeout", options.secondsPerCall, parseSeconds,
+    run.add_flag("--trace", options.plan.hasTrace, "Print every platform call in order");
+    addNumber(run, "--timeout", options.plan.secondsPerCall, parseSeconds,
               "Time limit of one call in seconds (default 10)");
     run.add_flag("--json", options.isJson, "Print one JSON document");
     run.footer(kRunFooter);

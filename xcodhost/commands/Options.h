@@ -2,7 +2,7 @@
 
 /// Declares the options of each command, and the parser of the command line.
 
-#include "alert/AlertResponder.h"
+#include "run/BundleRun.h"
 #include "volume/SampleVolume.h"
 
 #include <cstdint>
@@ -15,19 +15,13 @@ namespace xcodhost {
 
 /// The options of `run`.
 struct RunOptions {
-    std::string bundle;
+    RunPlan plan;                        ///< Without the parameter blocks.
     std::optional<std::int32_t> product; ///< Present if `blockFile` is empty.
     std::int32_t language = 0;
     std::uint16_t selector = 1000;
     std::vector<std::uint16_t> messages; ///< One delivery for each message, in this order.
     std::string blockFile;               ///< Empty: the four values above fill the parameter blocks.
-    bool isDirect = false;               ///< Call PreInstall and PostInstall, not the main entry.
-    std::string volume;                  ///< Empty: a temporary sample volume.
-    bool isDryRun = false;
-    AlertPolicy answers;
-    bool hasTrace = false;
     bool isJson = false;
-    double secondsPerCall = 10;
 };
 
 /// The options of `show`.

@@ -3,9 +3,9 @@
 #include "DisplayText.h"
 #include "MarkupText.h"
 #include "ValidateReport.h"
-#include "commands/RunCommand.h"
 #include "contract/PluginContract.h"
 #include "contract/ProductContract.h"
+#include "run/BundleRun.h"
 
 #include <algorithm>
 
@@ -143,12 +143,12 @@ std::string volumeTables(const BundleResult& bundle) {
     if (!hasPassed(bundle, "dispatch.pre-install") || !hasPassed(bundle, "dispatch.post-install")) return {};
     std::string text = element("h3", "The volume before and after an installation in French");
     for (const ProductContract& product : kProducts) {
-        RunOptions options;
-        options.bundle = bundle.bundle;
-        options.product = product.code;
-        options.language = 1;
-        options.messages = {kPreInstall, kPostInstall};
-        const RunResult run = RunBundle(options);
+        RunPlan plan;
+        plan.bundle = bundle.bundle;
+        for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
+            plan.blocks.emplace_back(kInstallerSelector, message, product.code, 1);
+        }
+        const RunResult run = RunBundle(plan);
         const std::string title = std::to_string(product.code) + ' ' + product.shortName + ": " +
                                   Counted(run.changes.Count(), "change");
         text += element("details" + std::string(product.code == kProducts.front().code ? " open" : ""),
