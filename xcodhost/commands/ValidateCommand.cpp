@@ -3,6 +3,7 @@
 #include "Console.h"
 #include "DisplayText.h"
 #include "process/Interruption.h"
+#include "run/BundleRun.h"
 #include "validate/report/HtmlPage.h"
 #include "validate/report/JUnitReport.h"
 #include "validate/report/ValidateReport.h"
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <memory>
 #include <sched.h>
+#include <string_view>
 #include <unistd.h>
 
 namespace xcodhost {
@@ -64,6 +66,28 @@ private:
     bool isTerminal = isatty(STDERR_FILENO) == 1;
 };
 
+bool hasPassed(const BundleResult& bundle, std::string_view id) {
+    return std::any_of(bundle.checks.begin(), bundle.checks.end(), [&](const CheckResult& one) {
+        return one.state == CheckResult::State::kPassed && one.check->id == id;
+    });
+}
+
+/// Delivers both events for each product on a new sample volume. Returns nothing unless the checks have shown
+/// that both events return. Uses French, because most language codes mean English.
+std::vector<Installation> installEachProduct(const BundleResult& bundle) {
+    if (!hasPassed(bundle, "dispatch.pre-install") || !hasPassed(bundle, "dispatch.post-install")) return {};
+    std::vector<Installation> installations;
+    for (const ProductContract& product : kProducts) {
+        RunPlan plan;
+        plan.bundle = bundle.bundle;
+        for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
+            plan.blocks.emplace_back(kInstallerSelector, message, product.code, 1);
+        }
+        installations.push_back({product, RunBundle(plan).changes});
+    }
+    return installations;
+}
+
 void writeFile(const std::string& path, const std::string& text) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"), &std::fclose);
     if (!file || std::fwrite(text.data(), 1, text.size(), file.get()) != text.size() ||
@@ -102,7 +126,10 @@ ExitStatus ValidateCommand(const ValidateOptions& options) {
     for (const BundleResult& result : results) all.push_back(&result);
     const ValidationVerdict verdict = VerdictOf(all);
     if (!options.junitFile.empty()) writeFile(options.junitFile, JUnitReport(results));
-    if (!options.htmlFile.empty()) writeFile(options.htmlFile, HtmlPage(results, verdict));
+    if (!options.htmlFile.empty()) {
+        for (BundleResult& result : results) result.installations = installEachProduct(result);
+        writeFile(options.htmlFile, HtmlPage(results, verdict));
+    }
     WriteResult(options.isJson ? ValidateReportJson(results, verdict)
                                : ValidateReport(results, verdict, Style()));
     return verdict.status;

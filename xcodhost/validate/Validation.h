@@ -5,8 +5,10 @@
 
 #include "Check.h"
 #include "ExitStatus.h"
+#include "contract/ProductContract.h"
 #include "process/Child.h"
 #include "process/Messages.h"
+#include "volume/Changes.h"
 
 #include <cstddef>
 #include <functional>
@@ -37,11 +39,18 @@ struct CheckResult {
     double seconds = 0;
 };
 
+/// The changes that an installation of a product in French made on a sample volume.
+struct Installation {
+    ProductContract product;
+    Changes changes;
+};
+
 /// The results of all checks of a bundle.
 struct BundleResult {
     std::string bundle; ///< The path as the user gave it.
     std::vector<CheckResult> checks;
-    std::vector<TableCell> table; ///< The languages that post-install stored.
+    std::vector<TableCell> table;            ///< The languages that post-install stored.
+    std::vector<Installation> installations; ///< One for each product. `Validate` leaves it empty.
 
     std::size_t Count(CheckResult::State state) const;
     const CheckResult* FirstFailure() const; ///< Null if no check failed.

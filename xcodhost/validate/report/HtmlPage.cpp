@@ -3,11 +3,10 @@
 #include "DisplayText.h"
 #include "MarkupText.h"
 #include "ValidateReport.h"
-#include "contract/PluginContract.h"
 #include "contract/ProductContract.h"
-#include "run/BundleRun.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace xcodhost {
 
@@ -131,28 +130,16 @@ std::string changeTable(const Changes& changes) {
     return element("table", "<tr><th>Where</th><th>Before</th><th>After</th></tr>\n" + rows);
 }
 
-bool hasPassed(const BundleResult& bundle, const char* id) {
-    return std::any_of(bundle.checks.begin(), bundle.checks.end(), [&](const CheckResult& one) {
-        return one.state == State::kPassed && std::string(one.check->id) == id;
-    });
-}
-
-/// Runs both events for each product on a new sample volume. Uses French, because most
-/// language codes mean English.
-std::string volumeTables(const BundleResult& bundle) {
-    if (!hasPassed(bundle, "dispatch.pre-install") || !hasPassed(bundle, "dispatch.post-install")) return {};
+std::string volumeTables(const std::vector<Installation>& installations) {
+    if (installations.empty()) return {};
     std::string text = element("h3", "The volume before and after an installation in French");
-    for (const ProductContract& product : kProducts) {
-        RunPlan plan;
-        plan.bundle = bundle.bundle;
-        for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
-            plan.blocks.emplace_back(kInstallerSelector, message, product.code, 1);
-        }
-        const RunResult run = RunBundle(plan);
-        const std::string title = std::to_string(product.code) + ' ' + product.shortName + ": " +
-                                  Counted(run.changes.Count(), "change");
-        text += element("details" + std::string(product.code == kProducts.front().code ? " open" : ""),
-                        element("summary", MarkupText(title)) + changeTable(run.changes));
+    std::string attribute = " open";
+    for (const Installation& installation : installations) {
+        const std::string title = std::to_string(installation.product.code) + ' ' +
+                                  installation.product.shortName + ": " +
+                                  Counted(installation.changes.Count(), "change");
+        text += element("details" + std::exchange(attribute, {}),
+                        element("summary", MarkupText(title)) + changeTable(installation.changes));
     }
     return text;
 }
@@ -169,7 +156,7 @@ std::string HtmlPage(const std::vector<BundleResult>& bundles, const ValidationV
     for (const BundleResult& bundle : bundles) {
         body += element("h2", MarkupText(bundle.bundle));
         if (bundles.size() > 1) body += verdictBanner(VerdictOf(bundle));
-        body += checkTable(bundle) + languageTable(bundle) + volumeTables(bundle);
+        body += checkTable(bundle) + languageTable(bundle) + volumeTables(bundle.installations);
     }
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +

@@ -8,8 +8,7 @@
 namespace xcodhost {
 
 /// Returns an HTML page without external files: the verdict, the checks, the table of products and languages,
-/// and the changes that an installation of each product makes on a sample volume. Runs the bundle once for
-/// each product to find these changes, if both events return.
+/// and the changes that an installation of each product made.
 std::string HtmlPage(const std::vector<BundleResult>& bundles, const ValidationVerdict& verdict);
 
 } // namespace xcodhost
