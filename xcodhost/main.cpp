@@ -1,44 +1,81 @@
 #include "Console.h"
 #include "ExitStatus.h"
 #include "JsonDocument.h"
-#include "commands/ChecksCommand.h"
-#include "commands/InfoCommand.h"
-#include "commands/Options.h"
-#include "commands/RunCommand.h"
-#include "commands/ShowCommand.h"
-#include "commands/ValidateCommand.h"
-#include "commands/VolumeCommand.h"
+#include "commands/Command.h"
 #include "process/Interruption.h"
 #include "process/Supervisor.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
+#include <array>
 #include <exception>
+#include <sstream>
 #include <string_view>
+
+#ifndef XCODHOST_VERSION
+#error "the build files must define the version"
+#endif
 
 namespace {
 
 using namespace xcodhost;
 
-struct Execute {
-    ExitStatus operator()(const HelpText& help) const {
-        WriteResult(help.text);
-        return ExitStatus::kDone;
-    }
-    ExitStatus operator()(const RunOptions& options) const { return RunCommand(options); }
-    ExitStatus operator()(const ValidateOptions& options) const { return ValidateCommand(options); }
-    ExitStatus operator()(const ListChecksOptions& options) const { return ListChecksCommand(options); }
-    ExitStatus operator()(const ExplainOptions& options) const { return ExplainCommand(options); }
-    ExitStatus operator()(const ShowOptions& options) const { return ShowCommand(options); }
-    ExitStatus operator()(const VolumeOptions& options) const { return VolumeCommand(options); }
-    ExitStatus operator()(const InfoOptions& options) const { return InfoCommand(options); }
-};
+constexpr std::array kCommands = {&kRunCommand,  &kValidateCommand, &kShowCommand,   &kVolumeCommand,
+                                  &kInfoCommand, &kListCommand,     &kExplainCommand};
+
+bool isJsonWanted(int argc, const char* const* argv) {
+    return std::any_of(argv, argv + argc, [](std::string_view argument) { return argument == "--json"; });
+}
 
 /// Returns whether an argument is the name of a command that runs bundles. `main` calls this function before
 /// it parses the command line: the fork of the supervisor process then copies less memory. If the argument is
 /// not the command, the only effect is one unnecessary process.
 bool mayRunBundles(int argc, const char* const* argv) {
-    return std::any_of(argv, argv + argc,
-                       [](std::string_view argument) { return argument == "run" || argument == "validate"; });
+    return std::any_of(argv, argv + argc, [](std::string_view argument) {
+        return std::any_of(kCommands.begin(), kCommands.end(), [&](const Command* command) {
+            return command->runsBundles && command->name == argument;
+        });
+    });
+}
+
+/// Returns the error of the parser as one line.
+UsageError fromParser(const CLI::ParseError& error) {
+    std::string text = error.what();
+    for (char& c : text) {
+        if (c == '\n') c = ' ';
+    }
+    return UsageError(text + "; see xcodhost --help");
+}
+
+/// Parses the command line and executes its command.
+ExitStatus execute(int argc, const char* const* argv) {
+    CLI::App app(
+        "Loads an installer plug-in as the installer does, delivers events to it, and reports its effects.\n"
+        "A directory stands for the startup volume.",
+        "xcodhost");
+    app.set_version_flag("--version", "xcodhost " XCODHOST_VERSION);
+    app.require_subcommand(1);
+    Work work;
+    for (const Command* command : kCommands) {
+        CLI::App* const parser = app.add_subcommand(command->name, command->summary);
+        // Only the options of the given command are made.
+        parser->preparse_callback(
+            [&work, command, parser](std::size_t) { work = command->describe(*parser); });
+    }
+    // Set last: a command that is added later inherits the footer.
+    app.footer("xcodhost COMMAND --help prints the options of a command, and examples.");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) {
+        std::ostringstream out;
+        app.exit(request, out, out);
+        WriteResult(out.str());
+        return ExitStatus::kDone;
+    } catch (const CLI::ParseError& error) {
+        throw fromParser(error);
+    }
+    return work();
 }
 
 int reportFailure(ExitStatus status, const std::string& text, bool isJson) {
@@ -52,8 +89,8 @@ int reportFailure(ExitStatus status, const std::string& text, bool isJson) {
 
 /// Returns the exit status of `work`. Reports an exception and returns its exit status. Ends the process with
 /// the signal if a signal interrupted `work`.
-template <typename Work>
-int guarded(bool isJson, Work work) {
+template <typename Function>
+int guarded(bool isJson, Function work) {
     try {
         return work();
     } catch (const Interrupted& interrupted) {
@@ -69,10 +106,7 @@ int guarded(bool isJson, Work work) {
 
 int main(int argc, char** argv) {
     PrepareStandardStreams();
-    const bool isJson = WantsJson(argc, argv);
-    const auto work = [&] {
-        return guarded(isJson,
-                       [&] { return static_cast<int>(std::visit(Execute(), ParseCommandLine(argc, argv))); });
-    };
+    const bool isJson = isJsonWanted(argc, argv);
+    const auto work = [&] { return guarded(isJson, [&] { return static_cast<int>(execute(argc, argv)); }); };
     return mayRunBundles(argc, argv) ? guarded(isJson, [&] { return RunInSupervisor(work); }) : work();
 }

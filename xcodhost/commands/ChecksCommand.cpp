@@ -1,11 +1,14 @@
-#include "ChecksCommand.h"
-
+#include "Command.h"
 #include "Console.h"
 #include "DisplayText.h"
 #include "JsonDocument.h"
+#include "SharedOptions.h"
 #include "validate/Check.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
+#include <memory>
 #include <string>
 
 namespace xcodhost {
@@ -39,9 +42,7 @@ std::string explanation(const Check& check, const Style& style) {
     return text + "repeat      xcodhost validate BUNDLE --include " + check.id + '\n';
 }
 
-} // namespace
-
-ExitStatus ListChecksCommand(const ListChecksOptions& options) {
+ExitStatus listChecks(bool isJson) {
     std::string text;
     Json document = {{"command", "list checks"}, {"checks", Json::array()}, {"exitStatus", 0}};
     for (const Check& check : AllChecks()) {
@@ -49,15 +50,43 @@ ExitStatus ListChecksCommand(const ListChecksOptions& options) {
         text += id + std::string(id.size() < 30 ? 30 - id.size() : 1, ' ') + ' ' + check.sentence + '\n';
         document["checks"].push_back(toJson(check));
     }
-    WriteResult(options.isJson ? DumpDocument(document) : text);
+    WriteResult(isJson ? DumpDocument(document) : text);
     return ExitStatus::kDone;
 }
 
-ExitStatus ExplainCommand(const ExplainOptions& options) {
+struct ExplainOptions {
+    std::string check; ///< An id.
+    bool isJson = false;
+};
+
+ExitStatus explain(const ExplainOptions& options) {
     const Check& check = checkNamed(options.check);
     Json document = {{"command", "explain"}, {"check", toJson(check)}, {"exitStatus", 0}};
     WriteResult(options.isJson ? DumpDocument(document) : explanation(check, Style()));
     return ExitStatus::kDone;
 }
+
+Work describeList(CLI::App& parser) {
+    const auto isJson = std::make_shared<bool>(false);
+    CLI::App* const checks =
+        parser.add_subcommand("checks", "Print the id and the requirement of every check");
+    AddJson(*checks, *isJson);
+    parser.require_subcommand(1);
+    parser.footer("Example:\n  xcodhost list checks");
+    return [isJson] { return listChecks(*isJson); };
+}
+
+Work describeExplain(CLI::App& parser) {
+    const auto options = std::make_shared<ExplainOptions>();
+    parser.add_option("ID", options->check, "The id of the check")->type_name("")->required();
+    AddJson(parser, options->isJson);
+    parser.footer("Example:\n  xcodhost explain steps.alert");
+    return [options] { return explain(*options); };
+}
+
+} // namespace
+
+const Command kListCommand = {"list", "List the checks of validate", &describeList};
+const Command kExplainCommand = {"explain", "Explain the requirement of a check", &describeExplain};
 
 } // namespace xcodhost

@@ -1,11 +1,14 @@
-#include "InfoCommand.h"
-
+#include "Command.h"
 #include "Console.h"
 #include "DisplayText.h"
 #include "JsonDocument.h"
+#include "SharedOptions.h"
 #include "bundle/BundleInfo.h"
 #include "contract/PluginContract.h"
 
+#include <CLI/CLI.hpp>
+
+#include <memory>
 #include <set>
 #include <strings.h>
 
@@ -99,12 +102,28 @@ std::string infoJson(const BundleInfo& info) {
     return DumpDocument(document);
 }
 
-} // namespace
+struct InfoOptions {
+    std::string bundle;
+    bool isJson = false;
+};
 
-ExitStatus InfoCommand(const InfoOptions& options) {
+ExitStatus printInfo(const InfoOptions& options) {
     const BundleInfo info = ReadBundle(options.bundle);
     WriteResult(options.isJson ? infoJson(info) : infoText(info, Style()));
     return ExitStatus::kDone;
 }
+
+Work describeInfo(CLI::App& parser) {
+    const auto options = std::make_shared<InfoOptions>();
+    parser.add_option("BUNDLE", options->bundle, "The folder of the bundle")->type_name("DIR")->required();
+    AddJson(parser, options->isJson);
+    parser.footer("Example:\n  xcodhost info PostInstall.bundle");
+    return [options] { return printInfo(*options); };
+}
+
+} // namespace
+
+const Command kInfoCommand = {"info", "Print the contents of a bundle without loading its code",
+                              &describeInfo};
 
 } // namespace xcodhost

@@ -1,17 +1,25 @@
-#include "ShowCommand.h"
-
+#include "Command.h"
 #include "Console.h"
 #include "DisplayText.h"
 #include "JsonDocument.h"
+#include "SharedOptions.h"
 #include "volume/Changes.h"
 #include "volume/VolumeFolder.h"
 #include "volume/VolumeState.h"
 
+#include <CLI/CLI.hpp>
+
+#include <memory>
 #include <utility>
 
 namespace xcodhost {
 
 namespace {
+
+struct ShowOptions {
+    std::string volume;
+    bool isJson = false;
+};
 
 std::vector<std::string> problemsOf(const VolumeState& state) {
     std::vector<std::string> problems = state.problems;
@@ -69,12 +77,24 @@ std::string showJson(const VolumeState& state, const std::string& volume) {
     return DumpDocument(document);
 }
 
-} // namespace
-
-ExitStatus ShowCommand(const ShowOptions& options) {
+ExitStatus show(const ShowOptions& options) {
     const VolumeState state = ReadVolume(VolumeFolder(options.volume));
     WriteResult(options.isJson ? showJson(state, options.volume) : showText(state));
     return ExitStatus::kDone;
 }
+
+Work describeShow(CLI::App& parser) {
+    const auto options = std::make_shared<ShowOptions>();
+    parser.add_option("--volume", options->volume, "Directory that stands for the startup volume")
+        ->type_name("DIR")
+        ->required();
+    AddJson(parser, options->isJson);
+    parser.footer("Example:\n  xcodhost show --volume vol");
+    return [options] { return show(*options); };
+}
+
+} // namespace
+
+const Command kShowCommand = {"show", "Print the preferences and Finder flags on a volume", &describeShow};
 
 } // namespace xcodhost

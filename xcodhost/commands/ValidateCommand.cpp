@@ -1,12 +1,14 @@
-#include "ValidateCommand.h"
-
+#include "Command.h"
 #include "Console.h"
 #include "DisplayText.h"
+#include "SharedOptions.h"
 #include "process/Interruption.h"
 #include "run/BundleRun.h"
 #include "validate/report/HtmlPage.h"
 #include "validate/report/JUnitReport.h"
 #include "validate/report/ValidateReport.h"
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,6 +23,18 @@ namespace xcodhost {
 
 namespace {
 
+struct ValidateOptions {
+    std::vector<std::string> bundles;
+    std::vector<std::string> include; ///< Ids, groups or shell patterns. Empty: all checks.
+    std::vector<std::string> exclude;
+    std::string junitFile; ///< Empty: no file.
+    std::string htmlFile;  ///< Empty: no file.
+    bool hasTrace = false;
+    bool isJson = false;
+    double secondsPerCall = 10;
+    unsigned atOnce = 0; ///< The number of checks that run at the same time. 0: one for each processor.
+};
+
 /// Returns the number of processors that this process may use.
 unsigned processors() {
     cpu_set_t allowed;
@@ -33,12 +47,10 @@ std::vector<const Check*> selectedChecks(const ValidateOptions& options) {
     std::vector<const Check*> checks = MatchingChecks(options.include);
     if (options.exclude.empty()) return checks;
     const auto excluded = MatchingChecks(options.exclude);
-    checks.erase(std::remove_if(checks.begin(), checks.end(),
-                                [&](const Check* check) {
-                                    return std::find(excluded.begin(), excluded.end(), check) !=
-                                           excluded.end();
-                                }),
-                 checks.end());
+    const auto isExcluded = [&](const Check* check) {
+        return std::find(excluded.begin(), excluded.end(), check) != excluded.end();
+    };
+    checks.erase(std::remove_if(checks.begin(), checks.end(), isExcluded), checks.end());
     return checks;
 }
 
@@ -104,9 +116,7 @@ void expectWritable(const std::string& path) {
     if (!file) throw UsageError(ToolFault::FromErrno(Printable(path)).what());
 }
 
-} // namespace
-
-ExitStatus ValidateCommand(const ValidateOptions& options) {
+ExitStatus validate(const ValidateOptions& options) {
     expectWritable(options.junitFile);
     expectWritable(options.htmlFile);
     ValidationPlan plan;
@@ -134,5 +144,42 @@ ExitStatus ValidateCommand(const ValidateOptions& options) {
                                : ValidateReport(results, verdict, Style()));
     return verdict.status;
 }
+
+Work describeValidate(CLI::App& parser) {
+    const auto options = std::make_shared<ValidateOptions>();
+    parser.add_option("BUNDLE", options->bundles, "The folders of one or more bundles")
+        ->type_name("DIR")
+        ->required();
+    parser
+        .add_option("--include", options->include,
+                    "Run these checks only: ids, groups such as steps, or shell patterns such as 'steps.*'")
+        ->type_name("ID");
+    parser.add_option("--exclude", options->exclude, "Do not run these checks")->type_name("ID");
+    AddMac(parser);
+    parser.add_flag("--trace", options->hasTrace, "Print every step and expectation of the checks in order");
+    AddJson(parser, options->isJson);
+    parser.add_option("--junit", options->junitFile, "Write the results for a build server to this file")
+        ->type_name("FILE");
+    parser.add_option("--html", options->htmlFile, "Write one page for a browser to this file")
+        ->type_name("FILE");
+    AddTimeout(parser, options->secondsPerCall, "; a check may take twenty times as long");
+    AddInteger<std::uint8_t, 1>(
+        parser, "--jobs", options->atOnce,
+        "Number of checks that run at the same time (default: the number of processors)");
+    parser.footer(
+        "Examples:\n"
+        "  xcodhost validate PostInstall.bundle\n"
+        "  xcodhost validate PostInstall.bundle --include steps --exclude steps.answer\n"
+        "  xcodhost validate PostInstall.bundle --junit results.xml --html results.html\n\n"
+        "Exit status: 0 all checks passed, 1 a check failed, 2 wrong usage, 3 the bundle cannot be loaded,\n"
+        "4 it crashed or let an exception out, 5 time limit, 70 a fault of the tool itself.\n"
+        "If several checks fail, the first of them decides.");
+    return [options] { return validate(*options); };
+}
+
+} // namespace
+
+const Command kValidateCommand = {"validate", "Check bundles against the plug-in contract", &describeValidate,
+                                  true};
 
 } // namespace xcodhost
