@@ -131,10 +131,7 @@ ExitStatus validate(const ValidateOptions& options) {
         Progress progress(bundle, plan.checks.size());
         results.push_back(Validate(plan, interruption, [&](std::size_t done) { progress.Show(done); }));
     }
-    std::vector<const BundleResult*> all;
-    all.reserve(results.size());
-    for (const BundleResult& result : results) all.push_back(&result);
-    const ValidationVerdict verdict = VerdictOf(all);
+    const ValidationVerdict verdict = VerdictOf(results.data(), results.size());
     if (!options.junitFile.empty()) writeFile(options.junitFile, JUnitReport(results));
     if (!options.htmlFile.empty()) {
         for (BundleResult& result : results) result.installations = installEachProduct(result);

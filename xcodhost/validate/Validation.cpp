@@ -248,11 +248,11 @@ const CheckResult* BundleResult::FirstFailure() const {
     return failure == checks.end() ? nullptr : &*failure;
 }
 
-ValidationVerdict VerdictOf(const std::vector<const BundleResult*>& bundles) {
+ValidationVerdict VerdictOf(const BundleResult* bundles, std::size_t count) {
     std::size_t passed = 0;
     std::size_t failed = 0;
     const CheckResult* first = nullptr;
-    for (const BundleResult* bundle : bundles) {
+    for (const BundleResult* bundle = bundles; bundle != bundles + count; ++bundle) {
         passed += bundle->Count(CheckResult::State::kPassed);
         failed += bundle->Count(CheckResult::State::kFailed);
         if (!first) first = bundle->FirstFailure();

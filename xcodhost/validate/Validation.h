@@ -64,7 +64,7 @@ struct ValidationVerdict {
     std::string text;
 };
 /// Returns the verdict on the bundles.
-ValidationVerdict VerdictOf(const std::vector<const BundleResult*>& bundles);
+ValidationVerdict VerdictOf(const BundleResult* bundles, std::size_t count);
 
 /// The checks to run on a bundle.
 struct ValidationPlan {

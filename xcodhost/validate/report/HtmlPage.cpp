@@ -155,7 +155,7 @@ std::string HtmlPage(const std::vector<BundleResult>& bundles, const ValidationV
     std::string body = element("h1", "Plug-in validation") + verdictBanner(verdict);
     for (const BundleResult& bundle : bundles) {
         body += element("h2", MarkupText(bundle.bundle));
-        if (bundles.size() > 1) body += verdictBanner(VerdictOf(bundle));
+        if (bundles.size() > 1) body += verdictBanner(VerdictOf(&bundle, 1));
         body += checkTable(bundle) + languageTable(bundle) + volumeTables(bundle.installations);
     }
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"

@@ -84,7 +84,7 @@ Json toJson(const BundleResult& bundle) {
                                       {"stored", cell.seen},
                                       {"right", cell.isRight}});
     }
-    const ValidationVerdict verdict = VerdictOf(bundle);
+    const ValidationVerdict verdict = VerdictOf(&bundle, 1);
     value["verdict"] = verdict.text;
     value["exitStatus"] = static_cast<int>(verdict.status);
     return value;
@@ -97,7 +97,7 @@ std::string ValidateReport(const std::vector<BundleResult>& bundles, const Valid
     std::string text;
     for (const BundleResult& bundle : bundles) {
         text += bundleText(bundle, style);
-        if (bundles.size() > 1) text += VerdictOf(bundle).text + "\n\n";
+        if (bundles.size() > 1) text += VerdictOf(&bundle, 1).text + "\n\n";
     }
     const bool isGood = verdict.status == ExitStatus::kDone;
     return text + (isGood ? style.Good(verdict.text) : style.Bad(verdict.text)) + '\n';
@@ -132,10 +132,6 @@ std::string RepeatCommand(const std::string& bundle, const CheckResult& result) 
 
 const char* StateName(CheckResult::State state) {
     return state == State::kPassed ? "passed" : state == State::kFailed ? "failed" : "not run";
-}
-
-ValidationVerdict VerdictOf(const BundleResult& bundle) {
-    return VerdictOf(std::vector<const BundleResult*>{&bundle});
 }
 
 } // namespace xcodhost

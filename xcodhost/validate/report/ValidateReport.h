@@ -26,7 +26,4 @@ std::string RepeatCommand(const std::string& bundle, const CheckResult& result);
 /// Returns "passed", "failed" or "not run".
 const char* StateName(CheckResult::State state);
 
-/// Returns the verdict on one bundle.
-ValidationVerdict VerdictOf(const BundleResult& bundle);
-
 } // namespace xcodhost
