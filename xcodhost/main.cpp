@@ -1,4 +1,5 @@
 #include "Console.h"
+#include "DisplayText.h"
 #include "ExitStatus.h"
 #include "JsonDocument.h"
 #include "commands/Command.h"
@@ -10,8 +11,11 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <numeric>
 #include <sstream>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #ifndef XCODHOST_VERSION
 #error "the build files must define the version"
@@ -39,9 +43,40 @@ bool mayRunBundles(int argc, const char* const* argv) {
     });
 }
 
+/// Returns how many characters must be inserted, removed or replaced to turn one word into the other.
+std::size_t distance(std::string_view one, std::string_view other) {
+    std::vector<std::size_t> row(other.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < one.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < other.size(); ++j) {
+            const std::size_t replaced = diagonal + (one[i] == other[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+/// Returns the error for a word in the place of a command, or an empty string if there is no such word.
+std::string unknownCommand(const CLI::App& app) {
+    const CLI::App* parser = &app;
+    while (!parser->get_subcommands().empty()) parser = parser->get_subcommands().front();
+    const auto commands = parser->get_subcommands([](const CLI::App*) { return true; });
+    const std::vector<std::string> words = parser->remaining();
+    const auto word = std::find_if(words.begin(), words.end(),
+                                   [](const std::string& one) { return one.rfind('-', 0) != 0; });
+    if (commands.empty() || word == words.end()) return {};
+    const auto* nearest = *std::min_element(commands.begin(), commands.end(), [&](auto* one, auto* other) {
+        return distance(*word, one->get_name()) < distance(*word, other->get_name());
+    });
+    return "command " + PrintableQuoted(*word) + ": unknown; the nearest is " + nearest->get_name();
+}
+
 /// Returns the error of the parser as one line.
-UsageError fromParser(const CLI::ParseError& error) {
-    std::string text = error.what();
+UsageError fromParser(const CLI::ParseError& error, const CLI::App& app) {
+    std::string text = unknownCommand(app);
+    if (text.empty()) text = error.what();
     for (char& c : text) {
         if (c == '\n') c = ' ';
     }
@@ -73,7 +108,7 @@ ExitStatus execute(int argc, const char* const* argv) {
         WriteResult(out.str());
         return ExitStatus::kDone;
     } catch (const CLI::ParseError& error) {
-        throw fromParser(error);
+        throw fromParser(error, app);
     }
     return work();
 }
