@@ -142,26 +142,21 @@ public:
             result.checks.emplace_back();
             result.checks.back().check = check;
         }
-        waiting.resize(result.checks.size());
-        for (std::size_t i = 0; i < waiting.size(); ++i) waiting[i] = i;
+        phases.resize(result.checks.size(), Phase::kWaiting);
     }
 
     void Run(const std::function<void(std::size_t)>& onProgress) {
-        while (!waiting.empty() || children.Count() > 0) {
+        for (std::size_t done = 0; done < phases.size(); onProgress(done)) {
             while (children.Count() < plan.atOnce && StartOne()) {
             }
             if (children.Count() > 0) children.Serve();
-            onProgress(result.checks.size() - waiting.size() - children.Count());
+            done = static_cast<std::size_t>(std::count(phases.begin(), phases.end(), Phase::kDone));
         }
     }
 
 private:
+    enum class Phase { kWaiting, kRunning, kDone };
     enum class Readiness { kReady, kMustWait, kNever };
-
-    bool IsPending(std::size_t place) const {
-        return std::find(waiting.begin(), waiting.end(), place) != waiting.end() ||
-               std::find(running.begin(), running.end(), place) != running.end();
-    }
 
     /// Returns whether a check can start. Sets its `reason` if it can never start. Ignores dependencies that
     /// are not part of the plan.
@@ -172,7 +167,7 @@ private:
                 std::find_if(result.checks.begin(), result.checks.end(),
                              [&](const CheckResult& other) { return other.check->id == id; });
             if (dependency == result.checks.end()) continue;
-            if (IsPending(static_cast<std::size_t>(dependency - result.checks.begin()))) {
+            if (phases[static_cast<std::size_t>(dependency - result.checks.begin())] != Phase::kDone) {
                 readiness = Readiness::kMustWait;
             } else if (dependency->state != CheckResult::State::kPassed) {
                 one.reason = "depends on " + id;
@@ -184,16 +179,12 @@ private:
 
     /// Starts the next check that is ready. Returns false if no check is ready.
     bool StartOne() {
-        for (auto place = waiting.begin(); place != waiting.end();) {
-            const Readiness readiness = ReadinessOf(result.checks[*place]);
-            if (readiness == Readiness::kMustWait) {
-                ++place;
-                continue;
-            }
-            const std::size_t chosen = *place;
-            place = waiting.erase(place);
-            if (readiness == Readiness::kNever) continue;
-            Start(chosen);
+        for (std::size_t place = 0; place < phases.size(); ++place) {
+            if (phases[place] != Phase::kWaiting) continue;
+            const Readiness readiness = ReadinessOf(result.checks[place]);
+            if (readiness == Readiness::kNever) phases[place] = Phase::kDone;
+            if (readiness != Readiness::kReady) continue;
+            Start(place);
             return true;
         }
         return false;
@@ -211,7 +202,7 @@ private:
             [record](Message&& message) { record->Take(std::move(message)); },
             [](macplatform::Alert&&) { return -1; }, // the child process answers the alerts
             [record](std::string_view printed) { record->Receive(printed); }};
-        running.push_back(place);
+        phases[place] = Phase::kRunning;
         children.Start(
             [&](const Channel& channel) {
                 runCheck(*one.check, {path, folder, plan.isTraced}, channel);
@@ -219,7 +210,7 @@ private:
             limits, std::move(listener),
             [this, record, place, folder](const ChildEnd& end) {
                 record->End(end);
-                running.erase(std::find(running.begin(), running.end(), place));
+                phases[place] = Phase::kDone;
                 std::error_code ignored;
                 std::filesystem::remove_all(folder, ignored);
             });
@@ -230,8 +221,7 @@ private:
     ScratchFolder scratch{ScratchFolder::Use::kSamples}; // declared before the children: it must outlive them
     Children children;
     std::string path;
-    std::vector<std::size_t> waiting; ///< Indexes of `result.checks`, in order.
-    std::vector<std::size_t> running;
+    std::vector<Phase> phases; ///< One for each element of `result.checks`.
 };
 
 } // namespace
