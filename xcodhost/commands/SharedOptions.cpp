@@ -35,35 +35,30 @@ std::int64_t parseInteger(const std::string& name, const std::string& text, std:
     return value;
 }
 
-double parseSeconds(const std::string& name, const std::string& text) {
+double parseSeconds(const std::string& text) {
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size() || !(value > 0) || value > kLongestLimit) {
-        throw UsageError(name + ": " + PrintableQuoted(text) +
+        throw UsageError("--timeout: " + PrintableQuoted(text) +
                          " is not a number of seconds above 0 and up to 86400");
     }
     return value;
-}
-
-void addNumber(CLI::App& parser, const std::string& name,
-               const std::function<void(const std::string&)>& accept, const std::string& description) {
-    parser.add_option_function<std::string>(name, accept, description)->type_name("N");
 }
 
 } // namespace
 
 void AddInteger(CLI::App& parser, const std::string& name, std::int64_t lowest, std::int64_t highest,
                 const std::function<void(std::int64_t)>& accept, const std::string& description) {
-    addNumber(
-        parser, name, [=](const std::string& text) { accept(parseInteger(name, text, lowest, highest)); },
-        description);
+    const auto parse = [=](const std::string& text) { accept(parseInteger(name, text, lowest, highest)); };
+    parser.add_option_function<std::string>(name, parse, description)->type_name("N");
 }
 
 void AddTimeout(CLI::App& parser, double& seconds, const std::string& remark) {
-    addNumber(
-        parser, "--timeout",
-        [&seconds](const std::string& text) { seconds = parseSeconds("--timeout", text); },
-        "Time limit of one call in seconds (default 10)" + remark);
+    const auto parse = [&seconds](const std::string& text) { seconds = parseSeconds(text); };
+    parser
+        .add_option_function<std::string>("--timeout", parse,
+                                          "Time limit of one call in seconds (default 10)" + remark)
+        ->type_name("N");
 }
 
 void AddJson(CLI::App& parser, bool& isJson) { parser.add_flag("--json", isJson, "Print one JSON document"); }

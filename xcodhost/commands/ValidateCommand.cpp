@@ -11,7 +11,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -29,10 +28,8 @@ struct ValidateOptions {
     std::vector<std::string> exclude;
     std::string junitFile; ///< Empty: no file.
     std::string htmlFile;  ///< Empty: no file.
-    bool hasTrace = false;
+    ValidationPlan plan;   ///< Without the bundle and its checks.
     bool isJson = false;
-    double secondsPerCall = 10;
-    unsigned atOnce = 0; ///< The number of checks that run at the same time. 0: one for each processor.
 };
 
 /// Returns the number of processors that this process may use.
@@ -78,17 +75,16 @@ private:
     bool isTerminal = isatty(STDERR_FILENO) == 1;
 };
 
-bool hasPassed(const BundleResult& bundle, std::string_view id) {
-    return std::any_of(bundle.checks.begin(), bundle.checks.end(), [&](const CheckResult& one) {
-        return one.state == CheckResult::State::kPassed && one.check->id == id;
-    });
-}
-
 /// Delivers both events for each product on a new sample volume. Returns nothing unless the checks have shown
 /// that both events return. Uses French, because most language codes mean English.
 std::vector<Installation> installEachProduct(const BundleResult& bundle) {
-    if (!hasPassed(bundle, "dispatch.pre-install") || !hasPassed(bundle, "dispatch.post-install")) return {};
+    const auto shown = std::count_if(bundle.checks.begin(), bundle.checks.end(), [](const CheckResult& one) {
+        const std::string_view id = one.check->id;
+        return one.state == CheckResult::State::kPassed &&
+               (id == "dispatch.pre-install" || id == "dispatch.post-install");
+    });
     std::vector<Installation> installations;
+    if (shown < 2) return installations;
     for (const ProductContract& product : kProducts) {
         RunPlan plan;
         plan.bundle = bundle.bundle;
@@ -119,11 +115,8 @@ void expectWritable(const std::string& path) {
 ExitStatus validate(const ValidateOptions& options) {
     expectWritable(options.junitFile);
     expectWritable(options.htmlFile);
-    ValidationPlan plan;
+    ValidationPlan plan = options.plan;
     plan.checks = selectedChecks(options);
-    plan.secondsPerCall = options.secondsPerCall;
-    plan.isTraced = options.hasTrace;
-    plan.atOnce = options.atOnce == 0 ? processors() : options.atOnce;
     std::vector<BundleResult> results;
     for (const std::string& bundle : options.bundles) {
         const Interruption interruption;
@@ -144,6 +137,7 @@ ExitStatus validate(const ValidateOptions& options) {
 
 Work describeValidate(CLI::App& parser) {
     const auto options = std::make_shared<ValidateOptions>();
+    options->plan.atOnce = processors();
     parser.add_option("BUNDLE", options->bundles, "The folders of one or more bundles")
         ->type_name("DIR")
         ->required();
@@ -153,15 +147,16 @@ Work describeValidate(CLI::App& parser) {
         ->type_name("ID");
     parser.add_option("--exclude", options->exclude, "Do not run these checks")->type_name("ID");
     AddMac(parser);
-    parser.add_flag("--trace", options->hasTrace, "Print every step and expectation of the checks in order");
+    parser.add_flag("--trace", options->plan.isTraced,
+                    "Print every step and expectation of the checks in order");
     AddJson(parser, options->isJson);
     parser.add_option("--junit", options->junitFile, "Write the results for a build server to this file")
         ->type_name("FILE");
     parser.add_option("--html", options->htmlFile, "Write one page for a browser to this file")
         ->type_name("FILE");
-    AddTimeout(parser, options->secondsPerCall, "; a check may take twenty times as long");
+    AddTimeout(parser, options->plan.secondsPerCall, "; a check may take twenty times as long");
     AddInteger<std::uint8_t, 1>(
-        parser, "--jobs", options->atOnce,
+        parser, "--jobs", options->plan.atOnce,
         "Number of checks that run at the same time (default: the number of processors)");
     parser.footer(
         "Examples:\n"
