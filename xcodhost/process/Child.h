@@ -18,7 +18,7 @@ namespace xcodhost {
 /// The limits of one child. A child that exceeds a limit is killed.
 struct ChildLimits {
     double secondsPerCall = 10; ///< From a message CallBegan to the next one, or to the end.
-    double secondsPerRun = 100;
+    double secondsPerRun = 20 * secondsPerCall;
     std::size_t reportBytes = std::size_t{256} << 20; ///< The size of all messages.
     std::size_t outputBytes = std::size_t{1} << 20;   ///< The size of the output, if `onOutput` is set.
 };

@@ -18,16 +18,6 @@ namespace xcodhost {
 
 namespace {
 
-/// The time limit of a run, as a multiple of the time limit of a call.
-constexpr double kCallsPerRun = 20;
-
-ChildLimits limitsFor(const RunPlan& plan) {
-    ChildLimits limits;
-    limits.secondsPerCall = plan.secondsPerCall;
-    limits.secondsPerRun = plan.secondsPerCall * kCallsPerRun;
-    return limits;
-}
-
 /// The directory of the volume for the run: the given one, or a scratch volume, which the destructor removes.
 class WorkVolume {
 public:
@@ -166,8 +156,8 @@ RunResult RunBundle(const RunPlan& plan) {
     const ChildListener listener{
         [&](Message&& message) { recorder.Record(std::move(message)); },
         [&](macplatform::Alert&& alert) { return recorder.AnswerAlert(std::move(alert)); }};
-    result.end = RunInChild([&](const Channel& channel) { Deliver(delivery, channel); }, limitsFor(plan),
-                            listener, interruption);
+    result.end = RunInChild([&](const Channel& channel) { Deliver(delivery, channel); },
+                            {plan.secondsPerCall}, listener, interruption);
     VolumeState after = ReadVolume(volume.Folder());
     result.problems = findProblems(result, before, after);
     result.changes = Compare(std::move(before), std::move(after));

@@ -17,8 +17,6 @@ namespace {
 
 constexpr std::size_t kFindingsKept = 20;
 constexpr std::size_t kOutputKept = 2000;
-/// The time limit of a check, as a multiple of the time limit of a call.
-constexpr double kCallsPerCheck = 20;
 
 std::string describeEnd(const ChildEnd& end) {
     switch (end.kind) {
@@ -194,9 +192,6 @@ private:
         CheckResult& one = result.checks[place];
         const std::string folder = scratch.Path() + '/' + one.check->id;
         std::filesystem::create_directory(folder);
-        ChildLimits limits;
-        limits.secondsPerCall = plan.secondsPerCall;
-        limits.secondsPerRun = plan.secondsPerCall * kCallsPerCheck;
         const auto record = std::make_shared<RunningCheck>(one, result.table, plan.isTraced);
         ChildListener listener{
             [record](Message&& message) { record->Take(std::move(message)); },
@@ -207,7 +202,7 @@ private:
             [&](const Channel& channel) {
                 runCheck(*one.check, {path, folder, plan.isTraced}, channel);
             },
-            limits, std::move(listener),
+            {plan.secondsPerCall}, std::move(listener),
             [this, record, place, folder](const ChildEnd& end) {
                 record->End(end);
                 phases[place] = Phase::kDone;
