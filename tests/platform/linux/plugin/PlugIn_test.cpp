@@ -113,6 +113,8 @@ TEST_F(PlugIn, IsKeptAliveByItsInstances) {
     CFPlugInRemoveInstanceForFactory(factory);
     CFPlugInAddInstanceForFactory(factory);
     EXPECT_EQ(macplatform::LiveObjectCount(), liveBefore + 1) << "only the UUID remains";
+    EXPECT_EQ(CFPlugInInstanceCreate(nullptr, factory, factory), nullptr);
+    EXPECT_EQ(LastBundleFailure().text, "no bundle has the factory A0A0A0A0-0000-4000-8000-000000000001");
     CFRelease(factory);
 }
 
