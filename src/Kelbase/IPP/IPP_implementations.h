@@ -34,8 +34,8 @@ struct Implementation {
 };
 
 extern const Implementation kScalarImplementation;
-extern const Implementation
-    kSse2Implementation; ///< Exists only in builds for x86, as does kAvx2Implementation.
+// The following exist only in builds for x86.
+extern const Implementation kSse2Implementation;
 extern const Implementation kAvx2Implementation; ///< Uses AVX2 and FMA.
 
 /// The implementations of this build, the best one first, ended by null. The last one is
