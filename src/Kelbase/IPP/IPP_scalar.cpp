@@ -16,8 +16,6 @@ static_assert(FLT_EVAL_METHOD == 0,
 static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559,
               "overflow must give infinity");
 
-bool always() { return true; }
-
 void fill(std::size_t bytes, unsigned char* dst, const unsigned char* pattern) {
     std::size_t done = 0;
     for (; bytes - done >= 8; done += 8) std::memcpy(dst + done, pattern, 8);
@@ -56,19 +54,21 @@ void scaleToShort(unsigned int count, const float* src, short* dst, float factor
 
 } // namespace
 
-const IPP::Implementation IPP::kScalarImplementation = {
-    "scalar",
-    always,
-    fill,
-    widenOrNarrow<unsigned char, float>,
-    widenOrNarrow<float, double>,
-    widenOrNarrow<double, float>,
-    scale<short, float>,
-    scale<short, double>,
-    scale<int, float>,
-    scale<int, double>,
-    scaleToShort<toInt>,
-    scaleToShort<toIntRounded>,
-    scaleToInt<toInt>,
-    scaleToInt<toIntRounded>,
-};
+constexpr IPP::Implementation IPP::kScalarImplementation = [] {
+    Implementation table = {};
+    table.name = "scalar";
+    table.isSupported = [] { return true; };
+    table.fill = fill;
+    table.charToFloat = widenOrNarrow;
+    table.floatToDouble = widenOrNarrow;
+    table.doubleToFloat = widenOrNarrow;
+    table.shortToFloat = scale;
+    table.shortToDouble = scale;
+    table.intToFloat = scale;
+    table.intToDouble = scale;
+    table.floatToShort = scaleToShort<toInt>;
+    table.floatToShortRounded = scaleToShort<toIntRounded>;
+    table.floatToInt = scaleToInt<toInt>;
+    table.floatToIntRounded = scaleToInt<toIntRounded>;
+    return table;
+}();
