@@ -32,6 +32,10 @@ namespace IPP {
 /// stores are slower.
 constexpr unsigned int kStreamingBytes = 24u << 20;
 
+/// Arrays with at least this number of elements are stored to aligned addresses. In shorter arrays, the
+/// additional block takes longer than it saves.
+constexpr unsigned int kAlignedCount = 256;
+
 /// For at least this number of bytes, the string instruction `stos` fills faster than a loop, because `stos`
 /// does not read the destination first.
 constexpr std::size_t kStringFillBytes = 1u << 20;
@@ -102,18 +106,23 @@ __attribute__((always_inline)) inline void ConvertBlocks(std::size_t first, unsi
 }
 
 /// Converts an array with at least one block. The last block may overlap the previous block, so that no
-/// single elements remain. The same holds for the first block, if the blocks after the first one are aligned.
+/// single elements remain. The second block of a long array is aligned and may overlap the first block.
 template <typename Vectors, typename Source, typename Target, typename Block>
 void ConvertArray(unsigned int count, const Source* src, Target* dst, Block block) {
     constexpr std::size_t size = sizeof(block(src));
     const unsigned int last = count - static_cast<unsigned int>(size / sizeof(Target));
-    const std::size_t toAlignment = -reinterpret_cast<std::uintptr_t>(dst) % size;
-    if (count < kStreamingBytes / (sizeof(Source) + sizeof(Target)) || toAlignment % sizeof(Target) != 0) {
+    const std::size_t toAlignment = size - reinterpret_cast<std::uintptr_t>(dst) % size;
+    const std::size_t first = toAlignment / sizeof(Target);
+    if (count < kAlignedCount || toAlignment % sizeof(Target) != 0) {
         ConvertBlocks<Vectors, false>(0, last, src, dst, block);
     } else {
         Vectors::template Put<false>(dst, block(src));
-        ConvertBlocks<Vectors, true>(toAlignment / sizeof(Target), last, src, dst, block);
-        _mm_sfence(); // orders the non-temporal stores before later stores
+        if (count < kStreamingBytes / (sizeof(Source) + sizeof(Target))) {
+            ConvertBlocks<Vectors, false>(first, last, src, dst, block);
+        } else {
+            ConvertBlocks<Vectors, true>(first, last, src, dst, block);
+            _mm_sfence(); // orders the non-temporal stores before later stores
+        }
     }
     Vectors::template Put<false>(dst + last, block(src + last));
 }

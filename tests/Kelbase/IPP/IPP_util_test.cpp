@@ -60,18 +60,18 @@ protected:
         return sameBytes(actual, expected);
     }
 
-    /// Compares with the scalar implementation for every count from 0 to 70 at every offset
-    /// within a vector register.
+    /// Compares with the scalar implementation for every count from 0 to 70 and for some larger counts, at
+    /// every offset of the destination within a vector register.
     template <typename Source, typename Target, typename... Factor>
     void ExpectAsScalarAtEveryPlace(void (*Implementation::*routine)(unsigned int, const Source*, Target*,
                                                                      Factor...),
                                     Factor... factor) {
-        std::vector<Source> source(70 + 32 / sizeof(Source));
+        std::vector<Source> source(329 + 16 / sizeof(Source));
         std::iota(source.begin(), source.end(), Source(3));
-        for (unsigned int count = 0; count <= 70; ++count)
-            for (std::size_t from = 0; from < 32 / sizeof(Source); ++from)
-                for (std::size_t to = 0; to < 32 / sizeof(Target); ++to) {
-                    std::vector<Target> expected = guarded<Target>(70 + 2 * 32 / sizeof(Target)),
+        for (unsigned int count = 0; count <= 329; count += count < 70 ? 1 : 37)
+            for (std::size_t from = 0; from < 16 / sizeof(Source); ++from)
+                for (std::size_t to = 0; to < 64 / sizeof(Target); ++to) {
+                    std::vector<Target> expected = guarded<Target>(329 + 2 * 64 / sizeof(Target)),
                                         actual = expected;
                     (IPP::kScalarImplementation.*routine)(count, &source[from], &expected[to], factor...);
                     (GetParam()->*routine)(count, &source[from], &actual[to], factor...);
