@@ -52,3 +52,13 @@ struct Vectors {
 } // namespace
 
 constexpr IPP::Implementation IPP::kAvx2Implementation = MakeImplementation<Vectors>("avx2", HasAvx2);
+
+// The other conversions are limited by their stores, and AVX2 stores as many bytes in a cycle as AVX-512.
+constexpr IPP::Implementation IPP::kAvx512Implementation = [] {
+    Implementation table = kAvx2Implementation;
+    table.name = "avx512";
+    table.isSupported = HasAvx512;
+    table.doubleToFloat = DoubleToFloatByAvx512;
+    table.shortToDouble = ShortToDoubleByAvx512;
+    return table;
+}();

@@ -34,9 +34,9 @@ struct Implementation {
 };
 
 extern const Implementation kScalarImplementation;
-// The following exist only in builds for x86.
-extern const Implementation kSse2Implementation;
-extern const Implementation kAvx2Implementation; ///< Uses AVX2 and FMA.
+extern const Implementation kSse2Implementation;   ///< Exists only in builds for x86, as the next two.
+extern const Implementation kAvx2Implementation;   ///< Uses AVX2 and FMA.
+extern const Implementation kAvx512Implementation; ///< Uses AVX-512F, AVX2 and FMA.
 
 /// The implementations of this build, the best one first, ended by null. The last one is
 /// kScalarImplementation, which every processor can run.

@@ -48,6 +48,13 @@ bool FillByString(std::size_t bytes, unsigned char* dst, const unsigned char* pa
 /// Returns whether processor and operating system can run the implementation.
 bool HasSse2();
 bool HasAvx2();
+bool HasAvx512();
+///@}
+
+///@{
+/// The conversions of kAvx512Implementation that use AVX-512.
+void DoubleToFloatByAvx512(unsigned int count, const double* src, float* dst);
+void ShortToDoubleByAvx512(unsigned int count, const short* src, double* dst, double factor);
 ///@}
 
 ///@{

@@ -177,6 +177,9 @@ TEST_P(WideImplementation, AgreesOnArraysTooLargeForTheCaches) {
     const std::vector<float> floats(bytes.begin(), bytes.end());
     EXPECT_TRUE(AsScalar(&Implementation::floatToShortRounded, floats, 1.0f));
     EXPECT_TRUE(AsScalar(&Implementation::floatToDouble, floats));
+    EXPECT_TRUE(AsScalar(&Implementation::doubleToFloat, std::vector<double>(bytes.begin(), bytes.end())));
+    EXPECT_TRUE(
+        AsScalar(&Implementation::shortToDouble, std::vector<short>(bytes.begin(), bytes.end()), 0.5));
 }
 
 void expectFillsWholeElements(const Implementation& implementation, std::size_t element) {
