@@ -26,6 +26,7 @@ OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trs
     AEPutParamDesc(&event, keyDirectObject, &object);
     AECreateDesc(typeType, &place, sizeof place, &property);
     CreateObjSpecifier(cObject, &nowhere, formPropertyID, &property, true, &specifier);
+    EXPECT_EQ(property.dataHandle, nullptr) << "the inputs are disposed of";
     AEPutParamDesc(&event, keyAEInsertHere, &specifier);
     const OSErr result =
         AESend(&event, &reply, kAEWaitReply, kAENormalPriority, kAEDefaultTimeout, nullptr, nullptr);
@@ -155,6 +156,8 @@ TEST_F(AppleEvents, RejectOtherTargetsAndPlaces) {
     EXPECT_EQ(note, "the Finder returned -1700");
     AEDesc nothing = {typeNull, nullptr}, empty;
     EXPECT_EQ(AESend(&nothing, &empty, kAEWaitReply, 0, 0, nullptr, nullptr), errAENotAEDesc);
+    EXPECT_EQ(AECreateDesc('TEXT', nullptr, 1, &empty), paramErr);
+    EXPECT_EQ(AECreateDesc('TEXT', "x", -1, &empty), paramErr);
     EXPECT_EQ(AECreateDesc('TEXT', nullptr, 0, &empty), noErr);
     AEDisposeDesc(&empty);
     macplatform::InjectFault({"AESend", procNotFound});

@@ -37,6 +37,7 @@ TEST(Process, HasTheExecutablesName) {
     EXPECT_EQ(std::string(reinterpret_cast<char*>(name + 1), name[0]), "platform_services_test");
     EXPECT_EQ(std::memcmp(file.name, name, name[0] + 1U), 0);
     EXPECT_EQ(info.processType, FourCharCode{'APPL'});
+    EXPECT_EQ(info.processSignature, FourCharCode{0x3F3F3F3F}) << "????";
 
     SetProcessName(std::string(300, 'x'));
     EXPECT_EQ(GetProcessInformation(&kThisProcess, &info), noErr);

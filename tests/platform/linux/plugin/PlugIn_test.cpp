@@ -130,6 +130,8 @@ TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
     EXPECT_EQ(CFArrayGetCount(none), 0);
     const CFArrayRef one = CFPlugInFindFactoriesForPlugInTypeInPlugIn(type, plugIn);
     ASSERT_EQ(CFArrayGetCount(one), 1);
+    EXPECT_TRUE(CFEqual(none, none));
+    EXPECT_FALSE(CFEqual(one, none));
     const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, kFactoryBytes);
     EXPECT_TRUE(CFEqual(CFArrayGetValueAtIndex(one, 0), factory));
     for (const CFTypeRef object : {CFTypeRef(empty), CFTypeRef(type), CFTypeRef(plugIn), CFTypeRef(none),

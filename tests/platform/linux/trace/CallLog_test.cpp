@@ -168,6 +168,9 @@ TEST_F(CallLog, OfMisuse) {
         [&] { CFStringGetCharacters(text, CFRangeMake(3, 2), nullptr); },
         [&] { CFNumberCreate(nullptr, kCFNumberIntType, nullptr); },
         [&] { CFNumberGetValue(number, kCFNumberIntType, nullptr); },
+        [&] {
+            CFNumberGetValue(CFNumberCreate(nullptr, kCFNumberSInt8Type, "\1"), kCFNumberSInt8Type, nullptr);
+        },
         [&] { CFArrayGetCount(array); },
         [&] { CFArrayGetValueAtIndex(array, 0); },
         [&] { CFUUIDGetUUIDBytes(uuid); },
