@@ -171,6 +171,8 @@ TEST_F(CallLog, OfMisuse) {
         [&] {
             CFNumberGetValue(CFNumberCreate(nullptr, kCFNumberSInt8Type, "\1"), kCFNumberSInt8Type, nullptr);
         },
+        [&] { CFEqual(nullptr, text); },
+        [&] { CFEqual(text, nullptr); },
         [&] { CFArrayGetCount(array); },
         [&] { CFArrayGetValueAtIndex(array, 0); },
         [&] { CFUUIDGetUUIDBytes(uuid); },

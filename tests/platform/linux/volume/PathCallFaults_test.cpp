@@ -20,6 +20,14 @@ int __open_2(const char* path, int flags);
 int __open64_2(const char* path, int flags);
 int __openat_2(int folder, const char* path, int flags);
 int __openat64_2(int folder, const char* path, int flags);
+// Declared by the headers of older C libraries. The first parameter is the version of the structure.
+int __xstat(int version, const char* path, struct stat* status);
+int __xstat64(int version, const char* path, struct stat64* status);
+int __lxstat(int version, const char* path, struct stat* status);
+int __lxstat64(int version, const char* path, struct stat64* status);
+int __fxstatat(int version, int folder, const char* path, struct stat* status, int flags);
+int __fxstatat64(int version, int folder, const char* path, struct stat64* status, int flags);
+int __xmknod(int version, const char* path, mode_t mode, dev_t* device);
 }
 
 namespace {
@@ -79,6 +87,12 @@ const Row kQueries[] = {
     {"stat", CALL(stat64(path, result<struct stat64>()))},
     {"lstat", CALL(lstat(path, result<struct stat>()))},
     {"lstat", CALL(lstat64(path, result<struct stat64>()))},
+    {"stat", CALL(__xstat(1, path, result<struct stat>()))},
+    {"stat", CALL(__xstat64(1, path, result<struct stat64>()))},
+    {"lstat", CALL(__lxstat(1, path, result<struct stat>()))},
+    {"lstat", CALL(__lxstat64(1, path, result<struct stat64>()))},
+    {"fstatat", CALL(__fxstatat(1, kHere, path, result<struct stat>(), 0))},
+    {"fstatat", CALL(__fxstatat64(1, kHere, path, result<struct stat64>(), 0))},
     {"fstatat", CALL(fstatat(kHere, path, result<struct stat>(), 0))},
     {"fstatat", CALL(fstatat64(kHere, path, result<struct stat64>(), 0))},
     {"statx", CALL(statx(kHere, path, 0, 0, result<struct statx>()))},
@@ -104,6 +118,7 @@ const Row kChanges[] = {
     {"mkfifo", CALL(mkfifo(path, 0600))},
     {"mkfifoat", CALL(mkfifoat(kHere, path, 0600))},
     {"mknod", CALL(mknod(path, S_IFREG, 0))},
+    {"mknod", CALL(__xmknod(0, path, S_IFREG, result<dev_t>()))},
     {"mknodat", CALL(mknodat(kHere, path, S_IFREG, 0))},
     {"mkdtemp", CALL(failed(mkdtemp(filled(path))))},
     {"rmdir", CALL(rmdir(path))},
