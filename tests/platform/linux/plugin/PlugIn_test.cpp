@@ -132,6 +132,7 @@ TEST_F(PlugIn, FindsFactoriesOfATypeThatAnyPlugInHas) {
     ASSERT_EQ(CFArrayGetCount(one), 1);
     EXPECT_TRUE(CFEqual(none, none));
     EXPECT_FALSE(CFEqual(one, none));
+    EXPECT_DEATH(CFArrayGetValueAtIndex(one, 1), "index 1 is outside an array of 1 items");
     const CFUUIDRef factory = CFUUIDCreateFromUUIDBytes(nullptr, kFactoryBytes);
     EXPECT_TRUE(CFEqual(CFArrayGetValueAtIndex(one, 0), factory));
     for (const CFTypeRef object : {CFTypeRef(empty), CFTypeRef(type), CFTypeRef(plugIn), CFTypeRef(none),

@@ -166,6 +166,9 @@ TEST_F(CallLog, OfMisuse) {
         [] { CFStringCreateWithPascalString(nullptr, nullptr, 0); },
         [&] { CFStringGetCString(text, nullptr, 1, 0); },
         [&] { CFStringGetCharacters(text, CFRangeMake(3, 2), nullptr); },
+        [&] { CFStringGetCharacters(text, CFRangeMake(0, -1), nullptr); },
+        [&] { CFStringGetCharacters(text, CFRangeMake(-1, 0), nullptr); },
+        [&] { CFStringGetCharacters(text, CFRangeMake(5, 0), nullptr); },
         [&] { CFNumberCreate(nullptr, kCFNumberIntType, nullptr); },
         [&] { CFNumberGetValue(number, kCFNumberIntType, nullptr); },
         [&] {
