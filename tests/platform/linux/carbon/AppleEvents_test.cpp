@@ -26,7 +26,7 @@ OSErr ask(const std::string& path, OSType target = 'MACS', DescType place = 'trs
     AEPutParamDesc(&event, keyDirectObject, &object);
     AECreateDesc(typeType, &place, sizeof place, &property);
     CreateObjSpecifier(cObject, &nowhere, formPropertyID, &property, true, &specifier);
-    EXPECT_EQ(property.dataHandle, nullptr) << "the inputs are disposed of";
+    EXPECT_TRUE(!property.dataHandle) << "the inputs are disposed of";
     AEPutParamDesc(&event, keyAEInsertHere, &specifier);
     const OSErr result =
         AESend(&event, &reply, kAEWaitReply, kAENormalPriority, kAEDefaultTimeout, nullptr, nullptr);
