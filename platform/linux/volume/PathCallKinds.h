@@ -23,26 +23,28 @@ enum class OptionalMode : unsigned {};
 
 /// The result of a failed call: -1 or a null pointer.
 template <typename Result>
-constexpr Result kFailure = -1;
+inline constexpr Result kFailure = -1;
 template <typename Item>
-constexpr Item* kFailure<Item*> = nullptr;
+inline constexpr Item* kFailure<Item*> = nullptr;
 
 /// The places of the texts among the parameters of a call.
 template <typename... Parameters>
 struct Texts {
     static constexpr std::size_t kCount = sizeof...(Parameters);
-    static constexpr bool kIsText[] = {std::is_same_v<Parameters, const char*>...};
 
     /// Returns the place of the first text at or behind `place`. Returns kCount if there is none.
     static constexpr std::size_t From(std::size_t place) {
-        while (place < kCount && !kIsText[place]) ++place;
+        constexpr bool isText[] = {std::is_same_v<Parameters, const char*>...};
+        while (place < kCount && !isText[place]) ++place;
         return place;
     }
     static constexpr std::size_t First() { return From(0); }
     static constexpr std::size_t Second() { return From(First() + 1); }
     /// Returns whether the argument stands before a text: the descriptor of a directory, or the version of a
     /// structure.
-    static constexpr bool IsBeforeText(std::size_t place) { return !kIsText[place] && From(place) < kCount; }
+    static constexpr bool IsBeforeText(std::size_t place) {
+        return From(place) > place && From(place) < kCount;
+    }
 };
 
 /// Returns the arguments for the call log, which omits optional modes and what stands before a text.
