@@ -265,9 +265,9 @@ private:
     static Block* NewBlock(std::size_t length, std::size_t capacity);
     static void Free(Block* b) noexcept;
 
-    /// Returns the first `part` in `s`, or null, as strstr does.
-    static const char* FindExact(const char* s, const char* part);
-    /// Does the same, with "A"-"Z" equal to "a"-"z".
+    /// Returns the first `part` in the `size` bytes of `s`, or null, as strstr does.
+    static const char* FindExact(const char* s, std::size_t size, const char* part);
+    /// Returns the first `part` in `s`, or null, as strstr does. Treats "A"-"Z" as equal to "a"-"z".
     static const char* FindFolded(const char* s, const char* part);
 
     std::string_view Bytes() const { return {Latin1(), GetLength()}; }
@@ -299,8 +299,10 @@ inline bool operator<(const String& l, const char* r) { return r && std::strcmp(
 inline bool operator<=(const String& l, const char* r) { return r && std::strcmp(l.Latin1(), r) <= 0; }
 ///@}
 
-inline const char* String::FindExact(const char* s, const char* part) {
-    const char* const first = *part ? std::strchr(s, *part) : s; // finds a rare first byte faster than strstr
+inline const char* String::FindExact(const char* s, std::size_t size, const char* part) {
+    constexpr std::size_t longText = 256; // strchr finds a rare first byte of a long text faster than strstr
+    if (size < longText || !*part) return std::strstr(s, part);
+    const char* const first = std::strchr(s, *part);
     if (!first || std::strncmp(first, part, std::strlen(part)) == 0) return first;
     return std::strstr(first, part);
 }
@@ -308,7 +310,7 @@ inline const char* String::FindExact(const char* s, const char* part) {
 inline checked_value<unsigned int> String::Find(const char* s, unsigned int start, bool caseSensitive) const {
     if (!s || start >= GetLength()) return {};
     const char* const from = Latin1() + start;
-    const char* const found = caseSensitive ? FindExact(from, s) : FindFolded(from, s);
+    const char* const found = caseSensitive ? FindExact(from, GetLength() - start, s) : FindFolded(from, s);
     if (!found) return {};
     return static_cast<unsigned int>(found - Latin1());
 }

@@ -100,13 +100,16 @@ protected:
 };
 
 TEST(SearchFastPath, FindsWhatTheCLibraryFinds) {
-    forEachText("ab", 7, [](const std::string& text) {
-        const String string(text.c_str());
-        forEachText("ab", 4, [&](const std::string& part) {
-            const char* const found = text.empty() ? nullptr : std::strstr(string.Latin1(), part.c_str());
-            const auto place = string.Find(part.c_str());
-            ASSERT_EQ(place.IsGiven() ? string.Latin1() + place : nullptr, found) << text << ' ' << part;
-        });
+    forEachText("ab", 7, [](const std::string& end) {
+        for (const std::size_t before : {1, 300}) {
+            const std::string text = std::string(before, 'c') + end;
+            const String string(text.c_str());
+            forEachText("ab", 4, [&](const std::string& part) {
+                const char* const found = std::strstr(string.Latin1(), part.c_str());
+                const auto place = string.Find(part.c_str());
+                ASSERT_EQ(place.IsGiven() ? string.Latin1() + place : nullptr, found) << text << ' ' << part;
+            });
+        }
     });
 }
 
