@@ -127,7 +127,7 @@ CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid) {
     const UuidBytes& bytes = BytesOf(uuid, "CFUUIDGetUUIDBytes");
     CFUUIDBytes result;
     std::memcpy(&result, bytes.data(), sizeof result);
-    PlatformCall call("CFUUIDGetUUIDBytes"); // the frame of other functions has no such result
+    PlatformCall call("CFUUIDGetUUIDBytes"); // MakePlatformCall cannot show a structure as the result
     call.Record(Shown(uuid));
     if (call.IsRecorded()) call.Result(0, UuidText(bytes));
     return result;

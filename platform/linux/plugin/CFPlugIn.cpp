@@ -235,7 +235,7 @@ CFArrayRef CFPlugInFindFactoriesForPlugInTypeInPlugIn(CFUUIDRef type, CFPlugInRe
 
 void* CFPlugInInstanceCreate(CFAllocatorRef allocator, CFUUIDRef factory, CFUUIDRef type) {
     constexpr char name[] = "CFPlugInInstanceCreate";
-    PlatformCall call(name); // without the frame of other functions, which catches std::bad_alloc of a bundle
+    PlatformCall call(name); // MakePlatformCall would catch a std::bad_alloc of the bundle
     call.Record(Shown(allocator, factory, type));
     if (call.ConsumeFault()) return call.Result(static_cast<void*>(nullptr));
     CFPlugInFactoryFunction make = nullptr;

@@ -75,7 +75,7 @@ auto MakePlatformCall(const char* name, Show show, Body body) {
     }
 }
 
-/// Makes a call without arguments that cannot fail.
+/// Makes a call that has no arguments and cannot fail.
 template <typename Body>
 auto MakePlatformCall(const char* name, Body body) {
     return MakePlatformCall<NoFailure>(

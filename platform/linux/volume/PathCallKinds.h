@@ -29,7 +29,7 @@ inline constexpr Item* kFailure<Item*> = nullptr;
 
 /// The places of the texts among the parameters of a call.
 template <typename... Parameters>
-struct Texts {
+struct TextPlaces {
     static constexpr std::size_t kCount = sizeof...(Parameters);
 
     /// Returns the place of the first text at or behind `place`. Returns kCount if there is none.
@@ -57,7 +57,7 @@ std::vector<std::string> ShownArguments(const std::tuple<Parameters...>& argumen
             if (!isOmitted) shown.push_back(ShownArgument(argument));
         }
     };
-    (show(Texts<Parameters...>::IsBeforeText(places), std::get<places>(arguments)), ...);
+    (show(TextPlaces<Parameters...>::IsBeforeText(places), std::get<places>(arguments)), ...);
     return shown;
 }
 
@@ -82,7 +82,8 @@ Result CallWithPath(const char* name, LastLink link, Around around, Result (*nex
 template <typename Result, typename... Parameters>
 Result ItemCall(const char* name, LastLink link, Result (*next)(Parameters...), Parameters... arguments) {
     const auto around = [](const char*, auto make) { return make(); };
-    return CallWithPath<Texts<Parameters...>::First()>(name, link, around, next, std::tuple(arguments...));
+    return CallWithPath<TextPlaces<Parameters...>::First()>(name, link, around, next,
+                                                            std::tuple(arguments...));
 }
 
 /// Makes a call that creates a symbolic link. The first text, its target, is not converted: the target is
@@ -90,8 +91,8 @@ Result ItemCall(const char* name, LastLink link, Result (*next)(Parameters...), 
 template <typename... Parameters>
 int SymbolicLinkCall(const char* name, int (*next)(Parameters...), Parameters... arguments) {
     const auto around = [](const char*, auto make) { return make(); };
-    return CallWithPath<Texts<Parameters...>::Second()>(name, LastLink::kNoFollow, around, next,
-                                                        std::tuple(arguments...));
+    return CallWithPath<TextPlaces<Parameters...>::Second()>(name, LastLink::kNoFollow, around, next,
+                                                             std::tuple(arguments...));
 }
 
 /// Keeps a pipe open for writing during the lifetime of the object. If a bundle opens a path for reading and
@@ -117,7 +118,7 @@ private:
 /// Makes a call that opens a file. The argument behind the path is its flags or its mode.
 template <typename Result, typename... Parameters>
 Result OpeningCall(const char* name, LastLink link, Result (*next)(Parameters...), Parameters... arguments) {
-    constexpr std::size_t place = Texts<Parameters...>::First();
+    constexpr std::size_t place = TextPlaces<Parameters...>::First();
     const std::tuple given(arguments...);
     const auto around = [&given](const char* hostPath, auto make) {
         const PipeWriter writer(hostPath, std::get<place + 1>(given));
@@ -158,8 +159,8 @@ template <typename... Parameters>
 int TwoPathCall(const char* name, LastLink fromLink, int (*next)(Parameters...),
                 Parameters... arguments) try {
     const std::tuple given(arguments...);
-    const char* const from = std::get<Texts<Parameters...>::First()>(given);
-    const char* const to = std::get<Texts<Parameters...>::Second()>(given);
+    const char* const from = std::get<TextPlaces<Parameters...>::First()>(given);
+    const char* const to = std::get<TextPlaces<Parameters...>::Second()>(given);
     if (!from || !to || !(IsRedirected(from) || IsRedirected(to))) return next(arguments...);
     const std::string hostFrom = HostPathOf(from, fromLink);
     const int unresolved = *from ? errno : ENOENT;
@@ -169,8 +170,8 @@ int TwoPathCall(const char* name, LastLink fromLink, int (*next)(Parameters...),
             return -1;
         }
         auto onVolume = given;
-        std::get<Texts<Parameters...>::First()>(onVolume) = hostFrom.c_str();
-        std::get<Texts<Parameters...>::Second()>(onVolume) = hostTo;
+        std::get<TextPlaces<Parameters...>::First()>(onVolume) = hostFrom.c_str();
+        std::get<TextPlaces<Parameters...>::Second()>(onVolume) = hostTo;
         return std::apply(next, onVolume);
     };
     const auto show = [&] { return ShownArguments(given, std::index_sequence_for<Parameters...>()); };
