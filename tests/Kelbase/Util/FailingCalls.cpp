@@ -58,22 +58,28 @@ void* operator new(std::size_t size) {
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
-/// Replaces a call of the C library and its variant for large files, which 32-bit code calls.
-#define FAILING_CALL(RESULT, FAILURE, NAME, LARGE, PARAMETERS, ARGUMENTS)                                    \
-    extern "C" RESULT __real_##NAME PARAMETERS;                                                              \
-    extern "C" RESULT __wrap_##NAME PARAMETERS {                                                             \
-        return mustFail(#NAME) ? FAILURE : __real_##NAME ARGUMENTS;                                          \
-    }                                                                                                        \
-    extern "C" RESULT __real_##LARGE PARAMETERS;                                                             \
-    extern "C" RESULT __wrap_##LARGE PARAMETERS {                                                            \
-        return mustFail(#NAME) ? FAILURE : __real_##LARGE ARGUMENTS;                                         \
+/// Replaces a function of the C library. 32-bit code calls the variants for large files.
+#define FAILING_CALL(RESULT, FAILURE, NAME, SYMBOL, PARAMETERS, ARGUMENTS)                                   \
+    extern "C" RESULT __real_##SYMBOL PARAMETERS;                                                            \
+    extern "C" RESULT __wrap_##SYMBOL PARAMETERS {                                                           \
+        return mustFail(#NAME) ? FAILURE : __real_##SYMBOL ARGUMENTS;                                        \
     }
 
-/// Replaces a call of the C library that has no variant for large files.
-#define FAILING_ONE(RESULT, FAILURE, NAME, PARAMETERS, ARGUMENTS)                                            \
-    extern "C" RESULT __real_##NAME PARAMETERS;                                                              \
-    extern "C" RESULT __wrap_##NAME PARAMETERS { return mustFail(#NAME) ? FAILURE : __real_##NAME ARGUMENTS; }
-
+FAILING_CALL(FILE*, nullptr, fopen, fopen, (const char* path, const char* mode), (path, mode))
+FAILING_CALL(int, -1, fseeko, fseeko, (FILE * file, off_t place, int from), (file, place, from))
+FAILING_CALL(off_t, -1, ftello, ftello, (FILE * file), (file))
+FAILING_CALL(int, -1, stat, stat, (const char* path, void* status), (path, status))
+FAILING_CALL(int, -1, fstat, fstat, (int file, void* status), (file, status))
+FAILING_CALL(int, -1, statfs, statfs, (const char* path, void* status), (path, status))
+FAILING_CALL(dirent*, nullptr, readdir, readdir, (DIR * folder), (folder))
+FAILING_CALL(DIR*, nullptr, opendir, opendir, (const char* path), (path))
+FAILING_CALL(int, -1, access, access, (const char* path, int mode), (path, mode))
+FAILING_CALL(int, -1, chmod, chmod, (const char* path, mode_t mode), (path, mode))
+FAILING_CALL(int, -1, utimes, utimes, (const char* path, const timeval* times), (path, times))
+FAILING_CALL(int, -1, remove, remove, (const char* path), (path))
+FAILING_CALL(int, -1, rename, rename, (const char* from, const char* to), (from, to))
+FAILING_CALL(int, -1, mkdir, mkdir, (const char* path, mode_t mode), (path, mode))
+FAILING_CALL(int, -1, rmdir, rmdir, (const char* path), (path))
 FAILING_CALL(FILE*, nullptr, fopen, fopen64, (const char* path, const char* mode), (path, mode))
 FAILING_CALL(int, -1, fseeko, fseeko64, (FILE * file, off_t place, int from), (file, place, from))
 FAILING_CALL(off_t, -1, ftello, ftello64, (FILE * file), (file))
@@ -81,14 +87,6 @@ FAILING_CALL(int, -1, stat, stat64, (const char* path, void* status), (path, sta
 FAILING_CALL(int, -1, fstat, fstat64, (int file, void* status), (file, status))
 FAILING_CALL(int, -1, statfs, statfs64, (const char* path, void* status), (path, status))
 FAILING_CALL(dirent*, nullptr, readdir, readdir64, (DIR * folder), (folder))
-FAILING_ONE(DIR*, nullptr, opendir, (const char* path), (path))
-FAILING_ONE(int, -1, access, (const char* path, int mode), (path, mode))
-FAILING_ONE(int, -1, chmod, (const char* path, mode_t mode), (path, mode))
-FAILING_ONE(int, -1, utimes, (const char* path, const timeval* times), (path, times))
-FAILING_ONE(int, -1, remove, (const char* path), (path))
-FAILING_ONE(int, -1, rename, (const char* from, const char* to), (from, to))
-FAILING_ONE(int, -1, mkdir, (const char* path, mode_t mode), (path, mode))
-FAILING_ONE(int, -1, rmdir, (const char* path), (path))
 
 extern "C" int __real_fclose(FILE* file);
 extern "C" int __wrap_fclose(FILE* file) {
@@ -98,14 +96,20 @@ extern "C" int __wrap_fclose(FILE* file) {
     return fails ? EOF : result;
 }
 
-/// Replaces a call that transfers bytes. A failing call transfers half of its elements.
-#define HALF_DONE(NAME, POINTER)                                                                             \
-    extern "C" std::size_t __real_##NAME(POINTER bytes, std::size_t size, std::size_t count, FILE* file);    \
-    extern "C" std::size_t __wrap_##NAME(POINTER bytes, std::size_t size, std::size_t count, FILE* file) {   \
-        const bool fails = mustFail(#NAME);                                                                  \
-        const std::size_t done = __real_##NAME(bytes, size, fails ? count / 2 : count, file);                \
-        if (fails) errno = gError;                                                                           \
-        return done;                                                                                         \
-    }
-HALF_DONE(fread, void*)
-HALF_DONE(fwrite, const void*)
+/// Calls a function that transfers bytes. A failing call transfers half of its elements.
+template <typename Transfer, typename Bytes>
+static std::size_t transferred(const char* name, Transfer transfer, Bytes bytes, std::size_t size,
+                               std::size_t count, FILE* file) {
+    const bool fails = mustFail(name);
+    const std::size_t done = transfer(bytes, size, fails ? count / 2 : count, file);
+    if (fails) errno = gError;
+    return done;
+}
+extern "C" std::size_t __real_fread(void* bytes, std::size_t size, std::size_t count, FILE* file);
+extern "C" std::size_t __wrap_fread(void* bytes, std::size_t size, std::size_t count, FILE* file) {
+    return transferred("fread", &__real_fread, bytes, size, count, file);
+}
+extern "C" std::size_t __real_fwrite(const void* bytes, std::size_t size, std::size_t count, FILE* file);
+extern "C" std::size_t __wrap_fwrite(const void* bytes, std::size_t size, std::size_t count, FILE* file) {
+    return transferred("fwrite", &__real_fwrite, bytes, size, count, file);
+}
