@@ -212,8 +212,10 @@ TEST(MachOFile, ReportsTheFault) {
     const std::string header =
         word(0xFEEDFACE) + word(7) + std::string(8, '\0') + word(1) + std::string(8, '\0');
     const auto problem = [](const std::string& bytes) { return ReadMachO(bytes).images[0].problem; };
-    const std::string loop = header + word(0x22) + word(48) + std::string(32, '\0') + word(76) + word(5);
-    EXPECT_EQ(problem(loop + toBytes({0, 1, 'a', 0, 0})), "the export trie is not a tree");
+    const std::string tables = header + word(0x22) + word(48) + std::string(32, '\0') + word(76);
+    EXPECT_EQ(problem(tables + word(5) + toBytes({0, 1, 'a', 0, 0})), "the export trie is not a tree");
+    const std::string name(40, 'a'), trie = toBytes({0, 1}) + name + toBytes({0, 44, 2, 0, 0, 0});
+    EXPECT_THAT(ReadMachO(tables + word(48) + trie).images[0].exports, testing::ElementsAre(name));
     EXPECT_EQ(problem(header + word(2) + word(0)), "a load command has no size");
     EXPECT_EQ(problem(header), "a table is outside the file");
     EXPECT_EQ(ReadMachO(toBytes({0xFE, 0xED, 0xFA, 0xCE, 0, 0, 0, 18})).images[0].architecture, "ppc");

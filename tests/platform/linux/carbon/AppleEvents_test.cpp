@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -63,7 +64,8 @@ TEST_F(AppleEvents, MoveAnItemToTheTrashWithARecord) {
     EXPECT_EQ(ReadBytes(Trash() / "files/\xC3\xA9.txt"), "one");
     EXPECT_EQ(ReadBytes(Trash() / "files/._\xC3\xA9.txt"), "sidecar");
     const std::string record = ReadBytes(Trash() / "info/\xC3\xA9.txt.trashinfo");
-    EXPECT_EQ(record.substr(0, record.find("\nDeletionDate=")), "[Trash Info]\nPath=Users/a%20b/%C3%A9.txt");
+    EXPECT_THAT(record, testing::MatchesRegex("\\[Trash Info\\]\nPath=Users/a%20b/%C3%A9.txt\n"
+                                              "DeletionDate=20..-..-..T..:..:..\n"));
 
     volume.Write("Users/a b/\xC3\xA9.txt", "two");
     EXPECT_EQ(ask("/Users/a b/\xC3\xA9.txt"), noErr);

@@ -52,6 +52,7 @@ TEST(Process, WritesNothingAfterTheEndOfAShorterRecord) {
     info.processInfoLength = offsetof(ProcessInfoRec, processType);
     info.processName = nullptr;
     EXPECT_EQ(GetProcessInformation(&kThisProcess, &info), noErr);
+    EXPECT_EQ(info.processNumber.highLongOfPSN, kThisProcess.highLongOfPSN);
     EXPECT_EQ(info.processNumber.lowLongOfPSN, kCurrentProcess);
     EXPECT_EQ(info.processType, 0x55555555U);
 
@@ -104,6 +105,7 @@ TEST(Sysctl, FindsTheFrequencyInTheTextOfTheKernel) {
         {"cpu MHz\t: 800.5\ncpu MHz\t: 900\nmodel name\t: x @ 900MHz\n", 900'000'000},
         {"no model name @ 3GHz\nmodel name\t: x\ncpu MHz\t: 800.5\ncpu MHz\t: 900\n", 800'500'000},
         {"cpu MHz\nmodel name\t: x @ nanGHz\n", 0},
+        {"cpu MHz\t: 0.000001\n", 1},
         {"model name\t: x @ 1000000GHz\n", 0}};
     const int wrongRow = InChild([&rows] {
         if (unshare(CLONE_NEWNS) || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr)) return 77;

@@ -145,6 +145,8 @@ TEST_F(PlugIn, ReadsItsTablesAsTheMac) {
     std::string list = InfoPlist("7", std::string(" {") + kPluginType + "} ");
     list.replace(list.find("<string>7</string>"), 18,
                  "<integer>7</integer><key>no UUID</key><string>x</string>");
+    list.insert(list.find("<dict>", list.find("CFPlugInTypes")) + 6,
+                "<key>FFFFFFFF-0000-0000-0000-000000000000</key><array/>"); // before the type of the test
     WriteInfo(list);
     folder.Write("Short.bundle/Contents/Info.plist", InfoPlist("MakeSample", "5cd9484b-4a86"));
     std::string unregistered = InfoPlist("MakeSample", "ffffffff-4a86-4ca2-a79a-1525a3b5f6e8");

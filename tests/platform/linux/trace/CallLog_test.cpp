@@ -3,6 +3,7 @@
 
 #include <Carbon/Carbon.h>
 #include <CoreFoundation/CoreFoundation.h>
+#include <mach-o/loader.h>
 #include <mach/mach_time.h>
 #include <macplatform/Alerts.h>
 #include <sys/sysctl.h>
@@ -129,6 +130,9 @@ TEST_F(CallLog, OfCarbonAndTheKernel) {
     DisposePtr(nullptr);
     MemError();
     StopAlert(5000, nullptr);
+    macplatform::SetAlertResponder([](const macplatform::Alert&) { return 0; });
+    StopAlert(5001, nullptr);
+    macplatform::SetAlertResponder({});
     const id alert = NewAlert();
     for (const char* const message : {"setMessageText:", "addButtonWithTitle:", "runModal", "unknown"})
         Send(alert, message, CFSTR("text"));
@@ -208,7 +212,19 @@ TEST(Constants, HaveTheValuesOfTheMac) {
         kIsInvisible, kIsAlias, kNoProcess, kSystemProcess, kCurrentProcess, kCFNumberCFIndexType,
         typeNull, typeType, typeFSRef, typeApplSignature, typeObjectSpecifier, typeProperty,
         formPropertyID, cObject, keyDirectObject, keyAEInsertHere, keyErrorNumber, kAECoreSuite,
-        kAEMove, kFSCatInfoNone, kFSCatInfoNodeFlags, kFSCatInfoFinderInfo, kCFStringEncodingUTF8};
+        kAEMove, kFSCatInfoNone, kFSCatInfoNodeFlags, kFSCatInfoFinderInfo, kCFStringEncodingUTF8,
+        SECTION_TYPE, S_MOD_INIT_FUNC_POINTERS, REBASE_OPCODE_MASK, REBASE_IMMEDIATE_MASK,
+        REBASE_OPCODE_DONE, REBASE_OPCODE_SET_TYPE_IMM, REBASE_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB,
+        REBASE_OPCODE_ADD_ADDR_ULEB, REBASE_OPCODE_ADD_ADDR_IMM_SCALED,
+        REBASE_OPCODE_DO_REBASE_IMM_TIMES, REBASE_OPCODE_DO_REBASE_ULEB_TIMES,
+        REBASE_OPCODE_DO_REBASE_ADD_ADDR_ULEB, REBASE_OPCODE_DO_REBASE_ULEB_TIMES_SKIPPING_ULEB,
+        REBASE_TYPE_POINTER, BIND_OPCODE_MASK, BIND_IMMEDIATE_MASK, BIND_OPCODE_DONE,
+        BIND_OPCODE_SET_DYLIB_ORDINAL_IMM, BIND_OPCODE_SET_DYLIB_ORDINAL_ULEB,
+        BIND_OPCODE_SET_SYMBOL_TRAILING_FLAGS_IMM, BIND_OPCODE_SET_TYPE_IMM,
+        BIND_OPCODE_SET_ADDEND_SLEB, BIND_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB,
+        BIND_OPCODE_ADD_ADDR_ULEB, BIND_OPCODE_DO_BIND, BIND_OPCODE_DO_BIND_ADD_ADDR_ULEB,
+        BIND_OPCODE_DO_BIND_ADD_ADDR_IMM_SCALED, BIND_OPCODE_DO_BIND_ULEB_TIMES_SKIPPING_ULEB,
+        BIND_TYPE_POINTER, EXPORT_SYMBOL_FLAGS_KIND_REGULAR};
     // clang-format on
     std::ifstream file(std::string(CALL_LOGS) + "/Constants.txt");
     for (const std::int64_t constant : constants) {

@@ -91,6 +91,8 @@ TEST_F(PathCalls, FortifiedCallsAreRedirected) {
     const int file = __open_2("/Library/link", O_RDONLY);
     EXPECT_GE(file, 0);
     close(file);
+    struct stat status {};
+    EXPECT_EQ(fstatat(AT_FDCWD, "/Library/link", &status, 0), 0);
     dirent** names = nullptr;
     const int count = scandir("/Library", &names, nullptr, alphasort);
     EXPECT_EQ(count, 4) << "with \".\" and \"..\"";
