@@ -47,7 +47,7 @@ void beginEvent(Block& block) {
     if (++gEvents > 30 && Is("MemoryGrows")) NewText("one more");
     if (Is("Crash") && block.Message() == 2 && block.Product() == 3500) std::raise(SIGSEGV);
     if (Is("FunctionBlockChanged")) ChangeFunctionBlock();
-    if (Is("ScratchInBlock")) block.Bytes()[20] = 1;
+    if (Is("ScratchInBlock")) block.Bytes()[12] = 1;
     if (Is("ScratchBehindBlock")) block.Bytes()[614] = 1;
     if (Is("ScratchBeforeBlock")) block.Bytes()[-1] = 1;
     if (Is("HostFieldRead") && block.Bytes()[100] != 0) setErrorBit(block);
