@@ -74,8 +74,9 @@ SInt32& countOf(Instance* instance) {
 }
 
 Instance* newInstance() {
-    auto* const instance =
+    auto* instance =
         Is("HeapInstance") ? new Instance : reinterpret_cast<Instance*>(NewPtr(sizeof(Instance)));
+    if (!instance && Is("HeapWithoutMemory")) instance = new Instance;
     if (!instance && !Is("NewPtrUnchecked")) return nullptr;
     instance->block = &gFunctions;
     countOf(instance) = 1;
