@@ -1,6 +1,7 @@
 #include "Fixups.h"
 
 #include <mach-o/loader.h>
+#include <map>
 
 namespace macplatform {
 
@@ -8,37 +9,60 @@ namespace {
 
 constexpr std::uint32_t kPointerSize = 4;
 
-/// Reads the pointers that a table of fix-ups lists. The operations of the table set the next pointer.
-class Cursor {
-public:
-    explicit Cursor(const ImageFile& imageFile) : file(imageFile) {}
+/// The action of each operation of a table, by the upper four bits of the operation.
+using Actions = std::map<std::uint8_t, std::function<void()>>;
 
-    void SetSegment(std::uint8_t number, std::uint32_t offset) {
-        if (number >= file.segments.size()) throw UnsupportedMachO("a fix-up refers to a missing segment");
-        address = file.segments[number].memory.start + offset;
-        isSet = true;
+/// Reads a table of fix-ups. Its operations set the next pointer and change pointers.
+class FixUpTable {
+public:
+    FixUpTable(const char* tableName, std::string_view tableBytes, const ImageFile& imageFile)
+        : name(tableName), bytes(tableBytes), file(imageFile) {}
+
+    void Run(const Actions& actions) {
+        while (place < bytes.Size()) {
+            operation = bytes.U8(place++);
+            const auto action = actions.find(operation & BIND_OPCODE_MASK);
+            Require(action != actions.end());
+            action->second();
+        }
     }
-    void Skip(std::uint32_t bytes) { address += bytes; }
+    void End() { place = bytes.Size(); }
+    void Require(bool isSupported) const {
+        if (!isSupported)
+            throw UnsupportedMachO(std::string("unsupported operation in the table of ") + name + ": " +
+                                   std::to_string(operation));
+    }
+
+    std::uint32_t SmallOperand() const { return operation & BIND_IMMEDIATE_MASK; }
+    std::uint32_t Operand() { return bytes.Uleb(place); }
+    std::uint32_t SignedOperand() { return static_cast<std::uint32_t>(bytes.Sleb(place)); }
+    std::string_view TextOperand() { return bytes.Text(place); }
+
+    void SetAddress(std::uint32_t segment, std::uint32_t offset) {
+        if (segment >= file.segments.size()) throw UnsupportedMachO("a fix-up refers to a missing segment");
+        address = file.segments[segment].memory.start + offset;
+    }
+    void Skip(std::uint32_t count) {
+        if (address) *address += count;
+    }
     /// Calls `fixUp` with the addresses of `count` pointers. Skips `gap` bytes after each pointer.
     template <typename FixUp>
     void Visit(std::uint32_t count, std::uint32_t gap, const FixUp& fixUp) {
         for (; count > 0; --count) {
-            if (!isSet) throw UnsupportedMachO("a fix-up has no address");
-            fixUp(address);
-            address += kPointerSize + gap;
+            if (!address) throw UnsupportedMachO("a fix-up has no address");
+            fixUp(*address);
+            *address += kPointerSize + gap;
         }
     }
 
 private:
+    const char* const name;
+    const ByteView bytes;
     const ImageFile& file;
-    std::uint32_t address = 0;
-    bool isSet = false;
+    std::uint32_t place = 0;
+    std::uint8_t operation = 0;
+    std::optional<std::uint32_t> address; ///< Of the next pointer.
 };
-
-[[noreturn]] void refuseOperation(const char* table, std::uint8_t operation) {
-    throw UnsupportedMachO("unsupported operation in the table of " + std::string(table) + ": " +
-                           std::to_string(operation));
-}
 
 /// Finds the branch of a node of the export trie whose text is a prefix of `left`, and removes this prefix
 /// from `left`. `branches` is the offset of the branches of the node. Returns the offset of the node at the
@@ -58,55 +82,30 @@ std::optional<std::uint32_t> nextNode(const ByteView& trie, std::uint32_t branch
 } // namespace
 
 void Rebase(const ImageFile& file, ImageMemory& memory) {
-    const ByteView table(file.rebases);
-    Cursor cursor(file);
+    FixUpTable table("rebases", file.rebases, file);
     const auto rebase = [&](std::uint32_t count, std::uint32_t gap) {
-        cursor.Visit(count, gap, [&](std::uint32_t address) {
+        table.Visit(count, gap, [&](std::uint32_t address) {
             memory.SetWord(address, memory.Word(address) + memory.Slide());
         });
     };
-    for (std::uint32_t place = 0; place < table.Size();) {
-        const std::uint8_t operation = table.U8(place++);
-        const std::uint8_t operand = operation & REBASE_IMMEDIATE_MASK;
-        switch (operation & REBASE_OPCODE_MASK) {
-        case REBASE_OPCODE_DONE:
-            return;
-        case REBASE_OPCODE_SET_TYPE_IMM:
-            if (operand != REBASE_TYPE_POINTER) refuseOperation("rebases", operation);
-            break;
-        case REBASE_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB:
-            cursor.SetSegment(operand, table.Uleb(place));
-            break;
-        case REBASE_OPCODE_ADD_ADDR_ULEB:
-            cursor.Skip(table.Uleb(place));
-            break;
-        case REBASE_OPCODE_ADD_ADDR_IMM_SCALED:
-            cursor.Skip(operand * kPointerSize);
-            break;
-        case REBASE_OPCODE_DO_REBASE_IMM_TIMES:
-            rebase(operand, 0);
-            break;
-        case REBASE_OPCODE_DO_REBASE_ULEB_TIMES:
-            rebase(table.Uleb(place), 0);
-            break;
-        case REBASE_OPCODE_DO_REBASE_ADD_ADDR_ULEB:
-            rebase(1, table.Uleb(place));
-            break;
-        case REBASE_OPCODE_DO_REBASE_ULEB_TIMES_SKIPPING_ULEB: {
-            const std::uint32_t count = table.Uleb(place);
-            rebase(count, table.Uleb(place));
-            break;
-        }
-        default:
-            refuseOperation("rebases", operation);
-        }
-    }
+    const auto rebaseWithGaps = [&](std::uint32_t count) { rebase(count, table.Operand()); };
+    table.Run({
+        {REBASE_OPCODE_DONE, [&] { table.End(); }},
+        {REBASE_OPCODE_SET_TYPE_IMM, [&] { table.Require(table.SmallOperand() == REBASE_TYPE_POINTER); }},
+        {REBASE_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB,
+         [&] { table.SetAddress(table.SmallOperand(), table.Operand()); }},
+        {REBASE_OPCODE_ADD_ADDR_ULEB, [&] { table.Skip(table.Operand()); }},
+        {REBASE_OPCODE_ADD_ADDR_IMM_SCALED, [&] { table.Skip(table.SmallOperand() * kPointerSize); }},
+        {REBASE_OPCODE_DO_REBASE_IMM_TIMES, [&] { rebase(table.SmallOperand(), 0); }},
+        {REBASE_OPCODE_DO_REBASE_ULEB_TIMES, [&] { rebase(table.Operand(), 0); }},
+        {REBASE_OPCODE_DO_REBASE_ADD_ADDR_ULEB, [&] { rebase(1, table.Operand()); }},
+        {REBASE_OPCODE_DO_REBASE_ULEB_TIMES_SKIPPING_ULEB, [&] { rebaseWithGaps(table.Operand()); }},
+    });
 }
 
 void Bind(const ImageFile& file, std::string_view bytes, ImageMemory& memory,
           const std::function<std::uint32_t(const std::string& name)>& find) {
-    const ByteView table(bytes);
-    Cursor cursor(file);
+    FixUpTable table("binds", bytes, file);
     std::uint32_t library = 0;
     std::string name;
     std::uint32_t addend = 0;
@@ -114,53 +113,24 @@ void Bind(const ImageFile& file, std::string_view bytes, ImageMemory& memory,
         if (library == 0 || library > file.libraries)
             throw UnsupportedMachO("the import " + name + " names no library of the file");
         const std::uint32_t value = find(name) + addend;
-        cursor.Visit(count, gap, [&](std::uint32_t address) { memory.SetWord(address, value); });
+        table.Visit(count, gap, [&](std::uint32_t address) { memory.SetWord(address, value); });
     };
-    for (std::uint32_t place = 0; place < table.Size();) {
-        const std::uint8_t operation = table.U8(place++);
-        const std::uint8_t operand = operation & BIND_IMMEDIATE_MASK;
-        switch (operation & BIND_OPCODE_MASK) {
-        case BIND_OPCODE_DONE: // ends one lazy bind, or fills the end of the table
-            break;
-        case BIND_OPCODE_SET_DYLIB_ORDINAL_IMM:
-            library = operand;
-            break;
-        case BIND_OPCODE_SET_DYLIB_ORDINAL_ULEB:
-            library = table.Uleb(place);
-            break;
-        case BIND_OPCODE_SET_SYMBOL_TRAILING_FLAGS_IMM:
-            name = table.Text(place);
-            break;
-        case BIND_OPCODE_SET_TYPE_IMM:
-            if (operand != BIND_TYPE_POINTER) refuseOperation("binds", operation);
-            break;
-        case BIND_OPCODE_SET_ADDEND_SLEB:
-            addend = static_cast<std::uint32_t>(table.Sleb(place));
-            break;
-        case BIND_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB:
-            cursor.SetSegment(operand, table.Uleb(place));
-            break;
-        case BIND_OPCODE_ADD_ADDR_ULEB:
-            cursor.Skip(table.Uleb(place));
-            break;
-        case BIND_OPCODE_DO_BIND:
-            bind(1, 0);
-            break;
-        case BIND_OPCODE_DO_BIND_ADD_ADDR_ULEB:
-            bind(1, table.Uleb(place));
-            break;
-        case BIND_OPCODE_DO_BIND_ADD_ADDR_IMM_SCALED:
-            bind(1, operand * kPointerSize);
-            break;
-        case BIND_OPCODE_DO_BIND_ULEB_TIMES_SKIPPING_ULEB: {
-            const std::uint32_t count = table.Uleb(place);
-            bind(count, table.Uleb(place));
-            break;
-        }
-        default:
-            refuseOperation("binds", operation);
-        }
-    }
+    const auto bindWithGaps = [&](std::uint32_t count) { bind(count, table.Operand()); };
+    table.Run({
+        {BIND_OPCODE_DONE, [] {}}, // ends one lazy bind, or fills the end of the table
+        {BIND_OPCODE_SET_DYLIB_ORDINAL_IMM, [&] { library = table.SmallOperand(); }},
+        {BIND_OPCODE_SET_DYLIB_ORDINAL_ULEB, [&] { library = table.Operand(); }},
+        {BIND_OPCODE_SET_SYMBOL_TRAILING_FLAGS_IMM, [&] { name = table.TextOperand(); }},
+        {BIND_OPCODE_SET_TYPE_IMM, [&] { table.Require(table.SmallOperand() == BIND_TYPE_POINTER); }},
+        {BIND_OPCODE_SET_ADDEND_SLEB, [&] { addend = table.SignedOperand(); }},
+        {BIND_OPCODE_SET_SEGMENT_AND_OFFSET_ULEB,
+         [&] { table.SetAddress(table.SmallOperand(), table.Operand()); }},
+        {BIND_OPCODE_ADD_ADDR_ULEB, [&] { table.Skip(table.Operand()); }},
+        {BIND_OPCODE_DO_BIND, [&] { bind(1, 0); }},
+        {BIND_OPCODE_DO_BIND_ADD_ADDR_ULEB, [&] { bind(1, table.Operand()); }},
+        {BIND_OPCODE_DO_BIND_ADD_ADDR_IMM_SCALED, [&] { bind(1, table.SmallOperand() * kPointerSize); }},
+        {BIND_OPCODE_DO_BIND_ULEB_TIMES_SKIPPING_ULEB, [&] { bindWithGaps(table.Operand()); }},
+    });
 }
 
 std::optional<std::uint32_t> FindExport(const ImageFile& file, const std::string& name) {

@@ -16,32 +16,44 @@ constexpr std::uint8_t kRelativeAddress = 0x10, kRelativeIndirect = 0x80 | 0x10 
 /// The Mac numbers these registers in the opposite order.
 constexpr std::uint8_t kLinuxEsp = 4, kLinuxEbp = 5;
 
-/// The call frame instructions. kDefCfa has the name DW_CFA_def_cfa in DWARF. The last three have an operand
-/// in their lower six bits.
-enum Instruction : std::uint8_t {
-    kNop = 0x00,
-    kAdvanceLoc1 = 0x02,
-    kAdvanceLoc2 = 0x03,
-    kAdvanceLoc4 = 0x04,
-    kOffsetExtended = 0x05,
-    kRestoreExtended = 0x06,
-    kUndefined = 0x07,
-    kSameValue = 0x08,
-    kRegister = 0x09,
-    kRememberState = 0x0A,
-    kRestoreState = 0x0B,
-    kDefCfa = 0x0C,
-    kDefCfaRegister = 0x0D,
-    kDefCfaOffset = 0x0E,
-    kOffsetExtendedSf = 0x11,
-    kDefCfaSf = 0x12,
-    kDefCfaOffsetSf = 0x13,
-    kGnuArgsSize = 0x2E,
-    kAdvanceLoc = 0x40,
-    kOffset = 0x80,
-    kRestore = 0xC0,
+/// A call frame instruction and its operands, one letter each: 'r' is a register, 'n' another number, and a
+/// digit is a number of that many bytes. 'l' is a register in the lower six bits of the code.
+struct Instruction {
+    std::uint8_t code;
+    const char* operands;
 };
-constexpr std::uint8_t kOperandBits = 0x3F;
+constexpr std::uint8_t kLowBits = 0x3F; ///< An operand, if one of the other two bits is set.
+constexpr Instruction kInstructions[] = {
+    {0x00, ""},   // DW_CFA_nop
+    {0x02, "1"},  // DW_CFA_advance_loc1
+    {0x03, "2"},  // DW_CFA_advance_loc2
+    {0x04, "4"},  // DW_CFA_advance_loc4
+    {0x05, "rn"}, // DW_CFA_offset_extended
+    {0x06, "r"},  // DW_CFA_restore_extended
+    {0x07, "r"},  // DW_CFA_undefined
+    {0x08, "r"},  // DW_CFA_same_value
+    {0x09, "rr"}, // DW_CFA_register
+    {0x0A, ""},   // DW_CFA_remember_state
+    {0x0B, ""},   // DW_CFA_restore_state
+    {0x0C, "rn"}, // DW_CFA_def_cfa
+    {0x0D, "r"},  // DW_CFA_def_cfa_register
+    {0x0E, "n"},  // DW_CFA_def_cfa_offset
+    {0x11, "rn"}, // DW_CFA_offset_extended_sf
+    {0x12, "rn"}, // DW_CFA_def_cfa_sf
+    {0x13, "n"},  // DW_CFA_def_cfa_offset_sf
+    {0x2E, "n"},  // DW_CFA_GNU_args_size
+    {0x40, ""},   // DW_CFA_advance_loc
+    {0x80, "ln"}, // DW_CFA_offset
+    {0xC0, "l"},  // DW_CFA_restore
+};
+
+const char* operandsOf(std::uint8_t byte) {
+    const int code = byte > kLowBits ? byte & ~kLowBits : byte;
+    for (const Instruction& instruction : kInstructions) {
+        if (instruction.code == code) return instruction.operands;
+    }
+    throw UnsupportedMachO("unsupported unwind instruction: " + std::to_string(byte));
+}
 
 /// The properties of the function entries that refer to one common entry.
 struct CommonEntry {
@@ -137,57 +149,18 @@ private:
             bytes[place] = static_cast<char>(byte ^ kLinuxEsp ^ kLinuxEbp);
     }
 
-    void TranslateRegister(std::uint32_t& place) {
-        ExchangeRegister(place, 0xFF);
-        View().Uleb(place);
-    }
-
     void TranslateInstructions(std::uint32_t place, std::uint32_t end) {
         while (place < end) {
             const std::uint32_t start = place;
-            const std::uint8_t byte = View().U8(place++);
-            switch (byte < kAdvanceLoc ? byte : byte & ~kOperandBits) {
-            case kNop:
-            case kAdvanceLoc:
-            case kRememberState:
-            case kRestoreState:
-                break;
-            case kAdvanceLoc1:
-            case kAdvanceLoc2:
-            case kAdvanceLoc4:
-                place += 1u << (byte - kAdvanceLoc1); // 1, 2 or 4 bytes
-                break;
-            case kRestore:
-                ExchangeRegister(start, kOperandBits);
-                break;
-            case kOffset:
-                ExchangeRegister(start, kOperandBits);
-                View().Uleb(place);
-                break;
-            case kRestoreExtended:
-            case kUndefined:
-            case kSameValue:
-            case kDefCfaRegister:
-                TranslateRegister(place);
-                break;
-            case kRegister:
-                TranslateRegister(place);
-                TranslateRegister(place);
-                break;
-            case kOffsetExtended:
-            case kDefCfa:
-            case kOffsetExtendedSf:
-            case kDefCfaSf:
-                TranslateRegister(place);
-                View().Uleb(place);
-                break;
-            case kDefCfaOffset:
-            case kDefCfaOffsetSf:
-            case kGnuArgsSize:
-                View().Uleb(place);
-                break;
-            default:
-                throw UnsupportedMachO("unsupported unwind instruction: " + std::to_string(byte));
+            for (const char* kind = operandsOf(View().U8(place++)); *kind; ++kind) {
+                if (*kind == 'l') {
+                    ExchangeRegister(start, kLowBits);
+                } else if (*kind >= '0' && *kind <= '9') {
+                    place += static_cast<std::uint32_t>(*kind - '0');
+                } else {
+                    if (*kind == 'r') ExchangeRegister(place, 0xFF);
+                    View().Uleb(place);
+                }
             }
         }
     }
