@@ -16,10 +16,8 @@ namespace xcodhost {
 namespace {
 
 Json toJson(const Check& check) {
-    return {{"id", check.id},
-            {"sentence", check.sentence},
-            {"why", check.why},
-            {"needs", std::vector<std::string>(check.dependencies.begin(), check.dependencies.end())}};
+    return {
+        {"id", check.id}, {"sentence", check.sentence}, {"why", check.why}, {"needs", DependenciesOf(check)}};
 }
 
 const Check& checkNamed(const std::string& id) {
@@ -38,7 +36,7 @@ const Check& checkNamed(const std::string& id) {
 
 std::string explanation(const Check& check, const Style& style) {
     std::string text = style.Heading(check.id) + "\n" + check.sentence + "\n\n" + check.why + '\n';
-    for (const char* dependency : check.dependencies) text += std::string("depends on  ") + dependency + '\n';
+    for (const std::string& id : DependenciesOf(check)) text += "depends on  " + id + '\n';
     return text + "repeat      xcodhost validate BUNDLE --include " + check.id + '\n';
 }
 
@@ -46,7 +44,7 @@ ExitStatus listChecks(bool isJson) {
     std::string text;
     Json document = {{"command", "list checks"}, {"checks", Json::array()}, {"exitStatus", 0}};
     for (const Check& check : AllChecks()) {
-        const std::string id = check.id;
+        const std::string& id = check.id;
         text += id + std::string(id.size() < 30 ? 30 - id.size() : 1, ' ') + ' ' + check.sentence + '\n';
         document["checks"].push_back(toJson(check));
     }

@@ -10,23 +10,24 @@ namespace xcodhost {
 
 namespace {
 
-using Group = std::vector<Check> (*)();
-
 std::vector<Check> gathered() {
     std::vector<Check> all;
-    for (const Group group :
-         {&BundleChecks, &FactoryChecks, &ReferenceChecks, &InterfaceChecks, &DispatchChecks, &BlockChecks,
-          &StepChecks, &PreInstallChecks, &PostInstallChecks, &StatusFileChecks, &FinderChecks, &FaultChecks,
-          &ProcessChecks}) {
-        const std::vector<Check> checks = group();
-        all.insert(all.end(), checks.begin(), checks.end());
+    for (const CheckGroup* const group :
+         {&kBundleChecks, &kFactoryChecks, &kFunctionBlockChecks, &kReferencesChecks, &kInterfaceChecks,
+          &kDispatchChecks, &kBlockChecks, &kStepsChecks, &kPreInstallChecks, &kPostInstallChecks,
+          &kPreferencesChecks, &kStatusFileChecks, &kFinderChecks, &kFaultsChecks, &kProcessChecks,
+          &kVolumeChecks}) {
+        for (Check check : group->checks) {
+            check.id = group->name + ('.' + check.id);
+            all.push_back(std::move(check));
+        }
     }
     return all;
 }
 
 bool isMatch(const std::string& pattern, const Check& check) {
-    const std::string id = check.id;
-    return fnmatch(pattern.c_str(), id.c_str(), 0) == 0 || pattern == id.substr(0, id.find('.'));
+    return fnmatch(pattern.c_str(), check.id.c_str(), 0) == 0 ||
+           pattern == check.id.substr(0, check.id.find('.'));
 }
 
 } // namespace
@@ -34,6 +35,16 @@ bool isMatch(const std::string& pattern, const Check& check) {
 const std::vector<Check>& AllChecks() {
     static const std::vector<Check> checks = gathered();
     return checks;
+}
+
+std::vector<std::string> DependenciesOf(const Check& check) {
+    std::vector<std::string> ids;
+    for (const Check::Body body : check.dependencies) {
+        const auto& all = AllChecks();
+        ids.push_back(
+            std::find_if(all.begin(), all.end(), [&](const Check& one) { return one.body == body; })->id);
+    }
+    return ids;
 }
 
 std::vector<const Check*> MatchingChecks(const std::vector<std::string>& patterns) {

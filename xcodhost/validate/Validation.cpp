@@ -160,15 +160,15 @@ private:
     /// are not part of the plan.
     Readiness ReadinessOf(CheckResult& one) const {
         Readiness readiness = Readiness::kReady;
-        for (const std::string id : one.check->dependencies) {
+        for (const Check::Body body : one.check->dependencies) {
             const auto dependency =
                 std::find_if(result.checks.begin(), result.checks.end(),
-                             [&](const CheckResult& other) { return other.check->id == id; });
+                             [&](const CheckResult& other) { return other.check->body == body; });
             if (dependency == result.checks.end()) continue;
             if (phases[static_cast<std::size_t>(dependency - result.checks.begin())] != Phase::kDone) {
                 readiness = Readiness::kMustWait;
             } else if (dependency->state != CheckResult::State::kPassed) {
-                one.reason = "depends on " + id;
+                one.reason = "depends on " + dependency->check->id;
                 return Readiness::kNever;
             }
         }

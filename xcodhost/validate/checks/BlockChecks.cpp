@@ -92,28 +92,29 @@ void hostFieldsAreNotRead(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> BlockChecks() {
-    const std::vector<const char*> events = {"dispatch.pre-install", "dispatch.post-install"};
-    return {
-        Check("block.error-bits", &otherErrorBitsStay, events)
+const std::vector<Check::Body> kNeedsEvents = {&PreInstallReturns, &PostInstallReturns};
+
+const CheckGroup kBlockChecks = {
+    "block",
+    {
+        Check("error-bits", &otherErrorBitsStay, kNeedsEvents)
             .Claim("The plug-in never changes the error bits 1 to 31 and never clears bit 0.")
             .Reason("The other bits belong to the host and to other plug-ins. The check sets each of the 32 "
                     "bits alone. It uses rejected calls, unknown products and other messages."),
-        Check("block.no-error", &goodCallKeepsFlags, events)
+        Check("no-error", &goodCallKeepsFlags, kNeedsEvents)
             .Claim("A successful event does not change the error flags.")
             .Reason("If an error bit is set, the installer reports a failed installation to the user."),
-        Check("block.rest", &restOfBlockStays, events)
+        Check("rest", &restOfBlockStays, kNeedsEvents)
             .Claim("The plug-in changes no other byte of the block and no byte around the block.")
             .Reason("The block is the host's own record and continues after the last field that a plug-in "
                     "reads."),
-        Check("block.odd-address", &anyAddressWorks, events)
+        Check("odd-address", &anyAddressWorks, kNeedsEvents)
             .Claim("The block may start at any address.")
             .Reason("The host guarantees no alignment. The plug-in must copy the fields instead of "
                     "dereferencing pointers to them."),
-        Check("block.host-fields", &hostFieldsAreNotRead, events)
+        Check("host-fields", &hostFieldsAreNotRead, kNeedsEvents)
             .Claim("The plug-in does not read the host's own fields.")
             .Reason("Bytes 12 to 609 have no meaning for a plug-in."),
-    };
-}
+    }};
 
 } // namespace xcodhost

@@ -60,13 +60,6 @@ void typeHasFactory(CheckRun& run) {
                    ", but no such entry");
 }
 
-void factoryHasItsName(CheckRun& run) {
-    for (const BundleFactory& factory : pluginFactories(ReadInfoPlist(run.BundlePath()))) {
-        run.Expect(factory.function == kFactoryFunction, std::string("function ") + kFactoryFunction,
-                   "function " + factory.function);
-    }
-}
-
 BundleExecutable loadableExecutable(CheckRun& run) {
     const auto read = [&] { return ReadBundle(run.BundlePath()); };
     return reading(run, "a readable executable", read).executables.front();
@@ -123,50 +116,57 @@ void nothingElseIsExported(CheckRun& run) {
     run.Expect(others.empty(), "exports only MyFactory, PostInstall and PreInstall", "also exports" + others);
 }
 
-void codeLoads(CheckRun& run) { run.Bundle().Symbol(kFactoryFunction); }
-
 } // namespace
 
-std::vector<Check> BundleChecks() {
-    return {
-        Check("bundle.property-list", &propertyListIsThere)
+void FactoryHasItsName(CheckRun& run) {
+    for (const BundleFactory& factory : pluginFactories(ReadInfoPlist(run.BundlePath()))) {
+        run.Expect(factory.function == kFactoryFunction, std::string("function ") + kFactoryFunction,
+                   "function " + factory.function);
+    }
+}
+
+void CodeLoads(CheckRun& run) { run.Bundle().Symbol(kFactoryFunction); }
+
+const CheckGroup kBundleChecks = {
+    "bundle",
+    {
+        Check("property-list", &propertyListIsThere)
             .Claim("The bundle is a directory with a readable property list.")
             .Reason("The installer finds the executable and the factories through Contents/Info.plist. "
                     "\"xcodhost info BUNDLE\" prints the property list.")
             .FailsWith(ExitStatus::kNotLoaded),
-        Check("bundle.factory", &typeHasFactory, {"bundle.property-list"})
+        Check("factory", &typeHasFactory, {&propertyListIsThere})
             .Claim("The property list assigns a factory to the installer's plug-in type.")
             .Reason("CFPlugInTypes must list, for the installer's plug-in type, the identifier of an entry "
                     "of CFPlugInFactories. Without this identifier the installer never calls the bundle.")
             .FailsWith(ExitStatus::kNotLoaded),
-        Check("bundle.factory-name", &factoryHasItsName, {"bundle.factory"})
+        Check("factory-name", &FactoryHasItsName, {&typeHasFactory})
             .Claim("The factory function is MyFactory.")
             .Reason("The installer calls the function that CFPlugInFactories names. All plug-ins of this "
                     "installer name MyFactory."),
-        Check("bundle.executable", &executableIsThere, {"bundle.property-list"})
+        Check("executable", &executableIsThere, {&propertyListIsThere})
             .Claim("The executable that the property list names exists and is readable.")
             .Reason("CFBundleExecutable names a file in Contents/Linux or Contents/MacOS.")
             .FailsWith(ExitStatus::kNotLoaded),
-        Check("bundle.architecture", &architectureFits, {"bundle.executable"})
+        Check("architecture", &architectureFits, {&executableIsThere})
             .Claim("The executable is built for the processor and the word size of this tool.")
             .Reason("A 32-bit plug-in needs the 32-bit build of this tool. A 64-bit plug-in needs the 64-bit "
                     "build.")
             .FailsWith(ExitStatus::kNotLoaded),
-        Check("bundle.exports", &stepsAndFactoryAreExported, {"bundle.architecture"})
+        Check("exports", &stepsAndFactoryAreExported, {&architectureFits})
             .Claim("The executable exports MyFactory, PreInstall and PostInstall.")
             .Reason("The installer finds these three functions by name. Usual reasons for a missing function "
                     "are hidden visibility, C++ name mangling and the linker's export list.")
             .FailsWith(ExitStatus::kNotLoaded),
-        Check("bundle.exports-only", &nothingElseIsExported, {"bundle.architecture"})
+        Check("exports-only", &nothingElseIsExported, {&architectureFits})
             .Claim("The executable exports no other symbol.")
             .Reason("All plug-ins share the installer's process. A further exported symbol can replace a "
                     "symbol of another plug-in, or be replaced by one."),
-        Check("bundle.loads", &codeLoads, {"bundle.factory", "bundle.architecture", "bundle.exports"})
+        Check("loads", &CodeLoads, {&typeHasFactory, &architectureFits, &stepsAndFactoryAreExported})
             .Claim("The dynamic linker loads the executable.")
             .Reason(
                 "The report shows the error of the dynamic linker. Usually a library or a symbol is missing.")
             .FailsWith(ExitStatus::kNotLoaded),
-    };
-}
+    }};
 
 } // namespace xcodhost

@@ -16,32 +16,9 @@ void deliverAll(CheckRun& run, std::uint16_t message) {
     for (const ProductContract& product : kProducts) run.Deliver(Event(message, product.code));
     for (const std::int32_t product : kUnknownProducts) run.Deliver(Event(message, product));
 }
-void preInstallReturns(CheckRun& run) { deliverAll(run, kPreInstall); }
-void postInstallReturns(CheckRun& run) {
-    deliverAll(run, kPostInstall);
-    for (const LanguageContract& language : kLanguages) {
-        run.Deliver(Event(kPostInstall, 4900, language.code));
-    }
-    for (const std::int32_t language : kOtherLanguages) run.Deliver(Event(kPostInstall, 4900, language));
-}
-
 bool isVersionKey(const PreferenceChange& change) { return change.key.rfind("InstalledProducts/", 0) == 0; }
 bool isPostInstallKey(const PreferenceChange& change) {
     return change.key == kIntervalKey || change.key == kLanguageKey;
-}
-
-void preInstallRunsAlone(CheckRun& run) {
-    const Changes changes = run.Deliver(Event(kPreInstall, 4900)).changes;
-    const bool isAlone =
-        std::none_of(changes.preferences.begin(), changes.preferences.end(), &isPostInstallKey) &&
-        changes.finderFlags.empty();
-    run.Expect(isAlone, "message 2 has only the effects of the pre-install step", Describe(changes));
-}
-
-void postInstallRunsAlone(CheckRun& run) {
-    const Changes changes = run.Deliver(Event(kPostInstall, 4900)).changes;
-    run.Expect(std::none_of(changes.preferences.begin(), changes.preferences.end(), &isVersionKey),
-               "message 3 has only the effects of the post-install step", Describe(changes));
 }
 
 constexpr std::uint16_t kOtherMessages[] = {0,      1,      4,      5,    6,      0x0102,
@@ -143,49 +120,74 @@ void twoInstancesWork(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> DispatchChecks() {
-    const std::vector<const char*> events = {"dispatch.pre-install", "dispatch.post-install"};
-    return {
-        Check("dispatch.pre-install", &preInstallReturns, {"interface.adds-reference"})
+void PreInstallReturns(CheckRun& run) { deliverAll(run, kPreInstall); }
+
+void PostInstallReturns(CheckRun& run) {
+    deliverAll(run, kPostInstall);
+    for (const LanguageContract& language : kLanguages) {
+        run.Deliver(Event(kPostInstall, 4900, language.code));
+    }
+    for (const std::int32_t language : kOtherLanguages) run.Deliver(Event(kPostInstall, 4900, language));
+}
+
+void PreInstallRunsAlone(CheckRun& run) {
+    const Changes changes = run.Deliver(Event(kPreInstall, 4900)).changes;
+    const bool isAlone =
+        std::none_of(changes.preferences.begin(), changes.preferences.end(), &isPostInstallKey) &&
+        changes.finderFlags.empty();
+    run.Expect(isAlone, "message 2 has only the effects of the pre-install step", Describe(changes));
+}
+
+void PostInstallRunsAlone(CheckRun& run) {
+    const Changes changes = run.Deliver(Event(kPostInstall, 4900)).changes;
+    run.Expect(std::none_of(changes.preferences.begin(), changes.preferences.end(), &isVersionKey),
+               "message 3 has only the effects of the post-install step", Describe(changes));
+}
+
+const std::vector<Check::Body> kNeedsEvents = {&PreInstallReturns, &PostInstallReturns};
+
+const CheckGroup kDispatchChecks = {
+    "dispatch",
+    {
+        Check("pre-install", &PreInstallReturns, {&InterfaceAddsReference})
             .Claim("The pre-install event returns for every known and unknown product.")
             .Reason("The report names the call that crashes, hangs, exits or throws."),
-        Check("dispatch.post-install", &postInstallReturns, {"interface.adds-reference"})
+        Check("post-install", &PostInstallReturns, {&InterfaceAddsReference})
             .Claim("The post-install event returns for every known and unknown product and language.")
             .Reason("The report names the call that crashes, hangs, exits or throws."),
-        Check("dispatch.pre-install-alone", &preInstallRunsAlone, events)
+        Check("pre-install-alone", &PreInstallRunsAlone, kNeedsEvents)
             .Claim("Message 2 runs only the pre-install step.")
             .Reason("The product's files are not installed yet. The post-install step sets the Finder flags "
                     "and the language."),
-        Check("dispatch.post-install-alone", &postInstallRunsAlone, events)
+        Check("post-install-alone", &PostInstallRunsAlone, kNeedsEvents)
             .Claim("Message 3 runs only the post-install step.")
             .Reason("The pre-install step stores the version before the installation."),
-        Check("dispatch.other-messages", &otherMessagesDoNothing, events)
+        Check("other-messages", &otherMessagesDoNothing, kNeedsEvents)
             .Claim("Any other message has no effect and sets no error bit.")
             .Reason("The installer also sends messages that a plug-in must ignore."),
-        Check("dispatch.wrong-selector", &wrongSelectorSetsBit, events)
+        Check("wrong-selector", &wrongSelectorSetsBit, kNeedsEvents)
             .Claim("A selector other than 1000 sets bit 0 of the error flags.")
             .Reason("The plug-in must compare all 16 bits of the selector."),
-        Check("dispatch.wrong-selector-silent", &wrongSelectorIsSilent, events)
+        Check("wrong-selector-silent", &wrongSelectorIsSilent, kNeedsEvents)
             .Claim("The main entry shows no alert for a wrong selector.")
             .Reason("Only the exported steps show alerts, when a host calls them directly."),
-        Check("dispatch.wrong-selector-idle", &wrongSelectorDoesNothing, events)
+        Check("wrong-selector-idle", &wrongSelectorDoesNothing, kNeedsEvents)
             .Claim("A wrong selector has no effect on the volume.")
             .Reason("Neither step runs."),
-        Check("dispatch.order", &orderDoesNotMatter, events)
+        Check("order", &orderDoesNotMatter, kNeedsEvents)
             .Claim("The order of the two events does not change the result.")
             .Reason("The two steps write different items."),
-        Check("dispatch.twice", &eachEventTwiceIsTheSame, events)
+        Check("twice", &eachEventTwiceIsTheSame, kNeedsEvents)
             .Claim("An event that arrives twice in a row has the same effect as one event.")
             .Reason("A step stores fixed values and does not add to stored values."),
-        Check("dispatch.second-run", &secondRunChangesNothing,
-              {"dispatch.order", "pre-install.nothing-else", "post-install.nothing-else"})
+        Check("second-run", &secondRunChangesNothing,
+              {&orderDoesNotMatter, &PreInstallChangesNothingElse, &PostInstallChangesNothingElse})
             .Claim("A second installation of the same product changes nothing.")
             .Reason("Users install a product again when something looks wrong."),
-        Check("dispatch.two-instances", &twoInstancesWork,
-              {"dispatch.pre-install", "dispatch.post-install", "factory.two-instances", "references.zero"})
+        Check("two-instances", &twoInstancesWork,
+              {&PreInstallReturns, &PostInstallReturns, &InstancesAreTheirOwn, &LastReleaseReturnsZero})
             .Claim("Two instances can be in use at the same time.")
             .Reason("The release of one instance must not affect the other."),
-    };
-}
+    }};
 
 } // namespace xcodhost

@@ -12,8 +12,6 @@ namespace xcodhost {
 
 namespace {
 
-void rightTypeGivesInstance(CheckRun& run) { run.Bundle().MakeInstance(); }
-
 /// Expects that the factory returns null for the type and allocates nothing.
 void expectNoInstance(CheckRun& run, FactoryFunction make, const CFUUIDBytes& type) {
     const macplatform::CFOwner<CFUUIDRef> identifier(CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, type));
@@ -46,14 +44,6 @@ void allocatorIsIgnored(CheckRun& run) {
     run.Expect(instance, "an instance for any allocator", "null with kCFAllocatorSystemDefault");
 }
 
-void instanceLiesInPointerBlock(CheckRun& run) {
-    bool hasAsked = false;
-    run.SetCallListener([&](const macplatform::RecordedCall& entry) { hasAsked |= entry.call == "NewPtr"; });
-    run.Bundle().MakeInstance();
-    run.SetCallListener({});
-    run.Expect(hasAsked, "the instance is allocated by NewPtr", "NewPtr was not called");
-}
-
 void noMemoryGivesNothing(CheckRun& run) {
     const FactoryFunction make = run.Factory();
     run.ForgetObjects();
@@ -66,24 +56,6 @@ void noMemoryGivesNothing(CheckRun& run) {
     run.Expect(!instance, "null if there is no memory", "an instance");
     run.Expect(run.ObjectsLeft().empty(), "no memory is left allocated",
                Counted(run.ObjectsLeft().size(), "object"));
-}
-
-void instancesAreTheirOwn(CheckRun& run) {
-    FunctionBlock** const first = run.Bundle().MakeInstance();
-    FunctionBlock** const second = run.Bundle().MakeInstance();
-    run.Expect(first != second, "a new instance from each call", "the same instance twice");
-    if (first == second) return;
-    run.Bundle().RunCode({"AddRef", "first instance", {}}, [&] { return (*first)->AddRef(first); });
-    const ULONG count =
-        run.Bundle().RunCode({"AddRef", "second instance", {}}, [&] { return (*second)->AddRef(second); });
-    run.Expect(count == 2, "2 references of the second instance", std::to_string(count));
-}
-
-void slotsAreFilled(CheckRun& run) {
-    const FunctionBlock& block = **run.Bundle().MakeInstance();
-    run.Expect(!block._reserved, "null in the first slot", "a pointer");
-    run.Expect(block.AddRef, "a function in the AddRef slot", "null");
-    run.Expect(block.main, "a function in the slot of the main entry", "null");
 }
 
 void blockIsConstant(CheckRun& run) {
@@ -99,40 +71,73 @@ void blockIsConstant(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> FactoryChecks() {
-    const std::vector<const char*> loaded = {"bundle.loads", "bundle.factory-name"};
-    return {
-        Check("factory.right-type", &rightTypeGivesInstance, {"bundle.loads"})
+void RightTypeGivesInstance(CheckRun& run) { run.Bundle().MakeInstance(); }
+
+void InstanceLiesInPointerBlock(CheckRun& run) {
+    bool hasAsked = false;
+    run.SetCallListener([&](const macplatform::RecordedCall& entry) { hasAsked |= entry.call == "NewPtr"; });
+    run.Bundle().MakeInstance();
+    run.SetCallListener({});
+    run.Expect(hasAsked, "the instance is allocated by NewPtr", "NewPtr was not called");
+}
+
+void InstancesAreTheirOwn(CheckRun& run) {
+    FunctionBlock** const first = run.Bundle().MakeInstance();
+    FunctionBlock** const second = run.Bundle().MakeInstance();
+    run.Expect(first != second, "a new instance from each call", "the same instance twice");
+    if (first == second) return;
+    run.Bundle().RunCode({"AddRef", "first instance", {}}, [&] { return (*first)->AddRef(first); });
+    const ULONG count =
+        run.Bundle().RunCode({"AddRef", "second instance", {}}, [&] { return (*second)->AddRef(second); });
+    run.Expect(count == 2, "2 references of the second instance", std::to_string(count));
+}
+
+void SlotsAreFilled(CheckRun& run) {
+    const FunctionBlock& block = **run.Bundle().MakeInstance();
+    run.Expect(!block._reserved, "null in the first slot", "a pointer");
+    run.Expect(block.AddRef, "a function in the AddRef slot", "null");
+    run.Expect(block.main, "a function in the slot of the main entry", "null");
+}
+
+const std::vector<Check::Body> kNeedsCode = {&CodeLoads, &FactoryHasItsName};
+
+const CheckGroup kFactoryChecks = {
+    "factory",
+    {
+        Check("right-type", &RightTypeGivesInstance, {&CodeLoads})
             .Claim("The factory creates an instance for the installer's plug-in type.")
             .Reason("The first word of the instance points to the function block. QueryInterface and Release "
                     "in the function block are not null."),
-        Check("factory.wrong-types", &wrongTypesAreRefused, loaded)
+        Check("wrong-types", &wrongTypesAreRefused, kNeedsCode)
             .Claim("The factory returns null and allocates nothing for any other type.")
             .Reason("The factory must compare all 16 bytes of the type. The check also asks for types that "
                     "differ in one bit."),
-        Check("factory.allocator", &allocatorIsIgnored, {"factory.right-type", "bundle.factory-name"})
+        Check("allocator", &allocatorIsIgnored, {&RightTypeGivesInstance, &FactoryHasItsName})
             .Claim("The factory ignores its allocator argument.")
             .Reason("The installer's allocator is not meant for instances."),
-        Check("factory.pointer-block", &instanceLiesInPointerBlock, {"factory.right-type"})
+        Check("pointer-block", &InstanceLiesInPointerBlock, {&RightTypeGivesInstance})
             .Claim("The instance is a memory block of the Memory Manager.")
             .Reason("NewPtr allocates the block and DisposePtr frees it."),
-        Check("factory.no-memory", &noMemoryGivesNothing,
-              {"factory.right-type", "factory.pointer-block", "bundle.factory-name"})
+        Check("no-memory", &noMemoryGivesNothing,
+              {&RightTypeGivesInstance, &InstanceLiesInPointerBlock, &FactoryHasItsName})
             .Claim("The factory returns null if there is no memory.")
             .Reason("The check makes NewPtr return null. A write through this null pointer crashes the "
                     "installer."),
-        Check("factory.two-instances", &instancesAreTheirOwn, {"references.counting"})
+        Check("two-instances", &InstancesAreTheirOwn, {&CountsOneByOne})
             .Claim("Two instances have separate reference counts.")
             .Reason("A static instance or a static count breaks this rule."),
-        Check("function-block.slots", &slotsAreFilled, {"factory.right-type"})
+    }};
+
+const CheckGroup kFunctionBlockChecks = {
+    "function-block",
+    {
+        Check("slots", &SlotsAreFilled, {&RightTypeGivesInstance})
             .Claim("The function block holds null, QueryInterface, AddRef, Release and the main entry, in "
                    "this order.")
             .Reason("The installer calls the functions at these positions."),
-        Check("function-block.constant", &blockIsConstant,
-              {"interface.host", "dispatch.pre-install", "dispatch.post-install"})
+        Check("constant", &blockIsConstant, {&HostInterfaceIsGiven, &PreInstallReturns, &PostInstallReturns})
             .Claim("All instances share one function block, and the block never changes.")
             .Reason("The function block is a static table."),
-    };
-}
+    }};
 
 } // namespace xcodhost

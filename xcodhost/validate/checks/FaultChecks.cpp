@@ -119,37 +119,38 @@ void queryWithoutMemoryIsHarmless(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> FaultChecks() {
-    const std::vector<const char*> events = {"pre-install.nothing-else", "post-install.nothing-else",
-                                             "process.objects"};
-    return {
-        Check("faults.preferences", &failedPreferencesAreHarmless, events)
+const std::vector<Check::Body> kNeedsCleanEvents = {&PreInstallChangesNothingElse,
+                                                    &PostInstallChangesNothingElse, &NoObjectIsLeft};
+
+const CheckGroup kFaultsChecks = {
+    "faults",
+    {
+        Check("preferences", &failedPreferencesAreHarmless, kNeedsCleanEvents)
             .Claim("A failed preference call causes no error bit, no half-written file and no leak.")
             .Reason("The check makes each call that sets or synchronises a preference fail in turn."),
-        Check("faults.no-string", &missingStringsAreHarmless, events)
+        Check("no-string", &missingStringsAreHarmless, kNeedsCleanEvents)
             .Claim("A string that cannot be created causes no harm.")
             .Reason("The check makes each call that creates a CFString fail in turn."),
-        Check("faults.no-number", &missingNumbersAreHarmless, events)
+        Check("no-number", &missingNumbersAreHarmless, kNeedsCleanEvents)
             .Claim("A number that cannot be created causes no harm, and the stored value stays.")
             .Reason("Setting a preference to null removes the stored value."),
-        Check("faults.finder", &failedFinderCallsAreHarmless, events)
+        Check("finder", &failedFinderCallsAreHarmless, kNeedsCleanEvents)
             .Claim("A failed Finder call causes no harm.")
             .Reason("The check makes each call that reads or writes the Finder information fail in turn."),
-        Check("faults.finder-apart", &finderFaultLeavesOther,
-              {"finder.folder", "finder.icon", "finder.other-items"})
+        Check("finder-apart", &finderFaultLeavesOther,
+              {&FolderFlagsAreSet, &IconIsHidden, &OtherItemsKeepFlags})
             .Claim("If the Finder information of one item cannot be read, the other item gets its flags.")
             .Reason("Post-install processes the folder and its icon file separately."),
-        Check("faults.files", &failedFileCallsAreHarmless, events)
+        Check("files", &failedFileCallsAreHarmless, kNeedsCleanEvents)
             .Claim("A failed call for the status file causes no harm.")
             .Reason("The check makes each call that finds or opens a file fail in turn."),
-        Check("faults.broken-list", &brokenFileIsLeft, {"dispatch.pre-install", "dispatch.post-install"})
+        Check("broken-list", &brokenFileIsLeft, {&PreInstallReturns, &PostInstallReturns})
             .Claim("A preferences file that cannot be parsed keeps its bytes.")
             .Reason("New values cannot be merged into an unreadable file. The user's data must not be lost."),
-        Check("faults.query", &queryWithoutMemoryIsHarmless, {"interface.nothing-left"})
+        Check("query", &queryWithoutMemoryIsHarmless, {&QueriesLeaveNothing})
             .Claim("QueryInterface causes no harm if there is no memory.")
             .Reason("The check makes the creation of the identifier object fail. The result and the output "
                     "pointer must agree."),
-    };
-}
+    }};
 
 } // namespace xcodhost

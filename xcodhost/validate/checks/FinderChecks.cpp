@@ -52,13 +52,6 @@ void expectFinderFlags(CheckRun& run, const char* macPath, std::uint16_t mask, s
     }
 }
 
-void folderFlagsAreSet(CheckRun& run) {
-    expectFinderFlags(run, kVendorFolder, kInvisibleFlag | kCustomIconFlag, kCustomIconFlag);
-}
-void iconIsHidden(CheckRun& run) {
-    expectFinderFlags(run, kIconFile, kInvisibleFlag | kCustomIconFlag, kInvisibleFlag);
-}
-
 void otherFlagsStay(CheckRun& run) {
     constexpr std::uint16_t others = 0xFFFE & ~(kInvisibleFlag | kCustomIconFlag);
     for (const char* const path : {kVendorFolder, kIconFile}) {
@@ -72,16 +65,6 @@ void otherFlagsStay(CheckRun& run) {
                        std::string(Printable(path)) + ": the other Finder flags keep the value " +
                            Hex(before, 4),
                        Hex(after, 4));
-        }
-    }
-}
-
-void otherItemsKeepFlags(CheckRun& run) {
-    for (const std::int32_t product : {4900, 1234}) {
-        for (const FinderFlagChange& change : run.Deliver(Event(kPostInstall, product)).changes.finderFlags) {
-            run.Expect(change.path == kVendorFolder || change.path == kIconFile,
-                       "no other item's Finder flags change",
-                       Printable(change.path) + ": " + Describe(change.flag));
         }
     }
 }
@@ -118,35 +101,54 @@ void missingItemsAreSkipped(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> FinderChecks() {
-    const std::vector<const char*> event = {"dispatch.post-install"};
-    return {
-        Check("finder.folder", &folderFlagsAreSet, event)
+void FolderFlagsAreSet(CheckRun& run) {
+    expectFinderFlags(run, kVendorFolder, kInvisibleFlag | kCustomIconFlag, kCustomIconFlag);
+}
+
+void IconIsHidden(CheckRun& run) {
+    expectFinderFlags(run, kIconFile, kInvisibleFlag | kCustomIconFlag, kInvisibleFlag);
+}
+
+void OtherItemsKeepFlags(CheckRun& run) {
+    for (const std::int32_t product : {4900, 1234}) {
+        for (const FinderFlagChange& change : run.Deliver(Event(kPostInstall, product)).changes.finderFlags) {
+            run.Expect(change.path == kVendorFolder || change.path == kIconFile,
+                       "no other item's Finder flags change",
+                       Printable(change.path) + ": " + Describe(change.flag));
+        }
+    }
+}
+
+const std::vector<Check::Body> kNeedsEvent = {&PostInstallReturns};
+
+const CheckGroup kFinderChecks = {
+    "finder",
+    {
+        Check("folder", &FolderFlagsAreSet, kNeedsEvent)
             .Claim("Post-install makes the vendor's folder visible and gives the folder a custom icon.")
             .Reason("Post-install sets flag 0x0400 and clears flag 0x4000 of /Applications/Korvane. The "
                     "result does not depend on the earlier flags."),
-        Check("finder.icon", &iconIsHidden, event)
+        Check("icon", &IconIsHidden, kNeedsEvent)
             .Claim("Post-install makes the folder's icon file invisible and clears its custom icon flag.")
             .Reason("Post-install sets flag 0x4000 and clears flag 0x0400 of /Applications/Korvane/Icon\\r. "
                     "The result does not depend on the earlier flags."),
-        Check("finder.other-flags", &otherFlagsStay, event)
+        Check("other-flags", &otherFlagsStay, kNeedsEvent)
             .Claim("Post-install keeps all other Finder flags of the folder and of its icon file.")
             .Reason("Labels and locks belong to the user."),
-        Check("finder.other-items", &otherItemsKeepFlags, event)
+        Check("other-items", &OtherItemsKeepFlags, kNeedsEvent)
             .Claim("Post-install changes the Finder flags of no other item.")
             .Reason("Only the folder and its icon file belong to the vendor."),
-        Check("finder.unknown-product", &unknownProductSetsFlags,
-              {"finder.folder", "finder.icon", "finder.other-items"})
+        Check("unknown-product", &unknownProductSetsFlags,
+              {&FolderFlagsAreSet, &IconIsHidden, &OtherItemsKeepFlags})
             .Claim("Post-install also sets the Finder flags for an unknown product.")
             .Reason("All products share the folder."),
-        Check("finder.no-icon", &missingIconLeavesFolder, {"finder.folder"})
+        Check("no-icon", &missingIconLeavesFolder, {&FolderFlagsAreSet})
             .Claim("Post-install sets the folder's Finder flags if the icon file is missing.")
             .Reason("The two items must not depend on each other."),
-        Check("finder.missing", &missingItemsAreSkipped, event)
+        Check("missing", &missingItemsAreSkipped, kNeedsEvent)
             .Claim(
                 "Post-install skips a missing folder or icon file without an error and does not create it.")
             .Reason("The user may have moved the products."),
-    };
-}
+    }};
 
 } // namespace xcodhost

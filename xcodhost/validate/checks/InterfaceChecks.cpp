@@ -36,7 +36,6 @@ void expectInstance(CheckRun& run, const CFUUIDBytes& identifier) {
                query.found ? "another pointer" : "null");
 }
 
-void hostInterfaceIsGiven(CheckRun& run) { expectInstance(run, kHostInterface); }
 void unknownInterfaceIsGiven(CheckRun& run) { expectInstance(run, kUnknownInterface); }
 
 /// Returns identifiers of interfaces that no plug-in of this installer supports.
@@ -69,17 +68,6 @@ void refusalClearsThePlace(CheckRun& run) {
     }
 }
 
-void interfaceAddsReference(CheckRun& run) {
-    FunctionBlock** const instance = run.Bundle().MakeInstance();
-    ask(run, instance, kHostInterface);
-    const ULONG afterHost = countOf(run, instance);
-    run.Expect(afterHost == 2, "2 references after the host's interface", std::to_string(afterHost));
-    ask(run, instance, kUnknownInterface);
-    const ULONG afterUnknown = countOf(run, instance);
-    run.Expect(afterUnknown == afterHost + 1, "1 more reference after IUnknown",
-               std::to_string(afterUnknown) + " after " + std::to_string(afterHost));
-}
-
 void refusalAddsNoReference(CheckRun& run) {
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     for (const CFUUIDBytes& identifier : otherInterfaces()) ask(run, instance, identifier);
@@ -103,7 +91,22 @@ void referenceGoesThroughSlot(CheckRun& run) {
                Counted(static_cast<std::size_t>(gSlotCalls), "call") + " of the replaced AddRef");
 }
 
-void queriesLeaveNothing(CheckRun& run) {
+} // namespace
+
+void HostInterfaceIsGiven(CheckRun& run) { expectInstance(run, kHostInterface); }
+
+void InterfaceAddsReference(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    ask(run, instance, kHostInterface);
+    const ULONG afterHost = countOf(run, instance);
+    run.Expect(afterHost == 2, "2 references after the host's interface", std::to_string(afterHost));
+    ask(run, instance, kUnknownInterface);
+    const ULONG afterUnknown = countOf(run, instance);
+    run.Expect(afterUnknown == afterHost + 1, "1 more reference after IUnknown",
+               std::to_string(afterUnknown) + " after " + std::to_string(afterHost));
+}
+
+void QueriesLeaveNothing(CheckRun& run) {
     FunctionBlock** const instance = run.Bundle().MakeInstance();
     run.ForgetObjects();
     for (const CFUUIDBytes& identifier : {kHostInterface, kUnknownInterface, kPluginType}) {
@@ -113,39 +116,38 @@ void queriesLeaveNothing(CheckRun& run) {
     }
 }
 
-} // namespace
+const std::vector<Check::Body> kNeedsCounting = {&HostInterfaceIsGiven, &CountsOneByOne};
 
-std::vector<Check> InterfaceChecks() {
-    const std::vector<const char*> counted = {"interface.host", "references.counting"};
-    return {
-        Check("interface.host", &hostInterfaceIsGiven, {"factory.right-type"})
+const CheckGroup kInterfaceChecks = {
+    "interface",
+    {
+        Check("host", &HostInterfaceIsGiven, {&RightTypeGivesInstance})
             .Claim("QueryInterface supports the installer's interface.")
             .Reason("The result is 0, and the output pointer is the instance itself."),
-        Check("interface.iunknown", &unknownInterfaceIsGiven, {"factory.right-type"})
+        Check("iunknown", &unknownInterfaceIsGiven, {&RightTypeGivesInstance})
             .Claim("QueryInterface supports IUnknown and returns the same pointer.")
             .Reason("The IUnknown pointer is the identity of an object."),
-        Check("interface.others", &othersAreRefused, {"factory.right-type"})
+        Check("others", &othersAreRefused, {&RightTypeGivesInstance})
             .Claim("QueryInterface returns 0x80000004 for any other interface.")
             .Reason("QueryInterface must compare all 16 bytes of the identifier. The check also asks for "
                     "identifiers that differ in one bit."),
-        Check("interface.clears-place", &refusalClearsThePlace, {"factory.right-type", "interface.others"})
+        Check("clears-place", &refusalClearsThePlace, {&RightTypeGivesInstance, &othersAreRefused})
             .Claim("QueryInterface sets the output pointer to null for an unsupported interface.")
             .Reason("The installer tests the pointer and ignores the result."),
-        Check("interface.adds-reference", &interfaceAddsReference,
-              {"interface.host", "interface.iunknown", "references.counting"})
+        Check("adds-reference", &InterfaceAddsReference,
+              {&HostInterfaceIsGiven, &unknownInterfaceIsGiven, &CountsOneByOne})
             .Claim("Each successful QueryInterface call adds one reference.")
             .Reason("Without this reference the installer's Release frees an instance that is still in use."),
-        Check("interface.refusal-count", &refusalAddsNoReference, {"interface.others", "references.counting"})
+        Check("refusal-count", &refusalAddsNoReference, {&othersAreRefused, &CountsOneByOne})
             .Claim("A QueryInterface call for an unsupported interface adds no reference.")
             .Reason("An additional reference keeps the instance from being freed."),
-        Check("interface.through-slot", &referenceGoesThroughSlot, {"interface.adds-reference"})
+        Check("through-slot", &referenceGoesThroughSlot, {&InterfaceAddsReference})
             .Claim("QueryInterface adds the reference through the instance's function block.")
             .Reason("A host may replace the function block to observe the reference count."),
-        Check("interface.nothing-left", &queriesLeaveNothing, counted)
+        Check("nothing-left", &QueriesLeaveNothing, kNeedsCounting)
             .Claim("QueryInterface leaves no platform object behind.")
             .Reason("QueryInterface must release the identifier object that it creates for the comparison, "
                     "for supported and unsupported interfaces."),
-    };
-}
+    }};
 
 } // namespace xcodhost

@@ -24,18 +24,6 @@ std::string storedTag(const VolumeState& state, const ProductContract& product) 
     return isText ? value->second.text : Describe(std::optional(value->second));
 }
 
-void languageIsStored(CheckRun& run) {
-    for (const ProductContract& product : kProducts) {
-        for (const LanguageContract& language : kLanguages) {
-            run.UseFreshVolume();
-            run.Deliver(Event(kPostInstall, product.code, language.code));
-            const std::string seen = storedTag(run.CurrentVolume(), product);
-            run.RecordCell(product.code, language.code, seen, seen == language.tag);
-            run.ExpectPreference(product.domain, kLanguageKey, textValue(language.tag));
-        }
-    }
-}
-
 void otherLanguagesAreEnglish(CheckRun& run) {
     const ProductContract& product = kProducts.back();
     for (const std::int32_t language : kOtherLanguages) {
@@ -64,41 +52,12 @@ bool isFailureText(const PreferenceChange& change) {
     return change.domain == kUpdaterDomain && change.key == kFailureKey;
 }
 
-void nothingElseChanges(CheckRun& run) {
-    for (const ProductContract& product : kProducts) {
-        for (const bool hasStatus : {true, false}) {
-            SampleVolume sample;
-            if (!hasStatus) sample.status.reset();
-            run.UseFreshVolume(sample);
-            Changes changes = run.Deliver(Event(kPostInstall, product.code)).changes;
-            changes.preferences.erase(
-                std::remove_if(changes.preferences.begin(), changes.preferences.end(), &isFailureText),
-                changes.preferences.end());
-            ExpectNothingBeside(run, changes,
-                                {{kUpdaterDomain, kIntervalKey}, {product.domain, kLanguageKey}});
-        }
-    }
-}
-
 void storedInOrder(CheckRun& run) {
     ExpectOrder(
         run, run.Deliver(Event(kPostInstall, 4900)),
         {"CFPreferencesSetValue \"UpdateInterval\"", "CFPreferencesSynchronize \"com.korvane.updater\"",
          "CFPreferencesSetValue \"Lang\"", "CFPreferencesSynchronize \"com.korvane.audioplugins.Fusewright\"",
          "FSSetCatalogInfo \"/Applications/Korvane\"", "FSSetCatalogInfo \"/Applications/Korvane/Icon\\r\""});
-}
-
-/// Both preference calls have the user scope and the host scope as their last two arguments.
-void scopesAreRight(CheckRun& run) {
-    for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
-        for (const macplatform::RecordedCall& entry : run.Deliver(Event(message, 4900)).calls) {
-            if (entry.call.rfind("CFPreferences", 0) != 0 || entry.arguments.size() < 2) continue;
-            std::string scope = entry.arguments[entry.arguments.size() - 2];
-            scope.append(", ").append(entry.arguments.back());
-            run.Expect(scope == "kCFPreferencesAnyUser, kCFPreferencesCurrentHost",
-                       entry.call + " for any user on the current host", scope);
-        }
-    }
 }
 
 void otherKeysStay(CheckRun& run) {
@@ -118,41 +77,88 @@ void otherKeysStay(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> PostInstallChecks() {
-    const std::vector<const char*> event = {"dispatch.post-install"};
-    return {
-        Check("post-install.language", &languageIsStored, event)
+void LanguageIsStored(CheckRun& run) {
+    for (const ProductContract& product : kProducts) {
+        for (const LanguageContract& language : kLanguages) {
+            run.UseFreshVolume();
+            run.Deliver(Event(kPostInstall, product.code, language.code));
+            const std::string seen = storedTag(run.CurrentVolume(), product);
+            run.RecordCell(product.code, language.code, seen, seen == language.tag);
+            run.ExpectPreference(product.domain, kLanguageKey, textValue(language.tag));
+        }
+    }
+}
+
+void PostInstallChangesNothingElse(CheckRun& run) {
+    for (const ProductContract& product : kProducts) {
+        for (const bool hasStatus : {true, false}) {
+            SampleVolume sample;
+            if (!hasStatus) sample.status.reset();
+            run.UseFreshVolume(sample);
+            Changes changes = run.Deliver(Event(kPostInstall, product.code)).changes;
+            changes.preferences.erase(
+                std::remove_if(changes.preferences.begin(), changes.preferences.end(), &isFailureText),
+                changes.preferences.end());
+            ExpectNothingBeside(run, changes,
+                                {{kUpdaterDomain, kIntervalKey}, {product.domain, kLanguageKey}});
+        }
+    }
+}
+
+/// Both preference calls have the user scope and the host scope as their last two arguments.
+void ScopesAreRight(CheckRun& run) {
+    for (const std::uint16_t message : {kPreInstall, kPostInstall}) {
+        for (const macplatform::RecordedCall& entry : run.Deliver(Event(message, 4900)).calls) {
+            if (entry.call.rfind("CFPreferences", 0) != 0 || entry.arguments.size() < 2) continue;
+            std::string scope = entry.arguments[entry.arguments.size() - 2];
+            scope.append(", ").append(entry.arguments.back());
+            run.Expect(scope == "kCFPreferencesAnyUser, kCFPreferencesCurrentHost",
+                       entry.call + " for any user on the current host", scope);
+        }
+    }
+}
+
+const std::vector<Check::Body> kNeedsEvent = {&PostInstallReturns};
+
+const CheckGroup kPostInstallChecks = {
+    "post-install",
+    {
+        Check("language", &LanguageIsStored, kNeedsEvent)
             .Claim("Post-install stores the installer's language in the product's own preferences.")
             .Reason("The key is Lang in the product's domain. The check uses each known product and each of "
                     "the twelve language codes."),
-        Check("post-install.other-languages", &otherLanguagesAreEnglish, {"post-install.language"})
+        Check("other-languages", &otherLanguagesAreEnglish, {&LanguageIsStored})
             .Claim("Post-install stores English for any other language code.")
             .Reason("The check uses codes below 0 and above 11."),
-        Check("post-install.replaces", &languageIsReplaced, {"post-install.language"})
+        Check("replaces", &languageIsReplaced, {&LanguageIsStored})
             .Claim("Post-install replaces a stored language.")
             .Reason("Users install again in another language."),
-        Check("post-install.unknown-product", &unknownProductStoresNothing,
-              {"dispatch.post-install-alone", "pre-install.unknown-product"})
+        Check("unknown-product", &unknownProductStoresNothing,
+              {&PostInstallRunsAlone, &UnknownProductStoresNoVersion})
             .Claim("Post-install stores no preference for an unknown product.")
             .Reason("Post-install must compare all 32 bits of the product code. The check uses codes near "
                     "the known ones and far from them."),
-        Check("post-install.nothing-else", &nothingElseChanges, {"dispatch.post-install-alone"})
+        Check("nothing-else", &PostInstallChangesNothingElse, {&PostInstallRunsAlone})
             .Claim("Post-install stores nothing else on the volume.")
             .Reason("Post-install sets two preference keys. It changes no other key and no other file. The "
                     "check runs with and without a status file."),
-        Check("post-install.order", &storedInOrder,
-              {"post-install.nothing-else", "post-install.language", "status-file.interval", "finder.folder",
-               "finder.icon", "finder.other-items", "preferences.scope"})
+        Check("order", &storedInOrder,
+              {&PostInstallChangesNothingElse, &LanguageIsStored, &IntervalFollowsText, &FolderFlagsAreSet,
+               &IconIsHidden, &OtherItemsKeepFlags, &ScopesAreRight})
             .Claim("Post-install stores the interval, the language and the Finder flags in this order.")
             .Reason("Each domain is synchronised after its value. A value that is set after the "
                     "synchronisation is lost when the installer ends."),
-        Check("preferences.scope", &scopesAreRight, {"dispatch.pre-install", "dispatch.post-install"})
+    }};
+
+const CheckGroup kPreferencesChecks = {
+    "preferences",
+    {
+        Check("scope", &ScopesAreRight, {&PreInstallReturns, &PostInstallReturns})
             .Claim("Every preference is stored for any user on the current host.")
             .Reason("The updater reads only this scope."),
-        Check("preferences.other-keys", &otherKeysStay, {"dispatch.pre-install", "dispatch.post-install"})
+        Check("other-keys", &otherKeysStay, {&PreInstallReturns, &PostInstallReturns})
             .Claim("The plug-in does not change other keys of the same preferences.")
             .Reason("The updater and the products store their own settings in the same files."),
-    };
-}
+    }};
 
 } // namespace xcodhost

@@ -31,20 +31,6 @@ void oldVersionIsReplaced(CheckRun& run) {
     run.ExpectPreference(kUpdaterDomain, versionKey(product), kVersionValue);
 }
 
-void unknownProductHasNoEffect(CheckRun& run) {
-    for (const std::int32_t product : kUnknownProducts) {
-        run.ExpectNoEffect(run.Deliver(Event(kPreInstall, product)));
-    }
-}
-
-void nothingElseChanges(CheckRun& run) {
-    for (const ProductContract& product : kProducts) {
-        run.UseFreshVolume();
-        ExpectNothingBeside(run, run.Deliver(Event(kPreInstall, product.code)).changes,
-                            {{kUpdaterDomain, versionKey(product)}});
-    }
-}
-
 void storedInOrder(CheckRun& run) {
     const Outcome outcome = run.Deliver(Event(kPreInstall, 4900));
     ExpectOrder(run, outcome,
@@ -54,29 +40,43 @@ void storedInOrder(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> PreInstallChecks() {
-    const std::vector<const char*> event = {"dispatch.pre-install"};
-    return {
-        Check("pre-install.version", &versionIsStored, event)
+void UnknownProductStoresNoVersion(CheckRun& run) {
+    for (const std::int32_t product : kUnknownProducts) {
+        run.ExpectNoEffect(run.Deliver(Event(kPreInstall, product)));
+    }
+}
+
+void PreInstallChangesNothingElse(CheckRun& run) {
+    for (const ProductContract& product : kProducts) {
+        run.UseFreshVolume();
+        ExpectNothingBeside(run, run.Deliver(Event(kPreInstall, product.code)).changes,
+                            {{kUpdaterDomain, versionKey(product)}});
+    }
+}
+
+const std::vector<Check::Body> kNeedsEvent = {&PreInstallReturns};
+
+const CheckGroup kPreInstallChecks = {
+    "pre-install",
+    {
+        Check("version", &versionIsStored, kNeedsEvent)
             .Claim("Pre-install stores the product's version in the updater's preferences.")
             .Reason("InstalledProducts/NAME/CurrentVersion in com.korvane.updater is the string 1.73 for "
                     "each known product. The updater compares this version with the newest version."),
-        Check("pre-install.replaces", &oldVersionIsReplaced, {"pre-install.version"})
+        Check("replaces", &oldVersionIsReplaced, {&versionIsStored})
             .Claim("Pre-install replaces a stored version of any type.")
             .Reason("The file of an older installation may hold a value of another type."),
-        Check("pre-install.unknown-product", &unknownProductHasNoEffect, {"dispatch.pre-install-alone"})
+        Check("unknown-product", &UnknownProductStoresNoVersion, {&PreInstallRunsAlone})
             .Claim("Pre-install has no effect for an unknown product.")
             .Reason("Pre-install must compare all 32 bits of the product code. The check uses codes near the "
                     "known ones and far from them."),
-        Check("pre-install.nothing-else", &nothingElseChanges, {"dispatch.pre-install-alone"})
+        Check("nothing-else", &PreInstallChangesNothingElse, {&PreInstallRunsAlone})
             .Claim("Pre-install changes nothing else on the volume.")
             .Reason("Pre-install sets one preference key. It changes no other key, no other file and no "
                     "Finder flag."),
-        Check("pre-install.order", &storedInOrder,
-              {"pre-install.version", "pre-install.nothing-else", "preferences.scope"})
+        Check("order", &storedInOrder, {&versionIsStored, &PreInstallChangesNothingElse, &ScopesAreRight})
             .Claim("Pre-install sets the value once and then synchronises the domain once.")
             .Reason("A value that is set after the synchronisation is lost when the installer ends."),
-    };
-}
+    }};
 
 } // namespace xcodhost

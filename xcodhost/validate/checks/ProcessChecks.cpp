@@ -36,15 +36,6 @@ void liveOnce(CheckRun& run) {
     run.ReleaseInterface();
 }
 
-void noObjectIsLeft(CheckRun& run) {
-    run.Bundle();
-    run.ForgetObjects();
-    liveOnce(run);
-    for (const std::string& object : run.ObjectsLeft()) {
-        run.Fail("every platform object is released", object);
-    }
-}
-
 /// The first runs may allocate memory that stays, for example buffers of the C library.
 void noMemoryGrows(CheckRun& run) {
     constexpr std::size_t lives = 50;
@@ -181,39 +172,54 @@ void nothingIsWrittenOutside(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> ProcessChecks() {
-    const std::vector<const char*> life = {"dispatch.pre-install", "dispatch.post-install",
-                                           "references.zero"};
-    return {
-        Check("process.objects", &noObjectIsLeft,
-              {"dispatch.pre-install", "dispatch.post-install", "references.zero", "references.frees"})
+void NoObjectIsLeft(CheckRun& run) {
+    run.Bundle();
+    run.ForgetObjects();
+    liveOnce(run);
+    for (const std::string& object : run.ObjectsLeft()) {
+        run.Fail("every platform object is released", object);
+    }
+}
+
+const std::vector<Check::Body> kNeedsEvents = {&PreInstallReturns, &PostInstallReturns,
+                                               &LastReleaseReturnsZero};
+
+const CheckGroup kProcessChecks = {
+    "process",
+    {
+        Check("objects", &NoObjectIsLeft,
+              {&PreInstallReturns, &PostInstallReturns, &LastReleaseReturnsZero, &LastReleaseFrees})
             .Claim("The plug-in releases every platform object by the time of its last Release.")
             .Reason("Platform objects are strings, numbers, URLs, Memory Manager blocks and others. The "
                     "report names each object that is left."),
-        Check("process.growth", &noMemoryGrows, {"process.objects", "process.threads"})
+        Check("growth", &noMemoryGrows, {&NoObjectIsLeft, &noThreadIsLeft})
             .Claim("Further runs in the same process leak no object and no memory.")
             .Reason("Installers of several products call the plug-in many times."),
-        Check("process.processes", &noProcessIsLeft, life)
+        Check("processes", &noProcessIsLeft, kNeedsEvents)
             .Claim("The plug-in starts no process.")
             .Reason("A process would outlive the installation."),
-        Check("process.threads", &noThreadIsLeft, life)
+        Check("threads", &noThreadIsLeft, kNeedsEvents)
             .Claim("The plug-in starts no thread.")
             .Reason("The installer unloads the code that the thread runs."),
-        Check("process.descriptors", &descriptorsAreClosed, life)
+        Check("descriptors", &descriptorsAreClosed, kNeedsEvents)
             .Claim("The plug-in closes every file that it opens.")
             .Reason("The installer's process continues to run."),
-        Check("process.state", &processStateStays, life)
+        Check("state", &processStateStays, kNeedsEvents)
             .Claim("The plug-in keeps the working directory, the file mode mask, the locale and the signal "
                    "handlers.")
             .Reason("They belong to the installer and to its other plug-ins."),
-        Check("process.silent", &nothingIsPrinted, life)
+        Check("silent", &nothingIsPrinted, kNeedsEvents)
             .Claim("The plug-in prints nothing.")
             .Reason("The output streams belong to the installer."),
-        Check("volume.nothing-outside", &nothingIsWrittenOutside, life)
+    }};
+
+const CheckGroup kVolumeChecks = {
+    "volume",
+    {
+        Check("nothing-outside", &nothingIsWrittenOutside, kNeedsEvents)
             .Claim("The plug-in writes nothing outside the startup volume.")
             .Reason("The check examines every system call of the plug-in and its child processes that "
                     "creates, changes or removes an item."),
-    };
-}
+    }};
 
 } // namespace xcodhost

@@ -24,18 +24,6 @@ void expectCount(CheckRun& run, ULONG wanted, ULONG seen, const char* call) {
                std::to_string(seen));
 }
 
-void countsOneByOne(CheckRun& run) {
-    FunctionBlock** const instance = run.Bundle().MakeInstance();
-    expectCount(run, 2, addReference(run, instance), "AddRef");
-    expectCount(run, 1, release(run, instance), "Release");
-}
-
-/// A check of its own, because this call also frees the instance.
-void lastReleaseReturnsZero(CheckRun& run) {
-    FunctionBlock** const instance = run.Bundle().MakeInstance();
-    expectCount(run, 0, release(run, instance), "the last Release");
-}
-
 void countsFar(CheckRun& run) {
     constexpr ULONG many = 70000; // more than 16 bits can count
     FunctionBlock** const instance = run.Bundle().MakeInstance();
@@ -51,17 +39,6 @@ bool hasBlock(const CheckRun& run) {
     const auto left = run.ObjectsLeft();
     return std::any_of(left.begin(), left.end(),
                        [](const std::string& line) { return line.rfind("memory block", 0) == 0; });
-}
-
-void lastReleaseFrees(CheckRun& run) {
-    run.Bundle();
-    run.ForgetObjects();
-    FunctionBlock** const instance = run.Bundle().MakeInstance();
-    addReference(run, instance);
-    release(run, instance);
-    run.Expect(hasBlock(run), "the instance is allocated while it has a reference", "freed");
-    release(run, instance);
-    run.Expect(!hasBlock(run), "the last Release frees the instance", "still allocated");
 }
 
 /// Releases the last reference while the main entry runs.
@@ -83,27 +60,50 @@ void releaseInsideCall(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> ReferenceChecks() {
-    return {
-        Check("references.counting", &countsOneByOne, {"function-block.slots"})
+void CountsOneByOne(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    expectCount(run, 2, addReference(run, instance), "AddRef");
+    expectCount(run, 1, release(run, instance), "Release");
+}
+
+/// A check of its own, because this call also frees the instance.
+void LastReleaseReturnsZero(CheckRun& run) {
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    expectCount(run, 0, release(run, instance), "the last Release");
+}
+
+void LastReleaseFrees(CheckRun& run) {
+    run.Bundle();
+    run.ForgetObjects();
+    FunctionBlock** const instance = run.Bundle().MakeInstance();
+    addReference(run, instance);
+    release(run, instance);
+    run.Expect(hasBlock(run), "the instance is allocated while it has a reference", "freed");
+    release(run, instance);
+    run.Expect(!hasBlock(run), "the last Release frees the instance", "still allocated");
+}
+
+const CheckGroup kReferencesChecks = {
+    "references",
+    {
+        Check("counting", &CountsOneByOne, {&SlotsAreFilled})
             .Claim("AddRef and Release return the new count, and a new instance has one reference.")
             .Reason("On a new instance AddRef returns 2, and then Release returns 1."),
-        Check("references.zero", &lastReleaseReturnsZero, {"references.counting"})
+        Check("zero", &LastReleaseReturnsZero, {&CountsOneByOne})
             .Claim("The last Release returns 0.")
             .Reason("The installer unloads the bundle when Release returns 0."),
-        Check("references.many", &countsFar, {"references.counting"})
+        Check("many", &countsFar, {&CountsOneByOne})
             .Claim("The count is exact for 70,000 references.")
             .Reason("A count of 16 bits or less overflows."),
-        Check("references.frees", &lastReleaseFrees, {"references.counting", "factory.pointer-block"})
+        Check("frees", &LastReleaseFrees, {&CountsOneByOne, &InstanceLiesInPointerBlock})
             .Claim("The last Release frees the instance, and no earlier Release does.")
             .Reason(
                 "The instance is a Memory Manager block. The platform records which blocks are allocated."),
-        Check("references.inside-call", &releaseInsideCall,
-              {"dispatch.post-install", "references.zero", "post-install.language"})
+        Check("inside-call", &releaseInsideCall,
+              {&PostInstallReturns, &LastReleaseReturnsZero, &LanguageIsStored})
             .Claim("The host may release the last reference while the main entry runs.")
             .Reason("An event must not use the instance. The parameter block holds everything that the event "
                     "needs."),
-    };
-}
+    }};
 
 } // namespace xcodhost

@@ -46,14 +46,6 @@ SampleVolume withStatus(std::optional<std::string> status) {
 
 std::string intervalValue(const char* interval) { return std::string("(integer) ") + interval; }
 
-void intervalFollowsText(CheckRun& run) {
-    for (const StatusText& text : statusTexts()) {
-        run.UseFreshVolume(withStatus(text.bytes));
-        run.Deliver(Event(kPostInstall, 4900));
-        run.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue(text.interval));
-    }
-}
-
 void everyProductSetsInterval(CheckRun& run) {
     for (const ProductContract& product : kProducts) {
         run.UseFreshVolume(withStatus("UpdatesDisabled"));
@@ -130,40 +122,49 @@ void fileIsOnlyRead(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> StatusFileChecks() {
-    const std::vector<const char*> event = {"dispatch.post-install"};
-    return {
-        Check("status-file.interval", &intervalFollowsText, event)
+void IntervalFollowsText(CheckRun& run) {
+    for (const StatusText& text : statusTexts()) {
+        run.UseFreshVolume(withStatus(text.bytes));
+        run.Deliver(Event(kPostInstall, 4900));
+        run.ExpectPreference(kUpdaterDomain, kIntervalKey, intervalValue(text.interval));
+    }
+}
+
+const std::vector<Check::Body> kNeedsEvent = {&PostInstallReturns};
+
+const CheckGroup kStatusFileChecks = {
+    "status-file",
+    {
+        Check("interval", &IntervalFollowsText, kNeedsEvent)
             .Claim("UpdateInterval is 2 if the status file begins with UpdatesEnabled, and 0 otherwise.")
             .Reason("Post-install compares the first 14 bytes and distinguishes upper and lower case. A NUL "
                     "ends the text. The check uses fifteen files. Some are empty, long or damaged."),
-        Check("status-file.products", &everyProductSetsInterval, {"status-file.interval"})
+        Check("products", &everyProductSetsInterval, {&IntervalFollowsText})
             .Claim("Post-install reads the status file for every known product.")
             .Reason("All products share the updater."),
-        Check("status-file.missing", &missingFileMeansDefault, event)
+        Check("missing", &missingFileMeansDefault, kNeedsEvent)
             .Claim("UpdateInterval is 2 if there is no status file.")
             .Reason("The updater has not run yet."),
-        Check("status-file.no-failure", &noFailureNoText, event)
+        Check("no-failure", &noFailureNoText, kNeedsEvent)
             .Claim("Post-install stores InstallStatus only if it fails to read the status file.")
             .Reason("The updater treats InstallStatus as a failure."),
-        Check("status-file.unreadable", &unreadableFileMeansDefault, {"status-file.interval"})
+        Check("unreadable", &unreadableFileMeansDefault, {&IntervalFollowsText})
             .Claim("UpdateInterval is 2 if the status file cannot be read.")
             .Reason("The check makes the call that opens the file fail, as for a file of another user."),
-        Check("status-file.failure-text", &unreadableFileIsReported, {"status-file.interval"})
+        Check("failure-text", &unreadableFileIsReported, {&IntervalFollowsText})
             .Claim("InstallStatus is \"Error opening file\" if the status file cannot be opened.")
             .Reason("The updater reads the reason of the failure from InstallStatus."),
-        Check("status-file.failure-silent", &unreadableFileIsNoError, event)
+        Check("failure-silent", &unreadableFileIsNoError, kNeedsEvent)
             .Claim("An unreadable status file changes no error bit and shows no alert.")
             .Reason("The failure concerns only the updater."),
-        Check("status-file.failure-rest", &unreadableFileLeavesTheRest,
-              {"status-file.failure-text", "post-install.language", "finder.folder", "finder.icon",
-               "finder.other-items"})
+        Check("failure-rest", &unreadableFileLeavesTheRest,
+              {&unreadableFileIsReported, &LanguageIsStored, &FolderFlagsAreSet, &IconIsHidden,
+               &OtherItemsKeepFlags})
             .Claim("Post-install stores the language and the Finder flags if the status file cannot be read.")
             .Reason("The failure concerns only the updater."),
-        Check("status-file.kept", &fileIsOnlyRead, event)
+        Check("kept", &fileIsOnlyRead, kNeedsEvent)
             .Claim("Post-install does not change the status file.")
             .Reason("The status file belongs to the updater."),
-    };
-}
+    }};
 
 } // namespace xcodhost

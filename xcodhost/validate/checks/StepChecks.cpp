@@ -133,49 +133,50 @@ void acceptedCallIsSilent(CheckRun& run) {
 
 } // namespace
 
-std::vector<Check> StepChecks() {
-    const std::vector<const char*> direct = {"steps.return"};
-    return {
-        Check("steps.null-block", &nullBlockDoesNothing, {"bundle.loads"})
+const std::vector<Check::Body> kNeedsSteps = {&stepsReturn};
+
+const CheckGroup kStepsChecks = {
+    "steps",
+    {
+        Check("null-block", &nullBlockDoesNothing, {&CodeLoads})
             .Claim("The exported steps do nothing for a null block.")
             .Reason("A host may call the exported steps without a block. The main entry always receives a "
                     "block."),
-        Check("steps.return", &stepsReturn, {"bundle.loads", "dispatch.pre-install", "dispatch.post-install"})
+        Check("return", &stepsReturn, {&CodeLoads, &PreInstallReturns, &PostInstallReturns})
             .Claim("The exported steps return from events and from rejected calls.")
             .Reason("The report names the call that crashes, hangs, exits or throws."),
-        Check("steps.same-effects", &stepsDoAsMainEntry,
-              {"steps.return", "dispatch.pre-install-alone", "dispatch.post-install-alone"})
+        Check("same-effects", &stepsDoAsMainEntry,
+              {&stepsReturn, &PreInstallRunsAlone, &PostInstallRunsAlone})
             .Claim("The exported steps have the same effects as the main entry.")
             .Reason("A host may call the main entry or the exported steps."),
-        Check("steps.alert", &refusalShowsAlert, direct)
+        Check("alert", &refusalShowsAlert, kNeedsSteps)
             .Claim("A step that gets a wrong selector first shows the failure alert.")
             .Reason("Both steps show the same text, \"Unable to set post install option keys.\""),
-        Check("steps.alert-buttons", &alertHasOneButton, direct)
+        Check("alert-buttons", &alertHasOneButton, kNeedsSteps)
             .Claim("The alert has only the platform's default button.")
             .Reason("The user has no choice to make."),
-        Check("steps.stop-alert", &stopAlertFollows, direct)
+        Check("stop-alert", &stopAlertFollows, kNeedsSteps)
             .Claim("Stop alert 5000 follows the alert.")
             .Reason("The text of the stop alert is in a resource of the installer."),
-        Check("steps.alerts-once", &nothingElseIsShown, direct)
+        Check("alerts-once", &nothingElseIsShown, kNeedsSteps)
             .Claim("A rejected call shows at most one alert and one stop alert.")
             .Reason("The step shows each of the two once."),
-        Check("steps.error-bit", &refusalSetsBit, direct)
+        Check("error-bit", &refusalSetsBit, kNeedsSteps)
             .Claim("A step that gets a wrong selector sets bit 0 of the error flags.")
             .Reason("This bit is the only way to report the failure to the installer."),
-        Check("steps.other-bits", &refusalKeepsOtherBits, direct)
+        Check("other-bits", &refusalKeepsOtherBits, kNeedsSteps)
             .Claim("A rejected call of a step does not change the other error bits.")
             .Reason("The other bits belong to the host and to other plug-ins."),
-        Check("steps.refused-idle", &rejectionHasNoOtherEffect, direct)
+        Check("refused-idle", &rejectionHasNoOtherEffect, kNeedsSteps)
             .Claim("A rejected call of a step has no effect on the volume.")
             .Reason("The step stores no preference and sets no Finder flag."),
-        Check("steps.answer", &chosenButtonDoesNotMatter,
-              {"steps.alert", "steps.stop-alert", "steps.alerts-once", "steps.error-bit"})
+        Check("answer", &chosenButtonDoesNotMatter,
+              {&refusalShowsAlert, &stopAlertFollows, &nothingElseIsShown, &refusalSetsBit})
             .Claim("The answers to the alerts do not change the result of a rejected call.")
             .Reason("The user may dismiss an alert. On a machine without a screen no alert is shown."),
-        Check("steps.silent", &acceptedCallIsSilent, direct)
+        Check("silent", &acceptedCallIsSilent, kNeedsSteps)
             .Claim("A step that gets the right selector shows no alert.")
             .Reason("An unknown product is not an error."),
-    };
-}
+    }};
 
 } // namespace xcodhost
