@@ -40,18 +40,14 @@ public:
 private:
     void Step() {
         switch (input.ConsumeIntegralInRange<int>(0, 5)) {
-        case 0:
-            return Move();
+        case 0: return Move();
         case 1:
             order = input.ConsumeIntegralInRange<unsigned int>(0, 4);
             return stream.SetEndianType(static_cast<Util::DataStream::EndianType>(order));
         case 2:
-        case 3:
-            return NumberOfSomeType();
-        case 4:
-            return Text();
-        default:
-            return Block();
+        case 3: return NumberOfSomeType();
+        case 4: return Text();
+        default: return Block();
         }
     }
 
@@ -134,30 +130,18 @@ private:
 
     void NumberOfSomeType() {
         switch (input.ConsumeIntegralInRange<int>(0, 11)) {
-        case 0:
-            return Number<bool>();
-        case 1:
-            return Number<char>();
-        case 2:
-            return Number<signed char>();
-        case 3:
-            return Number<unsigned char>();
-        case 4:
-            return Number<short>();
-        case 5:
-            return Number<unsigned short>();
-        case 6:
-            return Number<int>();
-        case 7:
-            return Number<unsigned int>();
-        case 8:
-            return Number<long>();
-        case 9:
-            return Number<long long>();
-        case 10:
-            return Number<float>();
-        default:
-            return Number<double>();
+        case 0: return Number<bool>();
+        case 1: return Number<char>();
+        case 2: return Number<signed char>();
+        case 3: return Number<unsigned char>();
+        case 4: return Number<short>();
+        case 5: return Number<unsigned short>();
+        case 6: return Number<int>();
+        case 7: return Number<unsigned int>();
+        case 8: return Number<long>();
+        case 9: return Number<long long>();
+        case 10: return Number<float>();
+        default: return Number<double>();
         }
     }
 

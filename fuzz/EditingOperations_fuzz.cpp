@@ -105,14 +105,10 @@ private:
 
     void Step() {
         switch (input.ConsumeIntegralInRange<int>(0, 3)) {
-        case 0:
-            return EditInPlace();
-        case 1:
-            return ReplaceByCopy();
-        case 2:
-            return Search();
-        default:
-            return SplitAndJoin();
+        case 0: return EditInPlace();
+        case 1: return ReplaceByCopy();
+        case 2: return Search();
+        default: return SplitAndJoin();
         }
     }
 
@@ -171,8 +167,7 @@ private:
     void ReplaceByCopy() {
         const unsigned int place = Place();
         switch (input.ConsumeIntegralInRange<int>(0, 8)) {
-        case 0:
-            return Become(text.Left(place), bytes.substr(0, place), "Left");
+        case 0: return Become(text.Left(place), bytes.substr(0, place), "Left");
         case 1:
             return Become(text.Right(place),
                           bytes.substr(bytes.size() - std::min<std::size_t>(place, bytes.size())), "Right");
@@ -182,14 +177,10 @@ private:
             return Become(text.Mid(place, count), place < bytes.size() ? bytes.substr(place, most) : "",
                           "Mid");
         }
-        case 3:
-            return Become(text.ToUpper(), mapped(bytes, raised), "ToUpper");
-        case 4:
-            return Become(text.ToLower(), mapped(bytes, folded), "ToLower");
-        case 5:
-            return Become(text.StripWhiteSpace(), stripped(bytes), "StripWhiteSpace");
-        case 6:
-            return Become(text.SimplifyWhiteSpace(), wordsOf(bytes), "SimplifyWhiteSpace");
+        case 3: return Become(text.ToUpper(), mapped(bytes, raised), "ToUpper");
+        case 4: return Become(text.ToLower(), mapped(bytes, folded), "ToLower");
+        case 5: return Become(text.StripWhiteSpace(), stripped(bytes), "StripWhiteSpace");
+        case 6: return Become(text.SimplifyWhiteSpace(), wordsOf(bytes), "SimplifyWhiteSpace");
         case 7: {
             const char from = Byte(), to = Byte();
             std::string expected = bytes;

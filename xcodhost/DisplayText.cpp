@@ -24,17 +24,10 @@ bool isControl(std::string_view character) {
 void appendEscaped(std::string& out, std::string_view bytes) {
     for (const char c : bytes) {
         switch (c) {
-        case '\r':
-            out += "\\r";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        default:
-            (out += "\\x") += hexDigits(static_cast<unsigned char>(c), 2);
+        case '\r': out += "\\r"; break;
+        case '\n': out += "\\n"; break;
+        case '\t': out += "\\t"; break;
+        default: (out += "\\x") += hexDigits(static_cast<unsigned char>(c), 2);
         }
     }
 }

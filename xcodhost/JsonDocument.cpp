@@ -32,12 +32,8 @@ Json integerJson(const PropertyValue& value) {
 Json ValueJson(const PropertyValue& value) {
     Json content;
     switch (value.kind) {
-    case PropertyValue::Kind::kBoolean:
-        content = value.integer != 0;
-        break;
-    case PropertyValue::Kind::kInteger:
-        content = integerJson(value);
-        break;
+    case PropertyValue::Kind::kBoolean: content = value.integer != 0; break;
+    case PropertyValue::Kind::kInteger: content = integerJson(value); break;
     case PropertyValue::Kind::kArray:
     case PropertyValue::Kind::kSet:
         content = Json::array();
@@ -51,8 +47,7 @@ Json ValueJson(const PropertyValue& value) {
                                                             ValueJson(value.values[i]));
         }
         break;
-    default:
-        content = macplatform::EscapeSurrogates(value.text);
+    default: content = macplatform::EscapeSurrogates(value.text);
     }
     return {{"type", value.KindName()}, {"value", std::move(content)}};
 }

@@ -162,12 +162,9 @@ Texts kdialogCommand(const std::string& path, const Texts& lines, const Texts& b
 
 Texts commandFor(const DialogProgram& program, const Texts& lines, const Texts& buttons) {
     switch (program.kind) {
-    case Kind::kYad:
-        return yadCommand(program.path, lines, buttons);
-    case Kind::kZenity:
-        return zenityCommand(program.path, lines, buttons);
-    default:
-        return kdialogCommand(program.path, lines, buttons);
+    case Kind::kYad: return yadCommand(program.path, lines, buttons);
+    case Kind::kZenity: return zenityCommand(program.path, lines, buttons);
+    default: return kdialogCommand(program.path, lines, buttons);
     }
 }
 

@@ -39,22 +39,14 @@ T at(std::string_view bytes, std::uint64_t offset) {
 
 std::string architectureOf(unsigned int machine, bool is64Bit) {
     switch (machine) {
-    case EM_386:
-        return "i386";
-    case EM_X86_64:
-        return is64Bit ? "x86_64" : "x32";
-    case EM_AARCH64:
-        return "arm64";
-    case EM_ARM:
-        return "arm";
-    case EM_PPC:
-        return "ppc";
-    case EM_PPC64:
-        return "ppc64";
-    case EM_RISCV:
-        return is64Bit ? "riscv64" : "riscv32";
-    default:
-        return "machine " + std::to_string(machine) + (is64Bit ? " (64-bit)" : " (32-bit)");
+    case EM_386: return "i386";
+    case EM_X86_64: return is64Bit ? "x86_64" : "x32";
+    case EM_AARCH64: return "arm64";
+    case EM_ARM: return "arm";
+    case EM_PPC: return "ppc";
+    case EM_PPC64: return "ppc64";
+    case EM_RISCV: return is64Bit ? "riscv64" : "riscv32";
+    default: return "machine " + std::to_string(machine) + (is64Bit ? " (64-bit)" : " (32-bit)");
     }
 }
 

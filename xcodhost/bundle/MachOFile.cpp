@@ -37,20 +37,13 @@ Layout layoutOf(std::string_view bytes) {
 
 std::string architectureOf(std::uint32_t processor) {
     switch (processor) {
-    case CPU_TYPE_I386:
-        return "i386";
-    case CPU_TYPE_X86_64:
-        return "x86_64";
-    case CPU_TYPE_ARM:
-        return "arm";
-    case CPU_TYPE_ARM64:
-        return "arm64";
-    case CPU_TYPE_POWERPC:
-        return "ppc";
-    case CPU_TYPE_POWERPC64:
-        return "ppc64";
-    default:
-        return "processor " + std::to_string(processor);
+    case CPU_TYPE_I386: return "i386";
+    case CPU_TYPE_X86_64: return "x86_64";
+    case CPU_TYPE_ARM: return "arm";
+    case CPU_TYPE_ARM64: return "arm64";
+    case CPU_TYPE_POWERPC: return "ppc";
+    case CPU_TYPE_POWERPC64: return "ppc64";
+    default: return "processor " + std::to_string(processor);
     }
 }
 

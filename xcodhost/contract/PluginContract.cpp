@@ -20,12 +20,9 @@ std::string Describe(const CFUUIDBytes& identifier) {
 
 std::string EventName(std::uint16_t message) {
     switch (message) {
-    case kPreInstall:
-        return "pre-install";
-    case kPostInstall:
-        return "post-install";
-    default:
-        return "message " + std::to_string(message);
+    case kPreInstall: return "pre-install";
+    case kPostInstall: return "post-install";
+    default: return "message " + std::to_string(message);
     }
 }
 

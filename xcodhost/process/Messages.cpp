@@ -135,24 +135,15 @@ std::optional<Message> Decode(std::string_view line) {
 const char* LoadFailureReason(macplatform::BundleFault fault) {
     using macplatform::BundleFault;
     switch (fault) {
-    case BundleFault::kNone:
-        return "unknown";
-    case BundleFault::kNoBundle:
-        return "no-bundle";
-    case BundleFault::kBrokenPropertyList:
-        return "broken-property-list";
-    case BundleFault::kMissingKey:
-        return "missing-key";
-    case BundleFault::kNoExecutable:
-        return "no-executable";
-    case BundleFault::kWrongArchitecture:
-        return "wrong-architecture";
-    case BundleFault::kCannotLoad:
-        return "cannot-load";
-    case BundleFault::kSymbolMissing:
-        return "symbol-missing";
-    case BundleFault::kFactoryReturnedNull:
-        return "factory-refused";
+    case BundleFault::kNone: return "unknown";
+    case BundleFault::kNoBundle: return "no-bundle";
+    case BundleFault::kBrokenPropertyList: return "broken-property-list";
+    case BundleFault::kMissingKey: return "missing-key";
+    case BundleFault::kNoExecutable: return "no-executable";
+    case BundleFault::kWrongArchitecture: return "wrong-architecture";
+    case BundleFault::kCannotLoad: return "cannot-load";
+    case BundleFault::kSymbolMissing: return "symbol-missing";
+    case BundleFault::kFactoryReturnedNull: return "factory-refused";
     }
     return "unknown";
 }

@@ -57,15 +57,11 @@ Json endJson(const RunResult& result) {
         return {{"kind", "signal"},
                 {"signal", name ? "SIG" + std::string(name) : std::to_string(result.end.code)}};
     }
-    case ChildEnd::Kind::kExited:
-        return {{"kind", "exit"}, {"code", result.end.code}};
-    case ChildEnd::Kind::kTimeLimitExceeded:
-        return {{"kind", "time-limit"}, {"seconds", result.end.seconds}};
+    case ChildEnd::Kind::kExited: return {{"kind", "exit"}, {"code", result.end.code}};
+    case ChildEnd::Kind::kTimeLimitExceeded: return {{"kind", "time-limit"}, {"seconds", result.end.seconds}};
     case ChildEnd::Kind::kReportLimitExceeded:
-    case ChildEnd::Kind::kOutputLimitExceeded:
-        return {{"kind", "broken-report"}};
-    case ChildEnd::Kind::kFinished:
-        break;
+    case ChildEnd::Kind::kOutputLimitExceeded: return {{"kind", "broken-report"}};
+    case ChildEnd::Kind::kFinished: break;
     }
     if (result.exception) {
         return {{"kind", "exception"}, {"type", result.exception->type}, {"what", result.exception->what}};

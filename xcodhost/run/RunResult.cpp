@@ -67,8 +67,7 @@ Verdict VerdictOf(const RunResult& result) {
     case ChildEnd::Kind::kReportLimitExceeded:
     case ChildEnd::Kind::kOutputLimitExceeded:
         return {ExitStatus::kCrashed, "FAIL sent too much or invalid data to the host " + lastCall(result)};
-    case ChildEnd::Kind::kFinished:
-        break;
+    case ChildEnd::Kind::kFinished: break;
     }
     if (result.exception) {
         return {ExitStatus::kCrashed, "FAIL exception " + exceptionText(*result.exception) +

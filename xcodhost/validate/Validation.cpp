@@ -20,18 +20,12 @@ constexpr std::size_t kOutputKept = 2000;
 
 std::string describeEnd(const ChildEnd& end) {
     switch (end.kind) {
-    case ChildEnd::Kind::kSignalled:
-        return "crashed: " + SignalName(end.code);
-    case ChildEnd::Kind::kExited:
-        return "ended the process: exit status " + std::to_string(end.code);
-    case ChildEnd::Kind::kTimeLimitExceeded:
-        return "no return within " + Seconds(end.seconds);
-    case ChildEnd::Kind::kReportLimitExceeded:
-        return "sent too much or invalid data to the host";
-    case ChildEnd::Kind::kOutputLimitExceeded:
-        return "printed too much";
-    case ChildEnd::Kind::kFinished:
-        break;
+    case ChildEnd::Kind::kSignalled: return "crashed: " + SignalName(end.code);
+    case ChildEnd::Kind::kExited: return "ended the process: exit status " + std::to_string(end.code);
+    case ChildEnd::Kind::kTimeLimitExceeded: return "no return within " + Seconds(end.seconds);
+    case ChildEnd::Kind::kReportLimitExceeded: return "sent too much or invalid data to the host";
+    case ChildEnd::Kind::kOutputLimitExceeded: return "printed too much";
+    case ChildEnd::Kind::kFinished: break;
     }
     return {};
 }

@@ -74,20 +74,13 @@ void copySettings(const std::string& from, const struct stat& status, const std:
 bool copyContents(const std::string& from, const struct stat& status, const std::string& to) {
     std::error_code error;
     switch (status.st_mode & S_IFMT) {
-    case S_IFDIR:
-        fs::create_directory(to, error);
-        break;
-    case S_IFREG:
-        fs::copy_file(from, to, error);
-        break;
-    case S_IFLNK:
-        fs::copy_symlink(from, to, error);
-        break;
+    case S_IFDIR: fs::create_directory(to, error); break;
+    case S_IFREG: fs::copy_file(from, to, error); break;
+    case S_IFLNK: fs::copy_symlink(from, to, error); break;
     case S_IFIFO:
         if (mkfifo(to.c_str(), 0600) < 0) throw cannotCopy(to);
         break;
-    default:
-        return false;
+    default: return false;
     }
     if (error) throw ToolFault("the scratch copy of the volume: " + Printable(from) + ": " + error.message());
     return true;

@@ -56,18 +56,12 @@ public:
 private:
     void ReadCommand(std::uint32_t kind, const ByteView& command, std::uint32_t place) {
         switch (kind) {
-        case LC_SEGMENT:
-            ReadSegment(command);
-            break;
+        case LC_SEGMENT: ReadSegment(command); break;
         case LC_LOAD_DYLIB:
         case LC_LOAD_WEAK_DYLIB:
-        case LC_REEXPORT_DYLIB:
-            ++image.libraries;
-            break;
+        case LC_REEXPORT_DYLIB: ++image.libraries; break;
         case LC_DYLD_INFO:
-        case LC_DYLD_INFO_ONLY:
-            ReadTables(command.Get<dyld_info_command>(0));
-            break;
+        case LC_DYLD_INFO_ONLY: ReadTables(command.Get<dyld_info_command>(0)); break;
         default:
             if ((kind & LC_REQ_DYLD) != 0)
                 throw UnsupportedMachO("unsupported load command " + std::to_string(kind & ~LC_REQ_DYLD) +

@@ -98,26 +98,19 @@ template <typename Use>
 bool withCType(CFNumberType type, Use use) {
     switch (type) {
     case kCFNumberSInt8Type:
-    case kCFNumberCharType:
-        return use(static_cast<std::int8_t*>(nullptr));
+    case kCFNumberCharType: return use(static_cast<std::int8_t*>(nullptr));
     case kCFNumberSInt16Type:
-    case kCFNumberShortType:
-        return use(static_cast<std::int16_t*>(nullptr));
+    case kCFNumberShortType: return use(static_cast<std::int16_t*>(nullptr));
     case kCFNumberSInt32Type:
-    case kCFNumberIntType:
-        return use(static_cast<std::int32_t*>(nullptr));
+    case kCFNumberIntType: return use(static_cast<std::int32_t*>(nullptr));
     case kCFNumberSInt64Type:
-    case kCFNumberLongLongType:
-        return use(static_cast<std::int64_t*>(nullptr));
+    case kCFNumberLongLongType: return use(static_cast<std::int64_t*>(nullptr));
     case kCFNumberLongType:
-    case kCFNumberCFIndexType:
-        return use(static_cast<long*>(nullptr));
+    case kCFNumberCFIndexType: return use(static_cast<long*>(nullptr));
     case kCFNumberFloat32Type:
-    case kCFNumberFloatType:
-        return use(static_cast<float*>(nullptr));
+    case kCFNumberFloatType: return use(static_cast<float*>(nullptr));
     case kCFNumberFloat64Type:
-    case kCFNumberDoubleType:
-        return use(static_cast<double*>(nullptr));
+    case kCFNumberDoubleType: return use(static_cast<double*>(nullptr));
     }
     return false;
 }

@@ -50,27 +50,19 @@ namespace {
 
 std::string encodingName(CFStringEncoding encoding) {
     switch (encoding) {
-    case kCFStringEncodingMacRoman:
-        return "kCFStringEncodingMacRoman";
-    case kCFStringEncodingASCII:
-        return "kCFStringEncodingASCII";
-    case kCFStringEncodingUTF8:
-        return "kCFStringEncodingUTF8";
-    default:
-        return std::to_string(encoding);
+    case kCFStringEncodingMacRoman: return "kCFStringEncodingMacRoman";
+    case kCFStringEncodingASCII: return "kCFStringEncodingASCII";
+    case kCFStringEncodingUTF8: return "kCFStringEncodingUTF8";
+    default: return std::to_string(encoding);
     }
 }
 
 std::optional<std::u16string> decode(std::string_view bytes, CFStringEncoding encoding) {
     switch (encoding) {
-    case kCFStringEncodingMacRoman:
-        return DecodeMacRoman(bytes);
-    case kCFStringEncodingASCII:
-        return DecodeAscii(bytes);
-    case kCFStringEncodingUTF8:
-        return DecodeUtf8(bytes);
-    default:
-        return std::nullopt;
+    case kCFStringEncodingMacRoman: return DecodeMacRoman(bytes);
+    case kCFStringEncodingASCII: return DecodeAscii(bytes);
+    case kCFStringEncodingUTF8: return DecodeUtf8(bytes);
+    default: return std::nullopt;
     }
 }
 
@@ -82,14 +74,10 @@ CFStringRef newDecodedString(std::string_view bytes, CFStringEncoding encoding) 
 
 std::optional<std::string> encode(std::u16string_view units, CFStringEncoding encoding) {
     switch (encoding) {
-    case kCFStringEncodingMacRoman:
-        return EncodeMacRoman(units);
-    case kCFStringEncodingASCII:
-        return EncodeAscii(units);
-    case kCFStringEncodingUTF8:
-        return EncodeUtf8(units);
-    default:
-        return std::nullopt;
+    case kCFStringEncodingMacRoman: return EncodeMacRoman(units);
+    case kCFStringEncodingASCII: return EncodeAscii(units);
+    case kCFStringEncodingUTF8: return EncodeUtf8(units);
+    default: return std::nullopt;
     }
 }
 

@@ -69,12 +69,9 @@ CFURLRef createUrl(CFStringRef text, CFURLPathStyle style, bool isDirectory) {
 
 std::string styleName(CFURLPathStyle style) {
     switch (style) {
-    case kCFURLPOSIXPathStyle:
-        return "kCFURLPOSIXPathStyle";
-    case kCFURLHFSPathStyle:
-        return "kCFURLHFSPathStyle";
-    case kCFURLWindowsPathStyle:
-        return "kCFURLWindowsPathStyle";
+    case kCFURLPOSIXPathStyle: return "kCFURLPOSIXPathStyle";
+    case kCFURLHFSPathStyle: return "kCFURLHFSPathStyle";
+    case kCFURLWindowsPathStyle: return "kCFURLWindowsPathStyle";
     }
     return std::to_string(style);
 }

@@ -69,10 +69,8 @@ std::string scalarObject(const PropertyValue& value) {
         return marker(BinaryKind::kSimple, value.integer != 0 ? kTrueMarker : kFalseMarker);
     case PropertyValue::Kind::kInteger:
         return integerObject(static_cast<std::uint64_t>(value.integer), value.text[0] == '-');
-    case PropertyValue::Kind::kReal:
-        return realObject(value.real);
-    default:
-        return stringObject(value.text);
+    case PropertyValue::Kind::kReal: return realObject(value.real);
+    default: return stringObject(value.text);
     }
 }
 

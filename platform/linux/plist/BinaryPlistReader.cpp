@@ -111,22 +111,14 @@ private:
 
 PropertyValue BinaryObject::ScalarValue() const {
     switch (kind) {
-    case BinaryKind::kInteger:
-        return integerValue(contents);
-    case BinaryKind::kReal:
-        return RealValue(realFrom(contents));
-    case BinaryKind::kDate:
-        return DateValue(realFrom(contents));
-    case BinaryKind::kData:
-        return DataValue(contents);
-    case BinaryKind::kLatin1String:
-        return StringValue(DecodeAscii(contents));
-    case BinaryKind::kUtf16String:
-        return StringValue(utf16From(contents));
-    case BinaryKind::kUid:
-        return UidValue(bigEndian(contents));
-    default:
-        return low == kNullMarker ? NullValue() : BooleanValue(low == kTrueMarker);
+    case BinaryKind::kInteger: return integerValue(contents);
+    case BinaryKind::kReal: return RealValue(realFrom(contents));
+    case BinaryKind::kDate: return DateValue(realFrom(contents));
+    case BinaryKind::kData: return DataValue(contents);
+    case BinaryKind::kLatin1String: return StringValue(DecodeAscii(contents));
+    case BinaryKind::kUtf16String: return StringValue(utf16From(contents));
+    case BinaryKind::kUid: return UidValue(bigEndian(contents));
+    default: return low == kNullMarker ? NullValue() : BooleanValue(low == kTrueMarker);
     }
 }
 
@@ -193,22 +185,15 @@ std::size_t BinaryPlistObjects::SizeOf(const BinaryObject& scalar, std::size_t c
     case BinaryKind::kSimple:
         require(low == kNullMarker || low == kFalseMarker || low == kTrueMarker);
         return 0;
-    case BinaryKind::kInteger:
-        require(low <= 4);
-        return std::size_t{1} << low;
+    case BinaryKind::kInteger: require(low <= 4); return std::size_t{1} << low;
     case BinaryKind::kReal:
     case BinaryKind::kDate:
         require(low == 3 || (low == 2 && scalar.kind == BinaryKind::kReal));
         return std::size_t{1} << low;
-    case BinaryKind::kUid:
-        require(low < 8);
-        return low + 1;
+    case BinaryKind::kUid: require(low < 8); return low + 1;
     case BinaryKind::kData:
-    case BinaryKind::kLatin1String:
-        return count;
-    default:
-        require(scalar.kind == BinaryKind::kUtf16String && count <= table / 2);
-        return count * 2;
+    case BinaryKind::kLatin1String: return count;
+    default: require(scalar.kind == BinaryKind::kUtf16String && count <= table / 2); return count * 2;
     }
 }
 

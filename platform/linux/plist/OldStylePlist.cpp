@@ -94,14 +94,10 @@ private:
         SkipSpace();
         Count();
         switch (Next()) {
-        case '{':
-            return ReadContainer(&OldStyleReader::ReadEntries, '}');
-        case '(':
-            return ReadContainer(&OldStyleReader::ReadItems, ')');
-        case '<':
-            return ReadData();
-        default:
-            return StringValue(ReadString());
+        case '{': return ReadContainer(&OldStyleReader::ReadEntries, '}');
+        case '(': return ReadContainer(&OldStyleReader::ReadItems, ')');
+        case '<': return ReadData();
+        default: return StringValue(ReadString());
         }
     }
 

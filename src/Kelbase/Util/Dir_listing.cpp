@@ -95,16 +95,13 @@ private:
 /// Returns whether `d_type` says that an entry is a regular file. Returns absent if `stat` is needed.
 std::optional<bool> isRecordedAsFile(const dirent& entry) {
     switch (entry.d_type) {
-    case DT_REG:
-        return true;
+    case DT_REG: return true;
     case DT_DIR:
     case DT_FIFO:
     case DT_SOCK:
     case DT_CHR:
-    case DT_BLK:
-        return false;
-    default:
-        return std::nullopt; // a link has the type of its target, and some volumes have no d_type
+    case DT_BLK: return false;
+    default: return std::nullopt; // a link has the type of its target, and some volumes have no d_type
     }
 }
 

@@ -32,8 +32,7 @@ unsigned short toAscii(unsigned short unit, char decimalPoint) {
     case 0xFF0D: // full-width hyphen-minus
     case 0x2212: // minus sign
         return '-';
-    default:
-        return unit;
+    default: return unit;
     }
 }
 

@@ -12,22 +12,14 @@ FileIO::~FileIO() = default;
 
 String FileIO::GetErrorDescription() const {
     switch (kind) {
-    case FileNotFound:
-        return "File not found";
-    case OpenError:
-        return "Open error";
-    case ReadError:
-        return "Read error";
-    case WriteError:
-        return "Write error";
-    case CloseError:
-        return "Close error";
-    case RemoveError:
-        return "Remove error";
-    case RenameError:
-        return "Rename error";
-    case UnexpectedError:
-        return "Unexpected error";
+    case FileNotFound: return "File not found";
+    case OpenError: return "Open error";
+    case ReadError: return "Read error";
+    case WriteError: return "Write error";
+    case CloseError: return "Close error";
+    case RemoveError: return "Remove error";
+    case RenameError: return "Rename error";
+    case UnexpectedError: return "Unexpected error";
     }
     return " Unknown error"; // programs that read these texts expect the blank
 }

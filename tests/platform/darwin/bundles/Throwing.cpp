@@ -15,16 +15,10 @@ void deliver(char* block) {
     std::int32_t fault = 0;
     std::memcpy(&fault, block + 4, sizeof fault);
     switch (fault) {
-    case 1:
-        throw std::runtime_error("no good");
-    case 2:
-        throw 42;
-    case 3:
-        std::vector<int>().at(5);
-        break;
-    case 4:
-        *reinterpret_cast<volatile int*>(8) = 1;
-        break;
+    case 1: throw std::runtime_error("no good");
+    case 2: throw 42;
+    case 3: std::vector<int>().at(5); break;
+    case 4: *reinterpret_cast<volatile int*>(8) = 1; break;
     default:
         if (!gMadeByAnInitialiser) block[8] = 1;
     }
