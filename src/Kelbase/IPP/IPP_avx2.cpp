@@ -35,6 +35,7 @@ struct Vectors {
         return _mm256_cvtepi32_pd(_mm_cvtepi16_epi32(IPP::getHalf(src)));
     }
 
+    static __m256 SignedHalf(__m256 x) { return _mm256_or_ps(_mm256_and_ps(x, Every(-0.0f)), Every(0.5f)); }
     static __m256 MultiplyAdd(__m256 x, __m256 y, __m256 z) { return _mm256_fmadd_ps(x, y, z); }
     static __m256i Truncate(__m256 v) { return _mm256_cvttps_epi32(v); }
     static __m256i Pack(__m256i low, __m256i high) {

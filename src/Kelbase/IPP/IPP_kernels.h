@@ -11,6 +11,7 @@
 ///     const Implementation& Narrower()         the implementation for arrays shorter than a register
 ///     Register Every(value)                    repeats a float, a double or a `long long`
 ///     Register Load(const Source*, Target())   loads and converts the elements of one register
+///     Register SignedHalf(floats)              0.5 with the signs of the floats
 ///     Register MultiplyAdd(x, y, z)            x * y + z; the product need not be rounded
 ///     Register Truncate(floats)                the smallest int for NaN and for values out of range
 ///     Register Pack(low, high)                 limits two registers of ints to the range of short
@@ -74,9 +75,7 @@ auto ToInts(const float* src, Floats factor) {
     const Floats x = Vectors::Load(src, float());
     if (!round) return Vectors::Truncate(x * factor);
     // For -0.0 the scalar implementation adds +0.5 and this one adds -0.5. Both sums are truncated to 0.
-    using Bits = decltype(Vectors::Every(0LL));
-    const Bits half = (Bits(x) & Bits(Vectors::Every(-0.0f))) | Bits(Vectors::Every(0.5f));
-    return Vectors::Truncate(Vectors::MultiplyAdd(x, factor, Floats(half)));
+    return Vectors::Truncate(Vectors::MultiplyAdd(x, factor, Vectors::SignedHalf(x)));
 }
 
 ///@{

@@ -47,6 +47,7 @@ struct Vectors {
         return {_mm_cvtepi32_pd(v), _mm_cvtepi32_pd(_mm_unpackhi_epi64(v, v))};
     }
 
+    static __m128 SignedHalf(__m128 x) { return _mm_or_ps(_mm_and_ps(x, Every(-0.0f)), Every(0.5f)); }
     static __m128 MultiplyAdd(__m128 x, __m128 y, __m128 z) { return x * y + z; }
     static __m128i Truncate(__m128 v) { return _mm_cvttps_epi32(v); }
     static __m128i Pack(__m128i low, __m128i high) { return _mm_packs_epi32(low, high); }
