@@ -12,7 +12,7 @@ enum : CFStringEncoding {
 };
 
 /// Returns a constant string, which is never freed. Equal literals give the same object. A literal that is
-/// not ASCII ends the process.
+/// not ASCII ends the process. Only a macro rejects an argument that is no literal.
 #define CFSTR(literal) __CFStringMakeConstantString("" literal "")
 
 MACPLATFORM_C_BEGIN

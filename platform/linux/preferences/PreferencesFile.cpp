@@ -81,7 +81,6 @@ public:
             entries = ContainerValue(PropertyValue::Kind::kDictionary);
             return {};
         }
-        exists = true;
         // If the file is a symbolic link, its target is resolved inside the volume. A change replaces the
         // link with a regular file.
         const std::string target = HostPath(std::string(kPreferencesFolder) + '/' + name);
@@ -111,8 +110,8 @@ public:
     std::string Write() {
         if (changes.empty()) return {};
         const EditedPropertyList edited = EditPropertyList(bytes, changes);
-        if (edited.root.keys.empty()) {
-            return !exists || unlinkat(folder.Get(), name.c_str(), 0) == 0 ? std::string() : why(path, errno);
+        if (edited.root.keys.empty()) { // keys were removed, so that the file exists
+            return unlinkat(folder.Get(), name.c_str(), 0) == 0 ? std::string() : why(path, errno);
         }
         const int failed = ReplaceFile(folder.Get(), name, edited.bytes);
         if (failed != 0) return why(path, failed);
@@ -130,7 +129,6 @@ private:
     PropertyValue entries; ///< The entries of the file.
     PropertyListChanges changes;
     std::string lost;
-    bool exists = false;
 };
 
 /// Reads, changes and writes the file. Returns an empty string, or the error message.

@@ -58,7 +58,8 @@ void* operator new(std::size_t size) {
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
-/// Replaces a function of the C library. 32-bit code calls the variants for large files.
+/// Replaces a function of the C library. 32-bit code calls the variants for large files. Only a macro can
+/// define a function with a given symbol.
 #define FAILING_CALL(RESULT, FAILURE, NAME, SYMBOL, PARAMETERS, ARGUMENTS)                                   \
     extern "C" RESULT __real_##SYMBOL PARAMETERS;                                                            \
     extern "C" RESULT __wrap_##SYMBOL PARAMETERS {                                                           \

@@ -56,6 +56,7 @@ int visit64(const char*, const struct stat64*, int) { return 0; }
 int visitNode(const char*, const struct stat*, int, FTW*) { return 0; }
 int visitNode64(const char*, const struct stat64*, int, FTW*) { return 0; }
 
+/// A macro, because the rows would be twice as long with the head of the lambda.
 #define CALL(EXPRESSION) [](const char* path) -> long { return EXPRESSION; }
 
 // clang-format off
