@@ -373,8 +373,15 @@ TEST(IPP, BlockOperationsCountInElements) {
     const unsigned char b[] = {1, 2, 4};
     EXPECT_TRUE(IPP::Equal(2, a, b));
     EXPECT_FALSE(IPP::Equal(3, a, b));
+    EXPECT_FALSE(IPP::Equal(1, &a[2], &b[2]));
     IPP::Move(2, &a[0], &a[1]);
     EXPECT_THAT(a, testing::ElementsAre(1, 1, 2));
+    float reals[] = {1, 2, 3};
+    IPP::Move(2, &reals[0], &reals[1]);
+    EXPECT_THAT(reals, testing::ElementsAre(1, 1, 2));
+    short shorts[] = {1, 2, 3};
+    IPP::Move(2, &shorts[1], &shorts[0]);
+    EXPECT_THAT(shorts, testing::ElementsAre(2, 3, 3));
 }
 
 TEST(IPP, AcceptsNullForNoElements) {
@@ -395,6 +402,11 @@ TEST(IPP, AcceptsNullForNoElements) {
     IPP::Move(0, &narrow, static_cast<short*>(nullptr));
     IPP::Set(0, static_cast<int*>(nullptr), 9);
     IPP::Zero(0, static_cast<double*>(nullptr));
+}
+
+TEST(RoundToInt, RoundsHalfAwayFromZero) {
+    const std::pair<float, int> rows[] = {{0.5f, 1}, {-0.5f, -1}, {2.49f, 2}, {-2.5f, -3}, {3e9f, INT_MIN}};
+    for (const auto& [real, rounded] : rows) EXPECT_EQ(Util::RoundToInt(real), rounded) << real;
 }
 
 TEST(PowerOfTwo, IsExactFromZeroToInfinity) {

@@ -164,6 +164,8 @@ TEST(ByteStream, ReportsFailedReads) {
     EXPECT_EQ(failureOf([&] { stream.Read(4, bytes); }), "Can't read 4 bytes");
     EXPECT_EQ(failureOf([&] { stream >> four; }), "Can't read 4 bytes");
     EXPECT_EQ(stream.GetPosition(), 0u);
+    stream.Read(2, bytes + 2);
+    EXPECT_EQ(stream.GetPosition(), 2u);
     stream.SetPosition(4294967295u);
     EXPECT_EQ(failureOf([&] { stream.ReadPrimitive(true); }),
               "Can't extract 1 bytes at position 4294967295, total size 3");

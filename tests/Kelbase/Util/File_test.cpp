@@ -34,6 +34,9 @@ std::ptrdiff_t openDescriptors() {
 }
 
 TEST(File, OpenFollowsItsModeBits) {
+    EXPECT_EQ(File::Read, 2u);
+    EXPECT_EQ(File::Write, 4u);
+    EXPECT_EQ(File::ReadWrite, 8u);
     constexpr unsigned int r = 0x02, w = 0x04, rw = 0x08, a = 0x10, t = 0x20;
     struct {
         unsigned int bits;

@@ -42,6 +42,7 @@ TEST(PlatformInfo, MapFilesAndCallStacksAreNotSupported) {
     Util::GetCallStack(0, nullptr);
 
     std::map<unsigned int, Util::MapFileFunctionInfo> table;
+    EXPECT_EQ(Util::MapFileFunctionInfo().size, 0u);
     EXPECT_FALSE(Util::ParseMapFile(table, FilePath("/a.map", false), 0));
     EXPECT_TRUE(table.empty());
     table[0x1000] = {"function", 16};

@@ -49,6 +49,8 @@ TEST(StringFind, DetectsPrefixAndSuffix) {
     EXPECT_TRUE(String("abc").BeginsWith("AB", false));
     EXPECT_FALSE(String("abc").BeginsWith("AB"));
     EXPECT_FALSE(String("abc").BeginsWith("abcd"));
+    EXPECT_TRUE(String("abc").BeginsWith("abc"));
+    EXPECT_TRUE(String("Folder and file").BeginsWith("FOLDER", false));
     EXPECT_TRUE(String("abc").EndsWith("Bc", false));
     EXPECT_TRUE(String().EndsWith(""));
     EXPECT_FALSE(String("aXb").EndsWith("yb", false));

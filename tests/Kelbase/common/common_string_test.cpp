@@ -43,6 +43,8 @@ TEST(String, CopiesBytesUpToNulOrLimit) {
     EXPECT_TRUE(String('\0') == "");
 }
 
+TEST(String, HasOneLineFeedOfThePlatform) { EXPECT_EQ(Bytes(String::GetPlatformLinefeed()), "\n"); }
+
 TEST(String, ComparesBytesAsUnsignedNumbers) {
     EXPECT_TRUE(String("B") < String("a"));
     EXPECT_TRUE(String("ab") < String("a\xE9"));
@@ -83,6 +85,8 @@ TEST(String, ResizeReplacesCutCharactersByNulBytes) {
         {"a\xC3\xA9", 3, "a\xC3\xA9"},
         {"\xE2\x82\xAC", 2, std::string(2, '\0')},
         {"\xF0\x9F\x98\x80z", 4, "\xF0\x9F\x98\x80"},
+        {"\xF0\x9F\x98\x80z", 3, std::string(3, '\0')},
+        {"\xFC\x80\x80\x80\x80\x80z", 6, "\xFC\x80\x80\x80\x80\x80"},
         {"\xF8\x88\x80\x80\x80", 4, std::string(4, '\0')},
         {"\xFE\x80\x80\x80\x80\x80\x80", 7, "\xFE\x80\x80\x80\x80\x80\x80"},
         {"\x80\x80x", 2, "\x80\x80"}, // no lead byte
