@@ -43,7 +43,7 @@ struct NoFailure : Failure<Result> {
 template <template <typename> class IfFailed = Failure, typename Show, typename Body>
 auto MakePlatformCall(const char* name, Show show, Body body) {
     PlatformCall call(name);
-    const auto perform = [&body, &call] {
+    const auto perform = [&] {
         if constexpr (std::is_invocable_v<Body&, PlatformCall&>) {
             return body(call);
         } else {
@@ -52,7 +52,7 @@ auto MakePlatformCall(const char* name, Show show, Body body) {
     };
     using Result = decltype(perform());
     using Failed = IfFailed<Result>;
-    const auto fail = [&call](long code) -> Result {
+    const auto fail = [&](long code) -> Result {
         if constexpr (Failed::kText != nullptr) return call.Result(Failed()(code), Failed::kText);
         return Failed()(code);
     };
