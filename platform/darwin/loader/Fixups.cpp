@@ -12,7 +12,8 @@ constexpr std::uint32_t kPointerSize = 4;
 /// The action of each operation of a table, by the upper four bits of the operation.
 using Actions = std::map<std::uint8_t, std::function<void()>>;
 
-/// Reads a table of fix-ups. Its operations set the next pointer and change pointers.
+/// Reads a table of fix-ups. Its operations set the next pointer and change pointers. The masks of rebases
+/// and of binds are the same.
 class FixUpTable {
 public:
     FixUpTable(const char* tableName, std::string_view tableBytes, const ImageFile& imageFile)

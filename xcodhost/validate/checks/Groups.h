@@ -24,6 +24,7 @@ extern const CheckGroup kFaultsChecks;        ///< Failed platform calls.
 extern const CheckGroup kProcessChecks;       ///< The state of the host's process.
 extern const CheckGroup kVolumeChecks;        ///< The items outside the startup volume.
 
+// The bodies of the checks that checks of other groups depend on.
 void FactoryHasItsName(CheckRun& run);
 void CodeLoads(CheckRun& run);
 void RightTypeGivesInstance(CheckRun& run);
